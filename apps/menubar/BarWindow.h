@@ -1,0 +1,36 @@
+#pragma once
+
+#include <QWidget>
+
+#include <vector>
+
+class ItemWidget;
+
+/// The dock along the top of the primary screen. Follows the screen when it comes, goes or changes.
+class BarWindow final : public QWidget {
+    Q_OBJECT
+
+  public:
+    BarWindow();
+    ~BarWindow() override;
+
+    /// Shows the items from right to left; each as wide as it wants to be.
+    void placeItems(const std::vector<ItemWidget*>& fromRight);
+
+  signals:
+    /// The palette changed between light and dark.
+    void lookChanged();
+
+  protected:
+    void paintEvent(QPaintEvent* event) override;
+    void changeEvent(QEvent* event) override;
+    void resizeEvent(QResizeEvent* event) override;
+
+  private:
+    void followScreen();
+    void dock();
+
+    std::vector<ItemWidget*> fromRight_;
+    QMetaObject::Connection geometryConnection_;
+    QMetaObject::Connection resolutionConnection_;
+};

@@ -1,0 +1,294 @@
+#include "apps/menubar/MenuBar.h"
+
+#include "apps/menubar/BarLook.h"
+#include "platform/Guard.h"
+#include "platform/Log.h"
+#include "platform/qt/Modifiers.h"
+#include "platform/qt/QtGraphics.h"
+
+#include <QFileInfo>
+#include <QGuiApplication>
+#include <QPainter>
+#include <QSaveFile>
+#include <QTimer>
+#include <QUrl>
+
+#include <algorithm>
+#include <utility>
+
+using namespace platform;
+
+namespace {
+
+QString qString(std::string_view text) {
+    return QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size()));
+}
+
+} // namespace
+
+MenuBar::MenuBar(qt::QtGraphics& graphics)
+    : graphics_(graphics), asHost_(*this), asEvents_(*this) {}
+
+MenuBar::~MenuBar() {
+    while (!items_.empty())
+        remove(items_.back().reference);
+}
+
+void MenuBar::show() {
+    window_.show();
+}
+
+// Items come and go.
+
+MenuExtraStatus MenuBar::addLater(std::string_view url, std::int32_t position) {
+    const QUrl parsed(qString(url), QUrl::StrictMode);
+    const std::string path = parsed.toLocalFile().toStdString();
+    if (!parsed.isLocalFile() || !QFileInfo(parsed.toLocalFile()).isAbsolute()) {
+        logLine("no menu extra loaded: %@ is no file URL", url);
+        return MenuExtraStatus::BadParameter;
+    }
+    if (!QFileInfo(parsed.toLocalFile()).isDir()) {
+        logLine("no menu extra loaded: there is no bundle at %@", path);
+        return MenuExtraStatus::FileNotFound;
+    }
+    QTimer::singleShot(0, this, [this, path, position] { add(path, position); });
+    return MenuExtraStatus::NoError;
+}
+
+MenuExtraStatus MenuBar::add(const std::string& path, std::int32_t position) {
+    const JudgedBundle judged = judgeBundle(path);
+    if (!judged) {
+        logLine("menu extra at %@ refused: %@", path, judged.reason);
+        return MenuExtraStatus::Refused;
+    }
+    if (itemWith(judged.identifier)) {
+        logLine("menu extra %@ is loaded already", judged.identifier);
+        return MenuExtraStatus::NoError;
+    }
+    LoadedItem loadedItem = loadItem(judged);
+    if (!loadedItem)
+        return MenuExtraStatus::Refused;
+    Item item{++lastReference_, position, path, std::move(loadedItem), nullptr};
+    const auto place = std::find_if(items_.begin(), items_.end(), [&](const Item& other) {
+        return other.position > item.position;
+    });
+    show(*items_.insert(place, std::move(item)));
+    emit loaded(qString(judged.identifier));
+    return MenuExtraStatus::NoError;
+}
+
+void MenuBar::show(Item& item) {
+    item.widget = std::make_unique<ItemWidget>(item.loaded.identifier, item.loaded.extra, graphics_,
+                                               &window_);
+    connect(item.widget.get(), &ItemWidget::pressed, this,
+            [this, &item](const Event& event) { send(item, event); });
+    connect(item.widget.get(), &ItemWidget::drawn, this,
+            [&item] { setDisplayed(*item.loaded.extra->view()); });
+    placeItems();
+}
+
+MenuExtraStatus MenuBar::remove(std::uint32_t reference) {
+    const auto found = std::find_if(items_.begin(), items_.end(),
+                                    [&](const Item& item) { return item.reference == reference; });
+    if (found == items_.end()) {
+        logLine("no menu extra has the reference %d", reference);
+        return MenuExtraStatus::NotLoaded;
+    }
+    const QString identifier = qString(found->loaded.identifier);
+    closeMenuOf(*found);
+    runGuarded(found->loaded.identifier, [&] { found->loaded.extra->willUnload(); });
+    std::list<Item> leaving;
+    leaving.splice(leaving.end(), items_, found);
+    unload(std::move(leaving.front().loaded), std::move(leaving.front().widget));
+    placeItems();
+    emit unloaded(identifier);
+    return MenuExtraStatus::NoError;
+}
+
+void MenuBar::unload(LoadedItem item, std::unique_ptr<ItemWidget> widget) {
+    const std::weak_ptr<MenuExtra> extra = item.extra;
+    const std::weak_ptr<MenuExtraView> view = item.extra->view();
+    widget.reset();
+    item.extra.reset();
+    if (extra.expired() && view.expired())
+        return;
+    logLine("menu extra %@ is still held by somebody, its code stays loaded", item.identifier);
+    codeInUse_.push_back(std::move(item.code));
+}
+
+std::optional<std::uint32_t> MenuBar::find(std::string_view identifier) const {
+    for (const Item& item : items_) {
+        if (item.loaded.identifier == identifier)
+            return item.reference;
+    }
+    return std::nullopt;
+}
+
+std::vector<MenuBar::Description> MenuBar::items() const {
+    std::vector<Description> result;
+    for (const Item& item : items_)
+        result.push_back(
+            {item.loaded.identifier, item.path, item.position, item.loaded.extra->length()});
+    return result;
+}
+
+MenuBar::Item* MenuBar::itemOf(const MenuExtra& extra) {
+    const auto item = std::find_if(items_.begin(), items_.end(),
+                                   [&](const Item& i) { return i.loaded.extra.get() == &extra; });
+    return item == items_.end() ? nullptr : &*item;
+}
+
+MenuBar::Item* MenuBar::itemWith(std::string_view identifier) {
+    const auto item = std::find_if(items_.begin(), items_.end(), [&](const Item& i) {
+        return i.loaded.identifier == identifier;
+    });
+    return item == items_.end() ? nullptr : &*item;
+}
+
+void MenuBar::placeItems() {
+    std::vector<ItemWidget*> widgets;
+    for (const Item& item : items_) {
+        if (item.widget)
+            widgets.push_back(item.widget.get());
+    }
+    window_.placeItems(widgets);
+}
+
+// What items ask for.
+
+double MenuBar::statusBarThickness() const {
+    return kBarHeight;
+}
+
+void MenuBar::viewNeedsDisplay(MenuExtraView& view) {
+    Item* item = view.owner() ? itemOf(*view.owner()) : nullptr;
+    if (item && item->widget)
+        item->widget->update();
+}
+
+void MenuBar::lengthChanged(MenuExtra& extra) {
+    const Item* item = itemOf(extra);
+    if (item && item->widget && item->widget->wantedWidth() != item->widget->width())
+        placeItems();
+}
+
+Event MenuBar::currentEvent() const {
+    if (handledEvent_)
+        return *handledEvent_;
+    return {.modifierFlags = qt::modifierFlags(QGuiApplication::keyboardModifiers()),
+            .clickCount = 0};
+}
+
+// Clicks and menus.
+
+bool MenuBar::click(std::string_view identifier, const Event& event) {
+    const Item* item = itemWith(identifier);
+    if (!item) {
+        logLine("no click: menu extra %@ is not loaded", identifier);
+        return false;
+    }
+    return send(*item, event);
+}
+
+bool MenuBar::send(const Item& item, const Event& event) {
+    menuRequested_ = false;
+    const auto outerEvent = std::exchange(handledEvent_, event);
+    const bool calm =
+        runGuarded(item.loaded.identifier, [&] { item.loaded.extra->view()->mouseDown(event); });
+    handledEvent_ = outerEvent;
+    return calm && !menuRequested_;
+}
+
+void MenuBar::toggleMenu(MenuExtra& extra) {
+    menuRequested_ = true;
+    Item* item = itemOf(extra);
+    if (!item || justClosed_ == &extra)
+        return;
+    if (extra.isMenuDown())
+        closeMenuOf(*item);
+    else
+        showMenu(*item);
+}
+
+void MenuBar::showMenu(Item& item) {
+    if (qt::QtMenu* other = openMenu())
+        other->close();
+    MenuExtra& extra = *item.loaded.extra;
+    std::unique_ptr<qt::QtMenu> menu;
+    runGuarded(item.loaded.identifier, [&] {
+        extra.menuWillOpen();
+        if (const auto model = extra.menu())
+            menu = std::make_unique<qt::QtMenu>(*model, item.loaded.identifier);
+    });
+    if (!menu || menu->isEmpty()) {
+        runGuarded(item.loaded.identifier, [&] { extra.menuDidClose(); });
+        return;
+    }
+    connect(menu.get(), &QMenu::aboutToHide, this, [this, &extra] { menuClosed(extra); });
+    setMenuDown(extra, true);
+    item.widget->update();
+    menus_.push_back({&extra, std::move(menu)});
+    menus_.back().menu->popup(item.widget->mapToGlobal(QPoint(0, kBarHeight)));
+}
+
+void MenuBar::closeMenuOf(Item& item) {
+    if (item.loaded.extra->isMenuDown())
+        openMenu()->close();
+    std::erase_if(menus_,
+                  [&](const ShownMenu& shown) { return shown.owner == item.loaded.extra.get(); });
+}
+
+void MenuBar::menuClosed(MenuExtra& extra) {
+    if (!extra.isMenuDown())
+        return;
+    setMenuDown(extra, false);
+    if (const Item* item = itemOf(extra)) {
+        item->widget->update();
+        runGuarded(item->loaded.identifier, [&] { extra.menuDidClose(); });
+    }
+    // The press that closes a menu reaches the item below it as well: that must not open it again.
+    justClosed_ = &extra;
+    QTimer::singleShot(0, this, [this] {
+        justClosed_ = nullptr;
+        std::erase_if(menus_, [](const ShownMenu& shown) { return !shown.menu->isVisible(); });
+    });
+}
+
+qt::QtMenu* MenuBar::openMenu() const {
+    const auto shown = std::find_if(menus_.begin(), menus_.end(),
+                                    [](const ShownMenu& menu) { return menu.owner->isMenuDown(); });
+    return shown == menus_.end() ? nullptr : shown->menu.get();
+}
+
+// Pictures.
+
+QImage MenuBar::picture() {
+    const QPixmap bar = window_.grab();
+    const qt::QtMenu* menu = openMenu();
+    if (!menu)
+        return bar.toImage();
+    const QPoint offset = menu->pos() - window_.pos();
+    const QRect whole = window_.rect().united(QRect(offset, menu->size()));
+    const double scale = bar.devicePixelRatio();
+    QImage image((QSizeF(whole.size()) * scale).toSize(), QImage::Format_ARGB32_Premultiplied);
+    image.setDevicePixelRatio(scale);
+    image.fill(Qt::transparent);
+    QPainter painter(&image);
+    painter.drawPixmap(-whole.topLeft(), bar);
+    painter.drawPixmap(offset - whole.topLeft(), const_cast<qt::QtMenu*>(menu)->grab());
+    return image;
+}
+
+bool MenuBar::snapshot(const std::string& path) {
+    const QString name = qString(path);
+    if (!QFileInfo(name).isAbsolute()) {
+        logLine("no picture: %@ is no absolute path", path);
+        return false;
+    }
+    QSaveFile file(name);
+    const bool written =
+        file.open(QIODevice::WriteOnly) && picture().save(&file, "PNG") && file.commit();
+    if (!written)
+        logLine("no picture at %@: %@", path, file.errorString().toStdString());
+    return written;
+}

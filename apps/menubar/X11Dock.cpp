@@ -1,0 +1,67 @@
+#include "apps/menubar/X11Dock.h"
+
+#include <QGuiApplication>
+#include <QScreen>
+#include <QWindow>
+
+#include <array>
+#include <cmath>
+#include <cstdint>
+#include <cstdlib>
+#include <memory>
+#include <string_view>
+#include <xcb/xcb.h>
+
+namespace {
+
+/// Null where there is no X server; "offscreen" has the interface but no connection.
+xcb_connection_t* connection() {
+    const auto* x11 = qGuiApp->nativeInterface<QNativeInterface::QX11Application>();
+    return x11 ? x11->connection() : nullptr;
+}
+
+xcb_atom_t atom(xcb_connection_t* x, std::string_view name) {
+    const auto cookie = xcb_intern_atom(x, 0, static_cast<std::uint16_t>(name.size()), name.data());
+    const std::unique_ptr<xcb_intern_atom_reply_t, decltype(&std::free)> reply(
+        xcb_intern_atom_reply(x, cookie, nullptr), std::free);
+    return reply ? reply->atom : xcb_atom_t{XCB_ATOM_NONE};
+}
+
+template <std::size_t count>
+void setProperty(const QWindow& window, std::string_view name, xcb_atom_t type,
+                 const std::array<std::uint32_t, count>& values) {
+    xcb_connection_t* x = connection();
+    xcb_change_property(x, XCB_PROP_MODE_REPLACE, static_cast<xcb_window_t>(window.winId()),
+                        atom(x, name), type, 32, count, values.data());
+}
+
+std::uint32_t pixels(double points, double ratio) {
+    return static_cast<std::uint32_t>(std::lround(std::ceil(points * ratio)));
+}
+
+} // namespace
+
+void X11Dock::makeDock(QWindow& window) {
+    xcb_connection_t* x = connection();
+    if (!x)
+        return;
+    setProperty(window, "_NET_WM_WINDOW_TYPE", XCB_ATOM_ATOM,
+                std::array{atom(x, "_NET_WM_WINDOW_TYPE_DOCK")});
+    // On all desktops, or some window managers reserve the space on one only.
+    setProperty(window, "_NET_WM_DESKTOP", XCB_ATOM_CARDINAL, std::array{0xFFFFFFFFU});
+}
+
+void X11Dock::reserveTop(QWindow& window, const QScreen& screen, int height) {
+    if (!connection())
+        return;
+    // A screen's origin is in native pixels as it is; its size is in points.
+    const double ratio = screen.devicePixelRatio();
+    const auto top = static_cast<std::uint32_t>(screen.geometry().top()) + pixels(height, ratio);
+    const auto left = static_cast<std::uint32_t>(screen.geometry().left());
+    const std::uint32_t right = left + pixels(screen.geometry().width(), ratio) - 1;
+    setProperty(window, "_NET_WM_STRUT", XCB_ATOM_CARDINAL,
+                std::array<std::uint32_t, 4>{0, 0, top, 0});
+    setProperty(window, "_NET_WM_STRUT_PARTIAL", XCB_ATOM_CARDINAL,
+                std::array<std::uint32_t, 12>{0, 0, top, 0, 0, 0, 0, 0, left, right, 0, 0});
+    xcb_flush(connection());
+}

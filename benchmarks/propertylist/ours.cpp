@@ -1,0 +1,50 @@
+// Times one operation on a property list and prints "<milliseconds> <peak memory in KiB>":
+// propertylist_ours floor|read|write FILE. "floor" reads the bytes and looks at each once.
+
+#include "platform/FileManager.h"
+#include "platform/PropertyList.h"
+#include "platform/expat/ExpatPropertyLists.h"
+
+#include <algorithm>
+#include <chrono>
+#include <cstdio>
+#include <cstdlib>
+#include <limits>
+#include <string_view>
+#include <sys/resource.h>
+
+namespace {
+
+template <class Operation>
+int report(Operation operation) {
+    const auto start = std::chrono::steady_clock::now();
+    const bool done = operation();
+    const std::chrono::duration<double, std::milli> time = std::chrono::steady_clock::now() - start;
+    rusage usage{};
+    getrusage(RUSAGE_SELF, &usage);
+    std::printf("%.2f %ld\n", time.count(), usage.ru_maxrss);
+    std::fflush(stdout);
+    std::_Exit(done ? EXIT_SUCCESS : EXIT_FAILURE);
+}
+
+} // namespace
+
+int main(int argc, char** argv) {
+    if (argc != 3)
+        return EXIT_FAILURE;
+    const std::string_view operation = argv[1];
+    const std::string path = argv[2];
+    platform::expat::install();
+    if (operation == "floor")
+        return report([&] {
+            const auto file =
+                platform::fileManager().readFile(path, std::numeric_limits<std::uint64_t>::max());
+            return file && std::ranges::count(*file.contents, '<') > 0;
+        });
+    if (operation == "read")
+        return report([&] { return static_cast<bool>(platform::propertyLists().read(path)); });
+    const auto list = platform::propertyLists().read(path);
+    if (operation == "write" && list)
+        return report([&] { return platform::propertyLists().serialize(*list.value).has_value(); });
+    return EXIT_FAILURE;
+}

@@ -1,0 +1,18 @@
+"""The same as ours.cpp, with Python's plistlib: plistlib_peer.py read|write FILE."""
+
+import os
+import plistlib
+import resource
+import sys
+import time
+
+operation, path = sys.argv[1:]
+start = time.monotonic()
+with open(path, "rb") as file:
+    value = plistlib.load(file)
+if operation == "write":
+    start = time.monotonic()
+    plistlib.dumps(value)
+elapsed = (time.monotonic() - start) * 1e3
+print(f"{elapsed:.2f} {resource.getrusage(resource.RUSAGE_SELF).ru_maxrss}", flush=True)
+os._exit(0)

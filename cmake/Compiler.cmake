@@ -1,0 +1,39 @@
+# How everything in this tree is compiled, and where what is built goes: build trees have the
+# folders of an installation, so that programs find their items the same way in both.
+
+add_library(halvex_compiler_options INTERFACE)
+target_compile_features(halvex_compiler_options INTERFACE cxx_std_20)
+target_compile_options(halvex_compiler_options INTERFACE
+  -Wall -Wextra -Wpedantic -Wshadow -Wconversion
+  # A plug-in whose symbols are "unique" can never be unloaded.
+  $<$<CXX_COMPILER_ID:GNU>:-fno-gnu-unique>)
+if(HALVEX_WARNINGS_AS_ERRORS)
+  target_compile_options(halvex_compiler_options INTERFACE -Werror)
+endif()
+target_include_directories(halvex_compiler_options INTERFACE ${PROJECT_SOURCE_DIR})
+
+if(HALVEX_SANITIZE)
+  add_compile_options(-fsanitize=${HALVEX_SANITIZE} -fno-omit-frame-pointer)
+  add_link_options(-fsanitize=${HALVEX_SANITIZE})
+  if(HALVEX_SANITIZE MATCHES undefined)
+    add_compile_options(-fno-sanitize-recover=undefined)
+    # The vptr check wants the typeinfo of Qt classes that are built without it.
+    add_compile_options(-fno-sanitize=vptr)
+  endif()
+endif()
+
+set(CMAKE_CXX_EXTENSIONS OFF)
+set(CMAKE_POSITION_INDEPENDENT_CODE ON)
+
+find_program(HALVEX_CCACHE ccache)
+if(HALVEX_CCACHE)
+  set(CMAKE_CXX_COMPILER_LAUNCHER ${HALVEX_CCACHE})
+endif()
+
+set(HALVEX_LIBRARY_FOLDER lib)
+set(HALVEX_PRIVATE_FOLDER lib/halvex)
+set(HALVEX_OWN_ITEMS_FOLDER ${HALVEX_PRIVATE_FOLDER}/MenuExtras)
+set(CMAKE_RUNTIME_OUTPUT_DIRECTORY ${PROJECT_BINARY_DIR}/bin)
+set(CMAKE_LIBRARY_OUTPUT_DIRECTORY ${PROJECT_BINARY_DIR}/${HALVEX_LIBRARY_FOLDER})
+set(CMAKE_INSTALL_RPATH "$ORIGIN/../${HALVEX_LIBRARY_FOLDER}")
+set(CMAKE_BUILD_RPATH_USE_ORIGIN ON)

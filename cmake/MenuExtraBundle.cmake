@@ -1,0 +1,46 @@
+# halvex_add_menu_extra(NAME
+#   SOURCES file...            the item's code; it links libHalvexTools alone
+#   IDENTIFIER id              CFBundleIdentifier
+#   PRINCIPAL_CLASS class      the class that HALVEX_MENU_EXTRA exports
+#   VERSION version            CFBundleVersion and CFBundleShortVersionString
+#   [INFO_PLIST template]      instead of cmake/MenuExtra-Info.plist.in
+#   [DISPLAY_NAME name]        CFBundleName; NAME without it
+#   [FOLDER folder]            where the bundle is put in the build tree
+#   [RESOURCES file...])
+#
+# Makes the bundle FOLDER/NAME.menu: Contents/Info.plist, Contents/Linux/NAME, Contents/Resources.
+# The bundle's folder is the target property MENU_EXTRA_BUNDLE.
+set(HALVEX_BUNDLE_TEMPLATE ${CMAKE_CURRENT_LIST_DIR}/MenuExtra-Info.plist.in)
+set(HALVEX_PLUGIN_EXPORTS ${CMAKE_CURRENT_LIST_DIR}/plugin-exports.map)
+
+function(halvex_add_menu_extra name)
+  cmake_parse_arguments(extra "" "IDENTIFIER;PRINCIPAL_CLASS;VERSION;INFO_PLIST;DISPLAY_NAME;FOLDER"
+                        "SOURCES;RESOURCES" ${ARGN})
+  if(NOT extra_DISPLAY_NAME)
+    set(extra_DISPLAY_NAME ${name})
+  endif()
+  if(NOT extra_INFO_PLIST)
+    set(extra_INFO_PLIST ${HALVEX_BUNDLE_TEMPLATE})
+  endif()
+  if(NOT extra_FOLDER)
+    set(extra_FOLDER ${PROJECT_BINARY_DIR}/extras)
+  endif()
+  set(bundle ${extra_FOLDER}/${name}.menu)
+
+  add_library(${name} MODULE ${extra_SOURCES})
+  target_link_libraries(${name} PRIVATE HalvexTools)
+  # Only the entry point is seen from outside; the classes stay the bundle's own.
+  target_link_options(${name} PRIVATE LINKER:--version-script=${HALVEX_PLUGIN_EXPORTS})
+  set_target_properties(${name} PROPERTIES
+    PREFIX "" SUFFIX ""
+    LIBRARY_OUTPUT_DIRECTORY ${bundle}/Contents/Linux
+    LINK_DEPENDS ${HALVEX_PLUGIN_EXPORTS}
+    BUILD_WITH_INSTALL_RPATH ON
+    INSTALL_RPATH ""
+    MENU_EXTRA_BUNDLE ${bundle})
+  configure_file(${extra_INFO_PLIST} ${bundle}/Contents/Info.plist @ONLY)
+  file(MAKE_DIRECTORY ${bundle}/Contents/Resources)
+  foreach(resource IN LISTS extra_RESOURCES)
+    configure_file(${resource} ${bundle}/Contents/Resources COPYONLY)
+  endforeach()
+endfunction()

@@ -1,0 +1,173 @@
+#include "menubar/HalvexMenuExtraBase.h"
+
+#include "menuextras/ExportedIdentifiers.h"
+#include "platform/Exception.h"
+#include "platform/Log.h"
+
+#include <sstream>
+#include <utility>
+
+// Bundles link the library weakly: an older library than the bundle was built for may lack it.
+extern "C" [[gnu::weak]] const char* const WarnMeTimesFile;
+
+using namespace platform;
+
+namespace {
+
+#if defined(__x86_64__)
+constexpr const char* kStarting = "starting %@ Menu Extra for Intel 64Bit %@";
+#elif defined(__i386__)
+constexpr const char* kStarting = "starting %@ Menu Extra for Intel %@";
+#elif defined(__powerpc__)
+constexpr const char* kStarting = "starting %@ Menu Extra for PPC %@";
+#elif defined(__aarch64__)
+constexpr const char* kStarting = "starting %@ Menu Extra for ARM 64Bit %@";
+#else
+constexpr const char* kStarting = "starting %@ Menu Extra %@";
+#endif
+
+/// An object as log lines name it.
+std::string description(const HalvexMenuExtraBase& extra) {
+    std::ostringstream text;
+    text << "<HalvexMenuExtraBase: " << static_cast<const void*>(&extra) << '>';
+    return text.str();
+}
+
+constexpr Shadow kTitleShadow{.offset = {2.0, 2.0}, .blurRadius = 1.5};
+
+} // namespace
+
+HalvexMenuExtraBase::~HalvexMenuExtraBase() {
+    if (myDebug != 0)
+        logLine("dealloc HalvexMenuExtraBase %@ %d", description(*this),
+                weak_from_this().use_count());
+}
+
+bool HalvexMenuExtraBase::OptionDown() {
+    const auto answer =
+        static_cast<std::uint8_t>(eventSource().currentEvent().modifierFlags & kOptionKeyMask);
+    return answer != 0;
+}
+
+std::shared_ptr<MenuExtra> HalvexMenuExtraBase::initWithBundle(std::shared_ptr<Bundle> bundle) {
+    if (!MenuExtra::initWithBundle(std::move(bundle))) {
+        logLine("HalvexMenuExtraBase super initWithBundle failed");
+        return nullptr;
+    }
+    const Bundle& info = *this->bundle();
+    logLine(kStarting, info.stringForInfoDictionaryKey("CFBundleName"),
+            info.stringForInfoDictionaryKey("CFBundleShortVersionString"));
+    if (&WarnMeTimesFile == nullptr)
+        logLine("\n\nHalvexMenuExtraBase mising Halvex Library\n\n");
+
+    myDebug = OptionDown() ? 2 : 0;
+    extraHeight_ = static_cast<float>(menuExtraHost().statusBarThickness() - 1.0);
+    try {
+        makeView();
+    } catch (const Exception& exception) {
+        logLine("HalvexMenuExtraBase setView exception name: %@   reason: %@   userInfo: %@",
+                exception.name(), exception.reason(), exception.userInfo());
+    }
+    if (myDebug != 0)
+        logLine("exiting HalvexMenuExtraBase - initWithBundle retainCount: %d",
+                weak_from_this().use_count());
+    return shared_from_this();
+}
+
+void HalvexMenuExtraBase::makeView() {
+    view_ = std::make_shared<HalvexMenuViewBase>()->initWithFrame(MenuExtra::view()->frame(), this);
+    if (view_)
+        view_->setClickCount(2);
+    setView(view_);
+    setTitle("-");
+    recalWidth();
+}
+
+void HalvexMenuExtraBase::markForRedisplay() {
+    if (view_)
+        view_->setNeedsDisplay(true);
+}
+
+void HalvexMenuExtraBase::setTitle(const std::optional<std::string>& title) {
+    const auto previous = appText_;
+    if (title) {
+        appText_ = std::make_shared<AttributedString>(*title);
+        if (view_ && view_->drawShadow())
+            appText_->addShadow(kTitleShadow, 0, appText_->length());
+    } else {
+        appText_ = nullptr;
+    }
+    const bool sameText = title && previous && *title == previous->string();
+    if (!sameText)
+        markForRedisplay();
+    recalWidth();
+}
+
+void HalvexMenuExtraBase::setAttributedTitle(const std::shared_ptr<AttributedString>& title) {
+    if (title == appText_)
+        return;
+    appText_ = title ? std::make_shared<AttributedString>(*title) : nullptr;
+    recalWidth();
+}
+
+void HalvexMenuExtraBase::setImage(const std::shared_ptr<Image>& image) {
+    if (image == icon_)
+        return;
+    icon_ = image;
+    recalWidth();
+}
+
+std::shared_ptr<AttributedString> HalvexMenuExtraBase::attributedTitle() const {
+    return appText_;
+}
+std::shared_ptr<Image> HalvexMenuExtraBase::image() const {
+    return icon_;
+}
+std::shared_ptr<Image> HalvexMenuExtraBase::alternateImage() const {
+    return iconSelected_;
+}
+std::shared_ptr<Menu> HalvexMenuExtraBase::menu() const {
+    return menu_;
+}
+
+void HalvexMenuExtraBase::recalWidth() {
+    const float shadow = view_ && view_->drawShadow() ? 2.5F : 0.0F;
+    const float icon = icon_ ? static_cast<float>(icon_->size().width) : 0.0F;
+    const float text = appText_ ? static_cast<float>(graphics().sizeOfText(*appText_).width) : 0.0F;
+    SetViewWidth(text + (icon + 2.0F) + shadow);
+}
+
+void HalvexMenuExtraBase::SetViewWidth(float width) {
+    if (width == extraWidth_)
+        return;
+    extraWidth_ = width;
+    if (view_)
+        view_->setFrameSize({width, view_->frame().size.height});
+    setLength(width);
+    markForRedisplay();
+}
+
+bool HalvexMenuExtraBase::CheckForSecFormat(const std::optional<std::string>& format) const {
+    return format && format->find("%S") != std::string::npos;
+}
+
+bool HalvexMenuExtraBase::clicked() {
+    return false;
+}
+bool HalvexMenuExtraBase::clickWithAltKey() {
+    return false;
+}
+bool HalvexMenuExtraBase::clickWithShiftKey() {
+    return false;
+}
+bool HalvexMenuExtraBase::clickWithCtrlKey() {
+    return false;
+}
+
+bool HalvexMenuExtraBase::validateMenuItem(const MenuItem&) {
+    return true;
+}
+
+void HalvexMenuExtraBase::willUnload() {
+    MenuExtra::willUnload();
+}

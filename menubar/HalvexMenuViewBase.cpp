@@ -1,0 +1,112 @@
+#include "menubar/HalvexMenuViewBase.h"
+
+#include "menubar/HalvexMenuExtraBase.h"
+#include "menubar/PreferencesFile.h"
+#include "menuextras/ExportedIdentifiers.h"
+#include "platform/Log.h"
+#include "platform/Workspace.h"
+
+#include <cmath>
+
+using namespace platform;
+
+namespace {
+
+constexpr std::int32_t kControlClickButton = 3; // not the right button, which is number 1
+
+bool holds(const Event& event, std::uint32_t mask) {
+    return (event.modifierFlags & mask) == mask;
+}
+
+void logVerbosely(const char* line) {
+    if (myDebugME != 0)
+        logLine(line);
+}
+
+} // namespace
+
+std::shared_ptr<HalvexMenuViewBase>
+HalvexMenuViewBase::initWithFrame(const Rect& frame, HalvexMenuExtraBase* menuExtra) {
+    if (!MenuExtraView::initWithFrame(frame))
+        return nullptr;
+    menuExtra_ = menuExtra;
+    return std::static_pointer_cast<HalvexMenuViewBase>(shared_from_this());
+}
+
+bool HalvexMenuViewBase::acceptsFirstMouse(const Event&) const {
+    return true;
+}
+
+void HalvexMenuViewBase::mouseDown(const Event& event) {
+    if (holds(event, kOptionKeyMask | kControlKeyMask)) {
+        if (switchesDebugOn())
+            return;
+    } else if (myDebugME != 0) {
+        logLine("mouse down flags: %016x, Double click %d buttonNum=%d", event.modifierFlags,
+                event.clickCount, event.buttonNumber);
+    }
+    if (!handleClick(event))
+        MenuExtraView::mouseDown(event);
+}
+
+bool HalvexMenuViewBase::switchesDebugOn() const {
+    myDebugME = 1 - myDebugME;
+    logLine("CTRL+Option/Alt key pressed - myDebug %d", myDebugME);
+    if (myDebugME == 0)
+        return false;
+    sharedWorkspace().selectFile(HalvexPreferencesFile(), "");
+    return true;
+}
+
+bool HalvexMenuViewBase::handleClick(const Event& event) const {
+    if (holds(event, kControlKeyMask) || event.buttonNumber == kControlClickButton) {
+        logVerbosely("ControlKeyMask");
+        return menuExtra_->clickWithCtrlKey();
+    }
+    if (holds(event, kShiftKeyMask)) {
+        logVerbosely("ShiftKeyMask");
+        return menuExtra_->clickWithShiftKey();
+    }
+    if (holds(event, kOptionKeyMask)) {
+        logVerbosely("AlttKeyMask");
+        return menuExtra_->clickWithAltKey();
+    }
+    return menuExtra_->clicked();
+}
+
+void HalvexMenuViewBase::drawRect(const Rect& rect) {
+    const auto image = menuExtra_->image();
+    const auto title = menuExtra_->attributedTitle();
+    if (title && myDebugME != 0)
+        logLine("HalvexMenuViewBase  = %@", title->string());
+    else if (!title && !image)
+        logLine("CalendarMenuView both nil");
+
+    const double height = rect.size.height;
+    if (title)
+        drawTitle(*title, image ? std::trunc(image->size().width + 3.0) : 0, height);
+    if (image)
+        drawImage(*image, height);
+}
+
+void HalvexMenuViewBase::drawTitle(const AttributedString& title, double x, double height) const {
+    auto& context = graphics().currentContext();
+    context.saveGraphicsState();
+    context.setShouldSmoothFonts(false);
+    context.setTextDrawingMode(TextDrawingMode::Fill);
+    if (menuExtra_->isMenuDown())
+        context.setCompositingOperation(CompositingOperation::XOR);
+    if (drawShadow_)
+        context.setShadow({1.0, -1.0}, 5.0);
+    const double titleHeight = graphics().sizeOfText(title).height;
+    context.drawText(title, {x, std::trunc((height - titleHeight) * 0.5 + 1.5)});
+    context.restoreGraphicsState();
+}
+
+void HalvexMenuViewBase::drawImage(const Image& image, double height) const {
+    const Size size = image.size();
+    const Rect place{{0, std::trunc((height - size.height) * 0.5)}, size};
+    const auto operation =
+        menuExtra_->isMenuDown() ? CompositingOperation::XOR : CompositingOperation::Copy;
+    graphics().currentContext().drawImage(image, place, {{}, size}, operation, 1.0);
+}

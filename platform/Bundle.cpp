@@ -1,0 +1,72 @@
+#include "platform/Bundle.h"
+
+#include "platform/FileManager.h"
+#include "platform/PathStrings.h"
+
+#include <utility>
+
+namespace platform {
+namespace {
+
+std::string contents(const std::string& bundle, std::string_view relative) {
+    return appendingPathComponent(bundle, "Contents/" + std::string(relative));
+}
+
+std::string describe(const PropertyListError& error) {
+    if (error.line == 0)
+        return error.reason;
+    return "line " + std::to_string(error.line) + ", column " + std::to_string(error.column) +
+           ": " + error.reason;
+}
+
+} // namespace
+
+std::shared_ptr<Bundle> Bundle::bundleWithPath(const std::string& path, std::string* reason) {
+    bool isDirectory = false;
+    if (!fileManager().fileExists(path, &isDirectory) || !isDirectory) {
+        if (reason)
+            *reason = "there is no such folder";
+        return nullptr;
+    }
+    std::optional<PropertyList::Dictionary> info;
+    auto result = propertyLists().read(contents(path, "Info.plist"));
+    if (PropertyList::Dictionary* dictionary = result ? result.value->dictionary() : nullptr)
+        info = std::move(*dictionary);
+    else if (reason)
+        *reason = "Info.plist: " + (result ? "no dictionary" : describe(result.error));
+    return std::make_shared<Bundle>(path, std::move(info));
+}
+
+Bundle::Bundle(std::string path, std::optional<PropertyList::Dictionary> infoDictionary)
+    : path_(std::move(path)), info_(std::move(infoDictionary)) {}
+
+std::optional<std::string> Bundle::stringForInfoDictionaryKey(std::string_view key) const {
+    const PropertyList* value = info_ ? info_->find(key) : nullptr;
+    const auto text = value ? value->string() : std::nullopt;
+    return text ? std::optional(std::string(*text)) : std::nullopt;
+}
+
+std::optional<std::string> Bundle::bundleIdentifier() const {
+    return stringForInfoDictionaryKey("CFBundleIdentifier");
+}
+
+std::optional<std::string> Bundle::executablePath() const {
+    const auto name = stringForInfoDictionaryKey("CFBundleExecutable");
+    const bool ownFile = name && !name->empty() && name->find('/') == std::string::npos &&
+                         *name != "." && *name != "..";
+    if (!ownFile)
+        return std::nullopt;
+    return contents(path_, "Linux/" + *name);
+}
+
+std::string Bundle::builtInPlugInsPath() const {
+    return contents(path_, "PlugIns");
+}
+
+std::optional<std::string> Bundle::pathForResource(std::string_view name,
+                                                   std::string_view type) const {
+    std::string file = contents(path_, "Resources/" + std::string(name) + '.' + std::string(type));
+    return fileManager().fileExists(file) ? std::optional(std::move(file)) : std::nullopt;
+}
+
+} // namespace platform

@@ -1,0 +1,45 @@
+#pragma once
+
+#include "platform/PropertyList.h"
+
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+
+namespace platform {
+
+/// A folder that holds code or resources in the bundle layout: Contents/Info.plist,
+/// Contents/Linux/<CFBundleExecutable>, Contents/Resources, Contents/PlugIns. Immutable; safe from
+/// any thread.
+class Bundle {
+  public:
+    /// Opens the bundle in a folder. Gives null when there is no folder at @p path. A folder whose
+    /// Info.plist is missing or no dictionary is a bundle without an information dictionary; why
+    /// is then written to @p reason when that is not null. Nothing is logged.
+    static std::shared_ptr<Bundle> bundleWithPath(const std::string& path,
+                                                  std::string* reason = nullptr);
+
+    Bundle(std::string path, std::optional<PropertyList::Dictionary> infoDictionary);
+
+    const std::string& bundlePath() const { return path_; }
+    /// Null when there is none.
+    const PropertyList::Dictionary* infoDictionary() const { return info_ ? &*info_ : nullptr; }
+    /// The string under a key of the information dictionary; nothing when there is none.
+    std::optional<std::string> stringForInfoDictionaryKey(std::string_view key) const;
+    std::optional<std::string> bundleIdentifier() const;
+
+    /// Where the code is; nothing when CFBundleExecutable does not name a file of the bundle's own
+    /// folder for code. Whether the file exists is not looked at.
+    std::optional<std::string> executablePath() const;
+    /// Contents/PlugIns.
+    std::string builtInPlugInsPath() const;
+    /// The file "name.type" in Contents/Resources; nothing when it is not there.
+    std::optional<std::string> pathForResource(std::string_view name, std::string_view type) const;
+
+  private:
+    std::string path_;
+    std::optional<PropertyList::Dictionary> info_;
+};
+
+} // namespace platform

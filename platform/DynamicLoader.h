@@ -1,0 +1,48 @@
+#pragma once
+
+#include "platform/Service.h"
+
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace platform {
+
+/// Code that has been loaded into this process. Destroying it unloads the code when nothing else
+/// holds it; nothing of it may be used then.
+class LoadedCode {
+  public:
+    LoadedCode() = default;
+    virtual ~LoadedCode();
+    LoadedCode(const LoadedCode&) = delete;
+    LoadedCode& operator=(const LoadedCode&) = delete;
+
+    /// The address of an exported function; null when there is none of that name.
+    virtual void* symbol(const char* name) const = 0;
+};
+
+/// Looks at executable files and loads them. No operation throws. Safe from any thread.
+class DynamicLoader {
+  public:
+    DynamicLoader() = default;
+    virtual ~DynamicLoader();
+    DynamicLoader(const DynamicLoader&) = delete;
+    DynamicLoader& operator=(const DynamicLoader&) = delete;
+
+    /// The processors that a file's code is for, as the platform numbers them: 7 for 32-bit Intel,
+    /// 18 PowerPC, 16777223 64-bit Intel, 16777228 64-bit Arm and so on. Empty when the file is
+    /// not there or holds no code. Runs nothing of it.
+    virtual std::vector<int> executableArchitectures(const std::string& path) const = 0;
+    /// The number of the processor that this process runs on.
+    virtual int hostArchitecture() const = 0;
+
+    /// Loads a shared object with its symbols to itself. Gives null, and why, when it is for
+    /// another processor, cut off, or refused by the loader. Runs the code's initialisers.
+    virtual std::unique_ptr<LoadedCode> load(const std::string& path, std::string& reason) = 0;
+};
+
+DynamicLoader& dynamicLoader();
+template <>
+DynamicLoader* exchangeService<DynamicLoader>(DynamicLoader* service);
+
+} // namespace platform

@@ -1,0 +1,58 @@
+#include "platform/FileManager.h"
+
+#include "platform/ServiceSlot.h"
+#include "platform/posix/Defaults.h"
+
+#include <algorithm>
+
+namespace platform {
+namespace {
+
+constinit ServiceSlot<FileManager> slot{"FileManager", posix::defaultFileManager};
+
+constexpr std::size_t kPieceBytes = std::size_t{1} << 16;
+
+} // namespace
+
+InputFile::~InputFile() = default;
+FileWatch::~FileWatch() = default;
+FileManager::~FileManager() = default;
+
+ReadFileResult FileManager::readFile(const std::string& path, std::uint64_t maximumBytes) const {
+    const OpenFileResult opened = openFile(path);
+    if (!opened)
+        return {std::nullopt, opened.reason};
+    const std::string tooLarge =
+        "The file is larger than " + std::to_string(maximumBytes) + " bytes.";
+    const std::uint64_t size = opened.file->size();
+    if (size > maximumBytes)
+        return {std::nullopt, tooLarge};
+
+    // A file may grow while it is read, and some have no size at all.
+    std::string contents;
+    std::size_t length = 0;
+    for (auto room = static_cast<std::size_t>(size) + 1;; room = length + kPieceBytes) {
+        contents.resize(std::max(room, length + 1));
+        const auto count = opened.file->read(contents.data() + length, contents.size() - length);
+        if (!count)
+            return {std::nullopt, "The file could not be read to its end."};
+        length += *count;
+        if (length > maximumBytes)
+            return {std::nullopt, tooLarge};
+        if (*count == 0)
+            break;
+    }
+    contents.resize(length);
+    return {std::move(contents), {}};
+}
+
+FileManager& fileManager() {
+    return slot.get();
+}
+
+template <>
+FileManager* exchangeService<FileManager>(FileManager* service) {
+    return slot.exchange(service);
+}
+
+} // namespace platform

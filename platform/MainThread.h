@@ -1,0 +1,46 @@
+#pragma once
+
+#include "platform/Service.h"
+
+#include <functional>
+#include <memory>
+
+namespace platform {
+
+/// Something that is looked out for; destroying it ends that. After that its handler is never
+/// called again. Main thread.
+class Watch {
+  public:
+    Watch() = default;
+    virtual ~Watch();
+    Watch(const Watch&) = delete;
+    Watch& operator=(const Watch&) = delete;
+};
+
+/// The thread that runs the program's main loop, and that loop.
+class MainThread {
+  public:
+    enum class Wait { No, UntilDone };
+
+    MainThread() = default;
+    virtual ~MainThread();
+    MainThread(const MainThread&) = delete;
+    MainThread& operator=(const MainThread&) = delete;
+
+    /// Runs @p work on the main thread, in the order of the calls. With UntilDone the caller waits;
+    /// on the main thread itself it then runs at once. Safe from any thread.
+    virtual void perform(std::function<void()> work, Wait wait) = 0;
+
+    /// Calls @p handler on the main thread whenever @p fileDescriptor has something to read, which
+    /// the handler should then read. The descriptor stays the caller's and outlives the watch. The
+    /// handler may destroy its own watch. What a handler throws is logged and goes no further.
+    /// Main thread.
+    virtual std::unique_ptr<Watch> watchReadable(int fileDescriptor,
+                                                 std::function<void()> handler) = 0;
+};
+
+MainThread& mainThread();
+template <>
+MainThread* exchangeService<MainThread>(MainThread* service);
+
+} // namespace platform

@@ -1,0 +1,25 @@
+#pragma once
+
+#include "platform/Service.h"
+
+#include <string_view>
+
+namespace platform {
+
+/// What was copied last. Main thread.
+class Pasteboard {
+  public:
+    Pasteboard() = default;
+    virtual ~Pasteboard();
+    Pasteboard(const Pasteboard&) = delete;
+    Pasteboard& operator=(const Pasteboard&) = delete;
+
+    /// Puts UTF-8 text in the place of what was there.
+    virtual void setString(std::string_view text) = 0;
+};
+
+Pasteboard& generalPasteboard();
+template <>
+Pasteboard* exchangeService<Pasteboard>(Pasteboard* service);
+
+} // namespace platform

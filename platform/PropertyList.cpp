@@ -1,0 +1,351 @@
+#include "platform/PropertyList.h"
+
+#include "platform/FileManager.h"
+#include "platform/ServiceSlot.h"
+
+#include <algorithm>
+#include <bit>
+#include <cstring>
+#include <limits>
+#include <memory>
+#include <numeric>
+
+namespace platform {
+namespace {
+
+constinit ServiceSlot<PropertyListService> slot{"PropertyList"};
+
+/// A long string lies behind its length in one block.
+char* makeStringBlock(std::string_view text) {
+    const std::size_t length = text.size();
+    auto block = std::make_unique_for_overwrite<char[]>(sizeof(length) + length);
+    std::memcpy(block.get(), &length, sizeof(length));
+    std::memcpy(block.get() + sizeof(length), text.data(), length);
+    return block.release();
+}
+
+std::string_view textOfBlock(const char* block) {
+    std::size_t length = 0;
+    std::memcpy(&length, block, sizeof(length));
+    return {block + sizeof(length), length};
+}
+
+} // namespace
+
+static_assert(sizeof(PropertyList) == 16);
+
+template <class T>
+T PropertyList::load() const noexcept {
+    T value;
+    std::memcpy(&value, payload_.data(), sizeof(value));
+    return value;
+}
+
+template <class T>
+void PropertyList::store(Kind kind, T value) noexcept {
+    std::memcpy(payload_.data(), &value, sizeof(value));
+    kind_ = kind;
+}
+
+PropertyList::PropertyList(std::string_view text) {
+    if (text.size() > std::tuple_size_v<Payload>) {
+        store(Kind::LongString, makeStringBlock(text));
+        return;
+    }
+    std::copy(text.begin(), text.end(), payload_.begin());
+    kind_ = static_cast<Kind>(static_cast<std::size_t>(Kind::ShortString) + text.size());
+}
+
+PropertyList::PropertyList(Date date) noexcept {
+    store(Kind::Date, date.seconds);
+}
+
+PropertyList::PropertyList(Data data) {
+    store(Kind::Data, std::make_unique<Data>(std::move(data)).release());
+}
+
+PropertyList::PropertyList(Array array) {
+    store(Kind::Array, std::make_unique<Array>(std::move(array)).release());
+}
+
+PropertyList::PropertyList(Dictionary dictionary) {
+    store(Kind::Dictionary, std::make_unique<Dictionary>(std::move(dictionary)).release());
+}
+
+PropertyList::PropertyList(const PropertyList& other) {
+    switch (other.kind_) {
+    case Kind::LongString:
+        store(other.kind_, makeStringBlock(other.text()));
+        break;
+    case Kind::Data:
+        store(other.kind_, std::make_unique<Data>(*other.data()).release());
+        break;
+    case Kind::Array:
+        store(other.kind_, std::make_unique<Array>(*other.array()).release());
+        break;
+    case Kind::Dictionary:
+        store(other.kind_, std::make_unique<Dictionary>(*other.dictionary()).release());
+        break;
+    default:
+        payload_ = other.payload_;
+        kind_ = other.kind_;
+    }
+}
+
+PropertyList& PropertyList::operator=(const PropertyList& other) {
+    PropertyList copy(other);
+    swap(copy);
+    return *this;
+}
+
+void PropertyList::release() noexcept {
+    switch (kind_) {
+    case Kind::LongString:
+        std::default_delete<char[]>()(load<char*>());
+        break;
+    case Kind::Data:
+        std::default_delete<Data>()(load<Data*>());
+        break;
+    case Kind::Array:
+        std::default_delete<Array>()(load<Array*>());
+        break;
+    case Kind::Dictionary:
+        std::default_delete<Dictionary>()(load<Dictionary*>());
+        break;
+    default:
+        break;
+    }
+}
+
+void PropertyList::setInteger(std::int64_t value) noexcept {
+    store(Kind::Integer, value);
+}
+
+void PropertyList::setUnsignedInteger(std::uint64_t value) noexcept {
+    constexpr auto kLargest = static_cast<std::uint64_t>(std::numeric_limits<std::int64_t>::max());
+    store(value > kLargest ? Kind::LargeInteger : Kind::Integer, value);
+}
+
+void PropertyList::setReal(double value) noexcept {
+    store(Kind::Real, value);
+}
+
+PropertyList::Type PropertyList::type() const {
+    switch (kind_) {
+    case Kind::Data:
+        return Type::Data;
+    case Kind::Array:
+        return Type::Array;
+    case Kind::Dictionary:
+        return Type::Dictionary;
+    case Kind::Integer:
+    case Kind::LargeInteger:
+        return Type::Integer;
+    case Kind::Real:
+        return Type::Real;
+    case Kind::Date:
+        return Type::Date;
+    case Kind::False:
+    case Kind::True:
+        return Type::Boolean;
+    default:
+        return Type::String;
+    }
+}
+
+std::string_view PropertyList::text() const noexcept {
+    if (kind_ == Kind::LongString)
+        return textOfBlock(load<const char*>());
+    const auto length =
+        static_cast<std::size_t>(kind_) - static_cast<std::size_t>(Kind::ShortString);
+    return {payload_.data(), length};
+}
+
+std::optional<std::string_view> PropertyList::string() const {
+    if (type() != Type::String)
+        return std::nullopt;
+    return text();
+}
+
+std::optional<std::int64_t> PropertyList::integer() const {
+    if (kind_ != Kind::Integer)
+        return std::nullopt;
+    return load<std::int64_t>();
+}
+
+std::optional<std::uint64_t> PropertyList::unsignedInteger() const {
+    if (kind_ != Kind::LargeInteger && integer().value_or(-1) < 0)
+        return std::nullopt;
+    return load<std::uint64_t>();
+}
+
+std::optional<double> PropertyList::real() const {
+    if (kind_ != Kind::Real)
+        return std::nullopt;
+    return load<double>();
+}
+
+std::optional<bool> PropertyList::boolean() const {
+    if (type() != Type::Boolean)
+        return std::nullopt;
+    return kind_ == Kind::True;
+}
+
+std::optional<PropertyList::Date> PropertyList::date() const {
+    if (kind_ != Kind::Date)
+        return std::nullopt;
+    return Date{load<std::int64_t>()};
+}
+
+const PropertyList::Data* PropertyList::data() const {
+    return kind_ == Kind::Data ? load<const Data*>() : nullptr;
+}
+
+PropertyList::Data* PropertyList::data() {
+    return kind_ == Kind::Data ? load<Data*>() : nullptr;
+}
+
+const PropertyList::Array* PropertyList::array() const {
+    return kind_ == Kind::Array ? load<const Array*>() : nullptr;
+}
+
+PropertyList::Array* PropertyList::array() {
+    return kind_ == Kind::Array ? load<Array*>() : nullptr;
+}
+
+const PropertyList::Dictionary* PropertyList::dictionary() const {
+    return kind_ == Kind::Dictionary ? load<const Dictionary*>() : nullptr;
+}
+
+PropertyList::Dictionary* PropertyList::dictionary() {
+    return kind_ == Kind::Dictionary ? load<Dictionary*>() : nullptr;
+}
+
+bool operator==(const PropertyList& left, const PropertyList& right) {
+    using Kind = PropertyList::Kind;
+    if (left.kind_ != right.kind_)
+        return false;
+    switch (left.kind_) {
+    case Kind::Data:
+        return *left.data() == *right.data();
+    case Kind::Array:
+        return *left.array() == *right.array();
+    case Kind::Dictionary:
+        return *left.dictionary() == *right.dictionary();
+    case Kind::Integer:
+    case Kind::LargeInteger:
+    case Kind::Real:
+    case Kind::Date:
+        return left.load<std::uint64_t>() == right.load<std::uint64_t>();
+    case Kind::False:
+    case Kind::True:
+        return true;
+    default:
+        return left.text() == right.text();
+    }
+}
+
+PropertyList::Dictionary::Dictionary(std::vector<Entry> entries) : entries_(std::move(entries)) {
+    std::vector<std::size_t> order(entries_.size());
+    std::iota(order.begin(), order.end(), std::size_t{0});
+    const auto key = [this](std::size_t index) -> const std::string& {
+        return entries_[index].key;
+    };
+    std::ranges::stable_sort(order, {}, key);
+    std::vector<bool> superseded(entries_.size());
+    bool any = false;
+    for (std::size_t i = order.size(); i-- > 1;) {
+        if (key(order[i]) != key(order[i - 1]))
+            continue;
+        // The last value moves down, one by one, to the first of the entries with its key.
+        entries_[order[i - 1]].value = std::move(entries_[order[i]].value);
+        superseded[order[i]] = any = true;
+    }
+    if (!any)
+        return;
+    std::size_t index = 0;
+    std::erase_if(entries_, [&](const Entry&) { return superseded[index++]; });
+}
+
+const PropertyList* PropertyList::Dictionary::find(std::string_view key) const {
+    const auto entry = std::ranges::find(entries_, key, &Entry::key);
+    return entry == entries_.end() ? nullptr : &entry->value;
+}
+
+PropertyList* PropertyList::Dictionary::find(std::string_view key) {
+    const auto entry = std::ranges::find(entries_, key, &Entry::key);
+    return entry == entries_.end() ? nullptr : &entry->value;
+}
+
+void PropertyList::Dictionary::set(std::string_view key, PropertyList value) {
+    if (PropertyList* present = find(key))
+        *present = std::move(value);
+    else
+        entries_.push_back({std::string(key), std::move(value)});
+}
+
+bool PropertyList::Dictionary::erase(std::string_view key) {
+    return std::erase_if(entries_, [key](const Entry& entry) { return entry.key == key; }) > 0;
+}
+
+PropertyListService::~PropertyListService() = default;
+
+PropertyListResult PropertyListService::parse(std::string_view bytes) const {
+    return parse([bytes](char* buffer, std::size_t size) mutable {
+        const std::size_t count = bytes.copy(buffer, size);
+        bytes.remove_prefix(count);
+        return std::optional(count);
+    });
+}
+
+PropertyListResult PropertyListService::read(const std::string& path) const {
+    const OpenFileResult opened = fileManager().openFile(path);
+    if (!opened)
+        return {std::nullopt, {0, 0, opened.reason}};
+    const std::string tooLarge =
+        "The file is larger than " + std::to_string(kMaximumFileBytes) + " bytes.";
+    if (opened.file->size() > kMaximumFileBytes)
+        return {std::nullopt, {0, 0, tooLarge}};
+
+    // A file may grow while it is read, and some have no size at all.
+    std::uint64_t left = kMaximumFileBytes;
+    bool grewTooLarge = false;
+    bool failed = false;
+    const auto source = [&](char* buffer, std::size_t size) -> std::optional<std::size_t> {
+        const auto count = opened.file->read(buffer, size);
+        failed = !count;
+        grewTooLarge = count && *count > left;
+        if (failed || grewTooLarge)
+            return std::nullopt;
+        left -= *count;
+        return count;
+    };
+    PropertyListResult result = parse(source);
+    if (failed || grewTooLarge)
+        return {std::nullopt, {0, 0, failed ? "The file could not be read to its end." : tooLarge}};
+    return result;
+}
+
+std::optional<PropertyList::Array> PropertyListService::readArray(const std::string& path) const {
+    PropertyListResult result = read(path);
+    if (!result || !result.value->array())
+        return std::nullopt;
+    return std::move(*result.value->array());
+}
+
+bool PropertyListService::writeArray(const std::string& path,
+                                     const PropertyList::Array& array) const {
+    const std::optional<std::string> bytes = serialize(array);
+    return bytes && fileManager().writeFileAtomically(path, *bytes);
+}
+
+PropertyListService& propertyLists() {
+    return slot.get();
+}
+
+template <>
+PropertyListService* exchangeService<PropertyListService>(PropertyListService* service) {
+    return slot.exchange(service);
+}
+
+} // namespace platform

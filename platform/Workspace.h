@@ -1,0 +1,27 @@
+#pragma once
+
+#include "platform/Service.h"
+
+#include <string>
+
+namespace platform {
+
+/// What a program asks of the desktop around it. No operation waits for another program.
+class Workspace {
+  public:
+    Workspace() = default;
+    virtual ~Workspace();
+    Workspace(const Workspace&) = delete;
+    Workspace& operator=(const Workspace&) = delete;
+
+    /// Shows a file, selected, in the file browser. @p rootPath is the folder whose window is
+    /// asked for; empty: whichever the browser takes. The answer is whether the request could be
+    /// sent; a browser that then finds no such file tells the user itself. Main thread.
+    virtual bool selectFile(const std::string& path, const std::string& rootPath) = 0;
+};
+
+Workspace& sharedWorkspace();
+template <>
+Workspace* exchangeService<Workspace>(Workspace* service);
+
+} // namespace platform

@@ -1,0 +1,29 @@
+#include "platform/expat/ExpatPropertyLists.h"
+
+#include "platform/PropertyList.h"
+#include "platform/expat/XmlReader.h"
+#include "platform/expat/XmlWriter.h"
+
+namespace platform::expat {
+namespace {
+
+class ExpatPropertyLists final : public PropertyListService {
+  public:
+    using PropertyListService::parse;
+    PropertyListResult parse(const ByteSource& source) const override { return readXml(source); }
+    std::optional<std::string> serialize(const PropertyList& value) const override {
+        return writeXml(value);
+    }
+    std::optional<std::string> serialize(const PropertyList::Array& array) const override {
+        return writeXml(array);
+    }
+};
+
+} // namespace
+
+void install() {
+    static ExpatPropertyLists service;
+    exchangeService<PropertyListService>(&service);
+}
+
+} // namespace platform::expat

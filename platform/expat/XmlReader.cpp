@@ -1,0 +1,321 @@
+#include "platform/expat/XmlReader.h"
+
+#include "platform/expat/Scalars.h"
+
+#include <expat.h>
+
+#include <algorithm>
+#include <iterator>
+#include <limits>
+#include <memory>
+#include <new>
+
+namespace platform::expat {
+namespace {
+
+constexpr std::size_t kPieceBytes = std::size_t{1} << 16;
+/// Expat reads an unfinished tag again from its start with each further piece.
+constexpr std::size_t kLongestToken = std::size_t{1} << 20;
+
+enum class Element {
+    Plist,
+    Array,
+    Dictionary,
+    Key,
+    String,
+    Integer,
+    Real,
+    True,
+    False,
+    Date,
+    Data
+};
+
+struct ElementName {
+    std::string_view name;
+    Element element;
+};
+/// The frequent ones first.
+constexpr std::array<ElementName, 11> kElements{{{"string", Element::String},
+                                                 {"key", Element::Key},
+                                                 {"array", Element::Array},
+                                                 {"dict", Element::Dictionary},
+                                                 {"integer", Element::Integer},
+                                                 {"real", Element::Real},
+                                                 {"true", Element::True},
+                                                 {"false", Element::False},
+                                                 {"date", Element::Date},
+                                                 {"data", Element::Data},
+                                                 {"plist", Element::Plist}}};
+
+std::optional<Element> elementWithName(std::string_view name) {
+    const auto found = std::ranges::find(kElements, name, &ElementName::name);
+    if (found == kElements.end())
+        return std::nullopt;
+    return found->element;
+}
+
+std::string shown(std::string_view name) {
+    constexpr std::size_t kShownBytes = 40;
+    return std::string(name.substr(0, kShownBytes)) + (name.size() > kShownBytes ? "..." : "");
+}
+
+std::string quoted(std::string_view name) {
+    return "<" + shown(name) + ">";
+}
+
+bool isContainer(Element element) {
+    return element <= Element::Dictionary;
+}
+bool hasText(Element element) {
+    return !isContainer(element) && element != Element::True && element != Element::False;
+}
+
+bool isSpace(std::string_view text) {
+    return text.find_first_not_of(" \t\r\n") == std::string_view::npos;
+}
+
+class Reader {
+  public:
+    Reader();
+    PropertyListResult run(const PropertyListService::ByteSource& source);
+
+  private:
+    /// An element that has begun; what it holds so far lies on the stacks from these places on.
+    struct Open {
+        Element element;
+        std::size_t firstValue;
+        std::size_t firstKey;
+    };
+    struct ParserCloser {
+        void operator()(XML_Parser parser) const { XML_ParserFree(parser); }
+    };
+
+    /// Calls a member from Expat, which cannot be thrown through.
+    template <auto Member, class... Arguments>
+    static void call(void* reader, Arguments... arguments) noexcept;
+
+    void begin(const XML_Char* name, const XML_Char** attributes);
+    void end(const XML_Char* name);
+    void text(const XML_Char* text, int length);
+    void entityDeclaration(const XML_Char* name, int, const XML_Char*, int, const XML_Char*,
+                           const XML_Char*, const XML_Char*, const XML_Char*);
+    void skippedEntity(const XML_Char* name, int);
+
+    bool mayBegin(Element element, std::string_view name);
+    void add(Element element, std::optional<PropertyList> value);
+    void endArray(const Open& open);
+    void endDictionary(const Open& open);
+    void endPlist(const Open& open);
+    std::size_t unfinishedBytes() const;
+    void fail(std::string reason);
+    PropertyListResult result();
+
+    std::unique_ptr<XML_ParserStruct, ParserCloser> parser_;
+    std::uint64_t fed_ = 0;
+    std::vector<Open> open_;
+    std::vector<PropertyList> values_;
+    std::vector<std::string> keys_;
+    std::string text_;
+    bool failed_ = false;
+    PropertyListError error_;
+};
+
+Reader::Reader() : parser_(XML_ParserCreate(nullptr)) {
+    if (!parser_)
+        throw std::bad_alloc();
+    XML_SetUserData(parser_.get(), this);
+    XML_SetElementHandler(parser_.get(), call<&Reader::begin, const XML_Char*, const XML_Char**>,
+                          call<&Reader::end, const XML_Char*>);
+    XML_SetCharacterDataHandler(parser_.get(), call<&Reader::text, const XML_Char*, int>);
+    XML_SetEntityDeclHandler(
+        parser_.get(), call<&Reader::entityDeclaration, const XML_Char*, int, const XML_Char*, int,
+                            const XML_Char*, const XML_Char*, const XML_Char*, const XML_Char*>);
+    XML_SetSkippedEntityHandler(parser_.get(), call<&Reader::skippedEntity, const XML_Char*, int>);
+}
+
+template <auto Member, class... Arguments>
+void Reader::call(void* reader, Arguments... arguments) noexcept {
+    auto& self = *static_cast<Reader*>(reader);
+    if (self.failed_)
+        return;
+    try {
+        (self.*Member)(arguments...);
+    } catch (const std::bad_alloc&) {
+        self.fail("Out of memory");
+    }
+}
+
+PropertyListResult Reader::run(const PropertyListService::ByteSource& source) {
+    for (;;) {
+        const std::size_t size = std::max(kPieceBytes, unfinishedBytes());
+        void* buffer = XML_GetBuffer(parser_.get(), static_cast<int>(size));
+        if (!buffer)
+            throw std::bad_alloc();
+        const auto count = source(static_cast<char*>(buffer), size);
+        if (!count) {
+            fail("The bytes could not be read to their end");
+            return result();
+        }
+        fed_ += *count;
+        const auto status =
+            XML_ParseBuffer(parser_.get(), static_cast<int>(*count), *count == 0 ? 1 : 0);
+        if (status != XML_STATUS_OK && !failed_)
+            fail(XML_ErrorString(XML_GetErrorCode(parser_.get())));
+        if (!failed_ && unfinishedBytes() > kLongestToken)
+            fail("A tag or comment of more than " + std::to_string(kLongestToken) + " bytes");
+        if (failed_ || *count == 0)
+            return result();
+    }
+}
+
+std::size_t Reader::unfinishedBytes() const {
+    const XML_Index parsed = XML_GetCurrentByteIndex(parser_.get());
+    return parsed < 0 ? 0 : static_cast<std::size_t>(fed_ - static_cast<std::uint64_t>(parsed));
+}
+
+void Reader::fail(std::string reason) {
+    failed_ = true;
+    const auto clamped = [](XML_Size number) {
+        return static_cast<int>(std::min<XML_Size>(number, std::numeric_limits<int>::max() - 1));
+    };
+    error_.line = clamped(XML_GetCurrentLineNumber(parser_.get()));
+    error_.column = clamped(XML_GetCurrentColumnNumber(parser_.get())) + 1;
+    error_.reason = std::move(reason);
+    XML_StopParser(parser_.get(), XML_FALSE);
+}
+
+PropertyListResult Reader::result() {
+    if (failed_)
+        return {std::nullopt, std::move(error_)};
+    return {std::move(values_.front()), {}};
+}
+
+void Reader::begin(const XML_Char* name, const XML_Char**) {
+    const auto element = elementWithName(name);
+    if (!element)
+        return fail("Unknown element " + quoted(name));
+    if (!mayBegin(*element, name))
+        return;
+    open_.push_back({*element, values_.size(), keys_.size()});
+    text_.clear();
+}
+
+bool Reader::mayBegin(Element element, std::string_view name) {
+    const auto refuse = [this](std::string reason) {
+        fail(std::move(reason));
+        return false;
+    };
+    if (open_.empty())
+        return element == Element::Plist || refuse("The root is " + quoted(name) + ", not <plist>");
+    const Open& outer = open_.back();
+    if (element == Element::Plist || !isContainer(outer.element))
+        return refuse(quoted(name) + " in the wrong place");
+    if (open_.size() > PropertyListService::kMaximumDepth)
+        return refuse("Nested more than " + std::to_string(PropertyListService::kMaximumDepth) +
+                      " deep");
+    const std::size_t values = values_.size() - outer.firstValue;
+    if (outer.element == Element::Plist && values > 0)
+        return refuse("More than one value in <plist>");
+    const bool keyIsDue =
+        outer.element == Element::Dictionary && keys_.size() - outer.firstKey == values;
+    if (keyIsDue != (element == Element::Key))
+        return refuse(keyIsDue ? quoted(name) + " without a <key>" : "<key> in the wrong place");
+    return true;
+}
+
+void Reader::text(const XML_Char* text, int length) {
+    const std::string_view piece(text, static_cast<std::size_t>(length));
+    if (hasText(open_.back().element))
+        text_.append(piece);
+    else if (!isSpace(piece))
+        fail("Text in the wrong place");
+}
+
+void Reader::end(const XML_Char*) {
+    const Open open = open_.back();
+    open_.pop_back();
+    switch (open.element) {
+    case Element::Plist:
+        return endPlist(open);
+    case Element::Array:
+        return endArray(open);
+    case Element::Dictionary:
+        return endDictionary(open);
+    case Element::Key:
+        keys_.push_back(text_);
+        return;
+    case Element::String:
+        values_.emplace_back(std::string_view(text_));
+        return;
+    case Element::True:
+    case Element::False:
+        values_.emplace_back(open.element == Element::True);
+        return;
+    case Element::Integer:
+        return add(open.element, parseInteger(text_));
+    case Element::Real:
+        return add(open.element, parseReal(text_));
+    case Element::Date:
+        return add(open.element, parseDate(text_));
+    case Element::Data:
+        return add(open.element, parseData(text_));
+    }
+}
+
+void Reader::add(Element element, std::optional<PropertyList> value) {
+    if (value) {
+        values_.push_back(std::move(*value));
+        return;
+    }
+    const auto name = std::ranges::find(kElements, element, &ElementName::element)->name;
+    fail("Malformed or out of range: " + quoted(name));
+}
+
+void Reader::endArray(const Open& open) {
+    const auto first = values_.begin() + static_cast<std::ptrdiff_t>(open.firstValue);
+    PropertyList::Array array(std::make_move_iterator(first),
+                              std::make_move_iterator(values_.end()));
+    values_.erase(first, values_.end());
+    values_.emplace_back(std::move(array));
+}
+
+void Reader::endDictionary(const Open& open) {
+    const std::size_t count = keys_.size() - open.firstKey;
+    if (values_.size() - open.firstValue != count)
+        return fail("A <key> without a value");
+    std::vector<PropertyList::Dictionary::Entry> entries;
+    entries.reserve(count);
+    for (std::size_t i = 0; i < count; ++i)
+        entries.push_back(
+            {std::move(keys_[open.firstKey + i]), std::move(values_[open.firstValue + i])});
+    keys_.resize(open.firstKey);
+    values_.resize(open.firstValue);
+    values_.emplace_back(PropertyList::Dictionary(std::move(entries)));
+}
+
+void Reader::endPlist(const Open& open) {
+    if (values_.size() == open.firstValue)
+        fail("No value in <plist>");
+}
+
+void Reader::entityDeclaration(const XML_Char* name, int, const XML_Char*, int, const XML_Char*,
+                               const XML_Char*, const XML_Char*, const XML_Char*) {
+    fail("Entity declarations are not taken: " + shown(name));
+}
+
+void Reader::skippedEntity(const XML_Char* name, int) {
+    fail("Unknown entity " + shown(name));
+}
+
+} // namespace
+
+PropertyListResult readXml(const PropertyListService::ByteSource& source) {
+    try {
+        return Reader().run(source);
+    } catch (const std::bad_alloc&) {
+        return {std::nullopt, {0, 0, "Out of memory"}};
+    }
+}
+
+} // namespace platform::expat

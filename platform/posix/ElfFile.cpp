@@ -1,0 +1,110 @@
+#include "platform/posix/ElfFile.h"
+
+#include <array>
+#include <bit>
+#include <cstring>
+#include <elf.h>
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace platform::posix {
+namespace {
+
+struct Machine {
+    int elf;
+    int platformNumber;
+};
+
+// The platform's number of a processor family; 0x1000000 marks its 64-bit kind.
+constexpr int k64Bit = 0x1000000;
+constexpr std::array kMachines{
+    Machine{EM_386, 7},  Machine{EM_X86_64, 7 | k64Bit},
+    Machine{EM_ARM, 12}, Machine{EM_AARCH64, 12 | k64Bit},
+    Machine{EM_PPC, 18}, Machine{EM_PPC64, 18 | k64Bit},
+};
+
+int platformNumber(int elfMachine) {
+    for (const Machine& machine : kMachines) {
+        if (machine.elf == elfMachine)
+            return machine.platformNumber;
+    }
+    return 0;
+}
+
+/// A file open for reading, closed with the object.
+class File {
+  public:
+    explicit File(const std::string& path)
+        : descriptor_(open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK)) {
+        struct stat status {};
+        if (descriptor_ >= 0 && fstat(descriptor_, &status) == 0 && S_ISREG(status.st_mode))
+            size_ = static_cast<std::uint64_t>(status.st_size);
+    }
+    ~File() {
+        if (descriptor_ >= 0)
+            close(descriptor_);
+    }
+    File(const File&) = delete;
+    File& operator=(const File&) = delete;
+
+    std::uint64_t size() const { return size_; }
+
+    template <class T>
+    bool readAt(std::uint64_t offset, T& value) const {
+        return offset <= size_ && sizeof(T) <= size_ - offset &&
+               pread(descriptor_, &value, sizeof(T), static_cast<off_t>(offset)) == sizeof(T);
+    }
+
+  private:
+    int descriptor_;
+    std::uint64_t size_ = 0;
+};
+
+bool fits(std::uint64_t offset, std::uint64_t length, std::uint64_t size) {
+    return offset <= size && length <= size - offset;
+}
+
+/// Whether every byte that the loader would map, and the section table, lie in the file.
+bool isComplete(const File& file, const Elf64_Ehdr& header) {
+    if (header.e_phentsize != sizeof(Elf64_Phdr) || header.e_phnum == 0)
+        return false;
+    const std::uint64_t sections = std::uint64_t{header.e_shnum} * header.e_shentsize;
+    if (header.e_shnum > 0 && !fits(header.e_shoff, sections, file.size()))
+        return false;
+    for (unsigned i = 0; i < header.e_phnum; ++i) {
+        Elf64_Phdr segment{};
+        if (!file.readAt(header.e_phoff + i * sizeof segment, segment))
+            return false;
+        if (!fits(segment.p_offset, segment.p_filesz, file.size()))
+            return false;
+    }
+    return true;
+}
+
+template <class Integer>
+Integer inByteOrder(Integer value, unsigned char order) {
+    const bool native = (order == ELFDATA2LSB) == (std::endian::native == std::endian::little);
+    return native ? value : static_cast<Integer>((value >> 8) | (value << 8));
+}
+
+} // namespace
+
+std::optional<ElfFile> ElfFile::read(const std::string& path) {
+    const File file(path);
+    // The fields up to e_machine lie at the same offsets in 32-bit and 64-bit files.
+    Elf32_Ehdr start{};
+    if (!file.readAt(0, start) || std::memcmp(start.e_ident, ELFMAG, SELFMAG) != 0)
+        return std::nullopt;
+    const unsigned char order = start.e_ident[EI_DATA];
+    ElfFile result;
+    result.architecture = platformNumber(inByteOrder(start.e_machine, order));
+    result.isSharedObject = inByteOrder(start.e_type, order) == ET_DYN;
+    Elf64_Ehdr header{};
+    const bool native = inByteOrder(std::uint16_t{1}, order) == 1;
+    if (start.e_ident[EI_CLASS] == ELFCLASS64 && native && file.readAt(0, header))
+        result.isComplete = platform::posix::isComplete(file, header);
+    return result;
+}
+
+} // namespace platform::posix

@@ -1,0 +1,105 @@
+#include "platform/posix/PosixClock.h"
+
+#include "platform/FileManager.h"
+#include "platform/Log.h"
+#include "platform/posix/Defaults.h"
+
+#include <cerrno>
+#include <cstring>
+#include <sys/timerfd.h>
+#include <unistd.h>
+#include <utility>
+
+namespace platform::posix {
+namespace {
+
+std::int64_t secondsIn(TickInterval interval) {
+    return interval == TickInterval::Minute ? 60 : 1;
+}
+
+/// One timer on the time of day and a watch on the zone's file.
+class Ticker final : public Watch {
+  public:
+    Ticker(TickInterval interval, std::function<void()> handler)
+        : interval_(interval),
+          handler_(std::make_shared<std::function<void()>>(std::move(handler))),
+          timer_(timerfd_create(CLOCK_REALTIME, TFD_NONBLOCK | TFD_CLOEXEC)) {}
+
+    ~Ticker() override {
+        timerWatch_.reset();
+        if (timer_ >= 0)
+            close(timer_);
+    }
+
+    bool start(const Clock& clock, const std::string& zoneFile) {
+        if (timer_ < 0 || !arm(clock))
+            return false;
+        timerWatch_ = mainThread().watchReadable(timer_, [this, &clock] { expired(clock); });
+        zoneWatch_ = fileManager().watchFile(zoneFile, [handler = handler_] {
+            tzset();
+            (*handler)();
+        });
+        return true;
+    }
+
+  private:
+    bool arm(const Clock& clock) const {
+        const std::int64_t period = secondsIn(interval_);
+        itimerspec times{};
+        times.it_value.tv_sec = clock.now() / period * period + period;
+        times.it_interval.tv_sec = period;
+        return timerfd_settime(timer_, TFD_TIMER_ABSTIME | TFD_TIMER_CANCEL_ON_SET, &times,
+                               nullptr) == 0;
+    }
+
+    void expired(const Clock& clock) {
+        std::uint64_t count = 0;
+        const bool wasSet = read(timer_, &count, sizeof count) < 0 && errno == ECANCELED;
+        if (wasSet && !arm(clock))
+            logLine("clock timer cannot be set: %@", std::strerror(errno));
+        if (wasSet || count > 0) {
+            const auto handler = handler_; // which may destroy this ticker
+            (*handler)();
+        }
+    }
+
+    TickInterval interval_;
+    std::shared_ptr<std::function<void()>> handler_;
+    int timer_;
+    std::unique_ptr<Watch> timerWatch_;
+    std::unique_ptr<FileWatch> zoneWatch_;
+};
+
+} // namespace
+
+PosixClock::PosixClock(std::string zoneFile) : zoneFile_(std::move(zoneFile)) {
+    tzset();
+}
+
+// Not time(): its coarse clock can still show the second before when a timer goes off.
+std::int64_t PosixClock::now() const {
+    timespec time{};
+    clock_gettime(CLOCK_REALTIME, &time);
+    return time.tv_sec;
+}
+
+std::tm PosixClock::localTime(std::int64_t secondsSince1970) const {
+    std::tm local{};
+    localtime_r(&secondsSince1970, &local);
+    return local;
+}
+
+std::unique_ptr<Watch> PosixClock::tick(TickInterval interval, std::function<void()> handler) {
+    auto ticker = std::make_unique<Ticker>(interval, std::move(handler));
+    if (ticker->start(*this, zoneFile_))
+        return ticker;
+    logLine("no clock timer: %@", std::strerror(errno));
+    return nullptr;
+}
+
+Clock& defaultClock() {
+    static PosixClock clock;
+    return clock;
+}
+
+} // namespace platform::posix

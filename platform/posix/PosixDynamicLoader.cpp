@@ -1,0 +1,72 @@
+#include "platform/DynamicLoader.h"
+#include "platform/posix/Defaults.h"
+#include "platform/posix/ElfFile.h"
+
+#include <dlfcn.h>
+
+namespace platform::posix {
+namespace {
+
+class SharedObject final : public LoadedCode {
+  public:
+    explicit SharedObject(void* handle) : handle_(handle) {}
+    ~SharedObject() override { dlclose(handle_); }
+
+    void* symbol(const char* name) const override { return dlsym(handle_, name); }
+
+  private:
+    void* handle_;
+};
+
+class PosixDynamicLoader final : public DynamicLoader {
+  public:
+    std::vector<int> executableArchitectures(const std::string& path) const override {
+        const auto file = ElfFile::read(path);
+        return file && file->architecture != 0 ? std::vector{file->architecture}
+                                               : std::vector<int>{};
+    }
+
+    int hostArchitecture() const override {
+        static const int architecture = [] {
+            const auto self = ElfFile::read("/proc/self/exe");
+            return self ? self->architecture : 0;
+        }();
+        return architecture;
+    }
+
+    std::unique_ptr<LoadedCode> load(const std::string& path, std::string& reason) override {
+        reason = reasonAgainst(path);
+        if (!reason.empty())
+            return nullptr;
+        if (void* handle = dlopen(path.c_str(), RTLD_LAZY | RTLD_LOCAL))
+            return std::make_unique<SharedObject>(handle);
+        const char* text = dlerror();
+        reason = text ? text : "refused by the dynamic loader";
+        return nullptr;
+    }
+
+  private:
+    /// The loader itself maps a file that is cut off, and the program dies on the missing pages.
+    std::string reasonAgainst(const std::string& path) const {
+        const auto file = ElfFile::read(path);
+        if (!file)
+            return "no executable code in " + path;
+        if (file->architecture != hostArchitecture())
+            return "code for another processor (" + std::to_string(file->architecture) + ") in " +
+                   path;
+        if (!file->isSharedObject)
+            return "no shared object in " + path;
+        if (!file->isComplete)
+            return "the code is cut off in " + path;
+        return {};
+    }
+};
+
+} // namespace
+
+DynamicLoader& defaultDynamicLoader() {
+    static PosixDynamicLoader loader;
+    return loader;
+}
+
+} // namespace platform::posix

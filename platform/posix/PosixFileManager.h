@@ -1,0 +1,31 @@
+#pragma once
+
+#include "platform/FileManager.h"
+#include "platform/posix/SystemCalls.h"
+
+namespace platform::posix {
+
+/// The system's files.
+class PosixFileManager final : public FileManager {
+  public:
+    /// @p libraryRoot is put before "/Library" and every path below it. @p calls outlives this.
+    explicit PosixFileManager(std::string libraryRoot = {}, SystemCalls& calls = systemCalls());
+
+    bool fileExists(const std::string& path, bool* isDirectory) const override;
+    bool isReadableFile(const std::string& path) const override;
+    bool isWritableFile(const std::string& path) const override;
+    OpenFileResult openFile(const std::string& path) const override;
+    bool writeFileAtomically(const std::string& path, std::string_view bytes) override;
+    std::string homeDirectory() const override;
+    std::unique_ptr<FileWatch> watchFile(const std::string& path,
+                                         std::function<void()> handler) override;
+
+  private:
+    /// Where a path lies in the system; nothing for one that the system cannot have.
+    std::optional<std::string> systemPath(const std::string& path) const;
+
+    std::string libraryRoot_;
+    SystemCalls& calls_;
+};
+
+} // namespace platform::posix

@@ -1,0 +1,54 @@
+#include "platform/Log.h"
+#include "platform/posix/Defaults.h"
+
+#include <array>
+#include <cerrno>
+#include <cstdio>
+#include <ctime>
+#include <unistd.h>
+
+namespace platform::posix {
+namespace {
+
+std::string header() {
+    timespec now{};
+    clock_gettime(CLOCK_REALTIME, &now);
+    std::tm local{};
+    localtime_r(&now.tv_sec, &local);
+    std::array<char, 32> time{};
+    std::strftime(time.data(), time.size(), "%F %T", &local);
+    std::array<char, 128> text{};
+    std::snprintf(text.data(), text.size(), "%s.%03ld %s[%d] ", time.data(),
+                  now.tv_nsec / 1'000'000, program_invocation_short_name, getpid());
+    return text.data();
+}
+
+/// Standard error, a line at a time in one write, so that lines of several threads do not mix.
+class StandardErrorLog final : public Log {
+    void write(std::string_view line) override {
+        const std::string text = header() + std::string(line) + '\n';
+        std::string_view rest = text;
+        while (!rest.empty()) {
+            const ssize_t written = ::write(STDERR_FILENO, rest.data(), rest.size());
+            if (written < 0 && errno == EINTR)
+                continue;
+            if (written <= 0)
+                return;
+            rest.remove_prefix(static_cast<std::size_t>(written));
+        }
+    }
+
+    void beep() override {
+        if (isatty(STDERR_FILENO)) [[maybe_unused]]
+            const auto ignored = ::write(STDERR_FILENO, "\a", 1);
+    }
+};
+
+} // namespace
+
+Log& defaultLog() {
+    static StandardErrorLog log;
+    return log;
+}
+
+} // namespace platform::posix

@@ -1,0 +1,53 @@
+#include "platform/posix/SystemCalls.h"
+
+#include <cerrno>
+#include <cstdio>
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace platform::posix {
+namespace {
+
+template <class Call>
+auto resumed(Call call) {
+    auto result = call();
+    while (result < 0 && errno == EINTR)
+        result = call();
+    return result;
+}
+
+} // namespace
+
+SystemCalls::~SystemCalls() = default;
+
+int SystemCalls::open(const std::string& path, int flags, mode_t mode) {
+    return resumed([&] { return ::open(path.c_str(), flags, mode); });
+}
+
+int SystemCalls::openAt(int folder, const std::string& name, int flags, mode_t mode) {
+    return resumed([&] { return ::openat(folder, name.c_str(), flags, mode); });
+}
+
+ssize_t SystemCalls::write(int file, const char* bytes, std::size_t size) {
+    return resumed([&] { return ::write(file, bytes, size); });
+}
+
+int SystemCalls::setMode(int file, mode_t mode) {
+    return resumed([&] { return ::fchmod(file, mode); });
+}
+
+int SystemCalls::flush(int file) {
+    return resumed([&] { return ::fsync(file); });
+}
+
+int SystemCalls::rename(int folder, const std::string& from, const std::string& to) {
+    return ::renameat(folder, from.c_str(), folder, to.c_str());
+}
+
+SystemCalls& systemCalls() {
+    static SystemCalls calls;
+    return calls;
+}
+
+} // namespace platform::posix

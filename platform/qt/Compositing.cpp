@@ -1,0 +1,209 @@
+#include "platform/qt/Compositing.h"
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <cstddef>
+
+namespace platform::qt {
+namespace {
+
+/// Premultiplied, components 0 to 1.
+struct Pixel {
+    float alpha = 0;
+    float red = 0;
+    float green = 0;
+    float blue = 0;
+};
+
+/// What a pixel is multiplied by before the two are added: one of these of the other's alpha, or of
+/// nothing.
+enum class Factor { Zero, One, Alpha, OneMinusAlpha };
+
+struct Factors {
+    Factor ofSource;      // of the destination's alpha
+    Factor ofDestination; // of the source's alpha
+};
+
+/// By operation number. PlusDarker is not of this kind; its row is never used.
+constexpr std::array<Factors, 14> kFactors = {{
+    {Factor::Zero, Factor::Zero},                   // Clear
+    {Factor::One, Factor::Zero},                    // Copy
+    {Factor::One, Factor::OneMinusAlpha},           // SourceOver
+    {Factor::Alpha, Factor::Zero},                  // SourceIn
+    {Factor::OneMinusAlpha, Factor::Zero},          // SourceOut
+    {Factor::Alpha, Factor::OneMinusAlpha},         // SourceAtop
+    {Factor::OneMinusAlpha, Factor::One},           // DestinationOver
+    {Factor::Zero, Factor::Alpha},                  // DestinationIn
+    {Factor::Zero, Factor::OneMinusAlpha},          // DestinationOut
+    {Factor::OneMinusAlpha, Factor::Alpha},         // DestinationAtop
+    {Factor::OneMinusAlpha, Factor::OneMinusAlpha}, // XOR
+    {Factor::Zero, Factor::Zero},                   // PlusDarker
+    {Factor::One, Factor::OneMinusAlpha},           // Highlight
+    {Factor::One, Factor::One},                     // PlusLighter
+}};
+
+float value(Factor factor, float alpha) {
+    switch (factor) {
+    case Factor::Zero:
+        return 0;
+    case Factor::One:
+        return 1;
+    case Factor::Alpha:
+        return alpha;
+    case Factor::OneMinusAlpha:
+        return 1 - alpha;
+    }
+    return 0;
+}
+
+/// Applies @p combine to the components of two pixels in pairs, alpha first.
+template <class Combine>
+Pixel componentwise(const Pixel& one, const Pixel& other, Combine combine) {
+    return {combine(one.alpha, other.alpha), combine(one.red, other.red),
+            combine(one.green, other.green), combine(one.blue, other.blue)};
+}
+
+Pixel plusDarker(const Pixel& source, const Pixel& destination) {
+    const float alpha = std::min(1.0F, source.alpha + destination.alpha);
+    Pixel result = componentwise(source, destination, [&](float s, float d) {
+        return std::max(0.0F, alpha - ((source.alpha - s) + (destination.alpha - d)));
+    });
+    result.alpha = alpha;
+    return result;
+}
+
+Pixel composited(const Pixel& source, const Pixel& destination, CompositingOperation operation) {
+    if (operation == CompositingOperation::PlusDarker)
+        return plusDarker(source, destination);
+    const Factors factors = kFactors[static_cast<std::size_t>(operation)];
+    const float ofSource = value(factors.ofSource, destination.alpha);
+    const float ofDestination = value(factors.ofDestination, source.alpha);
+    return componentwise(source, destination, [&](float s, float d) {
+        return std::min(1.0F, s * ofSource + d * ofDestination);
+    });
+}
+
+Pixel times(const Pixel& pixel, float factor) {
+    return componentwise(pixel, pixel, [&](float c, float) { return c * factor; });
+}
+
+Pixel unpacked(QRgb packed) {
+    return times({static_cast<float>(qAlpha(packed)), static_cast<float>(qRed(packed)),
+                  static_cast<float>(qGreen(packed)), static_cast<float>(qBlue(packed))},
+                 1.0F / 255);
+}
+
+QRgb packed(const Pixel& pixel) {
+    const auto byte = [](float c) { return static_cast<int>(c * 255 + 0.5F); };
+    return qRgba(byte(pixel.red), byte(pixel.green), byte(pixel.blue), byte(pixel.alpha));
+}
+
+Pixel premultiplied(const QColor& color) {
+    return times({1, static_cast<float>(color.redF()), static_cast<float>(color.greenF()),
+                  static_cast<float>(color.blueF())},
+                 static_cast<float>(color.alphaF()));
+}
+
+bool isKnown(CompositingOperation operation) {
+    const int number = static_cast<int>(operation);
+    return number >= 0 && number < static_cast<int>(kFactors.size());
+}
+
+/// Merges into the target's part of @p area what @p sourceAt(x, y) gives, by as much as
+/// @p coverageAt(x, y) says.
+template <class SourceAt, class CoverageAt>
+void merge(QImage& target, const QRect& area, CompositingOperation operation, SourceAt sourceAt,
+           CoverageAt coverageAt) {
+    const QRect visible = area & target.rect();
+    if (visible.isEmpty() || !isKnown(operation))
+        return;
+    for (int y = visible.top(); y <= visible.bottom(); ++y) {
+        auto* const row = reinterpret_cast<QRgb*>(target.scanLine(y));
+        for (int x = visible.left(); x <= visible.right(); ++x) {
+            const float coverage = coverageAt(x, y);
+            if (coverage <= 0)
+                continue;
+            const Pixel before = unpacked(row[x]);
+            const Pixel after = composited(sourceAt(x, y), before, operation);
+            row[x] = packed(componentwise(
+                before, after, [&](float b, float a) { return b + (a - b) * coverage; }));
+        }
+    }
+}
+
+QRgb pixelAt(const QImage& layer, QPoint position) {
+    return reinterpret_cast<const QRgb*>(layer.constScanLine(position.y()))[position.x()];
+}
+
+/// The part of a rectangle that is in the target, and how much of each pixel it covers.
+class RectCoverage {
+  public:
+    RectCoverage(const QRectF& shape, const QImage& target)
+        : shape_(shape & QRectF(target.rect())) {}
+
+    QRect area() const { return shape_.isEmpty() ? QRect() : shape_.toAlignedRect(); }
+    float operator()(int x, int y) const {
+        return static_cast<float>(overlap(x, shape_.left(), shape_.right()) *
+                                  overlap(y, shape_.top(), shape_.bottom()));
+    }
+
+  private:
+    static double overlap(int pixel, double low, double high) {
+        return std::max(0.0, std::min(pixel + 1.0, high) - std::max<double>(pixel, low));
+    }
+
+    QRectF shape_;
+};
+
+} // namespace
+
+float* Mask::row(int y) {
+    return coverage.data() +
+           static_cast<std::ptrdiff_t>(y - area.top()) * static_cast<std::ptrdiff_t>(area.width());
+}
+
+const float* Mask::row(int y) const {
+    return const_cast<Mask*>(this)->row(y);
+}
+
+void compositeRect(QImage& target, const QRectF& shape, const QColor& color,
+                   CompositingOperation operation) {
+    const RectCoverage coverage(shape, target);
+    const Pixel source = premultiplied(color);
+    merge(
+        target, coverage.area(), operation, [&](int, int) { return source; }, coverage);
+}
+
+void compositeImage(QImage& target, const QRectF& shape, const QImage& layer, QPoint origin,
+                    double fraction, CompositingOperation operation) {
+    const RectCoverage coverage(shape, target);
+    const auto opacity = static_cast<float>(fraction);
+    const auto source = [&](int x, int y) {
+        return times(unpacked(pixelAt(layer, QPoint(x, y) - origin)), opacity);
+    };
+    merge(target, coverage.area() & QRect(origin, layer.size()), operation, source, coverage);
+}
+
+void compositeMask(QImage& target, const Mask& mask, const QColor& color,
+                   CompositingOperation operation) {
+    const Pixel source = premultiplied(color);
+    merge(
+        target, mask.area, operation, [&](int, int) { return source; },
+        [&](int x, int y) { return mask.row(y)[x - mask.area.left()]; });
+}
+
+void compositeGlyphs(QImage& target, const QImage& glyphs, const QImage& coverage, QPoint origin,
+                     CompositingOperation operation) {
+    const auto coverageAt = [&](int x, int y) {
+        return static_cast<float>(qAlpha(pixelAt(coverage, QPoint(x, y) - origin))) / 255;
+    };
+    const auto source = [&](int x, int y) {
+        const Pixel pixel = unpacked(pixelAt(glyphs, QPoint(x, y) - origin));
+        return componentwise(times(pixel, 1 / coverageAt(x, y)), pixel,
+                             [](float c, float) { return std::min(1.0F, c); });
+    };
+    merge(target, QRect(origin, glyphs.size()), operation, source, coverageAt);
+}
+
+} // namespace platform::qt

@@ -1,0 +1,46 @@
+#include "platform/qt/Desktop.h"
+
+#include "platform/Log.h"
+#include "platform/qt/QtGraphics.h"
+#include "platform/qt/QtMainThread.h"
+#include "platform/qt/QtPasteboard.h"
+#include "platform/qt/QtWorkspace.h"
+
+#include <QApplication>
+
+namespace platform::qt {
+namespace {
+
+/// Lines go where they went before; the alert is the desktop's.
+class DesktopLog final : public Log {
+  public:
+    explicit DesktopLog(Log& lines) : lines_(lines) {}
+    void write(std::string_view line) override { lines_.write(line); }
+    void beep() override { QApplication::beep(); }
+
+  private:
+    Log& lines_;
+};
+
+struct Desktop {
+    DesktopLog log{systemLog()};
+    QtGraphics graphics;
+    QtMainThread mainThread;
+    QtPasteboard pasteboard;
+    QtWorkspace workspace;
+};
+
+} // namespace
+
+QtGraphics& install() {
+    // Never destroyed: what outlives main may still log.
+    static auto* const desktop = new Desktop;
+    exchangeService<Log>(&desktop->log);
+    exchangeService<Graphics>(&desktop->graphics);
+    exchangeService<MainThread>(&desktop->mainThread);
+    exchangeService<Pasteboard>(&desktop->pasteboard);
+    exchangeService<Workspace>(&desktop->workspace);
+    return desktop->graphics;
+}
+
+} // namespace platform::qt

@@ -1,0 +1,255 @@
+#include "platform/qt/QtGraphicsContext.h"
+
+#include "platform/Exception.h"
+#include "platform/qt/Compositing.h"
+#include "platform/qt/QtImage.h"
+#include "platform/qt/Resampling.h"
+#include "platform/qt/TextShadow.h"
+
+#include <QPainter>
+
+#include <algorithm>
+#include <cmath>
+#include <utility>
+
+namespace platform::qt {
+namespace {
+
+/// Pixels; a wider blur costs memory and shows nothing.
+constexpr double kLargestDeviation = 128;
+
+/// Antialiased edges reach this far beyond an outline.
+constexpr int kInkMargin = 2;
+
+bool isFinite(Size size) {
+    return std::isfinite(size.width) && std::isfinite(size.height);
+}
+
+bool isDrawable(const Rect& rect) {
+    return std::isfinite(rect.origin.x) && std::isfinite(rect.origin.y) && isFinite(rect.size) &&
+           rect.size.width > 0 && rect.size.height > 0;
+}
+
+QColor toQColor(const Color& color) {
+    const auto component = [](double c) {
+        return c > 0 ? static_cast<float>(std::min(c, 1.0)) : 0.0F;
+    };
+    return QColor::fromRgbF(component(color.red), component(color.green), component(color.blue),
+                            component(color.alpha));
+}
+
+bool drawsOver(CompositingOperation operation) {
+    return operation == CompositingOperation::SourceOver ||
+           operation == CompositingOperation::Highlight;
+}
+
+/// The same pixels without the image's device pixel ratio, which a painter would heed.
+QImage plainView(QImage& image) {
+    return QImage(image.bits(), image.width(), image.height(), image.bytesPerLine(),
+                  image.format());
+}
+
+QImage transparentLayer(QSize size) {
+    QImage layer(size, QImage::Format_ARGB32_Premultiplied);
+    layer.fill(Qt::transparent);
+    return layer;
+}
+
+/// What parts of a text are drawn with.
+struct Ink {
+    QTransform toPixels;
+    TextDrawingMode mode;
+};
+
+template <class Iterator, class ColorOf>
+void drawParts(QImage& target, Iterator first, Iterator last, const Ink& ink, ColorOf colorOf) {
+    QPainter painter(&target);
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.setTransform(ink.toPixels);
+    for (; first != last; ++first)
+        drawGlyphs(painter, first->glyphs, colorOf(*first), ink.mode);
+}
+
+/// The pixels that parts of a text colour, as far as they lie in @p limits.
+template <class Iterator>
+QRect inkArea(Iterator first, Iterator last, const QTransform& toPixels, const QRect& limits) {
+    QRectF bounds;
+    for (; first != last; ++first)
+        bounds |= inkBounds(first->glyphs);
+    if (bounds.isEmpty())
+        return {};
+    const QRectF pixels =
+        toPixels.mapRect(bounds).adjusted(-kInkMargin, -kInkMargin, kInkMargin, kInkMargin) &
+        QRectF(limits);
+    return pixels.isEmpty() ? QRect() : pixels.toAlignedRect();
+}
+
+QTransform shifted(const QTransform& transform, QPointF by) {
+    return transform * QTransform::fromTranslate(by.x(), by.y());
+}
+
+Mask alphaOf(const QImage& layer, QPoint origin) {
+    Mask mask{QRect(origin, layer.size()), {}};
+    mask.coverage.reserve(static_cast<std::size_t>(layer.width()) *
+                          static_cast<std::size_t>(layer.height()));
+    for (int y = 0; y < layer.height(); ++y) {
+        const auto* const line = reinterpret_cast<const QRgb*>(layer.constScanLine(y));
+        std::transform(line, line + layer.width(), std::back_inserter(mask.coverage),
+                       [](QRgb pixel) { return static_cast<float>(qAlpha(pixel)) / 255; });
+    }
+    return mask;
+}
+
+} // namespace
+
+QtGraphicsContext::QtGraphicsContext(Fonts& fonts, QImage& target, QSizeF points, double scale,
+                                     QColor defaultTextColor, QFont defaultFont)
+    : fonts_(fonts), target_(target), points_(points), scale_(scale),
+      defaultTextColor_(defaultTextColor), defaultFont_(std::move(defaultFont)) {}
+
+QtGraphicsContext::~QtGraphicsContext() = default;
+
+void QtGraphicsContext::restoreGraphicsState() {
+    if (saved_.empty())
+        return;
+    state_ = saved_.back();
+    saved_.pop_back();
+}
+
+void QtGraphicsContext::setShadow(Size offset, double blurRadius) {
+    state_.shadow = Shadow{offset, blurRadius};
+}
+
+QRectF QtGraphicsContext::toPixels(const Rect& rect) const {
+    const double top = points_.height() - rect.origin.y - rect.size.height;
+    return {rect.origin.x * scale_, top * scale_, rect.size.width * scale_,
+            rect.size.height * scale_};
+}
+
+QColor QtGraphicsContext::colorOf(const TextLine::Part& part) const {
+    const auto& color = part.attributes.foregroundColor;
+    return color ? toQColor(*color) : defaultTextColor_;
+}
+
+std::optional<Shadow> QtGraphicsContext::shadowOf(const TextAttributes& attributes) const {
+    const std::optional<Shadow>& shadow = attributes.shadow ? attributes.shadow : state_.shadow;
+    const bool shows = shadow && isFinite(shadow->offset) && std::isfinite(shadow->blurRadius) &&
+                       shadow->color.alpha > 0;
+    return shows ? shadow : std::nullopt;
+}
+
+bool QtGraphicsContext::usesShadow(const AttributedString& text) const {
+    return std::any_of(text.runs().begin(), text.runs().end(),
+                       [&](const auto& run) { return shadowOf(run.attributes).has_value(); });
+}
+
+void QtGraphicsContext::drawText(const AttributedString& text, Point point) {
+    if (target_.isNull() || state_.textMode == TextDrawingMode::Invisible ||
+        !std::isfinite(point.x) || !std::isfinite(point.y))
+        return;
+    const bool direct = drawsOver(state_.operation);
+    const bool fringes = state_.smoothing && direct && !usesShadow(text);
+    const TextLine line(text, fonts_, defaultFont_,
+                        fringes ? FontSmoothing::Subpixel : FontSmoothing::Greyscale);
+    const QPointF topLeft = toPixels({point, line.size()}).topLeft();
+    const QTransform toPixels = shifted(QTransform::fromScale(scale_, scale_), topLeft);
+    const Parts parts = line.parts();
+    drawShadows(parts, toPixels);
+    if (direct)
+        drawOver(parts, toPixels);
+    else
+        drawThroughLayer(parts, toPixels);
+}
+
+void QtGraphicsContext::drawShadows(const Parts& parts, const QTransform& toPixels) {
+    // Neighbours with the same shadow throw it together: where theirs meet it is no darker.
+    for (auto first = parts.begin(); first != parts.end();) {
+        const std::optional<Shadow> shadow = shadowOf(first->attributes);
+        const auto last = std::find_if(first, parts.end(), [&](const TextLine::Part& part) {
+            return shadowOf(part.attributes) != shadow;
+        });
+        if (shadow)
+            drawShadow(*shadow, first, last, toPixels);
+        first = last;
+    }
+}
+
+void QtGraphicsContext::drawShadow(const Shadow& shadow, Parts::const_iterator first,
+                                   Parts::const_iterator last, const QTransform& toPixels) {
+    const double deviation = std::clamp(shadow.blurRadius / 2 * scale_, 0.0, kLargestDeviation);
+    const int reach = blurReach(deviation);
+    const QPointF offset(shadow.offset.width * scale_, -shadow.offset.height * scale_);
+    const QTransform moved = shifted(toPixels, offset);
+    const QRect area =
+        inkArea(first, last, moved, target_.rect().adjusted(-reach, -reach, reach, reach))
+            .adjusted(-reach, -reach, reach, reach);
+    if ((area & target_.rect()).isEmpty())
+        return;
+    QImage layer = transparentLayer(area.size());
+    drawParts(layer, first, last, {shifted(moved, -area.topLeft()), state_.textMode},
+              [&](const TextLine::Part& part) { return colorOf(part); });
+    Mask mask = alphaOf(layer, area.topLeft());
+    blur(mask, deviation);
+    compositeMask(target_, mask, toQColor(shadow.color), state_.operation);
+}
+
+void QtGraphicsContext::drawOver(const Parts& parts, const QTransform& toPixels) {
+    QImage view = plainView(target_);
+    drawParts(view, parts.begin(), parts.end(), {toPixels, state_.textMode},
+              [&](const TextLine::Part& part) { return colorOf(part); });
+}
+
+void QtGraphicsContext::drawThroughLayer(const Parts& parts, const QTransform& toPixels) {
+    const QRect area = inkArea(parts.begin(), parts.end(), toPixels, target_.rect());
+    if (area.isEmpty())
+        return;
+    const Ink ink{shifted(toPixels, -area.topLeft()), state_.textMode};
+    QImage glyphs = transparentLayer(area.size());
+    drawParts(glyphs, parts.begin(), parts.end(), ink,
+              [&](const TextLine::Part& part) { return colorOf(part); });
+    QImage coverage = transparentLayer(area.size());
+    drawParts(coverage, parts.begin(), parts.end(), ink,
+              [](const TextLine::Part&) { return QColor(Qt::black); });
+    compositeGlyphs(target_, glyphs, coverage, area.topLeft(), state_.operation);
+}
+
+void QtGraphicsContext::drawImage(const Image& image, const Rect& destination, const Rect& source,
+                                  CompositingOperation operation, double fraction) {
+    const auto* const picture = dynamic_cast<const QtImage*>(&image);
+    if (!picture)
+        throw Exception(kInvalidArgumentException, "the image was not made by this backend");
+    if (!isDrawable(destination) || !isDrawable(source))
+        return;
+    const double stretchX = destination.size.width / source.size.width;
+    const double stretchY = destination.size.height / source.size.height;
+    const QImage& pixels = picture->pixelsForScale(scale_ * std::max(stretchX, stretchY));
+    if (pixels.isNull())
+        return;
+
+    // From here on y points downwards, and the source counts in the pixels of its representation.
+    const Size size = picture->size();
+    const QTransform toSourcePixels =
+        QTransform::fromScale(pixels.width() / size.width, pixels.height() / size.height);
+    const QRectF whole(source.origin.x, size.height - source.origin.y - source.size.height,
+                       source.size.width, source.size.height);
+    const QRectF part = whole & QRectF(0, 0, size.width, size.height);
+    const QRectF target = toPixels(destination);
+    const QRectF shape(target.left() + (part.left() - whole.left()) * stretchX * scale_,
+                       target.top() + (part.top() - whole.top()) * stretchY * scale_,
+                       part.width() * stretchX * scale_, part.height() * stretchY * scale_);
+    const QRectF visible = shape & QRectF(target_.rect());
+    if (part.isEmpty() || visible.isEmpty())
+        return;
+    const QRect area = visible.toAlignedRect();
+    const QImage layer = resampled(pixels, toSourcePixels.mapRect(part), shape, area);
+    compositeImage(target_, shape, layer, area.topLeft(),
+                   fraction > 0 ? std::min(fraction, 1.0) : 0, operation);
+}
+
+void QtGraphicsContext::fillRect(const Rect& rect, const Color& color,
+                                 CompositingOperation operation) {
+    if (isDrawable(rect))
+        compositeRect(target_, toPixels(rect), toQColor(color), operation);
+}
+
+} // namespace platform::qt

@@ -1,0 +1,81 @@
+#include "platform/qt/QtImage.h"
+
+#include "platform/Log.h"
+
+#include <QFileInfo>
+#include <QImageReader>
+
+#include <algorithm>
+#include <utility>
+
+namespace platform::qt {
+namespace {
+
+constexpr QImage::Format kFormat = QImage::Format_ARGB32_Premultiplied;
+
+/// The picture in a file; a null one, and a line in the log, when there is none.
+QImage readImage(const QString& path) {
+    const auto complain = [&](const QString& reason) {
+        logLine("image %@ cannot be read: %@", path.toStdString(), reason.toStdString());
+        return QImage();
+    };
+    // Opening a pipe would wait for its other end.
+    const QFileInfo file(path);
+    if (file.exists() && !file.isFile())
+        return complain(QStringLiteral("It is not a regular file"));
+    QImageReader reader(path);
+    QImage image;
+    if (!reader.read(&image) || image.isNull())
+        return complain(reader.errorString());
+    return image.convertToFormat(kFormat);
+}
+
+/// "x.png" → "x@2x.png".
+QString siblingForScale(const QString& path, int scale) {
+    const QString suffix = QFileInfo(path).suffix();
+    const auto stem = suffix.isEmpty() ? path.size() : path.size() - suffix.size() - 1;
+    return path.left(stem) + QStringLiteral("@%1x").arg(scale) + path.mid(stem);
+}
+
+} // namespace
+
+QtImage::QtImage(std::vector<Representation> representations)
+    : representations_(std::move(representations)) {
+    if (representations_.empty())
+        representations_.emplace_back();
+    const Representation& base = representations_.front();
+    size_ = {base.pixels.width() / base.scale, base.pixels.height() / base.scale};
+    for (Representation& representation : representations_)
+        representation.pixels.convertTo(kFormat);
+    std::stable_sort(representations_.begin(), representations_.end(),
+                     [](const auto& one, const auto& other) { return one.scale < other.scale; });
+}
+
+QtImage::QtImage(QImage pixels, double scale)
+    : QtImage(std::vector<Representation>{{std::move(pixels), scale}}) {}
+
+QtImage::~QtImage() = default;
+
+std::shared_ptr<QtImage> QtImage::fromFile(const std::string& path) {
+    const QString file = QString::fromStdString(path);
+    std::vector<Representation> representations{{readImage(file), 1}};
+    if (representations.front().pixels.isNull())
+        return nullptr;
+    for (const int scale : {2, 3}) {
+        const QString sibling = siblingForScale(file, scale);
+        if (!QFileInfo::exists(sibling))
+            continue;
+        if (QImage pixels = readImage(sibling); !pixels.isNull())
+            representations.push_back({std::move(pixels), static_cast<double>(scale)});
+    }
+    return std::make_shared<QtImage>(std::move(representations));
+}
+
+const QImage& QtImage::pixelsForScale(double scale) const {
+    const auto fitting =
+        std::find_if(representations_.begin(), representations_.end(),
+                     [&](const Representation& candidate) { return candidate.scale >= scale; });
+    return fitting == representations_.end() ? representations_.back().pixels : fitting->pixels;
+}
+
+} // namespace platform::qt

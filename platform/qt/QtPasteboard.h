@@ -1,0 +1,13 @@
+#pragma once
+
+#include "platform/Pasteboard.h"
+
+namespace platform::qt {
+
+/// The desktop's clipboard.
+class QtPasteboard final : public Pasteboard {
+  public:
+    void setString(std::string_view text) override;
+};
+
+} // namespace platform::qt

@@ -1,0 +1,46 @@
+#include "platform/qt/QtWorkspace.h"
+
+#include "platform/Log.h"
+#include "platform/PathStrings.h"
+
+#include <QDBusConnection>
+#include <QDBusMessage>
+#include <QDBusPendingCallWatcher>
+#include <QDBusPendingReply>
+#include <QDesktopServices>
+#include <QUrl>
+
+namespace platform::qt {
+namespace {
+
+void openParentFolder(const std::string& path) {
+    const auto folder = QString::fromStdString(deletingLastPathComponent(path));
+    if (!QDesktopServices::openUrl(QUrl::fromLocalFile(folder)))
+        logLine("no program to show the folder %@", folder.toStdString());
+}
+
+} // namespace
+
+bool QtWorkspace::selectFile(const std::string& path, const std::string& rootPath) {
+    const auto bus = QDBusConnection::sessionBus();
+    if (!bus.isConnected()) {
+        openParentFolder(path);
+        return true;
+    }
+    auto message = QDBusMessage::createMethodCall("org.freedesktop.FileManager1",
+                                                  "/org/freedesktop/FileManager1",
+                                                  "org.freedesktop.FileManager1", "ShowItems");
+    const auto url = QUrl::fromLocalFile(QString::fromStdString(path)).toString();
+    message << QStringList{url} << QString();
+    auto* call = new QDBusPendingCallWatcher(bus.asyncCall(message));
+    QObject::connect(call, &QDBusPendingCallWatcher::finished, call, [call, path] {
+        if (call->isError())
+            openParentFolder(path);
+        call->deleteLater();
+    });
+    // The interface has no root folder to give; browsers choose the window by themselves.
+    static_cast<void>(rootPath);
+    return true;
+}
+
+} // namespace platform::qt

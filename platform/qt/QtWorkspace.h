@@ -1,0 +1,15 @@
+#pragma once
+
+#include "platform/Workspace.h"
+
+namespace platform::qt {
+
+/// The freedesktop services of the session.
+class QtWorkspace final : public Workspace {
+  public:
+    /// Asks the file manager on the session bus (org.freedesktop.FileManager1); when there is none
+    /// it opens the folder that the file is in.
+    bool selectFile(const std::string& path, const std::string& rootPath) override;
+};
+
+} // namespace platform::qt

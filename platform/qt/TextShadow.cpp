@@ -1,0 +1,74 @@
+#include "platform/qt/TextShadow.h"
+
+#include <cmath>
+#include <cstddef>
+#include <vector>
+
+namespace platform::qt {
+namespace {
+
+constexpr int kPasses = 3;
+
+/// A box filter of 2 * radius + 1 whole pixels and a part of the ones at both ends.
+struct Box {
+    int radius = 0;
+    float end = 0;    ///< weight of the two end pixels; the whole ones weigh 1
+    float weight = 1; ///< of the sum
+};
+
+/// The box whose variance, taken kPasses times, is that of the Gaussian.
+Box boxFor(double deviation) {
+    const double variance = deviation * deviation / kPasses;
+    Box box;
+    box.radius = static_cast<int>((std::sqrt(1 + 12 * variance) - 1) / 2);
+    const double whole = 2.0 * box.radius + 1;
+    const double squares = box.radius * (box.radius + 1.0) * whole / 3;
+    const double next = box.radius + 1.0;
+    const double end = (variance * whole - squares) / (2 * (next * next - variance));
+    box.end = static_cast<float>(end);
+    box.weight = static_cast<float>(1 / (whole + 2 * end));
+    return box;
+}
+
+/// Filters @p count values that lie @p stride apart.
+void filter(float* values, std::ptrdiff_t count, std::ptrdiff_t stride, const Box& box,
+            std::vector<float>& padded) {
+    const std::ptrdiff_t margin = box.radius + 1;
+    padded.assign(static_cast<std::size_t>(count + 2 * margin), 0);
+    for (std::ptrdiff_t i = 0; i < count; ++i)
+        padded[static_cast<std::size_t>(i + margin)] = values[i * stride];
+
+    const auto at = [&](std::ptrdiff_t i) { return padded[static_cast<std::size_t>(i + margin)]; };
+    // A running sum in single precision would leave crumbs where there is nothing.
+    double sum = 0;
+    for (std::ptrdiff_t i = -box.radius; i <= box.radius; ++i)
+        sum += at(i);
+    for (std::ptrdiff_t i = 0; i < count; ++i) {
+        const float ends = at(i - margin) + at(i + margin);
+        values[i * stride] = (static_cast<float>(sum) + box.end * ends) * box.weight;
+        sum += at(i + margin) - at(i - box.radius);
+    }
+}
+
+} // namespace
+
+int blurReach(double deviation) {
+    return deviation > 0 ? kPasses * (boxFor(deviation).radius + 1) : 0;
+}
+
+void blur(Mask& mask, double deviation) {
+    if (!(deviation > 0) || mask.area.isEmpty())
+        return;
+    const Box box = boxFor(deviation);
+    const std::ptrdiff_t width = mask.area.width();
+    const std::ptrdiff_t height = mask.area.height();
+    std::vector<float> padded;
+    for (int pass = 0; pass < kPasses; ++pass) {
+        for (std::ptrdiff_t y = 0; y < height; ++y)
+            filter(mask.coverage.data() + y * width, width, 1, box, padded);
+        for (std::ptrdiff_t x = 0; x < width; ++x)
+            filter(mask.coverage.data() + x, height, width, box, padded);
+    }
+}
+
+} // namespace platform::qt

@@ -1,0 +1,49 @@
+#pragma once
+
+#include "platform/Log.h"
+
+#include <algorithm>
+#include <mutex>
+#include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+namespace test {
+
+/// Keeps what is logged, as the system log for as long as it lives.
+class RecordingLog final : public platform::Log {
+  public:
+    void write(std::string_view line) override {
+        const std::lock_guard lock(mutex_);
+        lines_.emplace_back(line);
+    }
+    void beep() override {
+        const std::lock_guard lock(mutex_);
+        ++beeps_;
+    }
+
+    /// All lines since the last take, oldest first.
+    std::vector<std::string> take() {
+        const std::lock_guard lock(mutex_);
+        return std::exchange(lines_, {});
+    }
+    bool contains(std::string_view part) const {
+        const std::lock_guard lock(mutex_);
+        return std::any_of(lines_.begin(), lines_.end(), [&](const std::string& line) {
+            return line.find(part) != std::string::npos;
+        });
+    }
+    int beeps() const {
+        const std::lock_guard lock(mutex_);
+        return beeps_;
+    }
+
+  private:
+    mutable std::mutex mutex_;
+    std::vector<std::string> lines_;
+    int beeps_ = 0;
+    platform::ScopedService<platform::Log> service_{*this};
+};
+
+} // namespace test

@@ -1,0 +1,42 @@
+#pragma once
+
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <stdexcept>
+#include <string>
+#include <string_view>
+
+namespace test {
+
+/// An empty folder of the test's own that is gone with the object.
+class TemporaryFolder {
+  public:
+    TemporaryFolder() {
+        std::string pattern = (std::filesystem::temp_directory_path() / "halvex-XXXXXX").string();
+        if (!mkdtemp(pattern.data()))
+            throw std::runtime_error("no temporary folder: " + pattern);
+        path_ = pattern;
+    }
+    ~TemporaryFolder() {
+        std::error_code ignored;
+        std::filesystem::remove_all(path_, ignored);
+    }
+    TemporaryFolder(const TemporaryFolder&) = delete;
+    TemporaryFolder& operator=(const TemporaryFolder&) = delete;
+
+    const std::filesystem::path& path() const { return path_; }
+    std::string file(std::string_view name) const { return (path_ / name).string(); }
+    std::string write(std::string_view name, std::string_view contents) const {
+        const auto target = path_ / name;
+        std::filesystem::create_directories(target.parent_path());
+        std::ofstream(target, std::ios::binary)
+            .write(contents.data(), static_cast<std::streamsize>(contents.size()));
+        return target.string();
+    }
+
+  private:
+    std::filesystem::path path_;
+};
+
+} // namespace test
