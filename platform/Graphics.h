@@ -82,9 +82,9 @@ struct Font {
 /// How a run of text looks. What is not set takes the platform's default: the menu bar's font, and
 /// the text colour of the place that it is drawn in.
 struct TextAttributes {
-    std::optional<Font> font;
-    std::optional<Color> foregroundColor;
-    std::optional<Shadow> shadow;
+    std::optional<Font> font{};
+    std::optional<Color> foregroundColor{};
+    std::optional<Shadow> shadow{};
     friend bool operator==(const TextAttributes&, const TextAttributes&) = default;
 };
 

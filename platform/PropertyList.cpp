@@ -4,8 +4,6 @@
 #include "platform/ServiceSlot.h"
 
 #include <algorithm>
-#include <bit>
-#include <cstring>
 #include <limits>
 #include <memory>
 #include <numeric>
@@ -24,22 +22,9 @@ char* makeStringBlock(std::string_view text) {
     return block.release();
 }
 
-std::string_view textOfBlock(const char* block) {
-    std::size_t length = 0;
-    std::memcpy(&length, block, sizeof(length));
-    return {block + sizeof(length), length};
-}
-
 } // namespace
 
 static_assert(sizeof(PropertyList) == 16);
-
-template <class T>
-T PropertyList::load() const noexcept {
-    T value;
-    std::memcpy(&value, payload_.data(), sizeof(value));
-    return value;
-}
 
 template <class T>
 void PropertyList::store(Kind kind, T value) noexcept {
@@ -128,43 +113,6 @@ void PropertyList::setUnsignedInteger(std::uint64_t value) noexcept {
 
 void PropertyList::setReal(double value) noexcept {
     store(Kind::Real, value);
-}
-
-PropertyList::Type PropertyList::type() const {
-    switch (kind_) {
-    case Kind::Data:
-        return Type::Data;
-    case Kind::Array:
-        return Type::Array;
-    case Kind::Dictionary:
-        return Type::Dictionary;
-    case Kind::Integer:
-    case Kind::LargeInteger:
-        return Type::Integer;
-    case Kind::Real:
-        return Type::Real;
-    case Kind::Date:
-        return Type::Date;
-    case Kind::False:
-    case Kind::True:
-        return Type::Boolean;
-    default:
-        return Type::String;
-    }
-}
-
-std::string_view PropertyList::text() const noexcept {
-    if (kind_ == Kind::LongString)
-        return textOfBlock(load<const char*>());
-    const auto length =
-        static_cast<std::size_t>(kind_) - static_cast<std::size_t>(Kind::ShortString);
-    return {payload_.data(), length};
-}
-
-std::optional<std::string_view> PropertyList::string() const {
-    if (type() != Type::String)
-        return std::nullopt;
-    return text();
 }
 
 std::optional<std::int64_t> PropertyList::integer() const {

@@ -6,7 +6,9 @@
 #include <concepts>
 #include <cstddef>
 #include <cstdint>
+#include <cstring>
 #include <functional>
+#include <initializer_list>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -72,12 +74,22 @@ class PropertyList {
         std::swap(kind_, other.kind_);
     }
 
-    Type type() const;
+    Type type() const {
+        constexpr std::array kTypes{Type::String,  Type::Data,    Type::Array, Type::Dictionary,
+                                    Type::Integer, Type::Integer, Type::Real,  Type::Date,
+                                    Type::Boolean, Type::Boolean};
+        const auto kind = static_cast<std::size_t>(kind_);
+        return kind < kTypes.size() ? kTypes[kind] : Type::String;
+    }
 
     // Each gives nothing, or null, when the value is of another type. What they point to belongs to
     // this value and lives until it is assigned to, moved from or destroyed.
 
-    std::optional<std::string_view> string() const;
+    std::optional<std::string_view> string() const {
+        if (type() != Type::String)
+            return std::nullopt;
+        return text();
+    }
     /// An integer that fits; every integer fits at least one of the two.
     std::optional<std::int64_t> integer() const;
     std::optional<std::uint64_t> unsignedInteger() const;
@@ -114,14 +126,27 @@ class PropertyList {
     using Payload = std::array<char, 15>;
 
     template <class T>
-    T load() const noexcept;
+    T load() const noexcept {
+        T value;
+        std::memcpy(&value, payload_.data(), sizeof(value));
+        return value;
+    }
     template <class T>
     void store(Kind kind, T value) noexcept;
     void setInteger(std::int64_t value) noexcept;
     void setUnsignedInteger(std::uint64_t value) noexcept;
     void setReal(double value) noexcept;
     void release() noexcept;
-    std::string_view text() const noexcept;
+    /// Of a string. A long one lies behind its length in one block.
+    std::string_view text() const noexcept {
+        if (kind_ >= Kind::ShortString)
+            return {payload_.data(),
+                    static_cast<std::size_t>(kind_) - static_cast<std::size_t>(Kind::ShortString)};
+        const char* block = load<const char*>();
+        std::size_t length = 0;
+        std::memcpy(&length, block, sizeof(length));
+        return {block + sizeof(length), length};
+    }
 
     alignas(8) Payload payload_{};
     Kind kind_ = Kind::ShortString;
@@ -140,6 +165,7 @@ class PropertyList::Dictionary {
     Dictionary() = default;
     /// Of several entries with one key the last value counts, in the place of the first.
     explicit Dictionary(std::vector<Entry> entries);
+    Dictionary(std::initializer_list<Entry> entries) : Dictionary(std::vector<Entry>(entries)) {}
 
     const PropertyList* find(std::string_view key) const;
     PropertyList* find(std::string_view key);

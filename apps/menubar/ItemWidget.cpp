@@ -111,13 +111,13 @@ void ItemWidget::drawLayer() {
 }
 
 void ItemWidget::mousePressEvent(QMouseEvent* event) {
-    handlePress(*event);
+    press(*event);
 }
 void ItemWidget::mouseDoubleClickEvent(QMouseEvent* event) {
-    handlePress(*event);
+    press(*event);
 }
 
-void ItemWidget::handlePress(const QMouseEvent& event) {
+void ItemWidget::press(const QMouseEvent& event) {
     emit pressed(Event{.modifierFlags = qt::modifierFlags(event.modifiers()),
                        .clickCount = countClick(event),
                        .buttonNumber = buttonNumber(event.button())});
@@ -125,13 +125,13 @@ void ItemWidget::handlePress(const QMouseEvent& event) {
 
 std::int32_t ItemWidget::countClick(const QMouseEvent& event) {
     const auto* hints = QGuiApplication::styleHints();
+    const QPoint place = event.globalPosition().toPoint();
     const bool soon =
         event.timestamp() - lastTime_ <= static_cast<quint64>(hints->mouseDoubleClickInterval());
-    const bool near =
-        (event.pos() - lastPlace_).manhattanLength() <= hints->mouseDoubleClickDistance();
+    const bool near = (place - lastPlace_).manhattanLength() <= hints->mouseDoubleClickDistance();
     clickCount_ = soon && near && event.button() == lastButton_ ? clickCount_ + 1 : 1;
     lastTime_ = event.timestamp();
-    lastPlace_ = event.pos();
+    lastPlace_ = place;
     lastButton_ = event.button();
     return clickCount_;
 }

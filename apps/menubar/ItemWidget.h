@@ -31,6 +31,9 @@ class ItemWidget final : public QWidget {
     std::string spokenName() const;
     const std::shared_ptr<platform::MenuExtra>& extra() const { return extra_; }
 
+    /// A button of the mouse was pressed over the item, wherever Qt sent that.
+    void press(const QMouseEvent& event);
+
   signals:
     /// A button of the mouse was pressed over the item.
     void pressed(const platform::Event& event);
@@ -44,7 +47,6 @@ class ItemWidget final : public QWidget {
 
   private:
     void drawLayer();
-    void handlePress(const QMouseEvent& event);
     std::int32_t countClick(const QMouseEvent& event);
 
     std::string owner_;

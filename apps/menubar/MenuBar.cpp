@@ -8,6 +8,7 @@
 
 #include <QFileInfo>
 #include <QGuiApplication>
+#include <QMouseEvent>
 #include <QPainter>
 #include <QSaveFile>
 #include <QTimer>
@@ -22,6 +23,12 @@ namespace {
 
 QString qString(std::string_view text) {
     return QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size()));
+}
+
+bool hasMenu(const LoadedItem& item) {
+    bool has = false;
+    runGuarded(item.identifier, [&] { has = item.extra->menu() != nullptr; });
+    return has;
 }
 
 } // namespace
@@ -202,7 +209,7 @@ bool MenuBar::send(const Item& item, const Event& event) {
 void MenuBar::toggleMenu(MenuExtra& extra) {
     menuRequested_ = true;
     Item* item = itemOf(extra);
-    if (!item || justClosed_ == &extra)
+    if (!item)
         return;
     if (extra.isMenuDown())
         closeMenuOf(*item);
@@ -225,6 +232,9 @@ void MenuBar::showMenu(Item& item) {
         return;
     }
     connect(menu.get(), &QMenu::aboutToHide, this, [this, &extra] { menuClosed(extra); });
+    connect(menu.get(), &qt::QtMenu::neighbourWanted, this,
+            [this, &extra](int direction) { showMenuBeside(extra, direction); });
+    menu->setPressHandler([this](const QMouseEvent& press) { return pressBesideMenu(press); });
     setMenuDown(extra, true);
     item.widget->update();
     menus_.push_back({&extra, std::move(menu)});
@@ -246,11 +256,43 @@ void MenuBar::menuClosed(MenuExtra& extra) {
         item->widget->update();
         runGuarded(item->loaded.identifier, [&] { extra.menuDidClose(); });
     }
-    // The press that closes a menu reaches the item below it as well: that must not open it again.
-    justClosed_ = &extra;
     QTimer::singleShot(0, this, [this] {
-        justClosed_ = nullptr;
         std::erase_if(menus_, [](const ShownMenu& shown) { return !shown.menu->isVisible(); });
+    });
+}
+
+bool MenuBar::pressBesideMenu(const QMouseEvent& press) {
+    const QPoint place = press.globalPosition().toPoint();
+    for (const Item& item : items_) {
+        ItemWidget* widget = item.widget.get();
+        if (!widget->rect().contains(widget->mapFromGlobal(place)))
+            continue;
+        const bool ownItem = item.loaded.extra->isMenuDown();
+        openMenu()->close();
+        if (!ownItem)
+            widget->press(press);
+        return true;
+    }
+    return false;
+}
+
+void MenuBar::showMenuBeside(MenuExtra& extra, int direction) {
+    // Items stand from right to left.
+    std::vector<Item*> withMenu;
+    for (Item& item : items_) {
+        if (item.loaded.extra.get() == &extra || hasMenu(item.loaded))
+            withMenu.push_back(&item);
+    }
+    const auto current = std::find(withMenu.begin(), withMenu.end(), itemOf(extra));
+    const auto count = static_cast<std::ptrdiff_t>(withMenu.size());
+    const std::ptrdiff_t place = (current - withMenu.begin() - direction + count) % count;
+    Item& next = *withMenu[static_cast<std::size_t>(place)];
+    if (next.loaded.extra.get() == &extra)
+        return;
+    openMenu()->close();
+    QTimer::singleShot(0, this, [this, identifier = next.loaded.identifier] {
+        if (Item* item = itemWith(identifier))
+            showMenu(*item);
     });
 }
 

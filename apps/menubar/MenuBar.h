@@ -98,6 +98,8 @@ class MenuBar final : public QObject, public platform::MenuExtraHost, public pla
     void showMenu(Item& item);
     void closeMenuOf(Item& item);
     void menuClosed(platform::MenuExtra& extra);
+    bool pressBesideMenu(const QMouseEvent& press);
+    void showMenuBeside(platform::MenuExtra& extra, int direction);
     platform::qt::QtMenu* openMenu() const;
     void placeItems();
     QImage picture();
@@ -110,8 +112,7 @@ class MenuBar final : public QObject, public platform::MenuExtraHost, public pla
     std::uint32_t lastReference_ = 0;
     std::vector<std::unique_ptr<platform::LoadedCode>> codeInUse_; // of items that somebody holds
 
-    std::vector<ShownMenu> menus_;              // at most one is open; closed ones go soon
-    platform::MenuExtra* justClosed_ = nullptr; // by the press that is being handled
-    bool menuRequested_ = false;                // by the click that is being handled
+    std::vector<ShownMenu> menus_; // at most one is open; closed ones go soon
+    bool menuRequested_ = false;   // by the click that is being handled
     std::optional<platform::Event> handledEvent_;
 };

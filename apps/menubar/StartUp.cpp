@@ -21,6 +21,7 @@ QPalette lightPalette() {
 QPalette darkPalette() {
     QPalette palette(QColor(0x2b, 0x2b, 0x2d));
     palette.setColor(QPalette::Mid, QColor(0x10, 0x10, 0x10));
+    palette.setColor(QPalette::Base, QColor(0x1e, 0x1e, 0x20)); // menus
     palette.setColor(QPalette::Highlight, QColor(0x5a, 0x9c, 0xf8));
     palette.setColor(QPalette::HighlightedText, Qt::black);
     return palette;
@@ -37,6 +38,14 @@ void chooseDisplay() {
     }
     if (!qEnvironmentVariableIsSet("QT_XCB_GL_INTEGRATION"))
         qputenv("QT_XCB_GL_INTEGRATION", "none");
+}
+
+void logQtMessages() {
+    qInstallMessageHandler([](QtMsgType, const QMessageLogContext&, const QString& message) {
+        // Offscreen there is no window manager to ask, which is no news.
+        if (!message.startsWith("This plugin does not support"))
+            logLine("Qt: %@", message.toStdString());
+    });
 }
 
 void applyAppearance(Appearance appearance) {

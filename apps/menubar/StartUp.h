@@ -10,6 +10,9 @@ enum class Appearance { Desktop, Light, Dark };
 /// leaves out what a bar never needs of Qt and would pay for at start.
 void chooseDisplay();
 
+/// Sends what Qt has to say to the system log from now on.
+void logQtMessages();
+
 /// Gives the program the palette that was asked for; the desktop's is there already.
 void applyAppearance(Appearance appearance);
 

@@ -4,6 +4,7 @@
 #include <QScreen>
 #include <QWindow>
 
+#include <algorithm>
 #include <array>
 #include <cmath>
 #include <cstdint>
@@ -35,6 +36,15 @@ void setProperty(const QWindow& window, std::string_view name, xcb_atom_t type,
                         atom(x, name), type, 32, count, values.data());
 }
 
+/// The right edge of the whole screen area, in native pixels.
+std::uint32_t lastColumn() {
+    xcb_connection_t* x = connection();
+    const xcb_window_t root = xcb_setup_roots_iterator(xcb_get_setup(x)).data->root;
+    const std::unique_ptr<xcb_get_geometry_reply_t, decltype(&std::free)> reply(
+        xcb_get_geometry_reply(x, xcb_get_geometry(x, root), nullptr), std::free);
+    return reply && reply->width > 0 ? reply->width - 1U : 0xFFFFU;
+}
+
 std::uint32_t pixels(double points, double ratio) {
     return static_cast<std::uint32_t>(std::lround(std::ceil(points * ratio)));
 }
@@ -58,7 +68,9 @@ void X11Dock::reserveTop(QWindow& window, const QScreen& screen, int height) {
     const double ratio = screen.devicePixelRatio();
     const auto top = static_cast<std::uint32_t>(screen.geometry().top()) + pixels(height, ratio);
     const auto left = static_cast<std::uint32_t>(screen.geometry().left());
-    const std::uint32_t right = left + pixels(screen.geometry().width(), ratio) - 1;
+    // A fractional ratio can round a screen's width in points up to more than there is.
+    const std::uint32_t right =
+        std::min(left + pixels(screen.geometry().width(), ratio) - 1, lastColumn());
     setProperty(window, "_NET_WM_STRUT", XCB_ATOM_CARDINAL,
                 std::array<std::uint32_t, 4>{0, 0, top, 0});
     setProperty(window, "_NET_WM_STRUT_PARTIAL", XCB_ATOM_CARDINAL,

@@ -9,6 +9,7 @@
 #include <CLI/CLI.hpp>
 #include <QApplication>
 
+#include <map>
 #include <string>
 #include <vector>
 
@@ -69,6 +70,7 @@ int main(int argc, char** argv) {
         return commandLine.exit(error) == 0 ? 0 : kWrongUsage;
     }
     chooseDisplay();
+    logQtMessages();
     int qtArguments = 1;
     QApplication application(qtArguments, argv);
     application.setApplicationName("halvex-menubar");

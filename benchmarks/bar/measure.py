@@ -55,10 +55,7 @@ class Desktop:
         if not number:
             raise NotMeasured(f"Xvfb did not start: {self.last_words()}")
         self.display = f":{number}"
-        # tint2 waits for a window manager to say how many desktops there are.
-        subprocess.run(
-            ["xprop", "-display", self.display, "-root", "-f", "_NET_NUMBER_OF_DESKTOPS", "32c",
-             "-set", "_NET_NUMBER_OF_DESKTOPS", "1"], check=True)
+        subprocess.run([self.watcher, "prepare"], env={"DISPLAY": self.display}, check=True)
 
     def spawn(self, command: list[str], env: dict[str, str], **options) -> subprocess.Popen:
         return subprocess.Popen(command, env=env, stdin=subprocess.DEVNULL, stdout=self._log,
@@ -166,6 +163,9 @@ def measure_with_seconds(desktop: Desktop, env: dict[str, str], bar: bars.Bar,
                          result: report.Result, seconds: int) -> None:
     """Memory after the warm-up, then CPU time, wake-ups and the delay of each tick."""
     with running(desktop, env, bar) as pids:
+        strangers = processes.strangers_sharing_toolkits()
+        if strangers:
+            note(f"PSS of {bar.name} reads low: {', '.join(strangers)} may share its libraries")
         result.memory = processes.memory(pids)
         begin = int(time.time()) + 1.5
         sleep_until(begin)
@@ -180,22 +180,42 @@ def measure_with_seconds(desktop: Desktop, env: dict[str, str], bar: bars.Bar,
         result.ticks = [int(line) for line in output.split()]
 
 
-def measure_with_minutes(desktop: Desktop, env: dict[str, str], bar: bars.Bar,
-                         result: report.Result, seconds: int) -> None:
-    """CPU time and wake-ups around one change of the minute."""
-    with running(desktop, env, bar) as pids:
+def measure_with_minutes(desktop: Desktop, chosen: list[bars.Bar],
+                         results: dict[str, report.Result], seconds: int,
+                         problems: Problems) -> None:
+    """CPU time and wake-ups around one change of the minute, of all bars at once.
+
+    Each has a session of its own, so that two of them may own the same name on the bus.
+    """
+    with ExitStack() as stack:
+        leaders = {}
+        for bar in chosen:
+            env = stack.enter_context(desktop.session(f"minutes, {bar.name}", [bar]))
+            leaders[bar.name] = desktop.spawn(bar.command, env).pid
+            stack.callback(processes.end_all, leaders[bar.name])
+        time.sleep(WARM_UP_SECONDS)
         half = seconds / 2
         minute = 60 * (int(time.time() + half + 1) // 60 + 1)
-        moments = []
+        families = {name: processes.family(leader) for name, leader in leaders.items()}
+        moments: dict[str, list[processes.Usage]] = {name: [] for name in leaders}
         for offset in (-half, -TICK_BEFORE, TICK_AFTER, half):
             sleep_until(minute + offset)
-            moments.append(processes.usage(pids))
-        first, tick_begins, tick_ended, last = moments
-        result.with_minutes = last.since(first)
-        between = tick_begins.since(first)
-        after = last.since(tick_ended)
-        result.between_ticks = processes.Usage(between.cpu_ns + after.cpu_ns,
-                                               between.wakeups + after.wakeups)
+            for name, pids in families.items():
+                if pids and processes.family(leaders[name]) == pids:
+                    moments[name].append(processes.usage(pids))
+        for name, usages in moments.items():
+            with problems.caught(f"{name} with minutes"):
+                store_minutes(results[name], usages)
+
+
+def store_minutes(result: report.Result, usages: list[processes.Usage]) -> None:
+    if len(usages) != 4:
+        raise NotMeasured("it ended, or its processes changed, during the measurement")
+    first, tick_begins, tick_ended, last = usages
+    result.with_minutes = last.since(first)
+    between, after = tick_begins.since(first), last.since(tick_ended)
+    result.between_ticks = processes.Usage(between.cpu_ns + after.cpu_ns,
+                                           between.wakeups + after.wakeups)
 
 
 def parse_options() -> argparse.Namespace:
@@ -255,11 +275,8 @@ def measure(options: argparse.Namespace, stack: ExitStack) -> tuple[list[report.
             note(f"{bar.name} with seconds ...")
             with problems.caught(f"{bar.name} with seconds"):
                 measure_with_seconds(desktop, env, bar, results[bar.name], options.seconds)
-    with desktop.session("minutes", chosen(False)) as env:
-        for bar in chosen(False):
-            note(f"{bar.name} with minutes ...")
-            with problems.caught(f"{bar.name} with minutes"):
-                measure_with_minutes(desktop, env, bar, results[bar.name], options.seconds)
+    note("All with minutes ...")
+    measure_with_minutes(desktop, chosen(False), results, options.seconds, problems)
     return list(results.values()), problems.count
 
 

@@ -81,6 +81,24 @@ class Memory:
     private_dirty: int
 
 
+# PSS divides a page among all who map it, so another user of these makes a bar look small.
+SHARED_TOOLKITS = ("/libQt6Gui.so", "/libgtk-3.so", "/libcairo.so")
+
+
+def strangers_sharing_toolkits() -> list[str]:
+    """Names of the processes outside this one's family that map a toolkit's library."""
+    ours = set(family(os.getpid()))
+    names = []
+    for pid in _parents_and_sessions().keys() - ours:
+        try:
+            maps = Path(f"/proc/{pid}/maps").read_text(errors="replace")
+            if any(toolkit in maps for toolkit in SHARED_TOOLKITS):
+                names.append(Path(f"/proc/{pid}/comm").read_text().strip())
+        except OSError:
+            continue
+    return sorted(set(names))
+
+
 def memory(pids: list[int]) -> Memory:
     total: Counter[str] = Counter()
     for pid in pids:

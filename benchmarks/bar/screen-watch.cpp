@@ -1,5 +1,9 @@
 // Watches the top rows of the X screen and says when they change.
 //
+//     screen-watch prepare
+//         Paints the screen in a colour that no bar uses, and says that there is one desktop: some
+//         bars wait for that word of a window manager before they show themselves.
+//
 //     screen-watch start LIMIT-MS COMMAND [ARGUMENT...]
 //         Starts COMMAND and prints three times in microseconds, counted from just before its
 //         exec: its bar was mapped; any pixel of the top rows was painted; text stands there. Then
@@ -55,10 +59,12 @@ constexpr uint16_t kBarWidth = 400;
 /// ends of a bar give fewer, "00:00" gives more.
 constexpr int kTextEdges = 40;
 
-template <class T> struct FreeDeleter {
+template <class T>
+struct FreeDeleter {
     void operator()(T* pointer) const { std::free(pointer); }
 };
-template <class T> using Reply = std::unique_ptr<T, FreeDeleter<T>>;
+template <class T>
+using Reply = std::unique_ptr<T, FreeDeleter<T>>;
 
 microseconds now(clockid_t clock) {
     timespec time{};
@@ -67,7 +73,9 @@ microseconds now(clockid_t clock) {
                                                     std::chrono::nanoseconds(time.tv_nsec));
 }
 
-microseconds monotonic() { return now(CLOCK_MONOTONIC); }
+microseconds monotonic() {
+    return now(CLOCK_MONOTONIC);
+}
 
 using Pixels = std::vector<uint32_t>;
 
@@ -85,8 +93,25 @@ class Screen {
         if (xcb_connection_has_error(connection_.get()) != 0)
             throw std::runtime_error("no X display");
         screen_ = xcb_setup_roots_iterator(xcb_get_setup(connection_.get())).data;
-        paintRootBare();
+        listenToRoot();
         watchDrawing();
+    }
+
+    void prepare() {
+        xcb_change_window_attributes(connection_.get(), screen_->root, XCB_CW_BACK_PIXEL,
+                                     &kBareColour);
+        xcb_clear_area(connection_.get(), 0, screen_->root, 0, 0, 0, 0);
+        constexpr std::string_view name = "_NET_NUMBER_OF_DESKTOPS";
+        constexpr uint32_t count = 1;
+        Reply<xcb_intern_atom_reply_t> atom(xcb_intern_atom_reply(
+            connection_.get(),
+            xcb_intern_atom(connection_.get(), 0, static_cast<uint16_t>(name.size()), name.data()),
+            nullptr));
+        if (!atom)
+            throw std::runtime_error("the X display went away");
+        xcb_change_property(connection_.get(), XCB_PROP_MODE_REPLACE, screen_->root, atom->atom,
+                            XCB_ATOM_CARDINAL, 32, 1, &count);
+        topRows(); // All of it has been done when the rows have come back.
     }
 
     uint16_t width() const { return screen_->width_in_pixels; }
@@ -110,11 +135,11 @@ class Screen {
     /// The watched rows as 0xRRGGBB. What is drawn after this call is reported by a later event.
     Pixels topRows() {
         xcb_damage_subtract(connection_.get(), damage_, XCB_NONE, XCB_NONE);
-        Reply<xcb_get_image_reply_t> reply(xcb_get_image_reply(
-            connection_.get(),
-            xcb_get_image(connection_.get(), XCB_IMAGE_FORMAT_Z_PIXMAP, screen_->root, 0, 0,
-                          width(), kRows, ~0U),
-            nullptr));
+        Reply<xcb_get_image_reply_t> reply(
+            xcb_get_image_reply(connection_.get(),
+                                xcb_get_image(connection_.get(), XCB_IMAGE_FORMAT_Z_PIXMAP,
+                                              screen_->root, 0, 0, width(), kRows, ~0U),
+                                nullptr));
         Pixels pixels(static_cast<size_t>(width()) * kRows);
         const size_t size = pixels.size() * sizeof(uint32_t);
         if (!reply || static_cast<size_t>(xcb_get_image_data_length(reply.get())) != size)
@@ -126,12 +151,9 @@ class Screen {
     }
 
   private:
-    void paintRootBare() {
-        const uint32_t values[] = {kBareColour, XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY};
-        xcb_change_window_attributes(connection_.get(), screen_->root,
-                                     XCB_CW_BACK_PIXEL | XCB_CW_EVENT_MASK, values);
-        xcb_clear_area(connection_.get(), 0, screen_->root, 0, 0, 0, 0);
-        xcb_flush(connection_.get());
+    void listenToRoot() {
+        const uint32_t events = XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY;
+        xcb_change_window_attributes(connection_.get(), screen_->root, XCB_CW_EVENT_MASK, &events);
     }
 
     void watchDrawing() {
@@ -152,8 +174,7 @@ class Screen {
         const uint8_t type = event.response_type & 0x7f;
         change.drawn = type == damageEvent_;
         if (type == XCB_MAP_NOTIFY)
-            change.barMapped =
-                isBar(reinterpret_cast<const xcb_map_notify_event_t&>(event).window);
+            change.barMapped = isBar(reinterpret_cast<const xcb_map_notify_event_t&>(event).window);
         return change;
     }
 
@@ -325,11 +346,16 @@ int measureTicks(std::chrono::seconds length) {
 int main(int argc, char** argv) {
     const std::span<char*> words(argv, static_cast<size_t>(argc));
     try {
+        if (argc == 2 && std::string_view(argv[1]) == "prepare") {
+            Screen().prepare();
+            return 0;
+        }
         if (argc >= 4 && std::string_view(argv[1]) == "start")
             return measureStart(std::chrono::milliseconds(std::stoi(argv[2])), words.subspan(3));
         if (argc == 3 && std::string_view(argv[1]) == "ticks")
             return measureTicks(std::chrono::seconds(std::stoi(argv[2])));
-        std::fprintf(stderr, "usage: screen-watch start LIMIT-MS COMMAND... | ticks SECONDS\n");
+        std::fprintf(stderr,
+                     "usage: screen-watch prepare | start LIMIT-MS COMMAND... | ticks SECONDS\n");
     } catch (const std::exception& problem) {
         std::fprintf(stderr, "screen-watch: %s\n", problem.what());
     }

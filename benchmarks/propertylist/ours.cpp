@@ -41,10 +41,11 @@ int main(int argc, char** argv) {
                 platform::fileManager().readFile(path, std::numeric_limits<std::uint64_t>::max());
             return file && std::ranges::count(*file.contents, '<') > 0;
         });
+    platform::PropertyListResult list;
+    const auto read = [&] { return bool(list = platform::propertyLists().read(path)); };
     if (operation == "read")
-        return report([&] { return static_cast<bool>(platform::propertyLists().read(path)); });
-    const auto list = platform::propertyLists().read(path);
-    if (operation == "write" && list)
+        return report(read);
+    if (operation == "write" && read())
         return report([&] { return platform::propertyLists().serialize(*list.value).has_value(); });
     return EXIT_FAILURE;
 }

@@ -194,48 +194,50 @@ std::optional<PropertyList> parseData(std::string_view text) {
     return PropertyList(std::move(data));
 }
 
-void appendReal(std::string& out, double value) {
+std::string realText(double value) {
     std::array<char, 32> digits{};
     const auto end = std::to_chars(digits.data(), digits.data() + digits.size(), value).ptr;
-    out.append(digits.data(), end);
+    return {digits.data(), end};
 }
 
-bool appendDate(std::string& out, PropertyList::Date date) {
+std::optional<std::string> dateText(PropertyList::Date date) {
     const std::int64_t days = floorDivide(date.seconds, kSecondsPerDay);
     const std::int64_t second = date.seconds - days * kSecondsPerDay;
     const CivilDate civil = civilFromDays(days);
     if (civil.year > kLastYear || civil.year < -kLastYear)
-        return false;
-    if (civil.year < 0)
-        out += '-';
-    appendPadded(out, civil.year < 0 ? -civil.year : civil.year, 4);
+        return std::nullopt;
+    std::string text = civil.year < 0 ? "-" : "";
+    appendPadded(text, civil.year < 0 ? -civil.year : civil.year, 4);
     const std::array<std::pair<char, std::int64_t>, 5> fields{{{'-', civil.month},
                                                                {'-', civil.day},
                                                                {'T', second / 3600},
                                                                {':', second / 60 % 60},
                                                                {':', second % 60}}};
     for (const auto& [before, value] : fields) {
-        out += before;
-        appendPadded(out, value, 2);
+        text += before;
+        appendPadded(text, value, 2);
     }
-    out += 'Z';
-    return true;
+    return text += 'Z';
 }
 
-void appendData(std::string& out, const PropertyList::Data& data, std::string_view indent) {
+std::string dataText(const PropertyList::Data& data, std::string_view indent) {
     constexpr std::size_t kBytesPerLine = 57;
-    for (std::size_t i = 0; i < data.bytes.size(); i += 3) {
+    const std::size_t size = data.bytes.size();
+    std::string text;
+    text.reserve(size / 3 * 4 + (size / kBytesPerLine + 1) * (indent.size() + 5));
+    for (std::size_t i = 0; i < size; i += 3) {
         if (i % kBytesPerLine == 0)
-            out.append(indent);
-        const std::size_t count = std::min<std::size_t>(3, data.bytes.size() - i);
+            text.append(indent);
+        const std::size_t count = std::min<std::size_t>(3, size - i);
         std::uint32_t bits = 0;
         for (std::size_t j = 0; j < 3; ++j)
             bits = bits << 8 | (j < count ? data.bytes[i + j] : 0U);
         for (std::size_t j = 0; j < 4; ++j)
-            out += j <= count ? kBase64[bits >> (18 - 6 * j) & 63] : '=';
-        if ((i + 3) % kBytesPerLine == 0 || i + 3 >= data.bytes.size())
-            out += '\n';
+            text += j <= count ? kBase64[bits >> (18 - 6 * j) & 63] : '=';
+        if ((i + 3) % kBytesPerLine == 0 || i + 3 >= size)
+            text += '\n';
     }
+    return text;
 }
 
 } // namespace platform::expat

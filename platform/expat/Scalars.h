@@ -21,10 +21,10 @@ std::optional<PropertyList> parseDate(std::string_view text);
 std::optional<PropertyList> parseData(std::string_view text);
 
 /// The shortest text that reads as the same double.
-void appendReal(std::string& out, double value);
-/// False, and nothing is appended, when the year has more than nine digits.
-bool appendDate(std::string& out, PropertyList::Date date);
+std::string realText(double value);
+/// Nothing when the year has more than nine digits.
+std::optional<std::string> dateText(PropertyList::Date date);
 /// In lines of 76 characters, each with @p indent before it and a line feed after it.
-void appendData(std::string& out, const PropertyList::Data& data, std::string_view indent);
+std::string dataText(const PropertyList::Data& data, std::string_view indent);
 
 } // namespace platform::expat

@@ -5,6 +5,8 @@
 #include <expat.h>
 
 #include <algorithm>
+#include <array>
+#include <cstring>
 #include <iterator>
 #include <limits>
 #include <memory>
@@ -32,7 +34,7 @@ enum class Element {
 };
 
 struct ElementName {
-    std::string_view name;
+    const char* name;
     Element element;
 };
 /// The frequent ones first.
@@ -48,11 +50,11 @@ constexpr std::array<ElementName, 11> kElements{{{"string", Element::String},
                                                  {"data", Element::Data},
                                                  {"plist", Element::Plist}}};
 
-std::optional<Element> elementWithName(std::string_view name) {
-    const auto found = std::ranges::find(kElements, name, &ElementName::name);
-    if (found == kElements.end())
-        return std::nullopt;
-    return found->element;
+std::optional<Element> elementWithName(const char* name) {
+    for (const ElementName& candidate : kElements)
+        if (candidate.name[0] == name[0] && std::strcmp(candidate.name, name) == 0)
+            return candidate.element;
+    return std::nullopt;
 }
 
 std::string shown(std::string_view name) {
@@ -72,7 +74,9 @@ bool hasText(Element element) {
 }
 
 bool isSpace(std::string_view text) {
-    return text.find_first_not_of(" \t\r\n") == std::string_view::npos;
+    return std::ranges::all_of(text, [](char character) {
+        return character == '\t' || character == '\n' || character == ' ' || character == '\r';
+    });
 }
 
 class Reader {
@@ -102,7 +106,7 @@ class Reader {
                            const XML_Char*, const XML_Char*, const XML_Char*);
     void skippedEntity(const XML_Char* name, int);
 
-    bool mayBegin(Element element, std::string_view name);
+    bool mayBegin(Element element, const char* name);
     void add(Element element, std::optional<PropertyList> value);
     void endArray(const Open& open);
     void endDictionary(const Open& open);
@@ -132,6 +136,8 @@ Reader::Reader() : parser_(XML_ParserCreate(nullptr)) {
         parser_.get(), call<&Reader::entityDeclaration, const XML_Char*, int, const XML_Char*, int,
                             const XML_Char*, const XML_Char*, const XML_Char*, const XML_Char*>);
     XML_SetSkippedEntityHandler(parser_.get(), call<&Reader::skippedEntity, const XML_Char*, int>);
+    // None is ever declared, so this only makes Expat report references to them.
+    XML_SetParamEntityParsing(parser_.get(), XML_PARAM_ENTITY_PARSING_ALWAYS);
 }
 
 template <auto Member, class... Arguments>
@@ -201,7 +207,7 @@ void Reader::begin(const XML_Char* name, const XML_Char**) {
     text_.clear();
 }
 
-bool Reader::mayBegin(Element element, std::string_view name) {
+bool Reader::mayBegin(Element element, const char* name) {
     const auto refuse = [this](std::string reason) {
         fail(std::move(reason));
         return false;
@@ -268,7 +274,7 @@ void Reader::add(Element element, std::optional<PropertyList> value) {
         values_.push_back(std::move(*value));
         return;
     }
-    const auto name = std::ranges::find(kElements, element, &ElementName::element)->name;
+    const char* name = std::ranges::find(kElements, element, &ElementName::element)->name;
     fail("Malformed or out of range: " + quoted(name));
 }
 

@@ -12,6 +12,13 @@ constexpr std::string_view kHead = "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n
                                    "<plist version=\"1.0\">\n";
 constexpr std::string_view kTail = "</plist>\n";
 
+constexpr auto kTabsForAnyDepth = [] {
+    std::array<char, PropertyListService::kMaximumDepth> tabs{};
+    tabs.fill('\t');
+    return tabs;
+}();
+constexpr std::string_view kTabs(kTabsForAnyDepth.data(), kTabsForAnyDepth.size());
+
 enum class ByteClass : std::uint8_t { Plain, Escaped, Multibyte, Refused };
 
 /// A carriage return would be read as a line feed, "]]>" is no text, so both are escaped.
@@ -62,21 +69,73 @@ std::size_t sequenceLength(std::string_view text) {
     return character < kLeast[length] || surrogate || noCharacter ? 0 : length;
 }
 
-class Writer {
+/// Gathers small pieces in a block that stays in the processor's cache.
+class Output {
   public:
-    bool value(const PropertyList& value, int depth);
-    bool array(const PropertyList::Array& array, int depth);
-    std::string finish();
+    explicit Output(std::size_t expectedSize) { text_.reserve(expectedSize); }
+
+    void append(std::string_view piece) {
+        if (piece.size() > block_.size() - used_)
+            return appendPastBlock(piece);
+        std::memcpy(block_.data() + used_, piece.data(), piece.size());
+        used_ += piece.size();
+    }
+    void indent(std::size_t depth) {
+        constexpr std::size_t kQuick = 8;
+        if (depth > kQuick || block_.size() - used_ < kQuick)
+            return append(kTabs.substr(0, depth - 1));
+        std::memcpy(block_.data() + used_, kTabs.data(), kQuick);
+        used_ += depth - 1;
+    }
+    std::string finish() {
+        appendPastBlock({});
+        return std::move(text_);
+    }
 
   private:
-    bool dictionary(const PropertyList::Dictionary& dictionary, int depth);
-    bool escapedText(std::string_view text);
-    void indent(int depth) { out_.append(static_cast<std::size_t>(depth - 1), '\t'); }
+    void appendPastBlock(std::string_view piece) {
+        text_.append(block_.data(), used_).append(piece);
+        used_ = 0;
+    }
 
-    std::string out_{kHead};
+    std::string text_;
+    std::size_t used_ = 0;
+    std::array<char, std::size_t{1} << 14> block_;
+};
+
+class Writer {
+  public:
+    explicit Writer(std::size_t expectedSize) : out_(expectedSize) { out_.append(kHead); }
+
+    bool value(const PropertyList& value, std::size_t depth);
+    bool array(const PropertyList::Array& array, std::size_t depth);
+    std::string finish() {
+        out_.append(kTail);
+        return out_.finish();
+    }
+
+  private:
+    bool notString(const PropertyList& value, std::size_t depth);
+    bool dictionary(const PropertyList::Dictionary& dictionary, std::size_t depth);
+    bool string(std::string_view text, std::size_t depth);
+    bool integer(const PropertyList& value, std::size_t depth);
+    bool date(PropertyList::Date date, std::size_t depth);
+    bool data(const PropertyList::Data& data, std::size_t depth);
+    bool element(std::string_view start, std::string_view text, std::string_view end,
+                 std::size_t depth);
+    bool escapedText(std::string_view text);
+
+    Output out_;
 };
 
 bool Writer::escapedText(std::string_view text) {
+    unsigned classes = 0;
+    for (const char character : text)
+        classes |= static_cast<unsigned>(kByteClasses[static_cast<unsigned char>(character)]);
+    if (classes == static_cast<unsigned>(ByteClass::Plain)) {
+        out_.append(text);
+        return true;
+    }
     std::size_t written = 0;
     for (std::size_t i = 0; i < text.size();) {
         switch (kByteClasses[static_cast<unsigned char>(text[i])]) {
@@ -84,7 +143,8 @@ bool Writer::escapedText(std::string_view text) {
             ++i;
             break;
         case ByteClass::Escaped:
-            out_.append(text.substr(written, i - written)).append(escaped(text[i]));
+            out_.append(text.substr(written, i - written));
+            out_.append(escaped(text[i]));
             written = ++i;
             break;
         case ByteClass::Multibyte: {
@@ -102,98 +162,150 @@ bool Writer::escapedText(std::string_view text) {
     return true;
 }
 
-bool Writer::value(const PropertyList& value, int depth) {
-    using Type = PropertyList::Type;
+bool Writer::element(std::string_view start, std::string_view text, std::string_view end,
+                     std::size_t depth) {
+    out_.indent(depth);
+    out_.append(start);
+    out_.append(text);
+    out_.append(end);
+    return true;
+}
+
+bool Writer::value(const PropertyList& value, std::size_t depth) {
     if (depth > PropertyListService::kMaximumDepth)
         return false;
+    if (const auto text = value.string())
+        return string(*text, depth);
+    return notString(value, depth);
+}
+
+bool Writer::notString(const PropertyList& value, std::size_t depth) {
+    using Type = PropertyList::Type;
     switch (value.type()) {
+    case Type::Integer:
+        return integer(value, depth);
+    case Type::Real:
+        return element("<real>", realText(*value.real()), "</real>\n", depth);
+    case Type::Boolean:
+        return element(*value.boolean() ? "<true/>" : "<false/>", "", "\n", depth);
+    case Type::Date:
+        return date(*value.date(), depth);
+    case Type::Data:
+        return data(*value.data(), depth);
     case Type::Array:
         return array(*value.array(), depth);
     case Type::Dictionary:
         return dictionary(*value.dictionary(), depth);
-    default:
-        indent(depth);
-    }
-    bool written = true;
-    switch (value.type()) {
-    case Type::Integer:
-        out_ += "<integer>";
-        out_ += value.integer() ? std::to_string(*value.integer())
-                                : std::to_string(*value.unsignedInteger());
-        out_ += "</integer>\n";
-        break;
-    case Type::Real:
-        out_ += "<real>";
-        appendReal(out_, *value.real());
-        out_ += "</real>\n";
-        break;
-    case Type::Boolean:
-        out_ += *value.boolean() ? "<true/>\n" : "<false/>\n";
-        break;
-    case Type::Date:
-        out_ += "<date>";
-        written = appendDate(out_, *value.date());
-        out_ += "</date>\n";
-        break;
-    case Type::Data: {
-        const std::string margin(static_cast<std::size_t>(depth - 1), '\t');
-        out_ += "<data>\n";
-        appendData(out_, *value.data(), margin);
-        out_.append(margin).append("</data>\n");
+    case Type::String:
         break;
     }
-    default:
-        out_ += "<string>";
-        written = escapedText(*value.string());
-        out_ += "</string>\n";
-        break;
-    }
+    return false;
+}
+
+bool Writer::string(std::string_view text, std::size_t depth) {
+    out_.indent(depth);
+    out_.append("<string>");
+    const bool written = escapedText(text);
+    out_.append("</string>\n");
     return written;
 }
 
-bool Writer::array(const PropertyList::Array& array, int depth) {
-    indent(depth);
-    out_ += "<array>\n";
+bool Writer::integer(const PropertyList& value, std::size_t depth) {
+    const auto number = value.integer();
+    return element("<integer>",
+                   number ? std::to_string(*number) : std::to_string(*value.unsignedInteger()),
+                   "</integer>\n", depth);
+}
+
+bool Writer::date(PropertyList::Date date, std::size_t depth) {
+    const auto text = dateText(date);
+    return text && element("<date>", *text, "</date>\n", depth);
+}
+
+bool Writer::data(const PropertyList::Data& data, std::size_t depth) {
+    const auto margin = kTabs.substr(0, depth - 1);
+    element("<data>\n", dataText(data, margin), margin, depth);
+    out_.append("</data>\n");
+    return true;
+}
+
+bool Writer::array(const PropertyList::Array& array, std::size_t depth) {
+    out_.indent(depth);
+    out_.append("<array>\n");
     for (const PropertyList& element : array)
         if (!value(element, depth + 1))
             return false;
-    indent(depth);
-    out_ += "</array>\n";
+    out_.indent(depth);
+    out_.append("</array>\n");
     return true;
 }
 
-bool Writer::dictionary(const PropertyList::Dictionary& dictionary, int depth) {
-    indent(depth);
-    out_ += "<dict>\n";
+bool Writer::dictionary(const PropertyList::Dictionary& dictionary, std::size_t depth) {
+    out_.indent(depth);
+    out_.append("<dict>\n");
     for (const auto& [key, element] : dictionary) {
-        indent(depth + 1);
-        out_ += "<key>";
+        out_.indent(depth + 1);
+        out_.append("<key>");
         if (!escapedText(key))
             return false;
-        out_ += "</key>\n";
+        out_.append("</key>\n");
         if (!value(element, depth + 1))
             return false;
     }
-    indent(depth);
-    out_ += "</dict>\n";
+    out_.indent(depth);
+    out_.append("</dict>\n");
     return true;
 }
 
-std::string Writer::finish() {
-    return std::move(out_.append(kTail));
+// How much room is taken beforehand: what most lists need, when few characters are escaped.
+
+constexpr std::size_t kTagBytes = std::string_view("<string></string>\n").size();
+
+std::size_t expectedSize(const PropertyList::Array& array, std::size_t depth);
+std::size_t expectedSize(const PropertyList::Dictionary& dictionary, std::size_t depth);
+
+std::size_t expectedSize(const PropertyList& value, std::size_t depth) {
+    const std::size_t size = depth + kTagBytes;
+    if (const auto text = value.string())
+        return size + text->size();
+    if (depth > PropertyListService::kMaximumDepth)
+        return 0;
+    if (const PropertyList::Array* array = value.array())
+        return size + expectedSize(*array, depth);
+    if (const PropertyList::Dictionary* dictionary = value.dictionary())
+        return size + expectedSize(*dictionary, depth);
+    if (const PropertyList::Data* data = value.data())
+        return 2 * size + data->bytes.size() / 2 * 3;
+    return size;
+}
+
+std::size_t expectedSize(const PropertyList::Array& array, std::size_t depth) {
+    std::size_t size = (array.size() + 1) * (depth + 1 + kTagBytes);
+    for (const PropertyList& element : array) {
+        const auto text = element.string();
+        size += text ? text->size() : expectedSize(element, depth + 1);
+    }
+    return size;
+}
+
+std::size_t expectedSize(const PropertyList::Dictionary& dictionary, std::size_t depth) {
+    std::size_t size = depth + kTagBytes;
+    for (const auto& [key, element] : dictionary)
+        size += depth + kTagBytes + key.size() + expectedSize(element, depth + 1);
+    return size;
 }
 
 } // namespace
 
 std::optional<std::string> writeXml(const PropertyList& value) {
-    Writer writer;
+    Writer writer(expectedSize(value, 1) + kHead.size() + kTail.size());
     if (!writer.value(value, 1))
         return std::nullopt;
     return writer.finish();
 }
 
 std::optional<std::string> writeXml(const PropertyList::Array& array) {
-    Writer writer;
+    Writer writer(expectedSize(array, 1) + kHead.size() + kTail.size());
     if (!writer.array(array, 1))
         return std::nullopt;
     return writer.finish();

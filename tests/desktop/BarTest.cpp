@@ -1,0 +1,115 @@
+#include "menuextras/ExportedIdentifiers.h"
+#include "platform/Event.h"
+#include "tests/desktop/support/BarProcess.h"
+
+#include <QImage>
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+using test::BarProcess;
+using testing::ElementsAre;
+
+namespace {
+
+constexpr const char* kOwnClock = "com.apple.menuextra.clock";
+constexpr const char* kTestExtra = "test.extra";
+
+QImage picture(BarProcess& bar) {
+    const auto file = QString::fromStdString(bar.folder().file("bar.png"));
+    EXPECT_TRUE(bar.call("Snapshot", {file}).value(0).toBool());
+    return QImage(file);
+}
+
+TEST(Bar, StartsWithItsOwnClockAndEndsCleanly) {
+    BarProcess bar;
+    EXPECT_THAT(bar.identifiers(), ElementsAre(kOwnClock));
+    EXPECT_EQ(picture(bar).height(), 22);
+    EXPECT_EQ(bar.secondBar(), 1);
+    EXPECT_TRUE(bar.logs("another menu bar is running on this session bus"));
+    EXPECT_EQ(bar.stop(), 0) << bar.log();
+}
+
+TEST(Bar, SpeaksTheInterfaceThatItPromises) {
+    BarProcess bar;
+    const std::string xml = bar.introspection().toStdString();
+    for (const char* part :
+         {"interface name=\"com.quorvanesoftware.MenuBar1\"", "method name=\"GetMenuExtra\"",
+          "method name=\"AddMenuExtra\"", "method name=\"RemoveMenuExtra\"",
+          "type=\"a(ssid)\" direction=\"out\"", "method name=\"Click\"", "method name=\"Snapshot\"",
+          "signal name=\"MenuExtraLoaded\"", "signal name=\"MenuExtraUnloaded\""})
+        EXPECT_NE(xml.find(part), std::string::npos) << part << " in " << xml;
+}
+
+TEST(Bar, ShowsTheProductsClockAndOpensItsMenuOnAClick) {
+    BarProcess bar({HALVEX_TIME_MENU});
+    EXPECT_THAT(bar.identifiers(), ElementsAre(kOwnClock, HalvexMenuID));
+    const int closed = picture(bar).height();
+    EXPECT_FALSE(bar.click(HalvexMenuID)) << "the menu opens: the click was not consumed";
+    EXPECT_GT(picture(bar).height(), closed + 30);
+    EXPECT_FALSE(bar.click(kOwnClock)) << "another menu takes its place";
+    EXPECT_GT(picture(bar).height(), closed + 30);
+    EXPECT_FALSE(bar.click(kOwnClock)) << "and closes again";
+    EXPECT_EQ(picture(bar).height(), closed);
+    EXPECT_EQ(bar.stop(), 0) << bar.log();
+}
+
+TEST(Bar, TellsAnItemWhichClickItWasAndTheCallerWhetherItWasConsumed) {
+    BarProcess bar({HALVEX_TEST_EXTRA});
+    struct Case {
+        std::uint32_t flags;
+        int count, button;
+        const char* line;
+        bool consumed;
+    };
+    const Case cases[] = {
+        {platform::kShiftKeyMask, 1, 0, "click shift 1", true},
+        {platform::kOptionKeyMask, 2, 0, "click option 2", false},
+        {platform::kControlKeyMask, 3, 0, "click control 3", false},
+        {0, 4, 3, "click control 4", false},
+        {0, 5, 1, "click plain 5", false},
+    };
+    for (const Case& c : cases) {
+        EXPECT_EQ(bar.click(kTestExtra, c.flags, c.count, c.button), c.consumed) << c.line;
+        EXPECT_TRUE(bar.logs(c.line)) << bar.log();
+    }
+}
+
+TEST(Bar, LoadsAndUnloadsWhileItRuns) {
+    BarProcess bar;
+    for (int round = 0; round < 3; ++round) {
+        EXPECT_EQ(bar.add(HALVEX_TEST_EXTRA, 0), 0);
+        EXPECT_TRUE(BarProcess::eventually([&] { return bar.reference(kTestExtra) != 0; }));
+        EXPECT_THAT(bar.identifiers(), ElementsAre(kOwnClock, kTestExtra));
+        bar.click(kTestExtra); // its menu is open when it goes
+        EXPECT_EQ(bar.call("RemoveMenuExtra", {bar.reference(kTestExtra), 0}).value(0), 0);
+        EXPECT_EQ(bar.reference(kTestExtra), 0U);
+    }
+    EXPECT_TRUE(bar.logs("leaving"));
+    EXPECT_EQ(picture(bar).height(), 22);
+    EXPECT_EQ(bar.stop(), 0) << bar.log();
+}
+
+TEST(Bar, AnswersWrongArgumentsWithAStatusAndALogLineAndChangesNothing) {
+    BarProcess bar;
+    const auto add = [&](const char* url) {
+        return bar.call("AddMenuExtra", {url, 999, 0, 0, 0, 0}).value(0, 0).toInt();
+    };
+    EXPECT_EQ(add("file:///no/such/folder.menu"), -43);
+    EXPECT_EQ(add("http://somewhere/x.menu"), -50);
+    EXPECT_EQ(add("/no/url.menu"), -50);
+    EXPECT_EQ(add(""), -50);
+    EXPECT_NE(bar.call("RemoveMenuExtra", {4711U, 0}).value(0, 0), 0);
+    EXPECT_NE(bar.call("RemoveMenuExtra", {0U, 0}).value(0, 0), 0);
+    EXPECT_FALSE(bar.click("no.such.item"));
+    EXPECT_FALSE(bar.call("Snapshot", {"relative.png"}).value(0, true).toBool());
+    EXPECT_FALSE(bar.call("Snapshot", {"/no/such/folder/bar.png"}).value(0, true).toBool());
+    for (const char* line :
+         {"/no/such/folder.menu", "http://somewhere/x.menu is no file URL", "/no/url.menu",
+          "the reference 4711", "no.such.item is not loaded", "relative.png is no absolute path",
+          "no picture at /no/such/folder/bar.png"})
+        EXPECT_TRUE(bar.logs(line)) << line << " in " << bar.log();
+    EXPECT_THAT(bar.identifiers(), ElementsAre(kOwnClock));
+}
+
+} // namespace

@@ -1,0 +1,73 @@
+#pragma once
+
+#include "tests/support/TemporaryFolder.h"
+
+#include <QDBusConnection>
+#include <QDBusMessage>
+#include <QProcess>
+#include <QStringList>
+#include <QVariant>
+
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <string>
+
+namespace test {
+
+/// A session bus of the test's own.
+class PrivateBus {
+  public:
+    PrivateBus();
+    ~PrivateBus();
+
+    const QString& address() const { return address_; }
+    QDBusConnection connection() const { return QDBusConnection(name_); }
+
+  private:
+    QProcess daemon_;
+    QString address_;
+    QString name_;
+};
+
+/// The real menu bar, as a process of its own with an empty home, on a private bus; offscreen
+/// unless the settings name a display.
+class BarProcess {
+  public:
+    using Settings = std::vector<std::pair<QString, QString>>; ///< of the environment
+
+    /// Waits until the bar answers on the bus.
+    explicit BarProcess(const QStringList& arguments = {}, const Settings& settings = {});
+    ~BarProcess();
+
+    /// Starts another bar on the same bus and gives its exit status.
+    int secondBar();
+    bool isRunning() const { return process_.state() == QProcess::Running; }
+    /// Asks the bar to end; its exit status, or -1 when it crashed or did not end.
+    int stop();
+
+    // The D-Bus interface; an error reply gives an empty list.
+    QVariantList call(const QString& member, const QVariantList& arguments = {});
+    std::uint32_t reference(const QString& identifier); ///< 0 when it is not loaded
+    int add(const std::string& bundle, int position = 999);
+    bool click(const QString& identifier, std::uint32_t flags = 0, int count = 1, int button = 0);
+    std::vector<std::string> identifiers(); ///< from right to left
+    QString introspection();
+
+    /// All that the bar has logged.
+    std::string log();
+    bool logs(const std::string& part);
+    /// Waits, five seconds at most, for something to become true.
+    static bool eventually(const std::function<bool()>& condition);
+
+    const TemporaryFolder& folder() const { return folder_; }
+
+  private:
+    TemporaryFolder folder_;
+    PrivateBus bus_;
+    QProcessEnvironment environment_;
+    QProcess process_;
+    std::string log_;
+};
+
+} // namespace test

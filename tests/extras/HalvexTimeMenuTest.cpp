@@ -1,0 +1,135 @@
+#include "menubar/HalvexMenuExtraBase.h"
+#include "platform/DynamicLoader.h"
+#include "platform/MenuExtraPlugIn.h"
+#include "platform/expat/ExpatPropertyLists.h"
+#include "tests/support/Fakes.h"
+#include "tests/support/PollingMainThread.h"
+#include "tests/support/RecordingLog.h"
+#include "tests/support/ScopedEnvironment.h"
+#include "tests/support/TemporaryFolder.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <filesystem>
+
+using namespace platform;
+using testing::ElementsAre;
+using namespace std::chrono_literals;
+
+namespace {
+
+constexpr std::int64_t kSunday = 1795387287; // 2026-11-22 22:41:27 UTC
+
+/// The shipped bundle's own code in a program of fakes.
+class HalvexTimeMenu : public testing::Test {
+  protected:
+    void SetUp() override {
+        expat::install();
+        clock.seconds = kSunday;
+    }
+    void setFormat(const std::string& value) {
+        const auto next = folder.write("next", "<plist><dict>" + value + "</dict></plist>");
+        std::filesystem::create_directories(
+            std::filesystem::path(folder.file(kPreferences)).parent_path());
+        std::filesystem::rename(next, folder.file(kPreferences));
+    }
+    void start() {
+        const auto bundle = Bundle::bundleWithPath(HALVEX_TIME_MENU);
+        std::string reason;
+        code = dynamicLoader().load(*bundle->executablePath(), reason);
+        ASSERT_TRUE(code) << reason;
+        const auto make = reinterpret_cast<MenuExtraEntryPoint>(code->symbol(kMenuExtraEntryPoint));
+        ASSERT_NE(make, nullptr);
+        EXPECT_EQ(make("AnotherClass"), nullptr);
+        extra.reset(make("HalvexTimeMenu"));
+        ASSERT_EQ(extra->initWithBundle(bundle), extra);
+    }
+    std::string title() const { return extra->attributedTitle()->string(); }
+    bool becomes(const std::string& text) {
+        return loop.runUntil([&] { return title() == text; }, 5s);
+    }
+
+    static constexpr const char* kPreferences =
+        "Library/Preferences/com.quorvanesoftware.HalvexPro.plist";
+    static std::string format(const std::string& text) {
+        return "<key>MenuClockFormat</key><string>" + text + "</string>";
+    }
+
+    test::TemporaryFolder folder;
+    test::ScopedEnvironment home{"HOME", folder.path().string()};
+    test::ScopedEnvironment language{"LC_ALL", "C"};
+    test::RecordingLog log;
+    test::RecordingHost host;
+    test::RecordingGraphics graphics;
+    test::RecordingPasteboard pasteboard;
+    test::PollingMainThread loop;
+    test::ManualClock clock;
+    std::unique_ptr<LoadedCode> code; // goes after what it made
+    std::shared_ptr<MenuExtra> extra;
+};
+
+TEST_F(HalvexTimeMenu, TicksAsOftenAsItsFormatNeeds) {
+    setFormat(format("%H:%M"));
+    start();
+    EXPECT_EQ(title(), "22:41");
+    EXPECT_THAT(clock.intervals(), ElementsAre(TickInterval::Minute));
+    clock.moveTo(kSunday + 60);
+    EXPECT_EQ(title(), "22:42");
+
+    setFormat(format("%T"));
+    EXPECT_TRUE(becomes("22:42:27"));
+    EXPECT_THAT(clock.intervals(), ElementsAre(TickInterval::Second));
+}
+
+TEST_F(HalvexTimeMenu, FollowsThePreferencesFileFromNothingToBadAndBack) {
+    start();
+    EXPECT_EQ(title(), "Sun Nov 22 22:41") << "the locale's default";
+    setFormat(format("%Y"));
+    EXPECT_TRUE(becomes("2026"));
+    log.take();
+    const std::pair<std::string, std::string> bad[] = {
+        {"<key>MenuClockFormat</key><integer>5</integer>", "no format that shows anything"},
+        {format("  "), "no format that shows anything"},
+        {"<unclosed>", "no clock format taken from"},
+    };
+    for (const auto& [value, line] : bad) {
+        setFormat(value);
+        EXPECT_TRUE(becomes("Sun Nov 22 22:41")) << value;
+        EXPECT_TRUE(log.contains(line)) << value;
+        setFormat(format("%Y"));
+        EXPECT_TRUE(becomes("2026"));
+    }
+    std::filesystem::remove(folder.file(kPreferences));
+    EXPECT_TRUE(becomes("Sun Nov 22 22:41"));
+}
+
+TEST_F(HalvexTimeMenu, ItsMenuShowsDateAndTimeAndCopiesTheOneThatIsChosen) {
+    start();
+    extra->menuWillOpen();
+    EXPECT_THAT(clock.intervals(), ElementsAre(TickInterval::Second));
+    const auto items = extra->menu()->items();
+    ASSERT_EQ(items.size(), 2U);
+    clock.moveTo(kSunday + 1);
+    EXPECT_EQ(items[0]->title(), "Sunday, November 22, 2026");
+    EXPECT_EQ(items[1]->title(), "22:41:28 GMT");
+    for (const auto& item : items) {
+        EXPECT_TRUE(item->perform());
+        EXPECT_EQ(pasteboard.text, item->title());
+    }
+    extra->menuDidClose();
+    EXPECT_THAT(clock.intervals(), ElementsAre(TickInterval::Minute));
+}
+
+TEST_F(HalvexTimeMenu, ComesToRestWhenItIsUnloaded) {
+    start();
+    extra->willUnload();
+    EXPECT_THAT(clock.intervals(), ElementsAre());
+    const std::weak_ptr<MenuExtra> watched = extra;
+    extra.reset();
+    EXPECT_TRUE(watched.expired());
+    setFormat(format("%Y"));
+    loop.runUntil([] { return false; }, 100ms);
+}
+
+} // namespace

@@ -1,0 +1,29 @@
+#include "menubar/HalvexMenuExtraBase.h"
+#include "tests/support/Fakes.h"
+#include "tests/support/RecordingLog.h"
+
+#include <gtest/gtest.h>
+
+// Of the exported identifiers this program has the flags alone.
+extern "C" {
+extern std::int32_t myDebug;
+extern std::int32_t myDebugME;
+std::int32_t myDebug = 0;
+std::int32_t myDebugME = 0;
+}
+
+namespace {
+
+TEST(UnboundLibrary, IsLoggedAndTheItemStartsAllTheSame) {
+    test::RecordingLog log;
+    test::RecordingHost host;
+    test::RecordingGraphics graphics;
+    const auto extra = std::make_shared<HalvexMenuExtraBase>();
+    EXPECT_EQ(extra->initWithBundle(std::make_shared<platform::Bundle>(
+                  "/Test.menu", platform::PropertyList::Dictionary())),
+              extra);
+    EXPECT_TRUE(log.contains("\n\nHalvexMenuExtraBase mising Halvex Library\n\n"));
+    EXPECT_EQ(extra->attributedTitle()->string(), "-");
+}
+
+} // namespace

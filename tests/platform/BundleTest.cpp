@@ -1,0 +1,60 @@
+#include "platform/Bundle.h"
+
+#include "platform/expat/ExpatPropertyLists.h"
+#include "tests/support/TemporaryFolder.h"
+
+#include <gtest/gtest.h>
+
+using platform::Bundle;
+
+namespace {
+
+std::string infoPlist(const std::string& executable) {
+    return "<plist><dict><key>CFBundleIdentifier</key><string>test.clock</string>"
+           "<key>CFBundleExecutable</key><string>" +
+           executable + "</string><key>Number</key><integer>1</integer></dict></plist>";
+}
+
+class BundleFolder : public testing::Test {
+  protected:
+    void SetUp() override { platform::expat::install(); }
+    test::TemporaryFolder folder;
+    std::string path = folder.file("Test.menu");
+};
+
+TEST_F(BundleFolder, GivesWhatItsInfoPlistAndItsFoldersHold) {
+    folder.write("Test.menu/Contents/Info.plist", infoPlist("Test"));
+    folder.write("Test.menu/Contents/Resources/icon.png", "x");
+    const auto bundle = Bundle::bundleWithPath(path);
+    ASSERT_TRUE(bundle);
+    EXPECT_EQ(bundle->bundleIdentifier(), "test.clock");
+    EXPECT_EQ(bundle->stringForInfoDictionaryKey("Number"), std::nullopt);
+    EXPECT_EQ(bundle->executablePath(), path + "/Contents/Linux/Test");
+    EXPECT_EQ(bundle->pathForResource("icon", "png"), path + "/Contents/Resources/icon.png");
+    EXPECT_EQ(bundle->pathForResource("other", "png"), std::nullopt);
+}
+
+TEST_F(BundleFolder, NeverLeadsToCodeOutsideOfItself) {
+    for (const char* name : {"", ".", "..", "../../../bin/sh", "/bin/sh", "a/b"}) {
+        folder.write("Test.menu/Contents/Info.plist", infoPlist(name));
+        EXPECT_EQ(Bundle::bundleWithPath(path)->executablePath(), std::nullopt) << name;
+    }
+}
+
+TEST_F(BundleFolder, WithoutADictionaryIsABundleAllTheSameAndSaysWhy) {
+    std::string reason;
+    EXPECT_EQ(Bundle::bundleWithPath(path, &reason), nullptr);
+    EXPECT_EQ(reason, "there is no such folder");
+
+    folder.write("Test.menu/Contents/Info.plist", "<plist><array/></plist>");
+    EXPECT_EQ(Bundle::bundleWithPath(path, &reason)->infoDictionary(), nullptr);
+    EXPECT_EQ(reason, "Info.plist: no dictionary");
+
+    folder.write("Test.menu/Contents/Info.plist", "<plist>\n<dict>");
+    EXPECT_EQ(Bundle::bundleWithPath(path, &reason)->infoDictionary(), nullptr);
+    EXPECT_TRUE(reason.starts_with("Info.plist: line 2, column")) << reason;
+
+    EXPECT_EQ(Bundle::bundleWithPath(folder.write("file", ""), &reason), nullptr);
+}
+
+} // namespace

@@ -1,0 +1,41 @@
+#include "platform/Guard.h"
+
+#include "platform/Exception.h"
+#include "tests/support/RecordingLog.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <stdexcept>
+
+using platform::currentOwner;
+using platform::runGuarded;
+using testing::ElementsAre;
+
+namespace {
+
+TEST(Guard, CatchesWhateverIsThrownAndSaysWhoseCodeItWas) {
+    test::RecordingLog log;
+    EXPECT_TRUE(runGuarded("calm", [] {}));
+    EXPECT_FALSE(runGuarded("a", [] { throw platform::Exception("Name", "reason"); }));
+    EXPECT_FALSE(runGuarded("b", [] { throw std::runtime_error("what"); }));
+    EXPECT_FALSE(runGuarded("", [] { throw 5; }));
+    EXPECT_THAT(log.take(), ElementsAre("a raised an exception: Name   reason: reason",
+                                        "b raised an exception: std::exception   reason: what",
+                                        "this program raised an exception: unknown   "
+                                        "reason: (null)"));
+}
+
+TEST(Guard, KnowsTheOwnerThroughNestingAndThrowing) {
+    const test::RecordingLog log;
+    runGuarded("outer", [] {
+        EXPECT_FALSE(runGuarded("inner", [] {
+            EXPECT_EQ(currentOwner(), "inner");
+            throw 5;
+        }));
+        EXPECT_EQ(currentOwner(), "outer");
+    });
+    EXPECT_EQ(currentOwner(), "");
+}
+
+} // namespace

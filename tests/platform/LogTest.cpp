@@ -1,0 +1,33 @@
+#include "platform/Log.h"
+
+#include <gtest/gtest.h>
+
+using platform::formatLogLine;
+using platform::LogArgument;
+
+namespace {
+
+TEST(LogLine, FillsPlaceholdersInOrder) {
+    struct Case {
+        const char* format;
+        std::initializer_list<LogArgument> arguments;
+        const char* line;
+    };
+    const std::optional<std::string> nothing;
+    const Case cases[] = {
+        {"plain", {}, "plain"},
+        {"%@ and %@", {"one", std::string_view("two")}, "one and two"},
+        {"%@ %@", {nothing, nullptr}, "(null) (null)"},
+        {"%d %d", {-5, 18446744073709551615U}, "-5 18446744073709551615"},
+        {"%x %08x %016x", {255, 0xA0000U, -1}, "ff 000a0000 00000000ffffffff"},
+        {"%4d|%2d", {7, 1234}, "   7|1234"},
+        {"100%% %@", {"%d"}, "100% %d"}, // an argument is no format
+        {"%@ %@", {"one"}, "one %@"},
+        {"ends in %", {}, "ends in %"},
+        {"%q %0z %12", {"x"}, "%q %0z %12"},
+    };
+    for (const Case& c : cases)
+        EXPECT_EQ(formatLogLine(c.format, c.arguments), c.line) << c.format;
+}
+
+} // namespace

@@ -1,0 +1,70 @@
+#include "platform/Menu.h"
+
+#include <gtest/gtest.h>
+
+using platform::Menu;
+using platform::MenuItem;
+using platform::MenuTarget;
+
+namespace {
+
+class Target final : public MenuTarget {
+  public:
+    bool allows = true;
+    bool validateMenuItem(const MenuItem&) override { return allows; }
+};
+
+TEST(MenuItem, CanBeChosenWhenThereIsSomethingToDoAndTheTargetAllowsIt) {
+    int done = 0;
+    const auto action = [&](MenuItem&) { ++done; };
+    auto target = std::make_shared<Target>();
+    MenuItem withTarget("x", action, target);
+    MenuItem withSubmenu("x");
+    withSubmenu.setSubmenu(std::make_shared<Menu>());
+
+    EXPECT_TRUE(MenuItem("x", action).isEnabled());
+    EXPECT_FALSE(MenuItem("x").isEnabled());
+    EXPECT_FALSE(MenuItem::separatorItem()->isEnabled());
+    EXPECT_TRUE(withSubmenu.isEnabled());
+    EXPECT_FALSE(withSubmenu.perform()) << "opening is not performing";
+
+    EXPECT_TRUE(withTarget.perform());
+    target->allows = false;
+    EXPECT_FALSE(withTarget.perform());
+    target->allows = true;
+    target.reset();
+    EXPECT_FALSE(withTarget.isEnabled());
+    EXPECT_FALSE(withTarget.perform()) << "a target that is gone is never called";
+    EXPECT_EQ(done, 1);
+}
+
+TEST(MenuItem, LivesThroughAnActionThatDropsItsTargetAndItsMenu) {
+    auto target = std::make_shared<Target>();
+    auto menu = std::make_unique<Menu>();
+    bool targetAlive = false;
+    const std::weak_ptr<Target> watched = target;
+    menu->addItem(
+        "x",
+        [&](MenuItem&) {
+            target.reset();
+            targetAlive = !watched.expired();
+        },
+        target);
+    EXPECT_TRUE(menu->items().front()->perform());
+    EXPECT_TRUE(targetAlive);
+    EXPECT_TRUE(watched.expired());
+}
+
+TEST(MenuItem, TellsWhoShowsItOnlyOfRealChanges) {
+    int changes = 0;
+    MenuItem item("a");
+    item.setChangeHandler([&] { ++changes; });
+    item.setTitle("a");
+    item.setState(MenuItem::State::Off);
+    EXPECT_EQ(changes, 0);
+    item.setTitle("b");
+    item.setState(MenuItem::State::On);
+    EXPECT_EQ(changes, 2);
+}
+
+} // namespace

@@ -1,0 +1,185 @@
+#pragma once
+
+#include "platform/Clock.h"
+#include "platform/Exception.h"
+#include "platform/Graphics.h"
+#include "platform/MenuExtraHost.h"
+#include "platform/Pasteboard.h"
+#include "platform/Workspace.h"
+
+#include <algorithm>
+#include <functional>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+/// Services that record what they are asked for. Each is in place for as long as it lives.
+namespace test {
+
+/// An image without pixels.
+class BlankImage final : public platform::Image {
+  public:
+    BlankImage(double width, double height) : size_{width, height} {}
+    platform::Size size() const override { return size_; }
+
+  private:
+    platform::Size size_;
+};
+
+/// Every byte of text is 7 points wide and 15 high; drawing becomes lines of words.
+class RecordingGraphics final : public platform::Graphics, public platform::GraphicsContext {
+  public:
+    std::vector<std::string> drawn;
+
+    platform::Size sizeOfText(const platform::AttributedString& text) override {
+        return {7.0 * static_cast<double>(text.length()), 15.0};
+    }
+    std::shared_ptr<platform::Image> imageWithContentsOfFile(const std::string&) override {
+        return nullptr;
+    }
+    platform::GraphicsContext& currentContext() override { return *this; }
+
+    void saveGraphicsState() override { drawn.emplace_back("save"); }
+    void restoreGraphicsState() override { drawn.emplace_back("restore"); }
+    void setShouldSmoothFonts(bool smooth) override {
+        drawn.emplace_back(smooth ? "smooth" : "no smoothing");
+    }
+    void setTextDrawingMode(platform::TextDrawingMode mode) override {
+        drawn.push_back("text mode " + std::to_string(static_cast<int>(mode)));
+    }
+    void setCompositingOperation(platform::CompositingOperation operation) override {
+        drawn.push_back("operation " + std::to_string(static_cast<int>(operation)));
+    }
+    void setShadow(platform::Size offset, double blur) override {
+        drawn.push_back("shadow " + number(offset.width) + ' ' + number(offset.height) + " blur " +
+                        number(blur));
+    }
+    void drawText(const platform::AttributedString& text, platform::Point point) override {
+        drawn.push_back("text " + text.string() + " at " + number(point.x) + ' ' + number(point.y));
+    }
+    void drawImage(const platform::Image&, const platform::Rect& destination,
+                   const platform::Rect& source, platform::CompositingOperation operation,
+                   double fraction) override {
+        drawn.push_back("image " + words(source) + " into " + words(destination) + " operation " +
+                        std::to_string(static_cast<int>(operation)) + " fraction " +
+                        number(fraction));
+    }
+    void fillRect(const platform::Rect&, const platform::Color&,
+                  platform::CompositingOperation) override {}
+
+  private:
+    static std::string number(double value) {
+        std::string text = std::to_string(value + 0.0); // no -0
+        text.erase(text.find_last_not_of('0') + 1);
+        if (text.back() == '.')
+            text.pop_back();
+        return text;
+    }
+    static std::string words(const platform::Rect& rect) {
+        return number(rect.origin.x) + ' ' + number(rect.origin.y) + ' ' + number(rect.size.width) +
+               ' ' + number(rect.size.height);
+    }
+
+    platform::ScopedService<platform::Graphics> service_{*this};
+};
+
+/// A bar of 22 points that counts what its items ask for and opens menus in name only.
+class RecordingHost final : public platform::MenuExtraHost {
+  public:
+    int redisplays = 0;
+    int lengthChanges = 0;
+    int menuToggles = 0;
+
+    double statusBarThickness() const override { return 22; }
+    void viewNeedsDisplay(platform::MenuExtraView&) override { ++redisplays; }
+    void lengthChanged(platform::MenuExtra&) override { ++lengthChanges; }
+    void toggleMenu(platform::MenuExtra&) override { ++menuToggles; }
+
+    using platform::MenuExtraHost::setMenuDown;
+
+  private:
+    platform::ScopedService<platform::MenuExtraHost> service_{*this};
+};
+
+class RecordingWorkspace final : public platform::Workspace {
+  public:
+    std::vector<std::string> selected; ///< path, a bar, root path
+
+    bool selectFile(const std::string& path, const std::string& rootPath) override {
+        selected.push_back(path + '|' + rootPath);
+        return true;
+    }
+
+  private:
+    platform::ScopedService<platform::Workspace> service_{*this};
+};
+
+class RecordingPasteboard final : public platform::Pasteboard {
+  public:
+    std::string text;
+
+    void setString(std::string_view string) override { text = string; }
+
+  private:
+    platform::ScopedService<platform::Pasteboard> service_{*this};
+};
+
+class FixedEvents final : public platform::EventSource {
+  public:
+    platform::Event event;
+
+    platform::Event currentEvent() const override { return event; }
+
+  private:
+    platform::ScopedService<platform::EventSource> service_{*this};
+};
+
+/// A clock that stands still, in UTC, until it is moved; ticks come when the test says so.
+class ManualClock final : public platform::Clock {
+  public:
+    std::int64_t seconds = 0;
+
+    std::int64_t now() const override { return seconds; }
+    std::tm localTime(std::int64_t secondsSince1970) const override {
+        std::tm time{};
+        gmtime_r(&secondsSince1970, &time);
+        return time;
+    }
+    std::unique_ptr<platform::Watch> tick(platform::TickInterval interval,
+                                          std::function<void()> handler) override {
+        auto ticker = std::make_unique<Ticker>(*this, interval, std::move(handler));
+        tickers_.push_back(ticker.get());
+        return ticker;
+    }
+
+    /// Tells everybody that the time has come, or has changed.
+    void moveTo(std::int64_t time) {
+        seconds = time;
+        for (const Ticker* ticker : std::vector(tickers_))
+            ticker->handler();
+    }
+    std::vector<platform::TickInterval> intervals() const {
+        std::vector<platform::TickInterval> result;
+        for (const Ticker* ticker : tickers_)
+            result.push_back(ticker->interval);
+        return result;
+    }
+
+  private:
+    struct Ticker final : platform::Watch {
+        Ticker(ManualClock& owner, platform::TickInterval every, std::function<void()> code)
+            : clock(owner), interval(every), handler(std::move(code)) {}
+        ~Ticker() override { std::erase(clock.tickers_, this); }
+
+        ManualClock& clock;
+        platform::TickInterval interval;
+        std::function<void()> handler;
+    };
+
+    std::vector<Ticker*> tickers_;
+    platform::ScopedService<platform::Clock> service_{*this};
+};
+
+} // namespace test
