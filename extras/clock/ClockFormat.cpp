@@ -11,13 +11,27 @@ namespace {
 
 constexpr std::size_t kMaximumFormat = 256;
 
+/// The language of the environment; one that is not installed gives the plain one. Freed when the
+/// bundle's code is unloaded.
+class UserLocale {
+  public:
+    UserLocale() : locale_(newlocale(LC_ALL_MASK, "", nullptr)) {
+        if (!locale_)
+            locale_ = newlocale(LC_ALL_MASK, "C", nullptr);
+    }
+    ~UserLocale() { freelocale(locale_); }
+    UserLocale(const UserLocale&) = delete;
+    UserLocale& operator=(const UserLocale&) = delete;
+
+    locale_t get() const { return locale_; }
+
+  private:
+    locale_t locale_;
+};
+
 locale_t userLocale() {
-    // One for the life of the program; a language that is not installed gives the plain one.
-    static const locale_t locale = [] {
-        const locale_t wanted = newlocale(LC_ALL_MASK, "", nullptr);
-        return wanted ? wanted : newlocale(LC_ALL_MASK, "C", nullptr);
-    }();
-    return locale;
+    static const UserLocale locale;
+    return locale.get();
 }
 
 std::string_view fromLocale(nl_item item) {

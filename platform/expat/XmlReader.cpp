@@ -104,6 +104,8 @@ class Reader {
     void text(const XML_Char* text, int length);
     void entityDeclaration(const XML_Char* name, int, const XML_Char*, int, const XML_Char*,
                            const XML_Char*, const XML_Char*, const XML_Char*);
+    void attributeDeclaration(const XML_Char* element, const XML_Char*, const XML_Char*,
+                              const XML_Char*, int);
     void skippedEntity(const XML_Char* name, int);
 
     bool mayBegin(Element element, const char* name);
@@ -135,6 +137,9 @@ Reader::Reader() : parser_(XML_ParserCreate(nullptr)) {
     XML_SetEntityDeclHandler(
         parser_.get(), call<&Reader::entityDeclaration, const XML_Char*, int, const XML_Char*, int,
                             const XML_Char*, const XML_Char*, const XML_Char*, const XML_Char*>);
+    XML_SetAttlistDeclHandler(parser_.get(),
+                              call<&Reader::attributeDeclaration, const XML_Char*, const XML_Char*,
+                                   const XML_Char*, const XML_Char*, int>);
     XML_SetSkippedEntityHandler(parser_.get(), call<&Reader::skippedEntity, const XML_Char*, int>);
     // None is ever declared, so this only makes Expat report references to them.
     XML_SetParamEntityParsing(parser_.get(), XML_PARAM_ENTITY_PARSING_ALWAYS);
@@ -308,6 +313,12 @@ void Reader::endPlist(const Open& open) {
 void Reader::entityDeclaration(const XML_Char* name, int, const XML_Char*, int, const XML_Char*,
                                const XML_Char*, const XML_Char*, const XML_Char*) {
     fail("Entity declarations are not taken: " + shown(name));
+}
+
+/// Expat goes through an element's declared attributes each time that the element comes.
+void Reader::attributeDeclaration(const XML_Char* element, const XML_Char*, const XML_Char*,
+                                  const XML_Char*, int) {
+    fail("Attribute declarations are not taken: " + quoted(element));
 }
 
 void Reader::skippedEntity(const XML_Char* name, int) {

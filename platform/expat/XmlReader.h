@@ -4,7 +4,8 @@
 
 namespace platform::expat {
 
-/// Reads one XML property list to the end of @p source. Entity declarations, references to entities
+/// Reads one XML property list to the end of @p source. Declarations of entities and
+/// attributes, references to entities
 /// that XML itself does not define, anything but one value inside one <plist>, nesting beyond
 /// PropertyListService::kMaximumDepth and single tags or comments of more than a mebibyte are
 /// faults. Encodings: UTF-8, UTF-16, ISO-8859-1 and US-ASCII.

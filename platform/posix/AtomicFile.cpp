@@ -149,12 +149,11 @@ bool TemporaryFile::takeOver(const struct stat& old) {
     if (::fstat(file_.get(), &mine) != 0)
         return false;
     const bool sameOwner = mine.st_uid == old.st_uid && mine.st_gid == old.st_gid;
-    if (!sameOwner && ::fchown(file_.get(), old.st_uid, old.st_gid) != 0) {
-        // The group alone may be ours to give.
-        [[maybe_unused]] const int ignored =
-            ::fchown(file_.get(), static_cast<uid_t>(-1), old.st_gid);
-    }
-    return calls_.setMode(file_.get(), old.st_mode & 07777U) == 0;
+    if (sameOwner || ::fchown(file_.get(), old.st_uid, old.st_gid) == 0)
+        return calls_.setMode(file_.get(), old.st_mode & 07777U) == 0;
+    // The group alone may be ours to give; with another owner the mode grants nothing special.
+    [[maybe_unused]] const int ignored = ::fchown(file_.get(), static_cast<uid_t>(-1), old.st_gid);
+    return calls_.setMode(file_.get(), old.st_mode & 0777U) == 0;
 }
 
 bool TemporaryFile::write(std::string_view bytes) {

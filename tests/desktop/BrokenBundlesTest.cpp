@@ -5,7 +5,6 @@
 
 #include <fstream>
 #include <iterator>
-#include <sstream>
 
 namespace fs = std::filesystem;
 using test::BarProcess;
@@ -80,7 +79,7 @@ const Fault kFaults[] = {
      "no executable code", false},
     {"without an entry point",
      [](const SpoiltBundle& b) {
-         fs::copy_file(HALVEX_LIBRARY, b.code(), fs::copy_options::overwrite_existing);
+         fs::copy_file(HALVEX_NO_ENTRY_POINT, b.code(), fs::copy_options::overwrite_existing);
      },
      "no entry point HalvexMenuExtraEntry_1"},
     {"without its class", [](const SpoiltBundle& b) { b.useClass("Unknown"); }, "no class Unknown"},

@@ -130,6 +130,8 @@ TEST_F(PropertyListXmlTest, RefusesWhatIsNoPropertyListAndSaysWhere) {
          1, "Entity declarations are not taken: x"},
         {"<!DOCTYPE plist SYSTEM \"list.dtd\">" + inPlist("<string>\n&nbsp;</string>"), 2,
          "Unknown entity nbsp"},
+        {"<!DOCTYPE plist [<!ATTLIST string a CDATA 'b'>]>" + inPlist("<string/>"), 1,
+         "Attribute declarations are not taken: <string>"},
         {"<!DOCTYPE plist [%other;]>" + inPlist("<true/>"), 1, "entity"},
         {inPlist("<string>&nbsp;</string>"), 1, "undefined entity"},
         {inPlist("<integer></integer>"), 1, "out of range: <integer>"},

@@ -1,0 +1,1 @@
+extern "C" int notAnEntryPoint() { return 0; }

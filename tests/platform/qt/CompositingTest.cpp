@@ -1,0 +1,166 @@
+#include "Canvas.h"
+#include "platform/qt/QtImage.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <array>
+#include <functional>
+
+using platform::Color;
+using platform::CompositingOperation;
+using test::Canvas;
+
+namespace {
+
+/// One component of the result from premultiplied components and alphas, all 0 to 1.
+using Formula = std::function<double(double s, double sa, double d, double da)>;
+
+struct Operation {
+    const char* name;
+    CompositingOperation operation;
+    Formula formula;
+};
+
+const std::array kOperations = {
+    Operation{"Clear", CompositingOperation::Clear,
+              [](double, double, double, double) { return 0; }},
+    Operation{"Copy", CompositingOperation::Copy,
+              [](double s, double, double, double) { return s; }},
+    Operation{"SourceOver", CompositingOperation::SourceOver,
+              [](double s, double sa, double d, double) { return s + d * (1 - sa); }},
+    Operation{"SourceIn", CompositingOperation::SourceIn,
+              [](double s, double, double, double da) { return s * da; }},
+    Operation{"SourceOut", CompositingOperation::SourceOut,
+              [](double s, double, double, double da) { return s * (1 - da); }},
+    Operation{"SourceAtop", CompositingOperation::SourceAtop,
+              [](double s, double sa, double d, double da) { return s * da + d * (1 - sa); }},
+    Operation{"DestinationOver", CompositingOperation::DestinationOver,
+              [](double s, double, double d, double da) { return s * (1 - da) + d; }},
+    Operation{"DestinationIn", CompositingOperation::DestinationIn,
+              [](double, double sa, double d, double) { return d * sa; }},
+    Operation{"DestinationOut", CompositingOperation::DestinationOut,
+              [](double, double sa, double d, double) { return d * (1 - sa); }},
+    Operation{"DestinationAtop", CompositingOperation::DestinationAtop,
+              [](double s, double sa, double d, double da) { return s * (1 - da) + d * sa; }},
+    Operation{"XOR", CompositingOperation::XOR,
+              [](double s, double sa, double d, double da) { return s * (1 - da) + d * (1 - sa); }},
+    Operation{"PlusDarker", CompositingOperation::PlusDarker,
+              [](double s, double sa, double d, double da) {
+                  return std::max(0.0, std::min(1.0, sa + da) - ((sa - s) + (da - d)));
+              }},
+    Operation{"Highlight", CompositingOperation::Highlight,
+              [](double s, double sa, double d, double) { return s + d * (1 - sa); }},
+    Operation{"PlusLighter", CompositingOperation::PlusLighter,
+              [](double s, double, double d, double) { return std::min(1.0, s + d); }},
+};
+
+const std::array kColors = {
+    Color{1, 0, 0, 1},       Color{0.2, 0.4, 0.6, 1},   Color{1, 1, 1, 1},
+    Color{0.8, 0.6, 0, 0.5}, Color{0.1, 0.9, 0.3, 0.2}, Color{0, 0, 0, 0},
+};
+
+platform::qt::QtImage plainImage(const Color& color) {
+    QImage pixels(4, 4, QImage::Format_ARGB32);
+    pixels.fill(QColor::fromRgbF(static_cast<float>(color.red), static_cast<float>(color.green),
+                                 static_cast<float>(color.blue), static_cast<float>(color.alpha)));
+    return platform::qt::QtImage(pixels);
+}
+
+/// The result of an operation when @p fraction of the source is left.
+std::array<double, 4> expected(const Operation& operation, const Color& source,
+                               const std::array<int, 4>& before, double fraction = 1) {
+    const double sa = source.alpha * fraction;
+    const double da = before[0] / 255.0;
+    const std::array<double, 4> s = {sa, source.red * sa, source.green * sa, source.blue * sa};
+    std::array<double, 4> result{};
+    for (std::size_t i = 0; i < 4; ++i)
+        result[i] = 255 * operation.formula(s[i], sa, before[i] / 255.0, da);
+    // The formula of the colours is not that of the alpha.
+    if (operation.operation == CompositingOperation::PlusDarker)
+        result[0] = 255 * std::min(1.0, sa + da);
+    return result;
+}
+
+void expectNear(const std::array<int, 4>& actual, const std::array<double, 4>& wanted,
+                double tolerance) {
+    for (std::size_t i = 0; i < 4; ++i)
+        EXPECT_NEAR(actual[i], wanted[i], tolerance) << "component " << i << " of argb";
+}
+
+} // namespace
+
+TEST(Compositing, FollowsItsFormulaForRectanglesAndImages) {
+    for (const Operation& operation : kOperations) {
+        for (const Color& ground : kColors) {
+            for (const Color& source : kColors) {
+                SCOPED_TRACE(testing::Message()
+                             << operation.name << " " << source.red << "/" << source.alpha << " on "
+                             << ground.red << "/" << ground.alpha);
+                Canvas canvas(12, 4);
+                canvas->fillRect({{0, 0}, {12, 4}}, ground, CompositingOperation::Copy);
+                const auto before = canvas.at(0, 0);
+                canvas->fillRect({{0, 0}, {4, 4}}, source, operation.operation);
+                const auto image = plainImage(source);
+                canvas->drawImage(image, {{4, 0}, {4, 4}}, {{0, 0}, {4, 4}}, operation.operation,
+                                  1);
+                canvas->drawImage(image, {{8, 0}, {4, 4}}, {{0, 0}, {4, 4}}, operation.operation,
+                                  0.5);
+                expectNear(canvas.at(1, 1), expected(operation, source, before), 1);
+                expectNear(canvas.at(5, 1), expected(operation, source, before), 1);
+                expectNear(canvas.at(9, 1), expected(operation, source, before, 0.5), 1);
+            }
+        }
+    }
+}
+
+TEST(Compositing, ChangesOnlyWhatLiesInsideTheShapeAndAsMuchAsThatCovers) {
+    const Color ground{0.5, 0.25, 1, 0.5};
+    const Color source{1, 0.5, 0, 0.5};
+    for (const Operation& operation : kOperations) {
+        SCOPED_TRACE(operation.name);
+        Canvas canvas(10, 20);
+        canvas->fillRect({{0, 0}, {10, 20}}, ground, CompositingOperation::Copy);
+        const auto before = canvas.at(0, 0);
+        // The first row and the last column of pixels are covered by halves.
+        canvas->fillRect({{2, 13}, {3.5, 3.5}}, source, operation.operation);
+        canvas->drawImage(plainImage(source), {{2, 3}, {3.5, 3.5}}, {{0, 0}, {4, 4}},
+                          operation.operation, 1);
+        const auto inside = expected(operation, source, before);
+        std::array<double, 4> half{};
+        for (std::size_t i = 0; i < 4; ++i)
+            half[i] = (inside[i] + before[i]) / 2;
+        for (const int top : {3, 13}) {
+            for (int y = top - 2; y < top + 6; ++y)
+                for (int x = 0; x < 10; ++x)
+                    if (y < top || y > top + 3 || x < 2 || x > 5) {
+                        EXPECT_EQ(canvas.at(x, y), before) << x << ", " << y;
+                    }
+            expectNear(canvas.at(3, top + 2), inside, 1);
+            expectNear(canvas.at(3, top), half, 1.5);
+            expectNear(canvas.at(5, top + 2), half, 1.5);
+        }
+    }
+}
+
+TEST(Compositing, TakesNonsenseWithoutDrawing) {
+    const double nan = std::nan("");
+    const double endless = HUGE_VAL;
+    Canvas canvas(4, 4);
+    const platform::Rect whole{{0, 0}, {4, 4}};
+    const auto image = plainImage({1, 1, 1, 1});
+    for (const platform::Rect& rect :
+         {platform::Rect{{nan, 0}, {2, 2}}, platform::Rect{{0, 0}, {endless, 2}},
+          platform::Rect{{0, 0}, {-2, 2}}, platform::Rect{{1, 1}, {0, 2}},
+          platform::Rect{{1e300, 0}, {2, 2}}}) {
+        canvas->fillRect(rect, {0, 0, 0, 1}, CompositingOperation::Copy);
+        canvas->drawImage(image, rect, whole, CompositingOperation::Copy, 1);
+        canvas->drawImage(image, whole, {{9, 9}, rect.size}, CompositingOperation::Copy, 1);
+    }
+    canvas->fillRect(whole, {0, 0, 0, 1}, static_cast<CompositingOperation>(14));
+    canvas->fillRect(whole, {0, 0, 0, 1}, static_cast<CompositingOperation>(-1));
+    canvas->drawImage(image, whole, whole, CompositingOperation::SourceOver, nan);
+    EXPECT_EQ(canvas.coverage(), 0);
+    canvas->drawImage(image, {{-1e9, -1e9}, {2e9, 2e9}}, whole, CompositingOperation::Copy, 1);
+    EXPECT_EQ(canvas.coverage(), 16);
+}
