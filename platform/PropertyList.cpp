@@ -28,6 +28,7 @@ static_assert(sizeof(PropertyList) == 16);
 
 template <class T>
 void PropertyList::store(Kind kind, T value) noexcept {
+    // NOLINTNEXTLINE(bugprone-sizeof-expression): of a pointer, where T is one
     std::memcpy(payload_.data(), &value, sizeof(value));
     kind_ = kind;
 }

@@ -128,6 +128,7 @@ class PropertyList {
     template <class T>
     T load() const noexcept {
         T value;
+        // NOLINTNEXTLINE(bugprone-sizeof-expression): of a pointer, where T is one
         std::memcpy(&value, payload_.data(), sizeof(value));
         return value;
     }

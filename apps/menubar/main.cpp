@@ -9,8 +9,10 @@
 #include <CLI/CLI.hpp>
 #include <QApplication>
 
+#include <fontconfig/fontconfig.h>
 #include <map>
 #include <string>
+#include <thread>
 #include <vector>
 
 using platform::logLine;
@@ -71,6 +73,8 @@ int main(int argc, char** argv) {
     }
     chooseDisplay();
     logQtMessages();
+    // The list of fonts is read from many small files: beside the way to the X server, not after it.
+    const std::jthread fonts([] { FcInit(); });
     int qtArguments = 1;
     QApplication application(qtArguments, argv);
     application.setApplicationName("halvex-menubar");

@@ -5,13 +5,21 @@
 #include <stdio.h>
 #include <stdlib.h>
 #include <string.h>
-#include <sys/resource.h>
 #include <time.h>
 
 static double milliseconds(void) {
     struct timespec now;
     clock_gettime(CLOCK_MONOTONIC, &now);
     return (double)now.tv_sec * 1e3 + (double)now.tv_nsec / 1e6;
+}
+
+static long peak_memory(void) {
+    FILE *status = fopen("/proc/self/status", "r");
+    char line[256];
+    long peak = 0;
+    while (status && fgets(line, sizeof(line), status) && sscanf(line, "VmHWM: %ld", &peak) != 1)
+        continue;
+    return peak;
 }
 
 static plist_t read_list(const char *path) {
@@ -47,9 +55,7 @@ int main(int argc, char **argv) {
             return EXIT_FAILURE;
     }
     const double time = milliseconds() - start;
-    struct rusage usage;
-    getrusage(RUSAGE_SELF, &usage);
-    printf("%.2f %ld\n", time, usage.ru_maxrss);
+    printf("%.2f %ld\n", time, peak_memory());
     fflush(stdout);
     _Exit(EXIT_SUCCESS);
 }

@@ -2,7 +2,6 @@
 
 import os
 import plistlib
-import resource
 import sys
 import time
 
@@ -14,5 +13,7 @@ if operation == "write":
     start = time.monotonic()
     plistlib.dumps(value)
 elapsed = (time.monotonic() - start) * 1e3
-print(f"{elapsed:.2f} {resource.getrusage(resource.RUSAGE_SELF).ru_maxrss}", flush=True)
+with open("/proc/self/status") as status:
+    peak = next(line.split()[1] for line in status if line.startswith("VmHWM"))
+print(f"{elapsed:.2f} {peak}", flush=True)
 os._exit(0)

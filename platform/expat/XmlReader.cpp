@@ -79,6 +79,45 @@ bool isSpace(std::string_view text) {
     });
 }
 
+/// Looks for halves of surrogate pairs: Expat takes any character after the first half for the
+/// second. Costs nothing but in UTF-16.
+class SurrogateCheck {
+  public:
+    /// Whether @p bytes, which continue those before, are fine so far.
+    bool accept(std::string_view bytes) {
+        for (const char character : bytes) {
+            if (order_ == Order::None)
+                return true;
+            const unsigned byte = static_cast<unsigned char>(character);
+            if (count_++ % 2 == 0) {
+                previous_ = byte;
+                continue;
+            }
+            if (count_ == 2)
+                order_ = orderOf(previous_, byte);
+            const bool big = order_ == Order::Big;
+            const unsigned half = (big ? previous_ : byte) & 0xFCU;
+            if (order_ != Order::None && secondIsDue_ != (half == 0xDC))
+                return false;
+            secondIsDue_ = half == 0xD8;
+        }
+        return true;
+    }
+
+  private:
+    enum class Order { Unknown, None, Little, Big };
+    static Order orderOf(unsigned first, unsigned second) {
+        if ((first == 0xFF && second == 0xFE) || second == 0)
+            return Order::Little;
+        return (first == 0xFE && second == 0xFF) || first == 0 ? Order::Big : Order::None;
+    }
+
+    Order order_ = Order::Unknown;
+    std::uint64_t count_ = 0;
+    unsigned previous_ = 0;
+    bool secondIsDue_ = false;
+};
+
 class Reader {
   public:
     Reader();
@@ -118,6 +157,7 @@ class Reader {
     PropertyListResult result();
 
     std::unique_ptr<XML_ParserStruct, ParserCloser> parser_;
+    SurrogateCheck surrogates_;
     std::uint64_t fed_ = 0;
     std::vector<Open> open_;
     std::vector<PropertyList> values_;
@@ -169,6 +209,10 @@ PropertyListResult Reader::run(const PropertyListService::ByteSource& source) {
             return result();
         }
         fed_ += *count;
+        if (!surrogates_.accept({static_cast<const char*>(buffer), *count})) {
+            fail("Half of a surrogate pair");
+            return result();
+        }
         const auto status =
             XML_ParseBuffer(parser_.get(), static_cast<int>(*count), *count == 0 ? 1 : 0);
         if (status != XML_STATUS_OK && !failed_)

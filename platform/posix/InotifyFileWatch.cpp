@@ -19,7 +19,9 @@ namespace platform::posix {
 namespace {
 
 constexpr int kMaximumLinks = 40;
-constexpr std::uint32_t kFolder = IN_DELETE | IN_MOVED_FROM | IN_DELETE_SELF | IN_MOVE_SELF;
+/// Of folders on the way: only what happens to themselves, or every file that others delete in the
+/// home folder would wake the program.
+constexpr std::uint32_t kFolder = IN_DELETE_SELF | IN_MOVE_SELF;
 constexpr std::uint32_t kArrivals = IN_CREATE | IN_MOVED_TO;
 /// Of files and links. A name that is taken away, by removal or replacement, shows as an attribute.
 constexpr std::uint32_t kFile =

@@ -63,6 +63,9 @@ TEST_F(PropertyListXmlTest, ReadsWhatIsWellFormed) {
         {"<?xml version=\"1.0\" encoding=\"ISO-8859-1\"?>" + inPlist("<string>\xE9</string>"), "é"},
         {utf16(inPlist("<string>wide</string>"), false), "wide"},
         {utf16(inPlist("<string>wide</string>"), true), "wide"},
+        {utf16("<plist><string>", true) + "\xD8\x3D\xDE" +
+             utf16("</string></plist>", true).replace(0, 2, std::string(1, '\0')),
+         "😀"},
         {inPlist("<integer> -9223372036854775808\n</integer>"), kLeast},
         {inPlist("<integer>18446744073709551615</integer>"), kMost},
         {inPlist("<integer>+0xFFffFFffFFffFFff</integer>"), kMost},
@@ -124,6 +127,8 @@ TEST_F(PropertyListXmlTest, RefusesWhatIsNoPropertyListAndSaysWhere) {
         {inPlist("<string>\xED\xA0\x80</string>"), 1, "invalid token"},
         {inPlist("<string>\xC0\x80</string>"), 1, "invalid token"},
         {"<?xml version=\"1.0\" encoding=\"EBCDIC\"?>" + inPlist("<true/>"), 1, "unknown encoding"},
+        {utf16(inPlist("<string>"), true) + std::string("\xD8\0\0x\0<", 6), 1, "surrogate"},
+        {utf16(inPlist("<string>"), false) + std::string("x\0\0\xDC", 4), 1, "surrogate"},
         {bomb, 1, "Entity declarations are not taken: a"},
         {"<!DOCTYPE plist [<!ENTITY x SYSTEM \"file:///etc/hostname\">]>" +
              inPlist("<string>&x;</string>"),

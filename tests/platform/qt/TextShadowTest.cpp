@@ -78,14 +78,22 @@ TEST(TextShadow, FallsByItsOffsetSpreadsByItsBlurAndKeepsItsWeight) {
 
 TEST(TextShadow, HasTheProfileOfAGaussian) {
     // The edge of a broad block is the integral of the bell curve.
-    Canvas canvas(200, 100);
-    const platform::TextAttributes attributes{platform::Font{"", 80, false}, Color{},
-                                              Shadow{{1000, 0}, 12, {0, 0, 0, 1}}};
-    canvas->drawText(AttributedString("\u2588\u2588", attributes), {50 - 1000, 0});
-    const double deviation = 6;
-    for (int x = 32; x < 68; x += 3) {
-        const double wanted = 255 * 0.5 * std::erfc((50 - (x + 0.5)) / deviation / std::sqrt(2.0));
-        EXPECT_NEAR(canvas.alphaAt(x, 50), wanted, 13) << x;
+    const auto draw = [](Canvas& canvas, double blurRadius) {
+        const platform::TextAttributes attributes{platform::Font{"", 80, false}, Color{},
+                                                  Shadow{{1000, 0}, blurRadius, {0, 0, 0, 1}}};
+        canvas->drawText(AttributedString("\u2588\u2588", attributes), {50 - 1000, 0});
+    };
+    Canvas sharp(200, 100);
+    draw(sharp, 0);
+    const double edge = 80 - sharp.coverage(QRect(0, 50, 80, 1));
+    for (const double deviation : {0.75, 2.0, 2.5, 6.0}) {
+        Canvas canvas(200, 100);
+        draw(canvas, 2 * deviation);
+        for (int x = 30; x < 70; ++x) {
+            const double distance = (edge - (x + 0.5)) / deviation;
+            EXPECT_NEAR(canvas.alphaAt(x, 50), 255 * 0.5 * std::erfc(distance / std::sqrt(2.0)), 6)
+                << deviation << " at " << x;
+        }
     }
 }
 
@@ -120,10 +128,10 @@ TEST(TextShadow, OfARunTakesThePlaceOfTheContexts) {
                                          static_cast<int>(100 - y));
     };
     const double height = 47;
-    EXPECT_EQ(pixel(0.25, height + 30), QColor(0, 0, 0, 85)) << "the context's, a third opaque";
-    EXPECT_EQ(pixel(0.75, height + 30).alpha(), 0);
-    EXPECT_EQ(pixel(0.75, height - 30), QColor(0, 255, 0, 255));
-    EXPECT_EQ(pixel(0.25, height - 30).alpha(), 0);
+    EXPECT_EQ(pixel(0.125, height + 30), QColor(0, 0, 0, 85)) << "the context's, a third opaque";
+    EXPECT_EQ(pixel(0.875, height + 30).alpha(), 0);
+    EXPECT_EQ(pixel(0.875, height - 30), QColor(0, 255, 0, 255));
+    EXPECT_EQ(pixel(0.125, height - 30).alpha(), 0);
 }
 
 TEST(TextShadow, IsDrawnWithTheCurrentOperationAndTheTextsOpacity) {
