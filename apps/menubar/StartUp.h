@@ -1,19 +1,31 @@
 #pragma once
 
+#include "apps/menubar/Options.h"
+
 #include <string>
+#include <vector>
 
-/// Which colours the bar has.
-enum class Appearance { Desktop, Light, Dark };
+/// Chooses where the bar is drawn, for the QApplication that is made in its scope: on the X server
+/// (under Wayland through XWayland), or offscreen when there is none. Also leaves out what a bar
+/// never needs of Qt and would pay for. What the environment says already wins; what is set here is
+/// taken away again, so that no other program inherits it.
+class DisplayChoice {
+  public:
+    DisplayChoice();
+    ~DisplayChoice();
+    DisplayChoice(const DisplayChoice&) = delete;
+    DisplayChoice& operator=(const DisplayChoice&) = delete;
 
-/// Chooses where the bar is drawn, before the QApplication is made: on the X server (under Wayland
-/// through XWayland), or offscreen when there is none. A choice in the environment wins. Also
-/// leaves out what a bar never needs of Qt and would pay for at start.
-void chooseDisplay();
+  private:
+    void set(const char* name, const char* value);
+
+    std::vector<const char*> set_;
+};
 
 /// Sends what Qt has to say to the system log from now on.
 void logQtMessages();
 
-/// Gives the program the palette that was asked for; the desktop's is there already.
+/// Gives the program the palette that was asked for. The desktop's is there at the start.
 void applyAppearance(Appearance appearance);
 
 /// The bundle of the bar's own clock, found from where this program is.

@@ -40,6 +40,10 @@ class Desktop:
 
     def __init__(self, programs: Path, stack: ExitStack):
         self.folder = Path(stack.enter_context(tempfile.TemporaryDirectory(prefix="bar-")))
+        # Not below /tmp: a bar that watches the folders above its settings would wake for whatever
+        # others create and delete there.
+        self.homes = Path(stack.enter_context(
+            tempfile.TemporaryDirectory(prefix="homes-", dir=programs)))
         self.watcher = str(programs / "screen-watch")
         self._log = open(self.folder / "log", "w+", encoding="utf-8", errors="replace")
         stack.callback(self._log.close)
@@ -69,13 +73,14 @@ class Desktop:
     @contextmanager
     def session(self, name: str, programs: list[bars.Bar]):
         """A session bus and a home folder with the bars' settings; yields their environment."""
-        home = self.folder / name
+        home = self.homes / name
+        home.mkdir()
         for bar in programs:
             for path, text in bar.files.items():
                 (home / path).parent.mkdir(parents=True, exist_ok=True)
                 (home / path).write_text(text, encoding="utf-8")
-        run = home / "run"
-        run.mkdir(mode=0o700, parents=True)
+        run = self.folder / name
+        run.mkdir(mode=0o700)
         env = {"PATH": os.environ["PATH"], "LANG": "C.UTF-8", "HOME": str(home),
                "XDG_RUNTIME_DIR": str(run), "DISPLAY": self.display,
                "DBUS_SESSION_BUS_ADDRESS": f"unix:path={run}/bus"}

@@ -132,4 +132,4 @@ def render(results: list[Result], caption: str, markdown: bool) -> str:
 
 def _threads(title: str, measured: Usage) -> str:
     threads = ", ".join(f"{name} {n}" for name, n in measured.wakeups_by_thread().items())
-    return f"Wake-ups by thread of {bars.OURS} {title}: {threads}."
+    return f"Wake-ups by thread of {bars.OURS} {title}: {threads or 'none'}."

@@ -1,12 +1,13 @@
 #include "platform/posix/ElfFile.h"
 
+#include "platform/posix/Descriptor.h"
+
 #include <array>
 #include <bit>
 #include <cstring>
 #include <elf.h>
 #include <fcntl.h>
 #include <sys/stat.h>
-#include <unistd.h>
 
 namespace platform::posix {
 namespace {
@@ -32,32 +33,26 @@ int platformNumber(int elfMachine) {
     return 0;
 }
 
-/// A file open for reading, closed with the object.
 class File {
   public:
     explicit File(const std::string& path)
-        : descriptor_(open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK)) {
+        : descriptor_(::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK)) {
         struct stat status {};
-        if (descriptor_ >= 0 && fstat(descriptor_, &status) == 0 && S_ISREG(status.st_mode))
+        if (descriptor_ && ::fstat(descriptor_.get(), &status) == 0 && S_ISREG(status.st_mode))
             size_ = static_cast<std::uint64_t>(status.st_size);
     }
-    ~File() {
-        if (descriptor_ >= 0)
-            close(descriptor_);
-    }
-    File(const File&) = delete;
-    File& operator=(const File&) = delete;
 
     std::uint64_t size() const { return size_; }
 
     template <class T>
     bool readAt(std::uint64_t offset, T& value) const {
         return offset <= size_ && sizeof(T) <= size_ - offset &&
-               pread(descriptor_, &value, sizeof(T), static_cast<off_t>(offset)) == sizeof(T);
+               ::pread(descriptor_.get(), &value, sizeof(T), static_cast<off_t>(offset)) ==
+                   sizeof(T);
     }
 
   private:
-    int descriptor_;
+    Descriptor descriptor_;
     std::uint64_t size_ = 0;
 };
 

@@ -3,11 +3,11 @@
 #include "platform/FileManager.h"
 #include "platform/Log.h"
 #include "platform/posix/Defaults.h"
+#include "platform/posix/Descriptor.h"
 
 #include <cerrno>
 #include <cstring>
 #include <sys/timerfd.h>
-#include <unistd.h>
 #include <utility>
 
 namespace platform::posix {
@@ -25,16 +25,10 @@ class Ticker final : public Watch {
           handler_(std::make_shared<std::function<void()>>(std::move(handler))),
           timer_(timerfd_create(CLOCK_REALTIME, TFD_NONBLOCK | TFD_CLOEXEC)) {}
 
-    ~Ticker() override {
-        timerWatch_.reset();
-        if (timer_ >= 0)
-            close(timer_);
-    }
-
     bool start(const Clock& clock, const std::string& zoneFile) {
-        if (timer_ < 0 || !arm(clock))
+        if (!timer_ || !arm(clock))
             return false;
-        timerWatch_ = mainThread().watchReadable(timer_, [this, &clock] { expired(clock); });
+        timerWatch_ = mainThread().watchReadable(timer_.get(), [this, &clock] { expired(clock); });
         zoneWatch_ = fileManager().watchFile(zoneFile, [handler = handler_] {
             tzset();
             (*handler)();
@@ -48,13 +42,13 @@ class Ticker final : public Watch {
         itimerspec times{};
         times.it_value.tv_sec = clock.now() / period * period + period;
         times.it_interval.tv_sec = period;
-        return timerfd_settime(timer_, TFD_TIMER_ABSTIME | TFD_TIMER_CANCEL_ON_SET, &times,
+        return timerfd_settime(timer_.get(), TFD_TIMER_ABSTIME | TFD_TIMER_CANCEL_ON_SET, &times,
                                nullptr) == 0;
     }
 
     void expired(const Clock& clock) {
         std::uint64_t count = 0;
-        const bool wasSet = read(timer_, &count, sizeof count) < 0 && errno == ECANCELED;
+        const bool wasSet = ::read(timer_.get(), &count, sizeof count) < 0 && errno == ECANCELED;
         if (wasSet && !arm(clock))
             logLine("clock timer cannot be set: %@", std::strerror(errno));
         if (wasSet || count > 0) {
@@ -65,7 +59,7 @@ class Ticker final : public Watch {
 
     TickInterval interval_;
     std::shared_ptr<std::function<void()>> handler_;
-    int timer_;
+    Descriptor timer_;
     std::unique_ptr<Watch> timerWatch_;
     std::unique_ptr<FileWatch> zoneWatch_;
 };

@@ -3,7 +3,6 @@
 #include "platform/Exception.h"
 #include "platform/qt/QtGraphicsContext.h"
 #include "platform/qt/QtImage.h"
-#include "platform/qt/TextLine.h"
 
 #include <QGuiApplication>
 
@@ -22,7 +21,7 @@ QFont QtGraphics::defaultFont() const {
 Size QtGraphics::sizeOfText(const AttributedString& text) {
     const QFont font = current_ ? current_->defaultFont() : defaultFont();
     // Advances do not depend on the smoothing; text in the bar is drawn without.
-    return TextLine(text, fonts_, font, FontSmoothing::Greyscale).size();
+    return lines_.line(text, font, FontSmoothing::Greyscale)->size();
 }
 
 std::shared_ptr<Image> QtGraphics::imageWithContentsOfFile(const std::string& path) {
@@ -42,7 +41,7 @@ ScopedContext::ScopedContext(QtGraphics& graphics, QImage& target, QSizeF points
     if (target.format() != QImage::Format_ARGB32_Premultiplied)
         target.convertTo(QImage::Format_ARGB32_Premultiplied);
     context_ = std::make_unique<QtGraphicsContext>(
-        graphics.fonts_, target, points, scale, defaultTextColor,
+        graphics.lines_, target, points, scale, defaultTextColor,
         defaultFont ? std::move(*defaultFont) : graphics.defaultFont());
     previous_ = std::exchange(graphics.current_, context_.get());
 }

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "platform/Graphics.h"
-#include "platform/qt/Fonts.h"
+#include "platform/qt/TextLines.h"
 
 #include <QColor>
 #include <QFont>
@@ -41,7 +41,7 @@ class QtGraphics final : public Graphics {
     friend class ScopedContext;
 
     std::optional<QFont> defaultFont_;
-    Fonts fonts_;
+    TextLines lines_;
     QtGraphicsContext* current_ = nullptr;
 };
 

@@ -30,14 +30,6 @@ bool isDrawable(const Rect& rect) {
            rect.size.width > 0 && rect.size.height > 0;
 }
 
-QColor toQColor(const Color& color) {
-    const auto component = [](double c) {
-        return c > 0 ? static_cast<float>(std::min(c, 1.0)) : 0.0F;
-    };
-    return QColor::fromRgbF(component(color.red), component(color.green), component(color.blue),
-                            component(color.alpha));
-}
-
 bool drawsOver(CompositingOperation operation) {
     return operation == CompositingOperation::SourceOver ||
            operation == CompositingOperation::Highlight;
@@ -102,9 +94,9 @@ Mask alphaOf(const QImage& layer, QPoint origin) {
 
 } // namespace
 
-QtGraphicsContext::QtGraphicsContext(Fonts& fonts, QImage& target, QSizeF points, double scale,
+QtGraphicsContext::QtGraphicsContext(TextLines& lines, QImage& target, QSizeF points, double scale,
                                      QColor defaultTextColor, QFont defaultFont)
-    : fonts_(fonts), target_(target), points_(points), scale_(scale),
+    : lines_(lines), target_(target), points_(points), scale_(scale),
       defaultTextColor_(defaultTextColor), defaultFont_(std::move(defaultFont)) {}
 
 QtGraphicsContext::~QtGraphicsContext() = default;
@@ -149,13 +141,16 @@ void QtGraphicsContext::drawText(const AttributedString& text, Point point) {
         return;
     const bool direct = drawsOver(state_.operation);
     const bool fringes = state_.smoothing && direct && !usesShadow(text);
-    const TextLine line(text, fonts_, defaultFont_,
-                        fringes ? FontSmoothing::Subpixel : FontSmoothing::Greyscale);
-    const QPointF topLeft = toPixels({point, line.size()}).topLeft();
+    const auto line = lines_.line(text, defaultFont_,
+                                  fringes ? FontSmoothing::Subpixel : FontSmoothing::Greyscale);
+    const QPointF topLeft = toPixels({point, line->size()}).topLeft();
     const QTransform toPixels = shifted(QTransform::fromScale(scale_, scale_), topLeft);
-    const Parts parts = line.parts();
+    const bool plain = direct && state_.textMode == TextDrawingMode::Fill;
+    const Parts parts = plain && !usesShadow(text) ? Parts() : line->parts();
     drawShadows(parts, toPixels);
-    if (direct)
+    if (plain)
+        fill(*line, toPixels);
+    else if (direct)
         drawOver(parts, toPixels);
     else
         drawThroughLayer(parts, toPixels);
@@ -191,6 +186,15 @@ void QtGraphicsContext::drawShadow(const Shadow& shadow, Parts::const_iterator f
     Mask mask = alphaOf(layer, area.topLeft());
     blur(mask, deviation);
     compositeMask(target_, mask, toQColor(shadow.color), state_.operation);
+}
+
+void QtGraphicsContext::fill(const TextLine& line, const QTransform& toPixels) {
+    QImage view = plainView(target_);
+    QPainter painter(&view);
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.setTransform(toPixels);
+    painter.setPen(defaultTextColor_);
+    line.fill(painter);
 }
 
 void QtGraphicsContext::drawOver(const Parts& parts, const QTransform& toPixels) {

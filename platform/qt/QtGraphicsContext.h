@@ -1,8 +1,7 @@
 #pragma once
 
 #include "platform/Graphics.h"
-#include "platform/qt/Fonts.h"
-#include "platform/qt/TextLine.h"
+#include "platform/qt/TextLines.h"
 
 #include <QColor>
 #include <QFont>
@@ -20,7 +19,7 @@ namespace platform::qt {
 /// have no number, draw nothing. Main thread.
 class QtGraphicsContext final : public GraphicsContext {
   public:
-    QtGraphicsContext(Fonts& fonts, QImage& target, QSizeF points, double scale,
+    QtGraphicsContext(TextLines& lines, QImage& target, QSizeF points, double scale,
                       QColor defaultTextColor, QFont defaultFont);
     ~QtGraphicsContext() override;
 
@@ -62,10 +61,11 @@ class QtGraphicsContext final : public GraphicsContext {
     void drawShadows(const Parts& parts, const QTransform& toPixels);
     void drawShadow(const Shadow& shadow, Parts::const_iterator first, Parts::const_iterator last,
                     const QTransform& toPixels);
+    void fill(const TextLine& line, const QTransform& toPixels);
     void drawOver(const Parts& parts, const QTransform& toPixels);
     void drawThroughLayer(const Parts& parts, const QTransform& toPixels);
 
-    Fonts& fonts_;
+    TextLines& lines_;
     QImage& target_;
     QSizeF points_;
     double scale_;

@@ -3,9 +3,11 @@
 #include <QPainter>
 #include <QPainterPath>
 #include <QRawFont>
+#include <QTextCharFormat>
 #include <QTextOption>
 
 #include <algorithm>
+#include <cmath>
 #include <cstddef>
 #include <string_view>
 
@@ -39,6 +41,18 @@ QString onOneLine(std::string_view utf8) {
     return text;
 }
 
+} // namespace
+
+QColor toQColor(const Color& color) {
+    const auto component = [](double c) {
+        return c > 0 ? static_cast<float>(std::min(c, 1.0)) : 0.0F;
+    };
+    return QColor::fromRgbF(component(color.red), component(color.green), component(color.blue),
+                            component(color.alpha));
+}
+
+namespace {
+
 /// Calls @p each(font, glyph, position) for all glyphs.
 template <class Each>
 void forEachGlyph(const QList<QGlyphRun>& runs, Each each) {
@@ -65,18 +79,19 @@ TextLine::TextLine(const AttributedString& text, Fonts& fonts, const QFont& defa
         characters += onOneLine(bytes.substr(start, end - start));
         const int length = static_cast<int>(characters.size()) - position;
         stretches_.push_back({position, length, run.attributes});
-        if (run.attributes.font) {
-            QTextCharFormat format;
+        QTextCharFormat format;
+        if (run.attributes.font)
             format.setFont(fonts.font(*run.attributes.font, defaultFont, smoothing));
+        if (run.attributes.foregroundColor)
+            format.setForeground(toQColor(*run.attributes.foregroundColor));
+        if (!format.isEmpty())
             formats.push_back({position, length, format});
-        }
     }
     if (characters.isEmpty())
         return;
 
     QTextOption option(Qt::AlignLeft | Qt::AlignAbsolute);
     option.setWrapMode(QTextOption::NoWrap);
-    option.setFlags(QTextOption::IncludeTrailingSpaces);
     layout_.setTextOption(option);
     layout_.setFont(fonts.font({}, defaultFont, smoothing));
     layout_.setText(characters);
@@ -91,6 +106,10 @@ Size TextLine::size() const {
         return {};
     const QTextLine line = layout_.lineAt(0);
     return {line.naturalTextWidth(), line.ascent() + line.descent()};
+}
+
+void TextLine::fill(QPainter& painter) const {
+    layout_.draw(&painter, {});
 }
 
 std::vector<TextLine::Part> TextLine::parts() const {

@@ -2,6 +2,8 @@
 #include "platform/Event.h"
 #include "tests/desktop/support/BarProcess.h"
 
+#include <QDBusVariant>
+#include <QDBusVirtualObject>
 #include <QImage>
 
 #include <gmock/gmock.h>
@@ -88,6 +90,45 @@ TEST(Bar, LoadsAndUnloadsWhileItRuns) {
     EXPECT_TRUE(bar.logs("leaving"));
     EXPECT_EQ(picture(bar).height(), 22);
     EXPECT_EQ(bar.stop(), 0) << bar.log();
+}
+
+/// A settings portal that says whether the desktop is dark.
+class Portal final : public QDBusVirtualObject {
+  public:
+    explicit Portal(const test::PrivateBus& bus) : bus_(bus.connection()) {
+        bus_.registerVirtualObject(kPath, this);
+        bus_.registerService("org.freedesktop.portal.Desktop");
+    }
+    void change(uint scheme) {
+        auto signal = QDBusMessage::createSignal(kPath, kInterface, "SettingChanged");
+        signal << kGroup << kKey << QVariant::fromValue(QDBusVariant(scheme));
+        bus_.send(signal);
+    }
+    QString introspect(const QString&) const override { return {}; }
+    bool handleMessage(const QDBusMessage& message, const QDBusConnection& bus) override {
+        const bool known = message.arguments() == QVariantList{kGroup, kKey};
+        const QVariant dark = QVariant::fromValue(QDBusVariant(1U));
+        return known && bus.send(message.createReply(QVariant::fromValue(QDBusVariant(dark))));
+    }
+
+  private:
+    static constexpr const char* kPath = "/org/freedesktop/portal/desktop";
+    static constexpr const char* kInterface = "org.freedesktop.portal.Settings";
+    static constexpr const char* kGroup = "org.freedesktop.appearance";
+    static constexpr const char* kKey = "color-scheme";
+    QDBusConnection bus_;
+};
+
+TEST(Bar, IsAsDarkAsTheDesktopWantsIt) {
+    const auto bus = std::make_shared<test::PrivateBus>();
+    Portal portal(*bus);
+    BarProcess bar(bus, {});
+    const auto isDark = [&] { return picture(bar).pixelColor(5, 5).lightness() < 128; };
+    EXPECT_TRUE(BarProcess::eventually(isDark));
+    portal.change(2);
+    EXPECT_TRUE(BarProcess::eventually([&] { return !isDark(); }));
+    portal.change(1);
+    EXPECT_TRUE(BarProcess::eventually(isDark));
 }
 
 TEST(Bar, AnswersWrongArgumentsWithAStatusAndALogLineAndChangesNothing) {

@@ -1,1 +1,3 @@
-extern "C" int notAnEntryPoint() { return 0; }
+extern "C" int notAnEntryPoint() {
+    return 0;
+}

@@ -7,6 +7,7 @@
 #include <QUrl>
 
 #include <stdexcept>
+#include <utility>
 
 namespace test {
 namespace {
@@ -31,11 +32,16 @@ PrivateBus::~PrivateBus() {
     daemon_.waitForFinished(kLimit);
 }
 
-BarProcess::BarProcess(const QStringList& arguments, const Settings& settings) {
+BarProcess::BarProcess(const QStringList& arguments, const Settings& settings)
+    : BarProcess(std::make_shared<PrivateBus>(), arguments, settings) {}
+
+BarProcess::BarProcess(std::shared_ptr<PrivateBus> bus, const QStringList& arguments,
+                       const Settings& settings)
+    : bus_(std::move(bus)) {
     environment_ = QProcessEnvironment::systemEnvironment();
     environment_.insert("HOME", QString::fromStdString(folder_.file("home")));
     environment_.insert("XDG_RUNTIME_DIR", QString::fromStdString(folder_.path()));
-    environment_.insert("DBUS_SESSION_BUS_ADDRESS", bus_.address());
+    environment_.insert("DBUS_SESSION_BUS_ADDRESS", bus_->address());
     environment_.insert("QT_QPA_PLATFORM", "offscreen");
     environment_.insert("LSAN_OPTIONS", "suppressions=" HALVEX_SUPPRESSIONS);
     for (const auto& [name, value] : settings)
@@ -76,7 +82,7 @@ QVariantList BarProcess::call(const QString& member, const QVariantList& argumen
                                                   "/com/quorvanesoftware/MenuBar",
                                                   "com.quorvanesoftware.MenuBar1", member);
     message.setArguments(arguments);
-    const auto reply = bus_.connection().call(message, QDBus::Block, 2 * kLimit);
+    const auto reply = bus_->connection().call(message, QDBus::Block, 2 * kLimit);
     return reply.type() == QDBusMessage::ReplyMessage ? reply.arguments() : QVariantList();
 }
 
@@ -115,7 +121,7 @@ QString BarProcess::introspection() {
     const auto message = QDBusMessage::createMethodCall(
         "com.quorvanesoftware.MenuBar", "/com/quorvanesoftware/MenuBar",
         "org.freedesktop.DBus.Introspectable", "Introspect");
-    return bus_.connection().call(message).arguments().value(0).toString();
+    return bus_->connection().call(message).arguments().value(0).toString();
 }
 
 std::string BarProcess::log() {
@@ -135,6 +141,7 @@ bool BarProcess::eventually(const std::function<bool()>& condition) {
     while (!condition()) {
         if (timer.elapsed() > kLimit)
             return false;
+        QCoreApplication::processEvents();
         QThread::msleep(10);
     }
     return true;

@@ -12,6 +12,8 @@
 #include <functional>
 #include <memory>
 #include <string>
+#include <utility>
+#include <vector>
 
 namespace test {
 
@@ -38,6 +40,8 @@ class BarProcess {
 
     /// Waits until the bar answers on the bus.
     explicit BarProcess(const QStringList& arguments = {}, const Settings& settings = {});
+    BarProcess(std::shared_ptr<PrivateBus> bus, const QStringList& arguments,
+               const Settings& settings = {});
     ~BarProcess();
 
     /// Starts another bar on the same bus and gives its exit status.
@@ -64,7 +68,7 @@ class BarProcess {
 
   private:
     TemporaryFolder folder_;
-    PrivateBus bus_;
+    std::shared_ptr<PrivateBus> bus_;
     QProcessEnvironment environment_;
     QProcess process_;
     std::string log_;

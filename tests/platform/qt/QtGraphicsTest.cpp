@@ -41,14 +41,10 @@ TEST(QtGraphics, DrawsIntoTheInnermostContextAndIntoNoneOutside) {
         fill(2);
     }
     EXPECT_THROW(graphics.currentContext(), platform::Exception);
-    const auto columns = [](const QImage& image) {
-        std::string drawn;
-        for (int x = 0; x < image.width(); ++x)
-            drawn += qAlpha(image.pixel(x, 0)) ? 'x' : '.';
-        return drawn;
-    };
-    EXPECT_EQ(columns(outer), "x.x.");
-    EXPECT_EQ(columns(inner), ".x..");
+    for (int x = 0; x < 4; ++x) {
+        EXPECT_EQ(qAlpha(outer.pixel(x, 0)) != 0, x == 0 || x == 2) << x;
+        EXPECT_EQ(qAlpha(inner.pixel(x, 0)) != 0, x == 1) << x;
+    }
 }
 
 TEST(QtGraphics, LeavesTheTargetWholeWhateverItsFormatRatioAndOwners) {

@@ -123,6 +123,8 @@ TEST(QtImage, StandsUprightAndIsCutFromTheBottomLeft) {
         draw(canvas, image, {{5, 5}, {4, 4}}, {{0, 2}, {2, 2}});
         EXPECT_EQ(canvas.at(5 * scale, 5 * scale - 1), argb(Qt::red));
         EXPECT_EQ(canvas.at(9 * scale - 1, scale), argb(Qt::red));
+        draw(canvas, image, {{5, 0}, {4, 4}}, {{2, 0}, {2, 2}});
+        EXPECT_EQ(canvas.at(5 * scale, 6 * scale), argb(Qt::white));
     }
     // What the source rectangle has beyond the image is empty, and the rest keeps its place.
     Canvas canvas(8, 8);

@@ -17,10 +17,6 @@ AttributedString block(std::optional<Shadow> shadow, const Color& color = {1, 0,
     return AttributedString("\u2588\u2588", {{}, color, shadow});
 }
 
-void drawBlock(Canvas& canvas, std::optional<Shadow> shadow) {
-    canvas->drawText(block(shadow), {40, 40});
-}
-
 /// What a shadow adds to the text on a transparent ground: where, and how much of it.
 struct Extent {
     QRect ink;
@@ -46,7 +42,7 @@ TEST(TextShadow, FallsByItsOffsetSpreadsByItsBlurAndKeepsItsWeight) {
     };
     for (const double scale : {1.0, 1.5, 2.0}) {
         Canvas plain(120, 100, scale);
-        drawBlock(plain, {});
+        plain->drawText(block({}), {40, 40});
         const Extent text = shadowAlone(plain);
         for (const auto& [offset, blurRadius] :
              {Case{{30, 0}, 0}, {{0, 30}, 1.5}, {{-30, -30}, 5}, {{1, -1}, 10}, {{0, 0}, 1}}) {
@@ -99,13 +95,13 @@ TEST(TextShadow, HasTheProfileOfAGaussian) {
 
 TEST(TextShadow, IsNotThereWhenItCannotShow) {
     Canvas plain(120, 100);
-    drawBlock(plain, {});
+    plain->drawText(block({}), {40, 40});
     const double nan = std::nan("");
     for (const Shadow& shadow :
          {Shadow{{20, 20}, 5, {0, 0, 0, 0}}, Shadow{{nan, 0}, 5, {}}, Shadow{{0, 0}, nan, {}},
           Shadow{{5000, 0}, 5, {}}, Shadow{{1e300, 1e300}, 1e300, {}}}) {
         Canvas canvas(120, 100);
-        drawBlock(canvas, shadow);
+        canvas->drawText(block(shadow), {40, 40});
         EXPECT_EQ(canvas.image(), plain.image()) << shadow.offset.width;
     }
     Canvas canvas(120, 100);

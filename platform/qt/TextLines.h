@@ -1,0 +1,32 @@
+#pragma once
+
+#include "platform/qt/Fonts.h"
+#include "platform/qt/TextLine.h"
+
+#include <array>
+#include <cstddef>
+#include <memory>
+
+namespace platform::qt {
+
+/// Lays text out, and remembers the last few lines: what is measured is drawn right after, and
+/// shaping is most of the work. Main thread.
+class TextLines {
+  public:
+    std::shared_ptr<const TextLine> line(const AttributedString& text, const QFont& defaultFont,
+                                         FontSmoothing smoothing);
+
+  private:
+    struct Entry {
+        AttributedString text;
+        QFont defaultFont;
+        FontSmoothing smoothing = FontSmoothing::Greyscale;
+        std::shared_ptr<const TextLine> line;
+    };
+
+    Fonts fonts_;
+    std::array<Entry, 4> entries_;
+    std::size_t next_ = 0;
+};
+
+} // namespace platform::qt
