@@ -3,10 +3,23 @@
 #include "platform/FileManager.h"
 #include "platform/PathStrings.h"
 
+#include <algorithm>
+#include <mutex>
 #include <utility>
+#include <vector>
 
 namespace platform {
 namespace {
+
+struct LoadedBundles {
+    std::mutex mutex;
+    std::vector<std::shared_ptr<Bundle>> bundles; ///< in the order of loading
+};
+
+LoadedBundles& loadedBundles() {
+    static LoadedBundles loaded;
+    return loaded;
+}
 
 std::string contents(const std::string& bundle, std::string_view relative) {
     return appendingPathComponent(bundle, "Contents/" + std::string(relative));
@@ -35,6 +48,23 @@ std::shared_ptr<Bundle> Bundle::bundleWithPath(const std::string& path, std::str
     else if (reason)
         *reason = "Info.plist: " + (result ? "no dictionary" : describe(result.error));
     return std::make_shared<Bundle>(path, std::move(info));
+}
+
+std::shared_ptr<Bundle> Bundle::bundleWithIdentifier(std::string_view identifier) {
+    LoadedBundles& loaded = loadedBundles();
+    const std::lock_guard lock(loaded.mutex);
+    const auto found = std::ranges::find_if(loaded.bundles, [&](const auto& bundle) {
+        return bundle->bundleIdentifier() == identifier;
+    });
+    return found == loaded.bundles.end() ? nullptr : *found;
+}
+
+void Bundle::setCode(const std::shared_ptr<Bundle>& bundle, Code code) {
+    LoadedBundles& loaded = loadedBundles();
+    const std::lock_guard lock(loaded.mutex);
+    std::erase(loaded.bundles, bundle);
+    if (code == Code::Loaded)
+        loaded.bundles.push_back(bundle);
 }
 
 Bundle::Bundle(std::string path, std::optional<PropertyList::Dictionary> infoDictionary)

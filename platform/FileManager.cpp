@@ -1,5 +1,6 @@
 #include "platform/FileManager.h"
 
+#include "platform/PathStrings.h"
 #include "platform/ServiceSlot.h"
 #include "platform/posix/Defaults.h"
 
@@ -11,6 +12,23 @@ namespace {
 constinit ServiceSlot<FileManager> slot{"FileManager", posix::defaultFileManager};
 
 constexpr std::size_t kPieceBytes = std::size_t{1} << 16;
+
+/// Whether the folder could be read.
+bool appendSubpaths(const FileManager& files, const std::string& folder,
+                    const std::string& relative, std::vector<std::string>& result) {
+    const auto names = files.contentsOfDirectory(appendingPathComponent(folder, relative));
+    if (!names)
+        return false;
+    for (const std::string& name : *names) {
+        const std::string below = appendingPathComponent(relative, name);
+        const std::string path = appendingPathComponent(folder, below);
+        result.push_back(below);
+        bool isDirectory = false;
+        if (files.fileExists(path, &isDirectory) && isDirectory && !files.isSymbolicLink(path))
+            appendSubpaths(files, folder, below, result);
+    }
+    return true;
+}
 
 } // namespace
 
@@ -44,6 +62,13 @@ ReadFileResult FileManager::readFile(const std::string& path, std::uint64_t maxi
     }
     contents.resize(length);
     return {std::move(contents), {}};
+}
+
+std::optional<std::vector<std::string>> FileManager::subpaths(const std::string& path) const {
+    std::vector<std::string> result;
+    if (!appendSubpaths(*this, path, {}, result))
+        return std::nullopt;
+    return result;
 }
 
 FileManager& fileManager() {

@@ -9,6 +9,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace platform {
 
@@ -67,6 +68,21 @@ class FileManager {
     /// Whether this process may read, or write, what is at @p path. False when nothing is there.
     virtual bool isReadableFile(const std::string& path) const = 0;
     virtual bool isWritableFile(const std::string& path) const = 0;
+    /// Whether @p path itself is a symbolic link, dangling or not.
+    virtual bool isSymbolicLink(const std::string& path) const = 0;
+    /// @p path with the symbolic links in it replaced by what they point to, as far as it exists;
+    /// without "." and "..". As it is, when links lead in circles.
+    virtual std::string resolvingSymbolicLinks(const std::string& path) const = 0;
+
+    // Folders. Nothing when there is none at @p path or it cannot be read. In the file system's
+    // order; a symbolic link to a folder is followed at @p path only.
+
+    /// The names of everything in a folder, hidden entries too, but not "." and "..".
+    virtual std::optional<std::vector<std::string>>
+    contentsOfDirectory(const std::string& path) const = 0;
+    /// The paths of everything below a folder, relative to it: each folder, then what is below it.
+    /// Below a folder that cannot be read nothing is listed.
+    std::optional<std::vector<std::string>> subpaths(const std::string& path) const;
 
     // Contents
 
@@ -86,6 +102,23 @@ class FileManager {
 
     /// The user's home folder: HOME when that is absolute, else what the account says.
     virtual std::string homeDirectory() const = 0;
+    /// The home folder of the account with this name; nothing when there is no such account.
+    virtual std::optional<std::string> homeDirectoryForUser(const std::string& name) const = 0;
+
+    // Making, moving and removing. True when it is done. Nothing that is in the way is replaced, a
+    // dangling symbolic link neither.
+
+    /// Creates one folder, in a folder that exists; mode 0777 less the process's mask.
+    virtual bool createDirectory(const std::string& path) = 0;
+    /// Creates a symbolic link that holds @p target, whatever may be there.
+    virtual bool createSymbolicLink(const std::string& path, const std::string& target) = 0;
+    /// Removes a file or a symbolic link. False for a folder.
+    virtual bool removeFile(const std::string& path) = 0;
+    /// Moves a file or a symbolic link, also to another file system: there a copy, flushed to the
+    /// disk, with its mode, times and, where that is permitted, its owner, is in place before the
+    /// old one is removed. A folder is moved within its file system only. On failure what was at
+    /// @p from is still there, and nothing is at @p to.
+    virtual bool moveFile(const std::string& from, const std::string& to) = 0;
 
     // Changes
 

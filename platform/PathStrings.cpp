@@ -3,6 +3,7 @@
 #include "platform/FileManager.h"
 
 #include <algorithm>
+#include <optional>
 
 namespace platform {
 namespace {
@@ -46,11 +47,21 @@ std::string pathExtension(std::string_view path) {
     return dot == std::string::npos || dot == 0 ? std::string() : name.substr(dot + 1);
 }
 
+std::string appendingPathExtension(std::string_view path, std::string_view extension) {
+    std::string whole = normalized(path);
+    if (whole.empty() || whole == "/")
+        return whole;
+    return whole.append(1, '.').append(extension);
+}
+
 std::string expandingTildeInPath(std::string_view path) {
-    const bool ownTilde = path == "~" || path.starts_with("~/");
-    if (!ownTilde)
+    if (!path.starts_with('~'))
         return std::string(path);
-    return appendingPathComponent(fileManager().homeDirectory(), path.substr(1));
+    const std::string_view user = path.substr(1, path.find('/') - 1);
+    const std::optional<std::string> home =
+        user.empty() ? fileManager().homeDirectory()
+                     : fileManager().homeDirectoryForUser(std::string(user));
+    return home ? appendingPathComponent(*home, path.substr(1 + user.size())) : std::string(path);
 }
 
 } // namespace platform

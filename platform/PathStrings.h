@@ -3,7 +3,7 @@
 #include <string>
 #include <string_view>
 
-/// Operations on paths as strings. None looks at the file system; repeated slashes count as one and
+/// Operations on paths as strings. None looks for files; repeated slashes count as one and
 /// trailing ones are dropped.
 namespace platform {
 
@@ -22,7 +22,12 @@ std::string deletingLastPathComponent(std::string_view path);
 /// begins with its only dot.
 std::string pathExtension(std::string_view path);
 
-/// A leading "~" replaced by the user's home folder. Any other path comes back as it is.
+/// @p path with a dot and @p extension behind its last component. A path without a name ("/" and
+/// the empty one) stays as it is.
+std::string appendingPathExtension(std::string_view path, std::string_view extension);
+
+/// A leading "~" replaced by the user's home folder, a leading "~name" by the home folder of that
+/// account. Any other path, also that of an account that does not exist, comes back as it is.
 std::string expandingTildeInPath(std::string_view path);
 
 } // namespace platform

@@ -18,6 +18,9 @@ class Workspace {
     /// asked for; empty: whichever the browser takes. The answer is whether the request could be
     /// sent; a browser that then finds no such file tells the user itself. Main thread.
     virtual bool selectFile(const std::string& path, const std::string& rootPath) = 0;
+    /// Opens a file or a folder with the program that the desktop has for it. The answer is
+    /// whether a program could be started. Main thread.
+    virtual bool openFile(const std::string& path) = 0;
 };
 
 Workspace& sharedWorkspace();

@@ -34,6 +34,13 @@ constexpr auto kByteClasses = [] {
     return classes;
 }();
 
+bool isPlain(std::string_view text) {
+    unsigned classes = 0;
+    for (const char character : text)
+        classes |= static_cast<unsigned>(kByteClasses[static_cast<unsigned char>(character)]);
+    return classes == static_cast<unsigned>(ByteClass::Plain);
+}
+
 std::string_view escaped(char character) {
     switch (character) {
     case '\r':
@@ -80,13 +87,21 @@ class Output {
         std::memcpy(block_.data() + used_, piece.data(), piece.size());
         used_ += piece.size();
     }
-    void indent(std::size_t depth) {
-        constexpr std::size_t kQuick = 8;
-        if (depth > kQuick || block_.size() - used_ < kQuick)
-            return append(kTabs.substr(0, depth - 1));
-        std::memcpy(block_.data() + used_, kTabs.data(), kQuick);
-        used_ += depth - 1;
+    /// The most frequent line in one go; false when it does not fit into what is left of the block.
+    bool appendLine(std::size_t depth, std::string_view start, std::string_view text,
+                    std::string_view end) {
+        const std::size_t size = depth - 1 + start.size() + text.size() + end.size();
+        if (depth > kQuickDepth || size + kQuickDepth > block_.size() - used_)
+            return false;
+        char* at = block_.data() + used_;
+        std::memcpy(at, kTabs.data(), kQuickDepth);
+        std::memcpy(at += depth - 1, start.data(), start.size());
+        std::memcpy(at += start.size(), text.data(), text.size());
+        std::memcpy(at + text.size(), end.data(), end.size());
+        used_ += size;
+        return true;
     }
+    void indent(std::size_t depth) { append(kTabs.substr(0, depth - 1)); }
     std::string finish() {
         appendPastBlock({});
         return std::move(text_);
@@ -97,6 +112,9 @@ class Output {
         text_.append(block_.data(), used_).append(piece);
         used_ = 0;
     }
+
+    /// So many tabs are copied faster than fewer are counted.
+    static constexpr std::size_t kQuickDepth = 8;
 
     std::string text_;
     std::size_t used_ = 0;
@@ -129,10 +147,7 @@ class Writer {
 };
 
 bool Writer::escapedText(std::string_view text) {
-    unsigned classes = 0;
-    for (const char character : text)
-        classes |= static_cast<unsigned>(kByteClasses[static_cast<unsigned char>(character)]);
-    if (classes == static_cast<unsigned>(ByteClass::Plain)) {
+    if (isPlain(text)) {
         out_.append(text);
         return true;
     }
@@ -203,6 +218,8 @@ bool Writer::notString(const PropertyList& value, std::size_t depth) {
 }
 
 bool Writer::string(std::string_view text, std::size_t depth) {
+    if (isPlain(text) && out_.appendLine(depth, "<string>", text, "</string>\n"))
+        return true;
     out_.indent(depth);
     out_.append("<string>");
     const bool written = escapedText(text);

@@ -149,6 +149,8 @@ bool TemporaryFile::takeOver(const struct stat& old) {
     if (::fstat(file_.get(), &mine) != 0)
         return false;
     const bool sameOwner = mine.st_uid == old.st_uid && mine.st_gid == old.st_gid;
+    if (sameOwner && mine.st_mode == old.st_mode) // as on file systems that have no modes
+        return true;
     if (sameOwner || ::fchown(file_.get(), old.st_uid, old.st_gid) == 0)
         return calls_.setMode(file_.get(), old.st_mode & 07777U) == 0;
     // The group alone may be ours to give; with another owner the mode grants nothing special.

@@ -1,14 +1,17 @@
 #include "platform/posix/PosixFileManager.h"
 
+#include "platform/PathStrings.h"
 #include "platform/posix/AtomicFile.h"
 #include "platform/posix/Defaults.h"
 #include "platform/posix/Descriptor.h"
 #include "platform/posix/InotifyFileWatch.h"
+#include "platform/posix/MoveFile.h"
 
 #include <array>
 #include <cerrno>
 #include <cstdlib>
 #include <cstring>
+#include <dirent.h>
 #include <fcntl.h>
 #include <pwd.h>
 #include <sys/stat.h>
@@ -54,6 +57,30 @@ std::string notRegular(mode_t mode) {
     return std::string("It is ") + kindOfFile(mode) + ".";
 }
 
+constexpr int kMaximumLinks = 40;
+
+/// Puts the components of @p path on a stack, the first one on top.
+void pushComponents(std::string_view path, std::vector<std::string>& stack) {
+    while (!path.empty()) {
+        const auto slash = path.rfind('/');
+        const auto start = slash == std::string_view::npos ? 0 : slash + 1;
+        stack.emplace_back(path.substr(start));
+        path = path.substr(0, start == 0 ? 0 : slash);
+    }
+}
+
+/// @p look is getpwuid_r or getpwnam_r, @p account what it looks for.
+template <class Look, class Account>
+std::optional<std::string> homeOf(Look look, Account account) {
+    std::vector<char> buffer(1 << 14);
+    passwd entry{};
+    passwd* found = nullptr;
+    if (look(account, &entry, buffer.data(), buffer.size(), &found) != 0 || !found ||
+        !found->pw_dir)
+        return std::nullopt;
+    return found->pw_dir;
+}
+
 } // namespace
 
 PosixFileManager::PosixFileManager(std::string libraryRoot, SystemCalls& calls)
@@ -85,6 +112,59 @@ bool PosixFileManager::isWritableFile(const std::string& path) const {
     return place && ::faccessat(AT_FDCWD, place->c_str(), W_OK, AT_EACCESS) == 0;
 }
 
+bool PosixFileManager::isSymbolicLink(const std::string& path) const {
+    const auto place = systemPath(path);
+    return place && linkTarget(*place);
+}
+
+std::string PosixFileManager::resolvingSymbolicLinks(const std::string& path) const {
+    if (!path.starts_with('/'))
+        return path;
+    std::vector<std::string> pending;
+    pushComponents(path, pending);
+    std::string resolved = "/";
+    for (int links = 0; !pending.empty();) {
+        const std::string component = std::move(pending.back());
+        pending.pop_back();
+        if (component.empty() || component == ".")
+            continue;
+        if (component == "..") {
+            resolved = deletingLastPathComponent(resolved);
+            continue;
+        }
+        std::string next = appendingPathComponent(resolved, component);
+        const auto place = systemPath(next);
+        const auto target = place ? linkTarget(*place) : std::nullopt;
+        if (!target) {
+            resolved = std::move(next);
+            continue;
+        }
+        if (++links > kMaximumLinks)
+            return path;
+        if (target->starts_with('/'))
+            resolved = "/";
+        pushComponents(*target, pending);
+    }
+    return resolved;
+}
+
+std::optional<std::vector<std::string>>
+PosixFileManager::contentsOfDirectory(const std::string& path) const {
+    const auto place = systemPath(path);
+    const std::unique_ptr<DIR, int (*)(DIR*)> folder(place ? ::opendir(place->c_str()) : nullptr,
+                                                     ::closedir);
+    if (!folder)
+        return std::nullopt;
+    std::vector<std::string> names;
+    errno = 0;
+    while (const dirent* entry = ::readdir(folder.get())) {
+        const std::string_view name = entry->d_name;
+        if (name != "." && name != "..")
+            names.emplace_back(name);
+    }
+    return errno == 0 ? std::optional(std::move(names)) : std::nullopt;
+}
+
 OpenFileResult PosixFileManager::openFile(const std::string& path) const {
     const auto place = systemPath(path);
     if (!place)
@@ -114,11 +194,32 @@ std::string PosixFileManager::homeDirectory() const {
     const char* home = std::getenv("HOME");
     if (home && *home == '/')
         return home;
-    std::vector<char> buffer(1 << 14);
-    passwd account{};
-    passwd* found = nullptr;
-    const int error = ::getpwuid_r(::geteuid(), &account, buffer.data(), buffer.size(), &found);
-    return error == 0 && found && found->pw_dir ? found->pw_dir : "/";
+    return homeOf(::getpwuid_r, ::geteuid()).value_or("/");
+}
+
+std::optional<std::string> PosixFileManager::homeDirectoryForUser(const std::string& name) const {
+    return homeOf(::getpwnam_r, name.c_str());
+}
+
+bool PosixFileManager::createDirectory(const std::string& path) {
+    const auto place = systemPath(path);
+    return place && ::mkdir(place->c_str(), 0777) == 0;
+}
+
+bool PosixFileManager::createSymbolicLink(const std::string& path, const std::string& target) {
+    const auto place = systemPath(path);
+    return place && ::symlink(target.c_str(), place->c_str()) == 0;
+}
+
+bool PosixFileManager::removeFile(const std::string& path) {
+    const auto place = systemPath(path);
+    return place && ::unlink(place->c_str()) == 0;
+}
+
+bool PosixFileManager::moveFile(const std::string& from, const std::string& to) {
+    const auto source = systemPath(from);
+    const auto destination = systemPath(to);
+    return source && destination && posix::moveFile(*source, *destination);
 }
 
 std::unique_ptr<FileWatch> PosixFileManager::watchFile(const std::string& path,

@@ -14,9 +14,18 @@ class PosixFileManager final : public FileManager {
     bool fileExists(const std::string& path, bool* isDirectory) const override;
     bool isReadableFile(const std::string& path) const override;
     bool isWritableFile(const std::string& path) const override;
+    bool isSymbolicLink(const std::string& path) const override;
+    std::string resolvingSymbolicLinks(const std::string& path) const override;
+    std::optional<std::vector<std::string>>
+    contentsOfDirectory(const std::string& path) const override;
     OpenFileResult openFile(const std::string& path) const override;
     bool writeFileAtomically(const std::string& path, std::string_view bytes) override;
     std::string homeDirectory() const override;
+    std::optional<std::string> homeDirectoryForUser(const std::string& name) const override;
+    bool createDirectory(const std::string& path) override;
+    bool createSymbolicLink(const std::string& path, const std::string& target) override;
+    bool removeFile(const std::string& path) override;
+    bool moveFile(const std::string& from, const std::string& to) override;
     std::unique_ptr<FileWatch> watchFile(const std::string& path,
                                          std::function<void()> handler) override;
 

@@ -13,10 +13,14 @@
 namespace platform::qt {
 namespace {
 
+bool open(const std::string& path) {
+    return QDesktopServices::openUrl(QUrl::fromLocalFile(QString::fromStdString(path)));
+}
+
 void openParentFolder(const std::string& path) {
-    const auto folder = QString::fromStdString(deletingLastPathComponent(path));
-    if (!QDesktopServices::openUrl(QUrl::fromLocalFile(folder)))
-        logLine("no program to show the folder %@", folder.toStdString());
+    const std::string folder = deletingLastPathComponent(path);
+    if (!open(folder))
+        logLine("no program to show the folder %@", folder);
 }
 
 } // namespace
@@ -41,6 +45,10 @@ bool QtWorkspace::selectFile(const std::string& path, const std::string& rootPat
     // The interface has no root folder to give; browsers choose the window by themselves.
     static_cast<void>(rootPath);
     return true;
+}
+
+bool QtWorkspace::openFile(const std::string& path) {
+    return open(path);
 }
 
 } // namespace platform::qt

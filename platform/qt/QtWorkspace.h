@@ -10,6 +10,7 @@ class QtWorkspace final : public Workspace {
     /// Asks the file manager on the session bus (org.freedesktop.FileManager1); when there is none
     /// it opens the folder that the file is in.
     bool selectFile(const std::string& path, const std::string& rootPath) override;
+    bool openFile(const std::string& path) override;
 };
 
 } // namespace platform::qt

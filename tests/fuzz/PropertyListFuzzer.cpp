@@ -1,3 +1,4 @@
+#include "platform/FileManager.h"
 #include "platform/PropertyList.h"
 #include "platform/expat/ExpatPropertyLists.h"
 
@@ -16,6 +17,11 @@ void require(bool condition, const char* what) {
 }
 
 } // namespace
+
+// The lists come from memory, so the real one need not be linked.
+platform::FileManager& platform::fileManager() {
+    std::abort();
+}
 
 // Any bytes: a fault with a place and a reason, or a value that is written and read back as it was,
 // however the bytes are cut.

@@ -57,4 +57,24 @@ TEST_F(BundleFolder, WithoutADictionaryIsABundleAllTheSameAndSaysWhy) {
     EXPECT_EQ(Bundle::bundleWithPath(folder.write("file", ""), &reason), nullptr);
 }
 
+TEST(LoadedBundles, AreFoundByTheirIdentifierUntilTheirCodeGoes) {
+    const auto make = [](const char* identifier) {
+        return std::make_shared<Bundle>(
+            "/Test", platform::PropertyList::Dictionary{{"CFBundleIdentifier", identifier}});
+    };
+    const auto first = make("test.one");
+    const auto second = make("test.one");
+    const auto nameless = std::make_shared<Bundle>("/Test", std::nullopt);
+    for (const auto& bundle : {nameless, first, second, make("test.two")})
+        Bundle::setCode(bundle, Bundle::Code::Loaded);
+    EXPECT_EQ(Bundle::bundleWithIdentifier("test.one"), first);
+    EXPECT_EQ(Bundle::bundleWithIdentifier("test"), nullptr);
+    EXPECT_EQ(Bundle::bundleWithIdentifier(""), nullptr);
+    Bundle::setCode(first, Bundle::Code::Unloaded);
+    EXPECT_EQ(Bundle::bundleWithIdentifier("test.one"), second);
+    Bundle::setCode(second, Bundle::Code::Unloaded);
+    EXPECT_EQ(Bundle::bundleWithIdentifier("test.one"), nullptr);
+    EXPECT_NE(Bundle::bundleWithIdentifier("test.two"), nullptr);
+}
+
 } // namespace

@@ -62,12 +62,38 @@ TEST(PathStrings, AreJoined) {
             << c.path << " + " << c.component;
 }
 
-TEST(PathStrings, ATildeIsTheHomeFolderOnlyAtTheStart) {
-    const test::ScopedEnvironment home("HOME", "/home/somebody");
-    EXPECT_EQ(expandingTildeInPath("~"), "/home/somebody");
-    EXPECT_EQ(expandingTildeInPath("~/Library//x/"), "/home/somebody/Library/x");
-    EXPECT_EQ(expandingTildeInPath("/tmp/~"), "/tmp/~");
-    EXPECT_EQ(expandingTildeInPath(""), "");
+TEST(PathStrings, TakeAnExtension) {
+    const struct {
+        const char* path;
+        const char* extended;
+    } cases[] = {{"Titles", "Titles.plist"},
+                 {"/a/Titles/", "/a/Titles.plist"},
+                 {"a.b", "a.b.plist"},
+                 {"~", "~.plist"},
+                 {"/", "/"},
+                 {"", ""}};
+    for (const auto& [path, extended] : cases)
+        EXPECT_EQ(appendingPathExtension(path, "plist"), extended) << path;
+}
+
+TEST(PathStrings, ATildeIsAHomeFolderOnlyAtTheStart) {
+    const test::ScopedEnvironment home("HOME", "/home/somebody/");
+    const struct {
+        const char* path;
+        const char* expanded;
+    } cases[] = {
+        {"~", "/home/somebody"},
+        {"~/", "/home/somebody"},
+        {"~/Library//x/", "/home/somebody/Library/x"},
+        {"~root", "/root"},
+        {"~root/x/", "/root/x"},
+        {"~no such account/x", "~no such account/x"},
+        {"/tmp/~", "/tmp/~"},
+        {"a~/b", "a~/b"},
+        {"", ""},
+    };
+    for (const auto& [path, expanded] : cases)
+        EXPECT_EQ(expandingTildeInPath(path), expanded) << path;
 }
 
 } // namespace

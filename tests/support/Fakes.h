@@ -106,9 +106,14 @@ class RecordingHost final : public platform::MenuExtraHost {
 class RecordingWorkspace final : public platform::Workspace {
   public:
     std::vector<std::string> selected; ///< path, a bar, root path
+    std::vector<std::string> opened;
 
     bool selectFile(const std::string& path, const std::string& rootPath) override {
         selected.push_back(path + '|' + rootPath);
+        return true;
+    }
+    bool openFile(const std::string& path) override {
+        opened.push_back(path);
         return true;
     }
 

@@ -1,0 +1,84 @@
+// Times what happens to the location list in the home folder that HOME names, and prints a line
+// "<what> <milliseconds>" for each step, then "peak <KiB>":
+// "locations steps" reads, merges and splits in memory, "locations operations" loads and saves.
+
+#include "paths/LocationRecords.h"
+#include "paths/ovxPaths.h"
+#include "platform/Log.h"
+#include "platform/expat/ExpatPropertyLists.h"
+
+#include <chrono>
+#include <cstdio>
+#include <cstdlib>
+#include <fstream>
+#include <string>
+#include <string_view>
+#include <utility>
+
+namespace {
+
+class SilentLog final : public platform::Log {
+  public:
+    void write(std::string_view) override {}
+    void beep() override {}
+};
+
+/// In KiB. What getrusage gives begins with the peak of the program that started this one.
+long peakMemory() {
+    std::ifstream status("/proc/self/status");
+    for (std::string line; std::getline(status, line);)
+        if (line.starts_with("VmHWM:"))
+            return std::stol(line.substr(6));
+    return 0;
+}
+
+template <class Operation>
+auto timed(const char* what, Operation operation) {
+    const auto start = std::chrono::steady_clock::now();
+    auto result = operation();
+    const std::chrono::duration<double, std::milli> time = std::chrono::steady_clock::now() - start;
+    std::printf("%s %.3f\n", what, time.count());
+    return result;
+}
+
+bool measureSteps() {
+    const std::string folder = HalvexFilePaths::ovxGetUsersHalvexProSupportDir();
+    const auto read = [&](const char* name) {
+        return platform::propertyLists().readArray(folder + '/' + name);
+    };
+    auto lists = timed("read", [&] {
+        return std::pair(read("Halvex Locations"), read("Halvex Net Locations.plist"));
+    });
+    if (!lists.first || !lists.second)
+        return false;
+    auto merged = timed(
+        "merge", [&] { return mergeRecords(std::move(*lists.first), std::move(*lists.second)); });
+    const auto split = timed("split", [&] { return splitRecords(std::move(merged.records)); });
+    std::printf("peak %ld\n", peakMemory());
+    return merged.duplicates == split.net.size();
+}
+
+bool measureOperations() {
+    auto list = timed("load", HalvexFilePaths::HalvexLoadLocationFile);
+    if (!list ||
+        !timed("save", [&] { return HalvexFilePaths::HalvexSaveLocationTable(std::move(*list)); }))
+        return false;
+    std::printf("peak %ld\n", peakMemory());
+    return true;
+}
+
+} // namespace
+
+int main(int argc, char** argv) {
+    const std::string_view what = argc == 2 ? argv[1] : "";
+    SilentLog log;
+    const platform::ScopedService<platform::Log> logging(log);
+    platform::expat::install();
+    bool done = false;
+    if (what == "steps")
+        done = measureSteps();
+    if (what == "operations")
+        done = measureOperations();
+    std::fflush(stdout);
+    std::_Exit(done ? EXIT_SUCCESS : EXIT_FAILURE);
+}

@@ -1,0 +1,117 @@
+#include "menuextras/ExportedIdentifiers.h"
+#include "paths/LocationRecords.h"
+#include "paths/ovxPaths.h"
+#include "platform/Bundle.h"
+#include "platform/FileManager.h"
+#include "platform/Log.h"
+#include "platform/PathStrings.h"
+
+#include <utility>
+
+using platform::appendingPathComponent;
+using platform::Bundle;
+using platform::fileManager;
+using platform::logLine;
+using platform::propertyLists;
+using Array = platform::PropertyList::Array;
+
+namespace {
+
+std::string inUserProductFolder(const char* name) {
+    return appendingPathComponent(HalvexFilePaths::ovxGetUsersHalvexProSupportDir(), name);
+}
+
+bool isFile(const std::string& path) {
+    bool isDirectory = false;
+    return fileManager().fileExists(path, &isDirectory) && !isDirectory;
+}
+
+void moveFromOldPlaces(const std::string& firstOld, const std::string& secondOld,
+                       const std::string& path) {
+    const std::string& old = isFile(firstOld) ? firstOld : secondOld;
+    // The line names the two old places, whichever was moved, and never the new one.
+    if (isFile(old) && fileManager().moveFile(old, path))
+        logLine("Moved Locations from Path = %@ to %@", firstOld, secondOld);
+}
+
+std::shared_ptr<Bundle> preferencePane() {
+    if (auto loaded = Bundle::bundleWithIdentifier(HalvexPrefsBundleID))
+        return loaded;
+    logLine("LocationList  thisBundle nil");
+    if (auto everybodys = Bundle::bundleWithPath(HalvexProPrefsAllUsers))
+        return everybodys;
+    return Bundle::bundleWithPath(platform::expandingTildeInPath(HalvexProPrefsAUser));
+}
+
+std::optional<Array> defaultList() {
+    const auto pane = preferencePane();
+    const auto resource = pane ? pane->pathForResource("LocationsConfig", "plist") : std::nullopt;
+    if (!resource) {
+        logLine("bug -- missing 'LocationsConfig.plist' in bundle %@",
+                pane ? std::optional(pane->bundlePath()) : std::nullopt);
+        return Array();
+    }
+    auto list = propertyLists().readArray(*resource);
+    if (list)
+        logLine("Default locations loaded");
+    else
+        logLine("Default locations failed to load at %@", *resource);
+    return list;
+}
+
+bool writeOrBeep(const std::string& path, const Array& list) {
+    if (propertyLists().writeArray(path, list))
+        return true;
+    logLine("Unable to write: %@", path);
+    platform::systemLog().beep();
+    return false;
+}
+
+} // namespace
+
+std::optional<Array> HalvexFilePaths::HalvexLoadLocationFile() {
+    const std::string firstOld = HalvexOldPathLocationFile();
+    const std::string secondOld = fileManager().resolvingSymbolicLinks(
+        appendingPathComponent(ovxGetUserApplSupportFolder(), HalvexLocation));
+    const std::string path = inUserProductFolder(HalvexLocation);
+    moveFromOldPlaces(firstOld, secondOld, path);
+    auto list = isFile(path) ? propertyLists().readArray(path) : std::nullopt;
+    return mergeNetLocation(list ? std::move(list) : defaultList());
+}
+
+std::optional<Array> HalvexFilePaths::mergeNetLocation(std::optional<Array> list) {
+    const std::string path = inUserProductFolder(HalvexNetLocations);
+    auto cached = list && isFile(path) ? propertyLists().readArray(path) : std::nullopt;
+    if (!cached || cached->empty())
+        return list;
+    MergedRecords merged = mergeRecords(std::move(*list), std::move(*cached));
+    if (merged.duplicates != 0)
+        logLine("%d duplicates locations found in subscription", merged.duplicates);
+    return std::move(merged.records);
+}
+
+bool HalvexFilePaths::HalvexSaveLocationTable(Array list) {
+    const std::string path = inUserProductFolder(HalvexLocation);
+    logLine("Saving Halvex locations: %@ (%d)", path, list.size());
+    const SplitRecords records = splitRecords(std::move(list));
+    if (!records.net.empty())
+        HalvexSaveCacheNetLocation(records.net);
+    return writeOrBeep(path, records.own);
+}
+
+bool HalvexFilePaths::HalvexSaveCacheNetLocation(const Array& records) {
+    if (records.empty())
+        return true;
+    const std::string path = inUserProductFolder(HalvexNetLocations);
+    logLine("Saving net locations cache: %@ (%d)", path, records.size());
+    return writeOrBeep(path, records);
+}
+
+bool HalvexFilePaths::HalvexExistsNetLocation() {
+    return isFile(inUserProductFolder(HalvexNetLocations));
+}
+
+bool HalvexFilePaths::HalvexRemoveNetLocation() {
+    const std::string path = inUserProductFolder(HalvexNetLocations);
+    return !isFile(path) || fileManager().removeFile(path);
+}

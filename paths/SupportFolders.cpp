@@ -1,0 +1,202 @@
+#include "menuextras/ExportedIdentifiers.h"
+#include "paths/ovxPaths.h"
+#include "platform/FileManager.h"
+#include "platform/Log.h"
+#include "platform/PathStrings.h"
+#include "platform/Workspace.h"
+
+#include <algorithm>
+#include <array>
+#include <string_view>
+#include <unordered_set>
+
+using platform::appendingPathComponent;
+using platform::fileManager;
+
+namespace {
+
+constexpr const char* kLocalApplicationSupport = "/Library/Application Support";
+constexpr const char* kHalvexFolder = "Halvex";
+constexpr const char* kPicturesFolder = "Pictures";
+constexpr const char* kHolidaysFolder = "Holidays";
+constexpr const char* kBackgroundsFolder = "Glimmerbox Backgrounds";
+
+std::string userLibrary() {
+    return appendingPathComponent(fileManager().homeDirectory(), "Library");
+}
+
+std::string localMakerFolder() {
+    return appendingPathComponent(kLocalApplicationSupport, quorvaneSoftwareFolder);
+}
+
+std::string localFolder(std::string_view name) {
+    return appendingPathComponent(localMakerFolder(), name);
+}
+
+std::string made(std::string path) {
+    ovxPaths::ovxMakeDirIfNeeded(path);
+    return path;
+}
+
+bool isFolder(const std::string& path) {
+    bool isDirectory = false;
+    return fileManager().fileExists(path, &isDirectory) && isDirectory;
+}
+
+/// Puts a link to the backgrounds into @p folder; false when that fails.
+bool linkBackgroundsInto(const std::string& folder) {
+    const std::string backgrounds = ovxPaths::ovxGetDeskTopBackgroundsPath();
+    if (!fileManager().fileExists(backgrounds) || !fileManager().fileExists(folder))
+        return true;
+    return fileManager().createSymbolicLink(appendingPathComponent(folder, kBackgroundsFolder),
+                                            backgrounds);
+}
+
+bool mayBeFrame(std::string_view name) {
+    constexpr std::array<std::string_view, 6> kOtherEndings{"zip", "sit", "gz",
+                                                            "ivc", "txt", "plist"};
+    return name != ".DS_Store" && std::ranges::none_of(kOtherEndings, [name](auto ending) {
+               return name.ends_with(ending);
+           });
+}
+
+} // namespace
+
+std::string
+HalvexFilePaths::ovxGetUserApplSupportFolder(const std::optional<std::string>& subfolder) {
+    const std::string folder = appendingPathComponent(userLibrary(), "Application Support");
+    return subfolder ? made(appendingPathComponent(folder, *subfolder)) : folder;
+}
+
+std::string
+HalvexFilePaths::ovxGetUserQuorvaneSoftwareFolder(const std::optional<std::string>& subfolder) {
+    const std::string folder = ovxGetUserApplSupportFolder(quorvaneSoftwareFolder);
+    return subfolder ? made(appendingPathComponent(folder, *subfolder)) : folder;
+}
+
+std::string HalvexFilePaths::ovxGetUsersHalvexProSupportDir() {
+    return ovxGetUserQuorvaneSoftwareFolder(HalvexProSupportFolder);
+}
+
+std::string HalvexFilePaths::ovxGetLocalQuorvaneSoftwareSupportDir() {
+    return made(localMakerFolder());
+}
+
+std::string HalvexFilePaths::ovxGetLocalHalvexApplSupportFolder() {
+    return made(appendingPathComponent(ovxGetLocalQuorvaneSoftwareSupportDir(), kHalvexFolder));
+}
+
+std::string HalvexFilePaths::ovxGetLocalHalvexProSupportDir() {
+    return made(localFolder(HalvexProSupportFolder));
+}
+
+std::string HalvexFilePaths::HalvexOldPathLocationFile() {
+    return fileManager().resolvingSymbolicLinks(
+        appendingPathComponent(userLibrary(), HalvexLocation));
+}
+
+namespace ovxPaths {
+
+void ovxMakeDirIfNeeded(const std::string& path) {
+    if (fileManager().fileExists(path) || fileManager().isSymbolicLink(path))
+        return;
+    if (!fileManager().createDirectory(path))
+        platform::logLine("ovxMakeDirIfNeeded: Error creating path: %@", path);
+}
+
+std::string ovxGetLocalQuorvaneSoftwareSupportDir() {
+    return HalvexFilePaths::ovxGetLocalQuorvaneSoftwareSupportDir();
+}
+
+std::string ovxGetApplSupportFolder(const std::optional<std::string>& subfolder) {
+    const std::string folder = HalvexFilePaths::ovxGetUserQuorvaneSoftwareFolder(kHalvexFolder);
+    return subfolder ? made(appendingPathComponent(folder, *subfolder)) : folder;
+}
+
+void ovxHalvexMakeUserSupportDir() {
+    ovxMakeDirIfNeeded(HalvexFilePaths::ovxGetUserApplSupportFolder());
+    HalvexFilePaths::ovxGetUserApplSupportFolder(kHalvexFolder);
+}
+
+void ovxHalvexMakeLocalSupportDir() {
+    HalvexFilePaths::ovxGetLocalHalvexApplSupportFolder();
+    const std::string pictures = made(localFolder(kPicturesFolder));
+    ovxMakeDirIfNeeded(localFolder(kHolidaysFolder));
+    ovxMakeDirIfNeeded(localFolder(themesFolder));
+    if (!linkBackgroundsInto(pictures))
+        platform::logLine("Error creating symbolic link at: %@", pictures);
+}
+
+void ovxGlimmerboxMakeSupportDir() {
+    ovxMakeDirIfNeeded(HalvexFilePaths::ovxGetUserApplSupportFolder());
+    const std::string frames = made(ovxGetGlimmerboxSupportPath());
+    ovxMakeDirIfNeeded(ovxGetDeskTopBackgroundsPath());
+    if (!linkBackgroundsInto(frames))
+        platform::logLine("Error Creating SymbolicLink at: %@", frames);
+}
+
+std::string ovxGetDeskTopBackgroundsPath() {
+    return appendingPathComponent("/Library/Desktop Pictures", kBackgroundsFolder);
+}
+
+std::string ovxGetGlimmerboxSupportPath() {
+    return appendingPathComponent(HalvexFilePaths::ovxGetUserApplSupportFolder(),
+                                  "Glimmerbox Frames");
+}
+
+std::string ovxGetiPhotoAlbumPath() {
+    return appendingPathComponent(fileManager().homeDirectory(), "Pictures/iPhoto Library/Albums");
+}
+
+std::optional<std::vector<std::string>> HalvexThemesList() {
+    const std::string folder = localFolder(themesFolder);
+    if (isFolder(folder))
+        return fileManager().contentsOfDirectory(folder);
+    ovxMakeDirIfNeeded(folder);
+    return std::nullopt;
+}
+
+std::optional<std::vector<std::string>> HalvexPicturesList() {
+    const std::string folder = localFolder(kPicturesFolder);
+    if (isFolder(folder))
+        return fileManager().subpaths(folder);
+    ovxMakeDirIfNeeded(folder);
+    return std::nullopt;
+}
+
+std::optional<std::vector<std::string>>
+ovxGlimmerboxGetListFrames(const std::optional<std::vector<std::string>>& exclude) {
+    const std::string folder = ovxGetGlimmerboxSupportPath();
+    const auto listing = isFolder(folder) ? fileManager().subpaths(folder) : std::nullopt;
+    if (!listing)
+        return std::nullopt;
+    std::unordered_set<std::string_view> excluded;
+    if (exclude)
+        excluded.insert(exclude->begin(), exclude->end());
+    std::vector<std::string> frames;
+    for (const std::string& relative : *listing) {
+        if (!mayBeFrame(platform::lastPathComponent(relative)))
+            continue;
+        std::string path = appendingPathComponent(folder, relative);
+        bool isDirectory = false;
+        if (!excluded.contains(path) && fileManager().fileExists(path, &isDirectory) &&
+            !isDirectory)
+            frames.push_back(std::move(path));
+    }
+    return frames;
+}
+
+void ovxShowHalvexThemeFolder(const void*) {
+    platform::sharedWorkspace().openFile(
+        HalvexFilePaths::ovxGetUserApplSupportFolder(themesFolder));
+}
+
+void ovxShowSystemHalvexThemeFolder() {
+    platform::sharedWorkspace().openFile(made(localFolder(themesFolder)));
+}
+
+void ovxShowFramesFolder(const void*) {
+    platform::sharedWorkspace().openFile(ovxGetGlimmerboxSupportPath());
+}
+
+} // namespace ovxPaths
