@@ -1,0 +1,25 @@
+#pragma once
+
+#include "apps/ctl/Output.h"
+
+#include <CLI/CLI.hpp>
+
+#include <functional>
+
+/// What the command line asks for, to be done once all of it has been understood.
+using Action = std::function<ExitStatus()>;
+
+// Each adds its verbs to the command line. Parsing a line with one of them sets @p chosen, which
+// outlives @p commands' parsing.
+
+void addPathVerbs(CLI::App& commands, Action& chosen);     ///< paths, themes, pictures, frames
+void addLocationVerbs(CLI::App& commands, Action& chosen); ///< locations
+void addWarningVerbs(CLI::App& commands, Action& chosen);  ///< warnings
+void addPlistVerb(CLI::App& commands, Action& chosen);     ///< plist
+
+/// Gives @p verb the flag --json.
+void addJsonFlag(CLI::App& verb, bool& json);
+/// Xml without --json.
+inline Format formatFor(bool json) {
+    return json ? Format::Json : Format::Xml;
+}

@@ -1,0 +1,50 @@
+#include "apps/ctl/InputFiles.h"
+#include "apps/ctl/Output.h"
+#include "apps/ctl/Verbs.h"
+#include "platform/expat/ExpatPropertyLists.h"
+#include "platform/posix/PosixFileManager.h"
+
+#include <string>
+
+void addJsonFlag(CLI::App& verb, bool& json) {
+    verb.add_flag("--json", json, "Print JSON");
+}
+
+namespace {
+
+/// What --help and --version print is a result as well; everything else is wrong usage.
+ExitStatus explain(const CLI::App& commandLine, const CLI::ParseError& error) {
+    return commandLine.exit(error) == 0 ? finishOutput() : ExitStatus::WrongUsage;
+}
+
+ExitStatus run(int argc, char** argv) {
+    std::string root;
+    Action chosen;
+    CLI::App commandLine("Looks at the product's folders and data files, and changes them.",
+                         "halvexctl");
+    commandLine.set_version_flag("--version", HALVEX_VERSION);
+    commandLine.add_option("--root", root, "A folder whose Library takes the place of /Library")
+        ->check(CLI::ExistingDirectory);
+    commandLine.require_subcommand(0, 1);
+    for (const auto& addVerbs : {addPathVerbs, addLocationVerbs, addWarningVerbs, addPlistVerb})
+        addVerbs(commandLine, chosen);
+    try {
+        commandLine.parse(argc, argv);
+        // Asked of CLI11, this would hide which word it was that is no verb.
+        if (!chosen)
+            throw CLI::RequiredError("A verb");
+    } catch (const CLI::ParseError& error) {
+        return explain(commandLine, error);
+    }
+    platform::expat::install();
+    platform::posix::PosixFileManager files(absolutePath(root));
+    const platform::ScopedService<platform::FileManager> guard(files);
+    return chosen();
+}
+
+} // namespace
+
+int main(int argc, char** argv) {
+    prepareStandardStreams();
+    return static_cast<int>(run(argc, argv));
+}
