@@ -3,7 +3,9 @@
 #include "menuextras/ExportedIdentifiers.h"
 #include "paths/LocationRecords.h"
 #include "paths/ovxPaths.h"
+#include "platform/FileManager.h"
 #include "platform/PathStrings.h"
+#include "platform/posix/HomeFolders.h"
 
 #include <filesystem>
 #include <memory>
@@ -70,8 +72,11 @@ ExitStatus split(const Options& options) {
 
 ExitStatus save(const std::string& file) {
     std::optional<PropertyList::Array> list = readList(file);
-    const bool saved = list && HalvexFilePaths::HalvexSaveLocationTable(std::move(*list));
-    return saved ? ExitStatus::Done : ExitStatus::Refused;
+    if (!list)
+        return ExitStatus::Refused;
+    platform::posix::makeHomeFolders(platform::fileManager());
+    return HalvexFilePaths::HalvexSaveLocationTable(std::move(*list)) ? ExitStatus::Done
+                                                                      : ExitStatus::Refused;
 }
 
 CLI::App& addVerb(CLI::App& commands, const char* name, const char* description, Action& chosen,

@@ -3,6 +3,7 @@
 #include "menuextras/ExportedIdentifiers.h"
 #include "paths/ovxPaths.h"
 #include "platform/PathStrings.h"
+#include "platform/posix/PosixFileManager.h"
 
 #include <memory>
 #include <optional>
@@ -16,6 +17,13 @@ namespace {
 
 using Names = std::vector<std::string>;
 
+/// Answers as the system's files do, and makes no folder.
+class LookingFileManager final : public platform::posix::PosixFileManager {
+  public:
+    using PosixFileManager::PosixFileManager;
+    bool createDirectory(const std::string&) override { return true; }
+};
+
 PropertyList::Dictionary paths() {
     using Files = HalvexFilePaths;
     const std::string support = Files::ovxGetUserApplSupportFolder();
@@ -25,8 +33,7 @@ PropertyList::Dictionary paths() {
     const std::string localProduct = Files::ovxGetLocalHalvexApplSupportFolder();
     const std::string titles = std::string(WarnMeTitlesFile) + "." + plistFile;
     const std::string times = std::string(WarnMeTimesFile) + "." + plistFile;
-    // What another operation than the one named here would create or show is put together from
-    // its parts, so that listing it does neither.
+    // What is found by creating, showing or reading it is put together from its parts.
     return {
         {"ovxGetUserApplSupportFolder", support},
         {"ovxGetUserQuorvaneSoftwareFolder", maker},
@@ -58,7 +65,9 @@ PropertyList::Dictionary paths() {
     };
 }
 
-ExitStatus printPaths(bool json) {
+ExitStatus printPaths(const std::string& root, bool json) {
+    LookingFileManager files(root);
+    const platform::ScopedService<platform::FileManager> guard(files);
     PropertyList::Dictionary all = paths();
     if (json)
         return print(std::move(all), Format::Json);
@@ -91,10 +100,12 @@ std::optional<Names> frames(const Names& excluded) {
 
 void addPathVerbs(CLI::App& commands, Action& chosen) {
     struct Options {
+        const CLI::Option* root;
         bool json = false;
         Names excluded;
     };
     const auto options = std::make_shared<Options>();
+    options->root = commands.get_option("--root");
     const auto add = [&](const char* name, const char* description, ExitStatus (*run)(Options&)) {
         CLI::App* verb = commands.add_subcommand(name, description);
         addJsonFlag(*verb, options->json);
@@ -102,8 +113,9 @@ void addPathVerbs(CLI::App& commands, Action& chosen) {
             [options, run, &chosen] { chosen = [options, run] { return run(*options); }; });
         return verb;
     };
-    add("paths", "Where the folders and data files are, by operation",
-        [](Options& given) { return printPaths(given.json); });
+    add("paths", "Where the folders and data files are, by operation", [](Options& given) {
+        return printPaths(absolutePath(given.root->as<std::string>()), given.json);
+    });
     add("themes", "The themes that are installed", [](Options& given) {
         return printNames(ovxPaths::HalvexThemesList(), "themes", given.json);
     });

@@ -6,7 +6,7 @@
 namespace platform::posix {
 
 /// The system's files.
-class PosixFileManager final : public FileManager {
+class PosixFileManager : public FileManager {
   public:
     /// @p libraryRoot is put before "/Library" and every path below it. @p calls outlives this.
     explicit PosixFileManager(std::string libraryRoot = {}, SystemCalls& calls = systemCalls());

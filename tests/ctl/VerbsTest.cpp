@@ -44,17 +44,16 @@ const std::string kCached = record("Lima");
 const std::string kNet = record("Lima", kNoText + kNoText + kNoText + kNoText + kNoText + kNoText +
                                             kNoText + kNoText + "\t\t<true/>\n");
 
-TEST(PathVerbs, CreateOnlyWhatTheOperationsCreate) {
-    const std::string made = "S\nS/Halvex\nS/Halvex Pro\n";
-    follow(Ctl(),
-           {{"halvexctl paths | wc -l", "26\n"},
-            {"for p in \"$user\" \"$local\"; do find \"$p\" | sed 's/.*Software/S/' | sort; done",
-             made + made},
-            {"halvexctl paths | grep ShowHalvexTheme | sed \"s|$PWD||\"",
-             "ovxShowHalvexThemeFolder\t/home/Library/Application Support/Themes\n"},
-            {"halvexctl paths --json | grep /old | sed \"s|$PWD||\"",
-             "  \"HalvexLoadLocationFile/old\": "
-             "\"/home/Library/Application Support/Halvex Locations\",\n"}});
+TEST(PathVerbs, TellWithoutCreating) {
+    const Ctl ctl;
+    EXPECT_EQ(ctl.run("halvexctl paths").log, "");
+    follow(ctl, {{"halvexctl paths | wc -l", "26\n"},
+                 {"ls \"$user\" \"$local\" 2>&1 | grep -c cannot", "2\n"},
+                 {"halvexctl paths | grep ShowHalvexTheme | sed \"s|$PWD||\"",
+                  "ovxShowHalvexThemeFolder\t/home/Library/Application Support/Themes\n"},
+                 {"halvexctl paths --json | grep /old | sed \"s|$PWD||\"",
+                  "  \"HalvexLoadLocationFile/old\": "
+                  "\"/home/Library/Application Support/Halvex Locations\",\n"}});
 }
 
 TEST(PathVerbs, ListWhatIsThereAndRefuseWithoutTheFolder) {
@@ -87,7 +86,9 @@ TEST(LocationVerbs, SaveShowAndForgetTheCache) {
                  {"halvexctl locations cache exists", "yes\n"},
                  {"halvexctl locations cache remove", ""},
                  {"halvexctl locations show", list(kOwn)},
-                 {"rm -r home/Library; halvexctl locations save list", "", 1}});
+                 {"rm -r home/Library; halvexctl locations save list", ""},
+                 {"halvexctl locations show", list(kOwn + kNet)},
+                 {"rm -r home/Library; touch home/Library; halvexctl locations save list", "", 1}});
     EXPECT_THAT(ctl.read("log"), HasSubstr("Unable to write: "));
 }
 
