@@ -1,0 +1,103 @@
+#include "apps/menubar/ItemWidget.h"
+
+#include "menubar/HalvexMenuExtraBase.h"
+#include "platform/qt/Desktop.h"
+#include "tests/support/Fakes.h"
+
+#include <QAccessible>
+#include <QApplication>
+#include <QTest>
+
+#include <gtest/gtest.h>
+
+namespace {
+
+/// A base class's item with the title "12:34", shown.
+class ItemWidgetTest : public testing::Test {
+  protected:
+    ItemWidgetTest() {
+        using platform::PropertyList;
+        extra->initWithBundle(std::make_shared<platform::Bundle>(
+            "/Test.menu", PropertyList::Dictionary{{"CFBundleName", "Test"}}));
+        extra->setTitle("12:34");
+        widget.resize(widget.wantedWidth(), 22);
+        QObject::connect(&widget, &ItemWidget::pressed,
+                         [this](const platform::Event& event) { events.push_back(event); });
+    }
+
+    platform::qt::QtGraphics& graphics = platform::qt::install();
+    test::RecordingHost host;
+    std::shared_ptr<HalvexMenuExtraBase> extra = std::make_shared<HalvexMenuExtraBase>();
+    ItemWidget widget{"test.item", extra, graphics, nullptr};
+    std::vector<platform::Event> events;
+};
+
+TEST_F(ItemWidgetTest, IsAButtonWithAMenuForPeopleWhoDoNotSeeIt) {
+    auto* accessible = QAccessible::queryAccessibleInterface(&widget);
+    ASSERT_NE(accessible, nullptr);
+    EXPECT_EQ(accessible->role(), QAccessible::ButtonMenu);
+    EXPECT_EQ(accessible->text(QAccessible::Name), "Test, 12:34");
+    extra->setTitle("12:35");
+    EXPECT_EQ(accessible->text(QAccessible::Name), "Test, 12:35");
+    accessible->actionInterface()->doAction(QAccessibleActionInterface::pressAction());
+    ASSERT_EQ(events.size(), 1U);
+    EXPECT_EQ(events[0].modifierFlags, 0U);
+    EXPECT_EQ(events[0].buttonNumber, 0);
+}
+
+TEST_F(ItemWidgetTest, CountsClicksAndNumbersButtonsAndModifiersAsItemsKnowThem) {
+    struct Row {
+        Qt::MouseButton button;
+        Qt::KeyboardModifiers modifiers;
+        int x;
+        std::int32_t buttonNumber;
+        std::uint32_t flags;
+        std::int32_t clickCount;
+    };
+    const std::vector<Row> rows{
+        {Qt::LeftButton, {}, 5, 0, 0, 1},
+        {Qt::LeftButton, Qt::ShiftModifier, 5, 0, 0x20000, 2},
+        {Qt::LeftButton, {}, 6, 0, 0, 3},
+        {Qt::LeftButton, {}, 35, 0, 0, 1}, // elsewhere
+        {Qt::RightButton, Qt::ControlModifier, 35, 1, 0x40000, 1},
+        {Qt::MiddleButton, Qt::AltModifier, 35, 2, 0x80000, 1},
+        {Qt::BackButton, Qt::AltModifier | Qt::ControlModifier, 35, 3, 0xC0000, 1},
+    };
+    for (const Row& row : rows) {
+        const QPoint place(row.x, 10);
+        QMouseEvent press(QEvent::MouseButtonPress, place, widget.mapToGlobal(place), row.button,
+                          row.button, row.modifiers);
+        press.setTimestamp(1000);
+        QApplication::sendEvent(&widget, &press);
+        const platform::Event& event = events.back();
+        EXPECT_EQ(event.buttonNumber, row.buttonNumber);
+        EXPECT_EQ(event.modifierFlags, row.flags);
+        EXPECT_EQ(event.clickCount, row.clickCount) << "button " << row.buttonNumber;
+    }
+}
+
+TEST_F(ItemWidgetTest, DrawsTheTitleInTheTextColourAndCutsItOutOfTheHighlight) {
+    QPalette palette(Qt::white);
+    palette.setColor(QPalette::WindowText, Qt::black);
+    palette.setColor(QPalette::Highlight, Qt::blue);
+    widget.setPalette(palette);
+    const auto pixels = [&](auto wanted) {
+        const QImage image = widget.grab().toImage();
+        int count = 0;
+        for (int y = 0; y < image.height() - 1; ++y) // the last row is the bar's edge
+            for (int x = 0; x < image.width(); ++x)
+                count += wanted(image.pixelColor(x, y)) ? 1 : 0;
+        return count;
+    };
+    const auto dark = [](const QColor& c) { return c.lightness() < 60; };
+    const auto blue = [](const QColor& c) { return c.blue() > 200 && c.red() < 60; };
+    const auto light = [](const QColor& c) { return c.lightness() > 200; };
+    EXPECT_GT(pixels(dark), 20);
+    EXPECT_EQ(pixels(blue), 0);
+    test::RecordingHost::setMenuDown(*extra, true);
+    EXPECT_EQ(pixels(dark), 0);
+    EXPECT_GT(pixels(blue), widget.width() * 10);
+    EXPECT_GT(pixels(light), 20) << "the title shows the bar's ground";
+}
+
+} // namespace
