@@ -27,6 +27,9 @@ class Clock {
     /// changes. Safe from any thread.
     virtual std::tm localTime(std::int64_t secondsSince1970) const = 0;
 
+    /// Makes the calling thread wait for at least this time. Safe from any thread.
+    virtual void sleep(std::uint64_t microseconds) = 0;
+
     /// Calls @p handler at every full second or minute, and at once after the clock was set, the
     /// machine woke up or the time zone changed. Nothing wakes the program in between. The first
     /// call comes at the next boundary, not during this one. Gives null, after a log line, when the

@@ -109,6 +109,33 @@ enum class MenuExtraStatus : std::int32_t {
     BadParameter = -50, ///< paramErr
 };
 
+/// A loaded item as the bar numbers it; 0 is none.
+using MenuExtraReference = std::uint32_t;
+
+/// The bar, as other programs ask it. Each request is answered within a bounded time; the status is
+/// MenuExtraStatus's or, when no bar answers, any other number that is not 0. Any thread that may
+/// block.
+class MenuExtraServer {
+  public:
+    MenuExtraServer() = default;
+    virtual ~MenuExtraServer();
+    MenuExtraServer(const MenuExtraServer&) = delete;
+    MenuExtraServer& operator=(const MenuExtraServer&) = delete;
+
+    /// The reference of the item with this identifier.
+    virtual std::int32_t getMenuExtra(const std::string& identifier,
+                                      MenuExtraReference& reference) = 0;
+    /// Asks for the bundle at a file URL to be loaded, which follows later. @p position orders the
+    /// items from the right; the system has given the other numbers no meaning.
+    virtual std::int32_t addMenuExtra(const std::string& url, std::int32_t position, std::int32_t,
+                                      std::int32_t, std::int32_t, std::int32_t) = 0;
+    virtual std::int32_t removeMenuExtra(MenuExtraReference reference, std::int32_t flags) = 0;
+};
+
+MenuExtraServer& menuExtraServer();
+template <>
+MenuExtraServer* exchangeService<MenuExtraServer>(MenuExtraServer* service);
+
 /// The bar, as an item needs it.
 class MenuExtraHost {
   public:
@@ -135,3 +162,13 @@ template <>
 MenuExtraHost* exchangeService<MenuExtraHost>(MenuExtraHost* service);
 
 } // namespace platform
+
+// The server's three operations under the names that the system gives them.
+
+/// Status 0 and a reference that is not 0 when the item is loaded.
+std::int32_t CoreMenuExtraGetMenuExtra(const std::string& identifier,
+                                       platform::MenuExtraReference* reference);
+std::int32_t CoreMenuExtraAddMenuExtra(const std::string& url, std::int32_t position, std::int32_t,
+                                       std::int32_t, std::int32_t, std::int32_t);
+std::int32_t CoreMenuExtraRemoveMenuExtra(platform::MenuExtraReference reference,
+                                          std::int32_t flags);

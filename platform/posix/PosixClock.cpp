@@ -6,8 +6,10 @@
 #include "platform/posix/Descriptor.h"
 
 #include <cerrno>
+#include <chrono>
 #include <cstring>
 #include <sys/timerfd.h>
+#include <thread>
 #include <utility>
 
 namespace platform::posix {
@@ -81,6 +83,10 @@ std::tm PosixClock::localTime(std::int64_t secondsSince1970) const {
     std::tm local{};
     localtime_r(&secondsSince1970, &local);
     return local;
+}
+
+void PosixClock::sleep(std::uint64_t microseconds) {
+    std::this_thread::sleep_for(std::chrono::microseconds(microseconds));
 }
 
 std::unique_ptr<Watch> PosixClock::tick(TickInterval interval, std::function<void()> handler) {

@@ -15,6 +15,7 @@ class PosixClock final : public Clock {
 
     std::int64_t now() const override;
     std::tm localTime(std::int64_t secondsSince1970) const override;
+    void sleep(std::uint64_t microseconds) override;
     std::unique_ptr<Watch> tick(TickInterval interval, std::function<void()> handler) override;
 
   private:

@@ -145,8 +145,15 @@ class FixedEvents final : public platform::EventSource {
 class ManualClock final : public platform::Clock {
   public:
     std::int64_t seconds = 0;
+    /// How long each sleep was to take, in microseconds; none of them takes any time.
+    std::vector<std::uint64_t> sleeps;
+    std::function<void()> duringSleep = [] {};
 
     std::int64_t now() const override { return seconds; }
+    void sleep(std::uint64_t microseconds) override {
+        sleeps.push_back(microseconds);
+        duringSleep();
+    }
     std::tm localTime(std::int64_t secondsSince1970) const override {
         std::tm time{};
         gmtime_r(&secondsSince1970, &time);
