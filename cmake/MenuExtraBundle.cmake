@@ -9,7 +9,8 @@
 #   [RESOURCES file...])
 #
 # Makes the bundle FOLDER/NAME.menu: Contents/Info.plist, Contents/Linux/NAME, Contents/Resources.
-# The bundle's folder is the target property MENU_EXTRA_BUNDLE.
+# The bundle's folder is the target property MENU_EXTRA_BUNDLE, the files in it but its code are
+# MENU_EXTRA_FILES.
 set(HALVEX_BUNDLE_TEMPLATE ${CMAKE_CURRENT_LIST_DIR}/MenuExtra-Info.plist.in)
 set(HALVEX_PLUGIN_EXPORTS ${CMAKE_CURRENT_LIST_DIR}/plugin-exports.map)
 
@@ -40,7 +41,11 @@ function(halvex_add_menu_extra name)
     MENU_EXTRA_BUNDLE ${bundle})
   configure_file(${extra_INFO_PLIST} ${bundle}/Contents/Info.plist @ONLY)
   file(MAKE_DIRECTORY ${bundle}/Contents/Resources)
+  set(files ${bundle}/Contents/Info.plist)
   foreach(resource IN LISTS extra_RESOURCES)
     configure_file(${resource} ${bundle}/Contents/Resources COPYONLY)
+    cmake_path(GET resource FILENAME file)
+    list(APPEND files ${bundle}/Contents/Resources/${file})
   endforeach()
+  set_target_properties(${name} PROPERTIES MENU_EXTRA_FILES "${files}")
 endfunction()
