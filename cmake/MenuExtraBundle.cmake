@@ -49,3 +49,15 @@ function(halvex_add_menu_extra name)
   endforeach()
   set_target_properties(${name} PROPERTIES MENU_EXTRA_FILES "${files}")
 endfunction()
+
+# halvex_install_bundle(BUNDLE FOLDER)
+# Installs a bundle's folder into FOLDER. The modes do not depend on the builder's umask: the bar
+# loads nothing that others could write.
+function(halvex_install_bundle bundle folder)
+  set(readable OWNER_READ OWNER_WRITE GROUP_READ WORLD_READ)
+  set(executable ${readable} OWNER_EXECUTE GROUP_EXECUTE WORLD_EXECUTE)
+  install(DIRECTORY ${bundle} DESTINATION ${folder}
+    FILE_PERMISSIONS ${readable}
+    DIRECTORY_PERMISSIONS ${executable}
+    REGEX "/Contents/Linux/[^/]+$" PERMISSIONS ${executable})
+endfunction()
