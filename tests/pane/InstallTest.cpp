@@ -45,6 +45,13 @@ TEST_F(Installation, HasProgramsLibrariesAndTheWholePaneInTheirPlaces) {
                 folderContents(HALVEX_PANE));
 }
 
+TEST_F(Installation, HasAProgramThatGivesTheUserTheInstalledPane) {
+    run("mkdir home; HOME=\"$PWD/home\" usr/local/bin/halvexctl --root . pane install");
+    EXPECT_EQ(status, 0) << output;
+    EXPECT_TRUE(folderContents(stage.path() / "home/Library/PreferencePanes") ==
+                folderContents(stage.path() / panes));
+}
+
 TEST_F(Installation, HasABarThatLoadsItemsFromThePaneAndFromAHomeFolder) {
     const std::string plugIns = panes + "/Halvex Pro.prefPane/Contents/PlugIns";
     run("mkdir -p 'home/Menu Extras' && cp -R '" + plugIns + "/" + kHalvexTimeExtraFile +

@@ -11,7 +11,6 @@
 using namespace test;
 using platform::Bundle;
 using platform::PropertyList;
-using testing::ElementsAre;
 using testing::Matches;
 using testing::MatchesRegex;
 namespace fs = std::filesystem;
