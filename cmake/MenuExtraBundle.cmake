@@ -30,6 +30,7 @@ function(halvex_add_menu_extra name)
 
   add_library(${name} MODULE ${extra_SOURCES})
   target_link_libraries(${name} PRIVATE HalvexTools)
+  # No run path: wherever the bundle lies, the host that loads it has libHalvexTools already.
   # Only the entry point is seen from outside; the classes stay the bundle's own.
   target_link_options(${name} PRIVATE LINKER:--version-script=${HALVEX_PLUGIN_EXPORTS})
   set_target_properties(${name} PROPERTIES
