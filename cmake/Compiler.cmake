@@ -35,6 +35,8 @@ endif()
 set(HALVEX_LIBRARY_FOLDER lib)
 set(HALVEX_PRIVATE_FOLDER lib/halvex)
 set(HALVEX_OWN_ITEMS_FOLDER ${HALVEX_PRIVATE_FOLDER}/MenuExtras)
+set(HALVEX_PANES_FOLDER /Library/PreferencePanes CACHE PATH
+    "Where the preference pane is installed; the library looks for it in /Library/PreferencePanes")
 set(CMAKE_RUNTIME_OUTPUT_DIRECTORY ${PROJECT_BINARY_DIR}/bin)
 set(CMAKE_LIBRARY_OUTPUT_DIRECTORY ${PROJECT_BINARY_DIR}/${HALVEX_LIBRARY_FOLDER})
 set(CMAKE_INSTALL_RPATH "$ORIGIN/../${HALVEX_LIBRARY_FOLDER}")

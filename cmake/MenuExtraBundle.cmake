@@ -9,7 +9,8 @@
 #   [RESOURCES file...])
 #
 # Makes the bundle FOLDER/NAME.menu: Contents/Info.plist, Contents/Linux/NAME, Contents/Resources.
-# The bundle's folder is the target property MENU_EXTRA_BUNDLE.
+# The bundle's folder is the target property MENU_EXTRA_BUNDLE, the files in it but its code are
+# MENU_EXTRA_FILES.
 set(HALVEX_BUNDLE_TEMPLATE ${CMAKE_CURRENT_LIST_DIR}/MenuExtra-Info.plist.in)
 set(HALVEX_PLUGIN_EXPORTS ${CMAKE_CURRENT_LIST_DIR}/plugin-exports.map)
 
@@ -29,6 +30,7 @@ function(halvex_add_menu_extra name)
 
   add_library(${name} MODULE ${extra_SOURCES})
   target_link_libraries(${name} PRIVATE HalvexTools)
+  # No run path: wherever the bundle lies, the host that loads it has libHalvexTools already.
   # Only the entry point is seen from outside; the classes stay the bundle's own.
   target_link_options(${name} PRIVATE LINKER:--version-script=${HALVEX_PLUGIN_EXPORTS})
   set_target_properties(${name} PROPERTIES
@@ -40,7 +42,23 @@ function(halvex_add_menu_extra name)
     MENU_EXTRA_BUNDLE ${bundle})
   configure_file(${extra_INFO_PLIST} ${bundle}/Contents/Info.plist @ONLY)
   file(MAKE_DIRECTORY ${bundle}/Contents/Resources)
+  set(files ${bundle}/Contents/Info.plist)
   foreach(resource IN LISTS extra_RESOURCES)
     configure_file(${resource} ${bundle}/Contents/Resources COPYONLY)
+    cmake_path(GET resource FILENAME file)
+    list(APPEND files ${bundle}/Contents/Resources/${file})
   endforeach()
+  set_target_properties(${name} PROPERTIES MENU_EXTRA_FILES "${files}")
+endfunction()
+
+# halvex_install_bundle(BUNDLE FOLDER)
+# Installs a bundle's folder into FOLDER. The modes do not depend on the builder's umask: the bar
+# loads nothing that others could write.
+function(halvex_install_bundle bundle folder)
+  set(readable OWNER_READ OWNER_WRITE GROUP_READ WORLD_READ)
+  set(executable ${readable} OWNER_EXECUTE GROUP_EXECUTE WORLD_EXECUTE)
+  install(DIRECTORY ${bundle} DESTINATION ${folder}
+    FILE_PERMISSIONS ${readable}
+    DIRECTORY_PERMISSIONS ${executable}
+    REGEX "/Contents/Linux/[^/]+$" PERMISSIONS ${executable})
 endfunction()

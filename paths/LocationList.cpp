@@ -1,4 +1,5 @@
 #include "menuextras/ExportedIdentifiers.h"
+#include "menuextras/PreferencePane.h"
 #include "paths/LocationRecords.h"
 #include "paths/ovxPaths.h"
 #include "platform/Bundle.h"
@@ -9,7 +10,6 @@
 #include <utility>
 
 using platform::appendingPathComponent;
-using platform::Bundle;
 using platform::fileManager;
 using platform::logLine;
 using platform::propertyLists;
@@ -34,17 +34,15 @@ void moveFromOldPlaces(const std::string& firstOld, const std::string& secondOld
         logLine("Moved Locations from Path = %@ to %@", firstOld, secondOld);
 }
 
-std::shared_ptr<Bundle> preferencePane() {
-    if (auto loaded = Bundle::bundleWithIdentifier(HalvexPrefsBundleID))
+std::shared_ptr<platform::Bundle> preferencePaneOrLine() {
+    if (auto loaded = loadedPreferencePane())
         return loaded;
     logLine("LocationList  thisBundle nil");
-    if (auto everybodys = Bundle::bundleWithPath(HalvexProPrefsAllUsers))
-        return everybodys;
-    return Bundle::bundleWithPath(platform::expandingTildeInPath(HalvexProPrefsAUser));
+    return installedPreferencePane();
 }
 
 std::optional<Array> defaultList() {
-    const auto pane = preferencePane();
+    const auto pane = preferencePaneOrLine();
     const auto resource = pane ? pane->pathForResource("LocationsConfig", "plist") : std::nullopt;
     if (!resource) {
         logLine("bug -- missing 'LocationsConfig.plist' in bundle %@",

@@ -1,9 +1,12 @@
 #include "platform/Bundle.h"
 
+#include "platform/DynamicLoader.h"
 #include "platform/FileManager.h"
 #include "platform/PathStrings.h"
 
 #include <algorithm>
+#include <functional>
+#include <map>
 #include <mutex>
 #include <utility>
 #include <vector>
@@ -15,6 +18,27 @@ struct LoadedBundles {
     std::mutex mutex;
     std::vector<std::shared_ptr<Bundle>> bundles; ///< in the order of loading
 };
+
+/// What was last opened at each path.
+struct OpenedBundles {
+    std::mutex mutex;
+    std::map<std::string, std::shared_ptr<Bundle>, std::less<>> bundles;
+
+    void remember(const std::string& path, const std::shared_ptr<Bundle>& bundle) {
+        const std::lock_guard lock(mutex);
+        bundles.insert_or_assign(path, bundle);
+    }
+    std::shared_ptr<Bundle> find(const std::string& path) {
+        const std::lock_guard lock(mutex);
+        const auto found = bundles.find(path);
+        return found == bundles.end() ? nullptr : found->second;
+    }
+};
+
+OpenedBundles& openedBundles() {
+    static OpenedBundles opened;
+    return opened;
+}
 
 LoadedBundles& loadedBundles() {
     static LoadedBundles loaded;
@@ -36,10 +60,12 @@ std::string describe(const PropertyListError& error) {
 
 std::shared_ptr<Bundle> Bundle::bundleWithPath(const std::string& path, std::string* reason) {
     bool isDirectory = false;
-    if (!fileManager().fileExists(path, &isDirectory) || !isDirectory) {
+    const bool exists = fileManager().fileExists(path, &isDirectory);
+    const std::string key = appendingPathComponent(path, {});
+    if (!isDirectory) {
         if (reason)
             *reason = "there is no such folder";
-        return nullptr;
+        return exists ? nullptr : openedBundles().find(key);
     }
     std::optional<PropertyList::Dictionary> info;
     auto result = propertyLists().read(contents(path, "Info.plist"));
@@ -47,7 +73,9 @@ std::shared_ptr<Bundle> Bundle::bundleWithPath(const std::string& path, std::str
         info = std::move(*dictionary);
     else if (reason)
         *reason = "Info.plist: " + (result ? "no dictionary" : describe(result.error));
-    return std::make_shared<Bundle>(path, std::move(info));
+    auto bundle = std::make_shared<Bundle>(path, std::move(info));
+    openedBundles().remember(key, bundle);
+    return bundle;
 }
 
 std::shared_ptr<Bundle> Bundle::bundleWithIdentifier(std::string_view identifier) {
@@ -87,6 +115,11 @@ std::optional<std::string> Bundle::executablePath() const {
     if (!ownFile)
         return std::nullopt;
     return contents(path_, "Linux/" + *name);
+}
+
+std::vector<int> Bundle::executableArchitectures() const {
+    const auto executable = executablePath();
+    return executable ? dynamicLoader().executableArchitectures(*executable) : std::vector<int>();
 }
 
 std::string Bundle::builtInPlugInsPath() const {

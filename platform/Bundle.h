@@ -6,6 +6,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace platform {
 
@@ -14,9 +15,12 @@ namespace platform {
 /// any thread.
 class Bundle {
   public:
-    /// Opens the bundle in a folder. Gives null when there is no folder at @p path. A folder whose
-    /// Info.plist is missing or no dictionary is a bundle without an information dictionary; why
-    /// is then written to @p reason when that is not null. Nothing is logged.
+    /// Opens the bundle in a folder, as it is now. A folder whose Info.plist is missing or no
+    /// dictionary is a bundle without an information dictionary; why is then written to @p reason
+    /// when that is not null. Where nothing is any more, it gives what was last opened at this
+    /// path in this process: who means to use the bundle's files looks for them. Null when nothing
+    /// ever was, and when what is there is no folder; why is written to @p reason in each of these
+    /// cases. Nothing is logged.
     static std::shared_ptr<Bundle> bundleWithPath(const std::string& path,
                                                   std::string* reason = nullptr);
 
@@ -40,6 +44,9 @@ class Bundle {
     /// Where the code is; nothing when CFBundleExecutable does not name a file of the bundle's own
     /// folder for code. Whether the file exists is not looked at.
     std::optional<std::string> executablePath() const;
+    /// The processors that the code is for, as DynamicLoader numbers them; empty when there is no
+    /// code.
+    std::vector<int> executableArchitectures() const;
     /// Contents/PlugIns.
     std::string builtInPlugInsPath() const;
     /// The file "name.type" in Contents/Resources; nothing when it is not there.

@@ -36,6 +36,13 @@ class DynamicLoader {
     /// The number of the processor that this process runs on.
     virtual int hostArchitecture() const = 0;
 
+    /// Whether load would succeed, asked without loading anything into this process and without
+    /// running anything of the file or of what it needs; if not @p reason is the system's own text.
+    /// Finds a file that is missing, cut off, for another processor or no shared object, needed
+    /// libraries and versions that are missing, and symbols that nobody defines. Does not find what
+    /// only running shows, and takes symbols that this program alone defines for missing. Takes a
+    /// process of the system's and some milliseconds, at most 5 s.
+    virtual bool preflight(const std::string& path, std::string& reason) const = 0;
     /// Loads a shared object with its symbols to itself. Gives null, and why, when it is for
     /// another processor, cut off, or refused by the loader. Runs the code's initialisers.
     virtual std::unique_ptr<LoadedCode> load(const std::string& path, std::string& reason) = 0;

@@ -114,6 +114,18 @@ class FileManager {
     virtual bool createSymbolicLink(const std::string& path, const std::string& target) = 0;
     /// Removes a file or a symbolic link. False for a folder.
     virtual bool removeFile(const std::string& path) = 0;
+    /// Removes a file, a symbolic link, or a folder with everything in it; what links in it point
+    /// to stays. A folder in which something cannot be removed for want of permission is left
+    /// whole. It goes from @p path in one step; a process killed after that leaves the rest beside
+    /// it under a hidden name, and the next removal of the same folder takes it along.
+    virtual bool removeItem(const std::string& path) = 0;
+    /// Copies a file, a symbolic link, or a folder with everything in it, all of it flushed to the
+    /// disk before it appears at @p to in one step. Permissions and times stay; the copy belongs to
+    /// the user, so its mode loses the set-user and set-group bits. Symbolic links are copied as
+    /// links, wherever they lead. False when there is a pipe or a device in it, or when @p to lies
+    /// in @p from. On failure nothing is left; what a copier that was killed left beside @p to the
+    /// next one removes. Of two copiers at once one succeeds.
+    virtual bool copyItem(const std::string& from, const std::string& to) = 0;
     /// Moves a file or a symbolic link, also to another file system: there a copy, flushed to the
     /// disk, with its mode, times and, where that is permitted, its owner, is in place before the
     /// old one is removed. A folder is moved within its file system only. On failure what was at

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -29,5 +30,19 @@ std::string appendingPathExtension(std::string_view path, std::string_view exten
 /// A leading "~" replaced by the user's home folder, a leading "~name" by the home folder of that
 /// account. Any other path, also that of an account that does not exist, comes back as it is.
 std::string expandingTildeInPath(std::string_view path);
+
+/// @p path as it stands in a URL: every byte but letters, digits and "-_.~/" as a percent sign and
+/// two digits.
+std::string percentEncodedPath(std::string_view path);
+
+/// The file URL of an absolute path, percent-encoded; nothing for any other path.
+std::optional<std::string> fileURLWithPath(std::string_view path);
+
+/// Whether @p url is a URL with the scheme "file", in whatever case.
+bool isFileURL(std::string_view url);
+
+/// The path that a file URL of this machine names; nothing for any other URL, and for one whose
+/// percent-encoding is none or hides a null byte.
+std::optional<std::string> pathOfFileURL(std::string_view url);
 
 } // namespace platform

@@ -1,11 +1,12 @@
 #include "platform/Workspace.h"
 
 #include "platform/ServiceSlot.h"
+#include "platform/posix/Defaults.h"
 
 namespace platform {
 namespace {
 
-constinit ServiceSlot<Workspace> slot{"Workspace"};
+constinit ServiceSlot<Workspace> slot{"Workspace", posix::defaultWorkspace};
 
 } // namespace
 

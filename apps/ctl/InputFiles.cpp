@@ -13,6 +13,13 @@ std::string absolutePath(const std::string& path) {
     return error ? path : absolute;
 }
 
+bool samePlace(const std::string& first, const std::string& second) {
+    std::error_code ignored;
+    return std::filesystem::path(absolutePath(first)).lexically_normal() ==
+               std::filesystem::path(absolutePath(second)).lexically_normal() ||
+           std::filesystem::equivalent(first, second, ignored);
+}
+
 std::optional<PropertyList> readPropertyList(const std::string& path) {
     platform::PropertyListResult result = platform::propertyLists().read(absolutePath(path));
     if (result)

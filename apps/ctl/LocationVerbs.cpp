@@ -7,7 +7,6 @@
 #include "platform/PathStrings.h"
 #include "platform/posix/HomeFolders.h"
 
-#include <filesystem>
 #include <memory>
 #include <string>
 
@@ -49,13 +48,6 @@ ExitStatus merge(const Options& options) {
     if (!cached)
         return ExitStatus::Refused;
     return print(mergeRecords(std::move(*list), std::move(*cached)).records, Format::Xml);
-}
-
-bool samePlace(const std::string& first, const std::string& second) {
-    std::error_code ignored;
-    return std::filesystem::path(absolutePath(first)).lexically_normal() ==
-               std::filesystem::path(absolutePath(second)).lexically_normal() ||
-           std::filesystem::equivalent(first, second, ignored);
 }
 
 ExitStatus split(const Options& options) {

@@ -15,6 +15,7 @@ using Action = std::function<ExitStatus()>;
 void addPathVerbs(CLI::App& commands, Action& chosen);     ///< paths, themes, pictures, frames
 void addLocationVerbs(CLI::App& commands, Action& chosen); ///< locations
 void addWarningVerbs(CLI::App& commands, Action& chosen);  ///< warnings
+void addPaneVerbs(CLI::App& commands, Action& chosen);     ///< pane
 void addPlistVerb(CLI::App& commands, Action& chosen);     ///< plist
 
 /// Gives @p verb the flag --json.

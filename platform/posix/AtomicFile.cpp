@@ -1,27 +1,24 @@
 #include "platform/posix/AtomicFile.h"
 
 #include "platform/Log.h"
+#include "platform/posix/CopyBytes.h"
 #include "platform/posix/Descriptor.h"
+#include "platform/posix/Folder.h"
+#include "platform/posix/TemporaryName.h"
 
 #include <array>
 #include <cerrno>
-#include <charconv>
-#include <cstdint>
 #include <cstring>
-#include <dirent.h>
 #include <fcntl.h>
 #include <limits.h>
-#include <memory>
 #include <optional>
 #include <sys/file.h>
-#include <sys/random.h>
 #include <sys/stat.h>
 
 namespace platform::posix {
 namespace {
 
 constexpr int kMaximumLinks = 40;
-constexpr int kMaximumAttempts = 16;
 
 struct Place {
     std::string folder;
@@ -55,20 +52,6 @@ std::optional<Place> finalPlace(std::string path) {
     return std::nullopt;
 }
 
-std::string hexadecimal(std::uint64_t number) {
-    std::array<char, 16> digits{};
-    const auto end = std::to_chars(digits.data(), digits.data() + digits.size(), number, 16).ptr;
-    return {digits.data(), end};
-}
-
-/// Names may be as long as a folder takes, so a hash (FNV-1a) of it stands in our names.
-std::string temporaryPrefix(std::string_view name) {
-    std::uint64_t hash = 0xcbf2'9ce4'8422'2325;
-    for (const char character : name)
-        hash = (hash ^ static_cast<unsigned char>(character)) * 0x100'0000'01b3;
-    return ".halvex-save-" + hexadecimal(hash) + "-";
-}
-
 bool isLinked(int file) {
     struct stat status {};
     return ::fstat(file, &status) == 0 && status.st_nlink > 0;
@@ -76,19 +59,13 @@ bool isLinked(int file) {
 
 /// Removes what writers that are gone have left for the file with this prefix.
 void removeLeftovers(int folder, const std::string& prefix) {
-    Descriptor listing(::openat(folder, ".", O_RDONLY | O_DIRECTORY | O_CLOEXEC));
-    const std::unique_ptr<DIR, int (*)(DIR*)> entries(::fdopendir(listing.get()), ::closedir);
-    if (!entries)
-        return;
-    listing.release();
-    while (const dirent* entry = ::readdir(entries.get())) {
-        const char* name = entry->d_name;
-        if (!std::string_view(name).starts_with(prefix))
+    for (const std::string& name : namesIn(folder).value_or(std::vector<std::string>())) {
+        if (!name.starts_with(prefix))
             continue;
         const Descriptor file(
-            ::openat(folder, name, O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC));
+            ::openat(folder, name.c_str(), O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC));
         if (file && ::flock(file.get(), LOCK_EX | LOCK_NB) == 0)
-            ::unlinkat(folder, name, 0);
+            ::unlinkat(folder, name.c_str(), 0);
     }
 }
 
@@ -106,7 +83,7 @@ class TemporaryFile {
 
     explicit operator bool() const { return static_cast<bool>(file_); }
     bool takeOver(const struct stat& old);
-    bool write(std::string_view bytes);
+    bool write(std::string_view bytes) { return writeAll(file_.get(), bytes, calls_); }
     bool flush() { return calls_.flush(file_.get()) == 0; }
     bool replace(const std::string& name) {
         renamed_ = calls_.rename(folder_, name_, name) == 0;
@@ -124,10 +101,10 @@ class TemporaryFile {
 TemporaryFile::TemporaryFile(int folder, const std::string& prefix, mode_t mode, SystemCalls& calls)
     : folder_(folder), calls_(calls) {
     for (int attempt = 0; attempt < kMaximumAttempts; ++attempt) {
-        std::uint64_t random = 0;
-        if (::getrandom(&random, sizeof(random), 0) != ssize_t{sizeof(random)})
+        const auto name = temporaryName(prefix);
+        if (!name)
             return;
-        name_ = prefix + hexadecimal(random);
+        name_ = *name;
         Descriptor file(calls.openAt(folder, name_, O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, mode));
         if (!file && errno != EEXIST)
             return;
@@ -158,16 +135,6 @@ bool TemporaryFile::takeOver(const struct stat& old) {
     return calls_.setMode(file_.get(), old.st_mode & 0777U) == 0;
 }
 
-bool TemporaryFile::write(std::string_view bytes) {
-    while (!bytes.empty()) {
-        const ssize_t count = calls_.write(file_.get(), bytes.data(), bytes.size());
-        if (count <= 0)
-            return false;
-        bytes.remove_prefix(static_cast<std::size_t>(count));
-    }
-    return true;
-}
-
 } // namespace
 
 bool writeFileAtomically(const std::string& path, std::string_view bytes, SystemCalls& calls) {
@@ -183,7 +150,7 @@ bool writeFileAtomically(const std::string& path, std::string_view bytes, System
     if (exists ? !S_ISREG(old.st_mode) : errno != ENOENT)
         return false;
 
-    const std::string prefix = temporaryPrefix(place->name);
+    const std::string prefix = temporaryPrefix("save", place->name);
     removeLeftovers(folder.get(), prefix);
     TemporaryFile file(folder.get(), prefix, exists ? 0600 : 0666, calls);
     if (!file || (exists && !file.takeOver(old)) || !file.write(bytes) || !file.flush() ||

@@ -5,6 +5,7 @@ class Clock;
 class DynamicLoader;
 class FileManager;
 class Log;
+class Workspace;
 } // namespace platform
 
 /// The services that libc alone can give. Each answers until a host installs another one; only the
@@ -15,5 +16,6 @@ Clock& defaultClock();
 DynamicLoader& defaultDynamicLoader();
 FileManager& defaultFileManager();
 Log& defaultLog();
+Workspace& defaultWorkspace();
 
 } // namespace platform::posix

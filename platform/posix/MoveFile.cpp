@@ -1,32 +1,21 @@
 #include "platform/posix/MoveFile.h"
 
 #include "platform/PathStrings.h"
+#include "platform/posix/CopyBytes.h"
 #include "platform/posix/Descriptor.h"
 
 #include <array>
 #include <cerrno>
-#include <cstdio>
 #include <cstdlib>
 #include <fcntl.h>
 #include <limits.h>
-#include <string_view>
 #include <sys/stat.h>
-#include <vector>
 
 namespace platform::posix {
 namespace {
 
-constexpr std::size_t kPieceBytes = std::size_t{1} << 16;
-
 bool renameWithoutReplacing(const std::string& from, const std::string& to) {
-    if (::renameat2(AT_FDCWD, from.c_str(), AT_FDCWD, to.c_str(), RENAME_NOREPLACE) == 0)
-        return true;
-    if (errno != EINVAL && errno != ENOSYS)
-        return false;
-    // Some file systems cannot refuse by themselves.
-    struct stat status {};
-    return ::lstat(to.c_str(), &status) != 0 && errno == ENOENT &&
-           ::rename(from.c_str(), to.c_str()) == 0;
+    return systemCalls().renameWithoutReplacing(AT_FDCWD, from, AT_FDCWD, to) == 0;
 }
 
 /// A new file in the folder of another one, removed with this unless it has taken that one's place.
@@ -44,43 +33,16 @@ class Copy {
     Copy& operator=(const Copy&) = delete;
 
     explicit operator bool() const { return static_cast<bool>(file_); }
-    bool takeBytes(int source);
+    bool takeBytes(int source) { return copyBytes(source, file_.get(), systemCalls()); }
     bool takeAttributes(const struct stat& source);
     bool moveTo(const std::string& destination);
 
   private:
-    bool write(std::string_view bytes);
-
     std::string folder_;
     std::string path_;
     Descriptor file_;
     bool inPlace_ = false;
 };
-
-bool Copy::takeBytes(int source) {
-    std::vector<char> buffer(kPieceBytes);
-    for (;;) {
-        const ssize_t count = ::read(source, buffer.data(), buffer.size());
-        if (count == 0)
-            return true;
-        if (count < 0 && errno == EINTR)
-            continue;
-        if (count < 0 || !write({buffer.data(), static_cast<std::size_t>(count)}))
-            return false;
-    }
-}
-
-bool Copy::write(std::string_view bytes) {
-    while (!bytes.empty()) {
-        const ssize_t count = ::write(file_.get(), bytes.data(), bytes.size());
-        if (count < 0 && errno == EINTR)
-            continue;
-        if (count <= 0)
-            return false;
-        bytes.remove_prefix(static_cast<std::size_t>(count));
-    }
-    return true;
-}
 
 bool Copy::takeAttributes(const struct stat& source) {
     // With another owner the mode grants nothing special.

@@ -1,8 +1,10 @@
 #include "platform/DynamicLoader.h"
 #include "platform/posix/Defaults.h"
 #include "platform/posix/ElfFile.h"
+#include "platform/posix/Preflight.h"
 
 #include <dlfcn.h>
+#include <sys/stat.h>
 
 namespace platform::posix {
 namespace {
@@ -32,6 +34,19 @@ class PosixDynamicLoader final : public DynamicLoader {
             return self ? self->architecture : 0;
         }();
         return architecture;
+    }
+
+    bool preflight(const std::string& path, std::string& reason) const override {
+        // Opening some devices does something, and a pipe would be waited for.
+        struct stat status {};
+        const bool isSomethingElse = ::stat(path.c_str(), &status) == 0 && !S_ISREG(status.st_mode);
+        reason = isSomethingElse ? reasonAgainst(path) : askLoader(path);
+        // The loader trusts the header about how long the file is, or dies finding out.
+        const auto file = ElfFile::read(path);
+        if (file && file->architecture == hostArchitecture() &&
+            (!file->isSharedObject || !file->isComplete))
+            reason = reasonAgainst(path);
+        return reason.empty();
     }
 
     std::unique_ptr<LoadedCode> load(const std::string& path, std::string& reason) override {

@@ -2,16 +2,18 @@
 
 #include "platform/PathStrings.h"
 #include "platform/posix/AtomicFile.h"
+#include "platform/posix/CopyTree.h"
 #include "platform/posix/Defaults.h"
 #include "platform/posix/Descriptor.h"
+#include "platform/posix/Folder.h"
 #include "platform/posix/InotifyFileWatch.h"
 #include "platform/posix/MoveFile.h"
+#include "platform/posix/RemoveTree.h"
 
 #include <array>
 #include <cerrno>
 #include <cstdlib>
 #include <cstring>
-#include <dirent.h>
 #include <fcntl.h>
 #include <pwd.h>
 #include <sys/stat.h>
@@ -151,18 +153,10 @@ std::string PosixFileManager::resolvingSymbolicLinks(const std::string& path) co
 std::optional<std::vector<std::string>>
 PosixFileManager::contentsOfDirectory(const std::string& path) const {
     const auto place = systemPath(path);
-    const std::unique_ptr<DIR, int (*)(DIR*)> folder(place ? ::opendir(place->c_str()) : nullptr,
-                                                     ::closedir);
-    if (!folder)
+    if (!place)
         return std::nullopt;
-    std::vector<std::string> names;
-    errno = 0;
-    while (const dirent* entry = ::readdir(folder.get())) {
-        const std::string_view name = entry->d_name;
-        if (name != "." && name != "..")
-            names.emplace_back(name);
-    }
-    return errno == 0 ? std::optional(std::move(names)) : std::nullopt;
+    const Descriptor folder(::open(place->c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+    return folder ? namesIn(folder.get()) : std::nullopt;
 }
 
 OpenFileResult PosixFileManager::openFile(const std::string& path) const {
@@ -214,6 +208,17 @@ bool PosixFileManager::createSymbolicLink(const std::string& path, const std::st
 bool PosixFileManager::removeFile(const std::string& path) {
     const auto place = systemPath(path);
     return place && ::unlink(place->c_str()) == 0;
+}
+
+bool PosixFileManager::removeItem(const std::string& path) {
+    const auto place = systemPath(path);
+    return place && posix::removeItem(*place);
+}
+
+bool PosixFileManager::copyItem(const std::string& from, const std::string& to) {
+    const auto source = systemPath(from);
+    const auto destination = systemPath(to);
+    return source && destination && posix::copyItem(*source, *destination, calls_);
 }
 
 bool PosixFileManager::moveFile(const std::string& from, const std::string& to) {

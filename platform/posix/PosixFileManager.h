@@ -25,6 +25,8 @@ class PosixFileManager : public FileManager {
     bool createDirectory(const std::string& path) override;
     bool createSymbolicLink(const std::string& path, const std::string& target) override;
     bool removeFile(const std::string& path) override;
+    bool removeItem(const std::string& path) override;
+    bool copyItem(const std::string& from, const std::string& to) override;
     bool moveFile(const std::string& from, const std::string& to) override;
     std::unique_ptr<FileWatch> watchFile(const std::string& path,
                                          std::function<void()> handler) override;

@@ -41,8 +41,30 @@ int SystemCalls::flush(int file) {
     return resumed([&] { return ::fsync(file); });
 }
 
+int SystemCalls::makeFolder(int folder, const std::string& name, mode_t mode) {
+    return ::mkdirat(folder, name.c_str(), mode);
+}
+
+int SystemCalls::makeLink(const std::string& target, int folder, const std::string& name) {
+    return ::symlinkat(target.c_str(), folder, name.c_str());
+}
+
 int SystemCalls::rename(int folder, const std::string& from, const std::string& to) {
     return ::renameat(folder, from.c_str(), folder, to.c_str());
+}
+
+int SystemCalls::renameWithoutReplacing(int fromFolder, const std::string& from, int toFolder,
+                                        const std::string& to) {
+    const int result =
+        ::renameat2(fromFolder, from.c_str(), toFolder, to.c_str(), RENAME_NOREPLACE);
+    if (result == 0 || (errno != EINVAL && errno != ENOSYS))
+        return result;
+    struct stat status {};
+    if (::fstatat(toFolder, to.c_str(), &status, AT_SYMLINK_NOFOLLOW) == 0)
+        errno = EEXIST;
+    else if (errno == ENOENT)
+        return ::renameat(fromFolder, from.c_str(), toFolder, to.c_str());
+    return -1;
 }
 
 SystemCalls& systemCalls() {

@@ -20,7 +20,13 @@ class SystemCalls {
     virtual ssize_t write(int file, const char* bytes, std::size_t size);
     virtual int setMode(int file, mode_t mode);
     virtual int flush(int file);
+    virtual int makeFolder(int folder, const std::string& name, mode_t mode);
+    virtual int makeLink(const std::string& target, int folder, const std::string& name);
     virtual int rename(int folder, const std::string& from, const std::string& to);
+    /// Fails with EEXIST when there is something at @p to. A file system that cannot refuse by
+    /// itself is asked before.
+    virtual int renameWithoutReplacing(int fromFolder, const std::string& from, int toFolder,
+                                       const std::string& to);
 };
 
 /// The system's own.

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "platform/Workspace.h"
+#include "platform/posix/Trash.h"
 
 namespace platform::qt {
 
@@ -11,6 +12,7 @@ class QtWorkspace final : public Workspace {
     /// it opens the folder that the file is in.
     bool selectFile(const std::string& path, const std::string& rootPath) override;
     bool openFile(const std::string& path) override;
+    bool recycle(const std::string& path) override { return posix::moveToTrash(path); }
 };
 
 } // namespace platform::qt

@@ -12,11 +12,26 @@ namespace {
 
 TEST(CommandLine, HelpOfEveryVerbIsAResult) {
     const Ctl ctl;
-    for (const std::string verb :
-         {"", " paths", " themes", " pictures", " frames", " locations", " locations show",
-          " locations merge", " locations split", " locations save", " locations cache",
-          " locations cache exists", " locations cache remove", " warnings", " warnings has-custom",
-          " plist"}) {
+    for (const std::string verb : {"",
+                                   " paths",
+                                   " themes",
+                                   " pictures",
+                                   " frames",
+                                   " locations",
+                                   " locations show",
+                                   " locations merge",
+                                   " locations split",
+                                   " locations save",
+                                   " locations cache",
+                                   " locations cache exists",
+                                   " locations cache remove",
+                                   " warnings",
+                                   " warnings has-custom",
+                                   " pane",
+                                   " pane path",
+                                   " pane install",
+                                   " pane uninstall",
+                                   " plist"}) {
         const Outcome outcome = ctl.run("halvexctl" + verb + " --help");
         EXPECT_EQ(outcome.status, 0);
         EXPECT_THAT(outcome.output, HasSubstr("Usage: halvexctl" + verb + " [OPTIONS]"));
@@ -39,6 +54,8 @@ TEST(CommandLine, WrongUsageIsExplainedAndDoesNothing) {
         {"locations cache", "A verb is required"},
         {"warnings --json", "NAME is required"},
         {"warnings has-custom", "NAME is required"},
+        {"pane", "A verb is required"},
+        {"pane install one another", "not expected: another"},
         {"plist", "FILE is required"},
         {"--root nowhere paths", "--root: "},
     };

@@ -107,6 +107,8 @@ class RecordingWorkspace final : public platform::Workspace {
   public:
     std::vector<std::string> selected; ///< path, a bar, root path
     std::vector<std::string> opened;
+    std::vector<std::string> recycled;
+    bool recycles = true; ///< what recycling answers
 
     bool selectFile(const std::string& path, const std::string& rootPath) override {
         selected.push_back(path + '|' + rootPath);
@@ -116,9 +118,52 @@ class RecordingWorkspace final : public platform::Workspace {
         opened.push_back(path);
         return true;
     }
+    bool recycle(const std::string& path) override {
+        recycled.push_back(path);
+        return recycles;
+    }
 
   private:
     platform::ScopedService<platform::Workspace> service_{*this};
+};
+
+/// A menu bar that keeps the requests to load and to unload, and has the items that the test says.
+class RecordingMenuBar final : public platform::MenuExtraServer {
+  public:
+    std::vector<std::string> loaded; ///< identifiers
+    /// "add <url> <position> <the four numbers>", "remove <identifier> <flags>"
+    std::vector<std::string> requests;
+    std::vector<std::string> asked; ///< identifiers, once for each time
+    /// What follows a request to load, and the status that it is answered with.
+    std::function<std::int32_t(const std::string& url)> onAdd = [](const auto&) { return 0; };
+
+    std::int32_t getMenuExtra(const std::string& identifier,
+                              platform::MenuExtraReference& reference) override {
+        asked.push_back(identifier);
+        const auto found = std::find(loaded.begin(), loaded.end(), identifier);
+        if (found == loaded.end())
+            return static_cast<std::int32_t>(platform::MenuExtraStatus::NotLoaded);
+        reference = static_cast<platform::MenuExtraReference>(found - loaded.begin()) + 1;
+        return 0;
+    }
+    std::int32_t addMenuExtra(const std::string& url, std::int32_t position, std::int32_t first,
+                              std::int32_t second, std::int32_t third,
+                              std::int32_t fourth) override {
+        requests.push_back("add " + url);
+        for (const std::int32_t number : {position, first, second, third, fourth})
+            requests.back() += ' ' + std::to_string(number);
+        return onAdd(url);
+    }
+    std::int32_t removeMenuExtra(platform::MenuExtraReference reference,
+                                 std::int32_t flags) override {
+        const auto item = loaded.begin() + static_cast<std::ptrdiff_t>(reference) - 1;
+        requests.push_back("remove " + *item + ' ' + std::to_string(flags));
+        loaded.erase(item);
+        return 0;
+    }
+
+  private:
+    platform::ScopedService<platform::MenuExtraServer> service_{*this};
 };
 
 class RecordingPasteboard final : public platform::Pasteboard {

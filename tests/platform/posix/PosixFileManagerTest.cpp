@@ -1,5 +1,6 @@
 #include "platform/posix/PosixFileManager.h"
 
+#include "tests/support/FailingCalls.h"
 #include "tests/support/RecordingLog.h"
 #include "tests/support/ScopedEnvironment.h"
 #include "tests/support/TemporaryFolder.h"
@@ -28,44 +29,8 @@ namespace {
 namespace fs = std::filesystem;
 using platform::posix::PosixFileManager;
 using platform::posix::SystemCalls;
+using test::FailingCalls;
 using testing::HasSubstr;
-
-/// Fails its call number @p first, or that and all later ones, with @p error. Writes are short.
-class FailingCalls final : public SystemCalls {
-  public:
-    enum class Times { Once, ForGood };
-    FailingCalls(int first, int error, Times times) : left_(first), error_(error), times_(times) {}
-
-    bool failed() const { return left_ <= 0; }
-
-    int open(const std::string& path, int flags, mode_t mode) override {
-        return fails() ? -1 : SystemCalls::open(path, flags, mode);
-    }
-    int openAt(int folder, const std::string& name, int flags, mode_t mode) override {
-        return fails() ? -1 : SystemCalls::openAt(folder, name, flags, mode);
-    }
-    ssize_t write(int file, const char* bytes, std::size_t size) override {
-        return fails() ? -1 : SystemCalls::write(file, bytes, (size + 1) / 2);
-    }
-    int setMode(int file, mode_t mode) override {
-        return fails() ? -1 : SystemCalls::setMode(file, mode);
-    }
-    int flush(int file) override { return fails() ? -1 : SystemCalls::flush(file); }
-    int rename(int folder, const std::string& from, const std::string& to) override {
-        return fails() ? -1 : SystemCalls::rename(folder, from, to);
-    }
-
-  private:
-    bool fails() {
-        --left_;
-        errno = error_;
-        return times_ == Times::Once ? left_ == 0 : left_ <= 0;
-    }
-
-    int left_;
-    int error_;
-    Times times_;
-};
 
 class PosixFileManagerTest : public testing::Test {
   protected:

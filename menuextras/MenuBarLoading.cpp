@@ -1,0 +1,205 @@
+#include "menuextras/ExportedIdentifiers.h"
+#include "menuextras/MenuExtraCatalogue.h"
+#include "menuextras/MenuExtraTools.h"
+#include "platform/Bundle.h"
+#include "platform/Clock.h"
+#include "platform/DynamicLoader.h"
+#include "platform/Exception.h"
+#include "platform/Log.h"
+#include "platform/MenuExtraHost.h"
+#include "platform/PathStrings.h"
+
+#include <algorithm>
+#include <cxxabi.h>
+#include <exception>
+
+using menuextras::MenuExtraKind;
+using platform::appendingPathComponent;
+using platform::logLine;
+
+namespace {
+
+constexpr const char* kSystemClockID = "com.apple.menuextra.clock";
+constexpr const char* kMenuCrackerID = "net.sourceforge.menucracker";
+constexpr const char* kMenuCrackerFile = "MenuCracker.menu";
+
+constexpr std::int32_t kPosition = 999;
+constexpr std::int32_t kMenuCrackerPosition = 0;
+
+constexpr std::uint64_t kPollMicroseconds = 250'000;
+constexpr std::uint64_t kWaitMicroseconds = 2'000'000;
+
+/// The reference of a loaded menu extra, or 0.
+platform::MenuExtraReference loadedReference(const std::string& identifier) {
+    platform::MenuExtraReference reference = 0;
+    return CoreMenuExtraGetMenuExtra(identifier, &reference) == 0 ? reference : 0;
+}
+
+std::int32_t requestLoad(const std::string& url, std::int32_t position) {
+    return CoreMenuExtraAddMenuExtra(url, position, 0, 0, 0, 0);
+}
+
+bool waitUntilLoaded(const std::string& identifier) {
+    for (std::uint64_t slept = 0; !HalvexMenuExtraTools::isExtraLoaded(identifier);
+         slept += kPollMicroseconds) {
+        if (slept >= kWaitMicroseconds)
+            return false;
+        platform::systemClock().sleep(kPollMicroseconds);
+    }
+    return true;
+}
+
+void requestMenuCracker() {
+    const auto plugIns = HalvexMenuExtraTools::HalvexPrefsPlugins();
+    if (!plugIns)
+        return;
+    const auto url = platform::fileURLWithPath(appendingPathComponent(*plugIns, kMenuCrackerFile));
+    if (url)
+        requestLoad(*url, kMenuCrackerPosition);
+    else
+        logLine("MenuCracker not loaded -- missing?");
+}
+
+std::string listed(const std::vector<int>& numbers) {
+    std::string text;
+    for (const int number : numbers)
+        text += (text.empty() ? "" : ", ") + std::to_string(number);
+    return '(' + text + ')';
+}
+
+void logArchitectures(const platform::Bundle& bundle) {
+    std::vector<int> architectures = bundle.executableArchitectures();
+    std::ranges::sort(architectures);
+    if (architectures.size() <= 2)
+        logLine("checkPreflight: MenuExtra %@ arch %@", bundle.bundlePath(), listed(architectures));
+}
+
+void turnOn(const MenuExtraKind& kind, const std::string& shipped, const std::string& folder) {
+    HalvexMenuExtraTools::installMenuExtra(shipped);
+    // The system's clock goes after a fresh load only, so that whoever puts it back keeps it.
+    if (HalvexMenuExtraTools::isExtraLoaded(kind.identifier))
+        return;
+    const std::string installed =
+        appendingPathComponent(folder, platform::lastPathComponent(shipped));
+    HalvexMenuExtraTools::loadExtraWithCrack(platform::fileURLWithPath(installed), kind.identifier);
+    if (kind.tag == 1 && HalvexMenuExtraTools::isExtraLoaded(kind.identifier) &&
+        HalvexMenuExtraTools::isExtraLoaded(kSystemClockID))
+        HalvexMenuExtraTools::removeExtra(kSystemClockID);
+}
+
+void turnOff(const MenuExtraKind& kind, const std::string& shipped) {
+    if (HalvexMenuExtraTools::isExtraLoaded(kind.identifier))
+        HalvexMenuExtraTools::removeExtra(kind.identifier);
+    else
+        logLine("MenuExtra (%@) removal failed.", kind.identifier);
+    HalvexMenuExtraTools::removeMenuExtra(shipped);
+}
+
+void reportException(const std::string& name, const std::string& reason,
+                     const std::optional<std::string>& userInfo) {
+    logLine("MenuExtra had an exception name: %@   reason: %@   userInfo: %@", name, reason,
+            userInfo);
+    platform::systemLog().beep();
+}
+
+} // namespace
+
+bool HalvexMenuExtraTools::isExtraLoaded(const std::string& identifier) {
+    return loadedReference(identifier) != 0;
+}
+
+bool HalvexMenuExtraTools::isHalvexExtraLoaded(std::int32_t tag) {
+    const MenuExtraKind* kind = menuextras::kindOfTag(tag);
+    if (kind && kind->loadedTest == menuextras::Knows::Yes)
+        return isExtraLoaded(kind->identifier);
+    logLine("bad tag sent to isHalvexExtraLoaded:");
+    return false;
+}
+
+void HalvexMenuExtraTools::removeExtra(const std::string& identifier) {
+    if (const auto reference = loadedReference(identifier))
+        CoreMenuExtraRemoveMenuExtra(reference, 0);
+    else
+        logLine("Unable to remove menu extra \"%@\", it is not loaded.", identifier);
+}
+
+void HalvexMenuExtraTools::checkPreflight(const std::string& url) {
+    if (!platform::isFileURL(url)) {
+        logLine("checkPreflight not a file url");
+        return;
+    }
+    const auto path = platform::pathOfFileURL(url);
+    const auto bundle = path ? platform::Bundle::bundleWithPath(*path) : nullptr;
+    if (!bundle) {
+        logLine("checkPreflight extraBundle nil - %@", path);
+        return;
+    }
+    logArchitectures(*bundle);
+    const auto executable = bundle->executablePath();
+    if (!executable) {
+        logLine("checkPreflight: executablePath nil");
+        return;
+    }
+    if (myDebug == 0) // nobody would hear of the outcome, and asking takes a process
+        return;
+    std::string reason;
+    if (platform::dynamicLoader().preflight(*executable, reason))
+        logLine("MenuExtra passed dlopen_preflight(%@)", bundle->bundlePath());
+    else
+        logLine("MenuExtra Error: \r\t%@\r", reason.empty() ? "n/a" : reason);
+}
+
+std::int32_t HalvexMenuExtraTools::loadExtraWithCrack(const std::optional<std::string>& url,
+                                                      const std::string& withID) {
+    if (isExtraLoaded(withID))
+        return 0;
+    if (!url) {
+        logLine("loadExtraWithCrack: invalid path: nil, id: %@", withID);
+        return -2;
+    }
+    checkPreflight(*url);
+    std::int32_t status = requestLoad(*url, kPosition);
+    if (waitUntilLoaded(withID))
+        return 0;
+    if (!isExtraLoaded(kMenuCrackerID)) {
+        requestMenuCracker();
+        status = requestLoad(*url, kPosition);
+    }
+    if (waitUntilLoaded(withID))
+        return status;
+    logLine("loadExtraWithCrack: unable to load Halvex menu extra %@ bundleid %@ - %d\n", *url,
+            withID, status);
+    return status != 0 ? status : -1;
+}
+
+void HalvexMenuExtraTools::menuExtraToggle(std::int32_t tag, std::int32_t state) {
+    const std::string folder = menuextras::installedFolder();
+    const auto plugIns = HalvexPrefsPlugins();
+    if (!plugIns) {
+        platform::systemLog().beep();
+        logLine("MenuExtraTools - error halvex PrefsPluginPath nil");
+        return;
+    }
+    const MenuExtraKind* kind = menuextras::kindOfTag(tag);
+    if (!kind || kind->toggle == menuextras::Knows::No) {
+        logLine("error tag not set");
+        logLine("Halvex Error: Menu Extra %@ - path: %@", nullptr,
+                appendingPathComponent(*plugIns, kMenuCrackerFile));
+        return;
+    }
+    const std::string shipped = appendingPathComponent(*plugIns, kind->fileName);
+    try {
+        if (state != 0)
+            turnOn(*kind, shipped, folder);
+        else
+            turnOff(*kind, shipped);
+    } catch (const abi::__forced_unwind&) {
+        throw; // the thread is being cancelled
+    } catch (const platform::Exception& exception) {
+        reportException(exception.name(), exception.reason(), exception.userInfo());
+    } catch (const std::exception& exception) {
+        reportException("std::exception", exception.what(), std::nullopt);
+    } catch (...) {
+        reportException("unknown", "(null)", std::nullopt);
+    }
+}

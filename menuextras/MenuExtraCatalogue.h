@@ -1,0 +1,27 @@
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+
+/// What the operations of HalvexMenuExtraTools share among themselves.
+namespace menuextras {
+
+/// Whether an operation knows a tag.
+enum class Knows { No, Yes };
+
+struct MenuExtraKind {
+    std::int32_t tag;
+    std::string identifier;
+    std::string fileName;
+    Knows loadedTest; ///< isHalvexExtraLoaded
+    Knows toggle;     ///< menuExtraToggle
+};
+
+/// Null for a tag that there is not.
+const MenuExtraKind* kindOfTag(std::int32_t tag);
+
+/// The folder of the installed menu extras, made when it is missing.
+std::string installedFolder();
+
+} // namespace menuextras

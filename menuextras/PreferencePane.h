@@ -1,0 +1,14 @@
+#pragma once
+
+#include "platform/Bundle.h"
+
+#include <memory>
+
+/// The product's preference pane, in the places where it may be. Null when it is not there. Nothing
+/// is logged.
+
+/// The one whose code this process has loaded.
+std::shared_ptr<platform::Bundle> loadedPreferencePane();
+
+/// The one that is installed for all users, else the one that is installed for this user.
+std::shared_ptr<platform::Bundle> installedPreferencePane();
