@@ -16,6 +16,7 @@
 #include <QUrl>
 
 #include <algorithm>
+#include <chrono>
 #include <utility>
 
 using namespace platform;
@@ -27,6 +28,8 @@ constexpr const char* kJournalFile = "Menu Bar Step";
 constexpr const char* kOwnClock = "Clock.menu";
 constexpr const char* kOwnClockID = "com.apple.menuextra.clock";
 constexpr std::int32_t kLastPosition = 999; // left of everything else
+// Flushing to the disk may take longer than all the rest: the new item is drawn first.
+constexpr std::chrono::milliseconds kWriteDelay{20};
 
 std::int32_t number(MenuExtraStatus status) {
     return static_cast<std::int32_t>(status);
@@ -49,6 +52,7 @@ ItemKeeper::ItemKeeper(MenuBar& menuBar, StepJournal& journal, Admission admissi
 
 ItemKeeper::~ItemKeeper() {
     write();
+    menuBar_.unloadAll(); // while the items can still ask for one another
 }
 
 // From one run to the next.
@@ -115,7 +119,7 @@ bool ItemKeeper::isLeftOut(const std::string& path) {
 
 void ItemKeeper::writeSoon() {
     if (!std::exchange(changed_, true))
-        QTimer::singleShot(0, &menuBar_, [this] { write(); });
+        QTimer::singleShot(kWriteDelay, &menuBar_, [this] { write(); });
 }
 
 void ItemKeeper::write() {

@@ -15,11 +15,11 @@ class StepJournal;
 
 /// Which items the bar has: it admits those that are asked for, remembers them from one run to the
 /// next, and leaves out what crashed the bar. The bar's own process asks here what others ask over
-/// the bus. Main thread.
+/// the bus, as the process's MenuExtraServer. Main thread.
 class ItemKeeper final : public platform::MenuExtraServer {
   public:
     ItemKeeper(MenuBar& menuBar, StepJournal& journal, Admission admission);
-    /// Writes what has changed and is not written yet.
+    /// Writes what has changed and is not written yet, and unloads all items.
     ~ItemKeeper() override;
 
     /// Loads the items that the last bar had, or the bar's own clock when there was none, and those
@@ -51,4 +51,5 @@ class ItemKeeper final : public platform::MenuExtraServer {
     Admission admission_;
     std::unique_ptr<ItemList> list_; // null before start
     bool changed_ = false;
+    platform::ScopedService<platform::MenuExtraServer> asServer_{*this};
 };

@@ -36,6 +36,10 @@ MenuBar::MenuBar(qt::QtGraphics& graphics, StepJournal& journal)
     : graphics_(graphics), journal_(journal), asHost_(*this), asEvents_(*this) {}
 
 MenuBar::~MenuBar() {
+    unloadAll();
+}
+
+void MenuBar::unloadAll() {
     while (!items_.empty())
         remove(items_.back().reference);
 }

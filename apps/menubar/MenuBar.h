@@ -51,6 +51,8 @@ class MenuBar final : public QObject, public platform::MenuExtraHost, public pla
     /// Closes the item's menu, tells the item, and unloads it and its code.
     platform::MenuExtraStatus remove(std::uint32_t reference);
 
+    void unloadAll();
+
     /// The reference of a loaded item, never 0; nothing when it is not loaded.
     std::optional<std::uint32_t> find(std::string_view identifier) const;
     /// Empty when no item has the reference.

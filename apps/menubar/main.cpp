@@ -27,7 +27,6 @@ int runBar(const Options& options) {
     StepJournal journal;
     MenuBar menuBar(platform::qt::install(), journal);
     ItemKeeper items(menuBar, journal, Admission(options.admit, ownItemsFolder()));
-    const platform::ScopedService<platform::MenuExtraServer> forOwnItems(items);
     BarService service(menuBar, items);
     switch (service.registerOnBus()) {
     case BarService::Registration::TakenByAnother:

@@ -1,13 +1,11 @@
 #include "menuextras/ExportedIdentifiers.h"
 #include "tests/desktop/support/BarProcess.h"
-#include "tests/desktop/support/SpoiltBundle.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 namespace fs = std::filesystem;
 using test::BarProcess;
-using test::SpoiltBundle;
 using testing::ElementsAre;
 
 namespace {

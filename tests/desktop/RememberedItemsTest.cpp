@@ -136,8 +136,8 @@ TEST_P(CrashingItem, IsLeftOutUntilItIsAddedAgainOrHasAnotherVersion) {
     extra.setVersion("1.1");
     bar.start();
     EXPECT_THAT(bar.identifiers(), ElementsAre(kOwnClock, kTestExtra)) << "another version";
-    EXPECT_EQ(contents(listFile(bar)).find("Step"), std::string::npos);
     EXPECT_EQ(bar.stop(), 0) << bar.log();
+    EXPECT_EQ(contents(listFile(bar)).find("Step"), std::string::npos);
 }
 
 INSTANTIATE_TEST_SUITE_P(, CrashingItem,

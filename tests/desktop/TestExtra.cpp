@@ -111,6 +111,11 @@ class LeavesWhenClicked : public Calm {
         }
         return true;
     }
+    void willUnload() override {
+        MenuExtraReference reference = 0;
+        logLine("itself: %d", CoreMenuExtraGetMenuExtra("test.extra", &reference));
+        Calm::willUnload();
+    }
 };
 
 template <class Class>
