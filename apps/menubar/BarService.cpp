@@ -1,18 +1,14 @@
 #include "apps/menubar/BarService.h"
 
+#include "apps/menubar/ItemKeeper.h"
 #include "apps/menubar/MenuBar.h"
+#include "platform/qt/BarNames.h"
 
 #include <QDBusConnection>
 #include <QDBusMetaType>
 
-using platform::MenuExtraStatus;
-
-namespace {
-
-constexpr const char* kBusName = "com.quorvanesoftware.MenuBar";
-constexpr const char* kObjectPath = "/com/quorvanesoftware/MenuBar";
-
-} // namespace
+using platform::qt::kBarBusName;
+using platform::qt::kBarObjectPath;
 
 QDBusArgument& operator<<(QDBusArgument& argument, const MenuExtraRow& row) {
     argument.beginStructure();
@@ -28,7 +24,8 @@ const QDBusArgument& operator>>(const QDBusArgument& argument, MenuExtraRow& row
     return argument;
 }
 
-BarService::BarService(MenuBar& menuBar) : QDBusAbstractAdaptor(&menuBar), menuBar_(menuBar) {
+BarService::BarService(MenuBar& menuBar, ItemKeeper& items)
+    : QDBusAbstractAdaptor(&menuBar), menuBar_(menuBar), items_(items) {
     qDBusRegisterMetaType<MenuExtraRow>();
     qDBusRegisterMetaType<QList<MenuExtraRow>>();
     connect(&menuBar, &MenuBar::loaded, this, &BarService::MenuExtraLoaded);
@@ -37,23 +34,22 @@ BarService::BarService(MenuBar& menuBar) : QDBusAbstractAdaptor(&menuBar), menuB
 
 BarService::Registration BarService::registerOnBus() {
     auto bus = QDBusConnection::sessionBus();
-    if (!bus.isConnected() || !bus.registerObject(kObjectPath, &menuBar_))
+    if (!bus.isConnected() || !bus.registerObject(kBarObjectPath, &menuBar_))
         return Registration::NoBus;
-    return bus.registerService(kBusName) ? Registration::Done : Registration::TakenByAnother;
+    return bus.registerService(kBarBusName) ? Registration::Done : Registration::TakenByAnother;
 }
 
 int BarService::GetMenuExtra(const QString& identifier, uint& reference) {
-    const auto found = menuBar_.find(identifier.toStdString());
-    reference = found.value_or(0);
-    return static_cast<int>(found ? MenuExtraStatus::NoError : MenuExtraStatus::NotLoaded);
+    return items_.getMenuExtra(identifier.toStdString(), reference);
 }
 
-int BarService::AddMenuExtra(const QString& url, int position, int, int, int, int) {
-    return static_cast<int>(menuBar_.addLater(url.toStdString(), position));
+int BarService::AddMenuExtra(const QString& url, int position, int zero1, int zero2, int zero3,
+                             int zero4) {
+    return items_.addMenuExtra(url.toStdString(), position, zero1, zero2, zero3, zero4);
 }
 
-int BarService::RemoveMenuExtra(uint reference, int) {
-    return static_cast<int>(menuBar_.remove(reference));
+int BarService::RemoveMenuExtra(uint reference, int flags) {
+    return items_.removeMenuExtra(reference, flags);
 }
 
 QList<MenuExtraRow> BarService::ListMenuExtras() {

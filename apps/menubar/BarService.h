@@ -5,6 +5,7 @@
 #include <QList>
 #include <QString>
 
+class ItemKeeper;
 class MenuBar;
 
 /// A row of ListMenuExtras.
@@ -27,8 +28,9 @@ class BarService final : public QDBusAbstractAdaptor {
   public:
     enum class Registration { Done, TakenByAnother, NoBus };
 
-    /// Makes @p menuBar answer on the bus. It can be asked before it is registered, by nobody.
-    explicit BarService(MenuBar& menuBar);
+    /// Makes @p menuBar answer on the bus, and @p items what is asked about single items. What is
+    /// asked before the main loop runs is answered then.
+    BarService(MenuBar& menuBar, ItemKeeper& items);
 
     /// Takes the well-known name; TakenByAnother when another bar has it.
     Registration registerOnBus();
@@ -47,4 +49,5 @@ class BarService final : public QDBusAbstractAdaptor {
 
   private:
     MenuBar& menuBar_;
+    ItemKeeper& items_;
 };

@@ -80,6 +80,7 @@ std::string ItemWidget::spokenName() const {
 }
 
 void ItemWidget::paintEvent(QPaintEvent*) {
+    emit drawing();
     drawLayer();
     QPainter painter(this);
     paintBarGround(painter, rect(), palette());

@@ -37,7 +37,8 @@ class ItemWidget final : public QWidget {
   signals:
     /// A button of the mouse was pressed over the item.
     void pressed(const platform::Event& event);
-    /// The view was drawn.
+    /// The view is about to be drawn, and has been.
+    void drawing();
     void drawn();
 
   protected:

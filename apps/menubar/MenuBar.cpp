@@ -12,7 +12,6 @@
 #include <QPainter>
 #include <QSaveFile>
 #include <QTimer>
-#include <QUrl>
 
 #include <algorithm>
 #include <utility>
@@ -33,10 +32,14 @@ bool hasMenu(const LoadedItem& item) {
 
 } // namespace
 
-MenuBar::MenuBar(qt::QtGraphics& graphics)
-    : graphics_(graphics), asHost_(*this), asEvents_(*this) {}
+MenuBar::MenuBar(qt::QtGraphics& graphics, StepJournal& journal)
+    : graphics_(graphics), journal_(journal), asHost_(*this), asEvents_(*this) {}
 
 MenuBar::~MenuBar() {
+    unloadAll();
+}
+
+void MenuBar::unloadAll() {
     while (!items_.empty())
         remove(items_.back().reference);
 }
@@ -47,22 +50,7 @@ void MenuBar::show() {
 
 // Items come and go.
 
-MenuExtraStatus MenuBar::addLater(std::string_view url, std::int32_t position) {
-    const QUrl parsed(qString(url), QUrl::StrictMode);
-    const std::string path = parsed.toLocalFile().toStdString();
-    if (!parsed.isLocalFile() || !QFileInfo(parsed.toLocalFile()).isAbsolute()) {
-        logLine("no menu extra loaded: %@ is no file URL", url);
-        return MenuExtraStatus::BadParameter;
-    }
-    if (!QFileInfo(parsed.toLocalFile()).isDir()) {
-        logLine("no menu extra loaded: there is no bundle at %@", path);
-        return MenuExtraStatus::FileNotFound;
-    }
-    QTimer::singleShot(0, this, [this, path, position] { add(path, position); });
-    return MenuExtraStatus::NoError;
-}
-
-MenuExtraStatus MenuBar::add(const std::string& path, std::int32_t position) {
+MenuExtraStatus MenuBar::add(const std::string& path, std::int32_t position, Origin origin) {
     const JudgedBundle judged = judgeBundle(path);
     if (!judged) {
         logLine("menu extra at %@ refused: %@", path, judged.reason);
@@ -72,12 +60,19 @@ MenuExtraStatus MenuBar::add(const std::string& path, std::int32_t position) {
         logLine("menu extra %@ is loaded already", judged.identifier);
         return MenuExtraStatus::NoError;
     }
-    LoadedItem loadedItem = loadItem(judged);
+    const ItemRecord record{
+        judged.identifier, path, position,
+        judged.bundle->stringForInfoDictionaryKey("CFBundleVersion").value_or(""), origin};
+    LoadedItem loadedItem;
+    {
+        const StepJournal::Scope step(journal_, {"loading", record});
+        loadedItem = loadItem(judged);
+    }
     if (!loadedItem)
         return MenuExtraStatus::Refused;
-    Item item{++lastReference_, position, path, std::move(loadedItem), nullptr};
+    Item item{++lastReference_, record, std::move(loadedItem), false, nullptr};
     const auto place = std::find_if(items_.begin(), items_.end(), [&](const Item& other) {
-        return other.position > item.position;
+        return other.record.position > position;
     });
     show(*items_.insert(place, std::move(item)));
     emit loaded(qString(judged.identifier));
@@ -89,9 +84,21 @@ void MenuBar::show(Item& item) {
                                                &window_);
     connect(item.widget.get(), &ItemWidget::pressed, this,
             [this, &item](const Event& event) { send(item, event); });
-    connect(item.widget.get(), &ItemWidget::drawn, this,
-            [&item] { setDisplayed(*item.loaded.extra->view()); });
+    connect(item.widget.get(), &ItemWidget::drawing, this,
+            [this, &item] { noteFirstDrawing(item); });
+    connect(item.widget.get(), &ItemWidget::drawn, this, [this, &item] { noteDrawn(item); });
     placeItems();
+}
+
+void MenuBar::noteFirstDrawing(Item& item) {
+    if (!item.wasDrawn)
+        journal_.begin({"first drawing", item.record});
+}
+
+void MenuBar::noteDrawn(Item& item) {
+    if (!std::exchange(item.wasDrawn, true))
+        journal_.end();
+    setDisplayed(*item.loaded.extra->view());
 }
 
 MenuExtraStatus MenuBar::remove(std::uint32_t reference) {
@@ -131,11 +138,26 @@ std::optional<std::uint32_t> MenuBar::find(std::string_view identifier) const {
     return std::nullopt;
 }
 
+std::string MenuBar::identifierOf(std::uint32_t reference) const {
+    for (const Item& item : items_) {
+        if (item.reference == reference)
+            return item.loaded.identifier;
+    }
+    return {};
+}
+
 std::vector<MenuBar::Description> MenuBar::items() const {
     std::vector<Description> result;
     for (const Item& item : items_)
-        result.push_back(
-            {item.loaded.identifier, item.path, item.position, item.loaded.extra->length()});
+        result.push_back({item.loaded.identifier, item.record.path, item.record.position,
+                          item.loaded.extra->length()});
+    return result;
+}
+
+std::vector<ItemRecord> MenuBar::records() const {
+    std::vector<ItemRecord> result;
+    for (const Item& item : items_)
+        result.push_back(item.record);
     return result;
 }
 
@@ -198,6 +220,7 @@ bool MenuBar::click(std::string_view identifier, const Event& event) {
 }
 
 bool MenuBar::send(const Item& item, const Event& event) {
+    const StepJournal::Scope step(journal_, {"click", item.record});
     menuRequested_ = false;
     const auto outerEvent = std::exchange(handledEvent_, event);
     const bool calm =

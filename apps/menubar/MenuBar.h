@@ -2,7 +2,9 @@
 
 #include "apps/menubar/BarWindow.h"
 #include "apps/menubar/ItemLoader.h"
+#include "apps/menubar/ItemRecord.h"
 #include "apps/menubar/ItemWidget.h"
+#include "apps/menubar/StepJournal.h"
 #include "platform/Event.h"
 #include "platform/MenuExtraHost.h"
 #include "platform/qt/QtMenu.h"
@@ -35,25 +37,29 @@ class MenuBar final : public QObject, public platform::MenuExtraHost, public pla
         double width = 0; ///< points
     };
 
-    /// Puts itself in place as the items' host and source of events.
-    explicit MenuBar(platform::qt::QtGraphics& graphics);
+    /// Puts itself in place as the items' host and source of events. What an item might not
+    /// survive, its loading, its first drawing and each click, is noted in @p journal while it
+    /// lasts.
+    MenuBar(platform::qt::QtGraphics& graphics, StepJournal& journal);
     /// Unloads what is left.
     ~MenuBar() override;
 
     /// Loads the item in the bundle folder @p path and shows it. @p position orders the items from
     /// the right; of equal ones the later is further left. An item that is loaded already stays as
     /// it is. Whatever goes wrong is logged with the path or identifier.
-    platform::MenuExtraStatus add(const std::string& path, std::int32_t position);
-    /// The same for a file URL, which is only looked at now; loading follows when the main loop
-    /// runs next.
-    platform::MenuExtraStatus addLater(std::string_view url, std::int32_t position);
+    platform::MenuExtraStatus add(const std::string& path, std::int32_t position, Origin origin);
     /// Closes the item's menu, tells the item, and unloads it and its code.
     platform::MenuExtraStatus remove(std::uint32_t reference);
 
+    void unloadAll();
+
     /// The reference of a loaded item, never 0; nothing when it is not loaded.
     std::optional<std::uint32_t> find(std::string_view identifier) const;
+    /// Empty when no item has the reference.
+    std::string identifierOf(std::uint32_t reference) const;
     /// From right to left.
     std::vector<Description> items() const;
+    std::vector<ItemRecord> records() const;
 
     /// Sends a click to an item as the mouse would; whether the item handled it itself. False when
     /// there is no such item, which is logged.
@@ -79,9 +85,9 @@ class MenuBar final : public QObject, public platform::MenuExtraHost, public pla
   private:
     struct Item {
         std::uint32_t reference = 0;
-        std::int32_t position = 0;
-        std::string path;
+        ItemRecord record;
         LoadedItem loaded;
+        bool wasDrawn = false;
         std::unique_ptr<ItemWidget> widget; // goes before what it shows
     };
 
@@ -93,6 +99,8 @@ class MenuBar final : public QObject, public platform::MenuExtraHost, public pla
     Item* itemOf(const platform::MenuExtra& extra);
     Item* itemWith(std::string_view identifier);
     void show(Item& item);
+    void noteFirstDrawing(Item& item);
+    void noteDrawn(Item& item);
     void unload(LoadedItem item, std::unique_ptr<ItemWidget> widget);
     bool send(const Item& item, const platform::Event& event);
     void showMenu(Item& item);
@@ -105,6 +113,7 @@ class MenuBar final : public QObject, public platform::MenuExtraHost, public pla
     QImage picture();
 
     platform::qt::QtGraphics& graphics_;
+    StepJournal& journal_;
     platform::ScopedService<platform::MenuExtraHost> asHost_;
     platform::ScopedService<platform::EventSource> asEvents_;
     BarWindow window_;

@@ -10,41 +10,54 @@ namespace {
 
 constexpr int kWrongUsage = 2;
 constexpr const char* kHelp =
-    R"(Usage: halvex-menubar [--appearance desktop|light|dark] [BUNDLE.menu...]
+    R"(Usage: halvex-menubar [--appearance desktop|light|dark] [--admit user|system|all]
+                      [BUNDLE.menu...]
 The menu bar: shows menu extras along the top of the screen.
 
-  BUNDLE.menu     a menu extra to load besides the bar's own clock
+  BUNDLE.menu     a menu extra to load besides those of the last time, for this time only
   --appearance    the desktop's colours (as it is without the option), light or dark ones
+  --admit         what other programs may have loaded: what lies in the user's "Menu Extras" folder
+                  (user, as it is without the option); the bar's own items alone, until MenuCracker
+                  is loaded (system); anything (all)
   --help, --version
 )";
 
-std::optional<Appearance> appearanceNamed(std::string_view name) {
-    constexpr std::array<std::pair<std::string_view, Appearance>, 3> names{
-        {{"desktop", Appearance::Desktop},
-         {"light", Appearance::Light},
-         {"dark", Appearance::Dark}}};
-    for (const auto& [candidate, appearance] : names) {
-        if (candidate == name)
-            return appearance;
+template <class Value>
+using Names = std::array<std::pair<std::string_view, Value>, 3>;
+
+constexpr Names<Appearance> kAppearances{
+    {{"desktop", Appearance::Desktop}, {"light", Appearance::Light}, {"dark", Appearance::Dark}}};
+constexpr Names<Admit> kAdmits{
+    {{"user", Admit::User}, {"system", Admit::System}, {"all", Admit::All}}};
+
+/// Whether there is a value of that name.
+template <class Value>
+bool choose(const Names<Value>& names, std::string_view name, Value& value) {
+    for (const auto& [candidate, named] : names) {
+        if (candidate != name)
+            continue;
+        value = named;
+        return true;
     }
-    return std::nullopt;
+    return false;
 }
 
 } // namespace
 
 // getopt and not the house's CLI11: the bar is there all day, and that library's code with it.
 std::optional<Options> readOptions(int argc, char** argv, int& status) {
-    const std::array<option, 4> known{{{"appearance", required_argument, nullptr, 'a'},
+    const std::array<option, 5> known{{{"appearance", required_argument, nullptr, 'a'},
+                                       {"admit", required_argument, nullptr, 'm'},
                                        {"help", no_argument, nullptr, 'h'},
                                        {"version", no_argument, nullptr, 'v'},
                                        {nullptr, 0, nullptr, 0}}};
     Options options;
     status = 0;
     for (int found = 0; (found = getopt_long(argc, argv, "h", known.data(), nullptr)) != -1;) {
-        const auto appearance = found == 'a' ? appearanceNamed(optarg) : std::nullopt;
-        if (appearance) {
-            options.appearance = *appearance;
-        } else if (found == 'h') {
+        if ((found == 'a' && choose(kAppearances, optarg, options.appearance)) ||
+            (found == 'm' && choose(kAdmits, optarg, options.admit)))
+            continue;
+        if (found == 'h') {
             std::fputs(kHelp, stdout);
             return std::nullopt;
         } else if (found == 'v') {

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "apps/menubar/Admission.h"
+
 #include <optional>
 #include <string>
 #include <vector>
@@ -11,6 +13,7 @@ enum class Appearance { Desktop, Light, Dark };
 struct Options {
     std::vector<std::string> bundles; ///< folders of menu extras to load, from right to left
     Appearance appearance = Appearance::Desktop;
+    Admit admit = Admit::User;
 };
 
 /// Reads the command line. When there is nothing more to do, for --help, --version or wrong usage,

@@ -70,10 +70,9 @@ void applyAppearance(Appearance appearance) {
     }
 }
 
-std::string ownClockPath() {
+std::string ownItemsFolder() {
     const QDir programs(QCoreApplication::applicationDirPath());
-    return QDir::cleanPath(programs.filePath("../" HALVEX_OWN_ITEMS_FOLDER "/Clock.menu"))
-        .toStdString();
+    return QDir::cleanPath(programs.filePath("../" HALVEX_OWN_ITEMS_FOLDER)).toStdString();
 }
 
 std::string absolutePath(const std::string& path) {

@@ -28,8 +28,8 @@ void logQtMessages();
 /// Gives the program the palette that was asked for. The desktop's is there at the start.
 void applyAppearance(Appearance appearance);
 
-/// The bundle of the bar's own clock, found from where this program is.
-std::string ownClockPath();
+/// The folder of the bar's own items, found from where this program is.
+std::string ownItemsFolder();
 
-/// A path from the command line, absolute and without trailing slashes.
+/// A path as people write it, absolute and without trailing slashes.
 std::string absolutePath(const std::string& path);

@@ -1,9 +1,11 @@
 #include "apps/menubar/BarService.h"
 #include "apps/menubar/DesktopAppearance.h"
+#include "apps/menubar/ItemKeeper.h"
 #include "apps/menubar/MenuBar.h"
 #include "apps/menubar/Options.h"
 #include "apps/menubar/Signals.h"
 #include "apps/menubar/StartUp.h"
+#include "apps/menubar/StepJournal.h"
 #include "platform/Log.h"
 #include "platform/expat/ExpatPropertyLists.h"
 #include "platform/qt/Desktop.h"
@@ -20,12 +22,12 @@ using platform::logLine;
 
 namespace {
 
-constexpr std::int32_t kLastPosition = 999; // left of everything else
-
 int runBar(const Options& options) {
     platform::expat::install();
-    MenuBar menuBar(platform::qt::install());
-    BarService service(menuBar);
+    StepJournal journal;
+    MenuBar menuBar(platform::qt::install(), journal);
+    ItemKeeper items(menuBar, journal, Admission(options.admit, ownItemsFolder()));
+    BarService service(menuBar, items);
     switch (service.registerOnBus()) {
     case BarService::Registration::TakenByAnother:
         logLine("another menu bar is running on this session bus");
@@ -41,9 +43,7 @@ int runBar(const Options& options) {
         desktopAppearance.emplace();
     else
         applyAppearance(options.appearance);
-    menuBar.add(ownClockPath(), 0);
-    for (const std::string& bundle : options.bundles)
-        menuBar.add(absolutePath(bundle), kLastPosition);
+    items.start(options.bundles);
     menuBar.show();
     const QuitOnSignals quitOnSignals;
     return QApplication::exec();

@@ -1,6 +1,7 @@
 #include "menuextras/ExportedIdentifiers.h"
 #include "platform/Event.h"
 #include "tests/desktop/support/BarProcess.h"
+#include "tests/desktop/support/SpoiltBundle.h"
 
 #include <QDBusVariant>
 #include <QDBusVirtualObject>
@@ -79,8 +80,9 @@ TEST(Bar, TellsAnItemWhichClickItWasAndTheCallerWhetherItWasConsumed) {
 
 TEST(Bar, LoadsAndUnloadsWhileItRuns) {
     BarProcess bar;
+    const std::string bundle = bar.install(HALVEX_TEST_EXTRA);
     for (int round = 0; round < 3; ++round) {
-        EXPECT_EQ(bar.add(HALVEX_TEST_EXTRA, 0), 0);
+        EXPECT_EQ(bar.add(bundle, 0), 0);
         EXPECT_TRUE(BarProcess::eventually([&] { return bar.reference(kTestExtra) != 0; }));
         EXPECT_THAT(bar.identifiers(), ElementsAre(kOwnClock, kTestExtra));
         bar.click(kTestExtra); // its menu is open when it goes
@@ -90,6 +92,22 @@ TEST(Bar, LoadsAndUnloadsWhileItRuns) {
     EXPECT_TRUE(bar.logs("leaving"));
     EXPECT_EQ(picture(bar).height(), 22);
     EXPECT_EQ(bar.stop(), 0) << bar.log();
+}
+
+TEST(Bar, LetsAnItemTakeItselfAndOthersOut) {
+    BarProcess bar({HALVEX_TIME_MENU});
+    const test::SpoiltBundle bundle(bar);
+    bundle.useClass("LeavesWhenClicked");
+    EXPECT_EQ(bar.add(bundle.path.string()), 0);
+    EXPECT_TRUE(BarProcess::eventually([&] { return bar.reference(kTestExtra) != 0; }));
+    EXPECT_TRUE(bar.click(kTestExtra));
+    EXPECT_TRUE(BarProcess::eventually([&] { return bar.identifiers().size() == 1; }));
+    EXPECT_THAT(bar.identifiers(), ElementsAre(HalvexMenuID));
+    EXPECT_TRUE(bar.logs("leaving"));
+    EXPECT_EQ(bar.log().find("still held"), std::string::npos);
+    bar.add(bundle.path.string());
+    EXPECT_TRUE(BarProcess::eventually([&] { return bar.reference(kTestExtra) != 0; }));
+    EXPECT_EQ(bar.stop(), 0) << "an item may ask for others to its end: " << bar.log();
 }
 
 /// A settings portal that says whether the desktop is dark.

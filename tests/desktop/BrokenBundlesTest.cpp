@@ -1,45 +1,16 @@
 #include "tests/desktop/support/BarProcess.h"
+#include "tests/desktop/support/SpoiltBundle.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <fstream>
-#include <iterator>
-
 namespace fs = std::filesystem;
 using test::BarProcess;
+using test::contents;
+using test::replaceContents;
+using test::SpoiltBundle;
 
 namespace {
-
-std::string contents(const fs::path& file) {
-    std::ifstream stream(file, std::ios::binary);
-    return {std::istreambuf_iterator<char>(stream), {}};
-}
-
-void replaceContents(const fs::path& file, const std::string& bytes) {
-    std::ofstream(file, std::ios::binary) << bytes;
-}
-
-/// A copy of the test bundle that a test may spoil.
-class SpoiltBundle {
-  public:
-    explicit SpoiltBundle(const test::TemporaryFolder& folder)
-        : path(folder.path() / "Spoilt.menu") {
-        fs::remove_all(path);
-        fs::copy(HALVEX_TEST_EXTRA, path, fs::copy_options::recursive);
-    }
-    void replaceInInfo(const std::string& what, const std::string& with) const {
-        std::string text = contents(info());
-        const auto place = text.find(what);
-        ASSERT_NE(place, std::string::npos) << what;
-        replaceContents(info(), text.replace(place, what.size(), with));
-    }
-    void useClass(const std::string& name) const { replaceInInfo("Calm", name); }
-    fs::path info() const { return path / "Contents/Info.plist"; }
-    fs::path code() const { return path / "Contents/Linux/TestExtra"; }
-
-    fs::path path;
-};
 
 struct Fault {
     const char* name;
@@ -101,7 +72,7 @@ TEST(BrokenBundle, IsNamedInTheLogAndTakesNothingWithIt) {
     BarProcess bar({HALVEX_TIME_MENU});
     const auto before = bar.identifiers();
     for (const Fault& fault : kFaults) {
-        const SpoiltBundle bundle(bar.folder());
+        const SpoiltBundle bundle(bar);
         fault.spoil(bundle);
         bar.add(bundle.path.string());
         EXPECT_TRUE(bar.logs(fault.logged)) << fault.name << ": " << bar.log();
@@ -119,7 +90,7 @@ TEST(BrokenBundle, ThatThrowsLaterIsLoggedEachTimeAndTheBarLivesOn) {
         {"ThrowsWhenDrawn", "reason: no title"},
     };
     for (const auto& [className, line] : cases) {
-        const SpoiltBundle bundle(bar.folder());
+        const SpoiltBundle bundle(bar);
         bundle.useClass(className);
         EXPECT_EQ(bar.add(bundle.path.string()), 0);
         EXPECT_TRUE(BarProcess::eventually([&] { return bar.reference("test.extra") != 0; }));

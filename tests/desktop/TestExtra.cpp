@@ -3,7 +3,10 @@
 #include "platform/Log.h"
 #include "platform/MenuExtraPlugIn.h"
 
+#include <csignal>
+#include <cstdlib>
 #include <stdexcept>
+#include <unistd.h>
 #include <utility>
 
 using namespace platform;
@@ -73,6 +76,48 @@ class ThrowsWhenDrawn : public Calm {
     }
 };
 
+class CrashesAtStart : public Calm {
+    std::shared_ptr<MenuExtra> initWithBundle(std::shared_ptr<Bundle>) override { std::abort(); }
+};
+
+class HangsAtStart : public Calm {
+    std::shared_ptr<MenuExtra> initWithBundle(std::shared_ptr<Bundle>) override {
+        logLine("hanging");
+        pause();
+        return nullptr;
+    }
+};
+
+class CrashesWhenDrawn : public Calm {
+  public:
+    std::shared_ptr<AttributedString> attributedTitle() const override {
+        std::raise(SIGSEGV);
+        return nullptr;
+    }
+};
+
+class CrashesWhenClicked : public Calm {
+    bool clicked() override { std::abort(); }
+};
+
+/// Takes itself and the bar's own clock out of the bar, which is not done in the middle of its
+/// code.
+class LeavesWhenClicked : public Calm {
+    bool clicked() override {
+        for (const char* identifier : {"com.apple.menuextra.clock", "test.extra"}) {
+            MenuExtraReference reference = 0;
+            CoreMenuExtraGetMenuExtra(identifier, &reference);
+            logLine("leave: %d", CoreMenuExtraRemoveMenuExtra(reference, 0));
+        }
+        return true;
+    }
+    void willUnload() override {
+        MenuExtraReference reference = 0;
+        logLine("itself: %d", CoreMenuExtraGetMenuExtra("test.extra", &reference));
+        Calm::willUnload();
+    }
+};
+
 template <class Class>
 MenuExtra* make() {
     return new Class;
@@ -88,6 +133,11 @@ extern "C" MenuExtra* HalvexMenuExtraEntry_1(const char* principalClass) {
         {"ThrowsWhenClicked", make<ThrowsWhenClicked>},
         {"ThrowsWhenTicking", make<ThrowsWhenTicking>},
         {"ThrowsWhenDrawn", make<ThrowsWhenDrawn>},
+        {"CrashesAtStart", make<CrashesAtStart>},
+        {"HangsAtStart", make<HangsAtStart>},
+        {"CrashesWhenDrawn", make<CrashesWhenDrawn>},
+        {"CrashesWhenClicked", make<CrashesWhenClicked>},
+        {"LeavesWhenClicked", make<LeavesWhenClicked>},
     };
     for (const auto& [name, makeOne] : classes) {
         if (name == principalClass)

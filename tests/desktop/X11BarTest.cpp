@@ -80,7 +80,7 @@ class XServer {
 
 class X11Bar : public testing::Test {
   protected:
-    BarProcess::Settings settings(const QString& scale = "1") const {
+    test::Settings settings(const QString& scale = "1") const {
         return {{"QT_QPA_PLATFORM", "xcb"}, {"DISPLAY", x.display}, {"QT_SCALE_FACTOR", scale}};
     }
     XServer x;

@@ -42,7 +42,7 @@ TEST(HouseRules, TheLibraryAsksForTheStandardLibraryAloneAndItemsForTheLibrary) 
     EXPECT_THAT(
         needed(HALVEX_TOOLS),
         testing::AllOf(testing::Contains(testing::StartsWith("libc.so")), testing::Each(language)));
-    for (const char* item : {HALVEX_TIME_MENU, HALVEX_CLOCK})
+    for (const char* item : {HALVEX_TIME_MENU, HALVEX_MENU_CRACKER, HALVEX_CLOCK})
         EXPECT_THAT(needed(item),
                     testing::AllOf(testing::Contains("libHalvexTools.so.1"),
                                    testing::Each(testing::AnyOf("libHalvexTools.so.1", language))));

@@ -16,7 +16,11 @@ constexpr int kLimit = 5000; // milliseconds; a sanitized bar on a busy machine 
 
 } // namespace
 
-PrivateBus::PrivateBus() {
+PrivateBus::PrivateBus(const Settings& settings) {
+    auto environment = QProcessEnvironment::systemEnvironment();
+    for (const auto& [name, value] : settings)
+        environment.insert(name, value);
+    daemon_.setProcessEnvironment(environment);
     static int count = 0;
     name_ = QString("private-%1").arg(++count);
     daemon_.start("dbus-daemon", {"--session", "--nofork", "--print-address"});
@@ -45,11 +49,14 @@ BarProcess::BarProcess(std::shared_ptr<PrivateBus> bus, const QStringList& argum
     environment_.insert("QT_QPA_PLATFORM", "offscreen");
     for (const auto& [name, value] : settings)
         environment_.insert(name, value);
-    std::filesystem::create_directory(folder_.path() / "home");
+    std::filesystem::create_directory(home());
     process_.setProcessEnvironment(environment_);
     process_.setProcessChannelMode(QProcess::MergedChannels);
-    process_.start(HALVEX_MENUBAR, arguments);
-    process_.waitForStarted(kLimit);
+    start(arguments);
+}
+
+void BarProcess::start(const QStringList& arguments) {
+    launch(arguments);
     if (!eventually([this] { return !call("ListMenuExtras").isEmpty(); }))
         throw std::runtime_error("the bar does not answer: " + log());
 }
@@ -57,6 +64,21 @@ BarProcess::BarProcess(std::shared_ptr<PrivateBus> bus, const QStringList& argum
 BarProcess::~BarProcess() {
     if (isRunning())
         stop();
+}
+
+void BarProcess::launch(const QStringList& arguments) {
+    process_.start(HALVEX_MENUBAR, arguments);
+    process_.waitForStarted(kLimit);
+}
+
+std::string BarProcess::install(const std::string& bundle) const {
+    namespace fs = std::filesystem;
+    const fs::path folder = home() / "Library/Application Support/Quorvane Software/Menu Extras";
+    const fs::path copy = folder / fs::path(bundle).filename();
+    fs::create_directories(folder);
+    fs::remove_all(copy);
+    fs::copy(bundle, copy, fs::copy_options::recursive);
+    return copy.string();
 }
 
 int BarProcess::secondBar() {
@@ -74,6 +96,17 @@ int BarProcess::stop() {
     const bool ended = process_.waitForFinished(4 * kLimit);
     log();
     return ended && process_.exitStatus() == QProcess::NormalExit ? process_.exitCode() : -1;
+}
+
+void BarProcess::kill() {
+    process_.kill();
+    ends();
+}
+
+bool BarProcess::ends() {
+    const bool ended = process_.waitForFinished(4 * kLimit);
+    log();
+    return ended;
 }
 
 QVariantList BarProcess::call(const QString& member, const QVariantList& arguments) {

@@ -17,10 +17,12 @@
 
 namespace test {
 
-/// A session bus of the test's own.
+using Settings = std::vector<std::pair<QString, QString>>; ///< of the environment
+
+/// A session bus of the test's own. What it starts by itself has @p settings in its environment.
 class PrivateBus {
   public:
-    PrivateBus();
+    explicit PrivateBus(const Settings& settings = {});
     ~PrivateBus();
 
     const QString& address() const { return address_; }
@@ -36,19 +38,31 @@ class PrivateBus {
 /// unless the settings name a display.
 class BarProcess {
   public:
-    using Settings = std::vector<std::pair<QString, QString>>; ///< of the environment
-
     /// Waits until the bar answers on the bus.
     explicit BarProcess(const QStringList& arguments = {}, const Settings& settings = {});
     BarProcess(std::shared_ptr<PrivateBus> bus, const QStringList& arguments,
                const Settings& settings = {});
     ~BarProcess();
 
+    /// Copies a bundle into the user's "Menu Extras" folder, in place of one of that name, and
+    /// gives the copy's path.
+    std::string install(const std::string& bundle) const;
+    std::filesystem::path home() const { return folder_.path() / "home"; }
+
+    /// Starts the bar again after its end, with the home that it has had.
+    void start(const QStringList& arguments = {});
+    /// The same without waiting for it to answer.
+    void launch(const QStringList& arguments = {});
     /// Starts another bar on the same bus and gives its exit status.
     int secondBar();
     bool isRunning() const { return process_.state() == QProcess::Running; }
     /// Asks the bar to end; its exit status, or -1 when it crashed or did not end.
     int stop();
+    /// Ends the bar without its knowing.
+    void kill();
+    /// Waits for the bar to end by itself; whether it did.
+    bool ends();
+    qint64 processId() const { return process_.processId(); }
 
     // The D-Bus interface; an error reply gives an empty list.
     QVariantList call(const QString& member, const QVariantList& arguments = {});

@@ -1,0 +1,51 @@
+#include "apps/menubar/Admission.h"
+
+#include "menuextras/ExportedIdentifiers.h"
+#include "platform/Bundle.h"
+#include "platform/FileManager.h"
+#include "platform/PathStrings.h"
+
+#include <utility>
+
+using namespace platform;
+
+namespace {
+
+/// HalvexFilePaths knows it too, but makes it while it tells.
+std::string userItemsFolder() {
+    std::string folder = fileManager().homeDirectory();
+    for (const char* name :
+         {"Library", "Application Support", quorvaneSoftwareFolder, HalvexMenuExtraFolder})
+        folder = appendingPathComponent(folder, name);
+    return folder;
+}
+
+bool liesIn(const std::string& resolvedPath, const std::string& folder) {
+    return deletingLastPathComponent(resolvedPath) == fileManager().resolvingSymbolicLinks(folder);
+}
+
+bool isCrackerOfPane(const std::string& resolvedPath) {
+    const std::string plugIns = deletingLastPathComponent(resolvedPath);
+    const std::string contents = deletingLastPathComponent(plugIns);
+    if (lastPathComponent(plugIns) != "PlugIns" || lastPathComponent(contents) != "Contents" ||
+        pathExtension(deletingLastPathComponent(contents)) != "prefPane")
+        return false;
+    const auto bundle = Bundle::bundleWithPath(resolvedPath);
+    return bundle && bundle->bundleIdentifier() == kMenuCrackerID;
+}
+
+} // namespace
+
+Admission::Admission(Admit mode, std::string ownItemsFolder)
+    : mode_(mode), ownItemsFolder_(std::move(ownItemsFolder)) {}
+
+std::string Admission::reasonAgainst(const std::string& path, Cracker cracker) const {
+    const std::string resolved = fileManager().resolvingSymbolicLinks(path);
+    if (mode_ == Admit::All || liesIn(resolved, ownItemsFolder_) || isCrackerOfPane(resolved))
+        return {};
+    if (mode_ == Admit::System && cracker == Cracker::NotLoaded)
+        return "this bar admits its own items only";
+    if (!liesIn(resolved, userItemsFolder()))
+        return "it does not lie in " + userItemsFolder();
+    return {};
+}

@@ -1,0 +1,155 @@
+#include "apps/menubar/ItemList.h"
+
+#include "platform/FileManager.h"
+#include "platform/Log.h"
+#include "platform/PathStrings.h"
+#include "platform/PropertyList.h"
+
+#include <algorithm>
+#include <optional>
+#include <utility>
+
+using namespace platform;
+
+namespace {
+
+constexpr const char* kItems = "Items";
+constexpr const char* kLeftOut = "Left Out";
+constexpr const char* kIdentifier = "Identifier";
+constexpr const char* kPath = "Path";
+constexpr const char* kPosition = "Position";
+constexpr const char* kVersion = "Version";
+constexpr const char* kStep = "Step";
+
+/// Empty when there is no such string.
+std::string_view string(const PropertyList& row, const char* key) {
+    const auto* dictionary = row.dictionary();
+    const PropertyList* value = dictionary ? dictionary->find(key) : nullptr;
+    return value ? value->string().value_or(std::string_view()) : std::string_view();
+}
+
+std::string text(const PropertyListError& error) {
+    return error.line > 0 ? "line " + std::to_string(error.line) + ": " + error.reason
+                          : error.reason;
+}
+
+/// Nothing when there is none that fits.
+std::optional<std::int32_t> position(const PropertyList& row) {
+    const auto* dictionary = row.dictionary();
+    const PropertyList* value = dictionary ? dictionary->find(kPosition) : nullptr;
+    if (!value || !value->integer() || !std::in_range<std::int32_t>(*value->integer()))
+        return std::nullopt;
+    return static_cast<std::int32_t>(*value->integer());
+}
+
+const PropertyList::Array* array(const PropertyList& root, const char* key) {
+    const auto* dictionary = root.dictionary();
+    const PropertyList* value = dictionary ? dictionary->find(key) : nullptr;
+    return value ? value->array() : nullptr;
+}
+
+} // namespace
+
+ItemList::ItemList(std::string file, std::string ownItemsFolder)
+    : file_(std::move(file)), ownItemsFolder_(std::move(ownItemsFolder)) {}
+
+bool ItemList::read() {
+    if (!fileManager().fileExists(file_))
+        return false;
+    const auto list = propertyLists().read(file_);
+    const auto* items = list ? array(*list.value, kItems) : nullptr;
+    if (!items) {
+        logLine("the menu bar's items cannot be read from %@: %@", file_,
+                list ? "there is no array of Items" : text(list.error));
+        return false;
+    }
+    for (const PropertyList& row : *items)
+        readItem(row);
+    if (const auto* leftOut = array(*list.value, kLeftOut)) {
+        for (const PropertyList& row : *leftOut)
+            readLeftOut(row);
+    }
+    return true;
+}
+
+void ItemList::readItem(const PropertyList& row) {
+    const auto place = position(row);
+    ItemRecord item{std::string(string(row, kIdentifier)), readPath(string(row, kPath)),
+                    place.value_or(0), "", Origin::Request};
+    if (!place || item.identifier.empty() || item.path.empty())
+        logLine("a row without Identifier, Path or Position is passed over in %@", file_);
+    else
+        insert(std::move(item));
+}
+
+void ItemList::readLeftOut(const PropertyList& row) {
+    LeftOut bundle{std::string(string(row, kIdentifier)), readPath(string(row, kPath)),
+                   std::string(string(row, kVersion)), std::string(string(row, kStep))};
+    if (bundle.path.empty())
+        logLine("a row without Path is passed over in %@", file_);
+    else
+        leaveOut(std::move(bundle));
+}
+
+void ItemList::write() const {
+    PropertyList::Array items;
+    for (const ItemRecord& item : items_)
+        items.emplace_back(PropertyList::Dictionary{{kIdentifier, item.identifier},
+                                                    {kPath, writtenPath(item.path)},
+                                                    {kPosition, std::int64_t{item.position}}});
+    PropertyList::Array leftOut;
+    for (const LeftOut& bundle : leftOut_)
+        leftOut.emplace_back(PropertyList::Dictionary{{kIdentifier, bundle.identifier},
+                                                      {kPath, writtenPath(bundle.path)},
+                                                      {kVersion, bundle.version},
+                                                      {kStep, bundle.step}});
+    const auto bytes = propertyLists().serialize(PropertyList(PropertyList::Dictionary{
+        {kItems, PropertyList(std::move(items))}, {kLeftOut, PropertyList(std::move(leftOut))}}));
+    if (!bytes || !fileManager().writeFileAtomically(file_, *bytes))
+        logLine("the menu bar's items cannot be written to %@", file_);
+}
+
+std::string ItemList::writtenPath(const std::string& path) const {
+    return deletingLastPathComponent(path) == ownItemsFolder_ ? lastPathComponent(path) : path;
+}
+
+std::string ItemList::readPath(std::string_view path) const {
+    const bool isName = !path.empty() && path.find('/') == std::string_view::npos;
+    return isName ? appendingPathComponent(ownItemsFolder_, path) : std::string(path);
+}
+
+bool ItemList::insert(ItemRecord item) {
+    if (std::any_of(items_.begin(), items_.end(),
+                    [&](const ItemRecord& other) { return other.identifier == item.identifier; }))
+        return false;
+    const auto place = std::find_if(items_.begin(), items_.end(), [&](const ItemRecord& other) {
+        return other.position > item.position;
+    });
+    items_.insert(place, std::move(item));
+    return true;
+}
+
+bool ItemList::erase(std::string_view identifier) {
+    return std::erase_if(items_,
+                         [&](const ItemRecord& item) { return item.identifier == identifier; }) > 0;
+}
+
+const ItemList::LeftOut* ItemList::find(std::string_view path) const {
+    const auto found = std::find_if(leftOut_.begin(), leftOut_.end(),
+                                    [&](const LeftOut& bundle) { return bundle.path == path; });
+    return found == leftOut_.end() ? nullptr : &*found;
+}
+
+void ItemList::leaveOut(LeftOut bundle) {
+    forgive(bundle.path);
+    leftOut_.push_back(std::move(bundle));
+}
+
+bool ItemList::forgive(std::string_view path) {
+    return std::erase_if(leftOut_, [&](const LeftOut& bundle) { return bundle.path == path; }) > 0;
+}
+
+void ItemList::forget(std::string_view path) {
+    forgive(path);
+    std::erase_if(items_, [&](const ItemRecord& item) { return item.path == path; });
+}

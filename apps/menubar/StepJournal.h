@@ -1,0 +1,53 @@
+#pragma once
+
+#include "apps/menubar/ItemRecord.h"
+
+#include <optional>
+#include <string>
+#include <vector>
+
+/// Where the bar notes which item's code it is about to run for a step that a bad item does not
+/// survive. The note is in a file and outlives the process, however that dies (not the machine:
+/// nothing is flushed to the disk). The next bar reads there what ended the one before. A note
+/// costs two system calls. Main thread.
+class StepJournal {
+  public:
+    struct Note {
+        std::string step; ///< a word for people
+        ItemRecord item;
+    };
+
+    StepJournal() = default;
+    ~StepJournal();
+    StepJournal(const StepJournal&) = delete;
+    StepJournal& operator=(const StepJournal&) = delete;
+
+    /// Opens the file, which is made when it is missing. When that fails, or another bar has it,
+    /// which is logged, nothing is noted from then on.
+    void open(const std::string& path);
+    /// What the bar before was doing when it died; nothing when it ended in order, or idle. The
+    /// note is then gone.
+    std::optional<Note> takeInterrupted();
+
+    /// Steps nest: the end of an inner one brings the outer one's note back.
+    void begin(const Note& note);
+    void end();
+
+    /// A step that lasts as long as a scope.
+    class Scope {
+      public:
+        Scope(StepJournal& journal, const Note& note) : journal_(journal) { journal_.begin(note); }
+        ~Scope() { journal_.end(); }
+        Scope(const Scope&) = delete;
+        Scope& operator=(const Scope&) = delete;
+
+      private:
+        StepJournal& journal_;
+    };
+
+  private:
+    void write(const std::string& bytes) const;
+
+    int file_ = -1;
+    std::vector<std::string> underWay_; // the innermost step last
+};

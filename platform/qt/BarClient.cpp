@@ -1,0 +1,143 @@
+#include "platform/qt/BarClient.h"
+
+#include "platform/Log.h"
+#include "platform/qt/BarNames.h"
+
+#include <QDBusArgument>
+#include <QDBusConnection>
+#include <QDBusMessage>
+#include <QString>
+#include <QVariant>
+
+#include <atomic>
+#include <utility>
+
+namespace platform::qt {
+namespace {
+
+QString qString(const std::string& text) {
+    return QString::fromStdString(text);
+}
+
+std::string uniqueName() {
+    static std::atomic<int> count = 0;
+    return "halvex-bar-client-" + std::to_string(++count);
+}
+
+BarItem readItem(const QDBusArgument& rows) {
+    QString identifier, path;
+    BarItem item;
+    rows.beginStructure();
+    rows >> identifier >> path >> item.position >> item.width;
+    rows.endStructure();
+    item.identifier = identifier.toStdString();
+    item.path = path.toStdString();
+    return item;
+}
+
+} // namespace
+
+BarClient::BarClient(std::string busAddress) : busAddress_(std::move(busAddress)) {}
+
+BarClient::~BarClient() {
+    if (!connectionName_.empty())
+        QDBusConnection::disconnectFromBus(qString(connectionName_));
+}
+
+// A connection of the client's own: the process's shared one wants an application object. A bus
+// that has gone may be back under the same address.
+QDBusConnection BarClient::connection() {
+    const std::lock_guard lock(mutex_);
+    if (!connectionName_.empty()) {
+        QDBusConnection open(qString(connectionName_));
+        if (open.isConnected())
+            return open;
+        QDBusConnection::disconnectFromBus(qString(connectionName_));
+    }
+    connectionName_ = uniqueName();
+    const QString name = qString(connectionName_);
+    return busAddress_.empty() ? QDBusConnection::connectToBus(QDBusConnection::SessionBus, name)
+                               : QDBusConnection::connectToBus(qString(busAddress_), name);
+}
+
+BarClient::Answer BarClient::call(const char* member, const QVariantList& arguments,
+                                  const char* signature) {
+    const QDBusConnection bus = connection();
+    if (!bus.isConnected())
+        return {std::nullopt, "there is no session bus"};
+    auto message =
+        QDBusMessage::createMethodCall(kBarBusName, kBarObjectPath, kBarInterface, member);
+    message.setArguments(arguments);
+    const QDBusMessage reply = bus.call(message, QDBus::Block, kTimeout);
+    if (reply.type() != QDBusMessage::ReplyMessage)
+        return {std::nullopt,
+                "the menu bar does not answer: " + reply.errorMessage().toStdString()};
+    if (reply.signature() != signature)
+        return {std::nullopt, std::string("the menu bar answers ") + member + " with \"" +
+                                  reply.signature().toStdString() + "\" and not \"" + signature +
+                                  '"'};
+    return {reply.arguments(), {}};
+}
+
+BarClient::Answer BarClient::callLogged(const char* member, const QVariantList& arguments,
+                                        const char* signature) {
+    Answer answer = call(member, arguments, signature);
+    std::unique_lock lock(mutex_);
+    const bool isNews = answer.reason != std::exchange(loggedReason_, answer.reason);
+    lock.unlock();
+    if (isNews && !answer)
+        logLine("%@", answer.reason);
+    return answer;
+}
+
+std::int32_t BarClient::getMenuExtra(const std::string& identifier, MenuExtraReference& reference) {
+    reference = 0;
+    const Answer answer = callLogged("GetMenuExtra", {qString(identifier)}, "iu");
+    if (!answer)
+        return kNoAnswer;
+    reference = answer.value->at(1).toUInt();
+    return answer.value->at(0).toInt();
+}
+
+std::int32_t BarClient::addMenuExtra(const std::string& url, std::int32_t position,
+                                     std::int32_t first, std::int32_t second, std::int32_t third,
+                                     std::int32_t fourth) {
+    const Answer answer =
+        callLogged("AddMenuExtra", {qString(url), position, first, second, third, fourth}, "i");
+    return answer ? answer.value->at(0).toInt() : kNoAnswer;
+}
+
+std::int32_t BarClient::removeMenuExtra(MenuExtraReference reference, std::int32_t flags) {
+    const Answer answer = callLogged("RemoveMenuExtra", {reference, flags}, "i");
+    return answer ? answer.value->at(0).toInt() : kNoAnswer;
+}
+
+BarAnswer<std::vector<BarItem>> BarClient::listMenuExtras() {
+    const Answer answer = call("ListMenuExtras", {}, "a(ssid)");
+    if (!answer)
+        return {std::nullopt, answer.reason};
+    std::vector<BarItem> items;
+    const auto rows = answer.value->at(0).value<QDBusArgument>();
+    rows.beginArray();
+    while (!rows.atEnd())
+        items.push_back(readItem(rows));
+    return {std::move(items), {}};
+}
+
+BarAnswer<bool> BarClient::click(const std::string& identifier, const Event& event) {
+    return askYesOrNo(
+        "Click", {qString(identifier), event.modifierFlags, event.clickCount, event.buttonNumber});
+}
+
+BarAnswer<bool> BarClient::snapshot(const std::string& path) {
+    return askYesOrNo("Snapshot", {qString(path)});
+}
+
+BarAnswer<bool> BarClient::askYesOrNo(const char* member, const QVariantList& arguments) {
+    const Answer answer = call(member, arguments, "b");
+    if (!answer)
+        return {std::nullopt, answer.reason};
+    return {answer.value->at(0).toBool(), {}};
+}
+
+} // namespace platform::qt

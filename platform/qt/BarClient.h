@@ -1,0 +1,78 @@
+#pragma once
+
+#include "platform/MenuExtraHost.h"
+
+#include <cstdint>
+#include <mutex>
+#include <optional>
+#include <string>
+#include <vector>
+
+class QDBusConnection;
+class QString;
+template <class T>
+class QList;
+class QVariant;
+
+namespace platform::qt {
+
+/// What the bar said, or why there is nothing, for people.
+template <class Value>
+struct BarAnswer {
+    std::optional<Value> value;
+    std::string reason;
+    explicit operator bool() const { return value.has_value(); }
+};
+
+/// A row of the bar's list of items.
+struct BarItem {
+    std::string identifier;
+    std::string path;
+    std::int32_t position = 0;
+    double width = 0; ///< points
+};
+
+/// The menu bar, asked over the session bus, which starts it when it can and none is running. Needs
+/// neither an application object nor an event loop. A call waits kTimeout at most and gives up at
+/// once when there is no bus or nobody to answer. Any thread.
+class BarClient final : public MenuExtraServer {
+  public:
+    static constexpr int kTimeout = 5000; ///< milliseconds, the start of a bar included
+    /// The status when no bar gives an answer that makes sense. Why is logged, once in a row.
+    static constexpr std::int32_t kNoAnswer = -609;
+
+    /// @p busAddress is empty for the session bus. Connects with the first call.
+    explicit BarClient(std::string busAddress = {});
+    ~BarClient() override;
+
+    std::int32_t getMenuExtra(const std::string& identifier,
+                              MenuExtraReference& reference) override;
+    std::int32_t addMenuExtra(const std::string& url, std::int32_t position, std::int32_t,
+                              std::int32_t, std::int32_t, std::int32_t) override;
+    std::int32_t removeMenuExtra(MenuExtraReference reference, std::int32_t flags) override;
+
+    // These log nothing.
+
+    /// The bar's items from right to left.
+    BarAnswer<std::vector<BarItem>> listMenuExtras();
+    /// Clicks an item; whether it handled the click itself, rather than open its menu. False too
+    /// when there is no such item.
+    BarAnswer<bool> click(const std::string& identifier, const Event& event);
+    /// Has the bar drawn into a PNG file at an absolute path; whether that was done.
+    BarAnswer<bool> snapshot(const std::string& path);
+
+  private:
+    using Answer = BarAnswer<QList<QVariant>>;
+
+    QDBusConnection connection();
+    Answer call(const char* member, const QList<QVariant>& arguments, const char* signature);
+    Answer callLogged(const char* member, const QList<QVariant>& arguments, const char* signature);
+    BarAnswer<bool> askYesOrNo(const char* member, const QList<QVariant>& arguments);
+
+    const std::string busAddress_;
+    std::mutex mutex_;           // guards what follows
+    std::string connectionName_; // of Qt's; empty before the first call
+    std::string loggedReason_;
+};
+
+} // namespace platform::qt

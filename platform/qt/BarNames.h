@@ -1,0 +1,10 @@
+#pragma once
+
+/// Where the menu bar is on the session bus.
+namespace platform::qt {
+
+inline constexpr const char* kBarBusName = "com.quorvanesoftware.MenuBar";
+inline constexpr const char* kBarObjectPath = "/com/quorvanesoftware/MenuBar";
+inline constexpr const char* kBarInterface = "com.quorvanesoftware.MenuBar1";
+
+} // namespace platform::qt
