@@ -2,8 +2,10 @@
 
 #include "apps/menubar/ItemKeeper.h"
 #include "apps/menubar/MenuBar.h"
+#include "platform/Log.h"
 #include "platform/qt/BarNames.h"
 
+#include <QCoreApplication>
 #include <QDBusConnection>
 #include <QDBusMetaType>
 
@@ -36,7 +38,14 @@ BarService::Registration BarService::registerOnBus() {
     auto bus = QDBusConnection::sessionBus();
     if (!bus.isConnected() || !bus.registerObject(kBarObjectPath, &menuBar_))
         return Registration::NoBus;
+    bus.connect("", "/org/freedesktop/DBus/Local", "org.freedesktop.DBus.Local", "Disconnected",
+                this, SLOT(endSession()));
     return bus.registerService(kBarBusName) ? Registration::Done : Registration::TakenByAnother;
+}
+
+void BarService::endSession() {
+    platform::logLine("the session bus has gone, and the menu bar with it");
+    QCoreApplication::quit();
 }
 
 int BarService::GetMenuExtra(const QString& identifier, uint& reference) {

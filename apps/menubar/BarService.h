@@ -32,7 +32,8 @@ class BarService final : public QDBusAbstractAdaptor {
     /// asked before the main loop runs is answered then.
     BarService(MenuBar& menuBar, ItemKeeper& items);
 
-    /// Takes the well-known name; TakenByAnother when another bar has it.
+    /// Takes the well-known name; TakenByAnother when another bar has it. The session is over for
+    /// the bar when this bus goes: it then ends the main loop, for it could not be told to.
     Registration registerOnBus();
 
   public slots:
@@ -46,6 +47,9 @@ class BarService final : public QDBusAbstractAdaptor {
   signals:
     void MenuExtraLoaded(const QString& identifier);
     void MenuExtraUnloaded(const QString& identifier);
+
+  private slots:
+    void endSession();
 
   private:
     MenuBar& menuBar_;

@@ -141,17 +141,4 @@ TEST(BarClient, HearsOfABarThatDiesInTheMiddleOfALoad) {
     EXPECT_EQ(get(client), 0) << "the client finds the new bar";
 }
 
-TEST(BarClient, HasTheBusStartTheBar) {
-    const test::TemporaryFolder folder;
-    const PrivateBus bus({{"HOME", QString::fromStdString(folder.path().string())},
-                          {"XDG_DATA_DIRS", HALVEX_SHARE},
-                          {"XDG_DATA_HOME", QString::fromStdString(folder.file("none"))},
-                          {"XDG_RUNTIME_DIR", QString::fromStdString(folder.path().string())},
-                          {"QT_QPA_PLATFORM", "offscreen"}});
-    BarClient client(addressOf(bus));
-    EXPECT_EQ(get(client), 0) << "the first answer waits for the bar";
-    EXPECT_EQ(client.listMenuExtras().value.value_or(std::vector<platform::qt::BarItem>()).size(),
-              1U);
-}
-
 } // namespace

@@ -33,6 +33,14 @@ TEST(Bar, StartsWithItsOwnClockAndEndsCleanly) {
     EXPECT_EQ(bar.stop(), 0) << bar.log();
 }
 
+TEST(Bar, EndsWithItsSessionBus) {
+    const auto bus = std::make_shared<test::PrivateBus>();
+    BarProcess bar(bus, {});
+    bus->kill();
+    EXPECT_TRUE(bar.ends());
+    EXPECT_TRUE(bar.logs("the session bus has gone, and the menu bar with it"));
+}
+
 TEST(Bar, SpeaksTheInterfaceThatItPromises) {
     BarProcess bar;
     const std::string xml = bar.introspection().toStdString();

@@ -25,6 +25,8 @@ class PrivateBus {
     explicit PrivateBus(const Settings& settings = {});
     ~PrivateBus();
 
+    /// Ends the bus before its time.
+    void kill();
     const QString& address() const { return address_; }
     QDBusConnection connection() const { return QDBusConnection(name_); }
 
