@@ -15,27 +15,6 @@ using platform::appendingPathComponent;
 
 namespace {
 
-using KindTable = std::array<MenuExtraKind, 9>;
-
-/// The gaps in the last two columns are meant: tag 33 came after the loaded test, and the second
-/// generation is only ever taken away.
-const KindTable& allKinds() {
-    using enum menuextras::Knows;
-    static const KindTable kinds{{
-        // tag, identifier, file, loaded test, toggle
-        {1, HalvexMenuID, kHalvexTimeExtraFile, Yes, Yes},
-        {2, HalvexASMid, kHalvexProASMFile, Yes, Yes},
-        {3, HalvexTodoID, "hxCALMenuExtra.menu", Yes, Yes},
-        {4, HalvexNetMenuID, "hxWirelessMenu.menu", Yes, Yes},
-        {5, HalvexProCalMenuID, kHalvexDateCalExtraFile, Yes, Yes},
-        {6, HalvexProOldCalMenuID, kHalvexCalFile, Yes, Yes},
-        {31, Halvex2MenuID, kHalvexExtraFile, Yes, No},
-        {32, Halvex2ASMid, kHalvexASMFile, Yes, No},
-        {33, HalvexTimeOnlyMenuID, kHalvexTimeOnlyExtraFile, No, Yes},
-    }};
-    return kinds;
-}
-
 std::shared_ptr<platform::Bundle> preferencePane() {
     auto loaded = loadedPreferencePane();
     return loaded ? loaded : installedPreferencePane();
@@ -50,9 +29,28 @@ std::optional<std::string> pathInFolder(const std::string& folder, std::int32_t 
 
 } // namespace
 
+/// The gaps in the last two columns are meant: tag 33 came after the loaded test, and the second
+/// generation is only ever taken away.
+std::span<const MenuExtraKind> menuextras::allKinds() {
+    using enum menuextras::Knows;
+    static const std::array<MenuExtraKind, 9> kinds{{
+        // tag, identifier, file, loaded test, toggle
+        {1, HalvexMenuID, kHalvexTimeExtraFile, Yes, Yes},
+        {2, HalvexASMid, kHalvexProASMFile, Yes, Yes},
+        {3, HalvexTodoID, "hxCALMenuExtra.menu", Yes, Yes},
+        {4, HalvexNetMenuID, "hxWirelessMenu.menu", Yes, Yes},
+        {5, HalvexProCalMenuID, kHalvexDateCalExtraFile, Yes, Yes},
+        {6, HalvexProOldCalMenuID, kHalvexCalFile, Yes, Yes},
+        {31, Halvex2MenuID, kHalvexExtraFile, Yes, No},
+        {32, Halvex2ASMid, kHalvexASMFile, Yes, No},
+        {33, HalvexTimeOnlyMenuID, kHalvexTimeOnlyExtraFile, No, Yes},
+    }};
+    return kinds;
+}
+
 const MenuExtraKind* menuextras::kindOfTag(std::int32_t tag) {
-    const auto found = std::ranges::find(allKinds(), tag, &MenuExtraKind::tag);
-    return found == allKinds().end() ? nullptr : &*found;
+    const auto found = std::ranges::find(menuextras::allKinds(), tag, &MenuExtraKind::tag);
+    return found == menuextras::allKinds().end() ? nullptr : &*found;
 }
 
 std::string menuextras::installedFolder() {
@@ -70,8 +68,9 @@ std::optional<std::string> HalvexMenuExtraTools::HalvexPrefsPlugins() {
 }
 
 std::int32_t HalvexMenuExtraTools::menuExtraTagFromID(const std::string& identifier) {
-    const auto found = std::ranges::find(allKinds(), identifier, &MenuExtraKind::identifier);
-    return found == allKinds().end() ? -1 : found->tag;
+    const auto found =
+        std::ranges::find(menuextras::allKinds(), identifier, &MenuExtraKind::identifier);
+    return found == menuextras::allKinds().end() ? -1 : found->tag;
 }
 
 std::optional<std::string> HalvexMenuExtraTools::menuExtraPaths(std::int32_t tag) {

@@ -1,7 +1,7 @@
 #pragma once
 
 #include <cstdint>
-#include <optional>
+#include <span>
 #include <string>
 
 /// What the operations of HalvexMenuExtraTools share among themselves.
@@ -18,6 +18,8 @@ struct MenuExtraKind {
     Knows toggle;     ///< menuExtraToggle
 };
 
+/// The product's nine.
+std::span<const MenuExtraKind> allKinds();
 /// Null for a tag that there is not.
 const MenuExtraKind* kindOfTag(std::int32_t tag);
 

@@ -1,9 +1,9 @@
 #include "apps/ctl/InputFiles.h"
+#include "apps/ctl/Looking.h"
 #include "apps/ctl/Verbs.h"
 #include "menuextras/ExportedIdentifiers.h"
 #include "paths/ovxPaths.h"
 #include "platform/PathStrings.h"
-#include "platform/posix/PosixFileManager.h"
 
 #include <memory>
 #include <optional>
@@ -16,13 +16,6 @@ using platform::PropertyList;
 namespace {
 
 using Names = std::vector<std::string>;
-
-/// Answers as the system's files do, and makes no folder.
-class LookingFileManager final : public platform::posix::PosixFileManager {
-  public:
-    using PosixFileManager::PosixFileManager;
-    bool createDirectory(const std::string&) override { return true; }
-};
 
 PropertyList::Dictionary paths() {
     using Files = HalvexFilePaths;
@@ -66,8 +59,7 @@ PropertyList::Dictionary paths() {
 }
 
 ExitStatus printPaths(const std::string& root, bool json) {
-    LookingFileManager files(root);
-    const platform::ScopedService<platform::FileManager> guard(files);
+    const Looking looking(root);
     PropertyList::Dictionary all = paths();
     if (json)
         return print(std::move(all), Format::Json);

@@ -3,7 +3,10 @@
 #include "apps/ctl/Verbs.h"
 #include "platform/expat/ExpatPropertyLists.h"
 #include "platform/posix/PosixFileManager.h"
+#include "platform/qt/BarClient.h"
 
+#include <cstdlib>
+#include <iostream>
 #include <string>
 
 void addJsonFlag(CLI::App& verb, bool& json) {
@@ -26,8 +29,8 @@ ExitStatus run(int argc, char** argv) {
     commandLine.add_option("--root", root, "A folder whose Library takes the place of /Library")
         ->check(CLI::ExistingDirectory);
     commandLine.require_subcommand(0, 1);
-    for (const auto& addVerbs :
-         {addPathVerbs, addLocationVerbs, addWarningVerbs, addPaneVerbs, addPlistVerb})
+    for (const auto& addVerbs : {addExtraVerbs, addMenuBarVerbs, addPaneVerbs, addPathVerbs,
+                                 addLocationVerbs, addWarningVerbs, addPlistVerb})
         addVerbs(commandLine, chosen);
     try {
         commandLine.parse(argc, argv);
@@ -40,6 +43,8 @@ ExitStatus run(int argc, char** argv) {
     platform::expat::install();
     platform::posix::PosixFileManager files(absolutePath(root));
     const platform::ScopedService<platform::FileManager> guard(files);
+    platform::qt::BarClient bar; // connects when it is asked
+    const platform::ScopedService<platform::MenuExtraServer> barGuard(bar);
     return chosen();
 }
 
@@ -47,5 +52,9 @@ ExitStatus run(int argc, char** argv) {
 
 int main(int argc, char** argv) {
     prepareStandardStreams();
-    return static_cast<int>(run(argc, argv));
+    const ExitStatus status = run(argc, argv);
+    std::cout.flush();
+    // The bus connection's thread may still be at work, which Qt complains about while it takes
+    // itself apart.
+    std::_Exit(static_cast<int>(status));
 }

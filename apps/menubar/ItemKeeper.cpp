@@ -23,7 +23,6 @@ using namespace platform;
 
 namespace {
 
-constexpr const char* kListFile = "Menu Bar Items.plist";
 constexpr const char* kJournalFile = "Menu Bar Step";
 constexpr const char* kOwnClock = "Clock.menu";
 constexpr const char* kOwnClockID = "com.apple.menuextra.clock";
@@ -60,7 +59,7 @@ ItemKeeper::~ItemKeeper() {
 void ItemKeeper::start(const std::vector<std::string>& commandLine) {
     posix::makeHomeFolders(fileManager());
     const std::string folder = HalvexFilePaths::ovxGetUsersHalvexProSupportDir();
-    list_ = std::make_unique<ItemList>(appendingPathComponent(folder, kListFile),
+    list_ = std::make_unique<ItemList>(appendingPathComponent(folder, ItemList::kFileName),
                                        admission_.ownItemsFolder());
     journal_.open(appendingPathComponent(folder, kJournalFile));
     if (!list_->read())

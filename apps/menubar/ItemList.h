@@ -28,6 +28,9 @@ class ItemList {
         std::string step;
     };
 
+    /// Its name in the user's product folder.
+    static constexpr const char* kFileName = "Menu Bar Items.plist";
+
     ItemList(std::string file, std::string ownItemsFolder);
 
     /// Reads the file. Gives false when there is none, or none that can be understood; the latter

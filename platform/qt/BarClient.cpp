@@ -112,6 +112,21 @@ std::int32_t BarClient::removeMenuExtra(MenuExtraReference reference, std::int32
     return answer ? answer.value->at(0).toInt() : kNoAnswer;
 }
 
+bool BarClient::hasBus() {
+    return connection().isConnected();
+}
+
+BarAnswer<std::uint32_t> BarClient::processIdentifier() {
+    auto message =
+        QDBusMessage::createMethodCall("org.freedesktop.DBus", "/org/freedesktop/DBus",
+                                       "org.freedesktop.DBus", "GetConnectionUnixProcessID");
+    message << kBarBusName;
+    const QDBusMessage reply = connection().call(message, QDBus::Block, kTimeout);
+    if (reply.type() != QDBusMessage::ReplyMessage || reply.signature() != "u")
+        return {std::nullopt, reply.errorMessage().toStdString()};
+    return {reply.arguments().at(0).toUInt(), {}};
+}
+
 BarAnswer<std::vector<BarItem>> BarClient::listMenuExtras() {
     const Answer answer = call("ListMenuExtras", {}, "a(ssid)");
     if (!answer)

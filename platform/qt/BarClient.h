@@ -53,6 +53,10 @@ class BarClient final : public MenuExtraServer {
 
     // These log nothing.
 
+    /// The process of the bar that is running; none is started.
+    BarAnswer<std::uint32_t> processIdentifier();
+    /// Whether there is a session bus to find a bar on.
+    bool hasBus();
     /// The bar's items from right to left.
     BarAnswer<std::vector<BarItem>> listMenuExtras();
     /// Clicks an item; whether it handled the click itself, rather than open its menu. False too

@@ -1,0 +1,33 @@
+#include "apps/ctl/BarItems.h"
+
+#include "apps/menubar/ItemList.h"
+#include "paths/ovxPaths.h"
+#include "platform/PathStrings.h"
+#include "platform/qt/BarClient.h"
+
+#include <algorithm>
+
+BarItems::BarItems()
+    : list_(std::make_unique<ItemList>(
+          platform::appendingPathComponent(HalvexFilePaths::ovxGetUsersHalvexProSupportDir(),
+                                           ItemList::kFileName),
+          "")) {
+    list_->read();
+    platform::qt::BarClient bar;
+    if (!bar.processIdentifier())
+        return;
+    const auto items = bar.listMenuExtras();
+    for (std::size_t i = 0; items && i < items.value->size(); ++i)
+        loaded_.push_back((*items.value)[i].identifier);
+}
+
+BarItems::~BarItems() = default;
+
+bool BarItems::isLoaded(const std::string& identifier) const {
+    return std::ranges::count(loaded_, identifier) > 0;
+}
+
+std::string BarItems::leftOutStep(const std::string& path) const {
+    const ItemList::LeftOut* found = list_->find(path);
+    return found ? found->step : "";
+}

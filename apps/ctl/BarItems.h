@@ -1,0 +1,25 @@
+#pragma once
+
+#include <memory>
+#include <string>
+#include <vector>
+
+class ItemList;
+
+/// What is known of the bar's items without starting a bar: which ones are loaded now, and which
+/// ones it leaves out.
+class BarItems {
+  public:
+    BarItems();
+    ~BarItems();
+    BarItems(const BarItems&) = delete;
+    BarItems& operator=(const BarItems&) = delete;
+
+    bool isLoaded(const std::string& identifier) const;
+    /// What the bar was doing when the bundle at @p path crashed it; empty when it did not.
+    std::string leftOutStep(const std::string& path) const;
+
+  private:
+    std::vector<std::string> loaded_; ///< identifiers
+    std::unique_ptr<ItemList> list_;
+};
