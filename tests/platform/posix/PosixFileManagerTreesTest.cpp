@@ -181,21 +181,36 @@ TEST_F(PosixFileManagerTrees, CopiersAtOnceLeaveOneWholeCopy) {
 TEST_F(PosixFileManagerTrees, ProcessesKilledAtAnyMomentLeaveAWholeCopyOrNone) {
     const Listing whole = described(X);
     std::mt19937 random(5);
-    int there = 0;
     bool leftovers = false;
-    for (int round = 0; round < 200; ++round) {
-        killed(std::chrono::microseconds(random() % 12'000), [&] {
-            manager.removeItem(copy);
-            manager.copyItem(X, copy);
+    int changes = 0;
+    for (int round = 0; round < 80; ++round) {
+        // What is killed is copying when there is no copy, else removing it, at any part of the
+        // time that this takes now.
+        const auto act = [&](bool copies, const std::string& path) {
+            return copies ? manager.copyItem(X, path) : manager.removeItem(path);
+        };
+        const bool there = fs::exists(copy);
+        const std::string measured = folder.file("measured");
+        if (there)
+            act(true, measured);
+        const auto start = std::chrono::steady_clock::now();
+        ASSERT_TRUE(act(!there, measured));
+        const std::chrono::duration<double, std::micro> took =
+            std::chrono::steady_clock::now() - start;
+        fs::remove_all(measured);
+        const double part = static_cast<double>(random() % 200) / 100;
+        killed(std::chrono::microseconds(static_cast<int>(took.count() * part)), [&] {
+            act(!there, copy);
+            ::pause();
         });
         if (fs::exists(copy)) {
-            ++there;
             ASSERT_EQ(described(copy), whole);
         }
+        changes += fs::exists(copy) != there ? 1 : 0;
         leftovers = leftovers || namesInTo().size() > (fs::exists(copy) ? 1U : 0U);
     }
-    EXPECT_GT(there, 0);
-    EXPECT_LT(there, 200);
+    EXPECT_GT(changes, 2);
+    EXPECT_LT(changes, 78);
     EXPECT_TRUE(leftovers) << "some were killed in the middle";
     manager.copyItem(X, copy);
     EXPECT_TRUE(manager.removeItem(copy));
