@@ -3,6 +3,7 @@
 #include "platform/PathStrings.h"
 #include "platform/posix/Descriptor.h"
 
+#include <algorithm>
 #include <array>
 #include <cerrno>
 #include <chrono>
@@ -156,7 +157,10 @@ std::string complaintIn(std::string_view text) {
 } // namespace
 
 std::string askLoader(const std::string& path) {
-    const std::string loader = fileOfAddress(reinterpret_cast<const void*>(::getauxval(AT_BASE)));
+    // The system tells where it put the loader as a number.
+    const auto* base =
+        reinterpret_cast<const void*>(::getauxval(AT_BASE)); // NOLINT(performance-no-int-to-ptr)
+    const std::string loader = fileOfAddress(base);
     Child child(loader, path);
     if (!child)
         return "the system's loader cannot be asked";

@@ -3,7 +3,10 @@
 #include "platform/expat/ExpatPropertyLists.h"
 #include "tests/support/TemporaryFolder.h"
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
+
+#include <filesystem>
 
 using platform::Bundle;
 
@@ -55,6 +58,27 @@ TEST_F(BundleFolder, WithoutADictionaryIsABundleAllTheSameAndSaysWhy) {
     EXPECT_TRUE(reason.starts_with("Info.plist: line 2, column")) << reason;
 
     EXPECT_EQ(Bundle::bundleWithPath(folder.write("file", ""), &reason), nullptr);
+}
+
+TEST_F(BundleFolder, IsAsItIsOnTheDiskAndAsItWasOnceItIsGone) {
+    EXPECT_EQ(Bundle::bundleWithPath(path), nullptr);
+    for (const char* executable : {"One", "Two", "Six"}) {
+        folder.write("Test.menu/Contents/Info.plist", infoPlist(executable));
+        EXPECT_EQ(Bundle::bundleWithPath(path)->executablePath(),
+                  path + "/Contents/Linux/" + executable);
+    }
+    std::filesystem::remove_all(path);
+    for (const std::string& spelled : {path, path + "/"}) {
+        const auto gone = Bundle::bundleWithPath(spelled);
+        ASSERT_TRUE(gone);
+        EXPECT_EQ(gone->executablePath(), path + "/Contents/Linux/Six");
+        EXPECT_THAT(gone->executableArchitectures(), testing::IsEmpty());
+    }
+    folder.write("Test.menu/x", "");
+    EXPECT_EQ(Bundle::bundleWithPath(path)->infoDictionary(), nullptr) << "another one is there";
+    std::filesystem::remove_all(path);
+    folder.write("Test.menu", "a file");
+    EXPECT_EQ(Bundle::bundleWithPath(path), nullptr);
 }
 
 TEST(LoadedBundles, AreFoundByTheirIdentifierUntilTheirCodeGoes) {

@@ -1,0 +1,6 @@
+extern "C" int nobodyDefinesThis();
+int callsIt();
+
+int callsIt() {
+    return nobodyDefinesThis();
+}
