@@ -17,6 +17,7 @@ from pathlib import Path
 import bars
 import processes
 import report
+import toggle
 
 START_LIMIT_MS = 10_000
 WARM_UP_SECONDS = 10
@@ -240,6 +241,8 @@ def parse_options() -> argparse.Namespace:
                         help="length of each window, 10 to 60 (default: %(default)s)")
     parser.add_argument("--only", action="append", metavar="NAME",
                         help="only this bar; may be given several times")
+    parser.add_argument("--toggle", action="store_true",
+                        help="only the time in which halvexctl turns the product's clock on")
     parser.add_argument("--markdown", action="store_true", help="print Markdown tables")
     parser.add_argument("--build", type=Path, metavar="DIR",
                         help="the build tree under test (default: build/release)")
@@ -300,6 +303,8 @@ def main() -> int:
     signal.signal(signal.SIGTERM, lambda *_: sys.exit(1))
     try:
         with ExitStack() as stack:
+            if options.toggle:
+                return toggle.measure(Desktop(options.programs, stack), options.build)
             results, problems = measure(options, stack)
     except KeyboardInterrupt:
         note("Interrupted.")

@@ -9,6 +9,10 @@
 //         exec: its bar was mapped; any pixel of the top rows was painted; text stands there. Then
 //         ends COMMAND and waits until the rows are bare again.
 //
+//     screen-watch change LIMIT-MS COMMAND [ARGUMENT...]
+//         Runs COMMAND to its end and prints the microseconds from just before its exec until the
+//         rows first changed.
+//
 //     screen-watch ticks SECONDS
 //         Prints, for each second of the wall clock in which the rows changed, the microseconds
 //         from the second's beginning to the first change.
@@ -228,6 +232,9 @@ class Command {
         munmap(started_, sizeof(microseconds));
     }
 
+    /// Waits until the command has ended by itself.
+    void join() const { waitpid(pid_, nullptr, 0); }
+
     /// Monotonic time just before exec; known once the command has shown anything.
     microseconds started() const { return *started_; }
 
@@ -317,6 +324,22 @@ int measureStart(std::chrono::milliseconds limit, std::span<char*> words) {
     return 0;
 }
 
+int measureChange(std::chrono::milliseconds limit, std::span<char*> words) {
+    Screen screen;
+    const Pixels shown = screen.topRows();
+    const Command command(words);
+    const auto deadline = monotonic() + limit;
+    while (const auto change = screen.wait(deadline)) {
+        if (!change->drawn || screen.topRows() == shown)
+            continue;
+        std::printf("%lld\n", static_cast<long long>((change->when - command.started()).count()));
+        command.join();
+        return 0;
+    }
+    std::fprintf(stderr, "screen-watch: nothing changed on the screen\n");
+    return 1;
+}
+
 int measureTicks(std::chrono::seconds length) {
     Screen screen;
     Pixels shown = screen.topRows();
@@ -352,10 +375,12 @@ int main(int argc, char** argv) {
         }
         if (argc >= 4 && std::string_view(argv[1]) == "start")
             return measureStart(std::chrono::milliseconds(std::stoi(argv[2])), words.subspan(3));
+        if (argc >= 4 && std::string_view(argv[1]) == "change")
+            return measureChange(std::chrono::milliseconds(std::stoi(argv[2])), words.subspan(3));
         if (argc == 3 && std::string_view(argv[1]) == "ticks")
             return measureTicks(std::chrono::seconds(std::stoi(argv[2])));
-        std::fprintf(stderr,
-                     "usage: screen-watch prepare | start LIMIT-MS COMMAND... | ticks SECONDS\n");
+        std::fprintf(stderr, "usage: screen-watch prepare | start LIMIT-MS COMMAND... |"
+                             " change LIMIT-MS COMMAND... | ticks SECONDS\n");
     } catch (const std::exception& problem) {
         std::fprintf(stderr, "screen-watch: %s\n", problem.what());
     }
