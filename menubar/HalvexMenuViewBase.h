@@ -12,6 +12,7 @@ class HalvexMenuExtraBase;
 /// Main thread.
 class HalvexMenuViewBase : public platform::MenuExtraView {
   public:
+    using platform::MenuExtraView::initWithFrame;
     /// Gives the view itself, or null when the platform's class gives null. @p menuExtra stays the
     /// caller's and outlives the view's use.
     virtual std::shared_ptr<HalvexMenuViewBase> initWithFrame(const platform::Rect& frame,

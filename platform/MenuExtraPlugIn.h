@@ -21,7 +21,9 @@ using MenuExtraEntryPoint = MenuExtra* (*)(const char* principalClass);
 } // namespace platform
 
 /// Stands once in a bundle's code and makes Class its principal class.
+// NOLINTBEGIN(bugprone-macro-parentheses): a class is not to be put in parentheses.
 #define HALVEX_MENU_EXTRA(Class)                                                                   \
     extern "C" platform::MenuExtra* HalvexMenuExtraEntry_1(const char* principalClass) {           \
         return std::string_view(principalClass) == #Class ? new Class : nullptr;                   \
     }
+// NOLINTEND(bugprone-macro-parentheses)

@@ -21,8 +21,9 @@ constexpr auto kBase64Values = [] {
     values.fill(kNoDigit);
     for (const char space : kSpace)
         values[static_cast<unsigned char>(space)] = kSkipped;
-    for (std::uint8_t i = 0; i < kBase64.size(); ++i)
-        values[static_cast<unsigned char>(kBase64[i])] = i;
+    std::uint8_t value = 0;
+    for (const char digit : kBase64)
+        values[static_cast<unsigned char>(digit)] = value++;
     return values;
 }();
 

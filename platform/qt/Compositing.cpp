@@ -95,6 +95,7 @@ Pixel unpacked(QRgb packed) {
 }
 
 QRgb packed(const Pixel& pixel) {
+    // Never negative. NOLINTNEXTLINE(bugprone-incorrect-roundings): lround is a call a pixel.
     const auto byte = [](float c) { return static_cast<int>(c * 255 + 0.5F); };
     return qRgba(byte(pixel.red), byte(pixel.green), byte(pixel.blue), byte(pixel.alpha));
 }

@@ -42,7 +42,7 @@ ScopedContext::ScopedContext(QtGraphics& graphics, QImage& target, QSizeF points
         target.convertTo(QImage::Format_ARGB32_Premultiplied);
     context_ = std::make_unique<QtGraphicsContext>(
         graphics.lines_, target, points, scale, defaultTextColor,
-        defaultFont ? std::move(*defaultFont) : graphics.defaultFont());
+        defaultFont ? *defaultFont : graphics.defaultFont());
     previous_ = std::exchange(graphics.current_, context_.get());
 }
 

@@ -95,9 +95,9 @@ Mask alphaOf(const QImage& layer, QPoint origin) {
 } // namespace
 
 QtGraphicsContext::QtGraphicsContext(TextLines& lines, QImage& target, QSizeF points, double scale,
-                                     QColor defaultTextColor, QFont defaultFont)
+                                     QColor defaultTextColor, const QFont& defaultFont)
     : lines_(lines), target_(target), points_(points), scale_(scale),
-      defaultTextColor_(defaultTextColor), defaultFont_(std::move(defaultFont)) {}
+      defaultTextColor_(defaultTextColor), defaultFont_(defaultFont) {}
 
 QtGraphicsContext::~QtGraphicsContext() = default;
 

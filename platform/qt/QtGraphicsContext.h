@@ -20,7 +20,7 @@ namespace platform::qt {
 class QtGraphicsContext final : public GraphicsContext {
   public:
     QtGraphicsContext(TextLines& lines, QImage& target, QSizeF points, double scale,
-                      QColor defaultTextColor, QFont defaultFont);
+                      QColor defaultTextColor, const QFont& defaultFont);
     ~QtGraphicsContext() override;
 
     const QFont& defaultFont() const { return defaultFont_; }

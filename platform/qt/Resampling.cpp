@@ -70,6 +70,7 @@ Components unpacked(QRgb pixel) {
 }
 
 QRgb packed(const Components& c) {
+    // Never negative. NOLINTNEXTLINE(bugprone-incorrect-roundings): lround is a call a pixel.
     const auto byte = [](float component) { return static_cast<int>(component + 0.5F); };
     return qRgba(byte(c[1]), byte(c[2]), byte(c[3]), byte(c[0]));
 }
