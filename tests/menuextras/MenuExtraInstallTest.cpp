@@ -61,10 +61,13 @@ TEST_F(MenuExtraInstall, InstallsOrSaysWhyNot) {
         EXPECT_EQ(log(), "replacing MenuExtra (V1) at F/X.menu" + more);
         EXPECT_EQ(version("X.menu"), "2");
     }
-    fs::remove_all(X);
-    fs::create_symlink("nowhere", X);
-    EXPECT_TRUE(Tools::installMenuExtra(S));
-    EXPECT_EQ(version("X.menu"), "2") << "a link to nothing is in nobody's way";
+    for (const std::string& target : {std::string("nowhere"), tree.place(S)}) {
+        fs::remove_all(X);
+        fs::create_symlink(target, X);
+        EXPECT_TRUE(Tools::installMenuExtra(S));
+        EXPECT_FALSE(fs::is_symlink(X)) << "a link is in nobody's way, wherever it leads";
+        EXPECT_EQ(version("X.menu"), "2");
+    }
 }
 
 TEST_F(MenuExtraInstall, LosesNothingToAPathThatNamesTheInstalledFolderOrACopyInIt) {
