@@ -159,16 +159,10 @@ TEST_F(PosixFileManagerTrees, ProcessesKilledAtAnyMomentLeaveAWholeCopyOrNone) {
 }
 
 TEST_F(PosixFileManagerTrees, ACopyUnderWayIsNobodysLeftover) {
-    cutOff([&](auto& files) { files.copyItem(X, copy); });
-    const Names left = namesIn(to);
-    ASSERT_EQ(left.size(), 1U);
-    const int maker = ::open((to + '/' + *left.begin()).c_str(), O_RDONLY | O_CLOEXEC);
-    ASSERT_EQ(::flock(maker, LOCK_EX), 0);
-    EXPECT_TRUE(manager.copyItem(X, copy));
-    EXPECT_EQ(namesIn(to).size(), 2U) << "its maker still holds it";
-    ::close(maker);
-    EXPECT_TRUE(manager.removeItem(copy));
-    EXPECT_TRUE(manager.copyItem(X, copy));
+    leftoverGoesWithItsMaker(to, [&](auto& files) {
+        files.removeItem(copy);
+        return files.copyItem(X, copy);
+    });
     EXPECT_EQ(namesIn(to), Names{"X.menu"});
 }
 

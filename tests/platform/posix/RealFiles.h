@@ -90,16 +90,26 @@ class RealFiles : public testing::Test {
         ::kill(child, SIGKILL);
         ASSERT_EQ(::waitpid(child, nullptr, 0), child);
     }
-    /// Runs this in a process that ends where something finished would get its name.
-    template <class Code>
-    static void cutOff(Code code) {
+    /// Makes something in @p place in a process that ends where what it made would get its name,
+    /// and then twice more: first while somebody holds the leftover, as its maker would.
+    template <class Make>
+    void leftoverGoesWithItsMaker(const std::string& place, Make make) {
         const pid_t child = ::fork();
         if (child == 0) {
             CutOff calls;
             PosixFileManager files({}, calls);
-            code(files);
+            make(files);
         }
         ::waitpid(child, nullptr, 0);
+        const Names left = namesIn(place);
+        ASSERT_EQ(left.size(), 1U);
+        const int maker = ::open((place + '/' + *left.begin()).c_str(), O_RDONLY | O_CLOEXEC);
+        ASSERT_EQ(::flock(maker, LOCK_EX), 0);
+        EXPECT_TRUE(make(manager));
+        EXPECT_EQ(namesIn(place).size(), 2U) << "its maker still holds it";
+        ::close(maker);
+        EXPECT_TRUE(make(manager));
+        EXPECT_FALSE(namesIn(place).contains(*left.begin()));
     }
 
     using PosixFileManager = platform::posix::PosixFileManager;
