@@ -64,9 +64,10 @@ TEST_F(X11Bar, SendsTheMouseAndTheKeyboardOn) {
         {QString("mousemove %1 10").arg(kScreenWidth - clock - 20), ""},
         {"keydown Shift_L click --repeat 2 1 keyup Shift_L", "click shift 2"},
         {"click 8", "click control 1"}, // X numbers the back button 8
-        {"key Escape click 1", "click plain 1"},
-        {"key Down key Return", "chosen"},
-        {"click 1 key Up key Return", "test.extra raised an exception: unknown"},
+        {"sleep 0.1 key Escape sleep 0.1 click 1", "click plain 1"},
+        {"sleep 0.1 key Down sleep 0.1 key Return", "chosen"},
+        {"sleep 0.1 click 1 sleep 0.1 key Up key Return",
+         "test.extra raised an exception: unknown"},
     };
     for (const auto& [action, line] : actions) {
         run("xdotool " + action);
