@@ -22,7 +22,7 @@ TEST(BarClientAlone, HasTheBusStartTheBarAndAsksItFromAnyThread) {
                                 {"XDG_DATA_HOME", home + "/none"},
                                 {"XDG_RUNTIME_DIR", home},
                                 {"QT_QPA_PLATFORM", "offscreen"}});
-    platform::qt::BarClient client(bus.address());
+    platform::qt::BarClient client(bus.addressText());
     platform::MenuExtraReference reference = 0;
     EXPECT_EQ(client.getMenuExtra(test::kOwnClock, reference), 0)
         << "the first answer waits for the bar";

@@ -36,7 +36,7 @@ std::vector<std::int32_t> askEverything(BarClient& client) {
 TEST(BarClient, AsksARunningBarForEverything) {
     const auto bus = std::make_shared<PrivateBus>();
     BarProcess bar(bus, {});
-    BarClient client(bus->address());
+    BarClient client(bus->addressText());
     const std::string path = test::SpoiltBundle(bar).path;
     EXPECT_EQ(get(client, kTestExtra), -1);
     ASSERT_TRUE(bar.has(path, kTestExtra));
@@ -61,7 +61,7 @@ TEST(BarClient, GivesUpAtOnceWithoutABusAndWithoutABarAndSaysSoOnce) {
     const std::pair<std::string, const char*> cases[] = {
         {"unix:path=/no/such/bus", "there is no session bus"},
         {"nonsense", "there is no session bus"},
-        {bus.address(), "the menu bar does not answer: "},
+        {bus.addressText(), "the menu bar does not answer: "},
     };
     for (const auto& [address, reason] : cases) {
         test::RecordingLog log;
@@ -80,7 +80,7 @@ TEST(BarClient, TakesNoGarbageFromABar) {
                                 "/com/quorvanesoftware/MenuBar",
                                 [](const auto&) { return QString("garbage"); });
     test::RecordingLog log;
-    BarClient client(bus.address());
+    BarClient client(bus.addressText());
     // This thread answers.
     auto statuses = std::async(std::launch::async, [&] { return askEverything(client); });
     ASSERT_TRUE(
@@ -93,7 +93,7 @@ TEST(BarClient, HearsOfABarThatDiesInTheMiddleOfALoad) {
     const auto bus = std::make_shared<PrivateBus>();
     BarProcess bar(bus, {"--admit=all"});
     const test::SpoiltBundle extra(bar, "HangsAtStart");
-    BarClient client(bus->address());
+    BarClient client(bus->addressText());
     EXPECT_EQ(bar.add(extra.path), 0) << "the load follows";
     ASSERT_TRUE(bar.logs("hanging"));
     auto status = std::async(std::launch::async, [&] { return get(client, kTestExtra); });

@@ -59,7 +59,7 @@ BarProcess::BarProcess(std::shared_ptr<PrivateBus> bus, const QStringList& argum
     : bus_(std::move(bus)) {
     Settings all{{"HOME", QString::fromStdString(home().string())},
                  {"XDG_RUNTIME_DIR", QString::fromStdString(folder_.path())},
-                 {"DBUS_SESSION_BUS_ADDRESS", QString::fromStdString(bus_->address())},
+                 {"DBUS_SESSION_BUS_ADDRESS", bus_->address()},
                  {"QT_QPA_PLATFORM", "offscreen"}};
     all.insert(all.end(), settings.begin(), settings.end());
     std::filesystem::create_directory(home());

@@ -30,7 +30,8 @@ class PrivateBus {
 
     /// Ends the bus before its time.
     void kill();
-    std::string address() const { return address_.toStdString(); }
+    const QString& address() const { return address_; }
+    std::string addressText() const { return address_.toStdString(); }
     QDBusConnection connection() const { return QDBusConnection(name_); }
 
   private:
