@@ -43,7 +43,6 @@ BarProcess::BarProcess(std::shared_ptr<PrivateBus> bus, const QStringList& argum
     environment_.insert("XDG_RUNTIME_DIR", QString::fromStdString(folder_.path()));
     environment_.insert("DBUS_SESSION_BUS_ADDRESS", bus_->address());
     environment_.insert("QT_QPA_PLATFORM", "offscreen");
-    environment_.insert("LSAN_OPTIONS", "suppressions=" HALVEX_SUPPRESSIONS);
     for (const auto& [name, value] : settings)
         environment_.insert(name, value);
     std::filesystem::create_directory(folder_.path() / "home");
