@@ -58,9 +58,8 @@ TEST(WarningTitles, ComeFromTheFirstReadableListInEveryCombination) {
         for (std::size_t place = 0; place < kDefaultPlace; ++place)
             custom |= states[place] != State::Missing;
 
-        EXPECT_EQ(
-            HalvexFilePaths::loadWarnMeTitles(WarnMeTitlesFile, tree.path(kPlaces[kDefaultPlace])),
-            titles);
+        const std::string last = tree.path(kPlaces[kDefaultPlace]);
+        EXPECT_EQ(HalvexFilePaths::loadWarnMeTitles(WarnMeTitlesFile, last), titles);
         EXPECT_EQ(tree.log.take(), lines);
         EXPECT_EQ(HalvexFilePaths::hasCustomWarnMeFile(WarnMeTitlesFile), custom);
         EXPECT_FALSE(HalvexFilePaths::hasCustomWarnMeFile(WarnMeTimesFile));

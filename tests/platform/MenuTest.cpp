@@ -41,17 +41,14 @@ TEST(MenuItem, CanBeChosenWhenThereIsSomethingToDoAndTheTargetAllowsIt) {
 TEST(MenuItem, LivesThroughAnActionThatDropsItsTargetAndItsMenu) {
     auto target = std::make_shared<Target>();
     auto menu = std::make_unique<Menu>();
-    bool targetAlive = false;
     const std::weak_ptr<Target> watched = target;
-    menu->addItem(
-        "x",
-        [&](MenuItem&) {
-            target.reset();
-            targetAlive = !watched.expired();
-        },
-        target);
+    const auto drop = [&](MenuItem&) {
+        target.reset();
+        EXPECT_FALSE(watched.expired());
+        menu.reset();
+    };
+    menu->addItem("x", drop, target);
     EXPECT_TRUE(menu->items().front()->perform());
-    EXPECT_TRUE(targetAlive);
     EXPECT_TRUE(watched.expired());
 }
 
@@ -59,11 +56,10 @@ TEST(MenuItem, TellsWhoShowsItOnlyOfRealChanges) {
     int changes = 0;
     MenuItem item("a");
     item.setChangeHandler([&] { ++changes; });
-    item.setTitle("a");
-    item.setState(MenuItem::State::Off);
-    EXPECT_EQ(changes, 0);
-    item.setTitle("b");
-    item.setState(MenuItem::State::On);
+    for (const char* title : {"a", "b", "b"})
+        item.setTitle(title);
+    for (const auto state : {MenuItem::State::Off, MenuItem::State::On})
+        item.setState(state);
     EXPECT_EQ(changes, 2);
 }
 
