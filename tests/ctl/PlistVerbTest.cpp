@@ -1,9 +1,6 @@
 #include "tests/ctl/Ctl.h"
 
-#include <gtest/gtest.h>
-
 using test::Ctl;
-using test::Outcome;
 
 namespace {
 
@@ -26,24 +23,16 @@ TEST(Plist, PrintsEveryKindOfValueAsJson) {
     };
     for (const auto& [xml, json] : cases) {
         ctl.write("value.plist", std::string("<plist>") + xml + "</plist>");
-        const Outcome outcome = ctl.run("halvexctl plist value.plist --json");
-        EXPECT_EQ(outcome.output, std::string(json) + "\n") << xml << outcome.log;
+        ctl.follow({{"halvexctl plist value.plist --json", std::string(json) + "\n"}});
     }
 }
 
 TEST(Plist, SaysInOneLineWhereAFileGoesWrong) {
     const Ctl ctl;
-    const char* const cases[][3] = {
-        {"tag", "<plist>\n  <array>\n  </dict>", "tag:3:5: mismatched tag"},
-        {"two\nlines", "x", "two?lines:1:1: syntax error"},
-    };
-    for (const auto& [name, text, line] : cases) {
-        ctl.write(name, text);
-        const Outcome outcome = ctl.run(std::string("halvexctl plist '") + name + "'");
-        EXPECT_EQ(outcome.status, 1);
-        EXPECT_EQ(outcome.output, "");
-        EXPECT_EQ(outcome.log, std::string("halvexctl: ") + line + "\n");
-    }
+    ctl.write("tag", "<plist>\n  <array>\n  </dict>");
+    ctl.write("two\nlines", "x");
+    ctl.follow({{"halvexctl plist tag", "", 1, "halvexctl: tag:3:5: mismatched tag\n"},
+                {"halvexctl plist 'two\nlines'", "", 1, ": two?lines:1:1: syntax error\n"}});
 }
 
 } // namespace
