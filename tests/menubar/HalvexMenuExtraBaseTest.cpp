@@ -18,7 +18,6 @@ namespace {
 
 class TestExtra : public HalvexMenuExtraBase {
   public:
-    using HalvexMenuExtraBase::appText_;
     using HalvexMenuExtraBase::extraHeight_;
     using HalvexMenuExtraBase::extraWidth_;
     using HalvexMenuExtraBase::view_;
@@ -75,7 +74,6 @@ TEST_F(MenuExtraBase, StartsWithItsOwnViewTheTitleDashAndTheWidthOfIt) {
     EXPECT_EQ(extra->extraHeight_, 21.0F);
     EXPECT_EQ(extra->attributedTitle()->string(), "-");
     EXPECT_EQ(extra->extraWidth_, 9.0F);
-    EXPECT_EQ(extra->length(), 9.0F);
     EXPECT_EQ(extra->view()->frame().size, (Size{9, 22}));
 }
 

@@ -1,3 +1,4 @@
+#include "menuextras/ExportedIdentifiers.h"
 #include "paths/ovxPaths.h"
 #include "platform/Bundle.h"
 #include "tests/paths/SupportTree.h"
@@ -112,47 +113,42 @@ TEST_F(LocationList, IsReadFromItsFileElseFromThePaneElseEmpty) {
 }
 
 TEST_F(LocationList, TheLoadedPaneComesBeforeThoseOnTheDisk) {
-    tree.write("~/Pane.prefPane" + kResource, mine);
+    const std::string place = "~/Pane.prefPane";
+    tree.write(place + kResource, mine);
     tree.write(kPaneForAll + kResource, other);
     const auto pane = std::make_shared<Bundle>(
-        tree.path("~/Pane.prefPane"),
-        PropertyList::Dictionary{{"CFBundleIdentifier", "com.quorvanesoftware.prefHalvexPanel"}});
+        tree.path(place), PropertyList::Dictionary{{"CFBundleIdentifier", HalvexPrefsBundleID}});
     Bundle::setCode(pane, Bundle::Code::Loaded);
     EXPECT_EQ(Paths::HalvexLoadLocationFile(), Array{record("mine")});
-    fs::remove(tree.place("~/Pane.prefPane" + kResource));
+    fs::remove(tree.place(place + kResource));
     EXPECT_EQ(Paths::HalvexLoadLocationFile(), Array());
     Bundle::setCode(pane, Bundle::Code::Unloaded);
     EXPECT_EQ(Paths::HalvexLoadLocationFile(), Array{record("other")});
-    EXPECT_THAT(tree.log.take(),
-                ElementsAre("Default locations loaded", missing(tree.path("~/Pane.prefPane")),
-                            kNoPane, "Default locations loaded"));
+    EXPECT_THAT(tree.log.take(), ElementsAre("Default locations loaded", missing(tree.path(place)),
+                                             kNoPane, "Default locations loaded"));
 }
 
 TEST_F(LocationList, MovesHereFromOneOfItsOldPlaces) {
-    tree.write(kFirstOld, mine);
+    tree.write("~/real", mine);
+    fs::create_symlink("../real", tree.place(kFirstOld));
     tree.write(kSecondOld, other);
     EXPECT_EQ(Paths::HalvexLoadLocationFile(), Array{record("mine")});
-    EXPECT_THAT(tree.log.take(), ElementsAre(moved(kFirstOld)));
-    EXPECT_FALSE(tree.exists(kFirstOld));
+    EXPECT_THAT(tree.log.take(), ElementsAre(moved("~/real"))) << "what the link leads to";
+    EXPECT_FALSE(tree.exists("~/real"));
     EXPECT_EQ(read(tree, kList), mine);
 
+    fs::remove(tree.place(kFirstOld));
+    tree.write(kFirstOld, other);
     EXPECT_EQ(Paths::HalvexLoadLocationFile(), Array{record("mine")});
     EXPECT_THAT(tree.log.take(), IsEmpty()) << "a move that fails";
-    EXPECT_EQ(read(tree, kSecondOld), other);
+    EXPECT_TRUE(tree.exists(kSecondOld));
 
     fs::remove(tree.place(kList));
+    fs::remove(tree.place(kFirstOld));
     tree.make(kFirstOld);
     EXPECT_EQ(Paths::HalvexLoadLocationFile(), Array{record("other")});
     EXPECT_THAT(tree.log.take(), ElementsAre(moved(kFirstOld)));
-    EXPECT_TRUE(tree.exists(kFirstOld));
-}
-
-TEST_F(LocationList, TheFileBehindALinkInAnOldPlaceIsMoved) {
-    tree.write("~/real", mine);
-    fs::create_symlink("../real", tree.place(kFirstOld));
-    EXPECT_EQ(Paths::HalvexLoadLocationFile(), Array{record("mine")});
-    EXPECT_THAT(tree.log.take(), ElementsAre(moved("~/real")));
-    EXPECT_FALSE(tree.exists("~/real"));
+    EXPECT_FALSE(tree.exists(kSecondOld));
 }
 
 TEST_F(LocationList, WithoutAListThereIsNothingToMergeInto) {

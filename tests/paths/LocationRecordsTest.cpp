@@ -32,49 +32,45 @@ PropertyList flagged(const PropertyList& original) {
 TEST(LocationRecords, AreEqualByValueWhateverKindOfNumberHoldsIt) {
     const std::int64_t two53 = std::int64_t{1} << 53;
     const auto two63 = std::uint64_t{1} << 63;
-    const auto minimum = std::numeric_limits<std::int64_t>::min();
     const auto maximum = std::numeric_limits<std::uint64_t>::max();
-    using Pairs = std::vector<std::pair<PropertyList, PropertyList>>;
     using Dictionary = PropertyList::Dictionary;
-    const Pairs same = {
-        {true, 1},
-        {true, 1.0},
-        {1, 1.0},
+    // Of each row all are the same, and of two rows none.
+    const std::vector<Array> rows = {
+        {true, 1, 1.0},
         {false, -0.0},
+        {1.5},
+        {-1, -1.0},
+        {maximum},
+        {0x1p64},
         {two53, 0x1p53},
+        {two53 + 1},
         {two63, 0x1p63},
-        {minimum, -0x1p63},
+        {two63 + 1},
+        {std::numeric_limits<std::int64_t>::min(), -0x1p63},
         {std::nan(""), -std::nan("")},
-        {PropertyList::Data{{'a'}}, PropertyList::Data{{'a'}}},
+        {"1"},
+        {""},
+        {"\u00e9"},
+        {"e\u0301"},
+        {std::string("a\0b", 3)},
+        {std::string("a\0c", 3)},
+        {PropertyList::Date{1}},
+        {PropertyList::Data{{'1'}}, PropertyList::Data{{'1'}}},
         {Array{1, "a"}, Array{1.0, "a"}},
+        {Array{"a", 1}},
         {Dictionary{{"a", 1}, {"b", true}}, Dictionary{{"b", 1.0}, {"a", true}}},
+        {Dictionary{{"a", 1}}},
     };
-    const Pairs different = {
-        {true, 2},
-        {1, 1.5},
-        {-1, maximum},
-        {two53 + 1, 0x1p53},
-        {two63 + 1, 0x1p63},
-        {maximum, 0x1p64},
-        {std::nan(""), 0},
-        {"1", 1},
-        {"", false},
-        {"\u00e9", "e\u0301"},
-        {std::string("a\0b", 3), std::string("a\0c", 3)},
-        {PropertyList::Date{1}, 1},
-        {PropertyList::Data{{'a'}}, "a"},
-        {Array{1, "a"}, Array{"a", 1}},
-        {Dictionary{{"a", 1}}, Dictionary{{"a", 1}, {"b", 1}}},
-    };
-    const auto duplicates = [](const PropertyList& known, const PropertyList& cached) {
-        return mergeRecords({record(known)}, {record(cached)}).duplicates;
-    };
-    for (const Pairs* pairs : {&same, &different})
-        for (std::size_t i = 0; i < pairs->size(); ++i) {
-            const auto& [left, right] = (*pairs)[i];
-            EXPECT_EQ(duplicates(left, right), pairs == &same) << i;
-            EXPECT_EQ(duplicates(right, left), pairs == &same) << i << ", turned";
-        }
+    for (const Array& row : rows)
+        for (const Array& other : rows)
+            for (const PropertyList& value : row) {
+                Array cached;
+                for (const PropertyList& element : other)
+                    cached.push_back(record(element));
+                const std::size_t expected = &row == &other ? row.size() : 0;
+                EXPECT_EQ(mergeRecords({record(value)}, cached).duplicates, expected)
+                    << &row - rows.data() << " and " << &other - rows.data();
+            }
 }
 
 TEST(LocationRecords, TheCachesRecordsFollowWithoutThoseThatTheListHas) {

@@ -7,6 +7,7 @@
 
 #include <algorithm>
 #include <iterator>
+#include <map>
 #include <sstream>
 
 using namespace test;
@@ -19,27 +20,22 @@ using Paths = HalvexFilePaths;
 
 namespace {
 
-const std::string kLocalMakerText = kLocalMaker;
-const std::string kPictures = kLocalMakerText + "/Pictures";
-const std::string kThemes = kLocalMakerText + "/Themes";
+const std::string kPictures = std::string(kLocalMaker) + "/Pictures";
+const std::string kThemes = std::string(kLocalMaker) + "/Themes";
 const std::string kFrames = std::string(kUser) + "/Glimmerbox Frames";
 const std::string kBackgrounds = "/Library/Desktop Pictures/Glimmerbox Backgrounds";
-const std::string kFramesLink = kFrames + "/Glimmerbox Backgrounds";
-const std::string kPicturesLink = kPictures + "/Glimmerbox Backgrounds";
 
 /// Paths separated by ", ", whose first part may be short: the Application Support folders of the
 /// user and of the machine, the maker's folders in them, the folder of frames, the backgrounds.
 std::vector<std::string> paths(const std::string& shortened) {
-    const std::pair<char, std::string> names[] = {{'U', kUser},   {'M', kUserMaker},
-                                                  {'L', kLocal},  {'N', kLocalMaker},
-                                                  {'F', kFrames}, {'B', kBackgrounds}};
+    const std::map<char, std::string> names{{'U', kUser},   {'M', kUserMaker},
+                                            {'L', kLocal},  {'N', kLocalMaker},
+                                            {'F', kFrames}, {'B', kBackgrounds}};
     std::vector<std::string> result;
     std::istringstream stream(shortened);
     for (std::string path; std::getline(stream >> std::ws, path, ',');) {
-        for (const auto& [letter, whole] : names)
-            if (path.front() == letter)
-                path.replace(0, 1, whole);
-        result.push_back(path);
+        const auto found = names.find(path.front());
+        result.push_back(found == names.end() ? path : found->second + path.substr(1));
     }
     return result;
 }
@@ -52,7 +48,8 @@ std::string without(Operation operation) {
 }
 
 TEST(SupportFolders, AreWhereTheLayoutPutsThemAndOnlyWhatItSaysIsCreated) {
-    const RecordingWorkspace workspace;
+    RecordingWorkspace workspace;
+    std::vector<std::string> opened;
     const struct {
         std::string (*operation)();
         const char *result, *created;
@@ -102,6 +99,8 @@ TEST(SupportFolders, AreWhereTheLayoutPutsThemAndOnlyWhatItSaysIsCreated) {
         SupportTree tree(paths(existing));
         const auto before = tree.entries();
         EXPECT_EQ(tree.shown(operation()), *result ? paths(result).front() : "");
+        for (const std::string& path : std::exchange(workspace.opened, {}))
+            opened.push_back(tree.shown(path));
         std::vector<std::string> difference;
         std::ranges::set_difference(tree.entries(), before, std::back_inserter(difference));
         EXPECT_THAT(difference, testing::UnorderedElementsAreArray(paths(created)));
@@ -110,7 +109,7 @@ TEST(SupportFolders, AreWhereTheLayoutPutsThemAndOnlyWhatItSaysIsCreated) {
             lines.push_back("ovxMakeDirIfNeeded: Error creating path: " + tree.path(path));
         EXPECT_EQ(tree.log.take(), lines);
     }
-    EXPECT_EQ(workspace.opened.size(), 3U);
+    EXPECT_EQ(opened, paths("U/Themes, N/Themes, F"));
 }
 
 TEST(SupportFolders, WhateverIsInAFoldersPlaceStaysAndIsNotLogged) {
@@ -120,7 +119,6 @@ TEST(SupportFolders, WhateverIsInAFoldersPlaceStaysAndIsNotLogged) {
     EXPECT_EQ(ovxPaths::HalvexThemesList(), std::nullopt);
     EXPECT_EQ(tree.shown(Paths::ovxGetUserQuorvaneSoftwareFolder()), kUserMaker);
     EXPECT_THAT(tree.log.take(), IsEmpty());
-    EXPECT_TRUE(fs::is_regular_file(tree.place(kThemes)));
     EXPECT_TRUE(fs::is_symlink(tree.place(kUserMaker)));
 }
 
@@ -133,16 +131,15 @@ TEST(SupportFolders, LinksHoldTheBackgroundsPathAndASecondOneIsLoggedEachInItsOw
     EXPECT_THAT(tree.log.take(),
                 ElementsAre("Error creating symbolic link at: " + kPictures,
                             "Error Creating SymbolicLink at: " + tree.path(kFrames)));
-    EXPECT_EQ(fs::read_symlink(tree.place(kPicturesLink)), kBackgrounds);
-    EXPECT_EQ(fs::read_symlink(tree.place(kFramesLink)), kBackgrounds);
+    for (const std::string& folder : {kPictures, kFrames})
+        EXPECT_EQ(fs::read_symlink(tree.place(folder + "/Glimmerbox Backgrounds")), kBackgrounds);
 }
 
 TEST(SupportFolders, ListsHoldEverythingInTheFileSystemsOrder) {
     SupportTree tree;
-    for (const char* name : {"/z", "/.hidden", "/a/b/c", "/m/n"}) {
-        tree.write(kThemes + name, "");
-        tree.write(kPictures + name, "");
-    }
+    for (const char* name : {"/z", "/.hidden", "/a/b/c", "/m/n"})
+        for (const std::string& folder : {kThemes, kPictures})
+            tree.write(folder + name, "");
     fs::create_directory_symlink(tree.place(kThemes), tree.place(kPictures + "/link"));
 
     std::vector<std::string> names;
@@ -179,16 +176,6 @@ TEST(SupportFolders, FramesAreTheFilesThatNameAndExclusionLeave) {
     SupportTree other({kUser});
     other.write(kFrames, "a file");
     EXPECT_EQ(ovxPaths::ovxGlimmerboxGetListFrames(), std::nullopt);
-}
-
-TEST(SupportFolders, AreShownByTheWorkspace) {
-    SupportTree tree({kUser, kLocalMaker});
-    const RecordingWorkspace workspace;
-    ovxPaths::ovxShowHalvexThemeFolder(&tree);
-    ovxPaths::ovxShowSystemHalvexThemeFolder();
-    ovxPaths::ovxShowFramesFolder(&tree);
-    EXPECT_THAT(workspace.opened, ElementsAre(tree.path(std::string(kUser) + "/Themes"), kThemes,
-                                              tree.path(kFrames)));
 }
 
 } // namespace

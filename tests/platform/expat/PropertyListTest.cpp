@@ -15,6 +15,7 @@ const std::string kLong(100, 'x');
 
 /// One of each kind, both lengths of string, both signs of integer.
 std::vector<PropertyList> kinds() {
+    const PropertyList::Data data{{1, 2}};
     return {"short",
             kLong,
             -1,
@@ -23,7 +24,7 @@ std::vector<PropertyList> kinds() {
             true,
             false,
             PropertyList::Date{-1},
-            PropertyList::Data{{1, 2}},
+            data,
             Array{"a", kLong},
             Dictionary{{"k", kLong}}};
 }
@@ -48,16 +49,16 @@ TEST(PropertyListTest, EveryKindCopiesMovesAndComparesAsAValue) {
 }
 
 TEST(PropertyListTest, ACopySharesNothing) {
-    const PropertyList original =
-        Array{Array{"a"}, Dictionary{{"k", "v"}}, PropertyList::Data{{7}}};
+    const auto make = [](const char* text, std::uint8_t byte) {
+        return Array{Array{text}, Dictionary{{"k", text}}, PropertyList::Data{{byte}}};
+    };
+    const PropertyList original = make("a", 7);
     PropertyList copy = original;
-    copy.array()->at(0).array()->push_back("b");
-    copy.array()->at(1).dictionary()->set("k", "w");
+    copy.array()->at(0).array()->front() = "b";
+    copy.array()->at(1).dictionary()->set("k", "b");
     copy.array()->at(2).data()->bytes[0] = 8;
-    EXPECT_EQ(original,
-              PropertyList(Array{Array{"a"}, Dictionary{{"k", "v"}}, PropertyList::Data{{7}}}));
-    EXPECT_EQ(copy, PropertyList(
-                        Array{Array{"a", "b"}, Dictionary{{"k", "w"}}, PropertyList::Data{{8}}}));
+    EXPECT_EQ(original, PropertyList(make("a", 7)));
+    EXPECT_EQ(copy, PropertyList(make("b", 8)));
 }
 
 TEST(PropertyListTest, AValueIsSeenAsItsOwnTypeOnly) {
@@ -100,8 +101,8 @@ TEST(PropertyListTest, ADictionaryKeepsItsOrderAndOneValueAKey) {
     EXPECT_EQ(dictionary, (Dictionary{{"b", 5}, {"a", 2}, {"c", 4}}));
     dictionary.set("a", "new");
     dictionary.set("d", 6);
-    EXPECT_TRUE(dictionary.erase("b"));
-    EXPECT_FALSE(dictionary.erase("b"));
+    for (const bool held : {true, false})
+        EXPECT_EQ(dictionary.erase("b"), held);
     *dictionary.find("c") = false;
     EXPECT_EQ(dictionary, (Dictionary{{"a", "new"}, {"c", false}, {"d", 6}}));
     EXPECT_NE(dictionary, (Dictionary{{"c", false}, {"a", "new"}, {"d", 6}}));

@@ -240,15 +240,11 @@ TEST_F(PropertyListXmlTest, TruncatedAndDamagedListsNeverDoHarm) {
 }
 
 TEST_F(PropertyListXmlTest, ASourceThatFailsIsAFaultEvenAfterAWholeList) {
-    std::string bytes = inPlist("<true/>");
-    const auto source = [&](char* buffer, std::size_t size) -> std::optional<std::size_t> {
-        if (bytes.empty())
-            return std::nullopt;
-        const std::size_t count = bytes.copy(buffer, std::min<std::size_t>(size, 3));
-        bytes.erase(0, count);
-        return count;
-    };
-    EXPECT_FALSE(propertyLists().parse(source));
+    const std::string bytes = inPlist("<true/>");
+    bool given = false;
+    EXPECT_FALSE(propertyLists().parse([&](char* buffer, std::size_t size) {
+        return std::exchange(given, true) ? std::nullopt : std::optional(bytes.copy(buffer, size));
+    }));
 }
 
 } // namespace
