@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cmath>
 #include <cstdint>
 #include <limits>
@@ -80,28 +81,27 @@ TEST(LocationRecords, TheCachesRecordsFollowWithoutThoseThatTheListHas) {
     const PropertyList shortOne = record("s", 4);
     const PropertyList empty = Array();
     const PropertyList dictionary = PropertyList::Dictionary();
-    Array lengths, flaggedLengths, variants, flaggedVariants;
-    for (const std::size_t size : {5U, 12U, 13U, 14U, 16U}) {
+    const auto differingAt = [&](std::size_t position) {
+        PropertyList fields = a;
+        (*fields.array())[position] = "other";
+        return fields;
+    };
+    Array variants, lengths;
+    for (std::size_t position = 0; position < 5; ++position)
+        variants.push_back(differingAt(position));
+    for (const std::size_t size : {5U, 12U, 13U, 14U, 16U})
         lengths.push_back(record("l", size));
-        flaggedLengths.push_back(flagged(lengths.back()));
-    }
-    for (const std::size_t position : {0U, 1U, 2U, 3U, 4U}) {
-        variants.push_back(a);
-        (*variants.back().array())[position] = "other";
-        flaggedVariants.push_back(flagged(variants.back()));
-    }
-    PropertyList likeA = a;
-    (*likeA.array())[5] = "other";
-    Array allVariants = flaggedVariants;
-    allVariants.insert(allVariants.begin(), a);
+    Array variantsAndA = variants, flaggedLengths = lengths;
+    variantsAndA.push_back(flagged(a));
+    std::ranges::transform(lengths, flaggedLengths.begin(), flagged);
     const struct {
         const char* name;
         Array list, cached, merged;
         std::size_t duplicates;
     } cases[] = {
         {"order", {b, a}, {c, record("d")}, {b, a, flagged(c), flagged(record("d"))}, 0},
-        {"the list's own wins", {a}, {likeA}, {a}, 1},
-        {"each of five fields counts", {a}, variants, allVariants, 0},
+        {"the list's own wins", {a}, {differingAt(5)}, {a}, 1},
+        {"each of five fields counts", variants, {a}, variantsAndA, 0},
         {"doubles in the cache", {a}, {b, b, a}, {a, flagged(b), flagged(b)}, 1},
         {"doubles in the list", {a, a}, {a}, {a, a}, 1},
         {"lengths", {}, lengths, flaggedLengths, 0},

@@ -2,9 +2,7 @@
 
 #include <gtest/gtest.h>
 
-using platform::Menu;
-using platform::MenuItem;
-using platform::MenuTarget;
+using namespace platform;
 
 namespace {
 

@@ -6,8 +6,7 @@
 #include <algorithm>
 #include <array>
 
-using platform::Color;
-using platform::CompositingOperation;
+using namespace platform;
 using test::Canvas;
 
 namespace {

@@ -7,9 +7,7 @@
 
 #include <gtest/gtest.h>
 
-using platform::Menu;
-using platform::MenuItem;
-using platform::MenuTarget;
+using namespace platform;
 using platform::qt::QtMenu;
 
 namespace {

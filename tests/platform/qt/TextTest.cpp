@@ -12,12 +12,7 @@
 #include <string>
 #include <vector>
 
-using platform::AttributedString;
-using platform::CompositingOperation;
-using platform::Font;
-using platform::Size;
-using platform::TextAttributes;
-using platform::TextDrawingMode;
+using namespace platform;
 using test::Canvas;
 using testing::ElementsAre;
 
