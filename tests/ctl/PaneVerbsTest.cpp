@@ -59,22 +59,4 @@ TEST(PaneVerbs, RefuseWhatIsNoPaneAndKeepTheOlderCopy) {
     });
 }
 
-TEST(PaneVerbs, LeaveAWholePaneOrNoneWhenTheyAreKilled) {
-    const Ctl ctl;
-    writePane(ctl, "first");
-    writePane(ctl, "second");
-    ctl.follow({{"program='" HALVEX_CTL R"('
-        for pane in first second; do for i in $(seq 40); do echo $pane >$pane/$i; done; done
-        "$program" pane install first >/dev/null
-        for moment in $(seq -w 1 25); do
-            for pane in first second; do
-                timeout -s KILL 0.0$moment "$program" pane install $pane >/dev/null
-                [ ! -e "$place" ] || diff -rq first "$place" >/dev/null ||
-                    diff -rq second "$place" >/dev/null || echo "half a pane after $moment ms"
-            done
-        done
-        "$program" pane install first >/dev/null && diff -r first "$place" && ls -A $panes)",
-                 "Halvex Pro.prefPane\n"}});
-}
-
 } // namespace

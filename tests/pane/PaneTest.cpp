@@ -12,8 +12,6 @@
 
 using platform::Bundle;
 using platform::PropertyList;
-using testing::Matches;
-using testing::MatchesRegex;
 namespace fs = std::filesystem;
 
 namespace {
@@ -57,7 +55,7 @@ std::string faultOf(const PropertyList& location) {
             return "no readable name at " + std::to_string(name);
     if (!fs::is_regular_file("/usr/share/zoneinfo/" + text(*record, 2)))
         return "the system does not know the zone";
-    if (!Matches(MatchesRegex("[A-Z][A-Z]"))(text(*record, 5)))
+    if (!testing::Matches(testing::MatchesRegex("[A-Z][A-Z]"))(text(*record, 5)))
         return "no country code";
     return {};
 }

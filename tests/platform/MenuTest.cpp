@@ -22,7 +22,6 @@ TEST(MenuItem, CanBeChosenWhenThereIsSomethingToDoAndTheTargetAllowsIt) {
 
     EXPECT_TRUE(MenuItem("x", action).isEnabled());
     EXPECT_FALSE(MenuItem("x").isEnabled());
-    EXPECT_FALSE(MenuItem::separatorItem()->isEnabled());
     EXPECT_TRUE(withSubmenu.isEnabled());
     EXPECT_FALSE(withSubmenu.perform()) << "opening is not performing";
 

@@ -61,13 +61,12 @@ TEST_F(QtMenuTest, ShowsTitlesStatesSeparatorsAndWhatCanBeChosen) {
 
 TEST_F(QtMenuTest, FollowsTitlesAndStatesWhileItIsOpen) {
     MenuItem& item = menu.addItem("12:00", target->choose(), target);
-    {
-        const QtMenu shown(menu, "test.item");
-        item.setTitle("12:01");
-        item.setState(MenuItem::State::On);
-        EXPECT_EQ(shown.actions().front()->text(), "12:01");
-        EXPECT_TRUE(shown.actions().front()->isChecked());
-    }
+    auto shown = std::make_unique<QtMenu>(menu, "test.item");
+    item.setTitle("12:01");
+    item.setState(MenuItem::State::On);
+    EXPECT_EQ(shown->actions().front()->text(), "12:01");
+    EXPECT_TRUE(shown->actions().front()->isChecked());
+    shown.reset();
     item.setTitle("nobody shows this any more");
 }
 
