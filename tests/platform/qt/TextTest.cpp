@@ -129,7 +129,7 @@ TEST(Text, OfAnyKindIsDrawn) {
          {"\xFF\xFE", "a\xC3", "مرحبا", "😀👩‍👩‍👧", "e\u0301\u0301"}) {
         SCOPED_TRACE(text);
         Canvas canvas(200, 30);
-        AttributedString cut(text); // also where a run begins within a character
+        AttributedString cut(text);
         cut.setAttributes(inFont("", 16), 1, text.size() - 1);
         canvas->drawText(cut, {20, 5});
         EXPECT_GT(canvas.coverage(), 3);
@@ -139,6 +139,10 @@ TEST(Text, OfAnyKindIsDrawn) {
     Canvas canvas(10, 10);
     canvas->drawText(AttributedString("a"), {std::nan(""), 0});
     EXPECT_EQ(canvas.coverage(), 0);
+    AttributedString cut("\u00E9"); // a run that begins within it takes the whole of it
+    cut.setAttributes({}, 1, 1);
+    EXPECT_EQ(canvas.graphics().sizeOfText(cut),
+              canvas.graphics().sizeOfText(AttributedString("\u00E9")));
 }
 
 TEST(Text, InAMissingFontIsLoggedOncePerFamilyAndDrawn) {
