@@ -35,6 +35,7 @@ TEST(PaneVerbs, ReplaceAnOlderCopyWhole) {
          {"halvexctl pane install first >/dev/null",
           "mkdir -p $panes; ln -s \"$PWD/first\" \"$place\"", // a link, whose target stays
           "ln -s nowhere \"$place\"",
+          "halvexctl pane install first >/dev/null && "
           "mkdir -p $panes/.halvex-pane-new/half $panes/.halvex-pane-old/half"})
         ctl.follow({{"rm -rf \"$place\"; " + older + R"(
                      ln -sfn second newest
