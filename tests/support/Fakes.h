@@ -19,13 +19,11 @@
 namespace test {
 
 /// An image without pixels.
-class BlankImage final : public platform::Image {
-  public:
-    BlankImage(double width, double height) : size_{width, height} {}
-    platform::Size size() const override { return size_; }
+struct BlankImage final : platform::Image {
+    BlankImage(double width, double height) : points{width, height} {}
+    platform::Size size() const override { return points; }
 
-  private:
-    platform::Size size_;
+    platform::Size points;
 };
 
 /// Every byte of text is 7 points wide and 15 high; drawing becomes lines of words.
@@ -50,7 +48,7 @@ class RecordingGraphics final : public platform::Graphics, public platform::Grap
         drawn.push_back("text mode " + std::to_string(static_cast<int>(mode)));
     }
     void setCompositingOperation(platform::CompositingOperation operation) override {
-        drawn.push_back("operation " + std::to_string(static_cast<int>(operation)));
+        drawn.push_back(words(operation));
     }
     void setShadow(platform::Size offset, double blur) override {
         drawn.push_back("shadow " + number(offset.width) + ' ' + number(offset.height) + " blur " +
@@ -62,9 +60,8 @@ class RecordingGraphics final : public platform::Graphics, public platform::Grap
     void drawImage(const platform::Image&, const platform::Rect& destination,
                    const platform::Rect& source, platform::CompositingOperation operation,
                    double fraction) override {
-        drawn.push_back("image " + words(source) + " into " + words(destination) + " operation " +
-                        std::to_string(static_cast<int>(operation)) + " fraction " +
-                        number(fraction));
+        drawn.push_back("image " + words(source) + " into " + words(destination) + ' ' +
+                        words(operation) + " fraction " + number(fraction));
     }
     void fillRect(const platform::Rect&, const platform::Color&,
                   platform::CompositingOperation) override {}
@@ -76,6 +73,9 @@ class RecordingGraphics final : public platform::Graphics, public platform::Grap
         if (text.back() == '.')
             text.pop_back();
         return text;
+    }
+    static std::string words(platform::CompositingOperation operation) {
+        return "operation " + std::to_string(static_cast<int>(operation));
     }
     static std::string words(const platform::Rect& rect) {
         return number(rect.origin.x) + ' ' + number(rect.origin.y) + ' ' + number(rect.size.width) +
