@@ -51,4 +51,9 @@ bool QtWorkspace::openFile(const std::string& path) {
     return open(path);
 }
 
+bool QtWorkspace::openURL(const std::string& url) {
+    return QDesktopServices::openUrl(
+        QUrl::fromEncoded(QByteArray::fromStdString(url), QUrl::StrictMode));
+}
+
 } // namespace platform::qt

@@ -12,6 +12,7 @@ class QtWorkspace final : public Workspace {
     /// it opens the folder that the file is in.
     bool selectFile(const std::string& path, const std::string& rootPath) override;
     bool openFile(const std::string& path) override;
+    bool openURL(const std::string& url) override;
     bool recycle(const std::string& path) override { return posix::moveToTrash(path); }
 };
 

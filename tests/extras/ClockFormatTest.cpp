@@ -17,6 +17,7 @@ TEST(ClockFormat, WritesOutConversionsThatHideSeconds) {
 TEST(ClockFormat, IsUsableWhenItShowsSomethingThatCanBeDrawn) {
     const std::pair<std::string, bool> cases[] = {
         {"%H:%M", true},
+        {"%Z", true},
         {"\xC3\x9Chr %H", true},
         {"plain", true},
         {"", false},
