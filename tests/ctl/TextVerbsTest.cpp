@@ -31,7 +31,7 @@ TEST(CommandVerb, PrintsTheOutputAsItIs) {
     const std::pair<const char*, const char*> cases[] = {
         {"command 'printf \"a  b\"; exit 5'", "a  b"},
         {"command true", ""},
-        {"command 'cat' <<<piped", "piped\n"},
+        {"command cat <<EOF\npiped\nEOF", "piped\n"},
         {"command --quiet 'echo lost; exit 5'", ""},
     };
     for (const auto& [arguments, output] : cases) {
@@ -41,9 +41,6 @@ TEST(CommandVerb, PrintsTheOutputAsItIs) {
     }
     EXPECT_EQ(ctl.run("halvexctl command 'yes | head -n 1'").log, "") << "a closed pipe ends it";
     EXPECT_EQ(ctl.run("halvexctl command \"printf '\\351'\"").status, 1);
-    const Outcome exhausted = ctl.run("ulimit -n 20; exec 3<.; for i in $(seq 4 19); do eval "
-                                      "\"exec $i<&3\" 2>/dev/null; done; halvexctl command true");
-    EXPECT_NE(exhausted.status, 0);
 }
 
 /// A desktop whose only program writes down what it is given.
@@ -78,14 +75,12 @@ TEST_F(FeedbackVerb, PrintsTheAddressOfWhatTheCommandLineSays) {
 }
 
 TEST_F(FeedbackVerb, HandsTheAddressToTheDesktopWithoutAShell) {
-    const std::string product = "'$(touch x)`touch y`;touch\tz&'";
-    EXPECT_EQ(run("halvexctl feedback " + product).status, 1) << "no URL";
-    const Outcome opened = run("halvexctl feedback '$(touch${IFS}x);touch&z' >printed || exit 9\n"
-                               "for i in $(seq 100); do [ -e opened ] && break; sleep 0.05; done\n"
-                               "halvexctl feedback '$(touch${IFS}x);touch&z' --print | cat printed "
-                               "- | sed '1i1' | diff - opened; ls x");
-    EXPECT_EQ(opened.status, 2) << opened.output;
-    EXPECT_EQ(opened.output, "");
+    const Outcome opened =
+        run("product='$(touch$IFS$HOME/x);touch$IFS$HOME/x&'; halvexctl feedback \"$product\"\n"
+            "for i in $(seq 100); do [ -e opened ] && break; sleep 0.05; done\n"
+            "{ echo 1; halvexctl feedback \"$product\" --print; } | diff - opened && ls -A home");
+    EXPECT_EQ(opened.status, 0) << opened.log;
+    EXPECT_EQ(opened.output, "Library\n");
     const Outcome none = run("mkdir empty; PATH=\"$PWD/empty\" halvexctl feedback Halvex");
     EXPECT_EQ(none.status, 1);
     EXPECT_THAT(none.log, HasSubstr("no mail program can be started"));
