@@ -51,9 +51,4 @@ bool QtWorkspace::openFile(const std::string& path) {
     return open(path);
 }
 
-bool QtWorkspace::openURL(const std::string& url) {
-    return QDesktopServices::openUrl(
-        QUrl::fromEncoded(QByteArray::fromStdString(url), QUrl::StrictMode));
-}
-
 } // namespace platform::qt
