@@ -29,8 +29,9 @@ ExitStatus run(int argc, char** argv) {
     commandLine.add_option("--root", root, "A folder whose Library takes the place of /Library")
         ->check(CLI::ExistingDirectory);
     commandLine.require_subcommand(0, 1);
-    for (const auto& addVerbs : {addExtraVerbs, addMenuBarVerbs, addPaneVerbs, addPathVerbs,
-                                 addLocationVerbs, addWarningVerbs, addPlistVerb})
+    for (const auto& addVerbs :
+         {addExtraVerbs, addMenuBarVerbs, addPaneVerbs, addPathVerbs, addLocationVerbs,
+          addWarningVerbs, addPlistVerb, addDateFormatVerb, addCommandVerb, addFeedbackVerb})
         addVerbs(commandLine, chosen);
     try {
         commandLine.parse(argc, argv);

@@ -5,6 +5,7 @@ class Clock;
 class DynamicLoader;
 class FileManager;
 class Log;
+class SystemInfo;
 class Workspace;
 } // namespace platform
 
@@ -16,6 +17,7 @@ Clock& defaultClock();
 DynamicLoader& defaultDynamicLoader();
 FileManager& defaultFileManager();
 Log& defaultLog();
+SystemInfo& defaultSystemInfo();
 Workspace& defaultWorkspace();
 
 } // namespace platform::posix

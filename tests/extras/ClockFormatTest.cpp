@@ -13,7 +13,8 @@ TEST(ClockFormat, WritesOutConversionsThatHideSeconds) {
 }
 
 TEST(ClockFormat, IsUsableWhenItShowsSomethingThatCanBeDrawn) {
-    for (const std::string& format : {std::string("\xC3\x9Chr %H"), std::string(256, 'x')})
+    for (const std::string& format :
+         {std::string("%Z"), std::string("\xC3\x9Chr %H"), std::string(256, 'x')})
         EXPECT_TRUE(clock_format::isUsable(format)) << format;
     for (const std::string& format :
          {std::string(), std::string("   "), std::string("%H\n%M"), std::string("%H\xFF"),

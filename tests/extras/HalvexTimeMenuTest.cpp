@@ -79,6 +79,14 @@ TEST_F(HalvexTimeMenu, TicksAsOftenAsItsFormatNeeds) {
     EXPECT_THAT(clock.intervals(), ElementsAre(TickInterval::Second));
 }
 
+TEST_F(HalvexTimeMenu, ShowsTheIsoWeekAndTheZone) {
+    setFormat(format("%W %Z"));
+    start();
+    EXPECT_EQ(title(), "47 GMT");
+    clock.moveTo(1609459200); // 2021-01-01, a Friday
+    EXPECT_EQ(title(), "53 GMT") << "the week belongs to the year before";
+}
+
 TEST_F(HalvexTimeMenu, FollowsThePreferencesFileFromNothingToBadAndBack) {
     start();
     EXPECT_EQ(title(), "Sun Nov 22 22:41") << "the locale's default";

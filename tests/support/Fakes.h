@@ -5,11 +5,13 @@
 #include "platform/Graphics.h"
 #include "platform/MenuExtraHost.h"
 #include "platform/Pasteboard.h"
+#include "platform/SystemInfo.h"
 #include "platform/Workspace.h"
 
 #include <algorithm>
 #include <functional>
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -107,6 +109,7 @@ class RecordingWorkspace final : public platform::Workspace {
   public:
     std::vector<std::string> selected; ///< path, a bar, root path
     std::vector<std::string> opened;
+    std::vector<std::string> urls; ///< opened
     std::vector<std::string> recycled;
     bool recycles = true; ///< what recycling answers
 
@@ -116,6 +119,10 @@ class RecordingWorkspace final : public platform::Workspace {
     }
     bool openFile(const std::string& path) override {
         opened.push_back(path);
+        return true;
+    }
+    bool openURL(const std::string& url) override {
+        urls.push_back(url);
         return true;
     }
     bool recycle(const std::string& path) override {
@@ -174,6 +181,24 @@ class RecordingPasteboard final : public platform::Pasteboard {
 
   private:
     platform::ScopedService<platform::Pasteboard> service_{*this};
+};
+
+/// A system that knows what the test says.
+class FixedSystemInfo final : public platform::SystemInfo {
+  public:
+    std::optional<std::uint32_t> version;
+    std::optional<std::uint32_t> media;
+    platform::TimeZone zone;
+
+    std::optional<std::uint32_t> query(platform::SystemFact fact) const override {
+        if (fact == platform::SystemFact::SystemVersion)
+            return version;
+        return fact == platform::SystemFact::MediaVersion ? media : std::nullopt;
+    }
+    platform::TimeZone systemTimeZone() const override { return zone; }
+
+  private:
+    platform::ScopedService<platform::SystemInfo> service_{*this};
 };
 
 class FixedEvents final : public platform::EventSource {
