@@ -103,7 +103,7 @@ ExitStatus send(const Options& options) {
     std::string reason;
     const auto bundle = path ? platform::Bundle::bundleWithPath(*path, &reason) : nullptr;
     if (path && !bundle)
-        return refuse(reason);
+        return refuse(*path + ": " + reason);
     const auto url = feedbackURL(bundle, options);
     if (!url)
         return ExitStatus::Refused;
