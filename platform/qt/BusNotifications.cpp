@@ -94,7 +94,9 @@ void BusNotifications::post(const Notification& notification) {
 }
 
 void BusNotifications::flush() {
-    const QDBusConnection bus = connection_.get();
+    std::unique_lock lock(mutex_);
+    const QDBusConnection bus(qString(heardOn_));
+    lock.unlock();
     if (bus.isConnected())
         bus.call(QDBusMessage::createMethodCall("org.freedesktop.DBus", "/org/freedesktop/DBus",
                                                 "org.freedesktop.DBus", "GetId"));

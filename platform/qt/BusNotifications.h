@@ -46,7 +46,7 @@ class BusNotifications final : public DistributedNotificationCenter {
     BusConnection connection_;
     std::mutex mutex_; // guards the three below
     std::unique_ptr<SignalReceiver> receiver_;
-    std::string heardOn_;         // the connection, by Qt's name
+    std::string heardOn_;         // the connection, by Qt's name; empty before the first one
     std::set<std::string> heard_; // the names that the bus has been asked for
     std::atomic<bool> saidThatThereIsNoBus_ = false;
 };
