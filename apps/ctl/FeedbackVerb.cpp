@@ -3,7 +3,7 @@
 #include "menuextras/MenuExtraTools.h"
 #include "platform/Bundle.h"
 #include "platform/SystemInfo.h"
-#include "platform/Workspace.h"
+#include "platform/posix/PosixWorkspace.h"
 #include "ui/ovxFeedback.h"
 
 #include <charconv>
@@ -73,13 +73,10 @@ class StandInSystem final : public platform::SystemInfo {
 };
 
 /// Keeps the URL that is to be opened.
-class Letterbox final : public platform::Workspace {
+class Letterbox final : public platform::posix::PosixWorkspace {
   public:
     std::optional<std::string> url;
 
-    bool selectFile(const std::string&, const std::string&) override { return false; }
-    bool openFile(const std::string&) override { return false; }
-    bool recycle(const std::string&) override { return false; }
     bool openURL(const std::string& toOpen) override {
         url = toOpen;
         return true;

@@ -5,6 +5,8 @@ class Clock;
 class DynamicLoader;
 class FileManager;
 class Log;
+class ProcessList;
+class ScriptRunner;
 class SystemInfo;
 class Workspace;
 } // namespace platform
@@ -17,6 +19,8 @@ Clock& defaultClock();
 DynamicLoader& defaultDynamicLoader();
 FileManager& defaultFileManager();
 Log& defaultLog();
+ProcessList& defaultProcessList();
+ScriptRunner& defaultScriptRunner();
 SystemInfo& defaultSystemInfo();
 Workspace& defaultWorkspace();
 
