@@ -53,6 +53,8 @@ CalculatorWindow::CalculatorWindow(const QLocale& locale) : locale_(locale) {
     addDisplay(*column);
     addKeys(*column);
     addActions();
+    setFocusPolicy(Qt::StrongFocus);
+    setFocus(); // no key of its own is marked until somebody goes there
     refresh();
 }
 

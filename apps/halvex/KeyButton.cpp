@@ -42,11 +42,11 @@ QSize KeyButton::minimumSizeHint() const {
 }
 
 QColor KeyButton::ground() const {
-    const QColor window = palette().color(QPalette::Window);
-    const QColor text = palette().color(QPalette::WindowText);
+    const QColor window = palette().color(QPalette::Active, QPalette::Window);
+    const QColor text = palette().color(QPalette::Active, QPalette::WindowText);
     const bool isDark = window.lightness() < 128;
     if (kind_ == Kind::Operator)
-        return palette().color(QPalette::Highlight);
+        return palette().color(QPalette::Active, QPalette::Highlight);
     if (kind_ == Kind::Function)
         return mixed(window, text, isDark ? 0.12 : 0.14);
     return isDark ? mixed(window, text, 0.28) : mixed(window, Qt::white, 0.85);
@@ -57,7 +57,8 @@ void KeyButton::paintEvent(QPaintEvent*) {
     painter.setRenderHint(QPainter::Antialiasing);
     QColor field = ground();
     QColor label =
-        palette().color(kind_ == Kind::Operator ? QPalette::HighlightedText : QPalette::WindowText);
+        palette().color(QPalette::Active,
+                        kind_ == Kind::Operator ? QPalette::HighlightedText : QPalette::WindowText);
     if (isChecked())
         std::swap(field, label);
     if (isDown() || underMouse())
@@ -65,7 +66,8 @@ void KeyButton::paintEvent(QPaintEvent*) {
     if (!isEnabled())
         label = mixed(field, label, 0.4);
     const QRectF area = QRectF(rect()).adjusted(1.5, 1.5, -1.5, -1.5);
-    painter.setPen(hasFocus() ? QPen(palette().color(QPalette::WindowText), 2) : Qt::NoPen);
+    painter.setPen(hasFocus() ? QPen(palette().color(QPalette::Active, QPalette::WindowText), 2)
+                              : Qt::NoPen);
     painter.setBrush(field);
     painter.drawRoundedRect(area, kRadius, kRadius);
     QFont face = font();
