@@ -5,6 +5,8 @@ class Clock;
 class DynamicLoader;
 class FileManager;
 class Log;
+class ProcessList;
+class ScriptRunner;
 class Workspace;
 } // namespace platform
 
@@ -16,6 +18,8 @@ Clock& defaultClock();
 DynamicLoader& defaultDynamicLoader();
 FileManager& defaultFileManager();
 Log& defaultLog();
+ProcessList& defaultProcessList();
+ScriptRunner& defaultScriptRunner();
 Workspace& defaultWorkspace();
 
 } // namespace platform::posix

@@ -1,6 +1,7 @@
 #include "platform/qt/Desktop.h"
 
 #include "platform/Log.h"
+#include "platform/qt/BusNotifications.h"
 #include "platform/qt/QtGraphics.h"
 #include "platform/qt/QtMainThread.h"
 #include "platform/qt/QtPasteboard.h"
@@ -24,6 +25,7 @@ class DesktopLog final : public Log {
 
 struct Desktop {
     DesktopLog log{systemLog()};
+    BusNotifications notifications;
     QtGraphics graphics;
     QtMainThread mainThread;
     QtPasteboard pasteboard;
@@ -36,6 +38,7 @@ QtGraphics& install() {
     // Never destroyed: what outlives main may still log.
     static auto* const desktop = new Desktop;
     exchangeService<Log>(&desktop->log);
+    exchangeService<DistributedNotificationCenter>(&desktop->notifications);
     exchangeService<Graphics>(&desktop->graphics);
     exchangeService<MainThread>(&desktop->mainThread);
     exchangeService<Pasteboard>(&desktop->pasteboard);

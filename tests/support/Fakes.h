@@ -106,7 +106,8 @@ class RecordingHost final : public platform::MenuExtraHost {
 class RecordingWorkspace final : public platform::Workspace {
   public:
     std::vector<std::string> selected; ///< path, a bar, root path
-    std::vector<std::string> opened;
+    std::vector<std::string> opened;   ///< path, or path, a bar, application; "front", process
+    bool opens = true;                 ///< what opening answers
     std::vector<std::string> recycled;
     bool recycles = true; ///< what recycling answers
 
@@ -116,14 +117,23 @@ class RecordingWorkspace final : public platform::Workspace {
     }
     bool openFile(const std::string& path) override {
         opened.push_back(path);
-        return true;
+        return opens;
     }
+    bool openFile(const std::string& path, const std::string& withApplication) override {
+        opened.push_back(path + '|' + withApplication);
+        return opens;
+    }
+    void bringToFront(platform::ProcessSerialNumber process) override {
+        opened.push_back("front " + std::to_string(process));
+    }
+    platform::NotificationCenter& notificationCenter() override { return center_; }
     bool recycle(const std::string& path) override {
         recycled.push_back(path);
         return recycles;
     }
 
   private:
+    platform::NotificationCenter center_;
     platform::ScopedService<platform::Workspace> service_{*this};
 };
 

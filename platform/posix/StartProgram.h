@@ -1,0 +1,14 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+namespace platform::posix {
+
+/// Starts a program, without a shell, with this process's environment. It gets a session of its
+/// own, outlives this process and is never its child, so that nobody here has to wait for its end.
+/// Of the open files it gets standard error alone, to log to; input and output are empty. Gives 0
+/// once the program runs, else the error number. Any thread.
+int startProgram(const std::string& program, const std::vector<std::string>& arguments = {});
+
+} // namespace platform::posix
