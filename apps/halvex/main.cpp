@@ -1,5 +1,4 @@
 #include "apps/halvex/CalculatorWindow.h"
-#include "apps/halvex/Requests.h"
 #include "apps/support/DesktopAppearance.h"
 #include "apps/support/Options.h"
 #include "apps/support/SessionApplication.h"
@@ -7,11 +6,14 @@
 #include "apps/support/StartUp.h"
 #include "apps/support/WindowService.h"
 #include "platform/Log.h"
+#include "platform/Notifications.h"
+#include "platform/Workspace.h"
 #include "platform/expat/ExpatPropertyLists.h"
 #include "platform/qt/Desktop.h"
 
 #include <QApplication>
 
+#include <memory>
 #include <optional>
 
 using platform::logLine;
@@ -27,6 +29,8 @@ a second start brings its window to the front.
   --help, --version
 )"};
 constexpr const char* kBusName = "com.quorvanesoftware.Halvex";
+constexpr const char* kName = "Halvex";
+constexpr const char* kShowCalculator = "HalvexShowCalculatorNotification";
 
 SessionApplication::Handlers handlersOf(CalculatorWindow& calculator) {
     return {.activate =
@@ -66,9 +70,11 @@ int runInBackground(const WindowOptions& options) {
         desktopAppearance.emplace();
     else
         applyAppearance(options.appearance);
-    const Requests requests(
-        {{"HalvexShowCalculatorNotification", [&calculator] { calculator.present(); }}});
-    Requests::announceLaunch();
+    const auto observer = std::make_shared<int>(); // hears as long as this function runs
+    platform::distributedNotificationCenter().addObserver(
+        observer, kShowCalculator,
+        [&calculator](const platform::Notification&) { calculator.present(); });
+    platform::announceLaunch(kName); // from now on it can be asked for something
     return QApplication::exec();
 }
 
@@ -79,6 +85,6 @@ int main(int argc, char** argv) {
     const auto options = readWindowOptions(argc, argv, kCommandLine, status);
     if (!options)
         return status;
-    const auto application = startApplication(argv, "Halvex");
+    const auto application = startApplication(argv, kName);
     return runInBackground(*options);
 }

@@ -14,7 +14,7 @@ using platform::Bundle;
 
 namespace {
 
-constexpr QSize kSize(480, 300);
+constexpr QSize kSize(440, 230);
 constexpr int kMargin = 20;
 constexpr double kHeadline = 1.5; // of the font's size
 
