@@ -1,11 +1,14 @@
-#include "apps/menubar/StartUp.h"
+#include "apps/support/StartUp.h"
 
 #include "platform/Log.h"
 
 #include <QApplication>
 #include <QColor>
-#include <QDir>
 #include <QPalette>
+
+#include <fontconfig/fontconfig.h>
+#include <malloc.h>
+#include <thread>
 
 using platform::logLine;
 
@@ -29,6 +32,16 @@ QPalette darkPalette() {
 
 } // namespace
 
+std::optional<Appearance> appearanceOfName(std::string_view name) {
+    if (name == "desktop")
+        return Appearance::Desktop;
+    if (name == "light")
+        return Appearance::Light;
+    if (name == "dark")
+        return Appearance::Dark;
+    return std::nullopt;
+}
+
 DisplayChoice::DisplayChoice() {
     const bool display = !qEnvironmentVariableIsEmpty("DISPLAY");
     set("QT_QPA_PLATFORM", display ? "xcb" : "offscreen");
@@ -51,6 +64,19 @@ void DisplayChoice::set(const char* name, const char* value) {
     set_.push_back(name);
 }
 
+std::unique_ptr<QApplication> startApplication(char** argv, const char* name) {
+    mallopt(M_ARENA_MAX, 1); // the few threads here would only scatter what little there is
+    logQtMessages();
+    // The list of fonts is read from many small files: beside the way to the X server, not after
+    // it.
+    const std::jthread fonts([] { FcInit(); });
+    static int qtArguments = 1; // the application object keeps its address
+    const DisplayChoice choice;
+    auto application = std::make_unique<QApplication>(qtArguments, argv);
+    application->setApplicationName(name);
+    return application;
+}
+
 void logQtMessages() {
     qInstallMessageHandler([](QtMsgType, const QMessageLogContext&, const QString& message) {
         // Offscreen there is no window manager to ask, which is no news.
@@ -68,14 +94,4 @@ void applyAppearance(Appearance appearance) {
     case Appearance::Dark:
         return QApplication::setPalette(darkPalette());
     }
-}
-
-std::string ownItemsFolder() {
-    const QDir programs(QCoreApplication::applicationDirPath());
-    return QDir::cleanPath(programs.filePath("../" HALVEX_OWN_ITEMS_FOLDER)).toStdString();
-}
-
-std::string absolutePath(const std::string& path) {
-    return QDir::cleanPath(QDir::current().absoluteFilePath(QString::fromStdString(path)))
-        .toStdString();
 }

@@ -1,4 +1,4 @@
-#include "apps/menubar/Signals.h"
+#include "apps/support/Signals.h"
 
 #include "platform/Log.h"
 

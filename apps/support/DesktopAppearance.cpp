@@ -1,6 +1,6 @@
-#include "apps/menubar/DesktopAppearance.h"
+#include "apps/support/DesktopAppearance.h"
 
-#include "apps/menubar/StartUp.h"
+#include "apps/support/StartUp.h"
 
 #include <QApplication>
 #include <QDBusConnection>
