@@ -20,6 +20,7 @@ void addMenuBarVerbs(CLI::App& commands, Action& chosen);  ///< menubar
 void addWarningVerbs(CLI::App& commands, Action& chosen);  ///< warnings
 void addPaneVerbs(CLI::App& commands, Action& chosen);     ///< pane
 void addPlistVerb(CLI::App& commands, Action& chosen);     ///< plist
+void addDrawingVerbs(CLI::App& commands, Action& chosen);  ///< hud, tint
 
 /// Gives @p verb the flag --json.
 void addJsonFlag(CLI::App& verb, bool& json);

@@ -30,7 +30,7 @@ ExitStatus run(int argc, char** argv) {
         ->check(CLI::ExistingDirectory);
     commandLine.require_subcommand(0, 1);
     for (const auto& addVerbs : {addExtraVerbs, addMenuBarVerbs, addPaneVerbs, addPathVerbs,
-                                 addLocationVerbs, addWarningVerbs, addPlistVerb})
+                                 addLocationVerbs, addWarningVerbs, addPlistVerb, addDrawingVerbs})
         addVerbs(commandLine, chosen);
     try {
         commandLine.parse(argc, argv);

@@ -3,6 +3,7 @@
 #include "platform/Log.h"
 #include "platform/qt/QtGraphics.h"
 #include "platform/qt/QtMainThread.h"
+#include "platform/qt/QtPanel.h"
 #include "platform/qt/QtPasteboard.h"
 #include "platform/qt/QtWorkspace.h"
 
@@ -26,6 +27,7 @@ struct Desktop {
     DesktopLog log{systemLog()};
     QtGraphics graphics;
     QtMainThread mainThread;
+    QtPanels panels;
     QtPasteboard pasteboard;
     QtWorkspace workspace;
 };
@@ -38,6 +40,7 @@ QtGraphics& install() {
     exchangeService<Log>(&desktop->log);
     exchangeService<Graphics>(&desktop->graphics);
     exchangeService<MainThread>(&desktop->mainThread);
+    exchangeService<PanelService>(&desktop->panels);
     exchangeService<Pasteboard>(&desktop->pasteboard);
     exchangeService<Workspace>(&desktop->workspace);
     return desktop->graphics;
