@@ -24,6 +24,7 @@ void addWarningVerbs(CLI::App& commands, Action& chosen);    ///< warnings
 void addPaneVerbs(CLI::App& commands, Action& chosen);       ///< pane
 void addBackgroundVerbs(CLI::App& commands, Action& chosen); ///< prefs, background
 void addPlistVerb(CLI::App& commands, Action& chosen);       ///< plist
+void addDrawingVerbs(CLI::App& commands, Action& chosen);    ///< hud, tint
 
 /// Gives @p verb the flag --json.
 void addJsonFlag(CLI::App& verb, bool& json);

@@ -30,9 +30,10 @@ ExitStatus run(int argc, char** argv) {
     commandLine.add_option("--root", root, "A folder whose Library takes the place of /Library")
         ->check(CLI::ExistingDirectory);
     commandLine.require_subcommand(0, 1);
-    for (const auto& addVerbs : {addExtraVerbs, addMenuBarVerbs, addPaneVerbs, addBackgroundVerbs,
-                                 addPathVerbs, addLocationVerbs, addWarningVerbs, addPlistVerb,
-                                 addDateFormatVerb, addCommandVerb, addFeedbackVerb})
+    for (const auto& addVerbs :
+         {addExtraVerbs, addMenuBarVerbs, addPaneVerbs, addBackgroundVerbs, addPathVerbs,
+          addLocationVerbs, addWarningVerbs, addPlistVerb, addDateFormatVerb, addCommandVerb,
+          addDrawingVerbs, addFeedbackVerb})
         addVerbs(commandLine, chosen);
     try {
         commandLine.parse(argc, argv);

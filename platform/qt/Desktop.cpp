@@ -4,6 +4,7 @@
 #include "platform/qt/BusNotifications.h"
 #include "platform/qt/QtGraphics.h"
 #include "platform/qt/QtMainThread.h"
+#include "platform/qt/QtPanel.h"
 #include "platform/qt/QtPasteboard.h"
 #include "platform/qt/QtWorkspace.h"
 
@@ -28,6 +29,7 @@ struct Desktop {
     BusNotifications notifications;
     QtGraphics graphics;
     QtMainThread mainThread;
+    QtPanels panels;
     QtPasteboard pasteboard;
     QtWorkspace workspace;
 };
@@ -41,6 +43,7 @@ QtGraphics& install() {
     exchangeService<DistributedNotificationCenter>(&desktop->notifications);
     exchangeService<Graphics>(&desktop->graphics);
     exchangeService<MainThread>(&desktop->mainThread);
+    exchangeService<PanelService>(&desktop->panels);
     exchangeService<Pasteboard>(&desktop->pasteboard);
     exchangeService<Workspace>(&desktop->workspace);
     return desktop->graphics;

@@ -8,7 +8,7 @@ using namespace platform;
 
 namespace {
 
-constexpr Shadow kShadow{.offset = {2, 2}, .blurRadius = 1.5};
+const Shadow kShadow{.offset = {2, 2}, .blurRadius = 1.5};
 
 TEST(AttributedString, ARangeGetsItsAttributesAndTheRestKeepsItsOwn) {
     AttributedString text("abcdef", {.font = Font{.family = "Serif"}});

@@ -4,6 +4,7 @@
 #include "platform/Exception.h"
 #include "platform/Graphics.h"
 #include "platform/MenuExtraHost.h"
+#include "platform/Panel.h"
 #include "platform/Pasteboard.h"
 #include "platform/SystemInfo.h"
 #include "platform/Workspace.h"
@@ -36,9 +37,20 @@ class RecordingGraphics final : public platform::Graphics, public platform::Grap
     platform::Size sizeOfText(const platform::AttributedString& text) override {
         return {7.0 * static_cast<double>(text.length()), 15.0};
     }
-    std::shared_ptr<platform::Image> imageWithContentsOfFile(const std::string&) override {
-        return nullptr;
+    /// Every file whose path ends in ".png" is an image of 13 x 13 points.
+    std::shared_ptr<platform::Image> imageWithContentsOfFile(const std::string& path) override {
+        return path.ends_with(".png") ? std::make_shared<BlankImage>(13, 13) : nullptr;
     }
+    std::shared_ptr<platform::Image> imageNamed(std::string_view name) override {
+        return name == namedImage ? std::make_shared<BlankImage>(9, 9) : nullptr;
+    }
+    std::shared_ptr<platform::Image> imageByDrawing(platform::Size size,
+                                                    const Draw& draw) override {
+        drawn.push_back("canvas " + number(size.width) + ' ' + number(size.height));
+        draw(*this);
+        return std::make_shared<BlankImage>(size.width, size.height);
+    }
+    std::string namedImage; ///< the one that imageNamed finds
     platform::GraphicsContext& currentContext() override { return *this; }
 
     void saveGraphicsState() override { drawn.emplace_back("save"); }
@@ -59,14 +71,37 @@ class RecordingGraphics final : public platform::Graphics, public platform::Grap
     void drawText(const platform::AttributedString& text, platform::Point point) override {
         drawn.push_back("text " + text.string() + " at " + number(point.x) + ' ' + number(point.y));
     }
+    void drawTextInRect(const platform::AttributedString& text,
+                        const platform::Rect& rect) override {
+        drawn.push_back("text " + text.string() + " in " + words(rect));
+        texts.push_back(text);
+    }
+    std::vector<platform::AttributedString> texts; ///< those drawn into rectangles
     void drawImage(const platform::Image&, const platform::Rect& destination,
                    const platform::Rect& source, platform::CompositingOperation operation,
                    double fraction) override {
         drawn.push_back("image " + words(source) + " into " + words(destination) + ' ' +
                         words(operation) + " fraction " + number(fraction));
     }
-    void fillRect(const platform::Rect&, const platform::Color&,
-                  platform::CompositingOperation) override {}
+    void fillRect(const platform::Rect& rect, const platform::Color& color,
+                  platform::CompositingOperation operation) override {
+        drawn.push_back("fill " + words(rect) + " with " + words(color) + ' ' + words(operation));
+    }
+    /// Elements are "move x y", "line x y", "arc x y to x y radius", "close".
+    void fillPath(const platform::BezierPath& path, const platform::Color& color,
+                  platform::CompositingOperation operation) override {
+        using Step = platform::BezierPath::Step;
+        drawn.push_back("path with " + words(color) + ' ' + words(operation));
+        for (const auto& [step, point, toPoint, radius] : path.elements()) {
+            if (step == Step::Close)
+                drawn.emplace_back("close");
+            else if (step == Step::ArcFromPoint)
+                drawn.push_back("arc " + words(point) + " to " + words(toPoint) + " radius " +
+                                number(radius));
+            else
+                drawn.push_back((step == Step::MoveTo ? "move " : "line ") + words(point));
+        }
+    }
 
   private:
     static std::string number(double value) {
@@ -78,6 +113,13 @@ class RecordingGraphics final : public platform::Graphics, public platform::Grap
     }
     static std::string words(platform::CompositingOperation operation) {
         return "operation " + std::to_string(static_cast<int>(operation));
+    }
+    static std::string words(platform::Point point) {
+        return number(point.x) + ' ' + number(point.y);
+    }
+    static std::string words(const platform::Color& color) {
+        return number(color.red) + ' ' + number(color.green) + ' ' + number(color.blue) + ' ' +
+               number(color.alpha) + " space " + std::to_string(static_cast<int>(color.space));
     }
     static std::string words(const platform::Rect& rect) {
         return number(rect.origin.x) + ' ' + number(rect.origin.y) + ' ' + number(rect.size.width) +
@@ -181,6 +223,56 @@ class RecordingMenuBar final : public platform::MenuExtraServer {
 
   private:
     platform::ScopedService<platform::MenuExtraServer> service_{*this};
+};
+
+/// Panels whose windows keep what they are told, in words, and adopt frames at once, animated ones
+/// half-way first.
+class RecordingPanels final : public platform::PanelService {
+  public:
+    std::vector<std::string> calls;
+    bool makesWindows = true;
+
+    std::unique_ptr<platform::PanelWindow> makeWindow(platform::Panel& panel) override {
+        calls.push_back("window " + std::to_string(panel.styleMask()));
+        return makesWindows ? std::make_unique<Window>(*this, panel) : nullptr;
+    }
+
+  private:
+    class Window final : public platform::PanelWindow {
+      public:
+        Window(RecordingPanels& owner, platform::Panel& panel) : owner_(owner), panel_(panel) {}
+
+        void setTitle(const std::string& title) override { call("title " + title); }
+        void setLook(const platform::PanelLook& look) override {
+            const auto& ground = look.backgroundColor;
+            call(std::string(ground.pattern ? "pattern" : "colour") + " alpha " +
+                 std::to_string(static_cast<int>(look.alphaValue)) +
+                 (look.opaque ? " opaque" : "") + (look.hasShadow ? " shadow" : "") +
+                 (look.movableByWindowBackground ? " movable" : "") +
+                 (look.showsResizeIndicator ? " indicator" : ""));
+        }
+        void setFrame(const platform::Rect& frame, bool display, bool animate) override {
+            call(std::string("frame") + (display ? " display" : "") + (animate ? " animate" : ""));
+            const platform::Size size = panel_.frame().size;
+            if (animate)
+                panel_.frameDidChange(
+                    {frame.origin,
+                     {(size.width + frame.size.width) / 2, (size.height + frame.size.height) / 2}});
+            panel_.frameDidChange(frame);
+        }
+        void addButton(const std::shared_ptr<platform::Button>&) override { call("button"); }
+        void display() override { call("display"); }
+        void makeKeyAndOrderFront() override {}
+        void orderOut() override {}
+
+      private:
+        void call(std::string words) { owner_.calls.push_back(std::move(words)); }
+
+        RecordingPanels& owner_;
+        platform::Panel& panel_;
+    };
+
+    platform::ScopedService<platform::PanelService> service_{*this};
 };
 
 class RecordingPasteboard final : public platform::Pasteboard {

@@ -74,6 +74,7 @@ class HandOverDesk {
         explicit Workspace(HandOverDesk& owner) : desk(owner) {}
         bool selectFile(const std::string&, const std::string&) override { return false; }
         bool recycle(const std::string&) override { return false; }
+        bool openURL(const std::string&) override { return false; }
         bool openFile(const std::string& path) override {
             desk.write("open " + path);
             desk.onOpen();

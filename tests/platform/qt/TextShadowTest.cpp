@@ -11,7 +11,7 @@ namespace {
 
 /// Text that only its shadow shows, at a place with room around it.
 AttributedString block(std::optional<Shadow> shadow, const Color& color = {1, 0, 0, 1}) {
-    return AttributedString("\u2588\u2588", {{}, color, shadow});
+    return AttributedString("\u2588\u2588", {.foregroundColor = color, .shadow = shadow});
 }
 
 /// The centre of gravity of what is drawn.
@@ -46,7 +46,9 @@ TEST(TextShadow, FallsByItsOffsetAndKeepsItsWeight) {
 TEST(TextShadow, HasTheProfileOfAGaussian) {
     // The edge of a broad block is the integral of the bell curve.
     const auto draw = [](Canvas& canvas, double blurRadius) {
-        const platform::TextAttributes attributes{platform::Font{"", 80, false}, Color{},
+        const platform::TextAttributes attributes{platform::Font{"", 80, false},
+                                                  Color{},
+                                                  {},
                                                   Shadow{{1000, 0}, blurRadius, {0, 0, 0, 1}}};
         canvas->drawText(AttributedString("\u2588\u2588", attributes), {50 - 1000, 0});
     };
