@@ -41,6 +41,11 @@ bool drawsOver(CompositingOperation operation) {
            operation == CompositingOperation::Highlight;
 }
 
+/// Whether a rectangle covers whole pixels only.
+bool isWhole(const QRectF& rect) {
+    return QRectF(rect.toRect()) == rect;
+}
+
 /// The same pixels without the image's device pixel ratio, which a painter would heed.
 QImage plainView(QImage& image) {
     return QImage(image.bits(), image.width(), image.height(), image.bytesPerLine(),
@@ -315,8 +320,15 @@ void QtGraphicsContext::drawImage(const Image& image, const Rect& destination, c
     const QRectF visible = shape & QRectF(target_.rect());
     if (part.isEmpty() || visible.isEmpty())
         return;
+    const QRectF from = toSourcePixels.mapRect(part);
+    if (fraction == 1 && drawsOver(operation) && isWhole(from) && isWhole(shape) &&
+        from.size() == shape.size()) {
+        QImage view = plainView(target_);
+        QPainter(&view).drawImage(shape.topLeft(), pixels, from);
+        return;
+    }
     const QRect area = visible.toAlignedRect();
-    const QImage layer = resampled(pixels, toSourcePixels.mapRect(part), shape, area);
+    const QImage layer = resampled(pixels, from, shape, area);
     compositeImage(target_, shape, layer, area.topLeft(),
                    fraction > 0 ? std::min(fraction, 1.0) : 0, operation);
 }

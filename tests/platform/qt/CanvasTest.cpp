@@ -55,12 +55,12 @@ TEST_F(Drawing, RoundsCanvasesUpAndLeavesWhatLiesBeyondTransparent) {
         EXPECT_EQ(image->size(), each.size);
         EXPECT_EQ(pixelsOf(*image).size(), each.pixels);
     }
-    EXPECT_TRUE(log.lines.empty());
+    EXPECT_TRUE(log.take().empty());
     const auto tooLarge = graphics.imageByDrawing({1e6, 1e6}, [](GraphicsContext& context) {
         context.fillRect({{}, {1e6, 1e6}}, {}, kOver);
     });
     EXPECT_TRUE(pixelsOf(*tooLarge).isNull());
-    EXPECT_EQ(log.lines.size(), 1U);
+    EXPECT_EQ(log.take().size(), 1U);
     EXPECT_ANY_THROW(graphics.currentContext()) << "drawing is over";
 }
 
