@@ -77,7 +77,7 @@ TEST_F(X11Panel, IsDraggedResizedClickedAndClosed) {
     pointAt({240 + 380 - 10, 51 + 19 + 9});
     x.act({"click", "1"});
     EXPECT_TRUE(prints("information\n"));
-    x.act({"key", "Tab", "key", "space"});
+    x.act({"key", "space"}); // the button has the keyboard since it was clicked
     EXPECT_TRUE(prints("information\ninformation\n")) << printed.toStdString();
     x.act({"key", "Escape"});
     EXPECT_TRUE(panel.waitForFinished(5000));
