@@ -214,7 +214,7 @@ TEST_F(HUDPanel, LooksForTheImageInTheBundleOfItsRealClass) {
     const auto make = reinterpret_cast<MenuExtraEntryPoint>(code->symbol(kMenuExtraEntryPoint));
     const std::unique_ptr<MenuExtra> extra(make("PanelPlugIn"));
     EXPECT_THAT(log.take(), ElementsAre("bundle NSBundle <" + bundle + "> (" + bundle +
-                                       ") missing image white_i"));
+                                        ") missing image white_i"));
     EXPECT_EQ(Bundle::bundleForClass(typeid(HUDWindow))->bundlePath(), HALVEX_LIBRARY_BUNDLE);
     EXPECT_EQ(Bundle::bundleForClass(typeid(*extra))->bundleIdentifier(), "test.panel");
 }
