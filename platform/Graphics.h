@@ -81,8 +81,8 @@ struct ParagraphStyle {
 struct TextAttributes {
     std::optional<Font> font{};
     std::optional<Color> foregroundColor{};
-    std::optional<ParagraphStyle> paragraphStyle{};
     std::optional<Shadow> shadow{};
+    std::optional<ParagraphStyle> paragraphStyle{};
     friend bool operator==(const TextAttributes&, const TextAttributes&) = default;
 };
 

@@ -3,6 +3,7 @@
 #include "ui/HUDWindow.h"
 
 #include <QApplication>
+#include <QScreen>
 
 #include <iostream>
 #include <map>
@@ -13,7 +14,7 @@ using namespace platform;
 
 namespace {
 
-constexpr Rect kFirstPlace{{200, 300}, {320, 200}};
+constexpr Size kFirstSize{320, 200};
 constexpr double kLargestSize = 32767;
 
 struct Options {
@@ -39,10 +40,17 @@ ExitStatus drawToFile(const Options& options, Size size) {
     return writePng(*image, options.file);
 }
 
+/// In the middle of the screen.
+Rect firstPlace() {
+    const QRect screen = QGuiApplication::primaryScreen()->geometry();
+    return {{(screen.width() - kFirstSize.width) / 2, (screen.height() - kFirstSize.height) / 2},
+            kFirstSize};
+}
+
 ExitStatus showPanel(const std::string& title) {
     const auto printer = std::make_shared<Printer>();
     const auto panel = std::make_shared<HUDWindow>();
-    if (!panel->initWithContentRect(kFirstPlace, 0, BackingStore::Buffered, false))
+    if (!panel->initWithContentRect(firstPlace(), 0, BackingStore::Buffered, false))
         return ExitStatus::Refused;
     panel->setTitle(title);
     panel->setTarget(printer);

@@ -103,7 +103,10 @@ void PanelWidget::setLook(const PanelLook& look) {
     if (std::exchange(margin_, margin) != margin)
         adopt(panel_->frame());
     setWindowOpacity(std::clamp(look.alphaValue, 0.0, 1.0));
-    setWindowFlag(Qt::WindowDoesNotAcceptFocus, !panel_->canBecomeKeyWindow());
+    // Setting a flag hides the window, even when it is the same.
+    const bool refusesKeyboard = !panel_->canBecomeKeyWindow();
+    if (windowFlags().testFlag(Qt::WindowDoesNotAcceptFocus) != refusesKeyboard)
+        setWindowFlag(Qt::WindowDoesNotAcceptFocus, refusesKeyboard);
     updateOutline();
     update();
 }

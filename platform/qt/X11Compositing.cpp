@@ -19,7 +19,7 @@ std::unique_ptr<T, decltype(&std::free)> owned(T* reply) {
 
 bool windowsAreTranslucent() {
     const auto* const x11 = qGuiApp->nativeInterface<QNativeInterface::QX11Application>();
-    if (!x11)
+    if (!x11 || !x11->connection()) // offscreen there is the one, but not the other
         return true;
     // Who composites a screen owns its selection.
     constexpr std::string_view kSelection = "_NET_WM_CM_S0";

@@ -191,7 +191,7 @@ TEST_F(HUDPanel, PutsTheButtonIntoTheCornerOfTheSizeItIsGivenAndKeepsItThere) {
     EXPECT_NE(button.accessibilityLabel(), "");
     ASSERT_TRUE(look.image) << "the library's own";
     EXPECT_EQ(look.image->size(), (Size{13, 13}));
-    EXPECT_THAT(log.lines, IsEmpty());
+    EXPECT_THAT(log.take(), IsEmpty());
     button.performClick();
     EXPECT_THAT(target->senders, ElementsAre(&button));
 
@@ -213,8 +213,8 @@ TEST_F(HUDPanel, LooksForTheImageInTheBundleOfItsRealClass) {
     ASSERT_TRUE(code) << reason;
     const auto make = reinterpret_cast<MenuExtraEntryPoint>(code->symbol(kMenuExtraEntryPoint));
     const std::unique_ptr<MenuExtra> extra(make("PanelPlugIn"));
-    EXPECT_THAT(log.lines, ElementsAre("bundle NSBundle <" + bundle + "> (" + bundle +
-                                       ") missing image white_i"));
+    EXPECT_THAT(log.take(), ElementsAre("bundle NSBundle <" + bundle + "> (" + bundle +
+                                        ") missing image white_i"));
     EXPECT_EQ(Bundle::bundleForClass(typeid(HUDWindow))->bundlePath(), HALVEX_LIBRARY_BUNDLE);
     EXPECT_EQ(Bundle::bundleForClass(typeid(*extra))->bundleIdentifier(), "test.panel");
 }

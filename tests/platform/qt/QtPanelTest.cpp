@@ -1,4 +1,5 @@
 #include "platform/qt/QtPanel.h"
+#include "platform/expat/ExpatPropertyLists.h"
 #include "platform/qt/PanelButton.h"
 #include "platform/qt/PanelWidget.h"
 #include "platform/qt/QtGraphics.h"
@@ -37,6 +38,7 @@ constexpr int kMargin = 14; // of the shadow around the frame
 class ShownPanel : public testing::Test {
   protected:
     ShownPanel() {
+        platform::expat::install();
         panel->initWithContentRect({{100, 200}, {200, 100}}, 0, BackingStore::Buffered, false);
         panel->setTitle("Clock");
         panel->setTarget(target);
@@ -114,6 +116,7 @@ TEST_F(ShownPanel, TellsClicksOfMouseAndKeyboardAndIsNamedForThoseWhoHearIt) {
     EXPECT_THAT(target->heard, ElementsAre("panel", "button"));
     target->heard.clear();
     QTest::keyClick(widget, Qt::Key_Return);
+    widget->setFocus();
     QTest::keyClick(widget, Qt::Key_Tab);
     EXPECT_TRUE(button->hasFocus());
     QTest::keyClick(button, Qt::Key_Space);
