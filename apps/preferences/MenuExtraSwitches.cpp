@@ -3,6 +3,7 @@
 #include "menuextras/MenuExtraTools.h"
 #include "platform/FileManager.h"
 #include "platform/PathStrings.h"
+#include "platform/posix/HomeFolders.h"
 
 #include <QCheckBox>
 #include <QVBoxLayout>
@@ -91,6 +92,7 @@ void MenuExtraSwitches::turn(std::size_t index, bool on) {
     entry.box->setEnabled(false);
     message_->setText(QString(on ? "Turning on %1 …" : "Turning off %1 …").arg(entry.box->text()));
     later([this, index, on, tag = entry.tag, identifier = entry.identifier] {
+        platform::posix::makeHomeFolders(platform::fileManager());
         HalvexMenuExtraTools::menuExtraToggle(tag, on ? 1 : 0);
         const bool loaded = isLoaded(identifier);
         QMetaObject::invokeMethod(this, [this, index, on, loaded] { turned(index, on, loaded); });
