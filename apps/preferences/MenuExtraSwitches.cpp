@@ -6,6 +6,7 @@
 #include "platform/posix/HomeFolders.h"
 
 #include <QCheckBox>
+#include <QEvent>
 #include <QVBoxLayout>
 
 #include <algorithm>
@@ -16,6 +17,7 @@ using platform::Bundle;
 namespace {
 
 constexpr int kUnknownTag = -1;
+constexpr int kLighter = 280; // percent
 
 /// The menu extras that a pane ships, by file name.
 std::vector<std::shared_ptr<Bundle>> shippedExtras(const Bundle& pane) {
@@ -48,6 +50,7 @@ MenuExtraSwitches::MenuExtraSwitches(const Bundle& pane, std::function<bool()> i
     message_->setWordWrap(true);
     column->addWidget(message_);
     column->addStretch();
+    colourBoxes();
     refresh();
 }
 
@@ -69,6 +72,22 @@ void MenuExtraSwitches::addSwitch(const Bundle& extra) {
             [this, index = switches_.size()](bool on) { turn(index, on); });
     layout()->addWidget(box);
     switches_.push_back({tag, identifier, box});
+}
+
+void MenuExtraSwitches::changeEvent(QEvent* event) {
+    QWidget::changeEvent(event);
+    if (event->type() == QEvent::PaletteChange)
+        colourBoxes();
+}
+
+/// On a dark ground the style's boxes can hardly be seen.
+void MenuExtraSwitches::colourBoxes() {
+    QPalette colours = palette();
+    const QColor window = colours.color(QPalette::Window);
+    if (window.lightness() < 128)
+        colours.setColor(QPalette::Base, window.lighter(kLighter));
+    for (const Switch& entry : switches_)
+        entry.box->setPalette(colours);
 }
 
 void MenuExtraSwitches::refresh() {
