@@ -2,9 +2,11 @@
 
 #include "platform/BusNames.h"
 #include "platform/expat/ExpatPropertyLists.h"
+#include "platform/qt/Foreground.h"
 #include "tests/desktop/support/BarProcess.h"
 #include "tests/desktop/support/SpoiltBundle.h"
 #include "tests/support/RecordingLog.h"
+#include "tests/support/ScopedEnvironment.h"
 
 #include <QCoreApplication>
 #include <QThread>
@@ -52,13 +54,13 @@ class BusNotificationsTest : public testing::Test {
         const auto ctl = start(HALVEX_CTL, {"background", "request", "Request"});
         return ctl->waitForFinished(60000) ? ctl->exitCode() : -1;
     }
-    /// The process identifiers of who heard the requests.
-    std::vector<std::string> requests(std::size_t count) const {
+    /// The process identifiers that the application has written to a file.
+    std::vector<std::string> written(const char* file, std::size_t count) const {
         std::vector<std::string> lines;
         BarProcess::eventually([&] {
-            std::istringstream file(test::contents(folder.path() / "requests"));
+            std::istringstream text(test::contents(folder.path() / file));
             lines.clear();
-            for (std::string line; std::getline(file, line);)
+            for (std::string line; std::getline(text, line);)
                 lines.push_back(line);
             return lines.size() >= count;
         });
@@ -70,7 +72,8 @@ class BusNotificationsTest : public testing::Test {
             "Library/PreferencePanes/Halvex Pro.prefPane/Contents/PlugIns/Halvex.app/Contents/";
         folder.write(
             application + "Info.plist",
-            "<plist><dict><key>CFBundleExecutable</key><string>Halvex</string></dict></plist>");
+            "<plist><dict><key>CFBundleExecutable</key><string>Halvex</"
+            "string><key>CFBundleIdentifier</key><string>test.Halvex</string></dict></plist>");
         std::filesystem::create_directories(folder.path() / application / "Linux");
         std::filesystem::copy(HALVEX_PEER, folder.path() / application / "Linux/Halvex");
     }
@@ -91,6 +94,8 @@ TEST_F(BusNotificationsTest, OfSeveralProcessesComeInTheOrderOfEachSender) {
     const auto first = start(HALVEX_PEER, arguments);
     const auto second = start(HALVEX_PEER, arguments);
     ASSERT_TRUE(hears(2 * kCount));
+    first->waitForFinished();
+    second->waitForFinished();
     std::map<std::int64_t, std::vector<std::int64_t>> numbers;
     for (const Notification& one : heard)
         numbers[*one.userInfo.find("sender")->integer()].push_back(
@@ -171,14 +176,20 @@ TEST_F(BusNotificationsTest, ReachAnApplicationThatIsStartedForThemAndLaterTheSa
     EXPECT_EQ(request(), 1) << "nothing is installed";
     installApplication();
     EXPECT_EQ(request(), 0);
-    EXPECT_THAT(requests(1), SizeIs(1));
+    EXPECT_THAT(written("requests", 1), SizeIs(1));
     EXPECT_EQ(request(), 0);
-    const auto both = requests(2);
+    const auto both = written("requests", 2);
     ASSERT_THAT(both, SizeIs(2));
     EXPECT_EQ(both[0], both[1]);
     const auto find = start(HALVEX_CTL, {"background", "find"});
     find->waitForFinished();
-    EXPECT_TRUE(QString(find->readAll()).endsWith(QString::fromStdString('\t' + both[0] + '\n')));
+    const QStringList words = QString(find->readAll()).trimmed().split('\t');
+    ASSERT_EQ(words.size(), 2);
+    EXPECT_EQ(words[1].toStdString(), both[0]);
+
+    const test::ScopedEnvironment session("DBUS_SESSION_BUS_ADDRESS", bus.address().toStdString());
+    platform::qt::bringApplicationToFront(words[0].toULongLong());
+    EXPECT_THAT(written("activations", 1), ElementsAre(both[0]));
     center.post({.name = "Quit", .object = {}, .userInfo = {}});
     center.flush();
     EXPECT_TRUE(BarProcess::eventually(
