@@ -1,13 +1,9 @@
 #include "platform/Notifications.h"
 
-#include "platform/Guard.h"
-#include "tests/support/RecordingLog.h"
-
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <atomic>
-#include <stdexcept>
 #include <thread>
 
 using platform::Notification;
@@ -30,7 +26,6 @@ class Notifications : public testing::Test {
         return std::exchange(heard, {});
     }
 
-    test::RecordingLog log;
     NotificationCenter center;
     std::vector<std::string> heard;
     std::shared_ptr<int> first = std::make_shared<int>();
@@ -63,15 +58,6 @@ TEST_F(Notifications, SpareObserversThatGoOrAreTakenOutMeanwhile) {
     EXPECT_THAT(post("a"), ElementsAre("first"));
     first.reset();
     EXPECT_THAT(post("a"), ElementsAre());
-}
-
-TEST_F(Notifications, SurviveWhatAHandlerThrowsAndNameItsOwner) {
-    platform::runGuarded("an.item", [&] {
-        center.addObserver(first, "a", [](const Notification&) { throw std::runtime_error("no"); });
-    });
-    center.addObserver(second, "a", writing("second"));
-    EXPECT_THAT(post("a"), ElementsAre("second"));
-    EXPECT_TRUE(log.contains("an.item raised an exception: std::exception   reason: no"));
 }
 
 TEST_F(Notifications, ComeAndGoOnSeveralThreadsAtOnce) {
