@@ -15,11 +15,12 @@ using Action = std::function<ExitStatus()>;
 void addPathVerbs(CLI::App& commands, Action& chosen); ///< paths, themes, pictures, frames
 /// extras, toggle, install, remove, upgrade, preflight, v2, pro
 void addExtraVerbs(CLI::App& commands, Action& chosen);
-void addLocationVerbs(CLI::App& commands, Action& chosen); ///< locations
-void addMenuBarVerbs(CLI::App& commands, Action& chosen);  ///< menubar
-void addWarningVerbs(CLI::App& commands, Action& chosen);  ///< warnings
-void addPaneVerbs(CLI::App& commands, Action& chosen);     ///< pane
-void addPlistVerb(CLI::App& commands, Action& chosen);     ///< plist
+void addLocationVerbs(CLI::App& commands, Action& chosen);   ///< locations
+void addMenuBarVerbs(CLI::App& commands, Action& chosen);    ///< menubar
+void addWarningVerbs(CLI::App& commands, Action& chosen);    ///< warnings
+void addPaneVerbs(CLI::App& commands, Action& chosen);       ///< pane
+void addBackgroundVerbs(CLI::App& commands, Action& chosen); ///< prefs, background
+void addPlistVerb(CLI::App& commands, Action& chosen);       ///< plist
 
 /// Gives @p verb the flag --json.
 void addJsonFlag(CLI::App& verb, bool& json);

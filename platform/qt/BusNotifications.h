@@ -34,8 +34,8 @@ class BusNotifications final : public DistributedNotificationCenter {
                         const std::string& name) override;
     void post(const Notification& notification) override;
 
-    /// Waits until the bus has all that this process has posted: for a program that is about to
-    /// end.
+    /// Waits, a second at most, until the bus has all that was posted here: for a program that is
+    /// about to end.
     void flush();
 
   private:
@@ -46,7 +46,7 @@ class BusNotifications final : public DistributedNotificationCenter {
     BusConnection connection_;
     std::mutex mutex_; // guards the three below
     std::unique_ptr<SignalReceiver> receiver_;
-    std::string heardOn_;         // the connection, by Qt's name
+    std::string heardOn_;         // the connection, by Qt's name; empty before the first one
     std::set<std::string> heard_; // the names that the bus has been asked for
     std::atomic<bool> saidThatThereIsNoBus_ = false;
 };

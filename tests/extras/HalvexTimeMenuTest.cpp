@@ -1,8 +1,10 @@
 #include "menubar/HalvexMenuExtraBase.h"
+#include "menuextras/ExportedIdentifiers.h"
 #include "platform/DynamicLoader.h"
 #include "platform/MenuExtraPlugIn.h"
 #include "platform/expat/ExpatPropertyLists.h"
 #include "tests/support/Fakes.h"
+#include "tests/support/HandOverDesk.h"
 #include "tests/support/PollingMainThread.h"
 #include "tests/support/RecordingLog.h"
 #include "tests/support/ScopedEnvironment.h"
@@ -11,7 +13,9 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <filesystem>
+#include <thread>
 
 using namespace platform;
 using testing::ElementsAre;
@@ -108,8 +112,9 @@ TEST_F(HalvexTimeMenu, ItsMenuShowsDateAndTimeAndCopiesTheOneThatIsChosen) {
     start();
     extra->menuWillOpen();
     EXPECT_THAT(clock.intervals(), ElementsAre(TickInterval::Second));
-    const auto items = extra->menu()->items();
-    ASSERT_EQ(items.size(), 2U);
+    auto items = extra->menu()->items();
+    ASSERT_EQ(items.size(), 5U);
+    items.resize(2);
     clock.moveTo(kSunday + 1);
     EXPECT_EQ(items[0]->title(), "Sunday, November 22, 2026");
     EXPECT_EQ(items[1]->title(), "22:41:28 GMT");
@@ -119,6 +124,27 @@ TEST_F(HalvexTimeMenu, ItsMenuShowsDateAndTimeAndCopiesTheOneThatIsChosen) {
     }
     extra->menuDidClose();
     EXPECT_THAT(clock.intervals(), ElementsAre(TickInterval::Minute));
+}
+
+TEST_F(HalvexTimeMenu, ItsMenuOpensThePaneAndAsksForTheCalculator) {
+    test::HandOverDesk desk;
+    desk.running = {"Halvex"};
+    const auto pane = std::make_shared<Bundle>(
+        "/Pane", PropertyList::Dictionary{{"CFBundleIdentifier", HalvexPrefsBundleID}});
+    Bundle::setCode(pane, Bundle::Code::Loaded);
+    start();
+    const auto& items = extra->menu()->items();
+    EXPECT_TRUE(items.at(2)->isSeparatorItem());
+    EXPECT_EQ(items.at(4)->title(), "Preferences…");
+    EXPECT_TRUE(items.at(4)->perform());
+    Bundle::setCode(pane, Bundle::Code::Unloaded);
+    EXPECT_THAT(desk.journal(), ElementsAre("open /Pane with System Preferences"));
+    EXPECT_EQ(items.at(3)->title(), "Calculator");
+    EXPECT_TRUE(items.at(3)->perform());
+    while (std::ranges::count(desk.journal(), "front 1") == 0)
+        std::this_thread::yield();
+    while (extra.use_count() > 1) // the other thread's part is over
+        desk.runMainThread();
 }
 
 TEST_F(HalvexTimeMenu, ComesToRestWhenItIsUnloaded) {
