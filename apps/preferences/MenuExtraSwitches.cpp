@@ -3,8 +3,10 @@
 #include "menuextras/MenuExtraTools.h"
 #include "platform/FileManager.h"
 #include "platform/PathStrings.h"
+#include "platform/posix/HomeFolders.h"
 
 #include <QCheckBox>
+#include <QEvent>
 #include <QVBoxLayout>
 
 #include <algorithm>
@@ -15,6 +17,7 @@ using platform::Bundle;
 namespace {
 
 constexpr int kUnknownTag = -1;
+constexpr int kLighter = 280; // percent
 
 /// The menu extras that a pane ships, by file name.
 std::vector<std::shared_ptr<Bundle>> shippedExtras(const Bundle& pane) {
@@ -47,6 +50,7 @@ MenuExtraSwitches::MenuExtraSwitches(const Bundle& pane, std::function<bool()> i
     message_->setWordWrap(true);
     column->addWidget(message_);
     column->addStretch();
+    colourBoxes();
     refresh();
 }
 
@@ -70,6 +74,22 @@ void MenuExtraSwitches::addSwitch(const Bundle& extra) {
     switches_.push_back({tag, identifier, box});
 }
 
+void MenuExtraSwitches::changeEvent(QEvent* event) {
+    QWidget::changeEvent(event);
+    if (event->type() == QEvent::PaletteChange)
+        colourBoxes();
+}
+
+/// On a dark ground the style's boxes can hardly be seen.
+void MenuExtraSwitches::colourBoxes() {
+    QPalette colours = palette();
+    const QColor window = colours.color(QPalette::Window);
+    if (window.lightness() < 128)
+        colours.setColor(QPalette::Base, window.lighter(kLighter));
+    for (const Switch& entry : switches_)
+        entry.box->setPalette(colours);
+}
+
 void MenuExtraSwitches::refresh() {
     for (const Switch& entry : switches_) {
         later([this, box = entry.box, identifier = entry.identifier] {
@@ -91,6 +111,7 @@ void MenuExtraSwitches::turn(std::size_t index, bool on) {
     entry.box->setEnabled(false);
     message_->setText(QString(on ? "Turning on %1 …" : "Turning off %1 …").arg(entry.box->text()));
     later([this, index, on, tag = entry.tag, identifier = entry.identifier] {
+        platform::posix::makeHomeFolders(platform::fileManager());
         HalvexMenuExtraTools::menuExtraToggle(tag, on ? 1 : 0);
         const bool loaded = isLoaded(identifier);
         QMetaObject::invokeMethod(this, [this, index, on, loaded] { turned(index, on, loaded); });

@@ -27,6 +27,9 @@ class MenuExtraSwitches final : public QWidget {
     /// Asks the bar anew; what it says is shown later.
     void refresh();
 
+  protected:
+    void changeEvent(QEvent* event) override;
+
   private:
     struct Switch {
         std::int32_t tag = 0;
@@ -36,6 +39,7 @@ class MenuExtraSwitches final : public QWidget {
     };
 
     void addSwitch(const platform::Bundle& extra);
+    void colourBoxes();
     void turn(std::size_t index, bool on);
     void turned(std::size_t index, bool wanted, bool loaded);
     bool isLoaded(const std::string& identifier) const;

@@ -18,6 +18,8 @@ namespace {
 // The bus would break the connection of who sends more.
 constexpr std::size_t kMaximumUserInfoBytes = std::size_t{16} << 20;
 
+constexpr int kFlushLimit = 1000; // milliseconds
+
 QString qString(const std::string& text) {
     return QString::fromStdString(text);
 }
@@ -99,7 +101,8 @@ void BusNotifications::flush() {
     lock.unlock();
     if (bus.isConnected())
         bus.call(QDBusMessage::createMethodCall("org.freedesktop.DBus", "/org/freedesktop/DBus",
-                                                "org.freedesktop.DBus", "GetId"));
+                                                "org.freedesktop.DBus", "GetId"),
+                 QDBus::Block, kFlushLimit);
 }
 
 /// Whether there is a bus; after one that has gone and come back it is asked for all names anew.

@@ -34,8 +34,8 @@ class BusNotifications final : public DistributedNotificationCenter {
                         const std::string& name) override;
     void post(const Notification& notification) override;
 
-    /// Waits until the bus has all that this process has posted: for a program that is about to
-    /// end.
+    /// Waits, a second at most, until the bus has all that was posted here: for a program that is
+    /// about to end.
     void flush();
 
   private:

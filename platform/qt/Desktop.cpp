@@ -41,6 +41,7 @@ QtGraphics& install() {
     static auto* const desktop = new Desktop;
     exchangeService<Log>(&desktop->log);
     exchangeService<DistributedNotificationCenter>(&desktop->notifications);
+    QObject::connect(qApp, &QCoreApplication::aboutToQuit, [] { desktop->notifications.flush(); });
     exchangeService<Graphics>(&desktop->graphics);
     exchangeService<MainThread>(&desktop->mainThread);
     exchangeService<PanelService>(&desktop->panels);

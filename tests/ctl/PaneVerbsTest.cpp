@@ -21,6 +21,8 @@ TEST(PaneVerbs, PutTheShippedPaneIntoTheUsersPlaceAndTakeItAwayAgain) {
         {"halvexctl pane install | sed \"s|$PWD/||\"", users},
         {"diff -r '" HALVEX_PANE "' \"$place\"", ""},
         {"halvexctl pane path | sed \"s|$PWD/||\"", users},
+        {"halvexctl prefs path | sed \"s|$PWD/||\"", users},
+        {"halvexctl background path | sed \"s|.*prefPane||\"", "/Contents/PlugIns/Halvex.app\n"},
         {"halvexctl locations show | grep -c '<string>Europe/London'", "1\n"},
         {"mkdir -p 'root" + everybodys + "'; halvexctl pane path", everybodys + "\n"},
         {"halvexctl pane uninstall; halvexctl pane uninstall; ls -A $panes", ""},

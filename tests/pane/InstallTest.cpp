@@ -11,6 +11,8 @@ using testing::HasSubstr;
 
 namespace {
 
+constexpr const char* kApplication = "Contents/PlugIns/Halvex.app/Contents/Linux/Halvex";
+
 /// What the build installs, staged in a folder of the test's own.
 class Installation : public testing::Test {
   protected:
@@ -33,13 +35,16 @@ class Installation : public testing::Test {
 };
 
 TEST_F(Installation, HasProgramsLibrariesAndThePaneThatItsProgramGivesToTheUser) {
-    run("cd usr/local && ls bin/halvex-menubar lib/libHalvexTools.so.1 lib/libHalvexDesktop.so.1 "
+    run("cd usr/local && ls bin/halvex-menubar bin/halvex-preferences bin/halvexctl "
+        "lib/libHalvexTools.so.1 lib/libHalvexDesktop.so.1 "
         "lib/halvex/MenuExtras/Clock.menu/Contents/Linux/Clock");
+    // The application's program differs from the built one by where it looks for the libraries.
     run("mkdir home && HOME=\"$PWD/home\" usr/local/bin/halvexctl --root . pane install >/dev/null "
-        "&&"
-        " diff -r \"$pane\" '" HALVEX_PANE "' &&"
+        "&& diff -r --exclude=Halvex \"$pane\" '" HALVEX_PANE "' &&"
         " diff -r \"$pane\" 'home/Library/PreferencePanes/Halvex Pro.prefPane'");
     EXPECT_EQ(output, "");
+    run("readelf -d \"$pane/Contents/PlugIns/Halvex.app/Contents/Linux/Halvex\"");
+    EXPECT_THAT(output, testing::HasSubstr("Library runpath: [/usr/local/lib]"));
 }
 
 TEST_F(Installation, HasABarThatLoadsItemsFromThePaneAndFromAHomeFolder) {

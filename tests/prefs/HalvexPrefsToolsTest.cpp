@@ -24,8 +24,10 @@ class Scripts final : public platform::ScriptRunner {
     std::promise<std::pair<std::string, std::thread::id>> asked;
 
     std::optional<std::string> run(const std::string& script) override {
-        asked.set_value({script, std::this_thread::get_id()});
-        return error;
+        const auto answer = error;
+        auto promise = std::move(asked); // this object may go once the promise is kept
+        promise.set_value({script, std::this_thread::get_id()});
+        return answer;
     }
 
   private:
@@ -71,12 +73,10 @@ TEST_F(PrefsTools, OpenThePaneAndGiveItsPathAlsoWhenThatFails) {
 }
 
 TEST_F(PrefsTools, SayThatThereIsNoPane) {
-    EXPECT_EQ(Tools::HalvexPrefsPath(), std::nullopt);
     EXPECT_EQ(Tools::HalvexOpenPrefs(), std::nullopt);
     EXPECT_EQ(Tools::getHalvexBGApplicationPath(), std::nullopt);
-    EXPECT_THAT(tree.log.take(),
-                ElementsAre("Halvex Pref bundle not found.", "Halvex Pref bundle not found.",
-                            "Halvex error: getHalvexPath failed\n"));
+    EXPECT_THAT(tree.log.take(), ElementsAre("Halvex Pref bundle not found.",
+                                             "Halvex error: getHalvexPath failed\n"));
     EXPECT_THAT(desk.journal(), ElementsAre());
 }
 
@@ -89,8 +89,8 @@ TEST_F(PrefsTools, SelectAPaneWithAScriptOnAnotherThread) {
     EXPECT_EQ(text, script);
     EXPECT_NE(thread, std::this_thread::get_id());
 
-    scripts.asked = {};
-    scripts.error = "no such pane";
+    Scripts failing;
+    failing.error = "no such pane";
     Tools::openPrefsThread("com.example.a%@b");
     EXPECT_THAT(tree.log.take(), ElementsAre("AppleScript:" + script + "\n error: no such pane"));
 }
