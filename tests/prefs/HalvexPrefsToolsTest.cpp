@@ -84,8 +84,9 @@ TEST_F(PrefsTools, SelectAPaneWithAScriptOnAnotherThread) {
     const std::string script = "tell application \"System Preferences\"\nactivate\n"
                                "set the current pane to pane id \"com.example.a%@b\"\nend tell\n";
     Scripts scripts;
+    auto asked = scripts.asked.get_future();
     Tools::openPrefsSelected("com.example.a%@b");
-    const auto [text, thread] = scripts.asked.get_future().get();
+    const auto [text, thread] = asked.get();
     EXPECT_EQ(text, script);
     EXPECT_NE(thread, std::this_thread::get_id());
 
