@@ -3,7 +3,6 @@
 #include "platform/Log.h"
 #include "platform/MenuExtraPlugIn.h"
 
-#include <csignal>
 #include <cstdlib>
 #include <stdexcept>
 #include <unistd.h>
@@ -13,13 +12,19 @@ using namespace platform;
 
 namespace {
 
-/// Handles Shift-clicks itself, logs every click, and has a menu of all kinds of items.
-class Calm : public HalvexMenuExtraBase {
+/// Handles Shift-clicks itself, logs every click, and has a menu with two items. Its principal
+/// class says what it does wrong and when, "ThrowsWhenClicked" for one; "Calm" does nothing wrong.
+class TestExtra final : public HalvexMenuExtraBase {
   public:
+    explicit TestExtra(std::string kind) : kind_(std::move(kind)) {}
+
     std::shared_ptr<MenuExtra> initWithBundle(std::shared_ptr<Bundle> bundle) override {
-        if (!HalvexMenuExtraBase::initWithBundle(std::move(bundle)))
+        now("AtStart");
+        if (kind_ == "GivesNothing" || !HalvexMenuExtraBase::initWithBundle(std::move(bundle)))
             return nullptr;
         setTitle("Test");
+        if (kind_.ends_with("WhenTicking"))
+            ticks_ = systemClock().tick(TickInterval::Second, [this] { now("WhenTicking"); });
         menu_ = std::make_shared<Menu>();
         menu_->addItem(
             "Choose", [](MenuItem&) { logLine("chosen"); }, weak_from_this());
@@ -27,121 +32,55 @@ class Calm : public HalvexMenuExtraBase {
             "Fail", [](MenuItem&) { throw 5; }, weak_from_this());
         return shared_from_this();
     }
-    bool clicked() override { return note("plain"); }
+    std::shared_ptr<AttributedString> attributedTitle() const override {
+        now("WhenDrawn");
+        return HalvexMenuExtraBase::attributedTitle();
+    }
+    bool clicked() override {
+        now("WhenClicked");
+        return kind_ == "LeavesWhenClicked" ? leave() : note("plain");
+    }
     bool clickWithAltKey() override { return note("option"); }
     bool clickWithCtrlKey() override { return note("control"); }
     bool clickWithShiftKey() override { return !note("shift"); }
     void willUnload() override {
-        logLine("leaving");
+        MenuExtraReference reference = 0;
+        logLine("leaving, itself: %d", CoreMenuExtraGetMenuExtra("test.extra", &reference));
         HalvexMenuExtraBase::willUnload();
     }
 
   private:
-    bool note(const char* kind) {
+    void now(const std::string& when) const {
+        if (kind_ == "Throws" + when)
+            throw std::runtime_error("no " + when);
+        if (kind_ == "Crashes" + when)
+            std::abort();
+        if (kind_ == "Hangs" + when) {
+            logLine("hanging");
+            pause();
+        }
+    }
+    static bool note(const char* kind) {
         logLine("click %@ %d", kind, eventSource().currentEvent().clickCount);
         return false;
     }
-};
-
-class ThrowsAtStart : public Calm {
-    std::shared_ptr<MenuExtra> initWithBundle(std::shared_ptr<Bundle>) override {
-        throw std::runtime_error("no start");
-    }
-};
-
-class GivesNothing : public Calm {
-    std::shared_ptr<MenuExtra> initWithBundle(std::shared_ptr<Bundle>) override { return nullptr; }
-};
-
-class ThrowsWhenClicked : public Calm {
-    bool clicked() override { throw std::runtime_error("no click"); }
-};
-
-class ThrowsWhenTicking : public Calm {
-  public:
-    std::shared_ptr<MenuExtra> initWithBundle(std::shared_ptr<Bundle> bundle) override {
-        ticks_ =
-            systemClock().tick(TickInterval::Second, [] { throw std::runtime_error("no tick"); });
-        return Calm::initWithBundle(std::move(bundle));
-    }
-
-  private:
-    std::unique_ptr<Watch> ticks_;
-};
-
-class ThrowsWhenDrawn : public Calm {
-  public:
-    std::shared_ptr<AttributedString> attributedTitle() const override {
-        throw std::runtime_error("no title");
-    }
-};
-
-class CrashesAtStart : public Calm {
-    std::shared_ptr<MenuExtra> initWithBundle(std::shared_ptr<Bundle>) override { std::abort(); }
-};
-
-class HangsAtStart : public Calm {
-    std::shared_ptr<MenuExtra> initWithBundle(std::shared_ptr<Bundle>) override {
-        logLine("hanging");
-        pause();
-        return nullptr;
-    }
-};
-
-class CrashesWhenDrawn : public Calm {
-  public:
-    std::shared_ptr<AttributedString> attributedTitle() const override {
-        std::raise(SIGSEGV);
-        return nullptr;
-    }
-};
-
-class CrashesWhenClicked : public Calm {
-    bool clicked() override { std::abort(); }
-};
-
-/// Takes itself and the bar's own clock out of the bar, which is not done in the middle of its
-/// code.
-class LeavesWhenClicked : public Calm {
-    bool clicked() override {
+    /// Takes itself and the bar's own clock out, which the bar does not do in the middle of this.
+    static bool leave() {
         for (const char* identifier : {"com.apple.menuextra.clock", "test.extra"}) {
             MenuExtraReference reference = 0;
             CoreMenuExtraGetMenuExtra(identifier, &reference);
-            logLine("leave: %d", CoreMenuExtraRemoveMenuExtra(reference, 0));
+            CoreMenuExtraRemoveMenuExtra(reference, 0);
         }
         return true;
     }
-    void willUnload() override {
-        MenuExtraReference reference = 0;
-        logLine("itself: %d", CoreMenuExtraGetMenuExtra("test.extra", &reference));
-        Calm::willUnload();
-    }
-};
 
-template <class Class>
-MenuExtra* make() {
-    return new Class;
-}
+    std::string kind_;
+    std::unique_ptr<Watch> ticks_;
+};
 
 } // namespace
 
 extern "C" MenuExtra* HalvexMenuExtraEntry_1(const char* principalClass) {
-    const std::pair<std::string_view, MenuExtra* (*)()> classes[] = {
-        {"Calm", make<Calm>},
-        {"ThrowsAtStart", make<ThrowsAtStart>},
-        {"GivesNothing", make<GivesNothing>},
-        {"ThrowsWhenClicked", make<ThrowsWhenClicked>},
-        {"ThrowsWhenTicking", make<ThrowsWhenTicking>},
-        {"ThrowsWhenDrawn", make<ThrowsWhenDrawn>},
-        {"CrashesAtStart", make<CrashesAtStart>},
-        {"HangsAtStart", make<HangsAtStart>},
-        {"CrashesWhenDrawn", make<CrashesWhenDrawn>},
-        {"CrashesWhenClicked", make<CrashesWhenClicked>},
-        {"LeavesWhenClicked", make<LeavesWhenClicked>},
-    };
-    for (const auto& [name, makeOne] : classes) {
-        if (name == principalClass)
-            return makeOne();
-    }
-    return nullptr;
+    const std::string kind = principalClass;
+    return kind == "Unknown" ? nullptr : new TestExtra(kind);
 }

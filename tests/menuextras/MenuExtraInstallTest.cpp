@@ -1,285 +1,191 @@
 #include "platform/Bundle.h"
 #include "tests/menuextras/MenuExtraTree.h"
 
-#include <functional>
-
-using test::Lines;
-using testing::IsEmpty;
 using Tools = HalvexMenuExtraTools;
 
 namespace {
 
 namespace fs = std::filesystem;
 
+struct Case {
+    std::string shipped, installed; ///< versions, empty: there is none
+    std::string refused;            ///< as StubbornFiles has it
+    bool result;
+    std::string log;
+    std::string after; ///< the version that is installed then
+};
+
 class MenuExtraInstall : public test::MenuExtraTree {
   protected:
-    /// As this process has opened the installed copy when it looked at its version.
-    void installOpened(const std::string& version) {
-        install("X.menu", version);
-        ASSERT_TRUE(platform::Bundle::bundleWithPath(D));
-    }
-    void empty() {
-        myDebug = 0;
+    void arrange(const Case& c, const std::string& file = "X.menu") {
         fs::remove_all(F);
         fs::remove_all(tree.place(P));
         fs::create_directories(F);
-        files.readOnly = files.unreadable = files.undeletable = files.uncopyable = {};
-        workspace.recycled.clear();
+        if (!c.shipped.empty())
+            ship(file, c.shipped);
+        if (!c.installed.empty())
+            install(file, c.installed);
+        const auto path = c.refused.find(' ') + 1;
+        const std::string& folder = c.refused.substr(path, 1) == "F" ? F : P;
+        files.refused = {
+            path == 0 ? "" : c.refused.substr(0, path) + folder + c.refused.substr(path + 1)};
     }
 
-    const std::string D = F + "/X.menu";
+    const std::string X = F + "/X.menu";
     const std::string S = P + "/X.menu";
-};
-
-struct Case {
-    const char* name;
-    std::function<void()> arrange;
-    bool result;
-    Lines lines;
-    std::string version; ///< the installed one afterwards, empty for none
 };
 
 TEST_F(MenuExtraInstall, InstallsOrSaysWhyNot) {
     const Case cases[] = {
-        {"folder not writable",
-         [&] { files.readOnly = {F}; },
-         false,
-         {"installMenuExtra: no write access to install Menu Extra at F"},
+        {"2", "", "write F", false, "installMenuExtra: no write access to install Menu Extra at F",
          ""},
-        {"source missing",
-         [&] {
-             fs::remove_all(tree.place(S));
-             install("X.menu", "1");
-         },
-         false,
-         {"installMenuExtra: source P/X.menu missing"},
-         "1"},
-        {"fresh", [] {}, true, {"installed MenuExtra F/X.menu"}, "2"},
-        {"fresh, verbose", [] { myDebug = 1; }, true, {"installed MenuExtra F/X.menu"}, "2"},
-        {"copy fails",
-         [&] { files.uncopyable = {S}; },
-         false,
-         {"failed to install MenuExtra F/X.menu"},
-         ""},
-        {"a link to nothing in the way", [&] { fs::create_symlink("nowhere", D); }, true, {}, "2"},
-        {"old copy opened before",
-         [&] { installOpened("1"); },
-         true,
-         {"replacing MenuExtra (V1) at F/X.menu"},
-         "2"},
-        {"old copy opened before, verbose",
-         [&] {
-             installOpened("1");
-             myDebug = 1;
-         },
-         true,
-         {"replacing MenuExtra (V1) at F/X.menu", "copying MenuExtra to F/X.menu"},
-         "2"},
-        {"old copy cannot be deleted",
-         [&] {
-             install("X.menu", "1");
-             files.undeletable = {D};
-         },
-         true,
-         {"error removing old MenuExtra at F/X.menu",
-          "installMenuExtra already installed at F/X.menu"},
+        {"", "1", "", false, "installMenuExtra: source P/X.menu missing", "1"},
+        {"2", "", "", true, "installed MenuExtra F/X.menu", "2"},
+        {"2", "", "copy P/X.menu", false, "failed to install MenuExtra F/X.menu", ""},
+        {"2", "1", "", true, "", "2"}, // nobody has opened the old one and knows its version
+        {"2", "1", "remove F/X.menu", true,
+         "error removing old MenuExtra at F/X.menu\ninstallMenuExtra already installed at F/X.menu",
          "1"},
     };
     for (const Case& c : cases) {
-        SCOPED_TRACE(c.name);
-        empty();
-        ship("X.menu", "2");
-        c.arrange();
-        EXPECT_EQ(Tools::installMenuExtra(S), c.result);
-        EXPECT_EQ(lines(), c.lines);
-        EXPECT_TRUE(isInstalled("X.menu", c.version));
+        arrange(c);
+        EXPECT_EQ(Tools::installMenuExtra(S), c.result) << c.log;
+        EXPECT_EQ(log(), c.log);
+        EXPECT_EQ(version("X.menu"), c.after) << c.log;
     }
-}
-
-TEST_F(MenuExtraInstall, TellsTheVersionOfNoCopyThatThisProcessHasNotOpened) {
-    ship("X.menu", "2");
-    install("X.menu", "1");
-    EXPECT_TRUE(Tools::installMenuExtra(S));
-    EXPECT_EQ(lines(), Lines());
-    EXPECT_TRUE(isInstalled("X.menu", "2"));
+    for (const std::string more : {"", "\ncopying MenuExtra to F/X.menu"}) {
+        arrange({"2", "1", "", {}, {}, {}});
+        ASSERT_TRUE(platform::Bundle::bundleWithPath(X)) << "opened before";
+        myDebug = more.empty() ? 0 : 1;
+        EXPECT_TRUE(Tools::installMenuExtra(S));
+        EXPECT_EQ(log(), "replacing MenuExtra (V1) at F/X.menu" + more);
+        EXPECT_EQ(version("X.menu"), "2");
+    }
+    for (const std::string& target : {std::string("nowhere"), tree.place(S)}) {
+        fs::remove_all(X);
+        fs::create_symlink(target, X);
+        EXPECT_TRUE(Tools::installMenuExtra(S));
+        EXPECT_FALSE(fs::is_symlink(X)) << "a link is in nobody's way, wherever it leads";
+        EXPECT_EQ(version("X.menu"), "2");
+    }
 }
 
 TEST_F(MenuExtraInstall, LosesNothingToAPathThatNamesTheInstalledFolderOrACopyInIt) {
     install("X.menu", "1");
     install("X.menu/Contents/PlugIns/X.menu", "1");
-    for (const std::string& path : {D, D + "/", D + "/Contents/PlugIns/X.menu"}) {
+    for (const std::string& path : {X, X + "/", X + "/Contents/PlugIns/X.menu"}) {
         EXPECT_TRUE(Tools::installMenuExtra(path));
-        EXPECT_EQ(lines(), Lines{"installMenuExtra already installed at F/X.menu"}) << path;
+        EXPECT_EQ(log(), "installMenuExtra already installed at F/X.menu") << path;
     }
-    for (const std::string path : {"", "/", "..", "a/..", ".", "/tmp/."}) {
+    for (const std::string path : {"", "/", "a/..", "."}) {
         EXPECT_FALSE(Tools::installMenuExtra(path));
         EXPECT_FALSE(Tools::removeMenuExtra(path));
-        EXPECT_EQ(lines(), (Lines{"installMenuExtra: source " + path + " missing",
-                                  "removeMenuExtra: no menu extra is named by " + path}));
+        EXPECT_EQ(log(), "installMenuExtra: source " + path + " missing\n" +
+                             "removeMenuExtra: no menu extra is named by " + path);
     }
-    EXPECT_TRUE(isInstalled("X.menu", "1"));
+    EXPECT_EQ(version("X.menu"), "1");
 }
 
 TEST_F(MenuExtraInstall, RemovesTheInstalledCopyAndNothingElse) {
+    const std::string noAccess = "removeMenuExtra: no write access to F/X.menu";
+    const std::string trashed = "Moved to trash Halvex file: F/X.menu";
     const Case cases[] = {
-        {"removed", [&] { install("X.menu", "1"); }, true, {}, ""},
-        {"missing", [] {}, false, {}, ""},
-        {"not writable",
-         [&] {
-             install("X.menu", "1");
-             files.readOnly = {D};
-         },
-         false,
-         {"removeMenuExtra: no write access to F/X.menu"},
-         "1"},
-        {"folder not writable",
-         [&] {
-             install("X.menu", "1");
-             files.readOnly = {F};
-         },
-         false,
-         {"removeMenuExtra: no write access to F/X.menu"},
-         "1"},
-        {"missing, folder not writable", [&] { files.readOnly = {F}; }, false, {}, ""},
-        {"to the Trash",
-         [&] {
-             install("X.menu", "1");
-             files.undeletable = {D};
-             workspace.recycles = true;
-         },
-         true,
-         {"Moved to trash Halvex file: F/X.menu"},
-         "1"},
-        {"not even to the Trash",
-         [&] {
-             install("X.menu", "1");
-             files.undeletable = {D};
-             workspace.recycles = false;
-         },
-         false,
-         {"Moved to trash Halvex file: F/X.menu"},
-         "1"},
+        {"2", "1", "", true, "", ""},
+        {"2", "", "write F", false, "", ""},
+        {"2", "1", "write F", false, noAccess, "1"},
+        {"2", "1", "write F/X.menu", false, noAccess, "1"},
+        {"2", "1", "remove F/X.menu", true, trashed, "1"}, // the Trash takes it
+        {"2", "1", "remove F/X.menu", false, trashed, "1"},
     };
     for (const Case& c : cases) {
-        SCOPED_TRACE(c.name);
-        empty();
-        ship("X.menu", "2");
-        c.arrange();
-        const Lines recycled = files.undeletable.empty() ? Lines() : Lines{D};
+        SCOPED_TRACE(c.refused);
+        arrange(c);
+        workspace.recycles = c.result;
         EXPECT_EQ(Tools::removeMenuExtra(S), c.result);
-        EXPECT_EQ(lines(), c.lines);
-        EXPECT_TRUE(isInstalled("X.menu", c.version));
-        EXPECT_EQ(workspace.recycled, recycled);
+        EXPECT_EQ(log(), c.log);
+        EXPECT_EQ(version("X.menu"), c.after);
+        EXPECT_EQ(shown(std::exchange(workspace.recycled, {})), c.log == trashed ? "F/X.menu" : "");
         EXPECT_TRUE(tree.exists(S)) << "the shipped one is never touched";
     }
 }
 
 TEST_F(MenuExtraInstall, UpgradesATagWhenTheVersionsDifferAtAll) {
     const std::string name = "HalvexASMMenu.menu";
-    const auto info = [](const std::string& path) { return path + "/Contents/Info.plist"; };
-    const auto changing = [](const std::string& versions) {
-        return "Halvex Pro: Changing versions of Menu Extra (logout required): " + versions;
-    };
-    const std::string replacing = "replacing MenuExtra (V2.1) at F/" + name;
+    const std::string changing = "Halvex Pro: Changing versions of Menu Extra (logout required): ";
+    const std::string noAccess = "\ninstallMenuExtra: no write access to install Menu Extra at F";
     const Case cases[] = {
-        {"older shipped", [] {}, true, {changing("2.1 != 2.0"), replacing}, "2.0"},
-        {"equal", [&] { ship(name, "2.1"); }, false, {}, "2.1"},
-        {"not installed", [&] { fs::remove_all(F + '/' + name); }, false, {}, ""},
-        {"not shipped", [&] { fs::remove_all(tree.place(P)); }, false, {}, "2.1"},
-        {"installed unreadable", [&] { files.unreadable = {F + '/' + name}; }, false, {}, "2.1"},
-        {"shipped unreadable", [&] { files.unreadable = {P + '/' + name}; }, false, {}, "2.1"},
-        {"shipped without a dictionary",
-         [&] { fs::remove(info(tree.place(P + '/' + name))); },
-         false,
-         {},
-         "2.1"},
-        {"install fails",
-         [&] { files.readOnly = {F}; },
-         true,
-         {changing("2.1 != 2.0"), "installMenuExtra: no write access to install Menu Extra at F"},
-         "2.1"},
-        {"neither has a version",
-         [&] {
-             for (const std::string& path : {F + '/' + name, tree.place(P + '/' + name)})
-                 std::ofstream(info(path)) << "<plist><dict/></plist>";
-             files.readOnly = {F};
-         },
-         true,
-         {changing("(null) != (null)"),
-          "installMenuExtra: no write access to install Menu Extra at F"},
-         "?"},
+        {"2.0", "2.1", "", true, changing + "2.1 != 2.0\nreplacing MenuExtra (V2.1) at F/" + name,
+         "2.0"},
+        {"2.1", "2.1", "", false, "", "2.1"},
+        {"2.0", "", "", false, "", ""},
+        {"", "2.1", "", false, "", "2.1"},
+        {"2.0", "2.1", "read F/" + name, false, "", "2.1"},
+        {"2.0", "2.1", "read P/" + name, false, "", "2.1"},
+        {"2.0", "2.1", "write F", true, changing + "2.1 != 2.0" + noAccess, "2.1"},
+        {"(null)", "(null)", "write F", true, changing + "(null) != (null)" + noAccess, "(null)"},
     };
     for (const Case& c : cases) {
-        SCOPED_TRACE(c.name);
-        empty();
-        ship(name, "2.0");
-        install(name, "2.1");
-        c.arrange();
+        SCOPED_TRACE(c.shipped + ' ' + c.installed + ' ' + c.refused);
+        arrange(c, name);
         EXPECT_EQ(Tools::DoUpgradeIfNeeded(2), c.result);
-        EXPECT_EQ(lines(), c.lines);
-        EXPECT_TRUE(c.version == "?" || isInstalled(name, c.version));
+        EXPECT_EQ(log(), c.log);
+        EXPECT_EQ(version(name), c.after);
     }
+    ship(name, "3");
+    fs::remove(tree.place(P + '/' + name) + "/Contents/Info.plist");
+    EXPECT_FALSE(Tools::DoUpgradeIfNeeded(2)) << "there is no dictionary";
 }
 
 TEST_F(MenuExtraInstall, UpgradesThreeTagsAndThenClearsTheObsoleteOnesAway) {
-    const std::pair<const char*, const char*> obsolete[] = {
-        {"HalvexMenu.menu", Halvex2MenuID},
-        {"hxASMMenu.menu", Halvex2ASMid},
-        {"qvCalendarMenu.menu", HalvexProOldCalMenuID}};
     for (const char* name :
          {"HalvexTimeMenu.menu", "HalvexASMMenu.menu", "HalvexDateCalMenu.menu"}) {
         ship(name, "2");
         install(name, "2");
     }
-    for (const auto& [file, identifier] : obsolete) {
-        install(file, "1");
-        bar.loaded.push_back(identifier);
-    }
+    for (const char* obsolete : {"HalvexMenu.menu", "hxASMMenu.menu", "qvCalendarMenu.menu"})
+        install(obsolete, "1");
+    bar.loaded = {HalvexProOldCalMenuID, Halvex2MenuID};
     EXPECT_FALSE(Tools::DoUpgradeIfNeeded());
-    EXPECT_EQ(requests(), Lines());
-    EXPECT_TRUE(isInstalled("HalvexMenu.menu", "1"));
-    EXPECT_EQ(lines(), Lines());
+    EXPECT_EQ(requests() + log() + version("HalvexMenu.menu"), "1");
 
     install("HalvexTimeMenu.menu", "1");
     install("HalvexDateCalMenu.menu", "1");
-    bar.loaded = {HalvexProOldCalMenuID, Halvex2MenuID};
-    files.undeletable = {F + "/qvCalendarMenu.menu"};
+    files.refused = {"remove " + F + "/qvCalendarMenu.menu"};
     EXPECT_TRUE(Tools::DoUpgradeIfNeeded());
-    EXPECT_TRUE(isInstalled("HalvexTimeMenu.menu", "2"));
-    EXPECT_TRUE(isInstalled("HalvexDateCalMenu.menu", "2")) << "the second upgrade comes as well";
-    EXPECT_TRUE(isInstalled("hxASMMenu.menu", ""));
-    EXPECT_EQ(requests(), (Lines{"remove com.quorvanesoftware.HalvexMenu2 0",
-                                 "remove com.quorvanesoftware.HalvexCalMenu 0"}));
-    const Lines all = lines();
-    EXPECT_EQ(Lines(all.end() - 3, all.end()),
-              (Lines{"removed old MenuExtra at F/HalvexMenu.menu",
-                     "removed old MenuExtra at F/hxASMMenu.menu",
-                     "error removing old MenuExtra at F/qvCalendarMenu.menu"}));
-    EXPECT_EQ(all.size(), 7U) << "two upgrades with two lines each";
+    EXPECT_EQ(version("HalvexTimeMenu.menu"), "2");
+    EXPECT_EQ(version("HalvexDateCalMenu.menu"), "2") << "the second upgrade comes as well";
+    EXPECT_EQ(version("hxASMMenu.menu"), "");
+    EXPECT_EQ(requests(), "remove com.quorvanesoftware.HalvexMenu2 0\n"
+                          "remove com.quorvanesoftware.HalvexCalMenu 0");
+    EXPECT_THAT(log(), testing::EndsWith("V1) at F/HalvexDateCalMenu.menu\n"
+                                         "removed old MenuExtra at F/HalvexMenu.menu\n"
+                                         "removed old MenuExtra at F/hxASMMenu.menu\n"
+                                         "error removing old MenuExtra at F/qvCalendarMenu.menu"));
 }
 
 TEST_F(MenuExtraInstall, TakesOldAndNewGenerationsOutOfTheBarInTheirOrder) {
-    const Lines second{Halvex2MenuID, HalvexTodoID, Halvex2ASMid, HalvexProOldCalMenuID};
-    const Lines current{HalvexMenuID, HalvexTimeOnlyMenuID, HalvexProCalMenuID, HalvexASMid};
-    const auto removals = [](const Lines& identifiers) {
-        Lines result;
-        for (const std::string& identifier : identifiers)
-            result.push_back("remove " + identifier + " 0");
-        return result;
-    };
-    bar.loaded = current;
+    const std::string prefix = "remove com.quorvanesoftware.Halvex";
+    const std::vector<std::string> second{HalvexProOldCalMenuID, Halvex2ASMid, HalvexTodoID,
+                                          Halvex2MenuID};
+    const auto current = {HalvexMenuID, HalvexTimeOnlyMenuID, HalvexProCalMenuID, HalvexASMid};
+    bar.loaded.assign(current.begin(), current.end());
     EXPECT_FALSE(Tools::isHalvexV2Running());
-    bar.loaded.insert(bar.loaded.end(), second.rbegin(), second.rend());
-    bar.asked.clear();
-    EXPECT_TRUE(Tools::isHalvexV2Running());
-    EXPECT_EQ(bar.asked, (Lines{Halvex2MenuID, HalvexTodoID, HalvexProOldCalMenuID, Halvex2ASMid}));
+    EXPECT_THAT(bar.asked, testing::ElementsAre(Halvex2MenuID, HalvexTodoID, HalvexProOldCalMenuID,
+                                                Halvex2ASMid));
+    for (const std::string& identifier : second) {
+        bar.loaded = {identifier};
+        EXPECT_TRUE(Tools::isHalvexV2Running()) << identifier;
+    }
+    bar.loaded = second;
+    bar.loaded.insert(bar.loaded.begin(), current.begin(), current.end());
     Tools::HalvexV2Remove();
-    EXPECT_EQ(requests(), removals(second));
+    EXPECT_EQ(requests(), prefix + "Menu2 0\n" + prefix + "CAL 0\n" + prefix + "ASM2 0\n" + prefix +
+                              "CalMenu 0");
     Tools::HalvexProRemove();
-    EXPECT_EQ(requests(), removals(current));
+    EXPECT_EQ(requests(), prefix + "ProMenu 0\n" + prefix + "TimeOnlyMenuExtra 0\n" + prefix +
+                              "DateCalMenu 0\n" + prefix + "ProASM 0");
     Tools::HalvexV2Remove();
-    EXPECT_THAT(requests(), IsEmpty());
-    EXPECT_EQ(lines(), Lines()) << "nothing that is not loaded is asked to go";
+    EXPECT_EQ(requests() + log(), "") << "nothing that is not loaded is asked to go";
 }
 
 } // namespace

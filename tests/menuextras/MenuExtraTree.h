@@ -17,26 +17,23 @@
 
 namespace test {
 
-/// The real files, but for some paths that refuse what permissions would not refuse to root.
+/// The real files, but for what is refused although permissions would not refuse it to root.
 class StubbornFiles final : public platform::posix::PosixFileManager {
   public:
     using PosixFileManager::PosixFileManager;
-    std::set<std::string> readOnly;
-    std::set<std::string> unreadable;
-    std::set<std::string> undeletable;
-    std::set<std::string> uncopyable;
+    std::set<std::string> refused; ///< read, write, remove or copy, a blank, a path
 
     bool isWritableFile(const std::string& path) const override {
-        return !readOnly.contains(path) && PosixFileManager::isWritableFile(path);
+        return !refused.contains("write " + path) && PosixFileManager::isWritableFile(path);
     }
     bool isReadableFile(const std::string& path) const override {
-        return !unreadable.contains(path) && PosixFileManager::isReadableFile(path);
+        return !refused.contains("read " + path) && PosixFileManager::isReadableFile(path);
     }
     bool removeItem(const std::string& path) override {
-        return !undeletable.contains(path) && PosixFileManager::removeItem(path);
+        return !refused.contains("remove " + path) && PosixFileManager::removeItem(path);
     }
     bool copyItem(const std::string& from, const std::string& to) override {
-        return !uncopyable.contains(from) && PosixFileManager::copyItem(from, to);
+        return !refused.contains("copy " + from) && PosixFileManager::copyItem(from, to);
     }
 
   private:
@@ -44,52 +41,51 @@ class StubbornFiles final : public platform::posix::PosixFileManager {
 };
 
 constexpr const char* kPane = "/Library/PreferencePanes/Halvex Pro.prefPane";
-constexpr const char* kUsersPane = "~/Library/PreferencePanes/Halvex Pro.prefPane";
-
-using Lines = std::vector<std::string>;
 
 /// A pane for all users with shipped menu extras, a folder of installed ones, a bar and a clock.
-/// In lines and requests P is the folder of the shipped ones and F that of the installed ones.
+/// P is the folder of the shipped ones and F that of the installed ones, also in log and requests.
 class MenuExtraTree : public testing::Test {
   protected:
     void TearDown() override { myDebug = 0; }
 
+    /// The version "(null)" is none.
     static std::string infoPlist(const std::string& version, const std::string& executable = {}) {
-        return "<plist><dict><key>CFBundleVersion</key><string>" + version +
+        const std::string key = version == "(null)" ? "Other" : "CFBundleVersion";
+        return "<plist><dict><key>" + key + "</key><string>" + version +
                "</string><key>CFBundleExecutable</key><string>" + executable +
                "</string></dict></plist>";
     }
-    void ship(const std::string& file, const std::string& version) {
-        tree.write(std::string(kPane) + "/Contents/PlugIns/" + file + "/Contents/Info.plist",
-                   infoPlist(version));
+    void ship(const std::string& file, const std::string& version) const {
+        tree.write(P + '/' + file + "/Contents/Info.plist", infoPlist(version));
     }
-    void install(const std::string& file, const std::string& version) {
-        tree.write("~" + F.substr(tree.path("~").size()) + '/' + file + "/Contents/Info.plist",
-                   infoPlist(version));
+    void install(const std::string& file, const std::string& version) const {
+        tree.write(tree.shown(F) + '/' + file + "/Contents/Info.plist", infoPlist(version));
     }
-    /// Empty when the file is not there.
-    static std::string contents(const std::string& path) {
-        std::ifstream file(path);
-        return {std::istreambuf_iterator<char>(file), {}};
+    /// Of the installed copy: its Info.plist's version, empty when there is no copy.
+    std::string version(const std::string& file) const {
+        if (!std::filesystem::exists(F + '/' + file))
+            return "";
+        std::ifstream info(F + '/' + file + "/Contents/Info.plist");
+        const std::string text{std::istreambuf_iterator<char>(info), {}};
+        const auto start = text.find("<string>") + 8;
+        return text.substr(start, text.find("</string>") - start);
     }
-    /// Whether this version, and no other, is the installed one; an empty version: none is.
-    bool isInstalled(const std::string& file, const std::string& version) const {
-        const std::string info = contents(F + '/' + file + "/Contents/Info.plist");
-        return version.empty() ? info.empty() && !std::filesystem::exists(F + '/' + file)
-                               : info == infoPlist(version);
+    /// One text, a line each, with F and P for the folders.
+    std::string shown(const std::vector<std::string>& lines) const {
+        std::string text;
+        for (const std::string& line : lines)
+            text += (text.empty() ? "" : "\n") + line;
+        using platform::percentEncodedPath;
+        for (const auto& [whole, letter] : {std::pair(F, "F"),
+                                            {percentEncodedPath(F), "F"},
+                                            {P, "P"},
+                                            {percentEncodedPath(P), "P"}})
+            for (auto at = text.find(whole); at != text.npos; at = text.find(whole))
+                text.replace(at, whole.size(), letter);
+        return text;
     }
-    Lines shown(Lines lines) const {
-        const std::string url = platform::percentEncodedPath(F);
-        const std::string paneUrl = platform::percentEncodedPath(P);
-        for (std::string& line : lines)
-            for (const auto& [whole, letter] : {std::pair(F, "F"), std::pair(url, "F"),
-                                                std::pair(P, "P"), std::pair(paneUrl, "P")})
-                for (auto at = line.find(whole); at != line.npos; at = line.find(whole))
-                    line.replace(at, whole.size(), letter);
-        return lines;
-    }
-    Lines lines() { return shown(tree.log.take()); }
-    Lines requests() { return shown(std::exchange(bar.requests, {})); }
+    std::string log() { return shown(tree.log.take()); }
+    std::string requests() { return shown(std::exchange(bar.requests, {})); }
 
     SupportTree tree{{kUserMaker + std::string("/Menu Extras"), kPane}};
     StubbornFiles files{tree.place("/")};

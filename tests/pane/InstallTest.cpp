@@ -11,8 +11,6 @@ using testing::HasSubstr;
 
 namespace {
 
-constexpr const char* kApplication = "Contents/PlugIns/Halvex.app/Contents/Linux/Halvex";
-
 /// What the build installs, staged in a folder of the test's own.
 class Installation : public testing::Test {
   protected:
@@ -44,7 +42,7 @@ TEST_F(Installation, HasProgramsLibrariesAndThePaneThatItsProgramGivesToTheUser)
         " diff -r \"$pane\" 'home/Library/PreferencePanes/Halvex Pro.prefPane'");
     EXPECT_EQ(output, "");
     run("readelf -d \"$pane/Contents/PlugIns/Halvex.app/Contents/Linux/Halvex\"");
-    EXPECT_THAT(output, testing::HasSubstr("Library runpath: [/usr/local/lib]"));
+    EXPECT_THAT(output, HasSubstr("Library runpath: [/usr/local/lib]"));
 }
 
 TEST_F(Installation, HasABarThatLoadsItemsFromThePaneAndFromAHomeFolder) {

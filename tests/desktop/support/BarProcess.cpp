@@ -21,13 +21,17 @@ namespace {
 
 constexpr int kLimit = 5000; // milliseconds; a sanitized bar on a busy machine is slow
 
-} // namespace
-
-PrivateBus::PrivateBus(const Settings& settings) {
+QProcessEnvironment environmentWith(const Settings& settings) {
     auto environment = QProcessEnvironment::systemEnvironment();
     for (const auto& [name, value] : settings)
         environment.insert(name, value);
-    daemon_.setProcessEnvironment(environment);
+    return environment;
+}
+
+} // namespace
+
+PrivateBus::PrivateBus(const Settings& settings) {
+    daemon_.setProcessEnvironment(environmentWith(settings));
     static int count = 0;
     name_ = QString("private-%1").arg(++count);
     daemon_.start("dbus-daemon", {"--session", "--nofork", "--print-address"});
@@ -53,15 +57,13 @@ BarProcess::BarProcess(const QStringList& arguments, const Settings& settings)
 BarProcess::BarProcess(std::shared_ptr<PrivateBus> bus, const QStringList& arguments,
                        const Settings& settings)
     : bus_(std::move(bus)) {
-    environment_ = QProcessEnvironment::systemEnvironment();
-    environment_.insert("HOME", QString::fromStdString(folder_.file("home")));
-    environment_.insert("XDG_RUNTIME_DIR", QString::fromStdString(folder_.path()));
-    environment_.insert("DBUS_SESSION_BUS_ADDRESS", bus_->address());
-    environment_.insert("QT_QPA_PLATFORM", "offscreen");
-    for (const auto& [name, value] : settings)
-        environment_.insert(name, value);
+    Settings all{{"HOME", QString::fromStdString(home().string())},
+                 {"XDG_RUNTIME_DIR", QString::fromStdString(folder_.path())},
+                 {"DBUS_SESSION_BUS_ADDRESS", QString::fromStdString(bus_->address())},
+                 {"QT_QPA_PLATFORM", "offscreen"}};
+    all.insert(all.end(), settings.begin(), settings.end());
     std::filesystem::create_directory(home());
-    process_.setProcessEnvironment(environment_);
+    process_.setProcessEnvironment(environmentWith(all));
     process_.setProcessChannelMode(QProcess::MergedChannels);
     start(arguments);
 }
@@ -73,8 +75,7 @@ void BarProcess::start(const QStringList& arguments) {
 }
 
 BarProcess::~BarProcess() {
-    if (isRunning())
-        stop();
+    stop();
 }
 
 void BarProcess::launch(const QStringList& arguments) {
@@ -92,21 +93,9 @@ std::string BarProcess::install(const std::string& bundle) const {
     return copy.string();
 }
 
-int BarProcess::secondBar() {
-    QProcess second;
-    second.setProcessEnvironment(environment_);
-    second.setProcessChannelMode(QProcess::MergedChannels);
-    second.start(HALVEX_MENUBAR, QStringList());
-    second.waitForFinished(kLimit);
-    log_ += second.readAll().toStdString();
-    return second.exitStatus() == QProcess::NormalExit ? second.exitCode() : -1;
-}
-
 int BarProcess::stop() {
     process_.terminate();
-    const bool ended = process_.waitForFinished(4 * kLimit);
-    log();
-    return ended && process_.exitStatus() == QProcess::NormalExit ? process_.exitCode() : -1;
+    return ends();
 }
 
 void BarProcess::kill() {
@@ -114,16 +103,17 @@ void BarProcess::kill() {
     ends();
 }
 
-bool BarProcess::ends() {
-    const bool ended = process_.waitForFinished(4 * kLimit);
+int BarProcess::ends() {
+    process_.waitForFinished(4 * kLimit);
     log();
-    return ended;
+    const bool ended = process_.state() == QProcess::NotRunning;
+    return ended && process_.exitStatus() == QProcess::NormalExit ? process_.exitCode() : -1;
 }
 
-QVariantList BarProcess::call(const QString& member, const QVariantList& arguments) {
-    auto message = QDBusMessage::createMethodCall("com.quorvanesoftware.MenuBar",
-                                                  "/com/quorvanesoftware/MenuBar",
-                                                  "com.quorvanesoftware.MenuBar1", member);
+QVariantList BarProcess::call(const QString& member, const QVariantList& arguments,
+                              const QString& interface) {
+    auto message = QDBusMessage::createMethodCall(
+        "com.quorvanesoftware.MenuBar", "/com/quorvanesoftware/MenuBar", interface, member);
     message.setArguments(arguments);
     const auto reply = bus_->connection().call(message, QDBus::Block, 2 * kLimit);
     return reply.type() == QDBusMessage::ReplyMessage ? reply.arguments() : QVariantList();
@@ -138,6 +128,18 @@ std::uint32_t BarProcess::reference(const QString& identifier) {
 int BarProcess::add(const std::string& bundle, int position) {
     const auto url = QUrl::fromLocalFile(QString::fromStdString(bundle)).toString();
     return call("AddMenuExtra", {url, position, 0, 0, 0, 0}).value(0, -999).toInt();
+}
+
+bool BarProcess::loads(const QString& identifier) {
+    return eventually([&] { return reference(identifier) != 0; });
+}
+
+bool BarProcess::has(const std::string& bundle, const QString& identifier, int position) {
+    return add(bundle, position) == 0 && loads(identifier);
+}
+
+int BarProcess::remove(const QString& identifier) {
+    return call("RemoveMenuExtra", {reference(identifier), 0}).value(0, -999).toInt();
 }
 
 bool BarProcess::click(const QString& identifier, std::uint32_t flags, int count, int button) {
@@ -160,15 +162,13 @@ std::vector<std::string> BarProcess::identifiers() {
     return result;
 }
 
-QString BarProcess::introspection() {
-    const auto message = QDBusMessage::createMethodCall(
-        "com.quorvanesoftware.MenuBar", "/com/quorvanesoftware/MenuBar",
-        "org.freedesktop.DBus.Introspectable", "Introspect");
-    return bus_->connection().call(message).arguments().value(0).toString();
+QString BarProcess::snapshot() {
+    const auto file = QString::fromStdString(folder_.file("bar.png"));
+    return call("Snapshot", {file}).value(0).toBool() ? file : QString();
 }
 
 std::string BarProcess::log() {
-    if (isRunning())
+    if (process_.state() == QProcess::Running)
         process_.waitForReadyRead(1);
     log_ += process_.readAll().toStdString();
     return log_;

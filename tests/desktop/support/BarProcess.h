@@ -19,6 +19,9 @@ namespace test {
 
 using Settings = std::vector<std::pair<QString, QString>>; ///< of the environment
 
+constexpr const char* kOwnClock = "com.apple.menuextra.clock";
+constexpr const char* kTestExtra = "test.extra";
+
 /// A session bus of the test's own. What it starts by itself has @p settings in its environment.
 class PrivateBus {
   public:
@@ -27,7 +30,7 @@ class PrivateBus {
 
     /// Ends the bus before its time.
     void kill();
-    const QString& address() const { return address_; }
+    std::string address() const { return address_.toStdString(); }
     QDBusConnection connection() const { return QDBusConnection(name_); }
 
   private:
@@ -51,28 +54,31 @@ class BarProcess {
     std::string install(const std::string& bundle) const;
     std::filesystem::path home() const { return folder_.path() / "home"; }
 
-    /// Starts the bar again after its end, with the home that it has had.
+    /// Starts the bar again after its end, with the home that it has had, and waits for its answer.
     void start(const QStringList& arguments = {});
-    /// The same without waiting for it to answer.
+    /// The same without waiting.
     void launch(const QStringList& arguments = {});
-    /// Starts another bar on the same bus and gives its exit status.
-    int secondBar();
-    bool isRunning() const { return process_.state() == QProcess::Running; }
     /// Asks the bar to end; its exit status, or -1 when it crashed or did not end.
     int stop();
     /// Ends the bar without its knowing.
     void kill();
-    /// Waits for the bar to end by itself; whether it did.
-    bool ends();
+    /// Waits for the bar to end by itself; as stop().
+    int ends();
     qint64 processId() const { return process_.processId(); }
 
     // The D-Bus interface; an error reply gives an empty list.
-    QVariantList call(const QString& member, const QVariantList& arguments = {});
+    QVariantList call(const QString& member, const QVariantList& arguments = {},
+                      const QString& interface = "com.quorvanesoftware.MenuBar1");
     std::uint32_t reference(const QString& identifier); ///< 0 when it is not loaded
     int add(const std::string& bundle, int position = 999);
+    /// Waits until the item is loaded.
+    bool loads(const QString& identifier);
+    /// Both, with an item that is to load.
+    bool has(const std::string& bundle, const QString& identifier, int position = 999);
+    int remove(const QString& identifier);
     bool click(const QString& identifier, std::uint32_t flags = 0, int count = 1, int button = 0);
     std::vector<std::string> identifiers(); ///< from right to left
-    QString introspection();
+    QString snapshot();                     ///< the file
 
     /// All that the bar has logged.
     std::string log();
@@ -85,7 +91,6 @@ class BarProcess {
   private:
     TemporaryFolder folder_;
     std::shared_ptr<PrivateBus> bus_;
-    QProcessEnvironment environment_;
     QProcess process_;
     std::string log_;
 };

@@ -23,22 +23,20 @@ inline void replaceContents(const std::filesystem::path& file, const std::string
 /// The test bundle, installed for the user, that a test may spoil.
 class SpoiltBundle {
   public:
-    explicit SpoiltBundle(const BarProcess& bar) : path(bar.install(HALVEX_TEST_EXTRA)) {}
+    explicit SpoiltBundle(const BarProcess& bar, const std::string& kind = "Calm")
+        : path(bar.install(HALVEX_TEST_EXTRA)) {
+        replaceInInfo("Calm", kind);
+    }
     void replaceInInfo(const std::string& what, const std::string& with) const {
         std::string text = contents(info());
         const auto place = text.find(what);
         ASSERT_NE(place, std::string::npos) << what;
         replaceContents(info(), text.replace(place, what.size(), with));
     }
-    void setVersion(const std::string& version) const {
-        replaceInInfo("<key>CFBundleVersion</key>\n\t<string>1.0",
-                      "<key>CFBundleVersion</key>\n\t<string>" + version);
-    }
-    void useClass(const std::string& name) const { replaceInInfo("Calm", name); }
     std::filesystem::path info() const { return path / "Contents/Info.plist"; }
     std::filesystem::path code() const { return path / "Contents/Linux/TestExtra"; }
 
-    std::filesystem::path path;
+    const std::filesystem::path path;
 };
 
 } // namespace test
