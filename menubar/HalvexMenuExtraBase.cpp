@@ -33,7 +33,7 @@ std::string description(const HalvexMenuExtraBase& extra) {
     return text.str();
 }
 
-constexpr Shadow kTitleShadow{.offset = {2.0, 2.0}, .blurRadius = 1.5};
+const Shadow kTitleShadow{.offset = {2.0, 2.0}, .blurRadius = 1.5};
 
 } // namespace
 

@@ -2,6 +2,7 @@
 
 #include "menubar/HalvexMenuViewBase.h"
 #include "platform/MenuExtraHost.h"
+#include "platform/Notifications.h"
 
 #include <memory>
 #include <optional>
@@ -59,6 +60,30 @@ class HalvexMenuExtraBase : public platform::MenuExtra {
     bool validateMenuItem(const platform::MenuItem& item) override;
     void willUnload() override;
 
+    // The preference pane and the background application (Halvex.app). What a menu item's action
+    // calls ignores its sender, which may be null.
+
+    /// Opens the preference pane (HalvexPrefsTools::HalvexOpenPrefs). Main thread.
+    virtual void HalvexPrefs(const platform::MenuItem* sender);
+    /// Asks the background application for its calculator, from a thread of its own. The item stays
+    /// until that thread has ended. Main thread.
+    virtual void OpenCalculator(const platform::MenuItem* sender);
+    /// Hands the background application a request, which is a notification's name; without one it
+    /// only comes to the front. What OpenCalculator's thread does, for a thread that may wait.
+    ///
+    /// A running application is brought to the front and notified without waiting for that. One
+    /// that is not is started (the path is logged when that fails or myDebug is not 0), waited for
+    /// until an announced launch tells that it runs, 50 seconds at most, and then notified in any
+    /// case; this returns when the notification is posted. Launches stay observed after a wait in
+    /// vain. gHalvexisrunning is 0 at first, and 1 as soon as the application is known to run.
+    virtual void HalvexLaunchThread(const std::optional<std::string>& notificationName);
+    /// Posts a notification of this name for the background application; nothing for none. Any
+    /// thread; HalvexLaunchThread calls it on the main thread.
+    virtual void notifyHalvex2(const std::optional<std::string>& notificationName);
+    /// Hears of an application's launch. When it is the background application's, or that is found
+    /// to run, the wait is over and launches are no longer observed. Any thread.
+    virtual void HalvexLaunched(const platform::Notification& notification);
+
   protected:
     std::shared_ptr<HalvexMenuViewBase> view_;
     std::shared_ptr<platform::AttributedString> appText_;
@@ -71,4 +96,6 @@ class HalvexMenuExtraBase : public platform::MenuExtra {
   private:
     void makeView();
     void markForRedisplay();
+    void observeLaunches();
+    std::shared_ptr<HalvexMenuExtraBase> sharedSelf();
 };

@@ -6,21 +6,17 @@
 
 using platform::Bundle;
 
-namespace {
-
-/// A pane that has been removed is not taken for one because this process has seen it.
-std::shared_ptr<Bundle> paneAt(const std::string& path) {
-    return platform::fileManager().fileExists(path) ? Bundle::bundleWithPath(path) : nullptr;
-}
-
-} // namespace
-
 std::shared_ptr<Bundle> loadedPreferencePane() {
     return Bundle::bundleWithIdentifier(HalvexPrefsBundleID);
 }
 
+std::shared_ptr<Bundle> preferencePaneAt(const std::string& place) {
+    const std::string path = platform::expandingTildeInPath(place);
+    // Not one that has been removed, although this process may have seen it.
+    return platform::fileManager().fileExists(path) ? Bundle::bundleWithPath(path) : nullptr;
+}
+
 std::shared_ptr<Bundle> installedPreferencePane() {
-    if (auto everybodys = paneAt(HalvexProPrefsAllUsers))
-        return everybodys;
-    return paneAt(platform::expandingTildeInPath(HalvexProPrefsAUser));
+    auto everybodys = preferencePaneAt(HalvexProPrefsAllUsers);
+    return everybodys ? everybodys : preferencePaneAt(HalvexProPrefsAUser);
 }

@@ -5,9 +5,11 @@
 #include "platform/PathStrings.h"
 
 #include <algorithm>
+#include <filesystem>
 #include <functional>
 #include <map>
 #include <mutex>
+#include <system_error>
 #include <utility>
 #include <vector>
 
@@ -17,6 +19,12 @@ namespace {
 struct LoadedBundles {
     std::mutex mutex;
     std::vector<std::shared_ptr<Bundle>> bundles; ///< in the order of loading
+
+    std::shared_ptr<Bundle> find(const std::string& path) {
+        const std::lock_guard lock(mutex);
+        const auto found = std::ranges::find(bundles, path, &Bundle::bundlePath);
+        return found == bundles.end() ? nullptr : *found;
+    }
 };
 
 /// What was last opened at each path.
@@ -56,7 +64,43 @@ std::string describe(const PropertyListError& error) {
            ": " + error.reason;
 }
 
+/// "lib/libName.so.1" → "Name"; empty for what is not named like a library.
+std::string libraryName(const std::string& file) {
+    const auto end = file.find(".so");
+    if (!file.starts_with("lib") || end == std::string::npos)
+        return {};
+    return file.substr(3, end - 3);
+}
+
+std::string bundlePathForCode(const std::string& file) {
+    const std::string folder = deletingLastPathComponent(file);
+    const std::string around = deletingLastPathComponent(folder);
+    if (lastPathComponent(folder) == "Linux" && lastPathComponent(around) == "Contents")
+        return deletingLastPathComponent(around);
+    const std::string library = libraryName(lastPathComponent(file));
+    return library.empty() ? folder
+                           : appendingPathComponent(folder, "halvex/" + library + ".bundle");
+}
+
+std::shared_ptr<Bundle> bundleForCode(const std::string& file) {
+    const std::string path = bundlePathForCode(file);
+    if (auto bundle = loadedBundles().find(path))
+        return bundle;
+    if (auto bundle = Bundle::bundleWithPath(path))
+        return bundle;
+    return std::make_shared<Bundle>(path, std::nullopt);
+}
+
 } // namespace
+
+std::shared_ptr<Bundle> Bundle::bundleForClass(const std::type_info& type) {
+    return bundleForCode(dynamicLoader().fileOfAddress(&type));
+}
+
+std::shared_ptr<Bundle> Bundle::mainBundle() {
+    std::error_code none;
+    return bundleForCode(std::filesystem::read_symlink("/proc/self/exe", none).string());
+}
 
 std::shared_ptr<Bundle> Bundle::bundleWithPath(const std::string& path, std::string* reason) {
     bool isDirectory = false;

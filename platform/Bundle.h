@@ -6,6 +6,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <typeinfo>
 #include <vector>
 
 namespace platform {
@@ -32,9 +33,19 @@ class Bundle {
     enum class Code { Loaded, Unloaded };
     static void setCode(const std::shared_ptr<Bundle>& bundle, Code code);
 
+    /// The bundle that a class's code came with: the folder around Contents/Linux, or, of a library
+    /// lib<Name>.so, halvex/<Name>.bundle beside it. For other code, a program's own mostly, its
+    /// folder counts as one. Never null; a bundle whose files are gone has no resources.
+    /// Take the class of an object with typeid(*object), which says what the object really is.
+    static std::shared_ptr<Bundle> bundleForClass(const std::type_info& type);
+    /// The same of the program that runs.
+    static std::shared_ptr<Bundle> mainBundle();
+
     Bundle(std::string path, std::optional<PropertyList::Dictionary> infoDictionary);
 
     const std::string& bundlePath() const { return path_; }
+    /// What a log line calls it.
+    std::string description() const { return "NSBundle <" + path_ + '>'; }
     /// Null when there is none.
     const PropertyList::Dictionary* infoDictionary() const { return info_ ? &*info_ : nullptr; }
     /// The string under a key of the information dictionary; nothing when there is none.

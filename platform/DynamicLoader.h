@@ -36,6 +36,9 @@ class DynamicLoader {
     /// The number of the processor that this process runs on.
     virtual int hostArchitecture() const = 0;
 
+    /// The file that the code or data at @p address was loaded from; empty when it is none's.
+    virtual std::string fileOfAddress(const void* address) const = 0;
+
     /// Whether load would succeed, asked without loading anything into this process and without
     /// running anything of the file or of what it needs; if not @p reason is the system's own text.
     /// Finds a file that is missing, cut off, for another processor or no shared object, needed

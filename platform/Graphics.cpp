@@ -39,6 +39,15 @@ std::size_t AttributedString::splitAt(std::size_t location, std::size_t length) 
     return static_cast<std::size_t>(first - runs_.begin());
 }
 
+const TextAttributes& AttributedString::attributesAt(std::size_t location) const {
+    const auto run = std::find_if(runs_.begin(), runs_.end(), [&](const Run& r) {
+        return r.location <= location && location < r.location + r.length;
+    });
+    if (run == runs_.end())
+        throw Exception("NSRangeException", "range out of bounds of an attributed string");
+    return run->attributes;
+}
+
 void AttributedString::addShadow(const Shadow& shadow, std::size_t location, std::size_t length) {
     for (auto i = splitAt(location, length);
          i < runs_.size() && runs_[i].location < location + length; ++i)
@@ -50,6 +59,18 @@ void AttributedString::setAttributes(const TextAttributes& attributes, std::size
     for (auto i = splitAt(location, length);
          i < runs_.size() && runs_[i].location < location + length; ++i)
         runs_[i].attributes = attributes;
+}
+
+double systemFontSize(ControlSize size) {
+    switch (size) {
+    case ControlSize::Regular:
+        return 13;
+    case ControlSize::Small:
+        return 11;
+    case ControlSize::Mini:
+        return 9;
+    }
+    return 13;
 }
 
 Image::~Image() = default;

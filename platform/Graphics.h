@@ -1,34 +1,19 @@
 #pragma once
 
+#include "platform/BezierPath.h"
+#include "platform/Color.h"
+#include "platform/Geometry.h"
 #include "platform/Service.h"
 
 #include <cstddef>
+#include <functional>
 #include <memory>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace platform {
-
-// Geometry: points, origin at the bottom left, y growing upwards.
-
-struct Point {
-    double x = 0;
-    double y = 0;
-    friend bool operator==(const Point&, const Point&) = default;
-};
-
-struct Size {
-    double width = 0;
-    double height = 0;
-    friend bool operator==(const Size&, const Size&) = default;
-};
-
-struct Rect {
-    Point origin;
-    Size size;
-    friend bool operator==(const Rect&, const Rect&) = default;
-};
 
 /// How what is drawn meets what is there; the numbers are the platform's own. With premultiplied
 /// values and coverage in alpha, 0 to 10 are the Porter-Duff operations. PlusDarker is
@@ -53,15 +38,6 @@ enum class CompositingOperation : int {
 
 enum class TextDrawingMode : int { Fill = 0, Stroke = 1, FillStroke = 2, Invisible = 3 };
 
-/// A colour in calibrated RGB, components 0 to 1, not premultiplied.
-struct Color {
-    double red = 0;
-    double green = 0;
-    double blue = 0;
-    double alpha = 1;
-    friend bool operator==(const Color&, const Color&) = default;
-};
-
 /// A blurred shadow. The offset is in points, y upwards; the blur radius is twice the standard
 /// deviation of the Gaussian that it stands for.
 struct Shadow {
@@ -79,12 +55,34 @@ struct Font {
     friend bool operator==(const Font&, const Font&) = default;
 };
 
+/// How large a control is; the numbers are the platform's own.
+enum class ControlSize : int { Regular = 0, Small = 1, Mini = 2 };
+
+/// The size in points of the text of a control.
+double systemFontSize(ControlSize size);
+
+enum class TextAlignment : int { Left = 0, Right = 1, Center = 2 };
+
+/// What becomes of text that is too wide for its place.
+enum class LineBreakMode : int {
+    Clipping = 2,       ///< it is cut at the edge
+    TruncatingTail = 4, ///< its end gives way to an ellipsis
+};
+
+/// How text lies in a rectangle.
+struct ParagraphStyle {
+    TextAlignment alignment = TextAlignment::Left;
+    LineBreakMode lineBreakMode = LineBreakMode::Clipping;
+    friend bool operator==(const ParagraphStyle&, const ParagraphStyle&) = default;
+};
+
 /// How a run of text looks. What is not set takes the platform's default: the menu bar's font, and
 /// the text colour of the place that it is drawn in.
 struct TextAttributes {
     std::optional<Font> font{};
     std::optional<Color> foregroundColor{};
     std::optional<Shadow> shadow{};
+    std::optional<ParagraphStyle> paragraphStyle{};
     friend bool operator==(const TextAttributes&, const TextAttributes&) = default;
 };
 
@@ -103,6 +101,9 @@ class AttributedString {
     const std::string& string() const { return text_; }
     std::size_t length() const { return text_.size(); }
 
+    /// What the byte at @p location has. @throws Exception (NSRangeException) beyond the text's
+    /// end.
+    const TextAttributes& attributesAt(std::size_t location) const;
     /// Sets the shadow of a range. @throws Exception (NSRangeException) beyond the text's end.
     void addShadow(const Shadow& shadow, std::size_t location, std::size_t length);
     /// Sets all attributes of a range. @throws Exception (NSRangeException) beyond the text's end.
@@ -156,15 +157,23 @@ class GraphicsContext {
 
     /// Draws text with its lower left corner, descent included, at @p point.
     virtual void drawText(const AttributedString& text, Point point) = 0;
+    /// Draws text on one line from the top of a rectangle, as the paragraph style of its first run
+    /// says, and nothing of it outside of the rectangle. A rectangle without width or height, or
+    /// with negative ones, gets no text.
+    virtual void drawTextInRect(const AttributedString& text, const Rect& rect) = 0;
     /// Draws the part @p source of an image, in its points, into @p destination, times @p fraction
     /// (0 to 1) of its opacity.
     virtual void drawImage(const Image& image, const Rect& destination, const Rect& source,
                            CompositingOperation operation, double fraction) = 0;
-    /// Fills a rectangle.
+    /// Fills a rectangle. A pattern colour has no components, and fills nothing.
     virtual void fillRect(const Rect& rect, const Color& color, CompositingOperation operation) = 0;
+    /// Fills what a path winds around (nonzero rule), with smooth edges; open parts are closed. A
+    /// pattern colour fills nothing.
+    virtual void fillPath(const BezierPath& path, const Color& color,
+                          CompositingOperation operation) = 0;
 };
 
-/// Measures text, loads images and knows where drawing goes. Main thread.
+/// Measures text, loads and makes images, and knows where drawing goes. Main thread.
 class Graphics {
   public:
     Graphics() = default;
@@ -180,6 +189,19 @@ class Graphics {
     /// double-scale pixels when there is one. A file that is missing or no image is logged, and
     /// the answer is null.
     virtual std::shared_ptr<Image> imageWithContentsOfFile(const std::string& path) = 0;
+
+    /// The image of that name in the Resources of the program's own bundle (Bundle::mainBundle), as
+    /// PNG. Null when there is none; nothing is logged then.
+    virtual std::shared_ptr<Image> imageNamed(std::string_view name) = 0;
+
+    /// Called while drawing goes to a new image.
+    using Draw = std::function<void(GraphicsContext& context)>;
+    /// A new image of @p size points with what @p draw draws; transparent elsewhere. Its pixels are
+    /// those of the sharpest screen, their number rounded up: what lies beyond the size, at the top
+    /// and at the right, is there to be drawn and is not shown. A size of 0, a negative one and one
+    /// that is no number make an image without pixels, and so does one that memory cannot hold,
+    /// which is logged.
+    virtual std::shared_ptr<Image> imageByDrawing(Size size, const Draw& draw) = 0;
 
     /// Where drawing goes now. @throws Exception outside of drawing.
     virtual GraphicsContext& currentContext() = 0;

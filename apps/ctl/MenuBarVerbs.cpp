@@ -2,14 +2,12 @@
 #include "apps/ctl/Verbs.h"
 #include "platform/Clock.h"
 #include "platform/Event.h"
-#include "platform/PathStrings.h"
+#include "platform/posix/StartProgram.h"
 #include "platform/qt/BarClient.h"
 
 #include <csignal>
-#include <fcntl.h>
 #include <filesystem>
 #include <memory>
-#include <spawn.h>
 #include <string>
 #include <vector>
 
@@ -33,26 +31,11 @@ bool eventually(Condition condition) {
     return condition();
 }
 
-/// Starts the bar beside this program, in a session of its own; it logs where this program does.
-bool spawnBar() {
+/// Starts the bar beside this program; it logs where this program does.
+bool startBar() {
     std::error_code ignored;
-    const std::string program =
-        std::filesystem::read_symlink("/proc/self/exe", ignored).replace_filename("halvex-menubar");
-    posix_spawnattr_t attributes;
-    posix_spawn_file_actions_t files;
-    posix_spawnattr_init(&attributes);
-    posix_spawn_file_actions_init(&files);
-    posix_spawnattr_setflags(&attributes, POSIX_SPAWN_SETSID);
-    posix_spawn_file_actions_addopen(&files, STDIN_FILENO, "/dev/null", O_RDONLY, 0);
-    posix_spawn_file_actions_addopen(&files, STDOUT_FILENO, "/dev/null", O_WRONLY, 0);
-    std::string name = program;
-    char* const arguments[] = {name.data(), nullptr};
-    pid_t process = 0;
-    const int error =
-        posix_spawn(&process, program.c_str(), &files, &attributes, arguments, environ);
-    posix_spawn_file_actions_destroy(&files);
-    posix_spawnattr_destroy(&attributes);
-    return error == 0;
+    const auto self = std::filesystem::read_symlink("/proc/self/exe", ignored);
+    return platform::posix::startProgram(self.parent_path() / "halvex-menubar") == 0;
 }
 
 ExitStatus start() {
@@ -61,7 +44,7 @@ ExitStatus start() {
         return refuse("there is no session bus");
     if (bar.processIdentifier())
         return ExitStatus::Done;
-    if (!spawnBar())
+    if (!startBar())
         return refuse("halvex-menubar is not beside this program");
     return eventually([&] { return bool(bar.processIdentifier()); })
                ? ExitStatus::Done

@@ -4,6 +4,7 @@
 #include "platform/expat/ExpatPropertyLists.h"
 #include "platform/posix/PosixFileManager.h"
 #include "platform/qt/BarClient.h"
+#include "platform/qt/BusNotifications.h"
 
 #include <cstdlib>
 #include <iostream>
@@ -29,8 +30,10 @@ ExitStatus run(int argc, char** argv) {
     commandLine.add_option("--root", root, "A folder whose Library takes the place of /Library")
         ->check(CLI::ExistingDirectory);
     commandLine.require_subcommand(0, 1);
-    for (const auto& addVerbs : {addExtraVerbs, addMenuBarVerbs, addPaneVerbs, addPathVerbs,
-                                 addLocationVerbs, addWarningVerbs, addPlistVerb})
+    for (const auto& addVerbs :
+         {addExtraVerbs, addMenuBarVerbs, addPaneVerbs, addBackgroundVerbs, addPathVerbs,
+          addLocationVerbs, addWarningVerbs, addPlistVerb, addDateFormatVerb, addCommandVerb,
+          addDrawingVerbs, addFeedbackVerb})
         addVerbs(commandLine, chosen);
     try {
         commandLine.parse(argc, argv);
@@ -45,7 +48,12 @@ ExitStatus run(int argc, char** argv) {
     const platform::ScopedService<platform::FileManager> guard(files);
     platform::qt::BarClient bar; // connects when it is asked
     const platform::ScopedService<platform::MenuExtraServer> barGuard(bar);
-    return chosen();
+    platform::qt::BusNotifications notifications; // connects with the first one
+    const platform::ScopedService<platform::DistributedNotificationCenter> centerGuard(
+        notifications);
+    const ExitStatus status = chosen();
+    notifications.flush();
+    return status;
 }
 
 } // namespace

@@ -1,7 +1,7 @@
 #include "apps/menubar/ItemKeeper.h"
 
 #include "apps/menubar/MenuBar.h"
-#include "apps/menubar/StartUp.h"
+#include "apps/menubar/Places.h"
 #include "apps/menubar/StepJournal.h"
 #include "paths/ovxPaths.h"
 #include "platform/Bundle.h"

@@ -22,24 +22,23 @@ The menu bar: shows menu extras along the top of the screen.
   --help, --version
 )";
 
-template <class Value>
-using Names = std::array<std::pair<std::string_view, Value>, 3>;
-
-constexpr Names<Appearance> kAppearances{
-    {{"desktop", Appearance::Desktop}, {"light", Appearance::Light}, {"dark", Appearance::Dark}}};
-constexpr Names<Admit> kAdmits{
+constexpr std::array<std::pair<std::string_view, Admit>, 3> kAdmits{
     {{"user", Admit::User}, {"system", Admit::System}, {"all", Admit::All}}};
 
-/// Whether there is a value of that name.
-template <class Value>
-bool choose(const Names<Value>& names, std::string_view name, Value& value) {
-    for (const auto& [candidate, named] : names) {
+bool choose(std::string_view name, Admit& admit) {
+    for (const auto& [candidate, value] : kAdmits) {
         if (candidate != name)
             continue;
-        value = named;
+        admit = value;
         return true;
     }
     return false;
+}
+
+bool choose(std::string_view name, Appearance& appearance) {
+    const auto named = appearanceOfName(name);
+    appearance = named.value_or(appearance);
+    return named.has_value();
 }
 
 } // namespace
@@ -54,8 +53,8 @@ std::optional<Options> readOptions(int argc, char** argv, int& status) {
     Options options;
     status = 0;
     for (int found = 0; (found = getopt_long(argc, argv, "h", known.data(), nullptr)) != -1;) {
-        if ((found == 'a' && choose(kAppearances, optarg, options.appearance)) ||
-            (found == 'm' && choose(kAdmits, optarg, options.admit)))
+        if ((found == 'a' && choose(optarg, options.appearance)) ||
+            (found == 'm' && choose(optarg, options.admit)))
             continue;
         if (found == 'h') {
             std::fputs(kHelp, stdout);

@@ -1,13 +1,11 @@
 #pragma once
 
 #include "apps/menubar/Admission.h"
+#include "apps/support/StartUp.h"
 
 #include <optional>
 #include <string>
 #include <vector>
-
-/// Which colours the bar has.
-enum class Appearance { Desktop, Light, Dark };
 
 /// What the command line asks for.
 struct Options {

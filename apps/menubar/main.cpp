@@ -1,22 +1,19 @@
 #include "apps/menubar/BarService.h"
-#include "apps/menubar/DesktopAppearance.h"
 #include "apps/menubar/ItemKeeper.h"
 #include "apps/menubar/MenuBar.h"
 #include "apps/menubar/Options.h"
-#include "apps/menubar/Signals.h"
-#include "apps/menubar/StartUp.h"
+#include "apps/menubar/Places.h"
 #include "apps/menubar/StepJournal.h"
+#include "apps/support/DesktopAppearance.h"
+#include "apps/support/Signals.h"
+#include "apps/support/StartUp.h"
 #include "platform/Log.h"
 #include "platform/expat/ExpatPropertyLists.h"
 #include "platform/qt/Desktop.h"
 
 #include <QApplication>
 
-#include <fontconfig/fontconfig.h>
-#include <malloc.h>
 #include <optional>
-#include <string>
-#include <thread>
 
 using platform::logLine;
 
@@ -56,17 +53,6 @@ int main(int argc, char** argv) {
     const auto options = readOptions(argc, argv, status);
     if (!options)
         return status;
-    mallopt(M_ARENA_MAX, 1); // the few threads here would only scatter what little there is
-    logQtMessages();
-    // The list of fonts is read from many small files: beside the way to the X server, not after
-    // it.
-    const std::jthread fonts([] { FcInit(); });
-    int qtArguments = 1;
-    std::optional<QApplication> application;
-    {
-        const DisplayChoice choice;
-        application.emplace(qtArguments, argv);
-    }
-    application->setApplicationName("halvex-menubar");
+    const auto application = startApplication(argv, "halvex-menubar");
     return runBar(*options);
 }

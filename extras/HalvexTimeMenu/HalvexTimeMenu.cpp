@@ -23,6 +23,7 @@ class HalvexTimeMenu final : public ClockItem {
     std::shared_ptr<MenuExtra> initWithBundle(std::shared_ptr<Bundle> bundle) override {
         if (!ClockItem::initWithBundle(std::move(bundle)))
             return nullptr;
+        addActions();
         preferencesWatch_ = fileManager().watchFile(HalvexPreferencesFile(), [this] { restart(); });
         return shared_from_this();
     }
@@ -33,6 +34,14 @@ class HalvexTimeMenu final : public ClockItem {
     }
 
   private:
+    void addActions() {
+        menu_->addSeparator();
+        menu_->addItem(
+            "Calculator", [this](MenuItem& sender) { OpenCalculator(&sender); }, weak_from_this());
+        menu_->addItem(
+            "Preferences…", [this](MenuItem& sender) { HalvexPrefs(&sender); }, weak_from_this());
+    }
+
     std::string preferredFormat() override {
         const std::string file = HalvexPreferencesFile();
         if (!fileManager().fileExists(file))

@@ -1,5 +1,7 @@
 #include "extras/clock/ClockFormat.h"
 
+#include "ui/NSMutableString-DateFormat.h"
+
 #include <algorithm>
 #include <array>
 #include <langinfo.h>
@@ -99,6 +101,14 @@ bool isPlainText(std::string_view bytes) {
     return true;
 }
 
+/// What strftime makes of @p format.
+std::string conversion(const std::string& format, const std::tm& moment) {
+    std::array<char, 1024> buffer{};
+    const std::size_t length =
+        strftime_l(buffer.data(), buffer.size(), format.c_str(), &moment, userLocale());
+    return {buffer.data(), length};
+}
+
 } // namespace
 
 std::string shortDefault() {
@@ -126,15 +136,15 @@ bool isUsable(std::string_view format) {
         return false;
     std::tm moment{};
     moment.tm_mday = 1;
+    moment.tm_zone = "UTC";
     const std::string shown = text(std::string(format), moment);
     return shown.find_first_not_of(' ') != std::string::npos;
 }
 
-std::string text(const std::string& format, const std::tm& moment) {
-    std::array<char, 1024> buffer{};
-    const std::size_t length =
-        strftime_l(buffer.data(), buffer.size(), format.c_str(), &moment, userLocale());
-    return {buffer.data(), length};
+std::string text(std::string format, const std::tm& moment) {
+    HalvexDateFormat::fixWeekNum(format, conversion("%V", moment));
+    HalvexDateFormat::fixTimeZone(format, conversion("%Z", moment));
+    return conversion(format, moment);
 }
 
 } // namespace clock_format

@@ -4,7 +4,8 @@
 #include <string>
 #include <string_view>
 
-/// Formats for clocks, as strftime knows them, in the language that the environment asks for.
+/// Formats for clocks, as strftime knows them, in the language that the environment asks for; but
+/// "%W" is the ISO week ("01" to "53"), and neither it nor "%Z" can be escaped by "%%".
 /// Safe from any thread.
 namespace clock_format {
 
@@ -25,6 +26,6 @@ std::string expanded(std::string_view format);
 bool isUsable(std::string_view format);
 
 /// The moment as @p format shows it; empty when that is longer than 1023 bytes.
-std::string text(const std::string& format, const std::tm& moment);
+std::string text(std::string format, const std::tm& moment);
 
 } // namespace clock_format

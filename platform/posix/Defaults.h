@@ -5,6 +5,9 @@ class Clock;
 class DynamicLoader;
 class FileManager;
 class Log;
+class ProcessList;
+class ScriptRunner;
+class SystemInfo;
 class Workspace;
 } // namespace platform
 
@@ -16,6 +19,9 @@ Clock& defaultClock();
 DynamicLoader& defaultDynamicLoader();
 FileManager& defaultFileManager();
 Log& defaultLog();
+ProcessList& defaultProcessList();
+ScriptRunner& defaultScriptRunner();
+SystemInfo& defaultSystemInfo();
 Workspace& defaultWorkspace();
 
 } // namespace platform::posix

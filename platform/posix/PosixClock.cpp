@@ -97,9 +97,10 @@ std::unique_ptr<Watch> PosixClock::tick(TickInterval interval, std::function<voi
     return nullptr;
 }
 
+// Never destroyed: a thread that outlives main may be asleep in it.
 Clock& defaultClock() {
-    static PosixClock clock;
-    return clock;
+    static auto* const clock = new PosixClock;
+    return *clock;
 }
 
 } // namespace platform::posix

@@ -4,7 +4,9 @@
 #include "platform/posix/Preflight.h"
 
 #include <dlfcn.h>
+#include <filesystem>
 #include <sys/stat.h>
+#include <system_error>
 
 namespace platform::posix {
 namespace {
@@ -34,6 +36,18 @@ class PosixDynamicLoader final : public DynamicLoader {
             return self ? self->architecture : 0;
         }();
         return architecture;
+    }
+
+    std::string fileOfAddress(const void* address) const override {
+        Dl_info info{};
+        if (dladdr(address, &info) == 0 || !info.dli_fname)
+            return {};
+        // The program itself goes by the name that it was called by.
+        std::error_code none;
+        const std::filesystem::path file(info.dli_fname);
+        if (!std::filesystem::exists(file, none) || !file.is_absolute())
+            return std::filesystem::read_symlink("/proc/self/exe", none).string();
+        return file.lexically_normal().string();
     }
 
     bool preflight(const std::string& path, std::string& reason) const override {

@@ -1,23 +1,66 @@
-#include "platform/Workspace.h"
+#include "platform/posix/PosixWorkspace.h"
+
+#include "platform/Bundle.h"
+#include "platform/Log.h"
+#include "platform/posix/ApplicationBundle.h"
 #include "platform/posix/Defaults.h"
+#include "platform/posix/OpenURL.h"
+#include "platform/posix/StartProgram.h"
+#include "platform/posix/SystemPreferences.h"
 #include "platform/posix/Trash.h"
+
+#include <cstring>
 
 namespace platform::posix {
 namespace {
 
-/// The workspace of a program without a desktop: it has a Trash, and nothing that could show files.
-class PosixWorkspace final : public Workspace {
-  public:
-    bool selectFile(const std::string&, const std::string&) override { return false; }
-    bool openFile(const std::string&) override { return false; }
-    bool recycle(const std::string& path) override { return moveToTrash(path); }
-};
+bool startApplication(const std::string& path) {
+    std::string reason;
+    const auto bundle = Bundle::bundleWithPath(path, &reason);
+    const auto program = bundle ? bundle->executablePath() : std::nullopt;
+    if (program) {
+        const int error = startProgram(*program);
+        if (error == 0)
+            return true;
+        reason = *program + ": " + std::strerror(error);
+    } else if (reason.empty()) {
+        reason = "CFBundleExecutable names no program";
+    }
+    logLine("%@ cannot be started: %@", path, reason);
+    return false;
+}
 
 } // namespace
 
+bool PosixWorkspace::selectFile(const std::string&, const std::string&) {
+    return false;
+}
+
+bool PosixWorkspace::openFile(const std::string& path) {
+    return isApplicationBundle(path) && startApplication(path);
+}
+
+bool PosixWorkspace::openFile(const std::string& path, const std::string& withApplication) {
+    std::string reason = "there is no such application";
+    if (withApplication == kSystemPreferences && startSystemPreferences({path}, reason))
+        return true;
+    logLine("%@ cannot be opened with %@: %@", path, withApplication, reason);
+    return false;
+}
+
+bool PosixWorkspace::openURL(const std::string& url) {
+    return posix::openURL(url);
+}
+
+bool PosixWorkspace::recycle(const std::string& path) {
+    return moveToTrash(path);
+}
+
+void PosixWorkspace::bringToFront(ProcessSerialNumber) {}
+
 Workspace& defaultWorkspace() {
-    static PosixWorkspace workspace;
-    return workspace;
+    static auto* const workspace = new PosixWorkspace;
+    return *workspace;
 }
 
 } // namespace platform::posix

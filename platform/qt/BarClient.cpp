@@ -9,7 +9,6 @@
 #include <QString>
 #include <QVariant>
 
-#include <atomic>
 #include <utility>
 
 namespace platform::qt {
@@ -17,11 +16,6 @@ namespace {
 
 QString qString(const std::string& text) {
     return QString::fromStdString(text);
-}
-
-std::string uniqueName() {
-    static std::atomic<int> count = 0;
-    return "halvex-bar-client-" + std::to_string(++count);
 }
 
 BarItem readItem(const QDBusArgument& rows) {
@@ -37,32 +31,13 @@ BarItem readItem(const QDBusArgument& rows) {
 
 } // namespace
 
-BarClient::BarClient(std::string busAddress) : busAddress_(std::move(busAddress)) {}
+BarClient::BarClient(std::string busAddress) : bus_(std::move(busAddress), "bar-client") {}
 
-BarClient::~BarClient() {
-    if (!connectionName_.empty())
-        QDBusConnection::disconnectFromBus(qString(connectionName_));
-}
-
-// A connection of the client's own: the process's shared one wants an application object. A bus
-// that has gone may be back under the same address.
-QDBusConnection BarClient::connection() {
-    const std::lock_guard lock(mutex_);
-    if (!connectionName_.empty()) {
-        QDBusConnection open(qString(connectionName_));
-        if (open.isConnected())
-            return open;
-        QDBusConnection::disconnectFromBus(qString(connectionName_));
-    }
-    connectionName_ = uniqueName();
-    const QString name = qString(connectionName_);
-    return busAddress_.empty() ? QDBusConnection::connectToBus(QDBusConnection::SessionBus, name)
-                               : QDBusConnection::connectToBus(qString(busAddress_), name);
-}
+BarClient::~BarClient() = default;
 
 BarClient::Answer BarClient::call(const char* member, const QVariantList& arguments,
                                   const char* signature) {
-    const QDBusConnection bus = connection();
+    const QDBusConnection bus = bus_.get();
     if (!bus.isConnected())
         return {std::nullopt, "there is no session bus"};
     auto message =
@@ -113,7 +88,7 @@ std::int32_t BarClient::removeMenuExtra(MenuExtraReference reference, std::int32
 }
 
 bool BarClient::hasBus() {
-    return connection().isConnected();
+    return bus_.get().isConnected();
 }
 
 BarAnswer<std::uint32_t> BarClient::processIdentifier() {
@@ -121,7 +96,7 @@ BarAnswer<std::uint32_t> BarClient::processIdentifier() {
         QDBusMessage::createMethodCall("org.freedesktop.DBus", "/org/freedesktop/DBus",
                                        "org.freedesktop.DBus", "GetConnectionUnixProcessID");
     message << kBarBusName;
-    const QDBusMessage reply = connection().call(message, QDBus::Block, kTimeout);
+    const QDBusMessage reply = bus_.get().call(message, QDBus::Block, kTimeout);
     if (reply.type() != QDBusMessage::ReplyMessage || reply.signature() != "u")
         return {std::nullopt, reply.errorMessage().toStdString()};
     return {reply.arguments().at(0).toUInt(), {}};

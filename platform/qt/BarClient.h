@@ -1,6 +1,7 @@
 #pragma once
 
 #include "platform/MenuExtraHost.h"
+#include "platform/qt/BusConnection.h"
 
 #include <cstdint>
 #include <mutex>
@@ -8,8 +9,6 @@
 #include <string>
 #include <vector>
 
-class QDBusConnection;
-class QString;
 template <class T>
 class QList;
 class QVariant;
@@ -68,15 +67,13 @@ class BarClient final : public MenuExtraServer {
   private:
     using Answer = BarAnswer<QList<QVariant>>;
 
-    QDBusConnection connection();
     Answer call(const char* member, const QList<QVariant>& arguments, const char* signature);
     Answer callLogged(const char* member, const QList<QVariant>& arguments, const char* signature);
     BarAnswer<bool> askYesOrNo(const char* member, const QList<QVariant>& arguments);
 
-    const std::string busAddress_;
-    std::mutex mutex_;           // guards what follows
-    std::string connectionName_; // of Qt's; empty before the first call
-    std::string loggedReason_;
+    BusConnection bus_;
+    std::mutex mutex_;
+    std::string loggedReason_; // guarded by the mutex
 };
 
 } // namespace platform::qt

@@ -1,8 +1,10 @@
 #include "platform/qt/Desktop.h"
 
 #include "platform/Log.h"
+#include "platform/qt/BusNotifications.h"
 #include "platform/qt/QtGraphics.h"
 #include "platform/qt/QtMainThread.h"
+#include "platform/qt/QtPanel.h"
 #include "platform/qt/QtPasteboard.h"
 #include "platform/qt/QtWorkspace.h"
 
@@ -24,8 +26,10 @@ class DesktopLog final : public Log {
 
 struct Desktop {
     DesktopLog log{systemLog()};
+    BusNotifications notifications;
     QtGraphics graphics;
     QtMainThread mainThread;
+    QtPanels panels;
     QtPasteboard pasteboard;
     QtWorkspace workspace;
 };
@@ -36,8 +40,11 @@ QtGraphics& install() {
     // Never destroyed: what outlives main may still log.
     static auto* const desktop = new Desktop;
     exchangeService<Log>(&desktop->log);
+    exchangeService<DistributedNotificationCenter>(&desktop->notifications);
+    QObject::connect(qApp, &QCoreApplication::aboutToQuit, [] { desktop->notifications.flush(); });
     exchangeService<Graphics>(&desktop->graphics);
     exchangeService<MainThread>(&desktop->mainThread);
+    exchangeService<PanelService>(&desktop->panels);
     exchangeService<Pasteboard>(&desktop->pasteboard);
     exchangeService<Workspace>(&desktop->workspace);
     return desktop->graphics;

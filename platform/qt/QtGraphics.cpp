@@ -1,14 +1,48 @@
 #include "platform/qt/QtGraphics.h"
 
+#include "platform/Bundle.h"
 #include "platform/Exception.h"
+#include "platform/Log.h"
 #include "platform/qt/QtGraphicsContext.h"
 #include "platform/qt/QtImage.h"
 
 #include <QGuiApplication>
 
+#include <cmath>
 #include <utility>
 
 namespace platform::qt {
+namespace {
+
+/// What a painter can count; and a gibibyte.
+constexpr double kLargestSide = 32767;
+constexpr double kMostPixels = 1 << 28;
+
+/// As many as a length needs, a hair of a pixel not counted: 0.1 x 30 is more than 3.
+double pixelsFor(double points, double scale) {
+    const double pixels = points * scale;
+    return pixels > 0 ? std::ceil(pixels * (1 - 1e-12)) : 0;
+}
+
+/// Transparent pixels for a size in points; none, and a line in the log, when there cannot be any.
+QImage blankPixels(Size size, double scale) {
+    const double width = pixelsFor(size.width, scale);
+    const double height = pixelsFor(size.height, scale);
+    if (width == 0 || height == 0)
+        return {};
+    QImage pixels;
+    if (width <= kLargestSide && height <= kLargestSide && width * height <= kMostPixels)
+        pixels = QImage(static_cast<int>(width), static_cast<int>(height),
+                        QImage::Format_ARGB32_Premultiplied);
+    if (pixels.isNull())
+        logLine("there is no room for an image of %@ x %@ points", std::to_string(size.width),
+                std::to_string(size.height));
+    else
+        pixels.fill(Qt::transparent);
+    return pixels;
+}
+
+} // namespace
 
 QtGraphics::QtGraphics(std::optional<QFont> defaultFont) : defaultFont_(std::move(defaultFont)) {}
 
@@ -26,6 +60,23 @@ Size QtGraphics::sizeOfText(const AttributedString& text) {
 
 std::shared_ptr<Image> QtGraphics::imageWithContentsOfFile(const std::string& path) {
     return QtImage::fromFile(path);
+}
+
+std::shared_ptr<Image> QtGraphics::imageNamed(std::string_view name) {
+    const auto path = Bundle::mainBundle()->pathForResource(name, "png");
+    return path ? imageWithContentsOfFile(*path) : nullptr;
+}
+
+std::shared_ptr<Image> QtGraphics::imageByDrawing(Size size, const Draw& draw) {
+    const double scale = drawingScale_ ? *drawingScale_ : qGuiApp->devicePixelRatio();
+    QImage pixels = blankPixels(size, scale);
+    {
+        const QSizeF points(pixels.width() / scale, pixels.height() / scale);
+        ScopedContext scope(*this, pixels, points, scale);
+        scope.context().setShouldSmoothFonts(false);
+        draw(scope.context());
+    }
+    return std::make_shared<QtImage>(std::move(pixels), scale, size);
 }
 
 GraphicsContext& QtGraphics::currentContext() {

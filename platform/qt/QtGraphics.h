@@ -34,6 +34,13 @@ class QtGraphics final : public Graphics {
     /// Empty text is 0 x 0. Line ends and other control characters measure, and draw, as blanks.
     Size sizeOfText(const AttributedString& text) override;
     std::shared_ptr<Image> imageWithContentsOfFile(const std::string& path) override;
+    std::shared_ptr<Image> imageNamed(std::string_view name) override;
+    /// Text has no colour fringes there, for nobody knows yet what it will lie on.
+    std::shared_ptr<Image> imageByDrawing(Size size, const Draw& draw) override;
+
+    /// How many pixels make a point in the images that are drawn from now on; those of the sharpest
+    /// screen when not given.
+    void setDrawingScale(std::optional<double> scale) { drawingScale_ = scale; }
     /// @throws Exception (NSInternalInconsistencyException) while no ScopedContext is alive.
     GraphicsContext& currentContext() override;
 
@@ -41,6 +48,7 @@ class QtGraphics final : public Graphics {
     friend class ScopedContext;
 
     std::optional<QFont> defaultFont_;
+    std::optional<double> drawingScale_;
     TextLines lines_;
     QtGraphicsContext* current_ = nullptr;
 };

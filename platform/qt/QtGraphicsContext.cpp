@@ -5,11 +5,14 @@
 #include "platform/qt/QtImage.h"
 #include "platform/qt/Resampling.h"
 #include "platform/qt/TextShadow.h"
+#include "platform/qt/Truncation.h"
 
 #include <QPainter>
 
 #include <algorithm>
+#include <array>
 #include <cmath>
+#include <cstddef>
 #include <utility>
 
 namespace platform::qt {
@@ -20,6 +23,9 @@ constexpr double kLargestDeviation = 128;
 
 /// Antialiased edges reach this far beyond an outline.
 constexpr int kInkMargin = 2;
+
+/// By TextAlignment: how much of the room that is left lies to the left of the text.
+constexpr std::array<double, 3> kShareOfSpareRoom = {0, 1, 0.5};
 
 bool isFinite(Size size) {
     return std::isfinite(size.width) && std::isfinite(size.height);
@@ -35,6 +41,26 @@ bool drawsOver(CompositingOperation operation) {
            operation == CompositingOperation::Highlight;
 }
 
+/// In straight lines: the painter's own are a quarter of a pixel off, which shows in small corners.
+template <class ToPixels>
+void appendArc(QPainterPath& outline, const CornerArc& arc, ToPixels toPixels) {
+    constexpr int kLines = 24;
+    for (int i = 1; i <= kLines; ++i) {
+        const double t = static_cast<double>(i) / kLines;
+        const double u = 1 - t;
+        const auto at = [&](double Point::*axis) {
+            return u * u * u * arc.start.*axis + 3 * u * u * t * arc.firstControl.*axis +
+                   3 * u * t * t * arc.secondControl.*axis + t * t * t * arc.end.*axis;
+        };
+        outline.lineTo(toPixels(Point{at(&Point::x), at(&Point::y)}));
+    }
+}
+
+/// Whether a rectangle covers whole pixels only.
+bool isWhole(const QRectF& rect) {
+    return QRectF(rect.toRect()) == rect;
+}
+
 /// The same pixels without the image's device pixel ratio, which a painter would heed.
 QImage plainView(QImage& image) {
     return QImage(image.bits(), image.width(), image.height(), image.bytesPerLine(),
@@ -45,6 +71,12 @@ QImage transparentLayer(QSize size) {
     QImage layer(size, QImage::Format_ARGB32_Premultiplied);
     layer.fill(Qt::transparent);
     return layer;
+}
+
+void fillOutline(QImage& target, const QPainterPath& outline, const QColor& color) {
+    QPainter painter(&target);
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.fillPath(outline, color);
 }
 
 /// What parts of a text are drawn with.
@@ -118,6 +150,36 @@ QRectF QtGraphicsContext::toPixels(const Rect& rect) const {
             rect.size.height * scale_};
 }
 
+QPointF QtGraphicsContext::toPixels(Point point) const {
+    return {point.x * scale_, (points_.height() - point.y) * scale_};
+}
+
+QPainterPath QtGraphicsContext::outlineOf(const BezierPath& path) const {
+    QPainterPath outline;
+    outline.setFillRule(Qt::WindingFill);
+    Point current;
+    for (const BezierPath::Element& element : path.elements()) {
+        std::optional<CornerArc> arc;
+        switch (element.step) {
+        case BezierPath::Step::MoveTo:
+            outline.moveTo(toPixels(element.point));
+            break;
+        case BezierPath::Step::Close:
+            outline.closeSubpath();
+            continue;
+        case BezierPath::Step::ArcFromPoint:
+            arc = cornerArc(current, element.point, element.toPoint, element.radius);
+            [[fallthrough]];
+        case BezierPath::Step::LineTo:
+            outline.lineTo(toPixels(arc ? arc->start : element.point));
+        }
+        if (arc)
+            appendArc(outline, *arc, [this](Point point) { return toPixels(point); });
+        current = arc ? arc->end : element.point;
+    }
+    return outline;
+}
+
 QColor QtGraphicsContext::colorOf(const TextLine::Part& part) const {
     const auto& color = part.attributes.foregroundColor;
     return color ? toQColor(*color) : defaultTextColor_;
@@ -154,6 +216,33 @@ void QtGraphicsContext::drawText(const AttributedString& text, Point point) {
         drawOver(parts, toPixels);
     else
         drawThroughLayer(parts, toPixels);
+}
+
+void QtGraphicsContext::drawTextInRect(const AttributedString& text, const Rect& rect) {
+    const QRect area =
+        isDrawable(rect) ? (toPixels(rect) & QRectF(target_.rect())).toAlignedRect() : QRect();
+    if (area.isEmpty() || text.runs().empty())
+        return;
+    const ParagraphStyle style =
+        text.runs().front().attributes.paragraphStyle.value_or(ParagraphStyle());
+    const auto measure = [&](const AttributedString& part) {
+        return lines_.line(part, defaultFont_, FontSmoothing::Greyscale)->size();
+    };
+    const bool shortens = style.lineBreakMode == LineBreakMode::TruncatingTail;
+    const AttributedString fitting =
+        shortens ? truncatedToWidth(text, rect.size.width, measure) : text;
+    const Size size = measure(fitting);
+    const double spare = std::max(0.0, rect.size.width - size.width);
+    const double left = spare * kShareOfSpareRoom[static_cast<std::size_t>(style.alignment)];
+
+    // An image that ends where the rectangle does lets nothing out.
+    QImage part(target_.scanLine(area.top()) + 4 * static_cast<std::ptrdiff_t>(area.left()),
+                area.width(), area.height(), target_.bytesPerLine(), target_.format());
+    const QSizeF points(area.width() / scale_, points_.height() - area.top() / scale_);
+    QtGraphicsContext inside(lines_, part, points, scale_, defaultTextColor_, defaultFont_);
+    inside.state_ = state_;
+    inside.drawText(fitting, {rect.origin.x + left - area.left() / scale_,
+                              rect.origin.y + rect.size.height - size.height});
 }
 
 void QtGraphicsContext::drawShadows(const Parts& parts, const QTransform& toPixels) {
@@ -232,11 +321,12 @@ void QtGraphicsContext::drawImage(const Image& image, const Rect& destination, c
 
     // From here on y points downwards, and the source counts in the pixels of its representation.
     const Size size = picture->size();
+    const Size extent = picture->extent();
     const QTransform toSourcePixels =
-        QTransform::fromScale(pixels.width() / size.width, pixels.height() / size.height);
-    const QRectF whole(source.origin.x, size.height - source.origin.y - source.size.height,
+        QTransform::fromScale(pixels.width() / extent.width, pixels.height() / extent.height);
+    const QRectF whole(source.origin.x, extent.height - source.origin.y - source.size.height,
                        source.size.width, source.size.height);
-    const QRectF part = whole & QRectF(0, 0, size.width, size.height);
+    const QRectF part = whole & QRectF(0, extent.height - size.height, size.width, size.height);
     const QRectF target = toPixels(destination);
     const QRectF shape(target.left() + (part.left() - whole.left()) * stretchX * scale_,
                        target.top() + (part.top() - whole.top()) * stretchY * scale_,
@@ -244,16 +334,39 @@ void QtGraphicsContext::drawImage(const Image& image, const Rect& destination, c
     const QRectF visible = shape & QRectF(target_.rect());
     if (part.isEmpty() || visible.isEmpty())
         return;
+    const QRectF from = toSourcePixels.mapRect(part);
+    if (fraction == 1 && drawsOver(operation) && isWhole(from) && isWhole(shape) &&
+        from.size() == shape.size()) {
+        QImage view = plainView(target_);
+        QPainter(&view).drawImage(shape.topLeft(), pixels, from);
+        return;
+    }
     const QRect area = visible.toAlignedRect();
-    const QImage layer = resampled(pixels, toSourcePixels.mapRect(part), shape, area);
+    const QImage layer = resampled(pixels, from, shape, area);
     compositeImage(target_, shape, layer, area.topLeft(),
                    fraction > 0 ? std::min(fraction, 1.0) : 0, operation);
 }
 
 void QtGraphicsContext::fillRect(const Rect& rect, const Color& color,
                                  CompositingOperation operation) {
-    if (isDrawable(rect))
+    if (isDrawable(rect) && color.space != ColorSpace::Pattern)
         compositeRect(target_, toPixels(rect), toQColor(color), operation);
+}
+
+void QtGraphicsContext::fillPath(const BezierPath& path, const Color& color,
+                                 CompositingOperation operation) {
+    const QPainterPath outline = outlineOf(path);
+    const QRect area = (outline.controlPointRect() & QRectF(target_.rect())).toAlignedRect();
+    if (area.isEmpty() || color.space == ColorSpace::Pattern)
+        return;
+    if (drawsOver(operation)) {
+        QImage view = plainView(target_);
+        fillOutline(view, outline, toQColor(color));
+        return;
+    }
+    QImage layer = transparentLayer(area.size());
+    fillOutline(layer, outline.translated(-area.topLeft()), Qt::black);
+    compositeMask(target_, alphaOf(layer, area.topLeft()), toQColor(color), operation);
 }
 
 } // namespace platform::qt

@@ -6,6 +6,7 @@
 #include <QColor>
 #include <QFont>
 #include <QImage>
+#include <QPainterPath>
 #include <QSizeF>
 #include <QTransform>
 
@@ -39,10 +40,13 @@ class QtGraphicsContext final : public GraphicsContext {
     /// All shadows lie under all of the text. Colour fringes are only used over the ground itself:
     /// not with shadows, nor with an operation other than SourceOver.
     void drawText(const AttributedString& text, Point point) override;
+    void drawTextInRect(const AttributedString& text, const Rect& rect) override;
     /// @throws Exception (NSInvalidArgumentException) for an image of another backend.
     void drawImage(const Image& image, const Rect& destination, const Rect& source,
                    CompositingOperation operation, double fraction) override;
     void fillRect(const Rect& rect, const Color& color, CompositingOperation operation) override;
+    void fillPath(const BezierPath& path, const Color& color,
+                  CompositingOperation operation) override;
 
   private:
     struct State {
@@ -53,7 +57,9 @@ class QtGraphicsContext final : public GraphicsContext {
     };
     using Parts = std::vector<TextLine::Part>;
 
+    QPointF toPixels(Point point) const;
     QRectF toPixels(const Rect& rect) const;
+    QPainterPath outlineOf(const BezierPath& path) const;
     QColor colorOf(const TextLine::Part& part) const;
     std::optional<Shadow> shadowOf(const TextAttributes& attributes) const;
     bool usesShadow(const AttributedString& text) const;

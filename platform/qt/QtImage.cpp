@@ -45,6 +45,7 @@ QtImage::QtImage(std::vector<Representation> representations)
         representations_.emplace_back();
     const Representation& base = representations_.front();
     size_ = {base.pixels.width() / base.scale, base.pixels.height() / base.scale};
+    extent_ = size_;
     for (Representation& representation : representations_)
         representation.pixels.convertTo(kFormat);
     std::stable_sort(representations_.begin(), representations_.end(),
@@ -53,6 +54,10 @@ QtImage::QtImage(std::vector<Representation> representations)
 
 QtImage::QtImage(QImage pixels, double scale)
     : QtImage(std::vector<Representation>{{std::move(pixels), scale}}) {}
+
+QtImage::QtImage(QImage pixels, double scale, Size size) : QtImage(std::move(pixels), scale) {
+    size_ = size;
+}
 
 QtImage::~QtImage() = default;
 

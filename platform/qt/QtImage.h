@@ -23,6 +23,9 @@ class QtImage final : public Image {
     /// the same area with more or fewer pixels. A null base makes an image of size 0 x 0.
     explicit QtImage(std::vector<Representation> representations);
     explicit QtImage(QImage pixels, double scale = 1);
+    /// What was drawn at @p scale: pixels from the bottom left on, some of which may lie beyond
+    /// @p size at the top and at the right.
+    QtImage(QImage pixels, double scale, Size size);
     ~QtImage() override;
 
     /// The image in a file, with its "@2x" and "@3x" siblings when they are there.
@@ -34,6 +37,8 @@ class QtImage final : public Image {
 
     /// Points: the base's pixels divided by its scale.
     Size size() const override { return size_; }
+    /// The area in points that the pixels cover, from the bottom left on.
+    Size extent() const { return extent_; }
 
     /// The pixels to draw with where a point is @p scale pixels: those of the lowest scale that
     /// needs no enlarging, else those of the highest. Null for an image of no size.
@@ -42,6 +47,7 @@ class QtImage final : public Image {
   private:
     std::vector<Representation> representations_; // by rising scale, never empty
     Size size_;
+    Size extent_;
 };
 
 } // namespace platform::qt

@@ -2,7 +2,7 @@
 
 #include "platform/Guard.h"
 
-#include <QCoreApplication>
+#include <QObject>
 #include <QSocketNotifier>
 #include <QThread>
 
@@ -29,16 +29,17 @@ class NotifierWatch final : public Watch {
 
 } // namespace
 
+QtMainThread::QtMainThread() : context_(new QObject) {}
+
 void QtMainThread::perform(std::function<void()> work, Wait wait) {
     auto guarded = [owner = currentOwner(), work = std::move(work)] { runGuarded(owner, work); };
-    QCoreApplication* const application = QCoreApplication::instance();
-    const bool onMainThread = QThread::currentThread() == application->thread();
+    const bool onMainThread = QThread::currentThread() == context_->thread();
     if (wait == Wait::No)
-        QMetaObject::invokeMethod(application, std::move(guarded), Qt::QueuedConnection);
+        QMetaObject::invokeMethod(context_, std::move(guarded), Qt::QueuedConnection);
     else if (onMainThread)
         guarded();
     else
-        QMetaObject::invokeMethod(application, std::move(guarded), Qt::BlockingQueuedConnection);
+        QMetaObject::invokeMethod(context_, std::move(guarded), Qt::BlockingQueuedConnection);
 }
 
 std::unique_ptr<Watch> QtMainThread::watchReadable(int fileDescriptor,

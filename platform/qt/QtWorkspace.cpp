@@ -1,7 +1,10 @@
 #include "platform/qt/QtWorkspace.h"
 
 #include "platform/Log.h"
+#include "platform/MainThread.h"
 #include "platform/PathStrings.h"
+#include "platform/posix/ApplicationBundle.h"
+#include "platform/qt/Foreground.h"
 
 #include <QDBusConnection>
 #include <QDBusMessage>
@@ -48,7 +51,15 @@ bool QtWorkspace::selectFile(const std::string& path, const std::string& rootPat
 }
 
 bool QtWorkspace::openFile(const std::string& path) {
-    return open(path);
+    if (posix::isApplicationBundle(path))
+        return PosixWorkspace::openFile(path);
+    bool opened = false;
+    mainThread().perform([&] { opened = open(path); }, MainThread::Wait::UntilDone);
+    return opened;
+}
+
+void QtWorkspace::bringToFront(ProcessSerialNumber process) {
+    mainThread().perform([process] { bringApplicationToFront(process); }, MainThread::Wait::No);
 }
 
 } // namespace platform::qt

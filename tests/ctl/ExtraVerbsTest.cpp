@@ -1,24 +1,22 @@
 #include "tests/ctl/Ctl.h"
 
-#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 using test::Ctl;
-using test::Outcome;
-using testing::HasSubstr;
-using testing::StartsWith;
 
 namespace {
 
 /// Runs a script, in which ctl is the program, on a session bus of its own.
-Outcome onOwnBus(const Ctl& ctl, const std::string& script) {
+void followOnOwnBus(const std::string& script, const std::string& output,
+                    const std::string& log = {}) {
+    const Ctl ctl;
     ctl.write("script", "ctl() { '" HALVEX_CTL "' --root root \"$@\"; }\n" + script);
-    return ctl.run("XDG_RUNTIME_DIR=\"$PWD\" QT_QPA_PLATFORM=offscreen dbus-run-session sh script");
+    ctl.follow({{"XDG_RUNTIME_DIR=\"$PWD\" QT_QPA_PLATFORM=offscreen dbus-run-session sh script",
+                 output, 0, log}});
 }
 
 TEST(ExtraVerbs, TurnTheClockOnAndOffInTheRealBar) {
-    const Ctl ctl;
-    const Outcome outcome = onOwnBus(ctl, R"(
+    followOnOwnBus(R"(
         copy="$HOME/Library/Application Support/Quorvane Software/Menu Extras/HalvexTimeMenu.menu"
         names() { ctl menubar list | cut -f1 | tr "\n" " "; echo; }
         ctl pane install >/dev/null
@@ -27,68 +25,52 @@ TEST(ExtraVerbs, TurnTheClockOnAndOffInTheRealBar) {
         [ -d "$copy" ] && ctl extras | head -1
         ctl menubar click com.quorvanesoftware.HalvexProMenu --modifiers shift,option --button 1
         ctl menubar click no.such.item || echo "no such item"
-        ctl menubar snapshot bar.png && file=$(head -c4 bar.png | tail -c3) && echo "$file"
+        ctl menubar snapshot bar.png && head -c4 bar.png | tail -c3; echo
         ctl pro remove; ctl toggle 1 off || echo "was not loaded"; names
         [ -e "$copy" ] || echo removed
-        ctl menubar stop; ctl menubar stop || echo stopped)");
-    EXPECT_EQ(outcome.output,
-              "com.apple.menuextra.clock \n"
-              "com.quorvanesoftware.HalvexProMenu \n"
-              "1\tHalvexTimeMenu\tcom.quorvanesoftware.HalvexProMenu\tshipped 1.0.0\tinstalled "
-              "1.0.0\tloaded\n"
-              "menu\nno such item\nPNG\n\nremoved\nstopped\n")
-        << outcome.log;
-    EXPECT_THAT(outcome.log,
-                HasSubstr("MenuExtra (com.quorvanesoftware.HalvexProMenu) removal failed."));
+        ctl menubar stop; ctl menubar stop || echo stopped)",
+                   "com.apple.menuextra.clock \n"
+                   "com.quorvanesoftware.HalvexProMenu \n"
+                   "1\tHalvexTimeMenu\tcom.quorvanesoftware.HalvexProMenu\tshipped 1.0.0\t"
+                   "installed 1.0.0\tloaded\n"
+                   "menu\nno such item\nPNG\n\nremoved\nstopped\n",
+                   "MenuExtra (com.quorvanesoftware.HalvexProMenu) removal failed.");
 }
 
 TEST(ExtraVerbs, FallBackOnMenuCrackerWhereTheBarAdmitsItsOwnItemsOnly) {
-    const Ctl ctl;
-    const Outcome outcome = onOwnBus(ctl, R"(
+    followOnOwnBus(R"(
         ctl pane install >/dev/null
         ')" HALVEX_MENUBAR R"(' --admit=system &
         until ctl menubar list >list 2>/dev/null && [ -s list ]; do sleep 0.1; done
         ctl toggle 1 on && ctl menubar list | cut -f1
-        kill $!; wait)");
-    EXPECT_EQ(outcome.output, "net.sourceforge.menucracker\ncom.quorvanesoftware.HalvexProMenu\n")
-        << outcome.log;
+        kill $!; wait)",
+                   "net.sourceforge.menucracker\ncom.quorvanesoftware.HalvexProMenu\n");
 }
 
 TEST(ExtraVerbs, RefuseWhatMakesNoSenseAndChangeNothing) {
     const Ctl ctl;
     ctl.write("file.menu", "no folder");
-    const std::string kept = "home/Library/Application Support/Quorvane Software/kept.menu/x";
-    ctl.write(kept, "");
-    const std::pair<std::string, std::string> cases[] = {
-        {"toggle 7 on", "halvexctl: there is no menu extra 7; "},
-        {"toggle Nothing off", "halvexctl: there is no menu extra Nothing; "},
-        {"install file.menu", "halvexctl: file.menu: this is a file"},
-        {"install .", "halvexctl: .: a menu extra is a folder"},
-        {"remove ..", "halvexctl: ..: this is not the name"},
-        {"remove ../kept.menu", "halvexctl: ../kept.menu: this is not the name"},
-        {"remove \"$user/kept.menu\"", "halvexctl: home/Library"},
-        {"upgrade 7", "halvexctl: there is no menu extra 7; "},
-        {"preflight file.menu", ""},
-    };
-    for (const auto& [command, line] : cases) {
-        const Outcome outcome = ctl.run("halvexctl " + command);
-        EXPECT_EQ(outcome.status, 1) << command;
-        EXPECT_THAT(outcome.log, StartsWith(line)) << command;
-        EXPECT_EQ(outcome.output, "") << command;
-    }
-    EXPECT_EQ(ctl.run("[ -e '" + kept + "' ]").status, 0);
+    ctl.write("home/Library/Application Support/Quorvane Software/kept.menu/x", "");
+    ctl.follow({
+        {"halvexctl toggle 7 on", "", 1, "halvexctl: there is no menu extra 7; "},
+        {"halvexctl toggle Nothing off", "", 1, "halvexctl: there is no menu extra Nothing; "},
+        {"halvexctl install file.menu", "", 1, "file.menu: this is a file"},
+        {"halvexctl install .", "", 1, ".: a menu extra is a folder"},
+        {"halvexctl remove ..", "", 1, "..: this is not the name"},
+        {"halvexctl remove ../kept.menu", "", 1, "../kept.menu: this is not the name"},
+        {"halvexctl remove \"$user/kept.menu\"", "", 1, "kept.menu: this is not the name"},
+        {"halvexctl upgrade 7", "", 1, "halvexctl: there is no menu extra 7; "},
+        {"halvexctl preflight file.menu", "", 1, "there is no bundle with code"},
+        {"ls \"$user/kept.menu\"", "x\n"},
+    });
 }
 
 TEST(ExtraVerbs, SayAtOnceThatThereIsNoBar) {
-    const Ctl ctl;
     const std::string alone =
         "DBUS_SESSION_BUS_ADDRESS=unix:path=/nowhere timeout 2 '" HALVEX_CTL "' --root root ";
-    for (const std::string verb : {"menubar list", "menubar start", "menubar snapshot x.png"}) {
-        const Outcome outcome = ctl.run(alone + verb);
-        EXPECT_EQ(outcome.status, 1) << verb;
-        EXPECT_EQ(outcome.log, "halvexctl: there is no session bus\n") << verb;
-    }
-    EXPECT_EQ(ctl.run(alone + "extras | wc -l").output, "9\n");
+    Ctl().follow({{alone + "menubar list", "", 1, "halvexctl: there is no session bus\n"},
+                  {alone + "menubar start", "", 1, "halvexctl: there is no session bus\n"},
+                  {alone + "extras | wc -l", "9\n"}});
 }
 
 } // namespace

@@ -1,82 +1,16 @@
 #include "tests/desktop/support/BarProcess.h"
+#include "tests/desktop/support/XServer.h"
 
 #include <QImage>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <cstdlib>
-#include <memory>
-#include <xcb/xcb.h>
-
 using test::BarProcess;
+using test::kScreenWidth;
+using test::XServer;
 
 namespace {
-
-constexpr int kScreenWidth = 1000;
-
-template <class T>
-std::unique_ptr<T, decltype(&std::free)> owned(T* reply) {
-    return {reply, &std::free};
-}
-
-/// An X server of the test's own, and what can be seen and done there.
-class XServer {
-  public:
-    XServer() {
-        server_.start("Xvfb", {"-displayfd", "1", "-screen", "0",
-                               QString("%1x300x24").arg(kScreenWidth), "-noreset"});
-        server_.waitForReadyRead(5000);
-        display = ":" + QString::fromUtf8(server_.readLine()).trimmed();
-        connection_ = xcb_connect(display.toUtf8().constData(), nullptr);
-        root_ = xcb_setup_roots_iterator(xcb_get_setup(connection_)).data->root;
-    }
-    ~XServer() {
-        xcb_disconnect(connection_);
-        server_.kill();
-        server_.waitForFinished(5000);
-    }
-
-    std::uint32_t atom(const std::string& name) const {
-        const auto size = static_cast<std::uint16_t>(name.size());
-        return owned(xcb_intern_atom_reply(
-                         connection_, xcb_intern_atom(connection_, 0, size, name.c_str()), nullptr))
-            ->atom;
-    }
-    /// The numbers in a property of the first window that has it.
-    std::vector<std::uint32_t> property(const std::string& name) const {
-        const auto tree =
-            owned(xcb_query_tree_reply(connection_, xcb_query_tree(connection_, root_), nullptr));
-        const auto* windows = xcb_query_tree_children(tree.get());
-        for (int i = 0; i < xcb_query_tree_children_length(tree.get()); ++i) {
-            const auto reply = owned(xcb_get_property_reply(
-                connection_,
-                xcb_get_property(connection_, 0, windows[i], atom(name), XCB_ATOM_ANY, 0, 64),
-                nullptr));
-            const auto* values =
-                static_cast<const std::uint32_t*>(xcb_get_property_value(reply.get()));
-            if (reply->value_len > 0)
-                return {values, values + reply->value_len};
-        }
-        return {};
-    }
-    /// Does what xdotool is told.
-    void act(const QStringList& arguments) const {
-        QProcess xdotool;
-        auto environment = QProcessEnvironment::systemEnvironment();
-        environment.insert("DISPLAY", display);
-        xdotool.setProcessEnvironment(environment);
-        xdotool.start("xdotool", arguments);
-        EXPECT_TRUE(xdotool.waitForFinished(5000));
-    }
-
-    QString display;
-
-  private:
-    QProcess server_;
-    xcb_connection_t* connection_ = nullptr;
-    xcb_window_t root_ = 0;
-};
 
 class X11Bar : public testing::Test {
   protected:

@@ -4,14 +4,6 @@
 
 #include <gtest/gtest.h>
 
-// Of the exported identifiers this program has the flags alone.
-extern "C" {
-extern std::int32_t myDebug;
-extern std::int32_t myDebugME;
-std::int32_t myDebug = 0;
-std::int32_t myDebugME = 0;
-}
-
 namespace {
 
 TEST(UnboundLibrary, IsLoggedAndTheItemStartsAllTheSame) {

@@ -21,6 +21,7 @@ class ScriptedLoader final : public platform::DynamicLoader {
     std::vector<int> executableArchitectures(const std::string&) const override {
         return architectures;
     }
+    std::string fileOfAddress(const void*) const override { return {}; }
     int hostArchitecture() const override { return 0; }
     bool preflight(const std::string&, std::string& reason) const override {
         reason = fault.value_or("");

@@ -1,3 +1,4 @@
+#include "menuextras/ExportedIdentifiers.h"
 #include "paths/ovxPaths.h"
 #include "platform/Bundle.h"
 #include "tests/paths/SupportTree.h"
@@ -38,6 +39,10 @@ PropertyList net(const char* name) {
     return result;
 }
 
+std::string missing(const std::string& bundle) {
+    return "bug -- missing 'LocationsConfig.plist' in bundle " + bundle;
+}
+
 std::string xml(const Array& list) {
     return platform::propertyLists().serialize(list).value_or("");
 }
@@ -49,12 +54,8 @@ std::string read(const SupportTree& tree, const std::string& shown) {
 
 class LocationList : public testing::Test {
   protected:
-    std::string missingConfiguration(const std::string& bundle) const {
-        return "bug -- missing 'LocationsConfig.plist' in bundle " + bundle;
-    }
-    std::string moved() const {
-        return "Moved Locations from Path = " + tree.path(kFirstOld) + " to " +
-               tree.path(kSecondOld);
+    std::string moved(const std::string& from) const {
+        return "Moved Locations from Path = " + tree.path(from) + " to " + tree.path(kSecondOld);
     }
 
     SupportTree tree{{kUser}};
@@ -63,124 +64,97 @@ class LocationList : public testing::Test {
 };
 
 TEST_F(LocationList, IsReadFromItsFileElseFromThePaneElseEmpty) {
-    const std::string list = xml({record("list")});
-    const std::string all = xml({record("all")});
-    const std::string one = xml({record("one")});
+    using File = std::pair<std::string, std::string>;
+    using Lines = std::vector<std::string>;
+    const File list{kList, xml({record("list")})};
+    const File all{kPaneForAll + kResource, xml({record("all")})};
+    const File one{kPaneForOne + kResource, xml({record("one")})};
+    const File badList{kList, "<plist><dict/></plist>"};
+    const Lines none{kNoPane, missing("(null)")};
+    const Lines loaded{kNoPane, "Default locations loaded"};
+    const Lines failed{kNoPane, "Default locations failed to load at " + all.first};
     const struct {
         const char* name;
-        std::vector<std::pair<std::string, std::string>> files;
+        std::vector<File> files;
         std::optional<Array> result;
-        std::vector<std::string> lines;
+        Lines lines;
     } cases[] = {
-        {"nothing", {}, Array(), {kNoPane, missingConfiguration("(null)")}},
-        {"its file", {{kList, list}, {kPaneForAll + kResource, all}}, Array{record("list")}, {}},
-        {"an empty list", {{kList, xml({})}, {kPaneForAll + kResource, all}}, Array(), {}},
-        {"unreadable",
-         {{kList, "x"}, {kPaneForAll + kResource, all}},
-         Array{record("all")},
-         {kNoPane, "Default locations loaded"}},
-        {"no array",
-         {{kList, "<plist><dict/></plist>"}, {kPaneForOne + kResource, one}},
-         Array{record("one")},
-         {kNoPane, "Default locations loaded"}},
-        {"a folder in its place",
-         {{kList + "/x", ""}},
+        {"nothing", {}, Array(), none},
+        {"its file", {list, all}, Array{record("list")}, {}},
+        {"an empty list", {{kList, xml({})}, all}, Array(), {}},
+        {"unreadable", {{kList, "x"}, all}, Array{record("all")}, loaded},
+        {"no array", {badList, one}, Array{record("one")}, loaded},
+        {"a folder in its place", {{kList + "/x", ""}}, Array(), none},
+        {"both panes", {all, one}, Array{record("all")}, loaded},
+        {"no list for all",
+         {{kPaneForAll + "/x", ""}, one},
          Array(),
-         {kNoPane, missingConfiguration("(null)")}},
-        {"both panes",
-         {{kPaneForAll + kResource, all}, {kPaneForOne + kResource, one}},
-         Array{record("all")},
-         {kNoPane, "Default locations loaded"}},
-        {"a pane for all without a list",
-         {{kPaneForAll + "/x", ""}, {kPaneForOne + kResource, one}},
-         Array(),
-         {kNoPane, missingConfiguration(kPaneForAll)}},
-        {"an unreadable default",
-         {{kPaneForAll + kResource, "x"}, {kCache, xml({net("net")})}},
-         std::nullopt,
-         {kNoPane, "Default locations failed to load at " + kPaneForAll + kResource}},
-        {"the cache alone",
-         {{kCache, xml({record("net", 5)})}},
-         Array{net("net")},
-         {kNoPane, missingConfiguration("(null)")}},
+         {kNoPane, missing(kPaneForAll)}},
+        {"an unreadable default", {{all.first, "x"}, {kCache, other}}, std::nullopt, failed},
+        {"the cache alone", {{kCache, xml({record("net", 5)})}}, Array{net("net")}, none},
         {"list and cache",
-         {{kList, list}, {kCache, xml({net("list"), net("a"), net("list")})}},
+         {list, {kCache, xml({net("list"), net("a"), net("list")})}},
          Array{record("list"), net("a")},
          {"2 duplicates locations found in subscription"}},
-        {"list and unreadable cache", {{kList, list}, {kCache, "x"}}, Array{record("list")}, {}},
-        {"list and empty cache", {{kList, list}, {kCache, xml({})}}, Array{record("list")}, {}},
-        {"list and a folder for a cache",
-         {{kList, list}, {kCache + "/x", ""}},
-         Array{record("list")},
-         {}},
+        {"unreadable cache", {list, {kCache, "x"}}, Array{record("list")}, {}},
+        {"a folder for a cache", {list, {kCache + "/x", ""}}, Array{record("list")}, {}},
     };
-    for (const auto& c : cases) {
-        SCOPED_TRACE(c.name);
+    for (const auto& [name, files, result, lines] : cases) {
+        SCOPED_TRACE(name);
         SupportTree own({kUser});
-        for (const auto& [path, contents] : c.files)
+        for (const auto& [path, contents] : files)
             own.write(path, contents);
-        const auto before = own.entries();
-        EXPECT_EQ(Paths::HalvexLoadLocationFile(), c.result);
-        EXPECT_EQ(own.log.take(), c.lines);
-        auto after = before;
-        after.insert({kUserMaker, kUserProduct});
-        EXPECT_EQ(own.entries(), after) << "loading writes nothing back";
+        auto entries = own.entries();
+        EXPECT_EQ(Paths::HalvexLoadLocationFile(), result);
+        EXPECT_EQ(own.log.take(), lines);
+        entries.insert({kUserMaker, kUserProduct});
+        EXPECT_EQ(own.entries(), entries) << "loading writes nothing back";
     }
 }
 
 TEST_F(LocationList, TheLoadedPaneComesBeforeThoseOnTheDisk) {
-    tree.write("~/Pane.prefPane" + kResource, mine);
+    const std::string place = "~/Pane.prefPane";
+    tree.write(place + kResource, mine);
     tree.write(kPaneForAll + kResource, other);
     const auto pane = std::make_shared<Bundle>(
-        tree.path("~/Pane.prefPane"),
-        PropertyList::Dictionary{{"CFBundleIdentifier", "com.quorvanesoftware.prefHalvexPanel"}});
+        tree.path(place), PropertyList::Dictionary{{"CFBundleIdentifier", HalvexPrefsBundleID}});
     Bundle::setCode(pane, Bundle::Code::Loaded);
     EXPECT_EQ(Paths::HalvexLoadLocationFile(), Array{record("mine")});
-    fs::remove(tree.place("~/Pane.prefPane" + kResource));
+    fs::remove(tree.place(place + kResource));
     EXPECT_EQ(Paths::HalvexLoadLocationFile(), Array());
     Bundle::setCode(pane, Bundle::Code::Unloaded);
     EXPECT_EQ(Paths::HalvexLoadLocationFile(), Array{record("other")});
-    EXPECT_THAT(tree.log.take(), ElementsAre("Default locations loaded",
-                                             missingConfiguration(tree.path("~/Pane.prefPane")),
+    EXPECT_THAT(tree.log.take(), ElementsAre("Default locations loaded", missing(tree.path(place)),
                                              kNoPane, "Default locations loaded"));
 }
 
 TEST_F(LocationList, MovesHereFromOneOfItsOldPlaces) {
-    tree.write(kFirstOld, mine);
-    tree.write(kSecondOld, other);
-    EXPECT_EQ(Paths::HalvexLoadLocationFile(), Array{record("mine")});
-    EXPECT_THAT(tree.log.take(), ElementsAre(moved()));
-    EXPECT_FALSE(tree.exists(kFirstOld));
-    EXPECT_EQ(read(tree, kList), mine);
-
-    EXPECT_EQ(Paths::HalvexLoadLocationFile(), Array{record("mine")});
-    EXPECT_THAT(tree.log.take(), IsEmpty()) << "a move that fails";
-    EXPECT_EQ(read(tree, kSecondOld), other);
-
-    fs::remove(tree.place(kList));
-    tree.make(kFirstOld);
-    EXPECT_EQ(Paths::HalvexLoadLocationFile(), Array{record("other")});
-    EXPECT_THAT(tree.log.take(), ElementsAre(moved()));
-    EXPECT_TRUE(tree.exists(kFirstOld));
-}
-
-TEST_F(LocationList, TheFileBehindALinkInAnOldPlaceIsMoved) {
     tree.write("~/real", mine);
     fs::create_symlink("../real", tree.place(kFirstOld));
+    tree.write(kSecondOld, other);
     EXPECT_EQ(Paths::HalvexLoadLocationFile(), Array{record("mine")});
-    EXPECT_THAT(tree.log.take(), ElementsAre("Moved Locations from Path = " + tree.path("~/real") +
-                                             " to " + tree.path(kSecondOld)));
+    EXPECT_THAT(tree.log.take(), ElementsAre(moved("~/real"))) << "what the link leads to";
     EXPECT_FALSE(tree.exists("~/real"));
-    EXPECT_TRUE(fs::is_symlink(tree.place(kFirstOld)));
+    EXPECT_EQ(read(tree, kList), mine);
+
+    fs::remove(tree.place(kFirstOld));
+    tree.write(kFirstOld, other);
+    EXPECT_EQ(Paths::HalvexLoadLocationFile(), Array{record("mine")});
+    EXPECT_THAT(tree.log.take(), IsEmpty()) << "a move that fails";
+    EXPECT_TRUE(tree.exists(kSecondOld));
+
+    fs::remove(tree.place(kList));
+    fs::remove(tree.place(kFirstOld));
+    tree.make(kFirstOld);
+    EXPECT_EQ(Paths::HalvexLoadLocationFile(), Array{record("other")});
+    EXPECT_THAT(tree.log.take(), ElementsAre(moved(kFirstOld)));
+    EXPECT_FALSE(tree.exists(kSecondOld));
 }
 
 TEST_F(LocationList, WithoutAListThereIsNothingToMergeInto) {
-    EXPECT_EQ(Paths::mergeNetLocation(std::nullopt), std::nullopt);
-    EXPECT_EQ(Paths::mergeNetLocation(Array{record("a")}), Array{record("a")});
     tree.write(kCache, xml({net("b")}));
     EXPECT_EQ(Paths::mergeNetLocation(std::nullopt), std::nullopt);
     EXPECT_EQ(Paths::mergeNetLocation(Array()), Array{net("b")});
-    EXPECT_THAT(tree.log.take(), IsEmpty());
 }
 
 TEST_F(LocationList, IsSavedWithoutItsNetRecordsWhichGoIntoTheCache) {
@@ -190,54 +164,37 @@ TEST_F(LocationList, IsSavedWithoutItsNetRecordsWhichGoIntoTheCache) {
     EXPECT_EQ(read(tree, kList), mine);
     EXPECT_EQ(read(tree, kCache), xml({net("a"), net("b")}));
     EXPECT_THAT(tree.log.take(), ElementsAre(saving + " (3)", caching + " (2)"));
-    EXPECT_EQ(Paths::HalvexLoadLocationFile(), (Array{record("mine"), net("a"), net("b")}));
 
     EXPECT_TRUE(Paths::HalvexSaveLocationTable({}));
+    EXPECT_TRUE(Paths::HalvexSaveCacheNetLocation({}));
     EXPECT_EQ(read(tree, kList), xml({}));
     EXPECT_EQ(read(tree, kCache), xml({net("a"), net("b")})) << "without net records it stays";
     EXPECT_THAT(tree.log.take(), ElementsAre(saving + " (0)"));
-    EXPECT_TRUE(Paths::HalvexSaveCacheNetLocation({}));
-    EXPECT_EQ(read(tree, kCache), xml({net("a"), net("b")}));
-    EXPECT_THAT(tree.log.take(), IsEmpty());
     EXPECT_EQ(tree.log.beeps(), 0);
 }
 
 TEST_F(LocationList, AFailedWriteIsLoggedAndBeepsAndTheOtherFileIsWrittenAllTheSame) {
     const std::string saving = "Saving Halvex locations: " + tree.path(kList) + " (2)";
     const std::string caching = "Saving net locations cache: " + tree.path(kCache) + " (1)";
-    const std::string unable = "Unable to write: ";
-    const Array list{record("mine"), net("a")};
-
+    for (const std::string& blocked : {kCache, kList}) {
+        tree.make(blocked);
+        EXPECT_EQ(Paths::HalvexSaveLocationTable({record("mine"), net("a")}), blocked == kCache);
+        EXPECT_THAT(tree.log.take(),
+                    ElementsAre(saving, caching, "Unable to write: " + tree.path(blocked)));
+        EXPECT_EQ(read(tree, blocked == kCache ? kList : kCache),
+                  blocked == kCache ? mine : xml({net("a")}));
+        fs::remove_all(tree.place(kUserProduct));
+    }
     tree.make(kCache);
-    EXPECT_TRUE(Paths::HalvexSaveLocationTable(list));
-    EXPECT_THAT(tree.log.take(), ElementsAre(saving, caching, unable + tree.path(kCache)));
-    EXPECT_EQ(tree.log.beeps(), 1);
-    EXPECT_EQ(read(tree, kList), mine);
     EXPECT_FALSE(Paths::HalvexSaveCacheNetLocation({net("a")}));
-    EXPECT_EQ(tree.log.beeps(), 2);
-    tree.log.take();
-
-    fs::remove(tree.place(kCache));
-    fs::remove(tree.place(kList));
-    tree.make(kList);
-    EXPECT_FALSE(Paths::HalvexSaveLocationTable(list));
-    EXPECT_THAT(tree.log.take(), ElementsAre(saving, caching, unable + tree.path(kList)));
     EXPECT_EQ(tree.log.beeps(), 3);
-    EXPECT_EQ(read(tree, kCache), xml({net("a")}));
 }
 
-TEST_F(LocationList, TheCacheIsThereOrRemovedWhenItIsAFile) {
-    EXPECT_FALSE(Paths::HalvexExistsNetLocation());
-    EXPECT_TRUE(Paths::HalvexRemoveNetLocation());
-    tree.write(kCache, "");
-    EXPECT_TRUE(Paths::HalvexExistsNetLocation());
-    EXPECT_TRUE(Paths::HalvexRemoveNetLocation());
-    EXPECT_FALSE(tree.exists(kCache));
+TEST_F(LocationList, AFolderInTheCachesPlaceIsNoCacheAndStays) {
     tree.make(kCache);
     EXPECT_FALSE(Paths::HalvexExistsNetLocation());
     EXPECT_TRUE(Paths::HalvexRemoveNetLocation());
     EXPECT_TRUE(tree.exists(kCache));
-    EXPECT_THAT(tree.log.take(), IsEmpty());
 }
 
 } // namespace

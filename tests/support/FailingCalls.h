@@ -8,6 +8,8 @@ namespace test {
 
 /// Fails its call number @p first, or that and all later ones, with @p error. Writes are short.
 class FailingCalls final : public platform::posix::SystemCalls {
+    using Real = platform::posix::SystemCalls;
+
   public:
     enum class Times { Once, ForGood };
     FailingCalls(int first, int error, Times times) : left_(first), error_(error), times_(times) {}
@@ -15,34 +17,28 @@ class FailingCalls final : public platform::posix::SystemCalls {
     bool failed() const { return left_ <= 0; }
 
     int open(const std::string& path, int flags, mode_t mode) override {
-        return fails() ? -1 : platform::posix::SystemCalls::open(path, flags, mode);
+        return fails() ? -1 : Real::open(path, flags, mode);
     }
     int openAt(int folder, const std::string& name, int flags, mode_t mode) override {
-        return fails() ? -1 : platform::posix::SystemCalls::openAt(folder, name, flags, mode);
+        return fails() ? -1 : Real::openAt(folder, name, flags, mode);
     }
     ssize_t write(int file, const char* bytes, std::size_t size) override {
-        return fails() ? -1 : platform::posix::SystemCalls::write(file, bytes, (size + 1) / 2);
+        return fails() ? -1 : Real::write(file, bytes, (size + 1) / 2);
     }
-    int setMode(int file, mode_t mode) override {
-        return fails() ? -1 : platform::posix::SystemCalls::setMode(file, mode);
-    }
-    int flush(int file) override {
-        return fails() ? -1 : platform::posix::SystemCalls::flush(file);
-    }
+    int setMode(int file, mode_t mode) override { return fails() ? -1 : Real::setMode(file, mode); }
+    int flush(int file) override { return fails() ? -1 : Real::flush(file); }
     int makeFolder(int folder, const std::string& name, mode_t mode) override {
-        return fails() ? -1 : platform::posix::SystemCalls::makeFolder(folder, name, mode);
+        return fails() ? -1 : Real::makeFolder(folder, name, mode);
     }
     int makeLink(const std::string& target, int folder, const std::string& name) override {
-        return fails() ? -1 : platform::posix::SystemCalls::makeLink(target, folder, name);
+        return fails() ? -1 : Real::makeLink(target, folder, name);
     }
     int renameWithoutReplacing(int fromFolder, const std::string& from, int toFolder,
                                const std::string& to) override {
-        return fails() ? -1
-                       : platform::posix::SystemCalls::renameWithoutReplacing(fromFolder, from,
-                                                                              toFolder, to);
+        return fails() ? -1 : Real::renameWithoutReplacing(fromFolder, from, toFolder, to);
     }
     int rename(int folder, const std::string& from, const std::string& to) override {
-        return fails() ? -1 : platform::posix::SystemCalls::rename(folder, from, to);
+        return fails() ? -1 : Real::rename(folder, from, to);
     }
 
   private:

@@ -4,12 +4,15 @@
 #include "platform/Exception.h"
 #include "platform/Graphics.h"
 #include "platform/MenuExtraHost.h"
+#include "platform/Panel.h"
 #include "platform/Pasteboard.h"
+#include "platform/SystemInfo.h"
 #include "platform/Workspace.h"
 
 #include <algorithm>
 #include <functional>
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -19,13 +22,11 @@
 namespace test {
 
 /// An image without pixels.
-class BlankImage final : public platform::Image {
-  public:
-    BlankImage(double width, double height) : size_{width, height} {}
-    platform::Size size() const override { return size_; }
+struct BlankImage final : platform::Image {
+    BlankImage(double width, double height) : points{width, height} {}
+    platform::Size size() const override { return points; }
 
-  private:
-    platform::Size size_;
+    platform::Size points;
 };
 
 /// Every byte of text is 7 points wide and 15 high; drawing becomes lines of words.
@@ -36,9 +37,20 @@ class RecordingGraphics final : public platform::Graphics, public platform::Grap
     platform::Size sizeOfText(const platform::AttributedString& text) override {
         return {7.0 * static_cast<double>(text.length()), 15.0};
     }
-    std::shared_ptr<platform::Image> imageWithContentsOfFile(const std::string&) override {
-        return nullptr;
+    /// Every file whose path ends in ".png" is an image of 13 x 13 points.
+    std::shared_ptr<platform::Image> imageWithContentsOfFile(const std::string& path) override {
+        return path.ends_with(".png") ? std::make_shared<BlankImage>(13, 13) : nullptr;
     }
+    std::shared_ptr<platform::Image> imageNamed(std::string_view name) override {
+        return name == namedImage ? std::make_shared<BlankImage>(9, 9) : nullptr;
+    }
+    std::shared_ptr<platform::Image> imageByDrawing(platform::Size size,
+                                                    const Draw& draw) override {
+        drawn.push_back("canvas " + number(size.width) + ' ' + number(size.height));
+        draw(*this);
+        return std::make_shared<BlankImage>(size.width, size.height);
+    }
+    std::string namedImage; ///< the one that imageNamed finds
     platform::GraphicsContext& currentContext() override { return *this; }
 
     void saveGraphicsState() override { drawn.emplace_back("save"); }
@@ -50,7 +62,7 @@ class RecordingGraphics final : public platform::Graphics, public platform::Grap
         drawn.push_back("text mode " + std::to_string(static_cast<int>(mode)));
     }
     void setCompositingOperation(platform::CompositingOperation operation) override {
-        drawn.push_back("operation " + std::to_string(static_cast<int>(operation)));
+        drawn.push_back(words(operation));
     }
     void setShadow(platform::Size offset, double blur) override {
         drawn.push_back("shadow " + number(offset.width) + ' ' + number(offset.height) + " blur " +
@@ -59,15 +71,37 @@ class RecordingGraphics final : public platform::Graphics, public platform::Grap
     void drawText(const platform::AttributedString& text, platform::Point point) override {
         drawn.push_back("text " + text.string() + " at " + number(point.x) + ' ' + number(point.y));
     }
+    void drawTextInRect(const platform::AttributedString& text,
+                        const platform::Rect& rect) override {
+        drawn.push_back("text " + text.string() + " in " + words(rect));
+        texts.push_back(text);
+    }
+    std::vector<platform::AttributedString> texts; ///< those drawn into rectangles
     void drawImage(const platform::Image&, const platform::Rect& destination,
                    const platform::Rect& source, platform::CompositingOperation operation,
                    double fraction) override {
-        drawn.push_back("image " + words(source) + " into " + words(destination) + " operation " +
-                        std::to_string(static_cast<int>(operation)) + " fraction " +
-                        number(fraction));
+        drawn.push_back("image " + words(source) + " into " + words(destination) + ' ' +
+                        words(operation) + " fraction " + number(fraction));
     }
-    void fillRect(const platform::Rect&, const platform::Color&,
-                  platform::CompositingOperation) override {}
+    void fillRect(const platform::Rect& rect, const platform::Color& color,
+                  platform::CompositingOperation operation) override {
+        drawn.push_back("fill " + words(rect) + " with " + words(color) + ' ' + words(operation));
+    }
+    /// Elements are "move x y", "line x y", "arc x y to x y radius", "close".
+    void fillPath(const platform::BezierPath& path, const platform::Color& color,
+                  platform::CompositingOperation operation) override {
+        using Step = platform::BezierPath::Step;
+        drawn.push_back("path with " + words(color) + ' ' + words(operation));
+        for (const auto& [step, point, toPoint, radius] : path.elements()) {
+            if (step == Step::Close)
+                drawn.emplace_back("close");
+            else if (step == Step::ArcFromPoint)
+                drawn.push_back("arc " + words(point) + " to " + words(toPoint) + " radius " +
+                                number(radius));
+            else
+                drawn.push_back((step == Step::MoveTo ? "move " : "line ") + words(point));
+        }
+    }
 
   private:
     static std::string number(double value) {
@@ -76,6 +110,16 @@ class RecordingGraphics final : public platform::Graphics, public platform::Grap
         if (text.back() == '.')
             text.pop_back();
         return text;
+    }
+    static std::string words(platform::CompositingOperation operation) {
+        return "operation " + std::to_string(static_cast<int>(operation));
+    }
+    static std::string words(platform::Point point) {
+        return number(point.x) + ' ' + number(point.y);
+    }
+    static std::string words(const platform::Color& color) {
+        return number(color.red) + ' ' + number(color.green) + ' ' + number(color.blue) + ' ' +
+               number(color.alpha) + " space " + std::to_string(static_cast<int>(color.space));
     }
     static std::string words(const platform::Rect& rect) {
         return number(rect.origin.x) + ' ' + number(rect.origin.y) + ' ' + number(rect.size.width) +
@@ -106,7 +150,9 @@ class RecordingHost final : public platform::MenuExtraHost {
 class RecordingWorkspace final : public platform::Workspace {
   public:
     std::vector<std::string> selected; ///< path, a bar, root path
-    std::vector<std::string> opened;
+    std::vector<std::string> opened;   ///< path, or path, a bar, application; "front", process
+    bool opens = true;                 ///< what opening answers
+    std::vector<std::string> urls;     ///< opened
     std::vector<std::string> recycled;
     bool recycles = true; ///< what recycling answers
 
@@ -116,14 +162,27 @@ class RecordingWorkspace final : public platform::Workspace {
     }
     bool openFile(const std::string& path) override {
         opened.push_back(path);
+        return opens;
+    }
+    bool openURL(const std::string& url) override {
+        urls.push_back(url);
         return true;
     }
+    bool openFile(const std::string& path, const std::string& withApplication) override {
+        opened.push_back(path + '|' + withApplication);
+        return opens;
+    }
+    void bringToFront(platform::ProcessSerialNumber process) override {
+        opened.push_back("front " + std::to_string(process));
+    }
+    platform::NotificationCenter& notificationCenter() override { return center_; }
     bool recycle(const std::string& path) override {
         recycled.push_back(path);
         return recycles;
     }
 
   private:
+    platform::NotificationCenter center_;
     platform::ScopedService<platform::Workspace> service_{*this};
 };
 
@@ -166,6 +225,56 @@ class RecordingMenuBar final : public platform::MenuExtraServer {
     platform::ScopedService<platform::MenuExtraServer> service_{*this};
 };
 
+/// Panels whose windows keep what they are told, in words, and adopt frames at once, animated ones
+/// half-way first.
+class RecordingPanels final : public platform::PanelService {
+  public:
+    std::vector<std::string> calls;
+    bool makesWindows = true;
+
+    std::unique_ptr<platform::PanelWindow> makeWindow(platform::Panel& panel) override {
+        calls.push_back("window " + std::to_string(panel.styleMask()));
+        return makesWindows ? std::make_unique<Window>(*this, panel) : nullptr;
+    }
+
+  private:
+    class Window final : public platform::PanelWindow {
+      public:
+        Window(RecordingPanels& owner, platform::Panel& panel) : owner_(owner), panel_(panel) {}
+
+        void setTitle(const std::string& title) override { call("title " + title); }
+        void setLook(const platform::PanelLook& look) override {
+            const auto& ground = look.backgroundColor;
+            call(std::string(ground.pattern ? "pattern" : "colour") + " alpha " +
+                 std::to_string(static_cast<int>(look.alphaValue)) +
+                 (look.opaque ? " opaque" : "") + (look.hasShadow ? " shadow" : "") +
+                 (look.movableByWindowBackground ? " movable" : "") +
+                 (look.showsResizeIndicator ? " indicator" : ""));
+        }
+        void setFrame(const platform::Rect& frame, bool display, bool animate) override {
+            call(std::string("frame") + (display ? " display" : "") + (animate ? " animate" : ""));
+            const platform::Size size = panel_.frame().size;
+            if (animate)
+                panel_.frameDidChange(
+                    {frame.origin,
+                     {(size.width + frame.size.width) / 2, (size.height + frame.size.height) / 2}});
+            panel_.frameDidChange(frame);
+        }
+        void addButton(const std::shared_ptr<platform::Button>&) override { call("button"); }
+        void display() override { call("display"); }
+        void makeKeyAndOrderFront() override {}
+        void orderOut() override {}
+
+      private:
+        void call(std::string words) { owner_.calls.push_back(std::move(words)); }
+
+        RecordingPanels& owner_;
+        platform::Panel& panel_;
+    };
+
+    platform::ScopedService<platform::PanelService> service_{*this};
+};
+
 class RecordingPasteboard final : public platform::Pasteboard {
   public:
     std::string text;
@@ -174,6 +283,24 @@ class RecordingPasteboard final : public platform::Pasteboard {
 
   private:
     platform::ScopedService<platform::Pasteboard> service_{*this};
+};
+
+/// A system that knows what the test says.
+class FixedSystemInfo final : public platform::SystemInfo {
+  public:
+    std::optional<std::uint32_t> version;
+    std::optional<std::uint32_t> media;
+    platform::TimeZone zone;
+
+    std::optional<std::uint32_t> query(platform::SystemFact fact) const override {
+        if (fact == platform::SystemFact::SystemVersion)
+            return version;
+        return fact == platform::SystemFact::MediaVersion ? media : std::nullopt;
+    }
+    platform::TimeZone systemTimeZone() const override { return zone; }
+
+  private:
+    platform::ScopedService<platform::SystemInfo> service_{*this};
 };
 
 class FixedEvents final : public platform::EventSource {

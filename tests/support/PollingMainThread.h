@@ -2,9 +2,9 @@
 
 #include "platform/MainThread.h"
 
-#include <algorithm>
 #include <chrono>
 #include <functional>
+#include <map>
 #include <memory>
 #include <poll.h>
 #include <utility>
@@ -19,9 +19,8 @@ class PollingMainThread final : public platform::MainThread {
 
     std::unique_ptr<platform::Watch> watchReadable(int fileDescriptor,
                                                    std::function<void()> handler) override {
-        auto watch = std::make_unique<Descriptor>(*this, fileDescriptor, std::move(handler));
-        watches_.push_back(watch.get());
-        return watch;
+        handlers_[fileDescriptor] = std::move(handler);
+        return std::make_unique<Registration>(handlers_, fileDescriptor);
     }
 
     /// Handles what comes until @p done or the time is over; gives the last answer of @p done.
@@ -41,35 +40,31 @@ class PollingMainThread final : public platform::MainThread {
     int wakeUps() const { return wakeUps_; }
 
   private:
-    struct Descriptor final : platform::Watch {
-        Descriptor(PollingMainThread& owner, int fd, std::function<void()> code)
-            : loop(owner), descriptor(fd), handler(std::move(code)) {}
-        ~Descriptor() override { std::erase(loop.watches_, this); }
+    using Handlers = std::map<int, std::function<void()>>; // by descriptor
 
-        PollingMainThread& loop;
+    struct Registration final : platform::Watch {
+        Registration(Handlers& all, int fd) : handlers(all), descriptor(fd) {}
+        ~Registration() override { handlers.erase(descriptor); }
+
+        Handlers& handlers;
         int descriptor;
-        std::function<void()> handler;
     };
 
     void handleNext(int milliseconds) {
         std::vector<pollfd> descriptors;
-        for (const Descriptor* watch : watches_)
-            descriptors.push_back({watch->descriptor, POLLIN, 0});
+        for (const auto& [descriptor, handler] : handlers_)
+            descriptors.push_back({descriptor, POLLIN, 0});
         if (poll(descriptors.data(), descriptors.size(), milliseconds) > 0)
             ++wakeUps_;
-        for (const pollfd& ready : descriptors) {
-            const auto watch =
-                std::find_if(watches_.begin(), watches_.end(), [&](const Descriptor* candidate) {
-                    return candidate->descriptor == ready.fd;
-                });
-            if (ready.revents == 0 || watch == watches_.end())
-                continue;
-            const auto handler = (*watch)->handler; // which may destroy the watch
-            handler();
-        }
+        for (const pollfd& ready : descriptors)
+            if (const auto found = handlers_.find(ready.fd);
+                ready.revents != 0 && found != handlers_.end()) {
+                const auto handler = found->second; // which may destroy its watch
+                handler();
+            }
     }
 
-    std::vector<Descriptor*> watches_;
+    Handlers handlers_;
     int wakeUps_ = 0;
     platform::ScopedService<platform::MainThread> service_{*this};
 };

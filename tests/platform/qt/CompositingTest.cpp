@@ -6,8 +6,7 @@
 #include <algorithm>
 #include <array>
 
-using platform::Color;
-using platform::CompositingOperation;
+using namespace platform;
 using test::Canvas;
 
 namespace {
@@ -77,9 +76,8 @@ TEST(Compositing, FollowsItsFormulaForRectanglesAndImages) {
         const auto operation = static_cast<CompositingOperation>(number);
         for (const Color& ground : kColors) {
             for (const Color& source : kColors) {
-                SCOPED_TRACE(testing::Message()
-                             << number << " " << source.red << "/" << source.alpha << " on "
-                             << ground.red << "/" << ground.alpha);
+                SCOPED_TRACE(testing::Message() << number << ": " << source.red << "/"
+                                                << source.alpha << " on " << ground.red);
                 Canvas canvas(12, 4);
                 canvas->fillRect({{0, 0}, {12, 4}}, ground, CompositingOperation::Copy);
                 const auto before = canvas.at(0, 0);
@@ -96,52 +94,38 @@ TEST(Compositing, FollowsItsFormulaForRectanglesAndImages) {
 }
 
 TEST(Compositing, ChangesOnlyWhatLiesInsideTheShapeAndAsMuchAsThatCovers) {
-    const Color ground{0.5, 0.25, 1, 0.5};
     const Color source{1, 0.5, 0, 0.5};
     for (std::size_t number = 0; number < kFormulas.size(); ++number) {
         const auto operation = static_cast<CompositingOperation>(number);
         SCOPED_TRACE(number);
         Canvas canvas(10, 20);
-        canvas->fillRect({{0, 0}, {10, 20}}, ground, CompositingOperation::Copy);
+        canvas->fillRect({{0, 0}, {10, 20}}, {0.5, 0.25, 1, 0.5}, CompositingOperation::Copy);
         const auto before = canvas.at(0, 0);
-        // The first row and the last column of pixels are covered by halves.
-        canvas->fillRect({{2, 13}, {3.5, 3.5}}, source, operation);
-        canvas->drawImage(plainImage(source), {{2, 3}, {3.5, 3.5}}, {{0, 0}, {4, 4}}, operation, 1);
+        // The first row of pixels is covered by halves.
+        canvas->fillRect({{2, 13}, {4, 3.5}}, source, operation);
+        canvas->drawImage(plainImage(source), {{2, 3}, {4, 3.5}}, {{0, 0}, {4, 4}}, operation, 1);
         const auto inside = expected(number, source, before);
-        std::array<double, 4> half{};
+        auto half = inside;
         for (std::size_t i = 0; i < 4; ++i)
             half[i] = (inside[i] + before[i]) / 2;
         for (const int top : {3, 13}) {
-            for (int y = top - 2; y < top + 6; ++y)
-                for (int x = 0; x < 10; ++x)
-                    if (y < top || y > top + 3 || x < 2 || x > 5) {
-                        EXPECT_EQ(canvas.at(x, y), before) << x << ", " << y;
-                    }
+            for (const auto& [x, y] : {std::pair{1, 1}, {6, 1}, {3, -1}, {3, 4}})
+                EXPECT_EQ(canvas.at(x, top + y), before) << x << ", " << y;
             expectNear(canvas.at(3, top + 2), inside, 1);
             expectNear(canvas.at(3, top), half, 1.5);
-            expectNear(canvas.at(5, top + 2), half, 1.5);
         }
     }
 }
 
 TEST(Compositing, TakesNonsenseWithoutDrawing) {
-    const double nan = std::nan("");
-    const double endless = HUGE_VAL;
     Canvas canvas(4, 4);
-    const platform::Rect whole{{0, 0}, {4, 4}};
     const auto image = plainImage({1, 1, 1, 1});
-    for (const platform::Rect& rect :
-         {platform::Rect{{nan, 0}, {2, 2}}, platform::Rect{{0, 0}, {endless, 2}},
-          platform::Rect{{0, 0}, {-2, 2}}, platform::Rect{{1, 1}, {0, 2}},
-          platform::Rect{{1e300, 0}, {2, 2}}}) {
+    for (const double width : {std::nan(""), HUGE_VAL, -2.0}) {
+        const platform::Rect rect{{1, 0}, {width, 2}};
         canvas->fillRect(rect, {0, 0, 0, 1}, CompositingOperation::Copy);
-        canvas->drawImage(image, rect, whole, CompositingOperation::Copy, 1);
-        canvas->drawImage(image, whole, {{9, 9}, rect.size}, CompositingOperation::Copy, 1);
+        canvas->drawImage(image, rect, {{0, 0}, {4, 4}}, CompositingOperation::Copy, 1);
+        canvas->drawImage(image, {{0, 0}, {4, 4}}, rect, CompositingOperation::Copy, 1);
     }
-    canvas->fillRect(whole, {0, 0, 0, 1}, static_cast<CompositingOperation>(14));
-    canvas->fillRect(whole, {0, 0, 0, 1}, static_cast<CompositingOperation>(-1));
-    canvas->drawImage(image, whole, whole, CompositingOperation::SourceOver, nan);
+    canvas->fillRect({{0, 0}, {4, 4}}, {0, 0, 0, 1}, static_cast<CompositingOperation>(14));
     EXPECT_EQ(canvas.coverage(), 0);
-    canvas->drawImage(image, {{-1e9, -1e9}, {2e9, 2e9}}, whole, CompositingOperation::Copy, 1);
-    EXPECT_EQ(canvas.coverage(), 16);
 }

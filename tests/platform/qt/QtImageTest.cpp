@@ -36,54 +36,34 @@ QImage fourCorners() {
     return image;
 }
 
-void draw(Canvas& canvas, const QtImage& image, const Rect& destination, const Rect& source) {
+void draw(Canvas& canvas, const platform::Image& image, const Rect& destination,
+          const Rect& source) {
     canvas->drawImage(image, destination, source, CompositingOperation::SourceOver, 1);
-}
-
-std::array<int, 4> argb(const QColor& color) {
-    return {color.alpha(), color.red(), color.green(), color.blue()};
 }
 
 } // namespace
 
 TEST(QtImage, IsReadWithItsSiblingsAndDrawnFromTheOneThatFitsTheScale) {
     const test::TemporaryFolder folder;
-    ASSERT_TRUE(plain(5, 4, Qt::red).save(QString::fromStdString(folder.file("a.b.png"))));
-    ASSERT_TRUE(plain(10, 8, Qt::green).save(QString::fromStdString(folder.file("a.b@2x.png"))));
-    ASSERT_TRUE(plain(15, 12, Qt::blue).save(QString::fromStdString(folder.file("a.b@3x.png"))));
+    const QString base = QString::fromStdString(folder.file("a.b"));
+    ASSERT_TRUE(plain(5, 4, Qt::red).save(base + ".png"));
+    ASSERT_TRUE(plain(10, 8, Qt::green).save(base + "@2x.png"));
+    ASSERT_TRUE(plain(15, 12, Qt::blue).save(base + "@3x.png"));
     platform::qt::QtGraphics graphics;
     const auto image = graphics.imageWithContentsOfFile(folder.file("a.b.png"));
     ASSERT_TRUE(image);
     EXPECT_EQ(image->size(), (platform::Size{5, 4}));
-
-    struct Case {
-        double scale;
-        double stretch;
-        QColor color;
-    };
-    for (const auto& [scale, stretch, color] : {Case{0.5, 1, Qt::red},
-                                                {1, 1, Qt::red},
+    EXPECT_EQ(QtImage(plain(39, 20, Qt::red), 2.5).size(), (platform::Size{15.6, 8}));
+    for (const auto& [scale, stretch, color] : {std::tuple{0.5, 1, Qt::red},
                                                 {1.25, 1, Qt::green},
-                                                {2, 1, Qt::green},
-                                                {2.5, 1, Qt::blue},
-                                                {4, 1, Qt::blue},
-                                                {1, 2, Qt::green}}) {
+                                                {4.0, 1, Qt::blue},
+                                                {1.0, 2, Qt::green}}) {
         Canvas canvas(10, 8, scale);
-        canvas->drawImage(*image, {{0, 0}, {5 * stretch, 4 * stretch}}, {{0, 0}, {5, 4}},
-                          CompositingOperation::SourceOver, 1);
-        EXPECT_EQ(canvas.at(0, canvas.image().height() - 1), argb(color)) << scale;
+        draw(canvas, *image, {{0, 0}, {5.0 * stretch, 4.0 * stretch}}, {{0, 0}, {5, 4}});
+        EXPECT_EQ(canvas.image().pixelColor(0, canvas.image().height() - 1), QColor(color))
+            << scale;
         EXPECT_NEAR(canvas.coverage(), 20 * scale * scale * stretch * stretch, 0.1) << scale;
     }
-}
-
-TEST(QtImage, CountsItsSizeInPointsOfTheBase) {
-    EXPECT_EQ(QtImage(plain(39, 20, Qt::red), 2.5).size(), (platform::Size{15.6, 8}));
-    EXPECT_EQ(QtImage({{plain(6, 6, Qt::red), 2}, {plain(3, 4, Qt::red), 1}}).size(),
-              (platform::Size{3, 3}));
-    EXPECT_EQ(QtImage(QImage()).size(), platform::Size{});
-    Canvas canvas(4, 4);
-    draw(canvas, QtImage(QImage()), {{0, 0}, {4, 4}}, {{0, 0}, {1, 1}});
-    EXPECT_EQ(canvas.coverage(), 0);
 }
 
 TEST(QtImage, ThatCannotBeReadIsLoggedAndNull) {
@@ -92,19 +72,15 @@ TEST(QtImage, ThatCannotBeReadIsLoggedAndNull) {
     ASSERT_TRUE(plain(4, 4, Qt::red).save(QString::fromStdString(folder.file("fine.png"))));
     folder.write("fine@2x.png", "no image");
     folder.write("broken.png", "\x89PNG\r\n\x1a\nbroken");
-    folder.write("empty.png", "");
     // A header that claims 60000 x 60000 pixels of four bytes.
     folder.write("absurd.ppm", "P6 60000 60000 255\n");
     ASSERT_EQ(mkfifo(folder.file("pipe.png").c_str(), 0600), 0);
-    for (const char* name :
-         {"missing.png", "broken.png", "empty.png", "absurd.ppm", "pipe.png", "", "fine.png/x"}) {
+    for (const char* name : {"missing.png", "broken.png", "absurd.ppm", "pipe.png", ""}) {
         const std::string path = folder.file(name);
         EXPECT_EQ(QtImage::fromFile(path), nullptr) << name;
         EXPECT_THAT(log.take(), ElementsAre(StartsWith("image " + path + " cannot be read: ")));
     }
-    const auto image = QtImage::fromFile(folder.file("fine.png"));
-    ASSERT_TRUE(image);
-    EXPECT_EQ(image->pixelsForScale(2).size(), QSize(4, 4));
+    EXPECT_TRUE(QtImage::fromFile(folder.file("fine.png")));
     EXPECT_THAT(log.take(), ElementsAre(HasSubstr("fine@2x.png cannot be read: ")));
 }
 
@@ -115,22 +91,21 @@ TEST(QtImage, StandsUprightAndIsCutFromTheBottomLeft) {
         const int last = 10 * scale - 1;
         Canvas canvas(10, 10, scale);
         draw(canvas, image, {{0, 0}, {4, 4}}, {{0, 0}, {4, 4}});
-        EXPECT_EQ(canvas.at(0, last), argb(Qt::blue));
-        EXPECT_EQ(canvas.at(0, last - 4 * scale + 1), argb(Qt::red));
-        EXPECT_EQ(canvas.at(4 * scale - 1, last - 4 * scale + 1), argb(Qt::green));
+        EXPECT_EQ(canvas.image().pixelColor(0, last), QColor(Qt::blue));
+        EXPECT_EQ(canvas.image().pixelColor(0, last - 4 * scale + 1), QColor(Qt::red));
+        EXPECT_EQ(canvas.image().pixelColor(4 * scale - 1, last - 4 * scale + 1),
+                  QColor(Qt::green));
         EXPECT_EQ(canvas.ink(), QRect(0, 6 * scale, 4 * scale, 4 * scale));
         // Enlarged, no neighbour outside of the source rectangle shines in.
         draw(canvas, image, {{5, 5}, {4, 4}}, {{0, 2}, {2, 2}});
-        EXPECT_EQ(canvas.at(5 * scale, 5 * scale - 1), argb(Qt::red));
-        EXPECT_EQ(canvas.at(9 * scale - 1, scale), argb(Qt::red));
-        draw(canvas, image, {{5, 0}, {4, 4}}, {{2, 0}, {2, 2}});
-        EXPECT_EQ(canvas.at(5 * scale, 6 * scale), argb(Qt::white));
+        EXPECT_EQ(canvas.image().pixelColor(5 * scale, 5 * scale - 1), QColor(Qt::red));
+        EXPECT_EQ(canvas.image().pixelColor(9 * scale - 1, scale), QColor(Qt::red));
     }
     // What the source rectangle has beyond the image is empty, and the rest keeps its place.
     Canvas canvas(8, 8);
     draw(canvas, image, {{0, 0}, {8, 8}}, {{-2, -2}, {8, 8}});
     EXPECT_EQ(canvas.ink(), QRect(2, 2, 4, 4));
-    EXPECT_EQ(canvas.at(2, 5), argb(Qt::blue));
+    EXPECT_EQ(canvas.image().pixelColor(2, 5), QColor(Qt::blue));
 }
 
 TEST(QtImage, IsSmoothWhenScaled) {
@@ -138,16 +113,9 @@ TEST(QtImage, IsSmoothWhenScaled) {
     for (int x = 0; x < 16; x += 2)
         for (int y = 0; y < 16; ++y)
             stripes.setPixelColor(x, y, Qt::black);
-    const QtImage image(stripes);
     for (const double scale : {1.0, 1.25, 1.5}) {
         Canvas canvas(4, 4, scale);
-        draw(canvas, image, {{0, 0}, {4, 4}}, {{0, 0}, {16, 16}});
-        const int middle = canvas.image().width() / 2;
-        EXPECT_NEAR(canvas.alphaAt(middle, 1), 128, 24) << scale;
+        draw(canvas, QtImage(stripes), {{0, 0}, {4, 4}}, {{0, 0}, {16, 16}});
+        EXPECT_NEAR(canvas.alphaAt(canvas.image().width() / 2, 1), 128, 24) << scale;
     }
-    // Half a pixel aside, each stripe is spread over two.
-    Canvas canvas(20, 20);
-    draw(canvas, image, {{0.5, 0}, {16, 16}}, {{0, 0}, {16, 16}});
-    for (int x = 2; x < 14; ++x)
-        EXPECT_NEAR(canvas.alphaAt(x, 10), 128, 1) << x;
 }

@@ -8,15 +8,11 @@
 #include <QFontInfo>
 
 #include <cstdlib>
+#include <deque>
 #include <string>
 #include <vector>
 
-using platform::AttributedString;
-using platform::CompositingOperation;
-using platform::Font;
-using platform::Size;
-using platform::TextAttributes;
-using platform::TextDrawingMode;
+using namespace platform;
 using test::Canvas;
 using testing::ElementsAre;
 
@@ -36,46 +32,39 @@ TEST(Text, StandsUprightWithItsBoxsLowerLeftCornerAtThePoint) {
         const Size box = canvas.graphics().sizeOfText(text);
         canvas->drawText(text, {10, 12});
         const QRect ink = canvas.ink();
-        const QRectF place(10 * scale, (28 - box.height) * scale, box.width * scale,
-                           box.height * scale);
-        EXPECT_TRUE(place.adjusted(-1, -1, 1, 1).contains(ink));
-        // An L is a quarter narrower than the box is high; only its foot is broad.
-        EXPECT_NEAR(ink.width(), place.width(), 3 * scale);
+        const double bottom = 28 * scale;
+        EXPECT_NEAR(ink.left(), 10 * scale, 2 * scale);
+        EXPECT_NEAR(ink.width(), box.width * scale, 3 * scale);
+        // Only the foot of an L is broad, and what lies below the foot is the descent.
         const auto row = [&](int y) { return canvas.coverage(QRect(0, y, ink.right() + 1, 1)); };
         EXPECT_GT(row(ink.bottom()), 1.8 * row(ink.top() + 2));
-        // What lies below the foot is the descent.
-        EXPECT_NEAR(place.bottom() - ink.bottom() - 1, 0.236 * 14 * scale, 1 + scale / 2);
+        EXPECT_NEAR(bottom - ink.bottom() - 1, 0.236 * 14 * scale, 1 + scale / 2);
     }
 }
 
 TEST(Text, IsMeasuredByAdvanceWidthAndAscentPlusDescent) {
     Canvas canvas(60, 20);
-    const auto size = [&](const std::string& text, const TextAttributes& attributes = {}) {
-        return canvas.graphics().sizeOfText(AttributedString(text, attributes));
+    const auto size = [&](const std::string& text, double points = 0, bool bold = false) {
+        return canvas.graphics().sizeOfText(AttributedString(text, inFont("", points, bold)));
     };
+    const Size normal = size("abc");
+    const Size large = size("abc", 28);
+    EXPECT_EQ(canvas.graphics().sizeOfText(AttributedString("abc")), normal);
     EXPECT_EQ(size(""), Size{});
-    EXPECT_EQ(size("abc", inFont("", 0)), size("abc"));
-    EXPECT_NEAR(size("abcabc").width, 2 * size("abc").width, 0.1);
-    EXPECT_GT(size("abc ").width, size("abc").width);
-    EXPECT_EQ(size("a\nb\tc"), size("a b c"));
-    EXPECT_EQ(size("a\xE2\x80\xA8z"), size("a z"));
-    EXPECT_NEAR(size("abc", inFont("", 28)).width, 2 * size("abc").width, 0.1);
-    EXPECT_NEAR(size("abc", inFont("", 28)).height, 2 * size("abc").height, 0.5);
-    EXPECT_GT(size("abc", inFont("", 0, true)).width, size("abc").width);
-    EXPECT_EQ(size("abc", inFont("", 1e30)), size("abc", inFont("", 1024)));
-    EXPECT_EQ(size("abc", inFont("", std::nan(""))), size("abc"));
+    EXPECT_NEAR(size("abcabc").width, 2 * normal.width, 0.1);
+    EXPECT_GT(size("abc ").width, normal.width);
+    EXPECT_EQ(size("a\nb\tc\xE2\x80\xA8z"), size("a b c z"));
+    EXPECT_NEAR(large.width, 2 * normal.width, 0.1);
+    EXPECT_NEAR(large.height, 2 * normal.height, 0.5);
+    EXPECT_GT(size("abc", 0, true).width, normal.width);
+    EXPECT_EQ(size("abc", 1e30), size("abc", 1024));
+    EXPECT_EQ(size("abc", std::nan("")), normal);
 
     AttributedString mixed("abcabc");
     mixed.setAttributes(inFont("", 28), 3, 3);
     const Size both = canvas.graphics().sizeOfText(mixed);
-    EXPECT_NEAR(both.width, 3 * size("abc").width, 0.2);
-    EXPECT_EQ(both.height, size("abc", inFont("", 28)).height);
-
-    QFont large(QStringLiteral("DejaVu Sans"));
-    large.setPixelSize(28);
-    const platform::qt::ScopedContext inner(canvas.graphics(), canvas.image(), {60, 20}, 1,
-                                            Qt::black, large);
-    EXPECT_EQ(size("abc").height, both.height) << "the innermost context's font counts";
+    EXPECT_NEAR(both.width, 3 * normal.width, 0.2);
+    EXPECT_EQ(both.height, large.height);
 }
 
 TEST(Text, HasTheColourOfItsRunElseOfTheContext) {
@@ -97,95 +86,71 @@ TEST(Text, ChangesOnlyTheGlyphsPixelsWhateverTheOperation) {
     const AttributedString text("Xor 8", {{}, platform::Color{1, 0, 0, 1}, {}});
     Canvas glyphs(60, 20);
     glyphs->drawText(text, {5, 2});
-    for (const double ground : {1.0, 0.5, 0.0}) {
-        for (int number = 0; number < 14; ++number) {
-            Canvas canvas(60, 20);
-            canvas->fillRect({{0, 0}, {60, 20}}, {0, 0, 1, ground}, CompositingOperation::Copy);
-            const auto before = canvas.at(0, 0);
-            canvas->setCompositingOperation(static_cast<CompositingOperation>(number));
-            canvas->drawText(text, {5, 2});
-            for (int y = 0; y < 20; ++y) {
-                for (int x = 0; x < 60; ++x) {
-                    const double shape = glyphs.alphaAt(x, y) / 255.0;
-                    if (shape == 0) {
-                        ASSERT_EQ(canvas.at(x, y), before) << number << ": " << x << ", " << y;
-                    }
-                    if (number == 10) {
-                        // Opaque red: the ground leaves as the glyph comes, less where it was.
-                        ASSERT_NEAR(canvas.at(x, y)[3], (1 - shape) * before[3], 1.1);
-                        ASSERT_NEAR(canvas.at(x, y)[1], shape * (255 - before[0]), 1.1);
-                    }
-                }
+    for (int number = 0; number < 14; ++number) {
+        Canvas canvas(60, 20);
+        canvas->fillRect({{0, 0}, {60, 20}}, {0, 0, 1, 0.5}, CompositingOperation::Copy);
+        const auto before = canvas.at(0, 0);
+        canvas->setCompositingOperation(static_cast<CompositingOperation>(number));
+        canvas->drawText(text, {5, 2});
+        for (int y = 0; y < 20; ++y)
+            for (int x = 0; x < 60; ++x) {
+                const double shape = glyphs.alphaAt(x, y) / 255.0;
+                ASSERT_TRUE(shape > 0 || canvas.at(x, y) == before) << number << ": " << x;
+                if (number != 10)
+                    continue;
+                // Opaque red: the ground leaves as the glyph comes, less where it was.
+                ASSERT_NEAR(canvas.at(x, y)[3], (1 - shape) * before[3], 1.1);
+                ASSERT_NEAR(canvas.at(x, y)[1], shape * (255 - before[0]), 1.1);
             }
-        }
     }
 }
 
 TEST(Text, IsFilledOutlinedOrBothAsTheModeSays) {
-    const auto draw = [](TextDrawingMode mode) {
-        Canvas canvas(60, 60);
+    std::deque<Canvas> canvases;
+    for (const auto mode : {TextDrawingMode::Fill, TextDrawingMode::Stroke,
+                            TextDrawingMode::FillStroke, TextDrawingMode::Invisible}) {
+        Canvas& canvas = canvases.emplace_back(60, 60);
         canvas->setTextDrawingMode(mode);
-        if (mode == TextDrawingMode::Invisible)
-            canvas->setShadow({0, 0}, 4);
+        canvas->setShadow({0, 0}, mode == TextDrawingMode::Invisible ? 4 : 0);
         canvas->drawText(AttributedString("\u2588", inFont("", 40)), {10, 10});
-        const QRect ink = canvas.ink();
-        return std::array<double, 3>{
-            canvas.coverage(), static_cast<double>(ink.width()),
-            ink.isEmpty() ? 0.0 : canvas.alphaAt(ink.center().x(), ink.center().y())};
-    };
-    const auto fill = draw(TextDrawingMode::Fill);
-    const auto stroke = draw(TextDrawingMode::Stroke);
-    const auto both = draw(TextDrawingMode::FillStroke);
-    EXPECT_EQ(fill[2], 255);
-    EXPECT_EQ(stroke[2], 0);
-    EXPECT_EQ(both[2], 255);
-    EXPECT_GT(stroke[0], 2 * fill[1]);
-    EXPECT_LT(stroke[0], 0.5 * fill[0]);
-    EXPECT_GT(both[0], fill[0]);
-    EXPECT_EQ(draw(TextDrawingMode::Invisible)[0], 0);
+    }
+    const QRect box = canvases[0].ink();
+    const QRect middle = box.adjusted(5, 5, -5, -5);
+    const double area = middle.width() * middle.height();
+    for (const auto& [mode, inside] : {std::pair{0, area}, {1, 0.0}, {2, area}, {3, 0.0}})
+        EXPECT_NEAR(canvases[mode].coverage(middle), inside, 0.1) << mode;
+    EXPECT_GT(canvases[1].coverage(), 2 * box.width());
+    EXPECT_GT(canvases[2].coverage(), canvases[0].coverage());
+    EXPECT_EQ(canvases[3].coverage(), 0);
 }
 
 TEST(Text, OfAnyKindIsDrawn) {
     for (const std::string text :
-         {"\xFF\xFE", "a\xC3", "\xED\xA0\x80", "שלום", "مرحبا", "😀👩‍👩‍👧",
-          "e\u0301\u0301\u0301", "\u202E(abc)\u202C"}) {
+         {"\xFF\xFE", "a\xC3", "مرحبا", "😀👩‍👩‍👧", "e\u0301\u0301"}) {
         SCOPED_TRACE(text);
-        for (const auto operation : {CompositingOperation::SourceOver, CompositingOperation::XOR}) {
-            Canvas canvas(200, 30);
-            canvas->setCompositingOperation(operation);
-            AttributedString cut(text);
-            cut.setAttributes(inFont("", 16), 1, text.size() - 1);
-            canvas->drawText(cut, {20, 5});
-            EXPECT_GT(canvas.coverage(), 3);
-            EXPECT_GE(canvas.ink().left(), 18);
-            EXPECT_LE(canvas.ink().right(), 22 + canvas.graphics().sizeOfText(cut).width);
-        }
+        Canvas canvas(200, 30);
+        AttributedString cut(text);
+        cut.setAttributes(inFont("", 16), 1, text.size() - 1);
+        canvas->drawText(cut, {20, 5});
+        EXPECT_GT(canvas.coverage(), 3);
+        EXPECT_GE(canvas.ink().left(), 18);
+        EXPECT_LE(canvas.ink().right(), 22 + canvas.graphics().sizeOfText(cut).width);
     }
     Canvas canvas(10, 10);
-    canvas->drawText(AttributedString(std::string("a\0b", 3)), {std::nan(""), 0});
+    canvas->drawText(AttributedString("a"), {std::nan(""), 0});
     EXPECT_EQ(canvas.coverage(), 0);
-    // A run that begins within a character takes the whole of it.
-    AttributedString cut("\u00E9");
+    AttributedString cut("\u00E9"); // a run that begins within it takes the whole of it
     cut.setAttributes({}, 1, 1);
     EXPECT_EQ(canvas.graphics().sizeOfText(cut),
               canvas.graphics().sizeOfText(AttributedString("\u00E9")));
-    EXPECT_EQ(canvas.graphics().sizeOfText(AttributedString("\xFF")),
-              canvas.graphics().sizeOfText(AttributedString("\uFFFD")));
-    EXPECT_EQ(canvas.graphics().sizeOfText(AttributedString(std::string("a\0b", 3))),
-              canvas.graphics().sizeOfText(AttributedString("a b")));
 }
 
 TEST(Text, InAMissingFontIsLoggedOncePerFamilyAndDrawn) {
     test::RecordingLog log;
     Canvas canvas(60, 20);
-    for (int time = 0; time < 2; ++time) {
-        for (const char* family :
-             {"", "DejaVu Sans", "dejavu sans", "sans-serif", "Nowhere One", "Nowhere Two"}) {
-            const AttributedString text("abc", inFont(family, 12 + time));
-            EXPECT_GT(canvas.graphics().sizeOfText(text).width, 0);
-            canvas->drawText(text, {0, 2});
-        }
-    }
+    for (const double size : {12, 13})
+        for (const char* family : {"", "dejavu sans", "sans-serif", "Nowhere One", "Nowhere Two"})
+            canvas->drawText(AttributedString("abc", inFont(family, size)), {0, 2});
     EXPECT_GT(canvas.coverage(), 0);
     QFont missing(QStringLiteral("Nowhere One"));
     const std::string found = QFontInfo(missing).family().toStdString();
@@ -202,16 +167,11 @@ TEST(TextDeathTest, OnAMachineWithoutFontsIsLoggedOnce) {
     const auto draw = [] {
         test::RecordingLog log;
         Canvas canvas(200, 20);
-        for (const char* family : {"", "DejaVu Sans", "Nowhere"}) {
-            const AttributedString text("abc", inFont(family, 12));
-            canvas->setShadow({1, -1}, 2);
-            canvas->drawText(text, {0, 2});
-            canvas->setCompositingOperation(CompositingOperation::XOR);
-            canvas->drawText(text, {0, 2});
-        }
-        const bool once =
-            log.take() == std::vector<std::string>{"no font is installed, text is drawn as boxes"};
-        std::_Exit(once ? 0 : 1);
+        canvas->setShadow({1, -1}, 2);
+        for (const char* family : {"", "DejaVu Sans", "Nowhere"})
+            canvas->drawText(AttributedString("abc", inFont(family, 12)), {0, 2});
+        const std::string line = "no font is installed, text is drawn as boxes";
+        std::_Exit(log.take() == std::vector{line} ? 0 : 1);
     };
     EXPECT_EXIT(draw(), testing::ExitedWithCode(0), "");
     unsetenv("FONTCONFIG_FILE");

@@ -1,0 +1,44 @@
+#include "apps/ctl/Verbs.h"
+
+#include <cerrno>
+#include <filesystem>
+#include <string>
+#include <system_error>
+#include <unistd.h>
+#include <vector>
+
+namespace {
+
+/// The program that draws, beside the library in an installation and in a build tree.
+std::string drawingProgram() {
+    std::error_code none;
+    const auto self = std::filesystem::read_symlink("/proc/self/exe", none);
+    return (self.parent_path().parent_path() / "lib/halvex/halvex-draw").string();
+}
+
+/// Lets the program that draws take this one's place. It understands the words behind the verb.
+ExitStatus draw(const std::string& verb, std::vector<std::string> words) {
+    std::string program = drawingProgram();
+    words.insert(words.begin(), {program, verb});
+    std::vector<char*> arguments;
+    for (std::string& word : words)
+        arguments.push_back(word.data());
+    arguments.push_back(nullptr);
+    ::execv(program.c_str(), arguments.data());
+    return refuse(program + ": " + std::generic_category().message(errno));
+}
+
+} // namespace
+
+void addDrawingVerbs(CLI::App& commands, Action& chosen) {
+    const auto add = [&](const std::string& name, const std::string& description) {
+        CLI::App* verb = commands.add_subcommand(name, description);
+        verb->prefix_command();
+        verb->set_help_flag();
+        verb->callback([verb, name, &chosen] {
+            chosen = [name, words = verb->remaining()] { return draw(name, words); };
+        });
+    };
+    add("hud", "Draw the dark panel, or show it");
+    add("tint", "Tint an image");
+}

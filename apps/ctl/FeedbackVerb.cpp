@@ -1,0 +1,141 @@
+#include "apps/ctl/InputFiles.h"
+#include "apps/ctl/Verbs.h"
+#include "menuextras/MenuExtraTools.h"
+#include "platform/Bundle.h"
+#include "platform/SystemInfo.h"
+#include "platform/posix/PosixWorkspace.h"
+#include "ui/ovxFeedback.h"
+
+#include <charconv>
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+
+using platform::SystemFact;
+using platform::TimeZone;
+
+namespace {
+
+struct Options {
+    std::string product;
+    std::string bundle;
+    bool print = false;
+    std::optional<std::uint32_t> system;
+    std::optional<std::uint32_t> media;
+    std::optional<TimeZone> zone;
+};
+
+template <class Number>
+bool parse(std::string_view text, Number& number, int base) {
+    const char* const end = text.data() + text.size();
+    const auto result = std::from_chars(text.data(), end, number, base);
+    return result.ec == std::errc() && result.ptr == end;
+}
+
+bool parseVersion(std::string_view text, std::optional<std::uint32_t>& version) {
+    if (text.starts_with("0x") || text.starts_with("0X"))
+        text.remove_prefix(2);
+    return parse(text, version.emplace(), 16);
+}
+
+bool parseZone(std::string_view text, std::optional<TimeZone>& result) {
+    TimeZone& zone = result.emplace();
+    const auto first = text.find(',');
+    const auto last = text.rfind(',');
+    if (first == last)
+        return false;
+    zone.name = text.substr(0, first);
+    zone.abbreviation = text.substr(first + 1, last - first - 1);
+    return parse(text.substr(last + 1), zone.secondsFromGMT, 10);
+}
+
+/// The system's answers, but where the command line has its own.
+class StandInSystem final : public platform::SystemInfo {
+  public:
+    explicit StandInSystem(const Options& options) : options_(options) {}
+
+    std::optional<std::uint32_t> query(SystemFact fact) const override {
+        if (fact == SystemFact::SystemVersion && options_.system)
+            return options_.system;
+        if (fact == SystemFact::MediaVersion && options_.media)
+            return options_.media;
+        return real_.query(fact);
+    }
+    TimeZone systemTimeZone() const override {
+        return options_.zone ? *options_.zone : real_.systemTimeZone();
+    }
+
+  private:
+    const Options& options_;
+    const platform::SystemInfo& real_ = platform::systemInfo();
+    platform::ScopedService<platform::SystemInfo> guard_{*this};
+};
+
+/// Keeps the URL that is to be opened.
+class Letterbox final : public platform::posix::PosixWorkspace {
+  public:
+    std::optional<std::string> url;
+
+    bool openURL(const std::string& toOpen) override {
+        url = toOpen;
+        return true;
+    }
+
+  private:
+    platform::ScopedService<platform::Workspace> guard_{*this};
+};
+
+std::optional<std::string> feedbackURL(const std::shared_ptr<platform::Bundle>& bundle,
+                                       const Options& options) {
+    const StandInSystem system(options);
+    const Letterbox letterbox;
+    ovxFeedback::ovxSendFeedBackViaMail(bundle, options.product);
+    return letterbox.url;
+}
+
+ExitStatus send(const Options& options) {
+    const auto path = options.bundle.empty() ? HalvexMenuExtraTools::HalvexPrefsPanelPath()
+                                             : absolutePath(options.bundle);
+    std::string reason;
+    const auto bundle = path ? platform::Bundle::bundleWithPath(*path, &reason) : nullptr;
+    if (path && !bundle)
+        return refuse(*path + ": " + reason);
+    const auto url = feedbackURL(bundle, options);
+    if (!url)
+        return ExitStatus::Refused;
+    if (options.print)
+        return print(*url + '\n');
+    return platform::sharedWorkspace().openURL(*url)
+               ? ExitStatus::Done
+               : refuse("no mail program can be started: there is no xdg-open");
+}
+
+/// An option whose text @p parseText understands, or it is wrong usage.
+template <class Value>
+void addParsedOption(CLI::App& verb, const char* name, const char* description,
+                     std::optional<Value>& value,
+                     bool (*parseText)(std::string_view, std::optional<Value>&)) {
+    const auto parseAll = [&value, parseText](const CLI::results_t& texts) {
+        return parseText(texts.front(), value);
+    };
+    verb.add_option(name, parseAll, description);
+}
+
+} // namespace
+
+void addFeedbackVerb(CLI::App& commands, Action& chosen) {
+    const auto options = std::make_shared<Options>();
+    CLI::App* verb = commands.add_subcommand("feedback", "Write a mail to the product's support");
+    verb->add_option("PRODUCT", options->product, "The product's name")->required();
+    verb->add_option("--bundle", options->bundle,
+                     "Whose version to tell; the preference pane's without it");
+    verb->add_flag("--print", options->print, "Print the address instead of opening it");
+    addParsedOption(*verb, "--system", "The system's version, as 1045 for 10.4.5", options->system,
+                    parseVersion);
+    addParsedOption(*verb, "--media", "The media software's version, as 07168000 for 7.1.6",
+                    options->media, parseVersion);
+    addParsedOption(*verb, "--zone", "The time zone: NAME,ABBREVIATION,SECONDS", options->zone,
+                    parseZone);
+    verb->callback([options, &chosen] { chosen = [options] { return send(*options); }; });
+}

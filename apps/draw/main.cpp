@@ -1,0 +1,94 @@
+#include "apps/draw/Verbs.h"
+#include "platform/expat/ExpatPropertyLists.h"
+#include "platform/qt/Desktop.h"
+#include "platform/qt/QtGraphics.h"
+#include "platform/qt/QtImage.h"
+
+#include <QApplication>
+#include <QSaveFile>
+
+#include <cmath>
+#include <sstream>
+
+ExitStatus writePng(const platform::Image& image, const std::string& path) {
+    const auto& pixels = dynamic_cast<const platform::qt::QtImage&>(image).pixelsForScale(1);
+    if (pixels.isNull())
+        return refuse(path + ": an image without pixels cannot be written");
+    QSaveFile file(QString::fromStdString(path));
+    if (!file.open(QIODevice::WriteOnly) || !pixels.save(&file, "PNG") || !file.commit())
+        return refuse(path + ": " + file.errorString().toStdString());
+    return ExitStatus::Done;
+}
+
+std::vector<double> parsedNumbers(const std::string& option, const std::string& text,
+                                  const NumberFormat& format) {
+    std::istringstream stream(text + format.separator);
+    stream.imbue(std::locale::classic());
+    std::vector<double> numbers;
+    double number = 0;
+    char separator = 0;
+    while (stream >> std::noskipws >> number >> separator && separator == format.separator &&
+           number >= 0 && number <= format.largest)
+        numbers.push_back(number);
+    const bool whole = stream.eof() && separator == format.separator;
+    if (!whole || numbers.size() < format.least || numbers.size() > format.most)
+        throw CLI::ValidationError(option, "\"" + text + "\" is not what it takes");
+    return numbers;
+}
+
+namespace {
+
+void configureQt(Task::Needs needs) {
+    if (needs == Task::Needs::Drawing)
+        qputenv("QT_QPA_PLATFORM", "offscreen");
+    QCoreApplication::setApplicationName(QStringLiteral("halvexctl"));
+}
+
+bool hasDisplay() {
+    for (const char* variable : {"DISPLAY", "WAYLAND_DISPLAY", "QT_QPA_PLATFORM"})
+        if (!qEnvironmentVariableIsEmpty(variable))
+            return true;
+    return false;
+}
+
+ExitStatus draw(const Task& task) {
+    platform::qt::QtGraphics graphics;
+    graphics.setDrawingScale(1);
+    const platform::ScopedService<platform::Graphics> guard(graphics);
+    return task.run();
+}
+
+ExitStatus perform(const Task& task, int argc, char** argv) {
+    if (task.needs == Task::Needs::Desktop && !hasDisplay())
+        return refuse("there is no display to show anything on");
+    configureQt(task.needs);
+    platform::expat::install();
+    if (task.needs == Task::Needs::Drawing) {
+        const QGuiApplication application(argc, argv);
+        return draw(task);
+    }
+    const QApplication application(argc, argv);
+    platform::qt::install();
+    return task.run();
+}
+
+ExitStatus run(int argc, char** argv) {
+    Task task;
+    CLI::App commandLine("Draws for halvexctl.", "halvexctl");
+    commandLine.require_subcommand(1);
+    addHudVerb(commandLine, task);
+    addTintVerb(commandLine, task);
+    try {
+        commandLine.parse(argc, argv);
+    } catch (const CLI::ParseError& error) {
+        return commandLine.exit(error) == 0 ? finishOutput() : ExitStatus::WrongUsage;
+    }
+    return perform(task, argc, argv);
+}
+
+} // namespace
+
+int main(int argc, char** argv) {
+    prepareStandardStreams();
+    return static_cast<int>(run(argc, argv));
+}

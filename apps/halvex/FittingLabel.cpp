@@ -1,0 +1,37 @@
+#include "apps/halvex/FittingLabel.h"
+
+#include <QFontMetrics>
+
+namespace {
+constexpr int kSmallest = 9; // pixels
+}
+
+FittingLabel::FittingLabel(int pixels) : pixels_(pixels) {
+    setAlignment(Qt::AlignRight | Qt::AlignVCenter);
+    setTextFormat(Qt::PlainText);
+    setFixedHeight(pixels * 3 / 2);
+    setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Fixed);
+}
+
+void FittingLabel::showText(const QString& text) {
+    setText(text);
+    fit();
+}
+
+QSize FittingLabel::minimumSizeHint() const {
+    return {0, height()};
+}
+
+void FittingLabel::resizeEvent(QResizeEvent* event) {
+    QLabel::resizeEvent(event);
+    fit();
+}
+
+void FittingLabel::fit() {
+    QFont face = font();
+    int size = pixels_;
+    do
+        face.setPixelSize(size);
+    while (QFontMetrics(face).horizontalAdvance(text()) > width() - 4 && --size > kSmallest);
+    setFont(face);
+}

@@ -1,0 +1,60 @@
+#include "apps/support/DesktopAppearance.h"
+
+#include "apps/support/StartUp.h"
+
+#include <QApplication>
+#include <QDBusConnection>
+#include <QDBusMessage>
+#include <QDBusPendingCallWatcher>
+#include <QDBusPendingReply>
+#include <QPalette>
+
+namespace {
+
+constexpr const char* kService = "org.freedesktop.portal.Desktop";
+constexpr const char* kPath = "/org/freedesktop/portal/desktop";
+constexpr const char* kInterface = "org.freedesktop.portal.Settings";
+constexpr const char* kGroup = "org.freedesktop.appearance";
+constexpr const char* kKey = "color-scheme";
+constexpr uint kPreferDark = 1;
+
+/// The portal wraps the value of a setting once or twice.
+uint unwrapped(const QVariant& value) {
+    QVariant inner = value;
+    while (inner.canConvert<QDBusVariant>())
+        inner = inner.value<QDBusVariant>().variant();
+    return inner.toUInt();
+}
+
+} // namespace
+
+DesktopAppearance::DesktopAppearance() {
+    auto bus = QDBusConnection::sessionBus();
+    if (!bus.isConnected())
+        return;
+    bus.connect(kService, kPath, kInterface, "SettingChanged", this,
+                SLOT(settingChanged(QDBusMessage)));
+    auto message = QDBusMessage::createMethodCall(kService, kPath, kInterface, "Read");
+    message << kGroup << kKey;
+    message.setAutoStartService(false);
+    auto* call = new QDBusPendingCallWatcher(bus.asyncCall(message), this);
+    connect(call, &QDBusPendingCallWatcher::finished, this, [call] {
+        const QDBusPendingReply<QDBusVariant> reply = *call;
+        if (reply.isValid())
+            follow(unwrapped(reply.value().variant()));
+        call->deleteLater();
+    });
+}
+
+void DesktopAppearance::settingChanged(const QDBusMessage& message) {
+    const QVariantList arguments = message.arguments(); // group, key, value
+    if (arguments.size() == 3 && arguments[0] == kGroup && arguments[1] == kKey)
+        follow(unwrapped(arguments[2]));
+}
+
+void DesktopAppearance::follow(uint scheme) {
+    applyAppearance(Appearance::Desktop);
+    const bool isDark = QApplication::palette().color(QPalette::Window).lightness() < 128;
+    if (scheme == kPreferDark && !isDark)
+        applyAppearance(Appearance::Dark);
+}

@@ -1,0 +1,97 @@
+#include "apps/support/StartUp.h"
+
+#include "platform/Log.h"
+
+#include <QApplication>
+#include <QColor>
+#include <QPalette>
+
+#include <fontconfig/fontconfig.h>
+#include <malloc.h>
+#include <thread>
+
+using platform::logLine;
+
+namespace {
+
+QPalette lightPalette() {
+    QPalette palette(QColor(0xec, 0xec, 0xec));
+    palette.setColor(QPalette::Highlight, QColor(0x30, 0x70, 0xd0));
+    palette.setColor(QPalette::HighlightedText, Qt::white);
+    return palette;
+}
+
+QPalette darkPalette() {
+    QPalette palette(QColor(0x2b, 0x2b, 0x2d));
+    palette.setColor(QPalette::Mid, QColor(0x10, 0x10, 0x10));
+    palette.setColor(QPalette::Base, QColor(0x1e, 0x1e, 0x20)); // menus
+    palette.setColor(QPalette::Highlight, QColor(0x5a, 0x9c, 0xf8));
+    palette.setColor(QPalette::HighlightedText, Qt::black);
+    return palette;
+}
+
+} // namespace
+
+std::optional<Appearance> appearanceOfName(std::string_view name) {
+    if (name == "desktop")
+        return Appearance::Desktop;
+    if (name == "light")
+        return Appearance::Light;
+    if (name == "dark")
+        return Appearance::Dark;
+    return std::nullopt;
+}
+
+DisplayChoice::DisplayChoice() {
+    const bool display = !qEnvironmentVariableIsEmpty("DISPLAY");
+    set("QT_QPA_PLATFORM", display ? "xcb" : "offscreen");
+    // No GL is drawn with. And for pictures of a few kilobytes shared memory costs more than it
+    // saves: the server's word that it is done with it wakes two threads at every tick.
+    set("QT_XCB_GL_INTEGRATION", "none");
+    set("QT_XCB_NO_MITSHM", "1");
+    set("QT_NO_GLIB", "1"); // Qt's own event loop does less at each tick
+}
+
+DisplayChoice::~DisplayChoice() {
+    for (const char* name : set_)
+        qunsetenv(name);
+}
+
+void DisplayChoice::set(const char* name, const char* value) {
+    if (qEnvironmentVariableIsSet(name))
+        return;
+    qputenv(name, value);
+    set_.push_back(name);
+}
+
+std::unique_ptr<QApplication> startApplication(char** argv, const char* name) {
+    mallopt(M_ARENA_MAX, 1); // the few threads here would only scatter what little there is
+    logQtMessages();
+    // The list of fonts is read from many small files: beside the way to the X server, not after
+    // it.
+    const std::jthread fonts([] { FcInit(); });
+    static int qtArguments = 1; // the application object keeps its address
+    const DisplayChoice choice;
+    auto application = std::make_unique<QApplication>(qtArguments, argv);
+    application->setApplicationName(name);
+    return application;
+}
+
+void logQtMessages() {
+    qInstallMessageHandler([](QtMsgType, const QMessageLogContext&, const QString& message) {
+        // Offscreen there is no window manager to ask, which is no news.
+        if (!message.startsWith("This plugin does not support"))
+            logLine("Qt: %@", message.toStdString());
+    });
+}
+
+void applyAppearance(Appearance appearance) {
+    switch (appearance) {
+    case Appearance::Desktop:
+        return QApplication::setPalette(QPalette());
+    case Appearance::Light:
+        return QApplication::setPalette(lightPalette());
+    case Appearance::Dark:
+        return QApplication::setPalette(darkPalette());
+    }
+}

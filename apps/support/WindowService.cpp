@@ -1,0 +1,25 @@
+#include "apps/support/WindowService.h"
+
+#include <QDir>
+#include <QEvent>
+#include <QTimer>
+
+WindowService::WindowService(QObject& busObject, QWidget& window)
+    : QDBusAbstractAdaptor(&busObject), window_(window) {
+    window.installEventFilter(this);
+}
+
+bool WindowService::eventFilter(QObject* watched, QEvent* event) {
+    if (event->type() == QEvent::Show)
+        isAwaited_ = true;
+    if (event->type() == QEvent::Paint && isAwaited_) {
+        isAwaited_ = false;
+        // Once all of the window is drawn, and what was drawn is handed over.
+        QTimer::singleShot(0, this, &WindowService::Drawn);
+    }
+    return QDBusAbstractAdaptor::eventFilter(watched, event);
+}
+
+bool WindowService::Snapshot(const QString& path) {
+    return window_.isVisible() && QDir::isAbsolutePath(path) && window_.grab().save(path, "PNG");
+}

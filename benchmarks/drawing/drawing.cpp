@@ -1,0 +1,118 @@
+// Times the panel's background beside the plain fill of the same pixels, and tinting a large image
+// beside one source-over pass and beside Cairo. Prints the best of several runs, in milliseconds.
+
+#include "platform/qt/QtGraphics.h"
+#include "platform/qt/QtImage.h"
+#include "ui/HUDBackground.h"
+#include "ui/TintedImage.h"
+
+#include <QGuiApplication>
+#include <QPainter>
+
+#include <algorithm>
+#include <cairo.h>
+#include <chrono>
+#include <cstdio>
+#include <functional>
+#include <limits>
+#include <memory>
+
+using namespace platform;
+
+namespace {
+
+constexpr int kSide = 4096;
+constexpr auto kFormat = QImage::Format_ARGB32_Premultiplied;
+
+double best(int runs, const std::function<void()>& code) {
+    using Clock = std::chrono::steady_clock;
+    double least = std::numeric_limits<double>::max();
+    for (int run = 0; run < runs; ++run) {
+        const auto start = Clock::now();
+        code();
+        least = std::min(least,
+                         std::chrono::duration<double, std::milli>(Clock::now() - start).count());
+    }
+    return least;
+}
+
+void report(const char* what, double milliseconds) {
+    std::printf("%-52s %10.3f ms\n", what, milliseconds);
+}
+
+/// The background and the plain fill are both painted on new, cleared pixels.
+void compareBackground(Size size, int runs) {
+    std::printf("background of %.0f x %.0f\n", size.width, size.height);
+    report("  the panel's", best(runs, [&] {
+               graphics().imageByDrawing(size, [&](GraphicsContext& context) {
+                   drawHUDBackground(context, size, "World Clock");
+               });
+           }));
+    report("  plain fill", best(runs, [&] {
+               QImage pixels(int(size.width), int(size.height), kFormat);
+               pixels.fill(Qt::transparent);
+               QPainter painter(&pixels);
+               painter.fillRect(pixels.rect(), QColor::fromRgbF(0.1F, 0.1F, 0.1F, 0.75F));
+           }));
+}
+
+/// Every alpha and a bit of every colour.
+QImage testPicture() {
+    QImage picture(kSide, kSide, kFormat);
+    for (int y = 0; y < kSide; ++y) {
+        auto* const row = reinterpret_cast<QRgb*>(picture.scanLine(y));
+        for (int x = 0; x < kSide; ++x)
+            row[x] = qPremultiply(qRgba(x & 255, y & 255, (x ^ y) & 255, (x + y) & 255));
+    }
+    return picture;
+}
+
+/// What tintedImageWithColor does, in Cairo's words.
+void tintWithCairo(cairo_surface_t* image) {
+    cairo_surface_t* const result = cairo_image_surface_create(CAIRO_FORMAT_ARGB32, kSide, kSide);
+    cairo_t* const context = cairo_create(result);
+    cairo_set_source_surface(context, image, 0, 0);
+    cairo_paint(context);
+    cairo_set_operator(context, CAIRO_OPERATOR_ATOP);
+    cairo_set_source_rgba(context, 1, 0, 0, 0.25);
+    cairo_paint(context);
+    cairo_destroy(context);
+    cairo_surface_flush(result);
+    cairo_surface_destroy(result);
+}
+
+void compareTint(int runs) {
+    std::printf("tint of %d x %d\n", kSide, kSide);
+    QImage picture = testPicture();
+    const qt::QtImage image(picture);
+    const Rect whole{{}, image.size()};
+    report("  tinted image", best(runs, [&] {
+               HalvexTintedImage::tintedImageWithColor(image, {1, 0, 0, 1});
+           }));
+    report("  one source-over pass onto new, cleared pixels", best(runs, [&] {
+               graphics().imageByDrawing(whole.size, [&](GraphicsContext& context) {
+                   context.drawImage(image, whole, whole, CompositingOperation::SourceOver, 1);
+               });
+           }));
+    QImage ground(kSide, kSide, kFormat);
+    ground.fill(Qt::white);
+    report("  one source-over pass onto pixels in use",
+           best(runs, [&] { QPainter(&ground).drawImage(0, 0, picture); }));
+    cairo_surface_t* const surface = cairo_image_surface_create_for_data(
+        picture.bits(), CAIRO_FORMAT_ARGB32, kSide, kSide, int(picture.bytesPerLine()));
+    report("  Cairo", best(runs, [&] { tintWithCairo(surface); }));
+    cairo_surface_destroy(surface);
+}
+
+} // namespace
+
+int main(int argc, char** argv) {
+    qputenv("QT_QPA_PLATFORM", "offscreen");
+    const QGuiApplication application(argc, argv);
+    qt::QtGraphics painter;
+    painter.setDrawingScale(1);
+    const ScopedService<Graphics> service(painter);
+    compareBackground({320, 200}, 200);
+    compareBackground({3840, 2160}, 20);
+    compareTint(10);
+}

@@ -1,0 +1,112 @@
+// How a menu extra hands the background application a request: it finds or starts the application
+// on a thread of its own, and notifies it from the main thread.
+
+#include "menubar/HalvexMenuExtraBase.h"
+#include "menuextras/ExportedIdentifiers.h"
+#include "platform/Clock.h"
+#include "platform/DetachedThread.h"
+#include "platform/Log.h"
+#include "platform/MainThread.h"
+#include "platform/Notifications.h"
+#include "platform/Workspace.h"
+#include "prefs/HalvexPrefsTools.h"
+
+#include <atomic>
+#include <utility>
+
+using namespace platform;
+
+namespace {
+
+constexpr int kSleeps = 200;
+constexpr std::uint64_t kSleepMicroseconds = 250'000;
+
+// The flag is an exported integer, read and written from several threads.
+void setRunning(bool running) {
+    std::atomic_ref(gHalvexisrunning).store(running ? 1 : 0);
+}
+
+bool isRunning() {
+    return std::atomic_ref(gHalvexisrunning).load() != 0;
+}
+
+void waitUntilRunning() {
+    for (int left = kSleeps; !isRunning() && left > 0; --left)
+        systemClock().sleep(kSleepMicroseconds);
+}
+
+/// Which process it is that has just been started is only known from a new search.
+void bringBackgroundApplicationToFront() {
+    ProcessSerialNumber process = 0;
+    if (HalvexPrefsTools::findHalvexBGProcess(&process))
+        sharedWorkspace().bringToFront(process);
+}
+
+void openBackgroundApplication(const std::optional<std::string>& path) {
+    const bool opened = path && sharedWorkspace().openFile(*path);
+    if (opened && myDebug == 0)
+        bringBackgroundApplicationToFront();
+    else
+        logLine("Halvex Time - launching Halvex.app - %@", path);
+}
+
+} // namespace
+
+void HalvexMenuExtraBase::HalvexPrefs(const MenuItem*) {
+    HalvexPrefsTools::HalvexOpenPrefs();
+}
+
+void HalvexMenuExtraBase::OpenCalculator(const MenuItem*) {
+    detachThread([self = sharedSelf()]() mutable {
+        self->HalvexLaunchThread("HalvexShowCalculatorNotification");
+        // An item whose last holder this is goes on the main thread, like any other.
+        mainThread().perform([last = std::move(self)] {}, MainThread::Wait::No);
+    });
+}
+
+void HalvexMenuExtraBase::HalvexLaunchThread(const std::optional<std::string>& name) {
+    setRunning(false);
+    const auto notify = [self = sharedSelf(), name] { self->notifyHalvex2(name); };
+    ProcessSerialNumber process = 0;
+    if (HalvexPrefsTools::findHalvexBGProcess(&process)) {
+        setRunning(true);
+        sharedWorkspace().bringToFront(process);
+        mainThread().perform(notify, MainThread::Wait::No);
+        return;
+    }
+    const auto path = HalvexPrefsTools::getHalvexBGApplicationPath();
+    observeLaunches();
+    openBackgroundApplication(path);
+    waitUntilRunning();
+    if (name)
+        mainThread().perform(notify, MainThread::Wait::UntilDone);
+}
+
+void HalvexMenuExtraBase::notifyHalvex2(const std::optional<std::string>& name) {
+    if (name)
+        distributedNotificationCenter().post({.name = *name, .object = {}, .userInfo = {}});
+}
+
+void HalvexMenuExtraBase::HalvexLaunched(const Notification& notification) {
+    const PropertyList* name = notification.userInfo.find(hxNSApplicationName);
+    const bool isHalvex = name && name->string() == "Halvex";
+    if (!isHalvex && !HalvexPrefsTools::findHalvexBGProcess(nullptr))
+        return;
+    setRunning(true);
+    distributedNotificationCenter().removeObserver(weak_from_this(), kDidLaunchApplication);
+    sharedWorkspace().notificationCenter().removeObserver(weak_from_this(), kDidLaunchApplication);
+}
+
+void HalvexMenuExtraBase::observeLaunches() {
+    // The centres keep an observer while they call it, so the item itself need not be held here.
+    const auto launched = [this](const Notification& notification) {
+        HalvexLaunched(notification);
+    };
+    distributedNotificationCenter().addObserver(weak_from_this(), kDidLaunchApplication, launched);
+    sharedWorkspace().notificationCenter().addObserver(weak_from_this(), kDidLaunchApplication,
+                                                       launched);
+}
+
+std::shared_ptr<HalvexMenuExtraBase> HalvexMenuExtraBase::sharedSelf() {
+    return std::static_pointer_cast<HalvexMenuExtraBase>(shared_from_this());
+}

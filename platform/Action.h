@@ -1,0 +1,38 @@
+#pragma once
+
+#include <memory>
+#include <string>
+
+/// Messages by name, as controls send them to who asked for it. Main thread.
+namespace platform {
+
+/// The name of a message, "closeIt:"; an empty one is none.
+using Selector = std::string;
+
+/// What sends actions: a panel or a control.
+class ActionSender {
+  public:
+    ActionSender() = default;
+    virtual ~ActionSender();
+    ActionSender(const ActionSender&) = delete;
+    ActionSender& operator=(const ActionSender&) = delete;
+};
+
+/// What takes actions. Senders hold it weakly: one that is gone is not called.
+class ActionTarget {
+  public:
+    ActionTarget() = default;
+    virtual ~ActionTarget();
+    ActionTarget(const ActionTarget&) = delete;
+    ActionTarget& operator=(const ActionTarget&) = delete;
+
+    virtual bool respondsToSelector(const Selector& selector) const = 0;
+    /// Called for a selector that it responds to.
+    virtual void performSelector(const Selector& selector, ActionSender& sender) = 0;
+};
+
+/// Sends an action to a target that still exists and responds to it; otherwise does nothing.
+void sendAction(const Selector& action, const std::weak_ptr<ActionTarget>& target,
+                ActionSender& sender);
+
+} // namespace platform

@@ -1,0 +1,28 @@
+#pragma once
+
+#include "platform/Service.h"
+
+#include <optional>
+#include <string>
+
+namespace platform {
+
+/// Runs scripts that tell applications what to do. Safe from any thread; may block for seconds.
+class ScriptRunner {
+  public:
+    ScriptRunner() = default;
+    virtual ~ScriptRunner();
+    ScriptRunner(const ScriptRunner&) = delete;
+    ScriptRunner& operator=(const ScriptRunner&) = delete;
+
+    /// Why the script could not be run, for people; nothing when it was.
+    virtual std::optional<std::string> run(const std::string& script) = 0;
+};
+
+/// Until a host installs another one: one that understands a single script, which activates
+/// "System Preferences" and sets its current pane.
+ScriptRunner& scriptRunner();
+template <>
+ScriptRunner* exchangeService<ScriptRunner>(ScriptRunner* service);
+
+} // namespace platform

@@ -1,0 +1,47 @@
+#pragma once
+
+#include "platform/Service.h"
+
+#include <cstdint>
+#include <optional>
+#include <string>
+
+namespace platform {
+
+/// What a program can ask about the machine and its system.
+enum class SystemFact {
+    SystemVersion, ///< 0x1045 is 10.4.5: the major part binary-coded decimal, then four bits each
+    BusClock,
+    ProcessorClock,
+    LogicalMemory,
+    PhysicalMemory,
+    MediaVersion, ///< 0x07168000 is 7.1.6: the same in the upper 16 bits
+};
+
+struct TimeZone {
+    std::string name;         ///< as the tz database has it: "Europe/Paris"
+    std::string abbreviation; ///< "CET"
+    std::int32_t secondsFromGMT = 0;
+};
+
+/// The machine, its system, and the place it stands in. Safe from any thread.
+class SystemInfo {
+  public:
+    SystemInfo() = default;
+    virtual ~SystemInfo();
+    SystemInfo(const SystemInfo&) = delete;
+    SystemInfo& operator=(const SystemInfo&) = delete;
+
+    /// Nothing when the system does not know.
+    virtual std::optional<std::uint32_t> query(SystemFact fact) const = 0;
+
+    /// The system's time zone, as it is at this moment.
+    virtual TimeZone systemTimeZone() const = 0;
+};
+
+/// What the process knows of its system; the system's own answers until a host installs others.
+SystemInfo& systemInfo();
+template <>
+SystemInfo* exchangeService<SystemInfo>(SystemInfo* service);
+
+} // namespace platform

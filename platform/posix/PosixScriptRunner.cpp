@@ -1,0 +1,44 @@
+#include "platform/posix/PosixScriptRunner.h"
+
+#include "platform/posix/Defaults.h"
+#include "platform/posix/SystemPreferences.h"
+
+#include <string_view>
+
+namespace platform::posix {
+namespace {
+
+constexpr std::string_view kBefore =
+    "tell application \"System Preferences\"\nactivate\nset the current pane to pane id \"";
+constexpr std::string_view kAfter = "\"\nend tell\n";
+
+/// A quotation mark or a line's end would be more script, and no part of an identifier.
+std::optional<std::string> identifierIn(std::string_view script) {
+    const bool framed = script.size() > kBefore.size() + kAfter.size() &&
+                        script.starts_with(kBefore) && script.ends_with(kAfter);
+    if (!framed)
+        return std::nullopt;
+    script.remove_prefix(kBefore.size());
+    script.remove_suffix(kAfter.size());
+    const bool plain = script.find_first_of(std::string_view("\"\\\r\n\0", 5)) == script.npos;
+    return plain ? std::optional(std::string(script)) : std::nullopt;
+}
+
+} // namespace
+
+std::optional<std::string> PosixScriptRunner::run(const std::string& script) {
+    const auto identifier = identifierIn(script);
+    if (!identifier)
+        return "only a script is understood that selects a pane of System Preferences";
+    std::string reason;
+    if (startSystemPreferences({"--select", *identifier}, reason))
+        return std::nullopt;
+    return reason;
+}
+
+ScriptRunner& defaultScriptRunner() {
+    static PosixScriptRunner runner;
+    return runner;
+}
+
+} // namespace platform::posix

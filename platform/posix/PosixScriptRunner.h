@@ -1,0 +1,18 @@
+#pragma once
+
+#include "platform/ScriptRunner.h"
+
+namespace platform::posix {
+
+/// Knows one script, which it answers by starting the preferences' program:
+///
+///     tell application "System Preferences"
+///     activate
+///     set the current pane to pane id "IDENTIFIER"
+///     end tell
+class PosixScriptRunner final : public ScriptRunner {
+  public:
+    std::optional<std::string> run(const std::string& script) override;
+};
+
+} // namespace platform::posix

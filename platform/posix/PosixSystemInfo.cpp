@@ -1,0 +1,88 @@
+#include "platform/posix/PosixSystemInfo.h"
+
+#include "platform/posix/Defaults.h"
+
+#include <algorithm>
+#include <charconv>
+#include <cstdlib>
+#include <ctime>
+#include <filesystem>
+#include <sys/utsname.h>
+#include <system_error>
+#include <utility>
+
+namespace platform::posix {
+namespace {
+
+/// Takes the number at the beginning of @p text, and the dot after it, away from it.
+std::optional<std::uint32_t> takeNumber(std::string_view& text) {
+    std::uint32_t number = 0;
+    const char* const end = text.data() + text.size();
+    const auto [next, error] = std::from_chars(text.data(), end, number);
+    if (error != std::errc() && error != std::errc::result_out_of_range)
+        return std::nullopt;
+    text = std::string_view(next, end);
+    if (text.starts_with('.'))
+        text.remove_prefix(1);
+    else
+        text = {};
+    return error == std::errc() ? number : UINT32_MAX;
+}
+
+/// The name that a zone's file has in the tz database; empty for any other file.
+std::string zoneOfFile(const std::string& path) {
+    constexpr std::string_view kDatabase = "/zoneinfo/";
+    const auto found = path.find(kDatabase);
+    return found == std::string::npos ? "" : path.substr(found + kDatabase.size());
+}
+
+/// The name in the variable TZ; empty when that has none.
+std::string zoneOfEnvironment() {
+    const char* const value = std::getenv("TZ");
+    std::string_view zone = value ? value : "";
+    if (zone.starts_with(':'))
+        zone.remove_prefix(1);
+    return zone.starts_with('/') ? zoneOfFile(std::string(zone)) : std::string(zone);
+}
+
+} // namespace
+
+std::optional<std::uint32_t> codedVersion(std::string_view release) {
+    const auto major = takeNumber(release);
+    if (!major)
+        return std::nullopt;
+    const std::uint32_t whole = std::min(*major, 99U);
+    const std::uint32_t minor = std::min(takeNumber(release).value_or(0), 9U);
+    const std::uint32_t patch = std::min(takeNumber(release).value_or(0), 9U);
+    return (whole / 10) << 12 | (whole % 10) << 8 | minor << 4 | patch;
+}
+
+PosixSystemInfo::PosixSystemInfo(std::string zoneFile) : zoneFile_(std::move(zoneFile)) {}
+
+std::optional<std::uint32_t> PosixSystemInfo::query(SystemFact fact) const {
+    utsname system{};
+    if (fact != SystemFact::SystemVersion || ::uname(&system) != 0)
+        return std::nullopt;
+    return codedVersion(system.release);
+}
+
+TimeZone PosixSystemInfo::systemTimeZone() const {
+    const std::time_t now = std::time(nullptr);
+    std::tm local{};
+    tzset(); // localtime_r alone may keep to the zone that the process began with
+    localtime_r(&now, &local);
+    std::error_code ignored;
+    std::string name = zoneOfEnvironment();
+    if (name.empty() && !std::getenv("TZ"))
+        name = zoneOfFile(std::filesystem::read_symlink(zoneFile_, ignored).string());
+    return {.name = name.empty() ? local.tm_zone : name,
+            .abbreviation = local.tm_zone,
+            .secondsFromGMT = static_cast<std::int32_t>(local.tm_gmtoff)};
+}
+
+SystemInfo& defaultSystemInfo() {
+    static PosixSystemInfo info;
+    return info;
+}
+
+} // namespace platform::posix

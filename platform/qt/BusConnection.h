@@ -1,0 +1,31 @@
+#pragma once
+
+#include <mutex>
+#include <string>
+
+class QDBusConnection;
+
+namespace platform::qt {
+
+/// A connection of one's own to a bus, made when it is first asked for: the process's shared one
+/// wants an application object. Any thread.
+class BusConnection {
+  public:
+    /// @p busAddress is empty for the session bus. @p purpose is part of Qt's name for it.
+    BusConnection(std::string busAddress, std::string purpose);
+    ~BusConnection();
+    BusConnection(const BusConnection&) = delete;
+    BusConnection& operator=(const BusConnection&) = delete;
+
+    /// Connects, again when the bus has gone in the meantime. Whether that succeeded is to be
+    /// asked of the answer.
+    QDBusConnection get();
+
+  private:
+    const std::string busAddress_;
+    const std::string purpose_;
+    std::mutex mutex_;
+    std::string name_; // of Qt's; empty before the first time
+};
+
+} // namespace platform::qt

@@ -1,0 +1,52 @@
+#include "platform/qt/QtPanel.h"
+
+#include "platform/Log.h"
+#include "platform/qt/PanelWidget.h"
+
+#include <QApplication>
+
+namespace platform::qt {
+namespace {
+
+class QtPanelWindow final : public PanelWindow {
+  public:
+    explicit QtPanelWindow(Panel& panel) : widget_(new PanelWidget(panel)) {}
+    ~QtPanelWindow() override {
+        // It may be in the middle of telling the panel something.
+        widget_->forget();
+        widget_->hide();
+        widget_->deleteLater();
+    }
+
+    void setTitle(const std::string& title) override {
+        widget_->setWindowTitle(QString::fromStdString(title));
+        widget_->setAccessibleName(QString::fromStdString(title));
+    }
+    void setLook(const PanelLook& look) override { widget_->setLook(look); }
+    void setFrame(const Rect& frame, bool display, bool animate) override {
+        widget_->setFrame(frame, display, animate);
+    }
+    void addButton(const std::shared_ptr<Button>& button) override { widget_->addButton(button); }
+    void display() override { widget_->repaint(); }
+    void makeKeyAndOrderFront() override {
+        widget_->show();
+        widget_->raise();
+        widget_->activateWindow();
+        widget_->setFocus();
+    }
+    void orderOut() override { widget_->hide(); }
+
+  private:
+    PanelWidget* widget_;
+};
+
+} // namespace
+
+std::unique_ptr<PanelWindow> QtPanels::makeWindow(Panel& panel) {
+    if (qobject_cast<QApplication*>(QCoreApplication::instance()))
+        return std::make_unique<QtPanelWindow>(panel);
+    logLine("a panel needs a desktop, and this program has none");
+    return nullptr;
+}
+
+} // namespace platform::qt

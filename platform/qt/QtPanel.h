@@ -1,0 +1,13 @@
+#pragma once
+
+#include "platform/Panel.h"
+
+namespace platform::qt {
+
+/// Panels as windows of Qt's, see PanelWidget. Main thread, with a QApplication.
+class QtPanels final : public PanelService {
+  public:
+    std::unique_ptr<PanelWindow> makeWindow(Panel& panel) override;
+};
+
+} // namespace platform::qt

@@ -1,0 +1,83 @@
+#include "prefs/HalvexPrefsTools.h"
+
+#include "menuextras/ExportedIdentifiers.h"
+#include "menuextras/MenuExtraTools.h"
+#include "menuextras/PreferencePane.h"
+#include "platform/DetachedThread.h"
+#include "platform/Log.h"
+#include "platform/PathStrings.h"
+#include "platform/ScriptRunner.h"
+#include "platform/Workspace.h"
+
+using platform::logLine;
+
+namespace {
+
+/// Fills the script's one place. The identifier stands in it as it is.
+std::string selectingScript(const std::string& paneIdentifier) {
+    return platform::formatLogLine("tell application \"System Preferences\"\n"
+                                   "activate\n"
+                                   "set the current pane to pane id \"%@\"\n"
+                                   "end tell\n",
+                                   {paneIdentifier});
+}
+
+} // namespace
+
+std::shared_ptr<platform::Bundle> HalvexPrefsTools::HalvexPrefsBundle() {
+    if (auto loaded = loadedPreferencePane())
+        return loaded;
+    for (const char* place : {HalvexProPrefsAllUsers, "/Library/PreferencePanes/HalvexPro.prefPane",
+                              HalvexProPrefsAUser, "~/Library/PreferencePanes/HalvexPro.prefPane"})
+        if (auto pane = preferencePaneAt(place))
+            return pane;
+    return nullptr;
+}
+
+std::optional<std::string> HalvexPrefsTools::HalvexPrefsPath() {
+    if (const auto pane = HalvexPrefsBundle())
+        return pane->bundlePath();
+    logLine("Halvex Pref bundle not found.");
+    return std::nullopt;
+}
+
+std::optional<std::string> HalvexPrefsTools::HalvexOpenPrefs() {
+    auto path = HalvexPrefsPath();
+    if (!path)
+        return std::nullopt;
+    if (platform::sharedWorkspace().openFile(*path, "System Preferences"))
+        logLine("Halvex Prefs opened at: %@", path);
+    else
+        logLine("Halvex Prefs failed to open %@", path);
+    return path;
+}
+
+void HalvexPrefsTools::openPrefsSelected(const std::string& paneIdentifier) {
+    platform::detachThread([paneIdentifier] { openPrefsThread(paneIdentifier); });
+}
+
+void HalvexPrefsTools::openPrefsThread(const std::string& paneIdentifier) {
+    const std::string script = selectingScript(paneIdentifier);
+    if (const auto error = platform::scriptRunner().run(script))
+        logLine("AppleScript:%@\n error: %@", script, error);
+}
+
+std::optional<std::string> HalvexPrefsTools::getHalvexBGApplicationPath() {
+    if (const auto plugIns = HalvexMenuExtraTools::HalvexPrefsPlugins())
+        return platform::appendingPathComponent(*plugIns, "Halvex.app");
+    logLine("Halvex error: getHalvexPath failed\n");
+    return std::nullopt;
+}
+
+bool HalvexPrefsTools::findHalvexBGProcess(platform::ProcessSerialNumber* serialNumber) {
+    for (const platform::RunningProcess& process : platform::processList().processes()) {
+        if (process.name == "Halvex 2")
+            logLine("old Halvex 2 version running");
+        if (process.name != "Halvex")
+            continue;
+        if (serialNumber)
+            *serialNumber = process.serialNumber;
+        return true;
+    }
+    return false;
+}

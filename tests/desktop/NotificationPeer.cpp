@@ -1,0 +1,72 @@
+// A program on the other side of the distributed notifications.
+//
+//   peer post NAME COUNT   posts that many, numbered
+//   peer                   is the background application: announces its launch, and writes a line
+//                          with its process identifier to $HOME/requests for each "Request" until
+//                          "Quit"; to $HOME/activations when it is brought to the front
+
+#include "platform/Workspace.h"
+#include "platform/expat/ExpatPropertyLists.h"
+#include "platform/qt/BusNotifications.h"
+#include "platform/qt/Desktop.h"
+
+#include <QDBusConnection>
+#include <QDBusMessage>
+#include <QDBusVirtualObject>
+#include <QGuiApplication>
+
+#include <cstdlib>
+#include <fstream>
+#include <memory>
+#include <string>
+#include <unistd.h>
+
+using namespace platform;
+
+namespace {
+
+void write(const char* file) {
+    std::ofstream(std::string(std::getenv("HOME")) + '/' + file, std::ios::app) << getpid() << '\n';
+}
+
+/// Takes every method call for "Activate".
+class Activation final : public QDBusVirtualObject {
+  public:
+    QString introspect(const QString&) const override { return {}; }
+    bool handleMessage(const QDBusMessage& message, const QDBusConnection& bus) override {
+        if (message.interface() == "org.freedesktop.Application" && message.signature() == "a{sv}")
+            write("activations");
+        return bus.send(message.createReply());
+    }
+};
+
+int post(const std::string& name, int count) {
+    qt::BusNotifications center;
+    for (int number = 0; number < count; ++number)
+        center.post(
+            {.name = name, .object = {}, .userInfo = {{"number", number}, {"sender", getpid()}}});
+    center.flush();
+    return 0;
+}
+
+int beTheApplication() {
+    const auto self = std::make_shared<int>();
+    DistributedNotificationCenter& center = distributedNotificationCenter();
+    center.addObserver(self, "Request", [](const Notification&) { write("requests"); });
+    center.addObserver(self, "Quit", [](const Notification&) { QCoreApplication::quit(); });
+    Activation activation;
+    auto bus = QDBusConnection::sessionBus();
+    bus.registerVirtualObject("/test/Halvex", &activation);
+    bus.registerService("test.Halvex");
+    announceLaunch("Halvex");
+    return QCoreApplication::exec();
+}
+
+} // namespace
+
+int main(int argc, char** argv) {
+    const QGuiApplication application(argc, argv);
+    expat::install();
+    qt::install();
+    return argc == 4 ? post(argv[2], std::atoi(argv[3])) : beTheApplication();
+}

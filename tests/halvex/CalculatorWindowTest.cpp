@@ -1,0 +1,147 @@
+#include "apps/halvex/CalculatorWindow.h"
+
+#include "apps/halvex/FittingLabel.h"
+#include "apps/halvex/KeyButton.h"
+#include "apps/halvex/NumberText.h"
+
+#include <QApplication>
+#include <QClipboard>
+#include <QTest>
+
+#include <gtest/gtest.h>
+
+#include <set>
+
+namespace {
+
+const QLocale kGerman(QLocale::German, QLocale::Germany);
+const QLocale kEnglish(QLocale::English, QLocale::UnitedStates);
+const QLocale kFrench(QLocale::French, QLocale::France);
+
+std::string shown(const QWidget& window) {
+    return window.findChild<FittingLabel*>()->text().toStdString();
+}
+
+KeyButton* keyNamed(const QWidget& window, const QString& name) {
+    for (KeyButton* key : window.findChildren<KeyButton*>())
+        if (key->accessibleName() == name)
+            return key;
+    return nullptr;
+}
+
+TEST(CalculatorWindow, IsWorkedWithTheKeyboard) {
+    struct Case {
+        const char* typed;
+        Qt::Key last;
+        const char* shown;
+    };
+    const Case cases[] = {
+        {"1,5+2", Qt::Key_Return, "3,5"},
+        {"1.5*4", Qt::Key_Enter, "6"},
+        {"1000000x1000", Qt::Key_Equal, "1.000.000.000"},
+        {"7/0", Qt::Key_Return, "Cannot divide by zero"},
+        {"78", Qt::Key_Backspace, "7"},
+        {"200+10%", Qt::Key_Return, "220"},
+        {"12", Qt::Key_F9, "\u221212"},
+        {"3+4", Qt::Key_Escape, "0"},
+        {"12345678:0.0001", Qt::Key_Return, "123.456.780.000"},
+    };
+    for (const Case& c : cases) {
+        CalculatorWindow window(kGerman);
+        QTest::keyClicks(&window, c.typed);
+        QTest::keyClick(&window, c.last);
+        EXPECT_EQ(shown(window), c.shown) << c.typed;
+    }
+    CalculatorWindow window(kGerman);
+    QTest::keyClicks(&window, "5");
+    QTest::keyClick(&window, Qt::Key_P, Qt::ControlModifier);
+    QTest::keyClicks(&window, "7");
+    QTest::keyClick(&window, Qt::Key_R, Qt::ControlModifier);
+    EXPECT_EQ(shown(window), "5");
+}
+
+TEST(CalculatorWindow, HasANamedKeyForEverythingThatCanBeClicked) {
+    CalculatorWindow window(kGerman);
+    std::set<QString> names;
+    for (const KeyButton* key : window.findChildren<KeyButton*>())
+        EXPECT_TRUE(names.insert(key->accessibleName()).second) << key->text().toStdString();
+    const QStringList clicks{"1",           "0",   "Decimal sign",  "5",
+                             "Multiply",    "2",   "Equals",        "Memory add",
+                             "Change sign", "Add", "Memory recall", "Equals"};
+    for (const QString& name : clicks) {
+        ASSERT_TRUE(names.contains(name)) << name.toStdString();
+        QTest::mouseClick(keyNamed(window, name), Qt::LeftButton);
+    }
+    EXPECT_EQ(shown(window), "0");
+    EXPECT_EQ(keyNamed(window, "Decimal sign")->text(), ",");
+}
+
+TEST(CalculatorWindow, MarksTheOperatorThatWaitsAndOffersTheMemoryThatThereIs) {
+    CalculatorWindow window(kEnglish);
+    const KeyButton* recall = keyNamed(window, "Memory recall");
+    const KeyButton* multiply = keyNamed(window, "Multiply");
+    EXPECT_FALSE(recall->isEnabled());
+    QTest::keyClicks(&window, "6*");
+    EXPECT_TRUE(multiply->isChecked());
+    QTest::mouseClick(keyNamed(window, "Multiply"), Qt::LeftButton);
+    EXPECT_TRUE(multiply->isChecked()) << "a click does not take the mark away";
+    QTest::keyClicks(&window, "7");
+    EXPECT_FALSE(multiply->isChecked());
+    EXPECT_EQ(keyNamed(window, "Clear")->text(), "C");
+    QTest::mouseClick(keyNamed(window, "Memory add"), Qt::LeftButton);
+    EXPECT_TRUE(recall->isEnabled());
+    EXPECT_EQ(keyNamed(window, "Clear")->text(), "AC");
+}
+
+TEST(CalculatorWindow, CopiesAndPastesByTheLocalesSign) {
+    CalculatorWindow window(kGerman);
+    QClipboard* clipboard = QApplication::clipboard();
+    clipboard->setText(" 1.234,5\n");
+    window.paste();
+    EXPECT_EQ(shown(window), "1.234,5");
+    clipboard->setText("twelve");
+    window.paste();
+    EXPECT_EQ(shown(window), "1.234,5") << "what is no number changes nothing";
+    QTest::keyClicks(&window, "-2000=");
+    window.copy();
+    EXPECT_EQ(clipboard->text(), "-765,5");
+    QTest::keyClicks(&window, "/0=");
+    window.copy();
+    EXPECT_EQ(clipboard->text(), "-765,5") << "words are not copied";
+}
+
+TEST(NumberText, IsReadAndWrittenInTheLocalesWay) {
+    struct Case {
+        QLocale locale;
+        QString text;
+        const char* number;
+    };
+    const Case read[] = {
+        {kGerman, "0.5", "0.5"},
+        {kGerman, "1.234", "1234"},
+        {kGerman, "1.234.567,25", "1234567.25"},
+        {kGerman, "12.34", "12.34"},
+        {kGerman, "-,5", "-.5"},
+        {kEnglish, "1,234.5", "1234.5"},
+        {kEnglish, "+7", "7"},
+        {kEnglish, "\u22127e-3", "-7e-3"},
+        {kEnglish, "12,34,567", "1234567"},
+        {kFrench, "1 234,5", "1234.5"},
+        {kFrench, "1\u00a0234\u202f567", "1234567"},
+        {kEnglish, "\u0661\u0662", "12"},
+    };
+    for (const Case& c : read)
+        EXPECT_EQ(readNumber(c.text, c.locale), c.number) << c.text.toStdString();
+    const Case written[] = {
+        {kGerman, "\u22121.234.567,0625", "-1234567.0625"},
+        {kEnglish, "1,234,567.", "1234567."},
+        {kEnglish, "999", "999"},
+        {kEnglish, "1.5e20", "1.5e+20"},
+        {kGerman, "1,5e\u221220", "1.5e-20"},
+        {QLocale::c(), "1234567", "1234567"},
+    };
+    for (const Case& c : written)
+        EXPECT_EQ(shownNumber(c.number, c.locale).toStdString(), c.text.toStdString());
+}
+
+} // namespace

@@ -1,0 +1,179 @@
+#include "menubar/HalvexMenuExtraBase.h"
+#include "menuextras/ExportedIdentifiers.h"
+#include "platform/posix/PosixFileManager.h"
+#include "tests/support/Fakes.h"
+#include "tests/support/HandOverDesk.h"
+#include "tests/support/RecordingLog.h"
+#include "tests/support/ScopedEnvironment.h"
+#include "tests/support/TemporaryFolder.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <atomic>
+#include <thread>
+
+using namespace platform;
+using testing::Contains;
+using testing::ElementsAre;
+using testing::ElementsAreArray;
+using testing::IsEmpty;
+
+namespace {
+
+constexpr const char* kPane = "/Pane.prefPane";
+constexpr const char* kApplication = "/Pane.prefPane/Contents/PlugIns/Halvex.app";
+const std::string kLaunching = std::string("Halvex Time - launching Halvex.app - ") + kApplication;
+
+class BackgroundHandOver : public testing::Test {
+  protected:
+    void SetUp() override { Bundle::setCode(pane, Bundle::Code::Loaded); }
+    void TearDown() override {
+        Bundle::setCode(pane, Bundle::Code::Unloaded);
+        myDebug = 0;
+    }
+
+    test::RecordingLog log;
+    test::ManualClock clock;
+    test::HandOverDesk desk;
+    std::shared_ptr<Bundle> pane = std::make_shared<Bundle>(
+        kPane, PropertyList::Dictionary{{"CFBundleIdentifier", HalvexPrefsBundleID}});
+    std::shared_ptr<HalvexMenuExtraBase> extra = std::make_shared<HalvexMenuExtraBase>();
+};
+
+TEST_F(BackgroundHandOver, NotifiesARunningApplicationWithoutWaiting) {
+    desk.running = {"something", "Halvex"};
+    extra->HalvexLaunchThread("Request");
+    EXPECT_THAT(desk.journal(), ElementsAre("search", "front 2", "main"));
+    EXPECT_EQ(gHalvexisrunning, 1);
+    desk.runMainThread();
+    EXPECT_THAT(desk.journal(), ElementsAre("post Request"));
+    EXPECT_EQ(desk.observesLaunches(), std::pair(false, false));
+    EXPECT_THAT(clock.sleeps, IsEmpty());
+    EXPECT_THAT(log.take(), IsEmpty());
+}
+
+TEST_F(BackgroundHandOver, StartsAnAbsentApplicationAndWaitsForItsAnnouncement) {
+    std::pair observedBefore{false, false};
+    desk.onOpen = [&] {
+        observedBefore = desk.observesLaunches();
+        desk.running = {"Halvex"};
+    };
+    clock.duringSleep = [&] {
+        if (clock.sleeps.size() == 3)
+            desk.announce("Halvex");
+    };
+    extra->HalvexLaunchThread("Request");
+    EXPECT_EQ(observedBefore, std::pair(true, true));
+    EXPECT_THAT(desk.journal(), ElementsAre("search", std::string("open ") + kApplication, "search",
+                                            "front 1", "main, waiting", "post Request"));
+    EXPECT_THAT(clock.sleeps, ElementsAre(250'000, 250'000, 250'000));
+    EXPECT_EQ(desk.observesLaunches(), std::pair(false, false));
+    EXPECT_THAT(log.take(), IsEmpty());
+}
+
+TEST_F(BackgroundHandOver, LogsALaunchThatFailsOrIsWatchedAndPostsAfterFiftySecondsAllTheSame) {
+    const struct {
+        bool opens;
+        std::int32_t debug;
+    } cases[] = {{false, 0}, {true, 1}, {false, 2}};
+    for (const auto& [opens, debug] : cases) {
+        desk.opens = opens;
+        myDebug = debug;
+        gHalvexisrunning = 1;
+        clock.sleeps.clear();
+        extra->HalvexLaunchThread("Request");
+        EXPECT_THAT(desk.journal(), ElementsAre("search", std::string("open ") + kApplication,
+                                                "main, waiting", "post Request"));
+        EXPECT_THAT(clock.sleeps, ElementsAreArray(std::vector<std::uint64_t>(200, 250'000)));
+        EXPECT_THAT(log.take(), ElementsAre(kLaunching));
+        EXPECT_EQ(gHalvexisrunning, 0);
+        EXPECT_EQ(desk.observesLaunches(), std::pair(true, true));
+    }
+    desk.announce("Halvex");
+    EXPECT_EQ(gHalvexisrunning, 1) << "it is still listened for";
+    EXPECT_EQ(desk.observesLaunches(), std::pair(false, false));
+}
+
+TEST_F(BackgroundHandOver, OpensNothingWithoutAPane) {
+    Bundle::setCode(pane, Bundle::Code::Unloaded);
+    const test::TemporaryFolder empty;
+    const test::ScopedEnvironment home("HOME", empty.path().string());
+    posix::PosixFileManager files(empty.path().string());
+    const ScopedService<FileManager> filesInPlace(files);
+    extra->HalvexLaunchThread(std::nullopt);
+    EXPECT_THAT(desk.journal(), ElementsAre("search"));
+    EXPECT_THAT(log.take(), Contains("Halvex Time - launching Halvex.app - (null)"));
+}
+
+TEST_F(BackgroundHandOver, PostsNothingForNoName) {
+    extra->notifyHalvex2(std::nullopt);
+    desk.running = {"Halvex"};
+    extra->HalvexLaunchThread(std::nullopt);
+    desk.runMainThread();
+    EXPECT_THAT(desk.journal(), ElementsAre("search", "front 1", "main"));
+}
+
+TEST_F(BackgroundHandOver, OtherLaunchesCountOnlyWhenTheApplicationIsFound) {
+    desk.opens = false;
+    extra->HalvexLaunchThread(std::nullopt);
+    for (const char* other : {"Halvex 2", "halvex", "", "Editor"}) {
+        desk.announce(other);
+        EXPECT_EQ(gHalvexisrunning, 0) << other;
+    }
+    extra->HalvexLaunched({.name = kDidLaunchApplication, .object = {}, .userInfo = {}});
+    EXPECT_EQ(gHalvexisrunning, 0);
+    EXPECT_EQ(desk.observesLaunches(), std::pair(true, true));
+    desk.running = {"Halvex"};
+    desk.announce("Editor");
+    EXPECT_EQ(gHalvexisrunning, 1);
+    EXPECT_EQ(desk.observesLaunches(), std::pair(false, false));
+}
+
+TEST_F(BackgroundHandOver, HearsTheWorkspacesOwnAnnouncements) {
+    desk.onOpen = [] { announceLaunch("Halvex"); };
+    extra->HalvexLaunchThread("Request");
+    EXPECT_THAT(clock.sleeps, IsEmpty()) << "the key is the one that the exported name holds";
+}
+
+TEST_F(BackgroundHandOver, AnItemThatHasGoneHearsNothing) {
+    desk.opens = false;
+    extra->HalvexLaunchThread(std::nullopt);
+    gHalvexisrunning = 0;
+    extra.reset();
+    desk.announce("Halvex");
+    EXPECT_EQ(gHalvexisrunning, 0);
+    EXPECT_EQ(desk.observesLaunches(), std::pair(false, false));
+}
+
+TEST_F(BackgroundHandOver, OfTheCalculatorKeepsTheItemAndEndsItOnTheMainThread) {
+    std::atomic<bool> sleeping = false;
+    std::atomic<bool> awake = false;
+    clock.duringSleep = [&] {
+        sleeping = true;
+        while (!awake)
+            std::this_thread::yield();
+    };
+    const std::weak_ptr<HalvexMenuExtraBase> watched = extra;
+    extra->OpenCalculator(nullptr);
+    extra.reset();
+    while (!sleeping)
+        std::this_thread::yield();
+    EXPECT_FALSE(watched.expired());
+    desk.announce("Halvex"); // while the other thread reads the flag
+    awake = true;
+    std::vector<std::string> journal;
+    while (journal.empty() || journal.back() != "main") {
+        const auto more = desk.journal();
+        journal.insert(journal.end(), more.begin(), more.end());
+        std::this_thread::yield();
+    }
+    EXPECT_THAT(journal, Contains("post HalvexShowCalculatorNotification"));
+    EXPECT_FALSE(watched.expired()) << "until the main thread lets go";
+    while (!watched.expired()) {
+        desk.runMainThread(); // the journal is written before the queue
+        std::this_thread::yield();
+    }
+}
+
+} // namespace

@@ -1,0 +1,65 @@
+#include "platform/posix/PosixSystemInfo.h"
+
+#include "tests/support/ScopedEnvironment.h"
+#include "tests/support/TemporaryFolder.h"
+
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <sys/utsname.h>
+
+using platform::SystemFact;
+using platform::posix::codedVersion;
+using platform::posix::PosixSystemInfo;
+
+namespace {
+
+TEST(PosixSystemInfo, CodesTheKernelsVersion) {
+    const std::pair<std::string, std::optional<std::uint32_t>> cases[] = {
+        {"6.1.0-18-amd64", 0x0610}, {"5.15.148", 0x0599},    {"10.4.5", 0x1045},
+        {"6.9-rc1", 0x0690},        {"7", 0x0700},           {"123.4.99999999999", 0x9949},
+        {"6..3", 0x0600},           {"6.x.3", 0x0600},       {"99999999999.1", 0x9910},
+        {"", std::nullopt},         {"rc6.1", std::nullopt},
+    };
+    for (const auto& [release, version] : cases)
+        EXPECT_EQ(codedVersion(release), version) << release;
+
+    utsname system{};
+    ASSERT_EQ(uname(&system), 0);
+    const PosixSystemInfo info;
+    EXPECT_EQ(info.query(SystemFact::SystemVersion), codedVersion(system.release));
+    EXPECT_EQ(info.query(SystemFact::MediaVersion), std::nullopt);
+}
+
+TEST(PosixSystemInfo, TellsTheZoneThatTheEnvironmentAsksFor) {
+    struct Case {
+        const char *variable, *name, *abbreviation;
+        std::int32_t seconds;
+    };
+    const Case cases[] = {
+        {"Asia/Kolkata", "Asia/Kolkata", "IST", 19800},
+        {":Asia/Tokyo", "Asia/Tokyo", "JST", 32400},
+        {"/usr/share/zoneinfo/Pacific/Honolulu", "Pacific/Honolulu", "HST", -36000},
+        {"EST5", "EST5", "EST", -18000},
+        {"", "UTC", "UTC", 0},
+    };
+    for (const auto& [variable, name, abbreviation, seconds] : cases) {
+        const test::ScopedEnvironment zone("TZ", variable);
+        const auto found = PosixSystemInfo().systemTimeZone();
+        EXPECT_EQ(found.name, name);
+        EXPECT_EQ(found.abbreviation, abbreviation) << variable;
+        EXPECT_EQ(found.secondsFromGMT, seconds) << variable;
+    }
+}
+
+TEST(PosixSystemInfo, NamesTheSystemsZoneByTheLinkToIt) {
+    const test::ScopedEnvironment zone("TZ", std::nullopt);
+    const test::TemporaryFolder folder;
+    const auto link = folder.file("localtime");
+    std::filesystem::create_symlink("../usr/share/zoneinfo/America/New_York", link);
+    EXPECT_EQ(PosixSystemInfo(link).systemTimeZone().name, "America/New_York");
+    const auto unnamed = PosixSystemInfo(folder.write("copied", "TZif")).systemTimeZone();
+    EXPECT_EQ(unnamed.name, unnamed.abbreviation);
+}
+
+} // namespace

@@ -1,0 +1,273 @@
+#include "Canvas.h"
+#include "platform/qt/QtImage.h"
+#include "platform/qt/Truncation.h"
+#include "tests/support/RecordingLog.h"
+#include "ui/HUDBackground.h"
+#include "ui/TintedImage.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cmath>
+
+using namespace platform;
+using platform::qt::QtGraphics;
+using platform::qt::QtImage;
+
+namespace {
+
+constexpr auto kOver = CompositingOperation::SourceOver;
+constexpr int kTolerance = 6;
+
+/// Straight red, green, blue, alpha of a pixel, counted from the top left.
+std::array<int, 4> pixel(const Image& image, int x, int y, double scale = 1) {
+    const QColor color = dynamic_cast<const QtImage&>(image).pixelsForScale(scale).pixelColor(x, y);
+    return {color.red(), color.green(), color.blue(), color.alpha()};
+}
+
+const QImage& pixelsOf(const Image& image) {
+    return dynamic_cast<const QtImage&>(image).pixelsForScale(1);
+}
+
+class Drawing : public testing::Test {
+  protected:
+    Drawing() { graphics.setDrawingScale(1); }
+
+    QtGraphics graphics;
+    ScopedService<Graphics> service{graphics};
+    test::RecordingLog log;
+};
+
+TEST_F(Drawing, RoundsCanvasesUpAndLeavesWhatLiesBeyondTransparent) {
+    const struct {
+        Size size;
+        double scale;
+        QSize pixels;
+    } cases[] = {
+        {{100, 50}, 1, {100, 50}},   {{100.7, 50.2}, 1, {101, 51}}, {{100.7, 50.2}, 2, {202, 101}},
+        {{0.1 * 3, 1}, 10, {3, 10}}, {{0, 5}, 1, {0, 0}},           {{-4, 5}, 1, {0, 0}},
+    };
+    for (const auto& each : cases) {
+        graphics.setDrawingScale(each.scale);
+        const auto image = graphics.imageByDrawing(
+            each.size, [](GraphicsContext& context) { context.fillRect({}, {}, kOver); });
+        EXPECT_EQ(image->size(), each.size);
+        EXPECT_EQ(pixelsOf(*image).size(), each.pixels);
+    }
+    EXPECT_TRUE(log.take().empty());
+    const auto tooLarge = graphics.imageByDrawing({1e6, 1e6}, [](GraphicsContext& context) {
+        context.fillRect({{}, {1e6, 1e6}}, {}, kOver);
+    });
+    EXPECT_TRUE(pixelsOf(*tooLarge).isNull());
+    EXPECT_EQ(log.take().size(), 1U);
+    EXPECT_ANY_THROW(graphics.currentContext()) << "drawing is over";
+}
+
+TEST_F(Drawing, DrawsCanvasesOfFractionalSizeFromTheirLowerLeftCorner) {
+    const auto image = graphics.imageByDrawing({4.5, 4.5}, [](GraphicsContext& context) {
+        context.fillRect({{0, 0}, {2, 2}}, {1, 0, 0, 1}, kOver);
+    });
+    EXPECT_EQ(pixel(*image, 0, 4)[3], 255);
+    EXPECT_EQ(pixel(*image, 0, 2)[3], 0);
+    test::Canvas canvas(9, 9);
+    canvas->drawImage(*image, {{0, 0}, {4.5, 4.5}}, {{}, image->size()}, kOver, 1);
+    EXPECT_EQ(canvas.ink(), QRect(0, 7, 2, 2));
+}
+
+TEST(CornerArc, TouchesBothLinesOrIsNone) {
+    const auto arc = cornerArc({0, 50}, {100, 50}, {100, 0}, 6);
+    ASSERT_TRUE(arc);
+    EXPECT_NEAR(arc->start.x, 94, 1e-9);
+    EXPECT_NEAR(arc->start.y, 50, 1e-9);
+    EXPECT_NEAR(arc->end.x, 100, 1e-9);
+    EXPECT_NEAR(arc->end.y, 44, 1e-9);
+    // A circle around (94, 44): its middle lies at 45 degrees.
+    const double x =
+        (arc->start.x + 3 * arc->firstControl.x + 3 * arc->secondControl.x + arc->end.x) / 8;
+    EXPECT_NEAR(x, 94 + 6 / std::sqrt(2), 0.01);
+    const auto blunt = cornerArc({0, 0}, {10, 0}, {20, 10}, 3);
+    ASSERT_TRUE(blunt);
+    EXPECT_NEAR(10 - blunt->start.x, 3 * std::tan(std::acos(-1.0) / 8), 1e-9);
+    for (const auto& [from, corner, to, radius] :
+         {std::tuple(Point{1, 1}, Point{1, 1}, Point{5, 5}, 6.0),
+          std::tuple(Point{1, 1}, Point{5, 5}, Point{5, 5}, 6.0),
+          std::tuple(Point{1, 1}, Point{5, 5}, Point{9, 9}, 6.0),
+          std::tuple(Point{1, 1}, Point{5, 5}, Point{2, 2}, 6.0),
+          std::tuple(Point{0, 0}, Point{5, 0}, Point{5, 5}, 0.0)})
+        EXPECT_FALSE(cornerArc(from, corner, to, radius)) << corner.x << ' ' << to.x;
+}
+
+/// How much of a pixel lies in a circle, in 255ths.
+double circleCoverage(double centerX, double centerY, double radius, int x, int y) {
+    int hits = 0;
+    for (int i = 0; i < 256; ++i)
+        hits += std::hypot(x + (i % 16 + 0.5) / 16 - centerX, y + (i / 16 + 0.5) / 16 - centerY) <=
+                        radius
+                    ? 1
+                    : 0;
+    return hits * 255 / 256.0;
+}
+
+TEST_F(Drawing, PaintsThePanelsGroundWithRoundOuterAndSquareInnerCorners) {
+    for (const double scale : {1.0, 2.0}) {
+        SCOPED_TRACE(scale);
+        graphics.setDrawingScale(scale);
+        const Size size{100.7, 50};
+        const auto image = graphics.imageByDrawing(
+            size, [&](GraphicsContext& context) { drawHUDBackground(context, size, ""); });
+        const auto unit = static_cast<int>(scale);
+        const auto at = [&](int x, int y) { return pixel(*image, x, y, scale); };
+        const auto near = [](int value) {
+            return testing::AllOf(testing::Ge(value - 1), testing::Le(value + 1));
+        };
+        const auto is = [&](int white) {
+            return testing::ElementsAre(near(white), near(white), near(white), near(191));
+        };
+        EXPECT_THAT(at(50 * unit, 10 * unit), is(64));
+        EXPECT_THAT(at(50 * unit, 40 * unit), is(26));
+        // Square where they meet, without a seam.
+        EXPECT_THAT(at(0, 19 * unit - 1), is(64));
+        EXPECT_THAT(at(0, 19 * unit), is(26));
+        EXPECT_THAT(at(100 * unit - 1, 19 * unit), is(26));
+        EXPECT_EQ(at(100 * unit, 25 * unit)[3], 0) << "beyond the whole point";
+        for (int y = 0; y < 6 * unit; ++y)
+            for (int x = 0; x < 6 * unit; ++x) {
+                const double inside = 0.75 * circleCoverage(6 * scale, 6 * scale, 6 * scale, x, y);
+                for (const int column : {x, 100 * unit - 1 - x})
+                    for (const int row : {y, 50 * unit - 1 - y})
+                        EXPECT_NEAR(at(column, row)[3], inside, kTolerance) << column << ' ' << row;
+            }
+    }
+}
+
+TEST_F(Drawing, DrawsThePartsOfThePanelByThemselves) {
+    const auto part = [&](HUDPart which) {
+        return graphics.imageByDrawing({60, 40}, [&](GraphicsContext& context) {
+            drawHUDBackground(context, {60, 40}, "Wide", which);
+        });
+    };
+    const auto body = part(HUDPart::Body);
+    const auto bar = part(HUDPart::TitleBar);
+    EXPECT_EQ(pixel(*body, 30, 18)[3], 0);
+    EXPECT_EQ(pixel(*body, 30, 19)[3], 191);
+    EXPECT_EQ(pixel(*bar, 30, 19)[3], 0);
+    EXPECT_EQ(pixel(*bar, 5, 10)[3], 191);
+}
+
+/// The columns that are brighter than the title bar; null when none is.
+QRect titleInk(const Image& image) {
+    QRect ink;
+    const QImage& pixels = pixelsOf(image);
+    for (int y = 0; y < std::min(19, pixels.height()); ++y)
+        for (int x = 0; x < pixels.width(); ++x)
+            if (pixels.pixelColor(x, y).alpha() > 200)
+                ink |= QRect(x, y, 1, 1);
+    return ink;
+}
+
+TEST_F(Drawing, CentersTheTitleOrCutsItBetweenItsMargins) {
+    const auto ground = [&](double width, const std::string& title) {
+        const Size size{width, 60};
+        return titleInk(*graphics.imageByDrawing(
+            size, [&](GraphicsContext& context) { drawHUDBackground(context, size, title); }));
+    };
+    const QRect centered = ground(200, "Clock");
+    EXPECT_NEAR(centered.center().x(), 100, 2);
+    EXPECT_NEAR(centered.center().y(), 9, 2.5);
+    const QRect cut = ground(120, "A title that is much too wide for this panel");
+    EXPECT_GE(cut.left(), 19);
+    EXPECT_LT(cut.right(), 101);
+    EXPECT_GT(cut.width(), 65);
+    for (const double width : {38.0, 20.0, 3.0})
+        EXPECT_TRUE(ground(width, "Clock").isNull()) << width;
+    EXPECT_TRUE(ground(200, "").isNull());
+}
+
+TEST(Truncation, CutsBetweenCharactersAsPeopleCountThem) {
+    // Each byte a point wide, the ellipsis three.
+    const auto measure = [](const AttributedString& text) {
+        return Size{static_cast<double>(text.length()), 10};
+    };
+    const std::string accented = "e\u0301"; // three bytes, one character
+    const struct {
+        std::string text;
+        double width;
+        std::string expected;
+    } cases[] = {
+        {"short", 5, "short"},
+        {"somewhat longer", 9, "somewh\u2026"},
+        {"ab" + accented + "cdef", 7, "ab\u2026"},
+        {"ab" + accented + "cdef", 8, "ab" + accented + "\u2026"},
+        {"none fits", 2.9, ""},
+        {"bare ellipsis", 3, "\u2026"},
+        {std::string(1 << 22, 'x'), 8, "xxxxx\u2026"},
+    };
+    for (const auto& [text, width, expected] : cases)
+        EXPECT_EQ(qt::truncatedToWidth(AttributedString(text), width, measure).string(), expected);
+
+    AttributedString twoFonts("abcdefgh");
+    TextAttributes bold;
+    bold.font = Font{"", 0, true};
+    twoFonts.setAttributes(bold, 2, 6);
+    const auto cut = qt::truncatedToWidth(twoFonts, 7, measure);
+    EXPECT_EQ(cut.string(), "abcd\u2026");
+    EXPECT_EQ(cut.attributesAt(1), TextAttributes());
+    EXPECT_EQ(cut.attributesAt(cut.length() - 1), bold);
+}
+
+TEST_F(Drawing, TintsWhatIsPaintedAndLeavesTheReceiver) {
+    QImage icon(4, 1, QImage::Format_ARGB32);
+    const QRgb before[] = {qRgba(0, 0, 0, 255), qRgba(0, 0, 0, 0), qRgba(255, 255, 255, 255),
+                           qRgba(0, 0, 255, 128)};
+    for (int x = 0; x < 4; ++x)
+        icon.setPixel(x, 0, before[x]);
+    const QtImage image(icon);
+    const auto near = [](std::array<int, 4> wanted) {
+        return testing::Pointwise(testing::Truly([](const auto& pair) {
+                                      return std::abs(std::get<0>(pair) - std::get<1>(pair)) <= 2;
+                                  }),
+                                  wanted);
+    };
+    const auto red = HalvexTintedImage::tintedImageWithColor(image, {1, 0, 0, 1});
+    EXPECT_THAT(pixel(*red, 0, 0), near({64, 0, 0, 255}));
+    EXPECT_EQ(pixel(*red, 1, 0)[3], 0);
+    EXPECT_THAT(pixel(*red, 2, 0), near({255, 191, 191, 255}));
+    EXPECT_THAT(pixel(*red, 3, 0), near({64, 0, 191, 128}));
+    const auto solid =
+        HalvexTintedImage::tintedImageWithColor(image, {0, 1, 0, 0.5}, CompositingOperation::Copy);
+    for (int x = 0; x < 4; ++x)
+        EXPECT_THAT(pixel(*solid, x, 0), near({0, 255, 0, 128}));
+
+    const auto pattern = colorWithPatternImage(std::make_shared<QtImage>(icon));
+    const auto plain = HalvexTintedImage::tintedImageWithColor(image, pattern);
+    EXPECT_EQ(pixelsOf(*plain), pixelsOf(image)) << "a pattern tints nothing";
+    for (int x = 0; x < 4; ++x)
+        EXPECT_EQ(pixelsOf(image).pixelColor(x, 0).rgba(),
+                  QColor::fromRgba(qUnpremultiply(qPremultiply(before[x]))).rgba());
+    const auto nothing = HalvexTintedImage::tintedImageWithColor(QtImage(QImage()), {1, 0, 0, 1});
+    EXPECT_EQ(nothing->size(), Size());
+}
+
+TEST_F(Drawing, FillsWhatAPathWindsAroundByAnyOperation) {
+    BezierPath square;
+    square.moveToPoint({1, 1});
+    for (const Point corner : {Point{5, 1}, Point{5, 5}, Point{1, 5}})
+        square.lineToPoint(corner);
+    const Color ground{0, 0, 1, 0.5};
+    const Color source{1, 0, 0, 0.25};
+    for (int number = 0; number <= 13; ++number) {
+        const auto operation = static_cast<CompositingOperation>(number);
+        test::Canvas canvas(6, 6);
+        canvas->fillRect({{0, 0}, {6, 6}}, ground, CompositingOperation::Copy);
+        canvas->fillPath(square, source, operation);
+        test::Canvas wanted(6, 6);
+        wanted->fillRect({{0, 0}, {6, 6}}, ground, CompositingOperation::Copy);
+        wanted->fillRect({{1, 1}, {4, 4}}, source, operation);
+        for (const int x : {0, 1, 3, 5})
+            for (std::size_t i = 0; i < 4; ++i)
+                EXPECT_NEAR(canvas.at(x, 3)[i], wanted.at(x, 3)[i], 1) << number << " at " << x;
+    }
+}
+
+} // namespace

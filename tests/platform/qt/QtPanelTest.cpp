@@ -1,0 +1,172 @@
+#include "platform/qt/QtPanel.h"
+#include "platform/expat/ExpatPropertyLists.h"
+#include "platform/qt/PanelButton.h"
+#include "platform/qt/PanelWidget.h"
+#include "platform/qt/QtGraphics.h"
+#include "ui/HUDWindow.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <QAccessible>
+#include <QApplication>
+#include <QScreen>
+#include <QTest>
+
+using namespace platform;
+using platform::qt::PanelButton;
+using platform::qt::PanelWidget;
+using testing::ElementsAre;
+
+namespace {
+
+class Target final : public ActionTarget {
+  public:
+    std::vector<std::string> heard;
+    std::function<void()> after = [] {};
+
+    bool respondsToSelector(const Selector&) const override { return true; }
+    void performSelector(const Selector& selector, ActionSender&) override {
+        heard.push_back(selector);
+        after();
+    }
+};
+
+constexpr int kMargin = 14; // of the shadow around the frame
+
+/// A shown panel of 200 x 119 points with an "i" button; the mouse and the keys are the toolkit's.
+class ShownPanel : public testing::Test {
+  protected:
+    ShownPanel() {
+        platform::expat::install();
+        panel->initWithContentRect({{100, 200}, {200, 100}}, 0, BackingStore::Buffered, false);
+        panel->setTitle("Clock");
+        panel->setTarget(target);
+        panel->setAction("panel");
+        panel->addiButton({{}, {200, 100}}, target, "button");
+        panel->makeKeyAndOrderFront();
+        for (QWidget* window : QApplication::topLevelWidgets())
+            if (auto* found = qobject_cast<PanelWidget*>(window); found && found->isVisible())
+                widget = found;
+        EXPECT_TRUE(QTest::qWaitForWindowExposed(widget));
+    }
+
+    /// A point of the widget by its distance to the frame's top left corner.
+    static QPoint at(int x, int y) { return {kMargin + x, kMargin + y}; }
+    void drag(QPoint from, QPoint by) {
+        QTest::mousePress(widget, Qt::LeftButton, {}, from);
+        // The widget follows the mouse, so that what moves is where it is on the screen.
+        const QPoint start = widget->mapToGlobal(from);
+        for (const int part : {1, 2}) {
+            const QPoint now = start + by * part / 2;
+            QMouseEvent move(QEvent::MouseMove, widget->mapFromGlobal(now), now, Qt::NoButton,
+                             Qt::LeftButton, {});
+            QApplication::sendEvent(widget, &move);
+        }
+        QTest::mouseRelease(widget, Qt::LeftButton, {}, widget->mapFromGlobal(start + by));
+    }
+
+    qt::QtGraphics graphics;
+    ScopedService<Graphics> graphicsService{graphics};
+    qt::QtPanels panels;
+    ScopedService<PanelService> panelService{panels};
+    std::shared_ptr<Target> target = std::make_shared<Target>();
+    std::shared_ptr<HUDWindow> panel = std::make_shared<HUDWindow>();
+    QPointer<PanelWidget> widget;
+};
+
+TEST_F(ShownPanel, IsDraggedByItsBackgroundAndResizedByItsEdgesAndItsIndicator) {
+    const struct {
+        const char* name;
+        QPoint from;
+        QPoint by;
+        Rect frame;
+    } cases[] = {
+        {"background", at(80, 60), {40, 30}, {{140, 170}, {200, 119}}},
+        {"title", at(20, 10), {-40, -30}, {{100, 200}, {200, 119}}},
+        {"indicator", at(190, 110), {50, 20}, {{100, 180}, {250, 139}}},
+        {"right edge", at(248, 60), {-50, 7}, {{100, 180}, {200, 139}}},
+        {"lower edge", at(90, 137), {9, -20}, {{100, 200}, {200, 119}}},
+        {"upper left corner", at(1, 1), {-10, -20}, {{90, 200}, {210, 139}}},
+        {"and back", at(1, 1), {10, 20}, {{100, 200}, {200, 119}}},
+        {"to the smallest", at(198, 60), {-400, 0}, {{100, 200}, {76, 119}}},
+    };
+    for (const auto& each : cases) {
+        drag(each.from, each.by);
+        EXPECT_EQ(panel->frame(), each.frame)
+            << each.name << " " << panel->frame().origin.x << ' ' << panel->frame().origin.y << ' '
+            << panel->frame().size.width;
+        EXPECT_EQ(panel->look().backgroundColor.pattern->size(), each.frame.size) << each.name;
+        const int screen = QGuiApplication::primaryScreen()->geometry().height();
+        EXPECT_EQ(widget->geometry().top() + kMargin,
+                  screen - each.frame.origin.y - each.frame.size.height);
+    }
+    EXPECT_TRUE(target->heard.empty()) << "a drag is no click";
+    const Rect button = panel->contentView().buttons().front()->frame();
+    EXPECT_EQ(button.origin, (Point{76 - 16, 84}));
+    const auto* shown = widget->findChild<PanelButton*>();
+    EXPECT_EQ(shown->mapTo(widget, QPoint()), at(60, 19 + 3));
+}
+
+TEST_F(ShownPanel, TellsClicksOfMouseAndKeyboardAndIsNamedForThoseWhoHearIt) {
+    auto* button = widget->findChild<PanelButton*>();
+    QTest::mouseClick(widget, Qt::LeftButton, {}, at(80, 60));
+    QTest::mouseClick(widget, Qt::RightButton, {}, at(80, 60));
+    QTest::mouseClick(button, Qt::LeftButton);
+    EXPECT_THAT(target->heard, ElementsAre("panel", "button"));
+    target->heard.clear();
+    QTest::keyClick(widget, Qt::Key_Return);
+    widget->setFocus();
+    QTest::keyClick(widget, Qt::Key_Tab);
+    EXPECT_TRUE(button->hasFocus());
+    QTest::keyClick(button, Qt::Key_Space);
+    QTest::keyClick(button, Qt::Key_Return);
+    EXPECT_THAT(target->heard, ElementsAre("panel", "button", "button"));
+    QTest::keyClick(widget, Qt::Key_Right, Qt::ControlModifier);
+    QTest::keyClick(widget, Qt::Key_Down, Qt::ControlModifier | Qt::ShiftModifier);
+    EXPECT_EQ(panel->frame(), (Rect{{116, 184}, {200, 135}}));
+
+    const auto name = [](QObject* object) {
+        return QAccessible::queryAccessibleInterface(object)->text(QAccessible::Name);
+    };
+    EXPECT_EQ(name(widget), "Clock");
+    EXPECT_EQ(name(button), "Information");
+    int closed = 0;
+    panel->setCloseObserver([&] { ++closed; });
+    QTest::keyClick(widget, Qt::Key_Escape);
+    EXPECT_FALSE(widget->isVisible());
+    EXPECT_EQ(closed, 1);
+}
+
+TEST_F(ShownPanel, LivesThroughAnActionThatLetsItGoOrThrows) {
+    target->after = [] { throw 1; };
+    QTest::mouseClick(widget, Qt::LeftButton, {}, at(80, 60));
+    target->after = [this] { panel.reset(); };
+    QTest::mouseClick(widget, Qt::LeftButton, {}, at(80, 60));
+    EXPECT_EQ(target->heard.size(), 2U);
+    EXPECT_FALSE(panel);
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    EXPECT_FALSE(widget);
+}
+
+TEST_F(ShownPanel, GrowsInStepsWithoutAStaleGround) {
+    std::vector<Size> sizes;
+    panel->setResizeObserver([&] {
+        panel->windowDidResize();
+        sizes.push_back(panel->frame().size);
+        EXPECT_EQ(panel->look().backgroundColor.pattern->size(), sizes.back());
+    });
+    panel->setFrame({{100, 100}, {300, 219.5}}, true, true);
+    EXPECT_EQ(panel->frame(), (Rect{{100, 100}, {300, 219.5}}));
+    EXPECT_GT(sizes.size(), 5U);
+    EXPECT_TRUE(std::ranges::is_sorted(sizes, {}, &Size::width));
+    const QImage picture = widget->grab().toImage();
+    EXPECT_EQ(picture.size(), QSize(300 + 2 * kMargin, 220 + 2 * kMargin));
+    const auto alphaAt = [&](QPoint point) { return picture.pixelColor(point).alpha(); };
+    EXPECT_EQ(alphaAt(at(150, 100)), 191);
+    EXPECT_EQ(alphaAt(at(150, 0)), 0) << "the part of a point above the frame";
+    EXPECT_GT(alphaAt(at(150, -2)), 20) << "the shadow";
+    EXPECT_EQ(alphaAt({0, 0}), 0);
+}
+
+} // namespace

@@ -1,0 +1,146 @@
+#include "apps/preferences/PreferencesWindow.h"
+
+#include "menuextras/ExportedIdentifiers.h"
+#include "tests/paths/SupportTree.h"
+#include "tests/support/Fakes.h"
+
+#include <QCheckBox>
+#include <QLabel>
+#include <QTest>
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <atomic>
+
+using testing::Contains;
+using testing::HasSubstr;
+
+namespace {
+
+constexpr const char* kFolder = "~/Library/PreferencePanes";
+
+std::string info(const std::string& identifier, const std::string& name) {
+    return "<plist version=\"1.0\"><dict><key>CFBundleIdentifier</key><string>" + identifier +
+           "</string><key>CFBundleName</key><string>" + name +
+           "</string><key>CFBundleShortVersionString</key><string>4.5</string></dict></plist>";
+}
+
+class Preferences : public testing::Test {
+  protected:
+    void SetUp() override {
+        tree.write(file("Halvex Pro.prefPane"), info(HalvexPrefsBundleID, "Halvex Pro"));
+        for (const auto& [name, identifier] :
+             {std::pair("HalvexTimeMenu", HalvexMenuID), std::pair("Other", "some.other.item")})
+            tree.write(plugIn(name), info(identifier, name));
+        tree.write(file("Foreign.prefPane"), info("foreign.pane", "Foreign"));
+        tree.write(file("Nameless.prefPane"), "<plist version=\"1.0\"><dict/></plist>");
+        tree.write(file("Spoilt.prefPane"), "<plist version=\"1.0\"><dict>");
+        tree.write(file("Folder"), info("foreign.pane", "Foreign"));
+    }
+    static std::string file(const std::string& pane) {
+        return kFolder + ('/' + pane) + "/Contents/Info.plist";
+    }
+    static std::string plugIn(const std::string& name) {
+        return std::string(kFolder) + "/Halvex Pro.prefPane/Contents/PlugIns/" + name +
+               ".menu/Contents/Info.plist";
+    }
+    std::string path(const std::string& pane) { return tree.path(kFolder) + '/' + pane; }
+    std::vector<std::string> texts() const {
+        std::vector<std::string> all;
+        for (const QLabel* label : window.findChildren<QLabel*>())
+            all.push_back(label->text().toStdString());
+        return all;
+    }
+    QCheckBox* box() const { return window.findChild<QCheckBox*>(); }
+    /// Once the bar has been asked.
+    bool isReady() const {
+        return QTest::qWaitFor([this] { return box() && box()->isEnabled(); });
+    }
+
+    test::SupportTree tree{{kFolder}};
+    test::RecordingMenuBar bar;
+    test::ManualClock clock;
+    test::RecordingWorkspace workspace;
+    std::atomic<bool> isBarRunning = true;
+    PreferencesWindow window{[this] { return isBarRunning.load(); }};
+};
+
+TEST_F(Preferences, SayWhyAPaneCannotBeShown) {
+    struct Case {
+        const char *pane, *reason;
+    };
+    const Case cases[] = {
+        {"Missing.prefPane", "There is nothing at this place."},
+        {"Folder", "It is no preference pane: its name does not end in \".prefPane\"."},
+        {"Nameless.prefPane", "Its Info.plist gives no identifier."},
+        {"Spoilt.prefPane", "It cannot be read (Info.plist: "},
+    };
+    for (const Case& c : cases) {
+        window.show(paneAtPath(path("Foreign.prefPane")));
+        EXPECT_EQ(window.windowTitle(), "Foreign");
+        window.show(paneAtPath(path(c.pane)));
+        EXPECT_FALSE(window.pane()) << c.pane;
+        EXPECT_THAT(texts(), Contains(path(c.pane)));
+        EXPECT_THAT(texts(), Contains(HasSubstr(c.reason)));
+        EXPECT_THAT(tree.log.take(), Contains(HasSubstr(c.reason))) << c.pane;
+    }
+}
+
+TEST_F(Preferences, FindPanesByTheirIdentifier) {
+    window.show(paneWithIdentifier("foreign.pane", window.pane()));
+    ASSERT_TRUE(window.pane());
+    EXPECT_EQ(window.pane()->bundlePath(), path("Foreign.prefPane"));
+    EXPECT_THAT(texts(), Contains("Version 4.5"));
+
+    tree.write("/Library/PreferencePanes/Z.prefPane/Contents/Info.plist",
+               info("foreign.pane", "Everybody's"));
+    EXPECT_EQ(paneWithIdentifier("foreign.pane", window.pane()).pane, window.pane());
+    EXPECT_EQ(paneWithIdentifier("foreign.pane", nullptr).pane->bundlePath(),
+              "/Library/PreferencePanes/Z.prefPane");
+    EXPECT_EQ(paneWithIdentifier("foreign", nullptr).reason,
+              "No preference pane with this identifier is installed.");
+}
+
+TEST_F(Preferences, TurnMenuExtrasOnAndOff) {
+    bar.onAdd = [this](const std::string&) {
+        bar.loaded.emplace_back(HalvexMenuID);
+        return 0;
+    };
+    window.show(paneAtPath(path("Halvex Pro.prefPane")));
+    EXPECT_EQ(window.findChildren<QCheckBox*>().size(), 1) << "an unknown item has no switch";
+    ASSERT_TRUE(isReady());
+    EXPECT_EQ(box()->text(), "HalvexTimeMenu");
+    EXPECT_FALSE(box()->isChecked());
+
+    QTest::keyClick(box(), Qt::Key_Space);
+    ASSERT_TRUE(isReady());
+    EXPECT_TRUE(box()->isChecked());
+    EXPECT_TRUE(tree.exists(std::string(test::kUserMaker) + "/Menu Extras/HalvexTimeMenu.menu"));
+
+    QTest::keyClick(box(), Qt::Key_Space);
+    ASSERT_TRUE(isReady());
+    EXPECT_FALSE(box()->isChecked());
+    EXPECT_FALSE(tree.exists(std::string(test::kUserMaker) + "/Menu Extras/HalvexTimeMenu.menu"));
+}
+
+TEST_F(Preferences, ShowWhatTheBarHasAndSayWhatItRefuses) {
+    bar.onAdd = [](const std::string&) { return -2; };
+    isBarRunning = false;
+    window.show(paneAtPath(path("Halvex Pro.prefPane")));
+    ASSERT_TRUE(isReady());
+    EXPECT_THAT(bar.asked, testing::IsEmpty()) << "looking starts no bar";
+
+    isBarRunning = true;
+    QTest::keyClick(box(), Qt::Key_Space);
+    ASSERT_TRUE(isReady());
+    EXPECT_FALSE(box()->isChecked());
+    EXPECT_THAT(texts(),
+                Contains("HalvexTimeMenu could not be turned on; the system log says why."));
+
+    bar.loaded.emplace_back(HalvexMenuID);
+    window.refresh();
+    EXPECT_TRUE(QTest::qWaitFor([this] { return box()->isChecked(); }));
+}
+
+} // namespace

@@ -1,0 +1,123 @@
+#include "prefs/HalvexPrefsTools.h"
+
+#include "menuextras/ExportedIdentifiers.h"
+#include "platform/ScriptRunner.h"
+#include "tests/paths/SupportTree.h"
+#include "tests/support/HandOverDesk.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <future>
+#include <thread>
+
+using platform::Bundle;
+using testing::ElementsAre;
+using Tools = HalvexPrefsTools;
+
+namespace {
+
+/// Says what the test wants, and on which thread it was asked.
+class Scripts final : public platform::ScriptRunner {
+  public:
+    std::optional<std::string> error;
+    std::promise<std::pair<std::string, std::thread::id>> asked;
+
+    std::optional<std::string> run(const std::string& script) override {
+        const auto answer = error;
+        auto promise = std::move(asked); // this object may go once the promise is kept
+        promise.set_value({script, std::this_thread::get_id()});
+        return answer;
+    }
+
+  private:
+    platform::ScopedService<platform::ScriptRunner> service_{*this};
+};
+
+class PrefsTools : public testing::Test {
+  protected:
+    test::SupportTree tree{{}};
+    test::HandOverDesk desk;
+};
+
+TEST_F(PrefsTools, FindThePaneInFourPlacesTheComputersFirst) {
+    const std::string places[] = {
+        "~/Library/PreferencePanes/HalvexPro.prefPane",
+        "~/Library/PreferencePanes/Halvex Pro.prefPane",
+        "/Library/PreferencePanes/HalvexPro.prefPane",
+        "/Library/PreferencePanes/Halvex Pro.prefPane",
+    };
+    EXPECT_EQ(Tools::HalvexPrefsBundle(), nullptr);
+    for (const std::string& place : places) { // each one goes before those that are there
+        tree.make(place);
+        EXPECT_EQ(Tools::HalvexPrefsPath(), tree.path(place));
+    }
+    const auto loaded = std::make_shared<Bundle>(
+        "/Loaded", platform::PropertyList::Dictionary{{"CFBundleIdentifier", HalvexPrefsBundleID}});
+    Bundle::setCode(loaded, Bundle::Code::Loaded);
+    EXPECT_EQ(Tools::HalvexPrefsBundle(), loaded);
+    EXPECT_EQ(Tools::getHalvexBGApplicationPath(), "/Loaded/Contents/PlugIns/Halvex.app");
+    Bundle::setCode(loaded, Bundle::Code::Unloaded);
+}
+
+TEST_F(PrefsTools, OpenThePaneAndGiveItsPathAlsoWhenThatFails) {
+    tree.make("~/Library/PreferencePanes/HalvexPro.prefPane");
+    const std::string path = tree.path("~/Library/PreferencePanes/HalvexPro.prefPane");
+    EXPECT_EQ(Tools::HalvexOpenPrefs(), path);
+    desk.opens = false;
+    EXPECT_EQ(Tools::HalvexOpenPrefs(), path);
+    const std::string asked = "open " + path + " with System Preferences";
+    EXPECT_THAT(desk.journal(), ElementsAre(asked, asked));
+    EXPECT_THAT(tree.log.take(), ElementsAre("Halvex Prefs opened at: " + path,
+                                             "Halvex Prefs failed to open " + path));
+}
+
+TEST_F(PrefsTools, SayThatThereIsNoPane) {
+    EXPECT_EQ(Tools::HalvexOpenPrefs(), std::nullopt);
+    EXPECT_EQ(Tools::getHalvexBGApplicationPath(), std::nullopt);
+    EXPECT_THAT(tree.log.take(), ElementsAre("Halvex Pref bundle not found.",
+                                             "Halvex error: getHalvexPath failed\n"));
+    EXPECT_THAT(desk.journal(), ElementsAre());
+}
+
+TEST_F(PrefsTools, SelectAPaneWithAScriptOnAnotherThread) {
+    const std::string script = "tell application \"System Preferences\"\nactivate\n"
+                               "set the current pane to pane id \"com.example.a%@b\"\nend tell\n";
+    Scripts scripts;
+    auto asked = scripts.asked.get_future();
+    Tools::openPrefsSelected("com.example.a%@b");
+    const auto [text, thread] = asked.get();
+    EXPECT_EQ(text, script);
+    EXPECT_NE(thread, std::this_thread::get_id());
+
+    Scripts failing;
+    failing.error = "no such pane";
+    Tools::openPrefsThread("com.example.a%@b");
+    EXPECT_THAT(tree.log.take(), ElementsAre("AppleScript:" + script + "\n error: no such pane"));
+}
+
+TEST_F(PrefsTools, TakeTheFirstBackgroundApplicationAndNoOlderOne) {
+    const std::string old = "old Halvex 2 version running";
+    const struct {
+        std::vector<std::string> running;
+        platform::ProcessSerialNumber found; // 9 for none
+        std::size_t oldOnes;
+    } cases[] = {
+        {{}, 9, 0},
+        {{"halvex", "Halvex.app", " Halvex"}, 9, 0},
+        {{"Halvex 2", "Halvex 2"}, 9, 2},
+        {{"Halvex 2", "Halvex", "Halvex"}, 2, 1},
+        {{"a", "b", "Halvex", "Halvex 2"}, 3, 0},
+    };
+    for (const auto& [running, found, oldOnes] : cases) {
+        desk.running = running;
+        platform::ProcessSerialNumber process = 9;
+        EXPECT_EQ(Tools::findHalvexBGProcess(&process), found != 9);
+        EXPECT_EQ(process, found);
+        EXPECT_EQ(tree.log.take(), std::vector(oldOnes, old));
+        EXPECT_EQ(Tools::findHalvexBGProcess(nullptr), found != 9);
+        tree.log.take();
+    }
+}
+
+} // namespace

@@ -1,0 +1,80 @@
+#include "ui/NSMutableString-DateFormat.h"
+
+#include "tests/support/RecordingLog.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <random>
+
+using namespace HalvexDateFormat;
+using testing::ElementsAre;
+
+namespace {
+
+struct Case {
+    std::string format, value, filled;
+};
+
+TEST(DateFormat, FillsEveryPlaceholderOfItsOwnKind) {
+    const Case weeks[] = {
+        {"Week %W of %Y", "07", "Week 07 of %Y"},
+        {"%W/%W", "12", "12/12"},
+        {"%Y", "12", "%Y"},
+        {"", "12", ""},
+        {"%%W", "5", "%5"},
+        {"%w %Z W%", "5", "%w %Z W%"},
+        {"[%W]", "", "[]"},
+        {"%%WW", "", ""},
+        {"%%WW", "W%", "WW%%"},
+        {"%%W", "WX", "WXX"},
+        {std::string("\0%W\xFF", 4), "\xC3", std::string("\0\xC3\xFF", 3)},
+    };
+    test::RecordingLog log;
+    for (auto [format, value, filled] : weeks) {
+        EXPECT_EQ(&fixWeekNum(format, value), &format);
+        EXPECT_EQ(format, filled);
+    }
+    std::string time = "%H:%M %Z, %z %W";
+    EXPECT_EQ(fixTimeZone(time, "%W"), "%H:%M %W, %z %W") << "another's placeholder is plain text";
+    EXPECT_THAT(log.take(), ElementsAre());
+}
+
+TEST(DateFormat, RefusesAValueThatWouldNeverEnd) {
+    const std::pair<std::string, std::string> cases[] = {
+        {"Week %W", "%W"}, {"%W", "a%Wb"}, {"no placeholder", "%W"}, {"%%WW", "WW%%"}};
+    for (const auto& [format, value] : cases) {
+        test::RecordingLog log;
+        std::string changed = format;
+        EXPECT_EQ(fixWeekNum(changed, value), format);
+        EXPECT_THAT(log.take(),
+                    ElementsAre("value \"" + value + "\" would replace %W without end"));
+    }
+}
+
+/// The plainest way to say what comes out: look from the start again after each replacement.
+std::string searchedAgainAndAgain(std::string format, const std::string& value) {
+    for (auto at = format.find("%Z"); at != std::string::npos; at = format.find("%Z"))
+        format.replace(at, 2, value);
+    return format;
+}
+
+TEST(DateFormat, FindsWhatReplacementsFormWithTheirNeighbours) {
+    std::mt19937 random(5);
+    const auto pick = [&](std::string_view letters, std::size_t length) {
+        std::string text;
+        for (std::size_t i = 0; i < length; ++i)
+            text += letters[random() % letters.size()];
+        return text;
+    };
+    for (int i = 0; i < 20'000; ++i) {
+        std::string format = pick("%Z%Za", random() % 12);
+        const std::string value = pick("%Za", random() % 4);
+        if (value.find("%Z") != std::string::npos)
+            continue; // without end; what needs four letters more cannot come up
+        const std::string expected = searchedAgainAndAgain(format, value);
+        ASSERT_EQ(fixTimeZone(format, value), expected) << value;
+    }
+}
+
+} // namespace

@@ -1,0 +1,258 @@
+#include "ui/HUDWindow.h"
+#include "platform/Bundle.h"
+#include "platform/DynamicLoader.h"
+#include "platform/MenuExtraPlugIn.h"
+#include "platform/expat/ExpatPropertyLists.h"
+#include "tests/support/Fakes.h"
+#include "tests/support/RecordingLog.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+using namespace platform;
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+namespace {
+
+/// Answers to "click:" alone and counts by sender.
+class Target final : public ActionTarget {
+  public:
+    std::vector<ActionSender*> senders;
+
+    bool respondsToSelector(const Selector& selector) const override {
+        return selector == "click:";
+    }
+    void performSelector(const Selector&, ActionSender& sender) override {
+        senders.push_back(&sender);
+    }
+};
+
+class HUDPanel : public testing::Test {
+  protected:
+    HUDPanel() { platform::expat::install(); }
+
+    /// A panel whose frame has this size.
+    std::shared_ptr<HUDWindow> panelOfSize(double width, double height) {
+        auto panel = std::make_shared<HUDWindow>();
+        panel->initWithContentRect({{}, {width, height - kPanelTitleBarHeight}}, 0,
+                                   BackingStore::Buffered, true);
+        return panel;
+    }
+
+    test::RecordingGraphics graphics;
+    test::RecordingPanels panels;
+    test::RecordingLog log;
+};
+
+TEST_F(HUDPanel, IsSetUpStepByStepInItsOwnStyle) {
+    const auto panel = std::make_shared<HUDWindow>();
+    constexpr std::uint32_t kBorderless = 0;
+    EXPECT_EQ(panel->initWithContentRect({{10, 20}, {320, 200}}, kBorderless,
+                                         BackingStore::Buffered, false),
+              panel);
+    EXPECT_THAT(panels.calls,
+                ElementsAre("window 8223", "colour alpha 1 opaque", "colour alpha 1 opaque",
+                            "colour alpha 1", "colour alpha 1 shadow",
+                            "colour alpha 1 shadow movable", "pattern alpha 1 shadow movable",
+                            "pattern alpha 1 shadow movable indicator"));
+    EXPECT_EQ(panel->frame(), (Rect{{10, 20}, {320, 219}}));
+    EXPECT_EQ(panel->contentView().size(), (Size{320, 200}));
+    EXPECT_TRUE(panel->canBecomeKeyWindow());
+
+    panels.makesWindows = false;
+    panels.calls.clear();
+    EXPECT_EQ(
+        std::make_shared<HUDWindow>()->initWithContentRect({}, 0, BackingStore::Buffered, false),
+        nullptr);
+    EXPECT_THAT(panels.calls, ElementsAre("window 8223"));
+}
+
+struct GroundCase {
+    const char* name;
+    Size size;
+    std::vector<std::string> drawn;
+};
+
+std::vector<std::string> ground(const std::string& canvas, const std::vector<std::string>& body,
+                                const std::vector<std::string>& bar, const std::string& text) {
+    std::vector<std::string> all{"canvas " + canvas,
+                                 "path with 0.1 0.1 0.1 0.75 space 2 operation 2"};
+    all.insert(all.end(), body.begin(), body.end());
+    all.insert(all.end(), {"close", "path with 0.25 0.25 0.25 0.75 space 2 operation 2"});
+    all.insert(all.end(), bar.begin(), bar.end());
+    all.insert(all.end(), {"close", "text Hi in " + text});
+    return all;
+}
+
+TEST_F(HUDPanel, PaintsItsGroundElementByElement) {
+    const GroundCase cases[] = {
+        {"whole",
+         {100, 50},
+         ground("100 50",
+                {"move 50 0", "arc 100 0 to 100 15 radius 6", "line 100 31", "line 0 31",
+                 "arc 0 31 to 0 15 radius 6", "arc 0 0 to 50 0 radius 6"},
+                {"move 0 31", "line 100 31", "arc 100 50 to 50 50 radius 6",
+                 "arc 0 50 to 0 31 radius 6"},
+                "19 33 62 15")},
+        {"fractions",
+         {101.7, 50.5},
+         ground("101.7 50.5",
+                {"move 50 0", "arc 101 0 to 101 15 radius 6", "line 101 31", "line 0 31",
+                 "arc 0 31 to 0 15 radius 6", "arc 0 0 to 50 0 radius 6"},
+                {"move 0 31", "line 101 31", "arc 101 50 to 50 50 radius 6",
+                 "arc 0 50 to 0 31 radius 6"},
+                "19 33.5 63.7 15")},
+        {"lower than the title bar, and narrower than the title's margins",
+         {30, 15.5},
+         ground("30 15.5",
+                {"move 15 0", "arc 30 0 to 30 -1 radius 6", "line 30 -3", "line 0 -3",
+                 "arc 0 -3 to 0 -1 radius 6", "arc 0 0 to 15 0 radius 6"},
+                {"move 0 -3", "line 30 -3", "arc 30 15 to 15 15 radius 6",
+                 "arc 0 15 to 0 -3 radius 6"},
+                "19 -1.5 -8 15")},
+    };
+    for (const GroundCase& each : cases) {
+        SCOPED_TRACE(each.name);
+        const auto panel = panelOfSize(100, 50);
+        panel->setTitle("Hi");
+        panel->setFrame({{}, each.size}, false, false);
+        graphics.drawn.clear();
+        const Color color = panel->sizedHUDBackground();
+        EXPECT_EQ(graphics.drawn, each.drawn);
+        ASSERT_TRUE(color.pattern);
+        EXPECT_EQ(color.pattern->size(), each.size);
+    }
+    const TextAttributes& attributes = graphics.texts.back().attributesAt(0);
+    EXPECT_EQ(attributes.font, (Font{.family = "", .size = 11}));
+    EXPECT_EQ(attributes.foregroundColor, calibratedWhite(1));
+    EXPECT_EQ(attributes.paragraphStyle,
+              (ParagraphStyle{TextAlignment::Center, LineBreakMode::TruncatingTail}));
+}
+
+TEST_F(HUDPanel, PaintsAnewWhenItIsResizedOrNamedAndAtOnceWhileItsFrameIsSet) {
+    const auto panel = panelOfSize(100, 50);
+    const std::string look = "pattern alpha 1 shadow movable indicator";
+    panels.calls.clear();
+    panel->setFrame({{5, 5}, {200, 80}}, true, true);
+    EXPECT_THAT(panels.calls,
+                ElementsAre("frame display animate", look, "display", look, "display"));
+    EXPECT_EQ(panel->look().backgroundColor.pattern->size(), (Size{200, 80}));
+
+    panels.calls.clear();
+    panel->frameDidChange({{0, 0}, {200, 80}}); // moved
+    EXPECT_THAT(panels.calls, IsEmpty());
+    panel->frameDidChange({{0, 0}, {210, 90}});
+    EXPECT_THAT(panels.calls, ElementsAre(look));
+    EXPECT_EQ(panel->look().backgroundColor.pattern->size(), (Size{210, 90}));
+
+    panels.calls.clear();
+    panel->setTitle("New");
+    EXPECT_THAT(panels.calls, ElementsAre("title New", look));
+    EXPECT_EQ(graphics.drawn.back(), "text New in 19 73 172 15");
+}
+
+TEST_F(HUDPanel, SendsItselfToATargetThatIsThereAndAnswers) {
+    const auto panel = panelOfSize(100, 50);
+    auto target = std::make_shared<Target>();
+    panel->mouseUp({});
+    panel->setAction("click:");
+    panel->mouseUp({});
+    panel->setTarget(target);
+    for (const char* unheard : {"", "other:"}) {
+        panel->setAction(unheard);
+        panel->mouseUp({});
+    }
+    EXPECT_THAT(target->senders, IsEmpty());
+    panel->setAction("click:");
+    panel->mouseUp({});
+    EXPECT_THAT(target->senders, ElementsAre(panel.get()));
+    EXPECT_EQ(panel->target(), target);
+    target.reset();
+    EXPECT_EQ(panel->target(), nullptr) << "not kept";
+    panel->mouseUp({});
+}
+
+TEST_F(HUDPanel, PutsTheButtonIntoTheCornerOfTheSizeItIsGivenAndKeepsItThere) {
+    const auto panel = panelOfSize(200, 119);
+    const auto target = std::make_shared<Target>();
+    panel->addiButton({{50, 50}, {200, 100}}, target, "click:");
+    ASSERT_EQ(panel->contentView().buttons().size(), 1U);
+    Button& button = *panel->contentView().buttons().front();
+    EXPECT_EQ(button.frame(), (Rect{{184, 84}, {13, 13}}));
+    const Button::Look& look = button.look();
+    EXPECT_EQ(look.bezelStyle, BezelStyle{1});
+    EXPECT_EQ(look.type, ButtonType{5});
+    EXPECT_FALSE(look.bordered);
+    EXPECT_EQ(look.imagePosition, ImagePosition{4});
+    EXPECT_EQ(look.focusRingType, FocusRingType{1});
+    EXPECT_EQ(button.autoresizingMask(), 9U);
+    EXPECT_EQ(button.title(), "");
+    EXPECT_NE(button.accessibilityLabel(), "");
+    ASSERT_TRUE(look.image) << "the library's own";
+    EXPECT_EQ(look.image->size(), (Size{13, 13}));
+    EXPECT_THAT(log.take(), IsEmpty());
+    button.performClick();
+    EXPECT_THAT(target->senders, ElementsAre(&button));
+
+    panel->setFrame({{}, {300, 169}}, false, false);
+    EXPECT_EQ(button.frame(), (Rect{{284, 134}, {13, 13}}));
+
+    graphics.namedImage = "white_i";
+    panel->addiButton({{}, {20, 20}}, target, "click:");
+    EXPECT_EQ(panel->contentView().buttons().back()->look().image->size(), (Size{9, 9}));
+
+    panel->addCloseButton(target);
+    EXPECT_EQ(panel->contentView().buttons().size(), 2U);
+}
+
+TEST_F(HUDPanel, LooksForTheImageInTheBundleOfItsRealClass) {
+    std::string reason;
+    const std::string bundle = HALVEX_PANEL_PLUG_IN;
+    const auto code = dynamicLoader().load(bundle + "/Contents/Linux/PanelPlugIn", reason);
+    ASSERT_TRUE(code) << reason;
+    const auto make = reinterpret_cast<MenuExtraEntryPoint>(code->symbol(kMenuExtraEntryPoint));
+    const std::unique_ptr<MenuExtra> extra(make("PanelPlugIn"));
+    EXPECT_THAT(log.take(), ElementsAre("bundle NSBundle <" + bundle + "> (" + bundle +
+                                        ") missing image white_i"));
+    EXPECT_EQ(Bundle::bundleForClass(typeid(HUDWindow))->bundlePath(), HALVEX_LIBRARY_BUNDLE);
+    EXPECT_EQ(Bundle::bundleForClass(typeid(*extra))->bundleIdentifier(), "test.panel");
+}
+
+TEST_F(HUDPanel, MakesTitlesWhiteInTheAttributesOfTheirFirstCharacter) {
+    const auto panel = panelOfSize(100, 50);
+    TextAttributes first;
+    first.font = Font{"Serif", 20, true};
+    first.foregroundColor = Color{1, 0, 0, 1};
+    AttributedString title("Stop now");
+    title.setAttributes(first, 0, 4);
+    Button button({});
+    button.setAttributedTitle(title);
+    panel->makeButtonWhite(button);
+    first.foregroundColor = calibratedWhite(1);
+    EXPECT_EQ(button.attributedTitle(), AttributedString("Stop now", first));
+
+    button.setTitle("");
+    panel->makeButtonWhite(button);
+    EXPECT_EQ(button.attributedTitle(), AttributedString());
+}
+
+TEST(Autoresizing, SharesTheChangeAmongWhatIsFlexible) {
+    using namespace Autoresizing;
+    const struct {
+        std::uint32_t mask;
+        Rect expected;
+    } cases[] = {
+        {0, {{10, 20}, {30, 40}}},
+        {kMinXMargin | kMinYMargin, {{70, 50}, {30, 40}}},
+        {kWidth | kHeight, {{10, 20}, {90, 70}}},
+        {kMinXMargin | kMaxXMargin | kMaxYMargin, {{40, 20}, {30, 40}}},
+        {kMinXMargin | kWidth | kMaxXMargin | kMinYMargin | kHeight, {{30, 35}, {50, 55}}},
+    };
+    for (const auto& each : cases)
+        EXPECT_EQ(autoresized({{10, 20}, {30, 40}}, each.mask, {100, 100}, {160, 130}),
+                  each.expected)
+            << each.mask;
+}
+
+} // namespace

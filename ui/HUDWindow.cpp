@@ -1,0 +1,117 @@
+#include "ui/HUDWindow.h"
+
+#include "platform/Bundle.h"
+#include "platform/Log.h"
+#include "ui/HUDBackground.h"
+
+#include <typeinfo>
+#include <utility>
+
+using namespace platform;
+
+namespace {
+
+constexpr double kButtonSide = 13.0;
+constexpr double kButtonDistance = 16.0; // from the far edges to the button's origin
+constexpr const char* kButtonImage = "white_i";
+
+constexpr std::uint32_t kStyleMask = kTitledWindowMask | kClosableWindowMask |
+                                     kMiniaturizableWindowMask | kResizableWindowMask |
+                                     kUtilityWindowMask | kHUDWindowMask;
+
+/// The button's image: the program's own of that name, or that of the bundle of @p type.
+std::shared_ptr<Image> buttonImage(const std::type_info& type) {
+    if (auto image = graphics().imageNamed(kButtonImage))
+        return image;
+    const auto bundle = Bundle::bundleForClass(type);
+    if (const auto path = bundle->pathForResource(kButtonImage, "png"))
+        return graphics().imageWithContentsOfFile(*path);
+    logLine("bundle %@ (%@) missing image %@", bundle->description(), bundle->bundlePath(),
+            kButtonImage);
+    return nullptr;
+}
+
+} // namespace
+
+HUDWindow::HUDWindow() = default;
+
+HUDWindow::~HUDWindow() {
+    setResizeObserver({});
+}
+
+std::shared_ptr<Panel> HUDWindow::initWithContentRect(const Rect& contentRect, std::uint32_t,
+                                                      BackingStore backing, bool defer) {
+    auto self = Panel::initWithContentRect(contentRect, kStyleMask, backing, defer);
+    if (!self)
+        return nullptr;
+    setBackgroundColor(clearColor());
+    setAlphaValue(1.0);
+    setOpaque(false);
+    setHasShadow(true);
+    setMovableByWindowBackground(true);
+    forceDisplay_ = false;
+    setBackgroundColor(sizedHUDBackground());
+    setShowsResizeIndicator(true);
+    setResizeObserver([this] { windowDidResize(); });
+    return self;
+}
+
+bool HUDWindow::canBecomeKeyWindow() const {
+    return true;
+}
+
+Color HUDWindow::sizedHUDBackground() const {
+    const Size size = frame().size;
+    return colorWithPatternImage(graphics().imageByDrawing(
+        size, [&](GraphicsContext& context) { drawHUDBackground(context, size, title()); }));
+}
+
+void HUDWindow::windowDidResize() {
+    setBackgroundColor(sizedHUDBackground());
+    if (forceDisplay_)
+        display();
+}
+
+void HUDWindow::setFrame(const Rect& frame, bool display, bool animate) {
+    forceDisplay_ = true;
+    Panel::setFrame(frame, display, animate);
+    forceDisplay_ = false;
+}
+
+void HUDWindow::setTitle(std::string title) {
+    Panel::setTitle(std::move(title));
+    windowDidResize();
+}
+
+void HUDWindow::mouseUp(const Event&) {
+    sendAction(action_, target_, *this);
+}
+
+void HUDWindow::makeButtonWhite(Button& button) const {
+    if (button.attributedTitle().length() == 0)
+        return;
+    TextAttributes attributes = button.attributedTitle().attributesAt(0);
+    attributes.foregroundColor = calibratedWhite(1);
+    button.setAttributedTitle(AttributedString(button.title(), attributes));
+}
+
+void HUDWindow::addiButton(const Rect& rect, std::weak_ptr<ActionTarget> target,
+                           Selector selector) {
+    const auto button = std::make_shared<Button>(
+        Rect{{rect.size.width - kButtonDistance, rect.size.height - kButtonDistance},
+             {kButtonSide, kButtonSide}});
+    contentView().addButton(button);
+    button->setBezelStyle(BezelStyle::Rounded);
+    button->setButtonType(ButtonType::MomentaryChange);
+    button->setBordered(false);
+    button->setAutoresizingMask(Autoresizing::kMinXMargin | Autoresizing::kMinYMargin);
+    button->setImage(buttonImage(typeid(*this)));
+    button->setTitle("");
+    button->setImagePosition(ImagePosition::ImageBelow);
+    button->setTarget(std::move(target));
+    button->setFocusRingType(FocusRingType::None);
+    button->setAction(std::move(selector));
+    button->setAccessibilityLabel("Information");
+}
+
+void HUDWindow::addCloseButton(const std::shared_ptr<ActionTarget>&) {}
