@@ -46,10 +46,10 @@ TEST(TextShadow, FallsByItsOffsetAndKeepsItsWeight) {
 TEST(TextShadow, HasTheProfileOfAGaussian) {
     // The edge of a broad block is the integral of the bell curve.
     const auto draw = [](Canvas& canvas, double blurRadius) {
-        const platform::TextAttributes attributes{platform::Font{"", 80, false},
-                                                  Color{},
-                                                  {},
-                                                  Shadow{{1000, 0}, blurRadius, {0, 0, 0, 1}}};
+        const platform::TextAttributes attributes{.font = platform::Font{"", 80, false},
+                                                  .foregroundColor = Color{},
+                                                  .shadow =
+                                                      Shadow{{1000, 0}, blurRadius, {0, 0, 0, 1}}};
         canvas->drawText(AttributedString("\u2588\u2588", attributes), {50 - 1000, 0});
     };
     Canvas sharp(200, 100);
