@@ -203,7 +203,8 @@ std::string realText(double value) {
 
 std::optional<std::string> dateText(PropertyList::Date date) {
     const std::int64_t days = floorDivide(date.seconds, kSecondsPerDay);
-    const std::int64_t second = date.seconds - days * kSecondsPerDay;
+    const std::int64_t second =
+        (date.seconds % kSecondsPerDay + kSecondsPerDay) % kSecondsPerDay; // no overflow
     const CivilDate civil = civilFromDays(days);
     if (civil.year > kLastYear || civil.year < -kLastYear)
         return std::nullopt;
