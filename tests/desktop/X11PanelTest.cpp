@@ -82,6 +82,7 @@ TEST_F(X11Panel, IsDraggedResizedClickedAndClosed) {
     x.act({"key", "Escape"});
     EXPECT_TRUE(panel.waitForFinished(5000));
     EXPECT_EQ(panel.exitStatus(), QProcess::NormalExit);
+    EXPECT_EQ(panel.exitCode(), 0);
 }
 
 } // namespace
