@@ -2,8 +2,9 @@
 //
 //   peer post NAME COUNT   posts that many, numbered
 //   peer                   is the background application: announces its launch, and writes a line
-//                          with its process identifier to $HOME/requests for each "Request" until
-//                          "Quit"; to $HOME/activations when it is brought to the front
+//                          with its process identifier to $HOME/requests for each "Request", to
+//                          $HOME/activations when it is brought to the front; until "Quit" or the
+//                          end of its bus
 
 #include "platform/Workspace.h"
 #include "platform/expat/ExpatPropertyLists.h"
@@ -56,6 +57,8 @@ int beTheApplication() {
     center.addObserver(self, "Quit", [](const Notification&) { QCoreApplication::quit(); });
     Activation activation;
     auto bus = QDBusConnection::sessionBus();
+    bus.connect({}, "/org/freedesktop/DBus/Local", "org.freedesktop.DBus.Local", "Disconnected",
+                QCoreApplication::instance(), SLOT(quit()));
     bus.registerVirtualObject("/test/Halvex", &activation);
     bus.registerService("test.Halvex");
     announceLaunch("Halvex");
