@@ -6,6 +6,7 @@
 #include "platform/qt/Modifiers.h"
 #include "platform/qt/QtGraphics.h"
 
+#include <QAbstractEventDispatcher>
 #include <QFileInfo>
 #include <QGuiApplication>
 #include <QMouseEvent>
@@ -33,7 +34,10 @@ bool hasMenu(const LoadedItem& item) {
 } // namespace
 
 MenuBar::MenuBar(qt::QtGraphics& graphics, StepJournal& journal)
-    : graphics_(graphics), journal_(journal), asHost_(*this), asEvents_(*this) {}
+    : graphics_(graphics), journal_(journal), asHost_(*this), asEvents_(*this) {
+    connect(QAbstractEventDispatcher::instance(), &QAbstractEventDispatcher::aboutToBlock, this,
+            &MenuBar::displayIfNeeded);
+}
 
 MenuBar::~MenuBar() {
     unloadAll();
@@ -189,10 +193,19 @@ double MenuBar::statusBarThickness() const {
     return kBarHeight;
 }
 
-void MenuBar::viewNeedsDisplay(MenuExtraView& view) {
-    Item* item = view.owner() ? itemOf(*view.owner()) : nullptr;
-    if (item && item->widget)
-        item->widget->update();
+void MenuBar::viewNeedsDisplay(MenuExtraView&) {
+    displayWanted_ = true;
+}
+
+// Just before the bar sleeps: an update of Qt's own would cost every tick another turn of the event
+// loop.
+void MenuBar::displayIfNeeded() {
+    if (!std::exchange(displayWanted_, false))
+        return;
+    for (const Item& item : items_) {
+        if (item.widget && item.loaded.extra->view()->needsDisplay())
+            item.widget->repaint();
+    }
 }
 
 void MenuBar::lengthChanged(MenuExtra& extra) {

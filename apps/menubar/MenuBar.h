@@ -99,6 +99,7 @@ class MenuBar final : public QObject, public platform::MenuExtraHost, public pla
     Item* itemOf(const platform::MenuExtra& extra);
     Item* itemWith(std::string_view identifier);
     void show(Item& item);
+    void displayIfNeeded();
     void noteFirstDrawing(Item& item);
     void noteDrawn(Item& item);
     void unload(LoadedItem item, std::unique_ptr<ItemWidget> widget);
@@ -120,6 +121,8 @@ class MenuBar final : public QObject, public platform::MenuExtraHost, public pla
     std::list<Item> items_; // from right to left
     std::uint32_t lastReference_ = 0;
     std::vector<std::unique_ptr<platform::LoadedCode>> codeInUse_; // of items that somebody holds
+
+    bool displayWanted_ = false;
 
     std::vector<ShownMenu> menus_; // at most one is open; closed ones go soon
     bool menuRequested_ = false;   // by the click that is being handled

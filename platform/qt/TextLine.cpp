@@ -93,6 +93,7 @@ TextLine::TextLine(const AttributedString& text, Fonts& fonts, const QFont& defa
     QTextOption option(Qt::AlignLeft | Qt::AlignAbsolute);
     option.setWrapMode(QTextOption::NoWrap);
     layout_.setTextOption(option);
+    layout_.setCacheEnabled(true); // what is measured is not shaped again to be drawn
     layout_.setFont(fonts.font({}, defaultFont, smoothing));
     layout_.setText(characters);
     layout_.setFormats(formats);
