@@ -1,11 +1,10 @@
 #include "platform/expat/XmlWriter.h"
 
+#include "platform/LargePages.h"
 #include "platform/expat/Scalars.h"
 
 #include <array>
 #include <cstring>
-#include <memory>
-#include <sys/mman.h>
 
 namespace platform::expat {
 namespace {
@@ -76,15 +75,6 @@ std::size_t sequenceLength(std::string_view text) {
     const bool surrogate = character >= 0xD800 && character <= 0xDFFF;
     const bool noCharacter = character == 0xFFFE || character == 0xFFFF || character > 0x10'FFFF;
     return character < kLeast[length] || surrogate || noCharacter ? 0 : length;
-}
-
-/// Asks the system for large pages below memory that is about to be filled: meeting small ones one
-/// at a time takes as long as writing the text. A system without them does as ever.
-void useLargePages(char* memory, std::size_t size) {
-    constexpr std::size_t kLargePage = std::size_t{2} << 20;
-    void* start = memory;
-    if (std::align(kLargePage, kLargePage, start, size))
-        ::madvise(start, size, MADV_HUGEPAGE);
 }
 
 /// Gathers small pieces in a block that stays in the processor's cache.

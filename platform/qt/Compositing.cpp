@@ -7,6 +7,9 @@
 #include <cmath>
 #include <cstddef>
 #include <cstdint>
+#ifdef __SSE2__
+#include <emmintrin.h>
+#endif
 
 namespace platform::qt {
 namespace {
@@ -137,8 +140,9 @@ void merge(QImage& target, const QRect& area, CompositingOperation operation, So
 }
 
 /// A solid colour laid over pixels that it covers wholly: each component becomes what it was times
-/// one number for all, plus another that depends on the pixel's alpha alone. Two components at a
-/// time, each in its half of 64 bits with 16 bits behind the point, which rounds as floats do.
+/// one number for all, plus another that is linear in the pixel's alpha. In whole numbers, with
+/// kFraction bits behind the point: a result is off by one only when it is within a fiftieth of the
+/// middle between two.
 class SolidRows {
   public:
     static bool can(CompositingOperation operation) {
@@ -148,38 +152,80 @@ class SolidRows {
 
     SolidRows(const Pixel& source, CompositingOperation operation) {
         const Factors factors = kFactors[static_cast<std::size_t>(operation)];
-        kept_ = fixed(value(factors.ofDestination, source.alpha));
-        for (std::size_t alpha = 0; alpha < added_.size(); ++alpha) {
-            const Pixel sum =
-                times(source, 255 * value(factors.ofSource, static_cast<float>(alpha) / 255));
-            added_[alpha] = {fixed(sum.blue) + kHalf + ((fixed(sum.red) + kHalf) << 32),
-                             fixed(sum.green) + kHalf + ((fixed(sum.alpha) + kHalf) << 32)};
+        const float atNone = value(factors.ofSource, 0);
+        const float atFull = value(factors.ofSource, 1);
+        kept_ = static_cast<std::int16_t>(fixed(value(factors.ofDestination, source.alpha)));
+        const std::array components{source.blue, source.green, source.red, source.alpha};
+        for (std::size_t i = 0; i < components.size(); ++i) {
+            base_[i] = fixed(255 * components[i] * atNone) + kHalf;
+            ofAlpha_[i] = static_cast<std::int16_t>(fixed(components[i] * (atFull - atNone)));
         }
     }
 
     void fill(QRgb* pixels, int count) const {
-        for (QRgb* const end = pixels + count; pixels != end; ++pixels) {
-            const std::uint64_t d = *pixels;
-            const auto& [added, addedToOthers] = added_[d >> 24];
-            const std::uint64_t redBlue = ((d & 0xFF) | (d & 0xFF0000) << 16) * kept_ + added;
-            const std::uint64_t alphaGreen =
-                ((d >> 8 & 0xFF) | (d & 0xFF000000) << 8) * kept_ + addedToOthers;
-            *pixels =
-                static_cast<QRgb>((redBlue >> 16 & 0xFF) | (redBlue >> 32 & 0xFF0000) |
-                                  (alphaGreen >> 8 & 0xFF00) | (alphaGreen >> 24 & 0xFF000000));
-        }
+        const int filled = fillFours(pixels, count);
+        std::for_each(pixels + filled, pixels + count,
+                      [this](QRgb& pixel) { pixel = filledOne(pixel); });
     }
 
   private:
-    static constexpr std::uint64_t kHalf = 1 << 15;
+    static constexpr int kFraction = 14;
+    static constexpr std::int32_t kHalf = 1 << (kFraction - 1);
 
-    static std::uint64_t fixed(float number) {
-        return static_cast<std::uint64_t>(std::lround(number * 65536));
+    static std::int32_t fixed(float number) {
+        return static_cast<std::int32_t>(std::lround(number * (1 << kFraction)));
     }
 
-    std::uint64_t kept_ = 0;
-    std::array<std::array<std::uint64_t, 2>, 256> added_{};
+    QRgb filledOne(QRgb pixel) const {
+        const auto alpha = static_cast<std::int32_t>(pixel >> 24);
+        QRgb result = 0;
+        for (unsigned i = 0; i < base_.size(); ++i) {
+            const auto component = static_cast<std::int32_t>(pixel >> 8 * i & 0xFF);
+            const std::int32_t sum = component * kept_ + alpha * ofAlpha_[i] + base_[i];
+            result |= static_cast<QRgb>(std::clamp(sum >> kFraction, 0, 255)) << 8 * i;
+        }
+        return result;
+    }
+
+    /// The same for four pixels at a time, where the processor can; how many were filled.
+    int fillFours(QRgb* pixels, int count) const;
+
+    // By component: blue, green, red, alpha, as in a packed pixel.
+    std::array<std::int32_t, 4> base_{};
+    std::array<std::int16_t, 4> ofAlpha_{};
+    std::int16_t kept_ = 0;
 };
+
+#ifdef __SSE2__
+int SolidRows::fillFours(QRgb* pixels, int count) const {
+    const __m128i zero = _mm_setzero_si128();
+    const __m128i base = _mm_loadu_si128(reinterpret_cast<const __m128i*>(base_.data()));
+    const __m128i factors = _mm_setr_epi16(kept_, ofAlpha_[0], kept_, ofAlpha_[1], kept_,
+                                           ofAlpha_[2], kept_, ofAlpha_[3]);
+    const auto sums = [&](__m128i componentsAndAlpha) {
+        return _mm_srai_epi32(_mm_add_epi32(_mm_madd_epi16(componentsAndAlpha, factors), base),
+                              kFraction);
+    };
+    const auto filledTwo = [&](__m128i components) {
+        constexpr int kLast = _MM_SHUFFLE(3, 3, 3, 3);
+        const __m128i alphas = _mm_shufflehi_epi16(_mm_shufflelo_epi16(components, kLast), kLast);
+        return _mm_packs_epi32(sums(_mm_unpacklo_epi16(components, alphas)),
+                               sums(_mm_unpackhi_epi16(components, alphas)));
+    };
+    const int fours = count - count % 4;
+    for (int i = 0; i < fours; i += 4) {
+        auto* const four = reinterpret_cast<__m128i*>(pixels + i);
+        const __m128i bytes = _mm_loadu_si128(four);
+        _mm_storeu_si128(four, _mm_packus_epi16(filledTwo(_mm_unpacklo_epi8(bytes, zero)),
+                                                filledTwo(_mm_unpackhi_epi8(bytes, zero))));
+    }
+    return fours;
+}
+#else
+int SolidRows::fillFours(QRgb*, int) const {
+    return 0;
+}
+#endif
 
 QRgb pixelAt(const QImage& layer, QPoint position) {
     return reinterpret_cast<const QRgb*>(layer.constScanLine(position.y()))[position.x()];

@@ -2,6 +2,7 @@
 
 #include "platform/Bundle.h"
 #include "platform/Exception.h"
+#include "platform/LargePages.h"
 #include "platform/Log.h"
 #include "platform/qt/QtGraphicsContext.h"
 #include "platform/qt/QtImage.h"
@@ -9,6 +10,8 @@
 #include <QGuiApplication>
 
 #include <cmath>
+#include <cstddef>
+#include <cstdlib>
 #include <utility>
 
 namespace platform::qt {
@@ -24,6 +27,19 @@ double pixelsFor(double points, double scale) {
     return pixels > 0 ? std::ceil(pixels * (1 - 1e-12)) : 0;
 }
 
+/// Transparent pixels; a null image when there is no memory. The system's new memory is clear: it
+/// is not cleared again.
+QImage clearPixels(int width, int height) {
+    constexpr std::ptrdiff_t kBytes = 4; // a pixel
+    const auto size = static_cast<std::size_t>(width * kBytes * height);
+    auto* const memory = static_cast<uchar*>(std::calloc(size, 1));
+    if (!memory)
+        return {};
+    useLargePages(memory, size);
+    return {memory,    width, height, width * kBytes, QImage::Format_ARGB32_Premultiplied,
+            std::free, memory};
+}
+
 /// Transparent pixels for a size in points; none, and a line in the log, when there cannot be any.
 QImage blankPixels(Size size, double scale) {
     const double width = pixelsFor(size.width, scale);
@@ -32,13 +48,10 @@ QImage blankPixels(Size size, double scale) {
         return {};
     QImage pixels;
     if (width <= kLargestSide && height <= kLargestSide && width * height <= kMostPixels)
-        pixels = QImage(static_cast<int>(width), static_cast<int>(height),
-                        QImage::Format_ARGB32_Premultiplied);
+        pixels = clearPixels(static_cast<int>(width), static_cast<int>(height));
     if (pixels.isNull())
         logLine("there is no room for an image of %@ x %@ points", std::to_string(size.width),
                 std::to_string(size.height));
-    else
-        pixels.fill(Qt::transparent);
     return pixels;
 }
 
