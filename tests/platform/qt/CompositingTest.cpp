@@ -78,16 +78,16 @@ TEST(Compositing, FollowsItsFormulaForRectanglesAndImages) {
             for (const Color& source : kColors) {
                 SCOPED_TRACE(testing::Message() << number << ": " << source.red << "/"
                                                 << source.alpha << " on " << ground.red);
-                Canvas canvas(12, 4);
-                canvas->fillRect({{0, 0}, {12, 4}}, ground, CompositingOperation::Copy);
+                Canvas canvas(13, 4);
+                canvas->fillRect({{0, 0}, {13, 4}}, ground, CompositingOperation::Copy);
                 const auto before = canvas.at(0, 0);
-                canvas->fillRect({{0, 0}, {4, 4}}, source, operation);
+                canvas->fillRect({{0, 0}, {5, 4}}, source, operation);
                 const auto image = plainImage(source);
-                canvas->drawImage(image, {{4, 0}, {4, 4}}, {{0, 0}, {4, 4}}, operation, 1);
-                canvas->drawImage(image, {{8, 0}, {4, 4}}, {{0, 0}, {4, 4}}, operation, 0.5);
-                expectNear(canvas.at(1, 1), expected(number, source, before), 1);
-                expectNear(canvas.at(5, 1), expected(number, source, before), 1);
-                expectNear(canvas.at(9, 1), expected(number, source, before, 0.5), 1);
+                canvas->drawImage(image, {{5, 0}, {4, 4}}, {{0, 0}, {4, 4}}, operation, 1);
+                canvas->drawImage(image, {{9, 0}, {4, 4}}, {{0, 0}, {4, 4}}, operation, 0.5);
+                for (const int x : {1, 4, 6}) // one of four at once, one by itself, one of an image
+                    expectNear(canvas.at(x, 1), expected(number, source, before), 1);
+                expectNear(canvas.at(10, 1), expected(number, source, before, 0.5), 1);
             }
         }
     }
