@@ -1,5 +1,7 @@
 #pragma once
 
+#include <chrono>
+#include <future>
 #include <mutex>
 #include <string>
 
@@ -18,14 +20,21 @@ class BusConnection {
     BusConnection& operator=(const BusConnection&) = delete;
 
     /// Connects, again when the bus has gone in the meantime. Whether that succeeded is to be
-    /// asked of the answer.
+    /// asked of the answer. A bus that takes the connection and says nothing is waited for once and
+    /// kPatience long; from then on there is none until it speaks.
     QDBusConnection get();
 
   private:
+    static constexpr std::chrono::seconds kPatience{5};
+
+    void connect();
+    bool isConnecting() const;
+
     const std::string busAddress_;
     const std::string purpose_;
     std::mutex mutex_;
     std::string name_; // of Qt's; empty before the first time
+    std::future<void> connecting_;
 };
 
 } // namespace platform::qt

@@ -73,4 +73,16 @@ TEST(ExtraVerbs, SayAtOnceThatThereIsNoBar) {
                   {alone + "extras | wc -l", "9\n"}});
 }
 
+TEST(ExtraVerbs, GiveUpOnABusThatStandsStill) {
+    Ctl().follow({{R"(
+        dbus-daemon --session --fork --print-address=1 --print-pid=1 >bus
+        { read -r address; read -r process; } <bus
+        kill -STOP $process || exit 9
+        DBUS_SESSION_BUS_ADDRESS=$address timeout 20 ')" HALVEX_CTL R"(' menubar list
+        status=$?
+        kill -KILL $process
+        exit $status)",
+                   "", 1, "halvexctl: there is no session bus\n"}});
+}
+
 } // namespace
