@@ -85,4 +85,20 @@ TEST(ExtraVerbs, GiveUpOnABusThatStandsStill) {
                    "", 1, "halvexctl: there is no session bus\n"}});
 }
 
+TEST(ExtraVerbs, InstallNothingOnAFullDiskAndEverythingOnceThereIsRoom) {
+    if (std::system("unshare -rm mount -t tmpfs none /mnt 2>/dev/null") != 0)
+        GTEST_SKIP() << "nothing can be mounted here";
+    const Ctl ctl;
+    ctl.write("big.menu/Contents/Info.plist", "<plist><dict/></plist>");
+    ctl.write("big.menu/Contents/picture", std::string(200'000, '.'));
+    ctl.write("script", R"(
+        mkdir "$1"; mount -t tmpfs -o size=128k none "$1"
+        ')" HALVEX_CTL R"(' --root root install big.menu; echo $?; ls -AR "$1/Menu Extras"
+        mount -o remount,size=1m none "$1"
+        ')" HALVEX_CTL R"(' --root root install big.menu; cat "$1"/*/big.menu/*/picture | wc -c)");
+    ctl.follow({{"unshare -rm sh script \"$PWD/$user\" | sed \"s|$PWD||\"",
+                 "1\n/home/Library/Application Support/Quorvane Software/Menu Extras:\n200000\n", 0,
+                 "failed to install MenuExtra"}});
+}
+
 } // namespace
