@@ -94,7 +94,8 @@ std::shared_ptr<Bundle> bundleForCode(const std::string& file) {
 } // namespace
 
 std::shared_ptr<Bundle> Bundle::bundleForClass(const std::type_info& type) {
-    return bundleForCode(dynamicLoader().fileOfAddress(&type));
+    // The type itself may have been copied into the program that names it; its name was not.
+    return bundleForCode(dynamicLoader().fileOfAddress(type.name()));
 }
 
 std::shared_ptr<Bundle> Bundle::mainBundle() {
