@@ -2,6 +2,7 @@
 // "<what> <milliseconds>" for each step, then "peak <KiB>":
 // "locations steps" reads, merges and splits in memory, "locations operations" loads and saves.
 
+#include "benchmarks/PeakMemory.h"
 #include "paths/LocationRecords.h"
 #include "paths/ovxPaths.h"
 #include "platform/Log.h"
@@ -10,7 +11,6 @@
 #include <chrono>
 #include <cstdio>
 #include <cstdlib>
-#include <fstream>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -22,15 +22,6 @@ class SilentLog final : public platform::Log {
     void write(std::string_view) override {}
     void beep() override {}
 };
-
-/// In KiB. What getrusage gives begins with the peak of the program that started this one.
-long peakMemory() {
-    std::ifstream status("/proc/self/status");
-    for (std::string line; std::getline(status, line);)
-        if (line.starts_with("VmHWM:"))
-            return std::stol(line.substr(6));
-    return 0;
-}
 
 template <class Operation>
 auto timed(const char* what, Operation operation) {

@@ -1,6 +1,7 @@
 // Times one operation on a property list and prints "<milliseconds> <peak memory in KiB>":
 // propertylist_ours floor|read|write FILE. "floor" reads the bytes and looks at each once.
 
+#include "benchmarks/PeakMemory.h"
 #include "platform/FileManager.h"
 #include "platform/PropertyList.h"
 #include "platform/expat/ExpatPropertyLists.h"
@@ -9,21 +10,11 @@
 #include <chrono>
 #include <cstdio>
 #include <cstdlib>
-#include <fstream>
 #include <limits>
 #include <string>
 #include <string_view>
 
 namespace {
-
-/// In KiB. What getrusage gives begins with the peak of the program that started this one.
-long peakMemory() {
-    std::ifstream status("/proc/self/status");
-    for (std::string line; std::getline(status, line);)
-        if (line.starts_with("VmHWM:"))
-            return std::stol(line.substr(6));
-    return 0;
-}
 
 template <class Operation>
 int report(Operation operation) {

@@ -4,13 +4,12 @@
 #include "platform/posix/CopyBytes.h"
 #include "platform/posix/Descriptor.h"
 #include "platform/posix/Folder.h"
+#include "platform/posix/MoveFile.h"
 #include "platform/posix/TemporaryName.h"
 
-#include <array>
 #include <cerrno>
 #include <cstring>
 #include <fcntl.h>
-#include <limits.h>
 #include <optional>
 #include <sys/file.h>
 #include <sys/stat.h>
@@ -30,14 +29,6 @@ Place placeOf(const std::string& path) {
     if (slash == std::string::npos)
         return {".", path};
     return {path.substr(0, slash + 1), path.substr(slash + 1)};
-}
-
-std::optional<std::string> linkTarget(const std::string& path) {
-    std::array<char, PATH_MAX> target{};
-    const ssize_t length = ::readlink(path.c_str(), target.data(), target.size());
-    if (length < 0)
-        return std::nullopt;
-    return std::string(target.data(), static_cast<std::size_t>(length));
 }
 
 /// Where the bytes are to lie: links at @p path are followed, also one to a file still to come.
