@@ -254,8 +254,7 @@ void MenuBar::toggleMenu(MenuExtra& extra) {
 }
 
 void MenuBar::showMenu(Item& item) {
-    if (qt::QtMenu* other = openMenu())
-        other->close();
+    closeOpenMenu();
     MenuExtra& extra = *item.loaded.extra;
     std::unique_ptr<qt::QtMenu> menu;
     runGuarded(item.loaded.identifier, [&] {
@@ -279,7 +278,7 @@ void MenuBar::showMenu(Item& item) {
 
 void MenuBar::closeMenuOf(Item& item) {
     if (item.loaded.extra->isMenuDown())
-        openMenu()->close();
+        closeOpenMenu();
     std::erase_if(menus_,
                   [&](const ShownMenu& shown) { return shown.owner == item.loaded.extra.get(); });
 }
@@ -304,7 +303,7 @@ bool MenuBar::pressBesideMenu(const QMouseEvent& press) {
         if (!widget->rect().contains(widget->mapFromGlobal(place)))
             continue;
         const bool ownItem = item.loaded.extra->isMenuDown();
-        openMenu()->close();
+        closeOpenMenu();
         if (!ownItem)
             widget->press(press);
         return true;
@@ -313,6 +312,8 @@ bool MenuBar::pressBesideMenu(const QMouseEvent& press) {
 }
 
 void MenuBar::showMenuBeside(MenuExtra& extra, int direction) {
+    if (!extra.isMenuDown())
+        return; // a quick second key, while the neighbour's is about to open
     // Items stand from right to left.
     std::vector<Item*> withMenu;
     for (Item& item : items_) {
@@ -325,7 +326,7 @@ void MenuBar::showMenuBeside(MenuExtra& extra, int direction) {
     Item& next = *withMenu[static_cast<std::size_t>(place)];
     if (next.loaded.extra.get() == &extra)
         return;
-    openMenu()->close();
+    closeOpenMenu();
     QTimer::singleShot(0, this, [this, identifier = next.loaded.identifier] {
         if (Item* item = itemWith(identifier))
             showMenu(*item);
@@ -336,6 +337,11 @@ qt::QtMenu* MenuBar::openMenu() const {
     const auto shown = std::find_if(menus_.begin(), menus_.end(),
                                     [](const ShownMenu& menu) { return menu.owner->isMenuDown(); });
     return shown == menus_.end() ? nullptr : shown->menu.get();
+}
+
+void MenuBar::closeOpenMenu() {
+    if (qt::QtMenu* menu = openMenu())
+        menu->close();
 }
 
 // Pictures.

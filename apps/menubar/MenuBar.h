@@ -110,6 +110,7 @@ class MenuBar final : public QObject, public platform::MenuExtraHost, public pla
     bool pressBesideMenu(const QMouseEvent& press);
     void showMenuBeside(platform::MenuExtra& extra, int direction);
     platform::qt::QtMenu* openMenu() const;
+    void closeOpenMenu();
     void placeItems();
     QImage picture();
 

@@ -60,4 +60,14 @@ TEST_F(X11Bar, SendsTheMouseAndTheKeyboardOn) {
     EXPECT_EQ(bar.stop(), 0) << bar.log();
 }
 
+TEST_F(X11Bar, KeepsUpWithKeysThatComeWhileMenusCloseAndOpen) {
+    BarProcess bar({HALVEX_TEST_EXTRA}, settings());
+    x.act({"mousemove", QString::number(kScreenWidth - 40), "10"});
+    for (int i = 0; i < 10; ++i) {
+        x.act({"click", "1"});
+        x.act({"key", "--delay", "0", "Right", "Right", "Left", "Right", "Escape"});
+    }
+    EXPECT_EQ(bar.stop(), 0) << bar.log();
+}
+
 } // namespace
