@@ -222,9 +222,14 @@ class RealHandOver : public BusNotificationsTest {
     }
     void handOver() const { item->HalvexLaunchThread("Request"); }
 
-    qt::QtMainThread mainLoop;
+    /// A program has one to its end.
+    static qt::QtMainThread& mainLoop() {
+        static qt::QtMainThread loop;
+        return loop;
+    }
+
     qt::QtWorkspace workspace;
-    ScopedService<MainThread> mainLoopInPlace{mainLoop};
+    ScopedService<MainThread> mainLoopInPlace{mainLoop()};
     ScopedService<Workspace> workspaceInPlace{workspace};
     ScopedService<DistributedNotificationCenter> centerInPlace{center};
     std::shared_ptr<HalvexMenuExtraBase> item = std::make_shared<HalvexMenuExtraBase>();
