@@ -1,20 +1,16 @@
 #include "apps/halvex/CalculatorWindow.h"
-#include "apps/support/DesktopAppearance.h"
-#include "apps/support/Options.h"
+#include "apps/support/ProgramAppearance.h"
 #include "apps/support/SessionApplication.h"
 #include "apps/support/Signals.h"
-#include "apps/support/StartUp.h"
+#include "apps/support/WindowProgram.h"
 #include "apps/support/WindowService.h"
 #include "platform/Log.h"
 #include "platform/Notifications.h"
 #include "platform/Workspace.h"
-#include "platform/expat/ExpatPropertyLists.h"
-#include "platform/qt/Desktop.h"
 
 #include <QApplication>
 
 #include <memory>
-#include <optional>
 
 using platform::logLine;
 
@@ -49,8 +45,6 @@ SessionApplication::Handlers handlersOf(CalculatorWindow& calculator) {
 }
 
 int runInBackground(const WindowOptions& options) {
-    platform::expat::install();
-    platform::qt::install();
     QApplication::setQuitOnLastWindowClosed(false);
     CalculatorWindow calculator;
     SessionApplication application(kBusName, handlersOf(calculator));
@@ -65,11 +59,7 @@ int runInBackground(const WindowOptions& options) {
         break;
     }
     const QuitOnSignals quitOnSignals;
-    std::optional<DesktopAppearance> desktopAppearance;
-    if (options.appearance == Appearance::Desktop)
-        desktopAppearance.emplace();
-    else
-        applyAppearance(options.appearance);
+    const ProgramAppearance appearance(options.appearance);
     const auto observer = std::make_shared<int>(); // hears as long as this function runs
     platform::distributedNotificationCenter().addObserver(
         observer, kShowCalculator,
@@ -81,10 +71,5 @@ int runInBackground(const WindowOptions& options) {
 } // namespace
 
 int main(int argc, char** argv) {
-    int status = 0;
-    const auto options = readWindowOptions(argc, argv, kCommandLine, status);
-    if (!options)
-        return status;
-    const auto application = startApplication(argv, kName);
-    return runInBackground(*options);
+    return runWindowProgram(argc, argv, kName, kCommandLine, runInBackground);
 }

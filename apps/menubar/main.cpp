@@ -4,7 +4,7 @@
 #include "apps/menubar/Options.h"
 #include "apps/menubar/Places.h"
 #include "apps/menubar/StepJournal.h"
-#include "apps/support/DesktopAppearance.h"
+#include "apps/support/ProgramAppearance.h"
 #include "apps/support/Signals.h"
 #include "apps/support/StartUp.h"
 #include "platform/Log.h"
@@ -12,8 +12,6 @@
 #include "platform/qt/Desktop.h"
 
 #include <QApplication>
-
-#include <optional>
 
 using platform::logLine;
 
@@ -35,11 +33,7 @@ int runBar(const Options& options) {
     case BarService::Registration::Done:
         break;
     }
-    std::optional<DesktopAppearance> desktopAppearance;
-    if (options.appearance == Appearance::Desktop)
-        desktopAppearance.emplace();
-    else
-        applyAppearance(options.appearance);
+    const ProgramAppearance appearance(options.appearance);
     items.start(options.bundles);
     menuBar.show();
     const QuitOnSignals quitOnSignals;

@@ -1,22 +1,17 @@
 #include "apps/preferences/BarWatch.h"
 #include "apps/preferences/PreferencesWindow.h"
-#include "apps/support/DesktopAppearance.h"
-#include "apps/support/Options.h"
+#include "apps/support/ProgramAppearance.h"
 #include "apps/support/SessionApplication.h"
 #include "apps/support/Signals.h"
-#include "apps/support/StartUp.h"
+#include "apps/support/WindowProgram.h"
 #include "apps/support/WindowService.h"
 #include "menuextras/ExportedIdentifiers.h"
 #include "platform/Log.h"
-#include "platform/expat/ExpatPropertyLists.h"
 #include "platform/qt/BarClient.h"
-#include "platform/qt/Desktop.h"
 
 #include <QApplication>
 #include <QDir>
 #include <QUrl>
-
-#include <optional>
 
 namespace {
 
@@ -80,8 +75,6 @@ bool handOver(const SessionApplication& application, const WindowOptions& option
 }
 
 int runWindow(const WindowOptions& options) {
-    platform::expat::install();
-    platform::qt::install();
     platform::qt::BarClient bar;
     const platform::ScopedService<platform::MenuExtraServer> server(bar);
     PreferencesWindow window([&bar] { return bool(bar.processIdentifier()); });
@@ -103,11 +96,7 @@ int runWindow(const WindowOptions& options) {
         break;
     }
     const QuitOnSignals quitOnSignals;
-    std::optional<DesktopAppearance> desktopAppearance;
-    if (options.appearance == Appearance::Desktop)
-        desktopAppearance.emplace();
-    else
-        applyAppearance(options.appearance);
+    const ProgramAppearance appearance(options.appearance);
     const BarWatch barWatch;
     QObject::connect(&barWatch, &BarWatch::changed, &window, &PreferencesWindow::refresh);
     if (options.arguments.empty())
@@ -120,10 +109,5 @@ int runWindow(const WindowOptions& options) {
 } // namespace
 
 int main(int argc, char** argv) {
-    int status = 0;
-    const auto options = readWindowOptions(argc, argv, kCommandLine, status);
-    if (!options)
-        return status;
-    const auto application = startApplication(argv, "halvex-preferences");
-    return runWindow(*options);
+    return runWindowProgram(argc, argv, "halvex-preferences", kCommandLine, runWindow);
 }

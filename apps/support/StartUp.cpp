@@ -24,7 +24,8 @@ QPalette lightPalette() {
 QPalette darkPalette() {
     QPalette palette(QColor(0x2b, 0x2b, 0x2d));
     palette.setColor(QPalette::Mid, QColor(0x10, 0x10, 0x10));
-    palette.setColor(QPalette::Base, QColor(0x1e, 0x1e, 0x20)); // menus
+    // Menus; the lines in them are a darker shade of the window's.
+    palette.setColor(QPalette::Base, QColor(0x38, 0x38, 0x3a));
     palette.setColor(QPalette::Highlight, QColor(0x5a, 0x9c, 0xf8));
     palette.setColor(QPalette::HighlightedText, Qt::black);
     return palette;

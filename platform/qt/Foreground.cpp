@@ -77,8 +77,9 @@ class WindowManager {
 };
 
 void activateWindow(ProcessSerialNumber process) {
+    const auto* application = qobject_cast<QGuiApplication*>(QCoreApplication::instance());
     const auto* x11 =
-        qGuiApp ? qGuiApp->nativeInterface<QNativeInterface::QX11Application>() : nullptr;
+        application ? application->nativeInterface<QNativeInterface::QX11Application>() : nullptr;
     // "offscreen" has the interface but no connection.
     xcb_connection_t* x = x11 ? x11->connection() : nullptr;
     const auto identifier = posix::processIdentifier(process);

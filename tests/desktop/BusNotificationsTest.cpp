@@ -1,19 +1,26 @@
 #include "platform/qt/BusNotifications.h"
 
+#include "menubar/HalvexMenuExtraBase.h"
+#include "menuextras/ExportedIdentifiers.h"
 #include "platform/BusNames.h"
 #include "platform/expat/ExpatPropertyLists.h"
 #include "platform/qt/Foreground.h"
+#include "platform/qt/QtMainThread.h"
+#include "platform/qt/QtWorkspace.h"
 #include "tests/desktop/support/BarProcess.h"
 #include "tests/desktop/support/SpoiltBundle.h"
+#include "tests/support/Fakes.h"
 #include "tests/support/RecordingLog.h"
 #include "tests/support/ScopedEnvironment.h"
 
 #include <QCoreApplication>
+#include <QElapsedTimer>
 #include <QThread>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <csignal>
 #include <map>
 #include <sstream>
 #include <thread>
@@ -23,19 +30,15 @@ using platform::qt::BusNotifications;
 using test::BarProcess;
 using test::PrivateBus;
 using testing::ElementsAre;
+using testing::IsEmpty;
+using testing::Ne;
 using testing::SizeIs;
 
 namespace {
 
 class BusNotificationsTest : public testing::Test {
   protected:
-    void SetUp() override {
-        expat::install();
-        environment.insert("DBUS_SESSION_BUS_ADDRESS", bus.address());
-        environment.insert("HOME", QString::fromStdString(folder.path().string()));
-        environment.insert("LD_LIBRARY_PATH", HALVEX_LIBRARIES);
-        environment.insert("QT_QPA_PLATFORM", "offscreen");
-    }
+    void SetUp() override { expat::install(); }
     void observe(const std::string& name) {
         center.addObserver(self, name, [this](const Notification& heardOne) {
             EXPECT_EQ(QThread::currentThread(), QCoreApplication::instance()->thread());
@@ -45,14 +48,13 @@ class BusNotificationsTest : public testing::Test {
     bool hears(std::size_t count) {
         return BarProcess::eventually([&] { return heard.size() >= count; });
     }
-    std::unique_ptr<QProcess> start(const QString& program, const QStringList& arguments) const {
+    static std::unique_ptr<QProcess> start(const QString& program, const QStringList& arguments) {
         auto process = std::make_unique<QProcess>();
-        process->setProcessEnvironment(environment);
         process->setProcessChannelMode(QProcess::ForwardedErrorChannel);
         process->start(program, arguments);
         return process;
     }
-    int request() const {
+    static int request() {
         const auto ctl = start(HALVEX_CTL, {"background", "request", "Request"});
         return ctl->waitForFinished(60000) ? ctl->exitCode() : -1;
     }
@@ -83,11 +85,18 @@ class BusNotificationsTest : public testing::Test {
     test::TemporaryFolder folder;
     test::RecordingLog log;
     PrivateBus bus;
-    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+    const test::ScopedEnvironment session{"DBUS_SESSION_BUS_ADDRESS", bus.addressText()};
+    const test::ScopedEnvironment home{"HOME", folder.path().string()};
+    const test::ScopedEnvironment libraries{"LD_LIBRARY_PATH", HALVEX_LIBRARIES};
+    const test::ScopedEnvironment display{"QT_QPA_PLATFORM", "offscreen"};
     std::shared_ptr<int> self = std::make_shared<int>();
     std::vector<Notification> heard;
-    BusNotifications center{bus.address().toStdString()};
+    BusNotifications center{bus.addressText()};
 };
+
+bool isRunning(const std::string& process) {
+    return std::filesystem::exists("/proc/" + process + "/exe");
+}
 
 TEST_F(BusNotificationsTest, OfSeveralProcessesComeInTheOrderOfEachSender) {
     constexpr int kCount = 300;
@@ -184,13 +193,88 @@ TEST_F(BusNotificationsTest, ReachAnApplicationThatIsStartedForThemAndLaterTheSa
     ASSERT_EQ(words.size(), 2);
     EXPECT_EQ(words[1].toStdString(), both[0]);
 
-    const test::ScopedEnvironment session("DBUS_SESSION_BUS_ADDRESS", bus.address().toStdString());
     platform::qt::bringApplicationToFront(words[0].toULongLong());
     EXPECT_THAT(written("activations", 1), ElementsAre(both[0]));
     center.post({.name = "Quit", .object = {}, .userInfo = {}});
     center.flush();
-    EXPECT_TRUE(BarProcess::eventually(
-        [&] { return !std::filesystem::exists("/proc/" + both[0] + "/exe"); }));
+    EXPECT_TRUE(BarProcess::eventually([&] { return !isRunning(both[0]); }));
+}
+
+/// An item in this process, and the application that it hands "Request" over to.
+class RealHandOver : public BusNotificationsTest {
+  protected:
+    void SetUp() override {
+        BusNotificationsTest::SetUp();
+        installApplication();
+    }
+    /// Leaves no application to the tests that take their turn next.
+    void TearDown() override {
+        for (const std::string& process : written("requests", 0))
+            end(process);
+    }
+    static void end(const std::string& process) {
+        kill(std::stoi(process), SIGKILL);
+        EXPECT_TRUE(BarProcess::eventually([&] { return !isRunning(process); }));
+    }
+    std::string startedApplication() const {
+        request();
+        return written("requests", 1).at(0);
+    }
+    void handOver() const { item->HalvexLaunchThread("Request"); }
+
+    /// A program has one to its end.
+    static qt::QtMainThread& mainLoop() {
+        static qt::QtMainThread loop;
+        return loop;
+    }
+
+    qt::QtWorkspace workspace;
+    ScopedService<MainThread> mainLoopInPlace{mainLoop()};
+    ScopedService<Workspace> workspaceInPlace{workspace};
+    ScopedService<DistributedNotificationCenter> centerInPlace{center};
+    std::shared_ptr<HalvexMenuExtraBase> item = std::make_shared<HalvexMenuExtraBase>();
+};
+
+TEST_F(RealHandOver, ToAnApplicationThatIsKilledMeanwhileIsLostAndTheNextOneStartsAnother) {
+    const std::string first = startedApplication();
+    handOver();
+    end(first);
+    QCoreApplication::processEvents(); // notifies nobody
+    EXPECT_THAT(log.take(), IsEmpty());
+    EXPECT_EQ(request(), 0);
+    EXPECT_THAT(written("requests", 2), ElementsAre(first, Ne(first)));
+}
+
+TEST_F(RealHandOver, ToAnApplicationThatHangsWaitsForNothingAndArrivesInTheEnd) {
+    const std::string application = startedApplication();
+    kill(std::stoi(application), SIGSTOP);
+    QElapsedTimer timer;
+    timer.start();
+    handOver();
+    QCoreApplication::processEvents();
+    EXPECT_LT(timer.elapsed(), 1000);
+    EXPECT_EQ(request(), 0) << "another process is not held up either";
+    EXPECT_THAT(written("requests", 1), SizeIs(1));
+    kill(std::stoi(application), SIGCONT);
+    EXPECT_THAT(written("requests", 3), ElementsAre(application, application, application));
+}
+
+TEST_F(RealHandOver, ToAnApplicationThatComesTooLateKeepsListeningUntilItDoes) {
+    test::ManualClock clock; // the 50 seconds are over before the program has begun
+    handOver();
+    EXPECT_THAT(clock.sleeps, SizeIs(200));
+    EXPECT_EQ(gHalvexisrunning, 0);
+    EXPECT_TRUE(BarProcess::eventually([] { return gHalvexisrunning == 1; }));
+
+    gHalvexisrunning = 0;
+    announceLaunch("Halvex"); // through both centres
+    observe("Last");
+    center.post({.name = "Last", .object = {}, .userInfo = {}});
+    EXPECT_TRUE(hears(1));
+    EXPECT_EQ(gHalvexisrunning, 0) << "it is no longer listened for";
+    handOver();
+    QCoreApplication::processEvents();
+    EXPECT_FALSE(written("requests", 1).empty());
 }
 
 } // namespace

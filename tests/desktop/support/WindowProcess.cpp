@@ -37,21 +37,25 @@ void WindowProcess::start(const QStringList& arguments) {
 }
 
 int WindowProcess::startAgain(const QStringList& arguments) {
-    return runToItsEnd(arguments, environment_);
+    return startBeside(program_, arguments);
+}
+
+int WindowProcess::startBeside(const QString& program, const QStringList& arguments) {
+    return runToItsEnd(program, arguments, environment_);
 }
 
 int WindowProcess::runWithoutBus() {
     auto environment = environment_;
     environment.insert("DBUS_SESSION_BUS_ADDRESS", "unix:path=/nowhere");
-    return runToItsEnd({}, environment);
+    return runToItsEnd(program_, {}, environment);
 }
 
-int WindowProcess::runToItsEnd(const QStringList& arguments,
+int WindowProcess::runToItsEnd(const QString& program, const QStringList& arguments,
                                const QProcessEnvironment& environment) {
     QProcess process;
     process.setProcessEnvironment(environment);
     process.setProcessChannelMode(QProcess::MergedChannels);
-    process.start(program_, arguments);
+    process.start(program, arguments);
     const bool ended = process.waitForFinished(kLimit);
     log_ += process.readAll().toStdString();
     return ended && process.exitStatus() == QProcess::NormalExit ? process.exitCode() : -1;

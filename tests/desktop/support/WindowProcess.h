@@ -17,6 +17,8 @@ class WindowProcess {
     void start(const QStringList& arguments = {});
     /// Starts another one and gives its exit status, -1 when it does not end.
     int startAgain(const QStringList& arguments = {});
+    /// The same with another program in the same surroundings.
+    int startBeside(const QString& program, const QStringList& arguments);
     /// Runs the program without any bus; its exit status, -1 when it does not end.
     int runWithoutBus();
 
@@ -38,7 +40,8 @@ class WindowProcess {
     TemporaryFolder folder;
 
   private:
-    int runToItsEnd(const QStringList& arguments, const QProcessEnvironment& environment);
+    int runToItsEnd(const QString& program, const QStringList& arguments,
+                    const QProcessEnvironment& environment);
 
     const QString program_, name_;
     QProcessEnvironment environment_;

@@ -74,6 +74,35 @@ class XServer {
         return QString::fromUtf8(xdotool.readAllStandardOutput());
     }
 
+    /// Lists a window of @p process's, as a window manager does, and hears what is asked of one.
+    std::uint32_t manageWindowOf(std::uint32_t process) const {
+        const std::uint32_t events = XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY;
+        xcb_change_window_attributes(connection_, root_, XCB_CW_EVENT_MASK, &events);
+        const auto window = xcb_generate_id(connection_);
+        xcb_create_window(connection_, XCB_COPY_FROM_PARENT, window, root_, 0, 0, 9, 9, 0,
+                          XCB_WINDOW_CLASS_INPUT_OUTPUT, XCB_COPY_FROM_PARENT, 0, nullptr);
+        const auto set = [&](xcb_window_t of, const char* name, xcb_atom_t type,
+                             std::uint32_t value) {
+            xcb_change_property(connection_, XCB_PROP_MODE_REPLACE, of, atom(name), type, 32, 1,
+                                &value);
+        };
+        set(window, "_NET_WM_PID", XCB_ATOM_CARDINAL, process);
+        set(root_, "_NET_CLIENT_LIST_STACKING", XCB_ATOM_WINDOW, window);
+        xcb_flush(connection_);
+        return window;
+    }
+    /// Whether the window manager has been asked for this about the window, since the last time.
+    bool isAsked(const std::string& message, std::uint32_t window) const {
+        const std::uint32_t type = atom(message);
+        bool found = false;
+        while (const auto event = owned(xcb_poll_for_event(connection_))) {
+            const auto* asked = reinterpret_cast<const xcb_client_message_event_t*>(event.get());
+            found = found || ((event->response_type & 0x7f) == XCB_CLIENT_MESSAGE &&
+                              asked->type == type && asked->window == window);
+        }
+        return found;
+    }
+
     QString display;
 
   private:

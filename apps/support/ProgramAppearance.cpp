@@ -1,6 +1,4 @@
-#include "apps/support/DesktopAppearance.h"
-
-#include "apps/support/StartUp.h"
+#include "apps/support/ProgramAppearance.h"
 
 #include <QApplication>
 #include <QDBusConnection>
@@ -28,7 +26,14 @@ uint unwrapped(const QVariant& value) {
 
 } // namespace
 
-DesktopAppearance::DesktopAppearance() {
+ProgramAppearance::ProgramAppearance(Appearance wanted) {
+    if (wanted == Appearance::Desktop)
+        askDesktop();
+    else
+        applyAppearance(wanted);
+}
+
+void ProgramAppearance::askDesktop() {
     auto bus = QDBusConnection::sessionBus();
     if (!bus.isConnected())
         return;
@@ -46,13 +51,13 @@ DesktopAppearance::DesktopAppearance() {
     });
 }
 
-void DesktopAppearance::settingChanged(const QDBusMessage& message) {
+void ProgramAppearance::settingChanged(const QDBusMessage& message) {
     const QVariantList arguments = message.arguments(); // group, key, value
     if (arguments.size() == 3 && arguments[0] == kGroup && arguments[1] == kKey)
         follow(unwrapped(arguments[2]));
 }
 
-void DesktopAppearance::follow(uint scheme) {
+void ProgramAppearance::follow(uint scheme) {
     applyAppearance(Appearance::Desktop);
     const bool isDark = QApplication::palette().color(QPalette::Window).lightness() < 128;
     if (scheme == kPreferDark && !isDark)

@@ -1,0 +1,86 @@
+#include "tests/desktop/support/WindowProcess.h"
+#include "tests/desktop/support/XServer.h"
+
+#include <QDBusConnectionInterface>
+
+#include <gtest/gtest.h>
+
+#include <csignal>
+
+using test::BarProcess;
+namespace fs = std::filesystem;
+
+namespace {
+
+constexpr const char* kName = "com.quorvanesoftware.Halvex";
+
+/// The bar with the product's clock, on a screen of its own, and the application that its menu asks
+/// for the calculator.
+class CalculatorRequest : public testing::Test {
+  protected:
+    ~CalculatorRequest() override {
+        const uint process = processOnBus();
+        if (process == 0)
+            return;
+        kill(static_cast<pid_t>(process), SIGTERM);
+        EXPECT_TRUE(BarProcess::eventually([&] { return program(process).empty(); }));
+    }
+    uint processOnBus() const {
+        return halvex.bus.connection().interface()->servicePid(kName).value();
+    }
+    static fs::path program(uint process) {
+        std::error_code gone;
+        return fs::read_symlink("/proc/" + std::to_string(process) + "/exe", gone);
+    }
+    void chooseCalculator() const {
+        const int clock = 63 + 12 + 4; // about as wide as the bar's own clock
+        x.act({"mousemove", QString::number(test::kScreenWidth - clock - 20), "10"});
+        x.act({"click", "1"});
+        x.act({"key", "Up"}); // from below: the preferences
+        x.act({"key", "Up"});
+        x.act({"key", "Return"});
+    }
+    bool isShown() {
+        return BarProcess::eventually([this] { return !halvex.picture().isNull(); });
+    }
+
+    test::XServer x;
+    test::WindowProcess halvex{"", kName};
+    BarProcess bar{{&halvex.bus, [](test::PrivateBus*) {}},
+                   {HALVEX_TIME_MENU},
+                   {{"QT_QPA_PLATFORM", "xcb"}, {"DISPLAY", x.display}}};
+};
+
+TEST_F(CalculatorRequest, StartsTheApplicationOfTheInstalledPaneAndLaterShowsTheSameOneAtOnce) {
+    const auto pane = bar.home() / "Library/PreferencePanes/Halvex Pro.prefPane";
+    fs::create_directories(pane.parent_path());
+    fs::copy(HALVEX_PANE, pane, fs::copy_options::recursive);
+    chooseCalculator();
+    ASSERT_TRUE(isShown()) << bar.log();
+    const uint process = processOnBus();
+    EXPECT_EQ(program(process), pane / "Contents/PlugIns/Halvex.app/Contents/Linux/Halvex");
+    x.act({"search", "--onlyvisible", "--name", "^Calculator$", "windowfocus", "key", "ctrl+w"});
+    EXPECT_TRUE(BarProcess::eventually([this] { return halvex.picture().isNull(); }));
+    chooseCalculator();
+    EXPECT_TRUE(isShown());
+    EXPECT_EQ(processOnBus(), process);
+    EXPECT_EQ(bar.stop(), 0) << bar.log();
+}
+
+TEST_F(CalculatorRequest, AsksTheWindowManagerForAnApplicationThatIsNotOnTheBus) {
+    const auto folder = bar.home() / "Halvex.app/Contents";
+    fs::create_directories(folder / "Linux");
+    fs::copy("/bin/sleep", folder / "Linux/Program");
+    std::ofstream(folder / "Info.plist") << "<plist><dict><key>CFBundleIdentifier</key>"
+                                            "<string>test.nobody</string></dict></plist>";
+    QProcess application;
+    application.start(QString::fromStdString(folder / "Linux/Program"), {"60"});
+    ASSERT_TRUE(application.waitForStarted());
+    const auto window = x.manageWindowOf(static_cast<std::uint32_t>(application.processId()));
+    chooseCalculator();
+    EXPECT_TRUE(BarProcess::eventually([&] { return x.isAsked("_NET_ACTIVE_WINDOW", window); }));
+    application.kill();
+    application.waitForFinished();
+}
+
+} // namespace
