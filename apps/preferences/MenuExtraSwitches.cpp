@@ -2,11 +2,13 @@
 
 #include "menuextras/MenuExtraTools.h"
 #include "platform/FileManager.h"
+#include "platform/MainThread.h"
 #include "platform/PathStrings.h"
 #include "platform/posix/HomeFolders.h"
 
 #include <QCheckBox>
 #include <QEvent>
+#include <QPointer>
 #include <QVBoxLayout>
 
 #include <algorithm>
@@ -93,8 +95,7 @@ void MenuExtraSwitches::colourBoxes() {
 void MenuExtraSwitches::refresh() {
     for (const Switch& entry : switches_) {
         later([this, box = entry.box, identifier = entry.identifier] {
-            const bool loaded = isLoaded(identifier);
-            QMetaObject::invokeMethod(this, [this, box, loaded] {
+            showLater([this, box, loaded = isLoaded(identifier)] {
                 const auto found = std::ranges::find(switches_, box, &Switch::box);
                 if (found->isBusy)
                     return;
@@ -113,8 +114,7 @@ void MenuExtraSwitches::turn(std::size_t index, bool on) {
     later([this, index, on, tag = entry.tag, identifier = entry.identifier] {
         platform::posix::makeHomeFolders(platform::fileManager());
         HalvexMenuExtraTools::menuExtraToggle(tag, on ? 1 : 0);
-        const bool loaded = isLoaded(identifier);
-        QMetaObject::invokeMethod(this, [this, index, on, loaded] { turned(index, on, loaded); });
+        showLater([this, index, on, loaded = isLoaded(identifier)] { turned(index, on, loaded); });
     });
 }
 
@@ -135,4 +135,12 @@ bool MenuExtraSwitches::isLoaded(const std::string& identifier) const {
 
 void MenuExtraSwitches::later(std::function<void()> work) {
     worker_.start(std::move(work));
+}
+
+void MenuExtraSwitches::showLater(std::function<void()> code) {
+    const auto unlessGone = [self = QPointer(this), code = std::move(code)] {
+        if (self)
+            code();
+    };
+    platform::mainThread().perform(unlessGone, platform::MainThread::Wait::No);
 }

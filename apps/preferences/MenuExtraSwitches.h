@@ -45,6 +45,8 @@ class MenuExtraSwitches final : public QWidget {
     bool isLoaded(const std::string& identifier) const;
     /// Runs on the one worker thread: the bar may take seconds.
     void later(std::function<void()> work);
+    /// Runs on the main thread, unless this is gone by then. Worker thread.
+    void showLater(std::function<void()> code);
 
     const std::function<bool()> isBarRunning_;
     std::vector<Switch> switches_;

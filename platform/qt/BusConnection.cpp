@@ -6,6 +6,7 @@
 #include <QString>
 
 #include <atomic>
+#include <condition_variable>
 #include <memory>
 #include <utility>
 
@@ -31,19 +32,41 @@ BusConnection::~BusConnection() {
         QDBusConnection::disconnectFromBus(qString(name_));
 }
 
+/// Of one attempt to connect, which may outlive the object that wants it.
+class BusConnection::Attempt {
+  public:
+    void end() {
+        const std::lock_guard lock(mutex_);
+        hasEnded_ = true;
+        ended_.notify_all();
+    }
+    bool hasEnded() {
+        const std::lock_guard lock(mutex_);
+        return hasEnded_;
+    }
+    void waitFor(std::chrono::seconds time) {
+        std::unique_lock lock(mutex_);
+        ended_.wait_for(lock, time, [this] { return hasEnded_; });
+    }
+
+  private:
+    std::mutex mutex_;
+    std::condition_variable ended_;
+    bool hasEnded_ = false;
+};
+
 // Qt waits for the bus's first word as long as it takes, so that is a thread's affair.
 void BusConnection::connect() {
     name_ = uniqueName(purpose_);
-    const auto task = std::make_shared<std::packaged_task<void()>>(
-        [name = qString(name_), address = qString(busAddress_)] {
-            if (address.isEmpty())
-                QDBusConnection::connectToBus(QDBusConnection::SessionBus, name);
-            else
-                QDBusConnection::connectToBus(address, name);
-        });
-    connecting_ = task->get_future();
-    detachThread([task] { (*task)(); });
-    connecting_.wait_for(kPatience);
+    attempt_ = std::make_shared<Attempt>();
+    detachThread([attempt = attempt_, name = qString(name_), address = qString(busAddress_)] {
+        if (address.isEmpty())
+            QDBusConnection::connectToBus(QDBusConnection::SessionBus, name);
+        else
+            QDBusConnection::connectToBus(address, name);
+        attempt->end();
+    });
+    attempt_->waitFor(kPatience);
 }
 
 // A bus that has gone may be back under the same address.
@@ -59,7 +82,7 @@ QDBusConnection BusConnection::get() {
 }
 
 bool BusConnection::isConnecting() const {
-    return connecting_.wait_for(std::chrono::seconds::zero()) != std::future_status::ready;
+    return !attempt_->hasEnded();
 }
 
 } // namespace platform::qt

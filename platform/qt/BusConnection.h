@@ -1,7 +1,7 @@
 #pragma once
 
 #include <chrono>
-#include <future>
+#include <memory>
 #include <mutex>
 #include <string>
 
@@ -25,6 +25,7 @@ class BusConnection {
     QDBusConnection get();
 
   private:
+    class Attempt;
     static constexpr std::chrono::seconds kPatience{5};
 
     void connect();
@@ -34,7 +35,7 @@ class BusConnection {
     const std::string purpose_;
     std::mutex mutex_;
     std::string name_; // of Qt's; empty before the first time
-    std::future<void> connecting_;
+    std::shared_ptr<Attempt> attempt_;
 };
 
 } // namespace platform::qt

@@ -2,10 +2,15 @@
 
 #include "platform/Guard.h"
 
+#include <QCoreApplication>
+#include <QEvent>
 #include <QObject>
 #include <QSocketNotifier>
 #include <QThread>
 
+#include <condition_variable>
+#include <deque>
+#include <mutex>
 #include <utility>
 
 namespace platform::qt {
@@ -29,17 +34,56 @@ class NotifierWatch final : public Watch {
 
 } // namespace
 
-QtMainThread::QtMainThread() : context_(new QObject) {}
+/// Work in the order in which it came. Qt only wakes the main thread for it: what one thread hands
+/// to another goes through a lock that the thread sanitizer sees, too.
+class QtMainThread::Queue final : public QObject {
+  public:
+    struct Work {
+        std::function<void()> code;
+        bool isDone = false;
+    };
+
+    void add(std::shared_ptr<Work> work) {
+        const std::lock_guard lock(mutex_);
+        waiting_.push_back(std::move(work));
+        QCoreApplication::postEvent(this, new QEvent(QEvent::User));
+    }
+    void waitFor(const Work& work) {
+        std::unique_lock lock(mutex_);
+        done_.wait(lock, [&] { return work.isDone; });
+    }
+
+  private:
+    bool event(QEvent* event) override {
+        if (event->type() != QEvent::User)
+            return QObject::event(event);
+        std::unique_lock lock(mutex_);
+        const std::shared_ptr<Work> work = std::move(waiting_.front());
+        waiting_.pop_front();
+        lock.unlock();
+        std::exchange(work->code, nullptr)();
+        lock.lock();
+        work->isDone = true;
+        done_.notify_all();
+        return true;
+    }
+
+    std::mutex mutex_;
+    std::condition_variable done_;
+    std::deque<std::shared_ptr<Work>> waiting_;
+};
+
+QtMainThread::QtMainThread() : queue_(new Queue) {}
 
 void QtMainThread::perform(std::function<void()> work, Wait wait) {
     auto guarded = [owner = currentOwner(), work = std::move(work)] { runGuarded(owner, work); };
-    const bool onMainThread = QThread::currentThread() == context_->thread();
-    if (wait == Wait::No)
-        QMetaObject::invokeMethod(context_, std::move(guarded), Qt::QueuedConnection);
-    else if (onMainThread)
-        guarded();
-    else
-        QMetaObject::invokeMethod(context_, std::move(guarded), Qt::BlockingQueuedConnection);
+    const bool onMainThread = QThread::currentThread() == queue_->thread();
+    if (wait == Wait::UntilDone && onMainThread)
+        return guarded();
+    const auto entry = std::make_shared<Queue::Work>(std::move(guarded));
+    queue_->add(entry);
+    if (wait == Wait::UntilDone)
+        queue_->waitFor(*entry);
 }
 
 std::unique_ptr<Watch> QtMainThread::watchReadable(int fileDescriptor,

@@ -2,8 +2,6 @@
 
 #include "platform/MainThread.h"
 
-class QObject;
-
 namespace platform::qt {
 
 /// Qt's main loop, of the thread that makes this object. Handlers run under the name of the owner
@@ -17,7 +15,8 @@ class QtMainThread final : public MainThread {
                                          std::function<void()> handler) override;
 
   private:
-    QObject* context_; // never destroyed: a thread that outlives the loop may still refer to it
+    class Queue;
+    Queue* queue_; // never destroyed: a thread that outlives the loop may still refer to it
 };
 
 } // namespace platform::qt

@@ -1,6 +1,7 @@
 #include "apps/preferences/PreferencesWindow.h"
 
 #include "menuextras/ExportedIdentifiers.h"
+#include "platform/qt/QtMainThread.h"
 #include "tests/paths/SupportTree.h"
 #include "tests/support/Fakes.h"
 
@@ -58,6 +59,8 @@ class Preferences : public testing::Test {
         return QTest::qWaitFor([this] { return box() && box()->isEnabled(); });
     }
 
+    platform::qt::QtMainThread mainLoop;
+    platform::ScopedService<platform::MainThread> mainLoopInPlace{mainLoop};
     test::SupportTree tree{{kFolder}};
     test::RecordingMenuBar bar;
     test::ManualClock clock;
