@@ -1,7 +1,5 @@
 #include "tests/ctl/Ctl.h"
 
-#include <gtest/gtest.h>
-
 using test::Ctl;
 
 namespace {

@@ -1,7 +1,5 @@
 #include "tests/ctl/Ctl.h"
 
-#include <gtest/gtest.h>
-
 using test::Ctl;
 
 namespace {
@@ -36,11 +34,9 @@ TEST(FeedbackVerb, PrintsTheAddressOrHandsItToTheDesktopWithoutAShell) {
         "chmod +x bin/xdg-open; export PATH=\"$PWD/bin:$PATH\" TZ=Asia/Kolkata\n";
     ctl.follow({
         {setUp + "halvexctl feedback 'Halvex Pro' --bundle a --print --system 0x1045 "
-                 "--media 07608000 --zone Europe/Paris,CET,3600 | cut -d'?' -f2; [ ! -e opened ]",
-         "Subject=Halvex%20Pro%203.1%20Feedback&body=I%20am%20using%20MacOS%20X%20"
-         "10.4.5%20(PPC)%20with%20Halvex%20Pro%203.1.%0d%0dMy%20Local%20Time%20"
-         "Zone%3A%20Europe/Paris%20[CET,%20GMT%3A%201.00]%0dQuickTime%20Version"
-         "%3A%207.6.0%0d%0dFeedback%20/%20Bug%20Report%3A%0d%0d\n"},
+                 "--media 07608000 --zone Europe/Paris,CET,3600 | grep -c '=Halvex%20Pro%203.1%20.*"
+                 "%2010.4.5%20.*Paris%20\\[CET,%20GMT%3A%201.00\\].*%207.6.0%0d'; [ ! -e opened ]",
+         "1\n"},
         {setUp + "halvexctl feedback Halvex --print | grep -c "
                  "'=Halvex%20(null)%20.*Kolkata%20\\[IST,%20GMT%3A%205.50\\].*%3A%200.0.0%0d'",
          "1\n"},

@@ -1,5 +1,4 @@
 #include "menuextras/ExportedIdentifiers.h"
-#include "platform/Event.h"
 #include "tests/desktop/support/FakeService.h"
 #include "tests/desktop/support/SpoiltBundle.h"
 
@@ -54,20 +53,6 @@ TEST(Bar, ShowsTheProductsClockAndOpensItsMenuOnAClick) {
     EXPECT_FALSE(bar.click(kOwnClock)) << "and closes again";
     EXPECT_EQ(QImage(bar.snapshot()).height(), 22);
     EXPECT_EQ(bar.stop(), 0) << bar.log();
-}
-
-TEST(Bar, TellsAnItemWhichClickItWasAndTheCallerWhetherItWasConsumed) {
-    BarProcess bar({HALVEX_TEST_EXTRA});
-    const std::tuple<std::uint32_t, int, const char*> cases[] = {
-        {platform::kShiftKeyMask, 0, "click shift 3"},
-        {platform::kOptionKeyMask, 0, "click option 3"},
-        {0, 3, "click control 3"},
-        {0, 1, "click plain 3"},
-    };
-    for (const auto& [flags, button, line] : cases) {
-        EXPECT_EQ(bar.click(kTestExtra, flags, 3, button), flags == platform::kShiftKeyMask);
-        EXPECT_TRUE(bar.logs(line)) << bar.log();
-    }
 }
 
 TEST(Bar, LetsAnItemTakeItselfAndOthersOut) {

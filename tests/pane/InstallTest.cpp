@@ -5,7 +5,6 @@
 #include <gtest/gtest.h>
 
 #include <cstdlib>
-#include <iterator>
 
 using testing::HasSubstr;
 
@@ -22,8 +21,7 @@ class Installation : public testing::Test {
         const std::string script = "cd '" + stage.path().string() + "' && pane='" + pane +
                                    "' && { " + command + "\n} >output 2>&1";
         const int status = std::system(script.c_str());
-        std::ifstream stream(stage.path() / "output");
-        output.assign(std::istreambuf_iterator<char>(stream), {});
+        output = test::contents(stage.path() / "output");
         ASSERT_EQ(status, 0) << output;
     }
 

@@ -44,18 +44,6 @@ TEST_F(BundleFolder, NeverLeadsToCodeOutsideOfItself) {
     }
 }
 
-TEST_F(BundleFolder, WithoutADictionaryIsABundleAllTheSameAndSaysWhy) {
-    std::string reason;
-    EXPECT_EQ(Bundle::bundleWithPath(folder.write("file", ""), &reason), nullptr);
-    EXPECT_EQ(reason, "there is no such folder");
-    for (const auto& [text, why] : {std::pair{"<plist><array/></plist>", "no dictionary"},
-                                    std::pair{"<plist>\n<dict>", "line 2, column"}}) {
-        folder.write("Test.menu/Contents/Info.plist", text);
-        EXPECT_EQ(Bundle::bundleWithPath(path, &reason)->infoDictionary(), nullptr);
-        EXPECT_TRUE(reason.starts_with(std::string("Info.plist: ") + why)) << reason;
-    }
-}
-
 TEST_F(BundleFolder, IsAsItIsOnTheDiskAndAsItWasOnceItIsGone) {
     EXPECT_EQ(Bundle::bundleWithPath(path), nullptr);
     for (const char* executable : {"One", "Two", "Six"}) {

@@ -48,15 +48,4 @@ TEST(MenuItem, LivesThroughAnActionThatDropsItsTargetAndItsMenu) {
     EXPECT_TRUE(watched.expired());
 }
 
-TEST(MenuItem, TellsWhoShowsItOnlyOfRealChanges) {
-    int changes = 0;
-    MenuItem item("a");
-    item.setChangeHandler([&] { ++changes; });
-    for (const char* title : {"a", "b", "b"})
-        item.setTitle(title);
-    for (const auto state : {MenuItem::State::Off, MenuItem::State::On})
-        item.setState(state);
-    EXPECT_EQ(changes, 2);
-}
-
 } // namespace

@@ -48,34 +48,21 @@ TEST_F(Feedback, TellsWhatSupportNeeds) {
     EXPECT_THAT(log.take(), ElementsAre());
 }
 
-TEST_F(Feedback, WritesVersionsAsTheyAreCoded) {
-    const std::pair<std::optional<std::uint32_t>, const char*> systems[] = {
-        {0x1039, "X%2010.3.9%20"},
-        {0x1104, "X%2011.0.4%20"},
-        {0xABCD05FF, "X%205.15.15%20"},
-        {std::nullopt, "X%200.0.0%20"},
-    };
-    for (const auto& [version, text] : systems) {
+TEST_F(Feedback, WritesVersionsAsTheyAreCodedAndTheOffsetInHours) {
+    using Version = std::optional<std::uint32_t>;
+    const std::tuple<Version, const char*, Version, const char*, std::int32_t, const char*>
+        cases[] = {{0x1039, "10.3.9", 0x07608000, "7.6.0", 0, "0.00"},
+                   {0x1104, "11.0.4", 0xFFA2FFFF, "ff.10.2", -18000, "-5.00"},
+                   {0xABCD05FF, "5.15.15", std::nullopt, "0.0.0", 19800, "5.50"},
+                   {std::nullopt, "0.0.0", 0x07168000, "7.1.6", 20700, "5.75"}};
+    for (const auto& [version, asText, media, mediaAsText, seconds, hours] : cases) {
         system.version = version;
-        EXPECT_THAT(sent(), HasSubstr(text));
-    }
-    const std::pair<std::optional<std::uint32_t>, const char*> media[] = {
-        {0x07608000, "Version%3A%207.6.0%0d"},
-        {0xFFA2FFFF, "Version%3A%20ff.10.2%0d"},
-        {std::nullopt, "Version%3A%200.0.0%0d"},
-    };
-    for (const auto& [version, text] : media) {
-        system.media = version;
-        EXPECT_THAT(sent(), HasSubstr(text));
-    }
-}
-
-TEST_F(Feedback, WritesTheOffsetInHours) {
-    const std::pair<std::int32_t, const char*> cases[] = {
-        {0, "0.00"}, {-18000, "-5.00"}, {19800, "5.50"}, {20700, "5.75"}, {50400, "14.00"}};
-    for (const auto& [seconds, text] : cases) {
+        system.media = media;
         system.zone.secondsFromGMT = seconds;
-        EXPECT_THAT(sent(), HasSubstr(std::string("GMT%3A%20") + text + "]"));
+        const std::string address = sent();
+        EXPECT_THAT(address, HasSubstr(std::string("X%20") + asText + "%20(PPC)"));
+        EXPECT_THAT(address, HasSubstr(std::string("Version%3A%20") + mediaAsText + "%0d"));
+        EXPECT_THAT(address, HasSubstr(std::string("GMT%3A%20") + hours + "]"));
     }
 }
 

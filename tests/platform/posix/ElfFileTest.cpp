@@ -33,11 +33,4 @@ TEST_F(ElfFileTest, NumbersProcessorsAsThePlatformDoes) {
     }
 }
 
-TEST_F(ElfFileTest, IsNothingThatHasNoHeader) {
-    ASSERT_EQ(mkfifo(file("fifo").c_str(), 0600), 0);
-    for (const auto& path : {file("missing"), folder.path().string(), folder.write("short", ELFMAG),
-                             folder.write("text", std::string(100, 'x')), file("fifo")})
-        EXPECT_FALSE(ElfFile::read(path)) << path;
-}
-
 } // namespace

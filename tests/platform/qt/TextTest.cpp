@@ -1,13 +1,11 @@
 #include "Canvas.h"
 #include "tests/support/RecordingLog.h"
-#include "tests/support/TemporaryFolder.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <QFontInfo>
 
-#include <cstdlib>
 #include <deque>
 #include <string>
 #include <vector>
@@ -156,23 +154,4 @@ TEST(Text, InAMissingFontIsLoggedOncePerFamilyAndDrawn) {
     const std::string found = QFontInfo(missing).family().toStdString();
     EXPECT_THAT(log.take(), ElementsAre("font Nowhere One is missing, drawing with " + found,
                                         "font Nowhere Two is missing, drawing with " + found));
-}
-
-TEST(TextDeathTest, OnAMachineWithoutFontsIsLoggedOnce) {
-    const test::TemporaryFolder folder;
-    const std::string file = folder.write("fonts.conf", "<fontconfig></fontconfig>");
-    testing::GTEST_FLAG(death_test_style) = "threadsafe";
-    // The new process makes its application, and looks for fonts, after this.
-    setenv("FONTCONFIG_FILE", file.c_str(), 1);
-    const auto draw = [] {
-        test::RecordingLog log;
-        Canvas canvas(200, 20);
-        canvas->setShadow({1, -1}, 2);
-        for (const char* family : {"", "DejaVu Sans", "Nowhere"})
-            canvas->drawText(AttributedString("abc", inFont(family, 12)), {0, 2});
-        const std::string line = "no font is installed, text is drawn as boxes";
-        std::_Exit(log.take() == std::vector{line} ? 0 : 1);
-    };
-    EXPECT_EXIT(draw(), testing::ExitedWithCode(0), "");
-    unsetenv("FONTCONFIG_FILE");
 }
