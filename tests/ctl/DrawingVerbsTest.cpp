@@ -23,7 +23,8 @@ TEST(DrawingVerbs, WritePicturesOfThePanelAndTintThem) {
          "cmp panel.png again.png",
          ""},
         {"echo '<fontconfig></fontconfig>' >none; FONTCONFIG_FILE=\"$PWD/none\" halvexctl hud "
-         "boxes.png --size 100x50 --title Clock 2>&1 | grep -c 'no font is installed, text is drawn "
+         "boxes.png --size 100x50 --title Clock 2>&1 | grep -c 'no font is installed, text is "
+         "drawn "
          "as boxes'; test -e boxes.png",
          "1\n"},
         {"halvexctl hud body.png --size 100x50 --part body; cmp -s panel.png body.png", "", 1},

@@ -205,6 +205,16 @@ TEST_F(MenuBarLoading, TogglingOnWhatIsLoadedOrDoesNotLoadLeavesTheSystemsClock)
     EXPECT_EQ(requests(), "add file://F/HalvexTimeMenu.menu 999 0 0 0 0");
 }
 
+TEST_F(MenuBarLoading, ATagThatThereIsNotIsLogged) {
+    EXPECT_EQ(Tools::menuExtraInstalledPaths(4), F + "/hxWirelessMenu.menu");
+    for (const std::int32_t tag : {0, 7, -1}) {
+        EXPECT_EQ(Tools::menuExtraPaths(tag), std::nullopt);
+        EXPECT_EQ(Tools::menuExtraInstalledPaths(tag), std::nullopt);
+        EXPECT_EQ(log(), "error tag not set\nerror tag not set") << tag;
+    }
+    EXPECT_EQ(Tools::menuExtraTagFromID("com.quorvanesoftware.halvexpromenu"), -1);
+}
+
 TEST_F(MenuBarLoading, ATogglesFailuresAreLogged) {
     const std::string cracker =
         "error tag not set\nHalvex Error: Menu Extra (null) - path: P/MenuCracker.menu";

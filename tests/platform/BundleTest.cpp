@@ -13,9 +13,8 @@ using platform::Bundle;
 namespace {
 
 std::string infoPlist(const std::string& executable) {
-    return "<plist><dict><key>CFBundleIdentifier</key><string>test.clock</string>"
-           "<key>CFBundleExecutable</key><string>" +
-           executable + "</string><key>Number</key><integer>1</integer></dict></plist>";
+    return "<plist><dict><key>CFBundleExecutable</key><string>" + executable +
+           "</string></dict></plist>";
 }
 
 class BundleFolder : public testing::Test {
@@ -24,18 +23,6 @@ class BundleFolder : public testing::Test {
     test::TemporaryFolder folder;
     std::string path = folder.file("Test.menu");
 };
-
-TEST_F(BundleFolder, GivesWhatItsInfoPlistAndItsFoldersHold) {
-    folder.write("Test.menu/Contents/Info.plist", infoPlist("Test"));
-    folder.write("Test.menu/Contents/Resources/icon.png", "x");
-    const auto bundle = Bundle::bundleWithPath(path);
-    ASSERT_TRUE(bundle);
-    EXPECT_EQ(bundle->bundleIdentifier(), "test.clock");
-    EXPECT_EQ(bundle->stringForInfoDictionaryKey("Number"), std::nullopt);
-    EXPECT_EQ(bundle->executablePath(), path + "/Contents/Linux/Test");
-    EXPECT_EQ(bundle->pathForResource("icon", "png"), path + "/Contents/Resources/icon.png");
-    EXPECT_EQ(bundle->pathForResource("other", "png"), std::nullopt);
-}
 
 TEST_F(BundleFolder, NeverLeadsToCodeOutsideOfItself) {
     for (const char* name : {"", ".", "..", "../../../bin/sh", "/bin/sh", "a/b"}) {

@@ -121,9 +121,10 @@ TEST_F(PosixFileManagerTrees, CopiersAtOnceLeaveOneWholeCopy) {
 
 TEST_F(PosixFileManagerTrees, ProcessesKilledAtAnyMomentLeaveAWholeCopyOrNone) {
     const Names whole = described(X);
+    const std::chrono::microseconds start(500);
     // How long copying, and removing, may take before it is killed: longer each time that it does
     // not come to its end, and then half of that.
-    std::chrono::microseconds limits[] = {std::chrono::microseconds(500), limits[0]};
+    std::chrono::microseconds limits[] = {start, start};
     bool leftovers = false;
     int changes = 0;
     for (int round = 0; round < 80; ++round) {

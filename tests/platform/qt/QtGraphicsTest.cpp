@@ -14,35 +14,27 @@ namespace {
 
 const platform::Color kRed{1, 0, 0, 1};
 
-QImage blank(int width, int height) {
-    QImage image(width, height, QImage::Format_ARGB32_Premultiplied);
-    image.fill(Qt::transparent);
-    return image;
-}
-
 } // namespace
 
 TEST(QtGraphics, DrawsIntoTheInnermostContextAndIntoNoneOutside) {
-    QtGraphics graphics;
-    QImage outer = blank(4, 4);
-    QImage inner = blank(4, 4);
+    Canvas outer(4, 4);
+    QImage inner(4, 4, QImage::Format_ARGB32_Premultiplied);
+    inner.fill(Qt::transparent);
     const auto fill = [&](double x) {
-        graphics.currentContext().fillRect({{x, 0}, {1, 4}}, kRed, CompositingOperation::Copy);
+        outer.graphics().currentContext().fillRect({{x, 0}, {1, 4}}, kRed,
+                                                   CompositingOperation::Copy);
     };
+    fill(0);
     {
-        const ScopedContext outerScope(graphics, outer, {4, 4}, 1);
-        fill(0);
-        {
-            const ScopedContext innerScope(graphics, inner, {4, 4}, 1);
-            fill(1);
-        }
-        fill(2);
+        const ScopedContext innerScope(outer.graphics(), inner, {4, 4}, 1);
+        fill(1);
     }
-    EXPECT_THROW(graphics.currentContext(), platform::Exception);
+    fill(2);
     for (int x = 0; x < 4; ++x) {
-        EXPECT_EQ(qAlpha(outer.pixel(x, 0)) != 0, x == 0 || x == 2) << x;
+        EXPECT_EQ(outer.alphaAt(x, 0) != 0, x == 0 || x == 2) << x;
         EXPECT_EQ(qAlpha(inner.pixel(x, 0)) != 0, x == 1) << x;
     }
+    EXPECT_THROW(QtGraphics().currentContext(), platform::Exception);
 }
 
 TEST(QtGraphics, LeavesTheTargetWholeWhateverItsFormatRatioAndOwners) {

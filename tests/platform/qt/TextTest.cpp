@@ -137,10 +137,6 @@ TEST(Text, OfAnyKindIsDrawn) {
     Canvas canvas(10, 10);
     canvas->drawText(AttributedString("a"), {std::nan(""), 0});
     EXPECT_EQ(canvas.coverage(), 0);
-    AttributedString cut("\u00E9"); // a run that begins within it takes the whole of it
-    cut.setAttributes({}, 1, 1);
-    EXPECT_EQ(canvas.graphics().sizeOfText(cut),
-              canvas.graphics().sizeOfText(AttributedString("\u00E9")));
 }
 
 TEST(Text, InAMissingFontIsLoggedOncePerFamilyAndDrawn) {
