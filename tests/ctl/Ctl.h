@@ -3,7 +3,6 @@
 #include "tests/support/TemporaryFolder.h"
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 #include <cstdlib>
 #include <string>

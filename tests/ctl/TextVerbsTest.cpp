@@ -26,7 +26,7 @@ TEST(CommandVerb, PrintsTheOutputAsItIs) {
         {"halvexctl command 'yes | head -n 1' 2>&1", "y\n"}, // a closed pipe ends yes
         {"halvexctl command 'kill -9 $$'", ""},
         {"halvexctl command \"head -c 1000 /dev/zero; printf '\\200'\"", "", 1},
-        {"halvexctl command --quiet 'echo lost; sleep 0.2; : >done; exit 5'; ls done", "done\n"},
+        {"halvexctl command --quiet 'sleep 0.2; : >done; echo lost; exit 5'; ls done", "done\n"},
         {"halvexctl command --quiet 'yes 2>/dev/null'", ""}, // ends, for nobody reads it
     });
 }

@@ -38,21 +38,31 @@ TEST(PathVerbs, ListWhatIsThereAndRefuseWithoutTheFolder) {
     const std::string local = "root/Library/Application Support/Quorvane Software/";
     ctl.write(local + "Themes/a\n\"\\\xC3\xA9\xE9", "");
     ctl.write(local + "Pictures/sea/wave", "");
-    ctl.follow({{"halvexctl themes", "a\n\"\\\xC3\xA9\xE9\n"},
-                {"halvexctl themes --json", "[\n  \"a\\n\\\"\\\\\xC3\xA9\xEF\xBF\xBD\"\n]\n"},
-                {"halvexctl pictures | sort", "sea\nsea/wave\n"},
-                {"mkdir \"home/$support/Glimmerbox Frames\"; halvexctl frames --json", "[]\n"},
-                {"cd \"home/$support/Glimmerbox Frames\"; touch a b c d.txt\n" HALVEX_CTL
-                 " frames --exclude a --exclude \"$PWD/b\" | sed \"s|$PWD||\"",
-                 "/c\n"}});
+    ctl.follow(
+        {{"halvexctl themes", "a\n\"\\\xC3\xA9\xE9\n"},
+         {"halvexctl themes --json", "[\n  \"a\\n\\\"\\\\\xC3\xA9\xEF\xBF\xBD\"\n]\n"},
+         {"cd \"$local\"; touch Themes/z Themes/.a Pictures/.b Pictures/sea/a; ln -s . Pictures/l\n"
+          "cd \"$OLDPWD\"; ls -UA \"$local/Themes\" >themes; halvexctl themes | diff themes -\n"
+          "find \"$local/Pictures\" -mindepth 1 -printf '%P\\n' >pictures\n"
+          "halvexctl pictures | diff pictures - && wc -l <pictures",
+          "5\n"},
+         {"mkdir \"home/$support/Glimmerbox Frames\"; halvexctl frames --json", "[]\n"},
+         {"cd \"home/$support/Glimmerbox Frames\"; touch a b c d.txt\n" HALVEX_CTL
+          " frames --exclude a --exclude \"$PWD/b\" | sed \"s|$PWD||\"",
+          "/c\n"}});
 }
 
 TEST(LocationVerbs, SaveShowAndForgetTheCache) {
     const Ctl ctl;
     ctl.write("list", list(kNet + kOwn));
+    ctl.write("own", list(kOwn));
     ctl.follow({{"halvexctl locations cache exists", "no\n", 1},
                 {"halvexctl locations show --json; halvexctl locations save list", "[]\n"},
                 {"halvexctl locations show", list(kOwn + kNet)},
+                {"cat \"$user/Halvex Pro/Halvex Locations\"", list(kOwn)},
+                {"cat \"$user/Halvex Pro/Halvex Net Locations.plist\"", list(kNet)},
+                // Without net records their cache stays.
+                {"halvexctl locations save own", "", 0, "/Halvex Locations (1)\n"},
                 {"halvexctl locations cache exists; halvexctl locations cache remove", "yes\n"},
                 {"halvexctl locations show", list(kOwn)},
                 {"rm -r home/Library; halvexctl locations save list", ""},

@@ -5,15 +5,12 @@
 #include "tests/support/RecordingLog.h"
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 #include <chrono>
 #include <future>
 
 using platform::qt::BarClient;
-using test::BarProcess;
-using test::kTestExtra;
-using test::PrivateBus;
+using namespace test;
 using testing::StartsWith;
 using namespace std::chrono_literals;
 

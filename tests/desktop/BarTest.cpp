@@ -6,11 +6,8 @@
 #include <QImage>
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
-using test::BarProcess;
-using test::kOwnClock;
-using test::kTestExtra;
+using namespace test;
 using testing::ElementsAre;
 
 namespace {
@@ -96,12 +93,7 @@ TEST(Bar, IsAsDarkAsTheDesktopWantsIt) {
 
 TEST(Bar, AnswersWrongArgumentsWithAStatusAndALogLineAndChangesNothing) {
     BarProcess bar;
-    const struct {
-        const char* member;
-        QVariantList arguments;
-        QVariant answer;
-        const char* line;
-    } cases[] = {
+    const std::tuple<const char*, QVariantList, QVariant, const char*> cases[] = {
         {"AddMenuExtra", {"file:///no/such.menu", 999, 0, 0, 0, 0}, -43, "/no/such.menu"},
         {"AddMenuExtra", {"http://x/x.menu", 999, 0, 0, 0, 0}, -50, "http://x/x.menu is no file"},
         {"AddMenuExtra", {"/no/url.menu", 999, 0, 0, 0, 0}, -50, "/no/url.menu"},
@@ -111,9 +103,9 @@ TEST(Bar, AnswersWrongArgumentsWithAStatusAndALogLineAndChangesNothing) {
         {"Snapshot", {"relative.png"}, false, "relative.png is no absolute path"},
         {"Snapshot", {"/no/such/bar.png"}, false, "no picture at /no/such/bar.png"},
     };
-    for (const auto& c : cases) {
-        EXPECT_EQ(bar.call(c.member, c.arguments).value(0), c.answer) << c.line;
-        EXPECT_TRUE(bar.logs(c.line)) << c.line << " in " << bar.log();
+    for (const auto& [member, arguments, answer, line] : cases) {
+        EXPECT_EQ(bar.call(member, arguments).value(0), answer) << line;
+        EXPECT_TRUE(bar.logs(line)) << line << " in " << bar.log();
     }
     EXPECT_THAT(bar.identifiers(), ElementsAre(kOwnClock));
 }

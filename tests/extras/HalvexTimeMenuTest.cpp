@@ -11,7 +11,6 @@
 #include "tests/support/TemporaryFolder.h"
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 #include <algorithm>
 #include <filesystem>

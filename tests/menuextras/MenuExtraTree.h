@@ -7,7 +7,6 @@
 #include "tests/support/Fakes.h"
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 #include <set>
 #include <string>

@@ -4,7 +4,6 @@
 #include "tests/support/TemporaryFolder.h"
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 #include <sys/resource.h>
 

@@ -3,7 +3,6 @@
 #include "platform/expat/ExpatPropertyLists.h"
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 #include <filesystem>
 #include <map>
@@ -47,16 +46,12 @@ TEST(Pane, HasWellFormedLocationsThatCanBeToldApartAndLieWhereTheyAre) {
     }
     EXPECT_GE(found.size(), 100U);
 
-    struct City {
-        const char *name, *zone;
-        double latitude, longitude;
-    };
     // One in each quarter of the globe, with and without seconds in the table.
     for (const auto& [name, zone, latitude, longitude] :
-         {City{"Tokyo, Japan", "Asia/Tokyo", 35.65, 139.75},
-          City{"New York, United States", "America/New_York", 40.71, -74.01},
-          City{"São Paulo, Brazil", "America/Sao_Paulo", -23.53, -46.62},
-          City{"Sydney, Australia", "Australia/Sydney", -33.87, 151.22}}) {
+         {std::tuple("Tokyo, Japan", "Asia/Tokyo", 35.65, 139.75),
+          {"New York, United States", "America/New_York", 40.71, -74.01},
+          {"São Paulo, Brazil", "America/Sao_Paulo", -23.53, -46.62},
+          {"Sydney, Australia", "Australia/Sydney", -33.87, 151.22}}) {
         ASSERT_TRUE(found.contains(name)) << name;
         const PropertyList::Array& record = *found[name];
         EXPECT_EQ(text(record, 2), zone);

@@ -4,7 +4,6 @@
 #include "tests/paths/SupportTree.h"
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 using namespace test;
 using platform::Bundle;
@@ -68,12 +67,7 @@ TEST_F(LocationList, IsReadFromItsFileElseFromThePaneElseEmpty) {
     const Lines none{kNoPane, missing("(null)")};
     const Lines loaded{kNoPane, "Default locations loaded"};
     const Lines failed{kNoPane, "Default locations failed to load at " + all.first};
-    const struct {
-        const char* name;
-        std::vector<File> files;
-        std::optional<Array> result;
-        Lines lines;
-    } cases[] = {
+    const std::tuple<const char*, std::vector<File>, std::optional<Array>, Lines> cases[] = {
         {"nothing", {}, Array(), none},
         {"its file", {list, all}, Array{record("list")}, {}},
         {"an empty list", {{kList, xml({})}, all}, Array(), {}},
@@ -150,22 +144,6 @@ TEST_F(LocationList, WithoutAListThereIsNothingToMergeInto) {
     tree.write(kCache, xml({net("b")}));
     EXPECT_EQ(Paths::mergeNetLocation(std::nullopt), std::nullopt);
     EXPECT_EQ(Paths::mergeNetLocation(Array()), Array{net("b")});
-}
-
-TEST_F(LocationList, IsSavedWithoutItsNetRecordsWhichGoIntoTheCache) {
-    const std::string saving = "Saving Halvex locations: " + tree.path(kList);
-    const std::string caching = "Saving net locations cache: " + tree.path(kCache);
-    EXPECT_TRUE(Paths::HalvexSaveLocationTable({net("a"), record("mine"), net("b")}));
-    EXPECT_EQ(tree.read(kList), mine);
-    EXPECT_EQ(tree.read(kCache), xml({net("a"), net("b")}));
-    EXPECT_THAT(tree.log.take(), ElementsAre(saving + " (3)", caching + " (2)"));
-
-    EXPECT_TRUE(Paths::HalvexSaveLocationTable({}));
-    EXPECT_TRUE(Paths::HalvexSaveCacheNetLocation({}));
-    EXPECT_EQ(tree.read(kList), xml({}));
-    EXPECT_EQ(tree.read(kCache), xml({net("a"), net("b")})) << "without net records it stays";
-    EXPECT_THAT(tree.log.take(), ElementsAre(saving + " (0)"));
-    EXPECT_EQ(tree.log.beeps(), 0);
 }
 
 TEST_F(LocationList, AFailedWriteIsLoggedAndBeepsAndTheOtherFileIsWrittenAllTheSame) {

@@ -94,11 +94,7 @@ TEST(LocationRecords, TheCachesRecordsFollowWithoutThoseThatTheListHas) {
     Array variantsAndA = variants, flaggedLengths = lengths;
     variantsAndA.push_back(flagged(a));
     std::ranges::transform(lengths, flaggedLengths.begin(), flagged);
-    const struct {
-        const char* name;
-        Array list, cached, merged;
-        std::size_t duplicates;
-    } cases[] = {
+    const std::tuple<const char*, Array, Array, Array, std::size_t> cases[] = {
         {"order", {b, a}, {c, record("d")}, {b, a, flagged(c), flagged(record("d"))}, 0},
         {"the list's own wins", {a}, {differingAt(5)}, {a}, 1},
         {"each of five fields counts", variants, {a}, variantsAndA, 0},

@@ -3,7 +3,6 @@
 #include "tests/support/Fakes.h"
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 #include <algorithm>
 #include <iterator>
@@ -132,20 +131,6 @@ TEST(SupportFolders, LinksHoldTheBackgroundsPathAndASecondOneIsLoggedEachInItsOw
                             "Error Creating SymbolicLink at: " + tree.path(kFrames)));
     for (const std::string& folder : {kPictures, kFrames})
         EXPECT_EQ(fs::read_symlink(tree.place(folder + "/Glimmerbox Backgrounds")), kBackgrounds);
-}
-
-TEST(SupportFolders, ListsHoldEverythingInTheFileSystemsOrder) {
-    SupportTree tree;
-    for (const char* name : {"/z", "/.hidden", "/a/b/c", "/m/n"})
-        for (const std::string& folder : {kThemes, kPictures})
-            tree.write(folder + name, "");
-    std::vector<std::string> names, subpaths;
-    for (const auto& entry : fs::directory_iterator(tree.place(kThemes)))
-        names.push_back(entry.path().filename());
-    for (const auto& entry : fs::recursive_directory_iterator(tree.place(kPictures)))
-        subpaths.push_back(entry.path().string().substr(tree.place(kPictures).size() + 1));
-    EXPECT_EQ(ovxPaths::HalvexThemesList(), names);
-    EXPECT_EQ(ovxPaths::HalvexPicturesList(), subpaths);
 }
 
 TEST(SupportFolders, FramesAreTheFilesThatNameAndExclusionLeave) {

@@ -3,7 +3,6 @@
 #include "tests/paths/SupportTree.h"
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 #include <array>
 

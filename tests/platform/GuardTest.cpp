@@ -4,7 +4,6 @@
 #include "tests/support/RecordingLog.h"
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 #include <stdexcept>
 

@@ -5,9 +5,9 @@
 #include "platform/expat/ExpatPropertyLists.h"
 #include "tests/support/Fakes.h"
 #include "tests/support/RecordingLog.h"
+#include "ui/HUDBackground.h"
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 using namespace platform;
 using testing::ElementsAre;
@@ -106,6 +106,16 @@ TEST_F(HUDPanel, PaintsItsGroundElementByElement) {
         EXPECT_EQ(graphics.drawn, drawn);
         ASSERT_TRUE(color.pattern);
         EXPECT_EQ(color.pattern->size(), size);
+    }
+    for (const auto& [part, first, last] :
+         {std::tuple(HUDPart::Body, "path with 0.1 0.1 0.1 0.75 space 2 operation 2", "close"),
+          {HUDPart::TitleBar, "path with 0.25 0.25 0.25 0.75 space 2 operation 2",
+           "text Hi in 19 33 62 15"}}) {
+        graphics.drawn.clear();
+        drawHUDBackground(graphics, {100, 50}, "Hi", part);
+        EXPECT_EQ(graphics.drawn.front(), first);
+        EXPECT_EQ(graphics.drawn.back(), last);
+        EXPECT_EQ(std::ranges::count(graphics.drawn, "close"), 1);
     }
     const TextAttributes& attributes = graphics.texts.back().attributesAt(0);
     EXPECT_EQ(attributes.font, (Font{.family = "", .size = 11}));

@@ -11,11 +11,7 @@ namespace {
 using ElfFileTest = test::RealFiles;
 
 TEST_F(ElfFileTest, NumbersProcessorsAsThePlatformDoes) {
-    const struct {
-        char fileClass, order;
-        std::uint16_t machine;
-        int architecture;
-    } cases[] = {
+    const std::tuple<char, char, std::uint16_t, int> cases[] = {
         {ELFCLASS32, ELFDATA2LSB, EM_386, 7},  {ELFCLASS64, ELFDATA2LSB, EM_X86_64, 16777223},
         {ELFCLASS32, ELFDATA2MSB, EM_PPC, 18}, {ELFCLASS64, ELFDATA2MSB, EM_PPC64, 16777234},
         {ELFCLASS32, ELFDATA2LSB, EM_ARM, 12}, {ELFCLASS64, ELFDATA2LSB, EM_AARCH64, 16777228},

@@ -6,9 +6,7 @@
 
 namespace {
 
-namespace fs = std::filesystem;
-using test::Names;
-using test::namesIn;
+using namespace test;
 
 /// Everything below @p root with its mode, time and a hash of its contents, one line each.
 Names described(const fs::path& root) {

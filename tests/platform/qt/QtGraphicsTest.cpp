@@ -3,8 +3,6 @@
 
 #include <gtest/gtest.h>
 
-#include <functional>
-
 using namespace platform;
 using platform::qt::QtGraphics;
 using platform::qt::ScopedContext;
@@ -58,23 +56,20 @@ TEST(QtGraphics, RestoresEverySettingThatWasSavedLevelByLevel) {
         canvas->drawText(AttributedString("state"), {4, 2});
         return canvas.image().copy();
     };
-    const std::function<void()> changes[] = {
-        [&] { canvas->setCompositingOperation(CompositingOperation::XOR); },
-        [&] {
-            return canvas->setShadow({3, 3}, 2);
-        },
-        [&] { canvas->setTextDrawingMode(TextDrawingMode::Invisible); },
-    };
-    std::vector<QImage> pictures;
     canvas->restoreGraphicsState();
-    for (const auto& change : changes) {
-        pictures.push_back(draw());
-        canvas->saveGraphicsState();
-        change();
-        EXPECT_NE(draw(), pictures.back()) << "setting " << pictures.size();
-    }
-    for (; !pictures.empty(); pictures.pop_back()) {
+    const QImage plain = draw();
+    canvas->saveGraphicsState();
+    canvas->setCompositingOperation(CompositingOperation::XOR);
+    const QImage cutOut = draw();
+    canvas->saveGraphicsState();
+    canvas->setShadow({3, 3}, 2);
+    const QImage shaded = draw();
+    canvas->saveGraphicsState();
+    canvas->setTextDrawingMode(TextDrawingMode::Invisible);
+    const QImage last = draw();
+    EXPECT_TRUE(plain != cutOut && cutOut != shaded && shaded != last);
+    for (const QImage& picture : {shaded, cutOut, plain}) {
         canvas->restoreGraphicsState();
-        EXPECT_EQ(draw(), pictures.back()) << "setting " << pictures.size();
+        EXPECT_EQ(draw(), picture);
     }
 }

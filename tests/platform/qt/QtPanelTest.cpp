@@ -6,7 +6,6 @@
 #include "ui/HUDWindow.h"
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 #include <QAccessible>
 #include <QApplication>

@@ -79,17 +79,22 @@ TEST(TextShadow, IsNotThereWhenItCannotShow) {
     }
 }
 
-TEST(TextShadow, OfARunTakesThePlaceOfTheContexts) {
+TEST(TextShadow, AndColourOfARunTakeThePlaceOfTheContexts) {
     Canvas canvas(120, 100);
     canvas->setShadow({0, 30}, 0);
     AttributedString text("\u2588\u2588\u2588\u2588", {{}, Color{1, 0, 0, 1}, {}});
-    text.addShadow({{0, -30}, 0, {0, 1, 0, 1}}, 6, 6);
+    text.setAttributes({{}, Color{0, 0, 1, 0.5}, {}}, 6, 3);
+    text.setAttributes({}, 9, 3);
+    text.addShadow({{0, -30}, 0, {0, 1, 0, 1}}, 9, 3);
     const double width = canvas.graphics().sizeOfText(text).width;
     canvas->drawText(text, {40, 40});
     const auto pixel = [&](double part, double y) {
         return canvas.image().pixelColor(static_cast<int>(40 + width * part),
                                          static_cast<int>(100 - y));
     };
+    EXPECT_EQ(pixel(0.125, 47), QColor(Qt::red));
+    EXPECT_EQ(pixel(0.625, 47), QColor(0, 0, 255, 128));
+    EXPECT_EQ(pixel(0.875, 47), QColor(Qt::black)) << "the context's";
     EXPECT_EQ(pixel(0.125, 77), QColor(0, 0, 0, 85)) << "the context's, a third opaque";
     EXPECT_EQ(pixel(0.875, 17), QColor(0, 255, 0, 255));
     for (const auto& [part, y] : {std::pair{0.875, 77}, {0.125, 17}})

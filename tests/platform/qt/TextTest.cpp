@@ -1,8 +1,8 @@
 #include "Canvas.h"
+#include "platform/Exception.h"
 #include "tests/support/RecordingLog.h"
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 #include <QFontInfo>
 
@@ -65,21 +65,6 @@ TEST(Text, IsMeasuredByAdvanceWidthAndAscentPlusDescent) {
     EXPECT_EQ(both.height, large.height);
 }
 
-TEST(Text, HasTheColourOfItsRunElseOfTheContext) {
-    Canvas canvas(60, 20);
-    AttributedString text("\u2588\u2588\u2588"); // full blocks
-    text.setAttributes({{}, platform::Color{1, 0, 0, 1}, {}}, 3, 3);
-    text.setAttributes({{}, platform::Color{0, 0, 1, 0.5}, {}}, 6, 3);
-    const double step = canvas.graphics().sizeOfText(text).width / 3;
-    canvas->drawText(text, {0, 2});
-    const auto pixel = [&](int block) {
-        return canvas.image().pixelColor(static_cast<int>((block + 0.5) * step), 10);
-    };
-    EXPECT_EQ(pixel(0), QColor(Qt::black));
-    EXPECT_EQ(pixel(1), QColor(Qt::red));
-    EXPECT_EQ(pixel(2), QColor(0, 0, 255, 128));
-}
-
 TEST(Text, ChangesOnlyTheGlyphsPixelsWhateverTheOperation) {
     const AttributedString text("Xor 8", {{}, platform::Color{1, 0, 0, 1}, {}});
     Canvas glyphs(60, 20);
@@ -137,6 +122,14 @@ TEST(Text, OfAnyKindIsDrawn) {
     Canvas canvas(10, 10);
     canvas->drawText(AttributedString("a"), {std::nan(""), 0});
     EXPECT_EQ(canvas.coverage(), 0);
+}
+
+TEST(Text, RefusesAttributesBeyondItsEnd) {
+    AttributedString text("abc");
+    text.addShadow({}, 3, 0);
+    EXPECT_THROW(text.addShadow({}, 4, 0), platform::Exception);
+    EXPECT_THROW(text.setAttributes({}, 2, static_cast<std::size_t>(-1)), platform::Exception);
+    EXPECT_EQ(text, AttributedString("abc"));
 }
 
 TEST(Text, InAMissingFontIsLoggedOncePerFamilyAndDrawn) {
