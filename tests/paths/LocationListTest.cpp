@@ -160,6 +160,7 @@ TEST_F(LocationList, AFailedWriteIsLoggedAndBeepsAndTheOtherFileIsWrittenAllTheS
     }
     tree.make(kCache);
     EXPECT_FALSE(Paths::HalvexSaveCacheNetLocation({net("a")}));
+    EXPECT_TRUE(Paths::HalvexSaveCacheNetLocation({})) << "nothing is to be written";
     EXPECT_EQ(tree.log.beeps(), 3);
     EXPECT_FALSE(Paths::HalvexExistsNetLocation()) << "a folder is no cache";
     EXPECT_TRUE(Paths::HalvexRemoveNetLocation());

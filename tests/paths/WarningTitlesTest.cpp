@@ -59,14 +59,4 @@ TEST(WarningTitles, ComeFromTheFirstReadableListInEveryCombination) {
     }
 }
 
-TEST(WarningTitles, CreateTheProductFoldersOnTheWayAsFarAsTheyLook) {
-    SupportTree tree({kUser, kLocal});
-    put(tree, 1, State::Good, false);
-    HalvexFilePaths::loadWarnMeTitles(WarnMeTitlesFile, "");
-    EXPECT_TRUE(tree.exists(kUserProduct));
-    EXPECT_FALSE(tree.exists(kLocalMaker));
-    EXPECT_FALSE(HalvexFilePaths::hasCustomWarnMeFile(""));
-    EXPECT_TRUE(tree.exists(std::string(kLocalMaker) + "/Halvex"));
-}
-
 } // namespace

@@ -58,8 +58,7 @@ TEST(LoadedBundles, AreFoundByTheirIdentifierUntilTheirCodeGoes) {
     };
     const auto first = make("test.one");
     const auto second = make("test.one");
-    const auto nameless = std::make_shared<Bundle>("/Test", std::nullopt);
-    for (const auto& bundle : {nameless, first, second, make("test.two")})
+    for (const auto& bundle : {first, second, make("test.two")})
         Bundle::setCode(bundle, Bundle::Code::Loaded);
     EXPECT_EQ(Bundle::bundleWithIdentifier(""), nullptr);
     EXPECT_EQ(Bundle::bundleWithIdentifier("test.one"), first);

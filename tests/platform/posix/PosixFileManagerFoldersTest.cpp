@@ -5,8 +5,6 @@
 namespace {
 
 using namespace test;
-using testing::Optional;
-using testing::UnorderedElementsAre;
 
 using PosixFileManagerFolders = test::RealFiles;
 
@@ -64,28 +62,6 @@ TEST_F(PosixFileManagerFolders, AMoveToAnotherFileSystemKeepsContentsModeAndTime
     EXPECT_EQ(names(), Names{"folder"});
     EXPECT_EQ(namesIn(away), (Names{"taken", "moved", "link"}));
     fs::remove_all(away);
-}
-
-TEST_F(PosixFileManagerFolders, ListsFollowLinksAtTheTopAlone) {
-    folder.write("top/a/b/c", "");
-    folder.write("top/.hidden", "");
-    fs::create_directory_symlink("..", file("top/a/up"));
-    fs::create_directory_symlink("top", file("link"));
-    for (const char* top : {"top", "link"}) {
-        EXPECT_THAT(manager.contentsOfDirectory(file(top)),
-                    Optional(UnorderedElementsAre("a", ".hidden")));
-        EXPECT_THAT(manager.subpaths(file(top)),
-                    Optional(UnorderedElementsAre("a", "a/b", "a/b/c", "a/up", ".hidden")));
-    }
-    for (const char* none : {"top/.hidden", "missing"}) {
-        EXPECT_EQ(manager.contentsOfDirectory(file(none)), std::nullopt) << none;
-        EXPECT_EQ(manager.subpaths(file(none)), std::nullopt) << none;
-    }
-    if (::geteuid() == 0)
-        return; // who may read every folder
-    fs::permissions(file("top/a"), fs::perms::none);
-    EXPECT_THAT(manager.subpaths(file("top")), Optional(UnorderedElementsAre("a", ".hidden")));
-    fs::permissions(file("top/a"), fs::perms::owner_all);
 }
 
 TEST_F(PosixFileManagerFolders, LinksInAPathAreResolvedAsFarAsItExists) {

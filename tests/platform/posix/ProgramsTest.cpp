@@ -23,9 +23,6 @@ using testing::HasSubstr;
 
 namespace {
 
-constexpr const char* kScriptStart =
-    "tell application \"System Preferences\"\nactivate\nset the current pane to pane id \"";
-
 class Programs : public testing::Test {
   protected:
     void SetUp() override { expat::install(); }
@@ -143,7 +140,8 @@ TEST_F(Programs, ThatAreNoPaneSelectingScriptAreRefused) {
     const test::ScopedEnvironment path("PATH", "/nowhere");
     posix::PosixScriptRunner runner;
     const std::string end = "\"\nend tell\n";
-    const std::string start = kScriptStart;
+    const std::string start =
+        "tell application \"System Preferences\"\nactivate\nset the current pane to pane id \"";
     for (const std::string& bad : {std::string(), start, start + end, start + "a" + end + "more",
                                    "beep\n" + start + "a" + end, start + "a\"\nquit\n\"" + end,
                                    start + "a\\" + end, start + "a\nb" + end})

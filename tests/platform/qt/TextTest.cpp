@@ -8,7 +8,6 @@
 
 #include <deque>
 #include <string>
-#include <vector>
 
 using namespace platform;
 using test::Canvas;
