@@ -18,7 +18,6 @@ TEST(RunCommand, SaysSoAndBeepsWithoutAPipe) {
     const rlimit none{.rlim_cur = 3, .rlim_max = previous.rlim_max};
     setrlimit(RLIMIT_NOFILE, &none); // no further file can be opened
     EXPECT_EQ(HalvexRunCommand::HalvexUtilGetPipeData(command), std::nullopt);
-    EXPECT_EQ(log.beeps(), 1);
     HalvexRunCommand::HalvexRunNoOutput(command);
     setrlimit(RLIMIT_NOFILE, &previous);
     EXPECT_EQ(log.beeps(), 2);

@@ -140,12 +140,6 @@ TEST_F(LocationList, MovesHereFromOneOfItsOldPlaces) {
     EXPECT_FALSE(tree.exists(kSecondOld));
 }
 
-TEST_F(LocationList, WithoutAListThereIsNothingToMergeInto) {
-    tree.write(kCache, xml({net("b")}));
-    EXPECT_EQ(Paths::mergeNetLocation(std::nullopt), std::nullopt);
-    EXPECT_EQ(Paths::mergeNetLocation(Array()), Array{net("b")});
-}
-
 TEST_F(LocationList, AFailedWriteIsLoggedAndBeepsAndTheOtherFileIsWrittenAllTheSame) {
     const std::string saving = "Saving Halvex locations: " + tree.path(kList) + " (2)";
     const std::string caching = "Saving net locations cache: " + tree.path(kCache) + " (1)";

@@ -39,7 +39,6 @@ TEST(LocationRecords, AreEqualByValueWhateverKindOfNumberHoldsIt) {
     const std::vector<Array> rows = {
         {true, 1, 1.0},
         {false, -0.0},
-        {1.5},
         {-1, -1.0},
         {maximum},
         {0x1p64},
@@ -50,7 +49,6 @@ TEST(LocationRecords, AreEqualByValueWhateverKindOfNumberHoldsIt) {
         {std::numeric_limits<std::int64_t>::min(), -0x1p63},
         {std::nan(""), -std::nan("")},
         {"1"},
-        {""},
         {"\u00e9"},
         {"e\u0301"},
         {std::string("a\0b", 3)},

@@ -1,7 +1,5 @@
 #include "tests/platform/posix/RealFiles.h"
 
-#include <cstdlib>
-
 namespace {
 
 using namespace test;

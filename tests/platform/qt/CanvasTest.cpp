@@ -1,4 +1,5 @@
 #include "Canvas.h"
+#include "platform/Exception.h"
 #include "platform/qt/QtImage.h"
 #include "platform/qt/Truncation.h"
 #include "tests/support/RecordingLog.h"
@@ -214,6 +215,67 @@ TEST_F(Drawing, FillsWhatAPathWindsAroundByAnyOperation) {
         wanted->fillRect({{1, 1}, {4, 4}}, source, operation);
         for (const int x : {0, 1, 3, 5})
             EXPECT_THAT(canvas.at(x, 3), IsNear(wanted.at(x, 3), 1)) << number << " at " << x;
+    }
+}
+
+TEST(QtGraphics, DrawsIntoTheInnermostContextAndIntoNoneOutside) {
+    test::Canvas outer(4, 4);
+    QImage inner(4, 4, QImage::Format_ARGB32_Premultiplied);
+    inner.fill(Qt::transparent);
+    const auto fill = [&](double x) {
+        outer.graphics().currentContext().fillRect({{x, 0}, {1, 4}}, Color{1, 0, 0, 1},
+                                                   CompositingOperation::Copy);
+    };
+    fill(0);
+    {
+        const qt::ScopedContext innerScope(outer.graphics(), inner, {4, 4}, 1);
+        fill(1);
+    }
+    fill(2);
+    for (int x = 0; x < 4; ++x) {
+        EXPECT_EQ(outer.alphaAt(x, 0) != 0, x == 0 || x == 2) << x;
+        EXPECT_EQ(qAlpha(inner.pixel(x, 0)) != 0, x == 1) << x;
+    }
+    EXPECT_THROW(QtGraphics().currentContext(), Exception);
+}
+
+TEST(QtGraphics, LeavesTheTargetWholeWhateverItsFormatRatioAndOwners) {
+    QtGraphics graphics;
+    QImage target(80, 40, QImage::Format_RGB32);
+    target.fill(Qt::white);
+    target.setDevicePixelRatio(2);
+    const QImage before = target;
+    const qt::ScopedContext scope(graphics, target, {40, 20}, 2);
+    graphics.currentContext().fillRect({{0, 0}, {10, 10}}, Color{1, 0, 0, 1},
+                                       CompositingOperation::SourceOver);
+    EXPECT_EQ(before.pixelColor(5, 30), QColor(Qt::white));
+    EXPECT_EQ(target.pixelColor(5, 30), QColor(Qt::red));
+    EXPECT_EQ(target.pixelColor(25, 30), QColor(Qt::white));
+    EXPECT_EQ(target.devicePixelRatio(), 2);
+}
+
+TEST(QtGraphics, RestoresEverySettingThatWasSavedLevelByLevel) {
+    test::Canvas canvas(60, 20);
+    const auto draw = [&] {
+        canvas->fillRect({{0, 0}, {60, 20}}, {1, 1, 0, 0.5}, CompositingOperation::Copy);
+        canvas->drawText(AttributedString("state"), {4, 2});
+        return canvas.image().copy();
+    };
+    canvas->restoreGraphicsState();
+    const QImage plain = draw();
+    canvas->saveGraphicsState();
+    canvas->setCompositingOperation(CompositingOperation::XOR);
+    const QImage cutOut = draw();
+    canvas->saveGraphicsState();
+    canvas->setShadow({3, 3}, 2);
+    const QImage shaded = draw();
+    canvas->saveGraphicsState();
+    canvas->setTextDrawingMode(TextDrawingMode::Invisible);
+    const QImage last = draw();
+    EXPECT_TRUE(plain != cutOut && cutOut != shaded && shaded != last);
+    for (const QImage& picture : {shaded, cutOut, plain}) {
+        canvas->restoreGraphicsState();
+        EXPECT_EQ(draw(), picture);
     }
 }
 
