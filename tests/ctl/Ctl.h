@@ -3,10 +3,8 @@
 #include "tests/support/TemporaryFolder.h"
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 #include <cstdlib>
-#include <iterator>
 #include <string>
 #include <sys/wait.h>
 #include <vector>
@@ -54,10 +52,7 @@ class Ctl {
             )" + command + "\n} >output 2>log";
         return std::system(script.c_str());
     }
-    std::string read(const std::string& name) const {
-        std::ifstream stream(folder_.path() / name, std::ios::binary);
-        return {std::istreambuf_iterator<char>(stream), {}};
-    }
+    std::string read(const std::string& name) const { return contents(folder_.path() / name); }
 
     TemporaryFolder folder_;
 };

@@ -1,7 +1,5 @@
 #include "tests/ctl/Ctl.h"
 
-#include <gtest/gtest.h>
-
 using test::Ctl;
 
 namespace {
@@ -24,6 +22,11 @@ TEST(DrawingVerbs, WritePicturesOfThePanelAndTintThem) {
         {"QT_SCALE_FACTOR=2 halvexctl hud again.png --size 100.5x50 --title Clock; "
          "cmp panel.png again.png",
          ""},
+        {"echo '<fontconfig></fontconfig>' >none; FONTCONFIG_FILE=\"$PWD/none\" halvexctl hud "
+         "boxes.png --size 100x50 --title Clock 2>&1 | grep -c 'no font is installed, text is "
+         "drawn "
+         "as boxes'; test -e boxes.png",
+         "1\n"},
         {"halvexctl hud body.png --size 100x50 --part body; cmp -s panel.png body.png", "", 1},
         {tints("--gray 1", "--color 1,1,1,.25"), ""},
         {tints("--color 0,1,0,.25", "--color 0,1,0,.25 --operation 5"), ""},

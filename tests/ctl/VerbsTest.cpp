@@ -38,21 +38,46 @@ TEST(PathVerbs, ListWhatIsThereAndRefuseWithoutTheFolder) {
     const std::string local = "root/Library/Application Support/Quorvane Software/";
     ctl.write(local + "Themes/a\n\"\\\xC3\xA9\xE9", "");
     ctl.write(local + "Pictures/sea/wave", "");
-    ctl.follow({{"halvexctl themes", "a\n\"\\\xC3\xA9\xE9\n"},
-                {"halvexctl themes --json", "[\n  \"a\\n\\\"\\\\\xC3\xA9\xEF\xBF\xBD\"\n]\n"},
-                {"halvexctl pictures | sort", "sea\nsea/wave\n"},
-                {"mkdir \"home/$support/Glimmerbox Frames\"; halvexctl frames --json", "[]\n"},
-                {"cd \"home/$support/Glimmerbox Frames\"; touch a b c d.txt\n" HALVEX_CTL
-                 " frames --exclude a --exclude \"$PWD/b\" | sed \"s|$PWD||\"",
-                 "/c\n"}});
+    ctl.follow(
+        {{"halvexctl themes", "a\n\"\\\xC3\xA9\xE9\n"},
+         {"halvexctl themes --json", "[\n  \"a\\n\\\"\\\\\xC3\xA9\xEF\xBF\xBD\"\n]\n"},
+         {"cd \"$local\"; touch Themes/z Themes/.a Pictures/.b Pictures/sea/a; ln -s . Pictures/l\n"
+          "cd \"$OLDPWD\"; ls -UA \"$local/Themes\" >themes; halvexctl themes | diff themes -\n"
+          "find \"$local/Pictures\" -mindepth 1 -printf '%P\\n' >pictures\n"
+          "halvexctl pictures | diff pictures - && wc -l <pictures",
+          "5\n"},
+         {"mkdir \"home/$support/Glimmerbox Frames\"; halvexctl frames --json", "[]\n"},
+         {"mv \"$local/Themes\" elsewhere; ln -s \"$PWD/elsewhere\" \"$local/Themes\"\n"
+          "halvexctl themes | diff themes -",
+          ""}});
+}
+
+TEST(PathVerbs, ListTheFramesThatNameAndExclusionLeave) {
+    const std::string list = "cd \"home/$support/Glimmerbox Frames\"; " HALVEX_CTL " frames ";
+    Ctl().follow({
+        {"cd \"home/$support\"; touch 'Glimmerbox Frames'; " HALVEX_CTL " frames", "", 1},
+        {R"(cd "home/$support"; rm Glimmer*; mkdir 'Glimmerbox Frames'; cd Glimmer*; mkdir x x.zip
+            touch a.zip a.sit Transit a.gz a.ivc notes.txt a.plist .DS_Store x/.DS_Store B.ZIP
+            touch txt.png x.zip/d.png .DS_Store2; ln -s nothing dangling; ln -s txt.png link)",
+         ""},
+        {list + "| sed \"s|$PWD||\" | sort",
+         "/.DS_Store2\n/B.ZIP\n/link\n/txt.png\n/x.zip/d.png\n"},
+        {list + "--exclude \"$PWD/link\" --exclude txt.png | sed \"s|$PWD||\" | sort",
+         "/.DS_Store2\n/B.ZIP\n/x.zip/d.png\n"},
+    });
 }
 
 TEST(LocationVerbs, SaveShowAndForgetTheCache) {
     const Ctl ctl;
     ctl.write("list", list(kNet + kOwn));
+    ctl.write("own", list(kOwn));
     ctl.follow({{"halvexctl locations cache exists", "no\n", 1},
                 {"halvexctl locations show --json; halvexctl locations save list", "[]\n"},
                 {"halvexctl locations show", list(kOwn + kNet)},
+                {"cat \"$user/Halvex Pro/Halvex Locations\"", list(kOwn)},
+                {"cat \"$user/Halvex Pro/Halvex Net Locations.plist\"", list(kNet)},
+                // Without net records their cache stays.
+                {"halvexctl locations save own", "", 0, "/Halvex Locations (1)\n"},
                 {"halvexctl locations cache exists; halvexctl locations cache remove", "yes\n"},
                 {"halvexctl locations show", list(kOwn)},
                 {"rm -r home/Library; halvexctl locations save list", ""},
@@ -91,6 +116,37 @@ TEST(WarningVerbs, FindTheFirstListThereIs) {
          {"cp own \"$local/Halvex/WarningTitles.plist\"; " + custom, "yes\n"},
          {title + "default", "[\n  \"b\"\n]\n"},
          {"halvexctl warnings WarnMeTimes", list(""), 0, "no default data loaded for Warn"}});
+}
+
+TEST(PlistVerb, PrintsEveryKindOfValueAsJson) {
+    const Ctl ctl;
+    const std::pair<const char*, const char*> cases[] = {
+        {"<string>\"a\\b/\t\n&#13;\x7F</string>", "\"\\\"a\\\\b/\\t\\n\\r\x7F\""},
+        {"<string>\xC2\x80 \xE6\x9D\xB1 \xED\x9F\xBF \xF0\x9F\x95\x90 \xF4\x8F\xBF\xBD</string>",
+         "\"\xC2\x80 \xE6\x9D\xB1 \xED\x9F\xBF \xF0\x9F\x95\x90 \xF4\x8F\xBF\xBD\""},
+        {"<integer>-9223372036854775808</integer>", "-9223372036854775808"},
+        {"<integer>18446744073709551615</integer>", "18446744073709551615"},
+        {"<real>-0</real>", "-0.0"},
+        {"<real>5e-324</real>", "5e-324"},
+        {"<real>nan</real>", "null"},
+        {"<date>-0044-03-15T09:00:00Z</date>", "\"-0044-03-15T09:00:00Z\""},
+        {"<data>+/8=</data>", "\"+/8=\""},
+        {"<data>AAEC AwQF</data>", "\"AAECAwQF\""},
+        {"<dict><key>z\"</key><array><dict/><true/><array/></array><key>a</key><string/></dict>",
+         "{\n  \"z\\\"\": [\n    {},\n    true,\n    []\n  ],\n  \"a\": \"\"\n}"},
+    };
+    for (const auto& [xml, json] : cases) {
+        ctl.write("value.plist", std::string("<plist>") + xml + "</plist>");
+        ctl.follow({{"halvexctl plist value.plist --json", std::string(json) + "\n"}});
+    }
+}
+
+TEST(PlistVerb, SaysInOneLineWhereAFileGoesWrong) {
+    const Ctl ctl;
+    ctl.write("tag", "<plist>\n  <array>\n  </dict>");
+    ctl.write("two\nlines", "x");
+    ctl.follow({{"halvexctl plist tag", "", 1, "halvexctl: tag:3:5: mismatched tag\n"},
+                {"halvexctl plist 'two\nlines'", "", 1, ": two?lines:1:1: syntax error\n"}});
 }
 
 } // namespace

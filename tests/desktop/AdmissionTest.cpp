@@ -2,12 +2,9 @@
 #include "tests/desktop/support/BarProcess.h"
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 namespace fs = std::filesystem;
-using test::BarProcess;
-using test::kOwnClock;
-using test::kTestExtra;
+using namespace test;
 using testing::ElementsAre;
 
 namespace {

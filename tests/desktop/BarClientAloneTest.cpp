@@ -5,7 +5,6 @@
 #include <QCoreApplication>
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 #include <thread>
 

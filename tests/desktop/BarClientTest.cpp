@@ -5,15 +5,12 @@
 #include "tests/support/RecordingLog.h"
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 #include <chrono>
 #include <future>
 
 using platform::qt::BarClient;
-using test::BarProcess;
-using test::kTestExtra;
-using test::PrivateBus;
+using namespace test;
 using testing::StartsWith;
 using namespace std::chrono_literals;
 
@@ -47,9 +44,14 @@ TEST(BarClient, AsksARunningBarForEverything) {
     EXPECT_EQ(std::tie(item.identifier, item.path, item.position),
               std::tuple(kTestExtra, path, 999));
     EXPECT_GT(item.width, 0);
-    const platform::Event shiftClick{.modifierFlags = platform::kShiftKeyMask, .clickCount = 2};
-    EXPECT_EQ(client.click(kTestExtra, shiftClick).value, true);
-    EXPECT_TRUE(bar.logs("click shift 2"));
+    for (const auto& [event, line] :
+         {std::pair(platform::Event{.modifierFlags = platform::kShiftKeyMask, .clickCount = 2},
+                    "click shift 2"),
+          {{.modifierFlags = platform::kOptionKeyMask}, "click option"},
+          {{.buttonNumber = 3}, "click control"}}) {
+        EXPECT_EQ(client.click(kTestExtra, event).value, event.clickCount == 2) << "consumed";
+        EXPECT_TRUE(bar.logs(line)) << bar.log();
+    }
     platform::MenuExtraReference reference = 0;
     client.getMenuExtra(kTestExtra, reference);
     EXPECT_EQ(client.removeMenuExtra(reference, 0), 0);
@@ -60,7 +62,6 @@ TEST(BarClient, GivesUpAtOnceWithoutABusAndWithoutABarAndSaysSoOnce) {
     const PrivateBus bus;
     const std::pair<std::string, const char*> cases[] = {
         {"unix:path=/no/such/bus", "there is no session bus"},
-        {"nonsense", "there is no session bus"},
         {bus.addressText(), "the menu bar does not answer: "},
     };
     for (const auto& [address, reason] : cases) {

@@ -1,5 +1,4 @@
 #include "menuextras/ExportedIdentifiers.h"
-#include "platform/Event.h"
 #include "tests/desktop/support/FakeService.h"
 #include "tests/desktop/support/SpoiltBundle.h"
 
@@ -7,11 +6,8 @@
 #include <QImage>
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
-using test::BarProcess;
-using test::kOwnClock;
-using test::kTestExtra;
+using namespace test;
 using testing::ElementsAre;
 
 namespace {
@@ -56,20 +52,6 @@ TEST(Bar, ShowsTheProductsClockAndOpensItsMenuOnAClick) {
     EXPECT_EQ(bar.stop(), 0) << bar.log();
 }
 
-TEST(Bar, TellsAnItemWhichClickItWasAndTheCallerWhetherItWasConsumed) {
-    BarProcess bar({HALVEX_TEST_EXTRA});
-    const std::tuple<std::uint32_t, int, const char*> cases[] = {
-        {platform::kShiftKeyMask, 0, "click shift 3"},
-        {platform::kOptionKeyMask, 0, "click option 3"},
-        {0, 3, "click control 3"},
-        {0, 1, "click plain 3"},
-    };
-    for (const auto& [flags, button, line] : cases) {
-        EXPECT_EQ(bar.click(kTestExtra, flags, 3, button), flags == platform::kShiftKeyMask);
-        EXPECT_TRUE(bar.logs(line)) << bar.log();
-    }
-}
-
 TEST(Bar, LetsAnItemTakeItselfAndOthersOut) {
     BarProcess bar({HALVEX_TIME_MENU});
     const test::SpoiltBundle bundle(bar, "LeavesWhenClicked");
@@ -111,12 +93,7 @@ TEST(Bar, IsAsDarkAsTheDesktopWantsIt) {
 
 TEST(Bar, AnswersWrongArgumentsWithAStatusAndALogLineAndChangesNothing) {
     BarProcess bar;
-    const struct {
-        const char* member;
-        QVariantList arguments;
-        QVariant answer;
-        const char* line;
-    } cases[] = {
+    const std::tuple<const char*, QVariantList, QVariant, const char*> cases[] = {
         {"AddMenuExtra", {"file:///no/such.menu", 999, 0, 0, 0, 0}, -43, "/no/such.menu"},
         {"AddMenuExtra", {"http://x/x.menu", 999, 0, 0, 0, 0}, -50, "http://x/x.menu is no file"},
         {"AddMenuExtra", {"/no/url.menu", 999, 0, 0, 0, 0}, -50, "/no/url.menu"},
@@ -126,9 +103,9 @@ TEST(Bar, AnswersWrongArgumentsWithAStatusAndALogLineAndChangesNothing) {
         {"Snapshot", {"relative.png"}, false, "relative.png is no absolute path"},
         {"Snapshot", {"/no/such/bar.png"}, false, "no picture at /no/such/bar.png"},
     };
-    for (const auto& c : cases) {
-        EXPECT_EQ(bar.call(c.member, c.arguments).value(0), c.answer) << c.line;
-        EXPECT_TRUE(bar.logs(c.line)) << c.line << " in " << bar.log();
+    for (const auto& [member, arguments, answer, line] : cases) {
+        EXPECT_EQ(bar.call(member, arguments).value(0), answer) << line;
+        EXPECT_TRUE(bar.logs(line)) << line << " in " << bar.log();
     }
     EXPECT_THAT(bar.identifiers(), ElementsAre(kOwnClock));
 }

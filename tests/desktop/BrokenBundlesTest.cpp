@@ -3,11 +3,7 @@
 #include <gtest/gtest.h>
 
 namespace fs = std::filesystem;
-using test::BarProcess;
-using test::contents;
-using test::kTestExtra;
-using test::replaceContents;
-using test::SpoiltBundle;
+using namespace test;
 
 namespace {
 

@@ -46,30 +46,27 @@ TEST_F(ItemWidgetTest, IsAButtonWithAMenuForPeopleWhoDoNotSeeIt) {
 }
 
 TEST_F(ItemWidgetTest, CountsClicksAndNumbersButtonsAndModifiersAsItemsKnowThem) {
-    const struct {
+    struct Row {
         Qt::MouseButton button;
         Qt::KeyboardModifiers modifiers;
-        int x;
-        std::int32_t buttonNumber;
+        int x, buttonNumber;
         std::uint32_t flags;
-        std::int32_t clickCount;
-    } rows[] = {
-        {Qt::LeftButton, {}, 5, 0, 0, 1},
-        {Qt::LeftButton, Qt::ShiftModifier, 6, 0, 0x20000, 2},
-        {Qt::LeftButton, {}, 35, 0, 0, 1}, // elsewhere
-        {Qt::RightButton, Qt::ControlModifier, 35, 1, 0x40000, 1},
-        {Qt::MiddleButton, Qt::AltModifier, 35, 2, 0x80000, 1},
-        {Qt::BackButton, Qt::AltModifier | Qt::ControlModifier, 35, 3, 0xC0000, 1},
+        int clickCount;
     };
-    for (const auto& row : rows) {
-        const QPoint place(row.x, 10);
-        QMouseEvent press(QEvent::MouseButtonPress, place, widget.mapToGlobal(place), row.button,
-                          row.button, row.modifiers);
+    for (const auto& [button, modifiers, x, buttonNumber, flags, clickCount] :
+         {Row{Qt::LeftButton, {}, 5, 0, 0, 1},
+          Row{Qt::LeftButton, Qt::ShiftModifier, 6, 0, 0x20000, 2},
+          Row{Qt::LeftButton, {}, 35, 0, 0, 1}, // elsewhere
+          Row{Qt::RightButton, Qt::ControlModifier, 35, 1, 0x40000, 1},
+          Row{Qt::MiddleButton, Qt::AltModifier, 35, 2, 0x80000, 1},
+          Row{Qt::BackButton, Qt::AltModifier | Qt::ControlModifier, 35, 3, 0xC0000, 1}}) {
+        QMouseEvent press(QEvent::MouseButtonPress, QPoint(x, 10),
+                          widget.mapToGlobal(QPoint(x, 10)), button, button, modifiers);
         press.setTimestamp(1000);
         QApplication::sendEvent(&widget, &press);
-        EXPECT_EQ(events.back().buttonNumber, row.buttonNumber);
-        EXPECT_EQ(events.back().modifierFlags, row.flags);
-        EXPECT_EQ(events.back().clickCount, row.clickCount) << "button " << row.buttonNumber;
+        EXPECT_EQ(events.back().buttonNumber, buttonNumber);
+        EXPECT_EQ(events.back().modifierFlags, flags);
+        EXPECT_EQ(events.back().clickCount, clickCount) << "button " << buttonNumber;
     }
 }
 

@@ -2,15 +2,9 @@
 #include "tests/desktop/support/SpoiltBundle.h"
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 namespace fs = std::filesystem;
-using test::BarProcess;
-using test::contents;
-using test::kOwnClock;
-using test::kTestExtra;
-using test::replaceContents;
-using test::SpoiltBundle;
+using namespace test;
 using testing::ElementsAre;
 using testing::HasSubstr;
 
@@ -68,58 +62,53 @@ TEST(RememberedItems, AreNeitherThoseOfTheCommandLineNorThoseWhoseBundleIsGone) 
     EXPECT_TRUE(remembers(bar, kTestExtra, false));
 }
 
-/// When the item crashes, and what the bar calls that.
-class CrashingItem : public testing::TestWithParam<std::pair<const char*, const char*>> {
-  protected:
-    void crashes() {
-        if (GetParam().second == std::string("click")) {
-            EXPECT_TRUE(bar.loads(kTestExtra));
-            bar.click(kTestExtra);
+TEST(RememberedItems, ThatCrashTheBarAreLeftOutUntilTheyAreAddedAgainOrHaveAnotherVersion) {
+    const std::pair<const char*, std::string> cases[] = {{"CrashesAtStart", "loading"},
+                                                         {"CrashesWhenDrawn", "first drawing"},
+                                                         {"CrashesWhenClicked", "click"}};
+    for (const auto& [kind, step] : cases) {
+        SCOPED_TRACE(kind);
+        BarProcess bar;
+        const SpoiltBundle extra{bar, kind};
+        const auto crashes = [&] {
+            if (step == "click") {
+                EXPECT_TRUE(bar.loads(kTestExtra));
+                bar.click(kTestExtra);
+            }
+            EXPECT_EQ(bar.ends(), -1);
+        };
+        const auto staysOut = [&] {
+            bar.start();
+            EXPECT_THAT(bar.identifiers(), ElementsAre(kOwnClock));
+            EXPECT_TRUE(bar.logs("menu extra test.extra at " + extra.path.string() +
+                                 " is left out: it crashed the menu bar (" + step + ")"));
+            EXPECT_THAT(contents(listFile(bar)),
+                        HasSubstr("<key>Step</key>\n\t\t\t<string>" + step));
+        };
+        for (int chance = 0; chance < 2; ++chance) {
+            bar.add(extra.path);
+            crashes();
+            staysOut();
+            bar.kill();
+            staysOut();
         }
-        EXPECT_EQ(bar.ends(), -1);
-    }
-    void staysOut() {
-        bar.start();
-        EXPECT_THAT(bar.identifiers(), ElementsAre(kOwnClock));
-        const std::string step = GetParam().second;
-        EXPECT_TRUE(bar.logs("menu extra test.extra at " + extra.path.string() +
-                             " is left out: it crashed the menu bar (" + step + ")"));
-        EXPECT_THAT(contents(listFile(bar)), HasSubstr("<key>Step</key>\n\t\t\t<string>" + step));
-    }
-
-    BarProcess bar;
-    const SpoiltBundle extra{bar, GetParam().first};
-};
-
-TEST_P(CrashingItem, IsLeftOutUntilItIsAddedAgainOrHasAnotherVersion) {
-    for (int chance = 0; chance < 2; ++chance) {
-        bar.add(extra.path);
+        extra.replaceInInfo(kind, "Calm");
+        EXPECT_TRUE(bar.has(extra.path, kTestExtra)) << "added again";
+        extra.replaceInInfo("Calm", kind);
+        bar.stop();
+        bar.launch();
         crashes();
         staysOut();
-        bar.kill();
-        staysOut();
+        bar.stop();
+        extra.replaceInInfo(kind, "Calm");
+        extra.replaceInInfo("CFBundleVersion</key>\n\t<string>1.0",
+                            "CFBundleVersion</key>\n\t<string>1.1");
+        bar.start();
+        EXPECT_THAT(bar.identifiers(), ElementsAre(kOwnClock, kTestExtra)) << "another version";
+        EXPECT_EQ(bar.stop(), 0) << bar.log();
+        EXPECT_EQ(contents(listFile(bar)).find("Step"), std::string::npos);
     }
-    extra.replaceInInfo(GetParam().first, "Calm");
-    EXPECT_TRUE(bar.has(extra.path, kTestExtra)) << "added again";
-    extra.replaceInInfo("Calm", GetParam().first);
-    bar.stop();
-    bar.launch();
-    crashes();
-    staysOut();
-    bar.stop();
-    extra.replaceInInfo(GetParam().first, "Calm");
-    extra.replaceInInfo("CFBundleVersion</key>\n\t<string>1.0",
-                        "CFBundleVersion</key>\n\t<string>1.1");
-    bar.start();
-    EXPECT_THAT(bar.identifiers(), ElementsAre(kOwnClock, kTestExtra)) << "another version";
-    EXPECT_EQ(bar.stop(), 0) << bar.log();
-    EXPECT_EQ(contents(listFile(bar)).find("Step"), std::string::npos);
 }
-
-INSTANTIATE_TEST_SUITE_P(, CrashingItem,
-                         testing::Values(std::pair("CrashesAtStart", "loading"),
-                                         std::pair("CrashesWhenDrawn", "first drawing"),
-                                         std::pair("CrashesWhenClicked", "click")));
 
 TEST(RememberedItems, ThatNobodyCanReadAreReplacedByTheBarsOwnClock) {
     BarProcess bar;

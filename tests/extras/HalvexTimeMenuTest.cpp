@@ -1,3 +1,4 @@
+#include "extras/clock/ClockFormat.h"
 #include "menubar/HalvexMenuExtraBase.h"
 #include "menuextras/ExportedIdentifiers.h"
 #include "platform/DynamicLoader.h"
@@ -11,7 +12,6 @@
 #include "tests/support/TemporaryFolder.h"
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 #include <algorithm>
 #include <filesystem>
@@ -71,7 +71,7 @@ class HalvexTimeMenu : public testing::Test {
     std::shared_ptr<MenuExtra> extra;
 };
 
-TEST_F(HalvexTimeMenu, TicksAsOftenAsItsFormatNeeds) {
+TEST_F(HalvexTimeMenu, TicksAsOftenAsItsFormatNeedsAndShowsTheIsoWeekAndTheZone) {
     setFormat(format("%H:%M"));
     start();
     EXPECT_EQ(title(), "22:41");
@@ -81,12 +81,9 @@ TEST_F(HalvexTimeMenu, TicksAsOftenAsItsFormatNeeds) {
     setFormat(format("%T"));
     EXPECT_TRUE(becomes("22:42:27"));
     EXPECT_THAT(clock.intervals(), ElementsAre(TickInterval::Second));
-}
 
-TEST_F(HalvexTimeMenu, ShowsTheIsoWeekAndTheZone) {
     setFormat(format("%W %Z"));
-    start();
-    EXPECT_EQ(title(), "47 GMT");
+    EXPECT_TRUE(becomes("47 GMT"));
     clock.moveTo(1609459200); // 2021-01-01, a Friday
     EXPECT_EQ(title(), "53 GMT") << "the week belongs to the year before";
 }
@@ -158,6 +155,24 @@ TEST_F(HalvexTimeMenu, ComesToRestWhenItIsUnloaded) {
     EXPECT_TRUE(watched.expired());
     setFormat(format("%Y"));
     loop.runUntil([] { return false; }, 100ms);
+}
+
+TEST(ClockFormat, WritesOutConversionsThatHideSeconds) {
+    const std::pair<const char*, const char*> cases[] = {
+        {"%T", "%H:%M:%S"}, {"%a %R", "%a %H:%M"}, {"%r", "%I:%M:%S %p"},
+        {"%%T", "%%T"},     {"100%", "100%"},      {"%c", "%a %b %e %H:%M:%S %Y"}};
+    for (const auto& [format, expanded] : cases)
+        EXPECT_EQ(clock_format::expanded(format), expanded) << format;
+}
+
+TEST(ClockFormat, IsUsableWhenItShowsSomethingThatCanBeDrawn) {
+    for (const std::string& format :
+         {std::string("%Z"), std::string("\xC3\x9Chr %H"), std::string(256, 'x')})
+        EXPECT_TRUE(clock_format::isUsable(format)) << format;
+    for (const std::string& format :
+         {std::string(), std::string("   "), std::string("%H\n%M"), std::string("%H\xFF"),
+          std::string(257, 'x'), std::string("%H\0%M", 5)})
+        EXPECT_FALSE(clock_format::isUsable(format)) << format;
 }
 
 } // namespace

@@ -134,39 +134,28 @@ TEST_F(MenuBarLoading, LooksAtABundleBeforeItIsLoadedAndOnlyLogs) {
     const std::string path = F + "/X.menu";
     tree.write(tree.shown(path) + "/Contents/Info.plist", infoPlist("1", "X"));
     install("NoCode.menu", "1");
-    const std::string x = "file://F/X.menu";
+    const std::string x = "file://" + platform::percentEncodedPath(F) + "/X.menu";
+    const std::string noCode = "file://" + platform::percentEncodedPath(F) + "/NoCode.menu";
     const std::string arch = "checkPreflight: MenuExtra F/X.menu arch ";
     const std::string host = arch + "(16777223)";
-    const struct {
-        std::string url;
-        std::vector<int> architectures;
-        std::optional<std::string> fault;
-        std::int32_t debug;
-        std::string log;
-    } cases[] = {
-        {"http://x/X.menu", {}, {}, 1, "checkPreflight not a file url"},
-        {"file:///no/X.menu", {}, {}, 1, "checkPreflight extraBundle nil - /no/X.menu"},
-        {"file://elsewhere/X.menu", {}, {}, 1, "checkPreflight extraBundle nil - (null)"},
-        {"file://F/NoCode.menu",
-         {},
-         {},
-         1,
-         "checkPreflight: MenuExtra F/NoCode.menu arch ()\ncheckPreflight: executablePath nil"},
-        {x, {16777223, 7}, "?", 0, arch + "(7, 16777223)"},
-        {x, {16777223, 7, 18}, "?", 0, ""},
-        {x, {16777223}, {}, 1, host + "\nMenuExtra passed dlopen_preflight(F/X.menu)"},
-        {x, {16777223}, "gone", 1, host + "\nMenuExtra Error: \r\tgone\r"},
-        {x, {16777223}, "", 1, host + "\nMenuExtra Error: \r\tn/a\r"},
+    const auto logged = [&](const std::string& bundle, const std::vector<int>& architectures = {},
+                            const std::optional<std::string>& fault = {}) {
+        loader.architectures = architectures;
+        loader.fault = fault;
+        Tools::checkPreflight(bundle);
+        return log();
     };
-    const std::string folder = platform::percentEncodedPath(F);
-    for (const auto& c : cases) {
-        loader.architectures = c.architectures;
-        loader.fault = c.fault;
-        myDebug = c.debug;
-        const bool isOurs = c.url.starts_with("file://F");
-        Tools::checkPreflight(isOurs ? "file://" + folder + c.url.substr(8) : c.url);
-        EXPECT_EQ(log(), c.log);
-    }
+    EXPECT_EQ(logged(x, {16777223, 7}, "?"), arch + "(7, 16777223)");
+    EXPECT_EQ(logged(x, {16777223, 7, 18}, "?"), "");
+    myDebug = 1;
+    EXPECT_EQ(logged("http://x/X.menu"), "checkPreflight not a file url");
+    EXPECT_EQ(logged("file:///no/X.menu"), "checkPreflight extraBundle nil - /no/X.menu");
+    EXPECT_EQ(logged("file://elsewhere/X.menu"), "checkPreflight extraBundle nil - (null)");
+    EXPECT_EQ(logged(noCode), "checkPreflight: MenuExtra F/NoCode.menu arch ()\n"
+                              "checkPreflight: executablePath nil");
+    EXPECT_EQ(logged(x, {16777223}), host + "\nMenuExtra passed dlopen_preflight(F/X.menu)");
+    EXPECT_EQ(logged(x, {16777223}, "gone"), host + "\nMenuExtra Error: \r\tgone\r");
+    EXPECT_EQ(logged(x, {16777223}, ""), host + "\nMenuExtra Error: \r\tn/a\r");
     loadsAtOnce("X");
     loader.fault = "gone";
     EXPECT_EQ(Tools::loadExtraWithCrack(url, "X"), 0) << "it is tried all the same";
@@ -203,6 +192,16 @@ TEST_F(MenuBarLoading, TogglingOnWhatIsLoadedOrDoesNotLoadLeavesTheSystemsClock)
     bar.loaded = {kCracker, kSystemClock};
     Tools::menuExtraToggle(1, 1);
     EXPECT_EQ(requests(), "add file://F/HalvexTimeMenu.menu 999 0 0 0 0");
+}
+
+TEST_F(MenuBarLoading, ATagThatThereIsNotIsLogged) {
+    EXPECT_EQ(Tools::menuExtraInstalledPaths(4), F + "/hxWirelessMenu.menu");
+    for (const std::int32_t tag : {0, 7, -1}) {
+        EXPECT_EQ(Tools::menuExtraPaths(tag), std::nullopt);
+        EXPECT_EQ(Tools::menuExtraInstalledPaths(tag), std::nullopt);
+        EXPECT_EQ(log(), "error tag not set\nerror tag not set") << tag;
+    }
+    EXPECT_EQ(Tools::menuExtraTagFromID("com.quorvanesoftware.halvexpromenu"), -1);
 }
 
 TEST_F(MenuBarLoading, ATogglesFailuresAreLogged) {

@@ -7,10 +7,7 @@
 #include "tests/support/Fakes.h"
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
-#include <fstream>
-#include <iterator>
 #include <set>
 #include <string>
 #include <vector>
@@ -65,8 +62,7 @@ class MenuExtraTree : public testing::Test {
     std::string version(const std::string& file) const {
         if (!std::filesystem::exists(F + '/' + file))
             return "";
-        std::ifstream info(F + '/' + file + "/Contents/Info.plist");
-        const std::string text{std::istreambuf_iterator<char>(info), {}};
+        const std::string text = contents(F + '/' + file + "/Contents/Info.plist");
         const auto start = text.find("<string>") + 8;
         return text.substr(start, text.find("</string>") - start);
     }

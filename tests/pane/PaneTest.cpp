@@ -2,42 +2,69 @@
 #include "platform/Bundle.h"
 #include "platform/PropertyList.h"
 #include "platform/expat/ExpatPropertyLists.h"
+#include "tests/support/TemporaryFolder.h"
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 #include <cstdlib>
-#include <filesystem>
 #include <map>
 
-using platform::Bundle;
 using platform::PropertyList;
-namespace fs = std::filesystem;
+using testing::HasSubstr;
 
 namespace {
 
-class Pane : public testing::Test {
+/// What the build installs, staged in a folder of the test's own.
+class Installation : public testing::Test {
   protected:
     void SetUp() override {
-        platform::expat::install();
-        pane = Bundle::bundleWithPath(HALVEX_PANE);
-        ASSERT_TRUE(pane);
-        const auto resource = pane->pathForResource("LocationsConfig", "plist");
-        locations = platform::propertyLists().readArray(resource.value_or("")).value_or(locations);
+        run("DESTDIR=\"$PWD\" '" HALVEX_CMAKE "' --install '" HALVEX_BUILD "' --prefix /usr/local");
+    }
+    /// A shell's command line in the staged root, where $pane is the installed pane.
+    void run(const std::string& command) {
+        const std::string script = "cd '" + stage.path().string() + "' && pane='" + pane +
+                                   "' && { " + command + "\n} >output 2>&1";
+        const int status = std::system(script.c_str());
+        output = test::contents(stage.path() / "output");
+        ASSERT_EQ(status, 0) << output;
     }
 
-    std::shared_ptr<Bundle> pane;
-    PropertyList::Array locations;
+    test::TemporaryFolder stage;
+    std::string output;
+    const std::string pane = std::string(HALVEX_PANES_FOLDER).substr(1) + "/Halvex Pro.prefPane";
 };
 
-TEST_F(Pane, IsABundleWithEveryItemWhole) {
-    EXPECT_EQ(pane->bundleIdentifier(), HalvexPrefsBundleID);
-    const fs::path plugIns = pane->builtInPlugInsPath();
-    EXPECT_TRUE(fs::exists(plugIns / kHalvexTimeExtraFile));
-    for (const auto& item : fs::directory_iterator(plugIns)) {
-        const std::string built = HALVEX_EXTRAS "/" + item.path().filename().string();
-        const std::string diff = "diff -r '" + item.path().string() + "' '" + built + "'";
-        EXPECT_EQ(std::system(diff.c_str()), 0) << diff;
+TEST_F(Installation, HasProgramsLibrariesAndThePaneThatItsProgramGivesToTheUser) {
+    run("cd usr/local && ls bin/halvex-menubar bin/halvex-preferences bin/halvexctl "
+        "lib/libHalvexTools.so.1 lib/libHalvexDesktop.so.1 "
+        "lib/halvex/MenuExtras/Clock.menu/Contents/Linux/Clock");
+    // The application's program differs from the built one by where it looks for the libraries.
+    run("mkdir home && HOME=\"$PWD/home\" usr/local/bin/halvexctl --root . pane install >/dev/null "
+        "&& diff -r --exclude=Halvex \"$pane\" '" HALVEX_PANE "' &&"
+        " diff -r \"$pane\" 'home/Library/PreferencePanes/Halvex Pro.prefPane'");
+    EXPECT_EQ(output, "");
+    run("readelf -d \"$pane/Contents/PlugIns/Halvex.app/Contents/Linux/Halvex\"");
+    EXPECT_THAT(output, HasSubstr("Library runpath: [/usr/local/lib]"));
+}
+
+TEST_F(Installation, HasABarThatLoadsItemsFromThePaneAndFromAHomeFolder) {
+    const std::string plugIns = pane + "/Contents/PlugIns";
+    run("mkdir home && cp -R '" + plugIns + "/" + kHalvexTimeExtraFile + "' home");
+    for (const std::string& folder : {plugIns, std::string("home")}) {
+        const std::string item = stage.file(folder + "/" + kHalvexTimeExtraFile);
+        // A bar on a bus of its own, what it lists, which library its items have, and its end.
+        run("HOME=\"$PWD/home\" XDG_RUNTIME_DIR=\"$PWD\" dbus-run-session -- sh -c '"
+            "usr/local/bin/halvex-menubar \"$0\" & bar=$!\n"
+            "for try in $(seq 100); do sleep 0.1; dbus-send --session --print-reply"
+            " --dest=com.quorvanesoftware.MenuBar /com/quorvanesoftware/MenuBar"
+            " com.quorvanesoftware.MenuBar1.ListMenuExtras && break; done\n"
+            "echo maps; grep -o /.*libHalvexTools.* /proc/$bar/maps | sort -u\n"
+            "kill $bar; wait $bar && echo ended well' '" +
+            item + "'");
+        EXPECT_THAT(output, HasSubstr("string \"" + item + "\""));
+        EXPECT_THAT(output,
+                    HasSubstr("maps\n" + stage.file("usr/local/lib/libHalvexTools.so.1.0.0") +
+                              "\nended well"));
     }
 }
 
@@ -53,32 +80,34 @@ std::string faultOf(const PropertyList& location) {
     for (const std::size_t name : {0U, 1U})
         if (text(*record, name).empty() || text(*record, name).find('_') != std::string::npos)
             return "no readable name at " + std::to_string(name);
-    if (!fs::is_regular_file("/usr/share/zoneinfo/" + text(*record, 2)))
+    if (!std::filesystem::is_regular_file("/usr/share/zoneinfo/" + text(*record, 2)))
         return "the system does not know the zone";
     if (!testing::Matches(testing::MatchesRegex("[A-Z][A-Z]"))(text(*record, 5)))
         return "no country code";
     return {};
 }
 
-TEST_F(Pane, HasWellFormedLocationsThatCanBeToldApartAndLieWhereTheyAre) {
+TEST(Pane, HasWellFormedLocationsThatCanBeToldApartAndLieWhereTheyAre) {
+    platform::expat::install();
+    const auto pane = platform::Bundle::bundleWithPath(HALVEX_PANE);
+    ASSERT_TRUE(pane);
+    const auto resource = pane->pathForResource("LocationsConfig", "plist");
+    const auto locations = platform::propertyLists().readArray(resource.value_or(""));
+    ASSERT_TRUE(locations);
     std::map<std::string, const PropertyList::Array*> found;
-    for (const PropertyList& location : locations) {
+    for (const PropertyList& location : *locations) {
         ASSERT_EQ(faultOf(location), "") << found.size();
         const std::string name = text(*location.array(), 0) + ", " + text(*location.array(), 1);
         EXPECT_TRUE(found.emplace(name, location.array()).second) << name;
     }
     EXPECT_GE(found.size(), 100U);
 
-    struct City {
-        const char *name, *zone;
-        double latitude, longitude;
-    };
     // One in each quarter of the globe, with and without seconds in the table.
     for (const auto& [name, zone, latitude, longitude] :
-         {City{"Tokyo, Japan", "Asia/Tokyo", 35.65, 139.75},
-          City{"New York, United States", "America/New_York", 40.71, -74.01},
-          City{"São Paulo, Brazil", "America/Sao_Paulo", -23.53, -46.62},
-          City{"Sydney, Australia", "Australia/Sydney", -33.87, 151.22}}) {
+         {std::tuple("Tokyo, Japan", "Asia/Tokyo", 35.65, 139.75),
+          {"New York, United States", "America/New_York", 40.71, -74.01},
+          {"São Paulo, Brazil", "America/Sao_Paulo", -23.53, -46.62},
+          {"Sydney, Australia", "Australia/Sydney", -33.87, 151.22}}) {
         ASSERT_TRUE(found.contains(name)) << name;
         const PropertyList::Array& record = *found[name];
         EXPECT_EQ(text(record, 2), zone);

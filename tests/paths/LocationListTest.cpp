@@ -4,7 +4,6 @@
 #include "tests/paths/SupportTree.h"
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 using namespace test;
 using platform::Bundle;
@@ -47,11 +46,6 @@ std::string xml(const Array& list) {
     return platform::propertyLists().serialize(list).value_or("");
 }
 
-std::string read(const SupportTree& tree, const std::string& shown) {
-    std::ifstream file(tree.place(shown), std::ios::binary);
-    return {std::istreambuf_iterator<char>(file), {}};
-}
-
 class LocationList : public testing::Test {
   protected:
     std::string moved(const std::string& from) const {
@@ -73,12 +67,7 @@ TEST_F(LocationList, IsReadFromItsFileElseFromThePaneElseEmpty) {
     const Lines none{kNoPane, missing("(null)")};
     const Lines loaded{kNoPane, "Default locations loaded"};
     const Lines failed{kNoPane, "Default locations failed to load at " + all.first};
-    const struct {
-        const char* name;
-        std::vector<File> files;
-        std::optional<Array> result;
-        Lines lines;
-    } cases[] = {
+    const std::tuple<const char*, std::vector<File>, std::optional<Array>, Lines> cases[] = {
         {"nothing", {}, Array(), none},
         {"its file", {list, all}, Array{record("list")}, {}},
         {"an empty list", {{kList, xml({})}, all}, Array(), {}},
@@ -135,7 +124,7 @@ TEST_F(LocationList, MovesHereFromOneOfItsOldPlaces) {
     EXPECT_EQ(Paths::HalvexLoadLocationFile(), Array{record("mine")});
     EXPECT_THAT(tree.log.take(), ElementsAre(moved("~/real"))) << "what the link leads to";
     EXPECT_FALSE(tree.exists("~/real"));
-    EXPECT_EQ(read(tree, kList), mine);
+    EXPECT_EQ(tree.read(kList), mine);
 
     fs::remove(tree.place(kFirstOld));
     tree.write(kFirstOld, other);
@@ -151,28 +140,6 @@ TEST_F(LocationList, MovesHereFromOneOfItsOldPlaces) {
     EXPECT_FALSE(tree.exists(kSecondOld));
 }
 
-TEST_F(LocationList, WithoutAListThereIsNothingToMergeInto) {
-    tree.write(kCache, xml({net("b")}));
-    EXPECT_EQ(Paths::mergeNetLocation(std::nullopt), std::nullopt);
-    EXPECT_EQ(Paths::mergeNetLocation(Array()), Array{net("b")});
-}
-
-TEST_F(LocationList, IsSavedWithoutItsNetRecordsWhichGoIntoTheCache) {
-    const std::string saving = "Saving Halvex locations: " + tree.path(kList);
-    const std::string caching = "Saving net locations cache: " + tree.path(kCache);
-    EXPECT_TRUE(Paths::HalvexSaveLocationTable({net("a"), record("mine"), net("b")}));
-    EXPECT_EQ(read(tree, kList), mine);
-    EXPECT_EQ(read(tree, kCache), xml({net("a"), net("b")}));
-    EXPECT_THAT(tree.log.take(), ElementsAre(saving + " (3)", caching + " (2)"));
-
-    EXPECT_TRUE(Paths::HalvexSaveLocationTable({}));
-    EXPECT_TRUE(Paths::HalvexSaveCacheNetLocation({}));
-    EXPECT_EQ(read(tree, kList), xml({}));
-    EXPECT_EQ(read(tree, kCache), xml({net("a"), net("b")})) << "without net records it stays";
-    EXPECT_THAT(tree.log.take(), ElementsAre(saving + " (0)"));
-    EXPECT_EQ(tree.log.beeps(), 0);
-}
-
 TEST_F(LocationList, AFailedWriteIsLoggedAndBeepsAndTheOtherFileIsWrittenAllTheSame) {
     const std::string saving = "Saving Halvex locations: " + tree.path(kList) + " (2)";
     const std::string caching = "Saving net locations cache: " + tree.path(kCache) + " (1)";
@@ -181,18 +148,15 @@ TEST_F(LocationList, AFailedWriteIsLoggedAndBeepsAndTheOtherFileIsWrittenAllTheS
         EXPECT_EQ(Paths::HalvexSaveLocationTable({record("mine"), net("a")}), blocked == kCache);
         EXPECT_THAT(tree.log.take(),
                     ElementsAre(saving, caching, "Unable to write: " + tree.path(blocked)));
-        EXPECT_EQ(read(tree, blocked == kCache ? kList : kCache),
+        EXPECT_EQ(tree.read(blocked == kCache ? kList : kCache),
                   blocked == kCache ? mine : xml({net("a")}));
         fs::remove_all(tree.place(kUserProduct));
     }
     tree.make(kCache);
     EXPECT_FALSE(Paths::HalvexSaveCacheNetLocation({net("a")}));
+    EXPECT_TRUE(Paths::HalvexSaveCacheNetLocation({})) << "nothing is to be written";
     EXPECT_EQ(tree.log.beeps(), 3);
-}
-
-TEST_F(LocationList, AFolderInTheCachesPlaceIsNoCacheAndStays) {
-    tree.make(kCache);
-    EXPECT_FALSE(Paths::HalvexExistsNetLocation());
+    EXPECT_FALSE(Paths::HalvexExistsNetLocation()) << "a folder is no cache";
     EXPECT_TRUE(Paths::HalvexRemoveNetLocation());
     EXPECT_TRUE(tree.exists(kCache));
 }

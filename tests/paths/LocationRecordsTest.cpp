@@ -39,7 +39,6 @@ TEST(LocationRecords, AreEqualByValueWhateverKindOfNumberHoldsIt) {
     const std::vector<Array> rows = {
         {true, 1, 1.0},
         {false, -0.0},
-        {1.5},
         {-1, -1.0},
         {maximum},
         {0x1p64},
@@ -50,7 +49,6 @@ TEST(LocationRecords, AreEqualByValueWhateverKindOfNumberHoldsIt) {
         {std::numeric_limits<std::int64_t>::min(), -0x1p63},
         {std::nan(""), -std::nan("")},
         {"1"},
-        {""},
         {"\u00e9"},
         {"e\u0301"},
         {std::string("a\0b", 3)},
@@ -94,11 +92,7 @@ TEST(LocationRecords, TheCachesRecordsFollowWithoutThoseThatTheListHas) {
     Array variantsAndA = variants, flaggedLengths = lengths;
     variantsAndA.push_back(flagged(a));
     std::ranges::transform(lengths, flaggedLengths.begin(), flagged);
-    const struct {
-        const char* name;
-        Array list, cached, merged;
-        std::size_t duplicates;
-    } cases[] = {
+    const std::tuple<const char*, Array, Array, Array, std::size_t> cases[] = {
         {"order", {b, a}, {c, record("d")}, {b, a, flagged(c), flagged(record("d"))}, 0},
         {"the list's own wins", {a}, {differingAt(5)}, {a}, 1},
         {"each of five fields counts", variants, {a}, variantsAndA, 0},

@@ -3,7 +3,6 @@
 #include "tests/support/Fakes.h"
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 #include <algorithm>
 #include <iterator>
@@ -13,7 +12,6 @@
 using namespace test;
 using testing::ElementsAre;
 using testing::IsEmpty;
-using testing::UnorderedElementsAre;
 namespace fs = std::filesystem;
 using Paths = HalvexFilePaths;
 
@@ -132,51 +130,6 @@ TEST(SupportFolders, LinksHoldTheBackgroundsPathAndASecondOneIsLoggedEachInItsOw
                             "Error Creating SymbolicLink at: " + tree.path(kFrames)));
     for (const std::string& folder : {kPictures, kFrames})
         EXPECT_EQ(fs::read_symlink(tree.place(folder + "/Glimmerbox Backgrounds")), kBackgrounds);
-}
-
-TEST(SupportFolders, ListsHoldEverythingInTheFileSystemsOrder) {
-    SupportTree tree;
-    for (const char* name : {"/z", "/.hidden", "/a/b/c", "/m/n"})
-        for (const std::string& folder : {kThemes, kPictures})
-            tree.write(folder + name, "");
-    fs::create_directory_symlink(tree.place(kThemes), tree.place(kPictures + "/link"));
-
-    std::vector<std::string> names;
-    for (const auto& entry : fs::directory_iterator(tree.place(kThemes)))
-        names.push_back(entry.path().filename());
-    EXPECT_EQ(ovxPaths::HalvexThemesList(), names);
-
-    std::vector<std::string> subpaths;
-    for (const auto& entry : fs::recursive_directory_iterator(tree.place(kPictures)))
-        subpaths.push_back(entry.path().string().substr(tree.place(kPictures).size() + 1));
-    ASSERT_EQ(subpaths.size(), 8U) << "what is behind a link is not listed";
-    EXPECT_EQ(ovxPaths::HalvexPicturesList(), subpaths);
-}
-
-TEST(SupportFolders, FramesAreTheFilesThatNameAndExclusionLeave) {
-    SupportTree tree;
-    EXPECT_EQ(ovxPaths::ovxGlimmerboxGetListFrames(), std::nullopt);
-    for (const char* name :
-         {"a.zip", "a.sit", "Transit", "a.gz", "a.ivc", "notes.txt", "a.plist", ".DS_Store",
-          "x/.DS_Store", "B.ZIP", "txt.png", "x.zip/d.png", ".DS_Store2"})
-        tree.write(kFrames + '/' + name, "");
-    fs::create_symlink("nothing", tree.place(kFrames + "/dangling"));
-    fs::create_symlink("txt.png", tree.place(kFrames + "/link"));
-    const auto shown = [&](const std::vector<std::string>& exclude) {
-        auto frames = ovxPaths::ovxGlimmerboxGetListFrames(exclude).value();
-        for (std::string& frame : frames)
-            frame = tree.shown(frame).substr(kFrames.size());
-        return frames;
-    };
-    EXPECT_THAT(shown({}),
-                UnorderedElementsAre("/B.ZIP", "/txt.png", "/x.zip/d.png", "/.DS_Store2", "/link"));
-    const std::string place = tree.path(kFrames);
-    EXPECT_THAT(shown({place + "/link", place + "/B.ZIP", place + "/x.zip/d.png", "txt.png"}),
-                UnorderedElementsAre("/txt.png", "/.DS_Store2"));
-
-    SupportTree other({kUser});
-    other.write(kFrames, "a file");
-    EXPECT_EQ(ovxPaths::ovxGlimmerboxGetListFrames(), std::nullopt);
 }
 
 } // namespace

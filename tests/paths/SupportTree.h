@@ -7,7 +7,6 @@
 #include "tests/support/TemporaryFolder.h"
 
 #include <filesystem>
-#include <fstream>
 #include <set>
 #include <string>
 #include <string_view>
@@ -41,10 +40,10 @@ class SupportTree {
         return shown.starts_with('/') ? folder_.file("root") + std::string(shown) : path(shown);
     }
     void make(std::string_view shown) const { std::filesystem::create_directories(place(shown)); }
-    void write(std::string_view shown, std::string_view contents) const {
-        make(shown.substr(0, shown.rfind('/')));
-        std::ofstream(place(shown), std::ios::binary) << contents;
+    void write(std::string_view shown, std::string_view bytes) const {
+        folder_.write(place(shown), bytes);
     }
+    std::string read(std::string_view shown) const { return contents(place(shown)); }
     bool exists(std::string_view shown) const { return std::filesystem::exists(place(shown)); }
     /// Everything below the two Library folders.
     std::set<std::string> entries() const {

@@ -3,7 +3,6 @@
 #include "tests/paths/SupportTree.h"
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 #include <array>
 
@@ -58,16 +57,6 @@ TEST(WarningTitles, ComeFromTheFirstReadableListInEveryCombination) {
         EXPECT_EQ(HalvexFilePaths::hasCustomWarnMeFile(WarnMeTitlesFile), custom);
         EXPECT_FALSE(HalvexFilePaths::hasCustomWarnMeFile(WarnMeTimesFile));
     }
-}
-
-TEST(WarningTitles, CreateTheProductFoldersOnTheWayAsFarAsTheyLook) {
-    SupportTree tree({kUser, kLocal});
-    put(tree, 1, State::Good, false);
-    HalvexFilePaths::loadWarnMeTitles(WarnMeTitlesFile, "");
-    EXPECT_TRUE(tree.exists(kUserProduct));
-    EXPECT_FALSE(tree.exists(kLocalMaker));
-    EXPECT_FALSE(HalvexFilePaths::hasCustomWarnMeFile(""));
-    EXPECT_TRUE(tree.exists(std::string(kLocalMaker) + "/Halvex"));
 }
 
 } // namespace

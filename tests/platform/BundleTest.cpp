@@ -4,7 +4,6 @@
 #include "tests/support/TemporaryFolder.h"
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 #include <filesystem>
 
@@ -13,9 +12,8 @@ using platform::Bundle;
 namespace {
 
 std::string infoPlist(const std::string& executable) {
-    return "<plist><dict><key>CFBundleIdentifier</key><string>test.clock</string>"
-           "<key>CFBundleExecutable</key><string>" +
-           executable + "</string><key>Number</key><integer>1</integer></dict></plist>";
+    return "<plist><dict><key>CFBundleExecutable</key><string>" + executable +
+           "</string></dict></plist>";
 }
 
 class BundleFolder : public testing::Test {
@@ -25,34 +23,10 @@ class BundleFolder : public testing::Test {
     std::string path = folder.file("Test.menu");
 };
 
-TEST_F(BundleFolder, GivesWhatItsInfoPlistAndItsFoldersHold) {
-    folder.write("Test.menu/Contents/Info.plist", infoPlist("Test"));
-    folder.write("Test.menu/Contents/Resources/icon.png", "x");
-    const auto bundle = Bundle::bundleWithPath(path);
-    ASSERT_TRUE(bundle);
-    EXPECT_EQ(bundle->bundleIdentifier(), "test.clock");
-    EXPECT_EQ(bundle->stringForInfoDictionaryKey("Number"), std::nullopt);
-    EXPECT_EQ(bundle->executablePath(), path + "/Contents/Linux/Test");
-    EXPECT_EQ(bundle->pathForResource("icon", "png"), path + "/Contents/Resources/icon.png");
-    EXPECT_EQ(bundle->pathForResource("other", "png"), std::nullopt);
-}
-
 TEST_F(BundleFolder, NeverLeadsToCodeOutsideOfItself) {
     for (const char* name : {"", ".", "..", "../../../bin/sh", "/bin/sh", "a/b"}) {
         folder.write("Test.menu/Contents/Info.plist", infoPlist(name));
         EXPECT_EQ(Bundle::bundleWithPath(path)->executablePath(), std::nullopt) << name;
-    }
-}
-
-TEST_F(BundleFolder, WithoutADictionaryIsABundleAllTheSameAndSaysWhy) {
-    std::string reason;
-    EXPECT_EQ(Bundle::bundleWithPath(folder.write("file", ""), &reason), nullptr);
-    EXPECT_EQ(reason, "there is no such folder");
-    for (const auto& [text, why] : {std::pair{"<plist><array/></plist>", "no dictionary"},
-                                    std::pair{"<plist>\n<dict>", "line 2, column"}}) {
-        folder.write("Test.menu/Contents/Info.plist", text);
-        EXPECT_EQ(Bundle::bundleWithPath(path, &reason)->infoDictionary(), nullptr);
-        EXPECT_TRUE(reason.starts_with(std::string("Info.plist: ") + why)) << reason;
     }
 }
 
@@ -84,8 +58,7 @@ TEST(LoadedBundles, AreFoundByTheirIdentifierUntilTheirCodeGoes) {
     };
     const auto first = make("test.one");
     const auto second = make("test.one");
-    const auto nameless = std::make_shared<Bundle>("/Test", std::nullopt);
-    for (const auto& bundle : {nameless, first, second, make("test.two")})
+    for (const auto& bundle : {first, second, make("test.two")})
         Bundle::setCode(bundle, Bundle::Code::Loaded);
     EXPECT_EQ(Bundle::bundleWithIdentifier(""), nullptr);
     EXPECT_EQ(Bundle::bundleWithIdentifier("test.one"), first);

@@ -20,8 +20,6 @@ TEST(MenuItem, CanBeChosenWhenThereIsSomethingToDoAndTheTargetAllowsIt) {
     MenuItem withSubmenu("x");
     withSubmenu.setSubmenu(std::make_shared<Menu>());
 
-    EXPECT_TRUE(MenuItem("x", action).isEnabled());
-    EXPECT_FALSE(MenuItem("x").isEnabled());
     EXPECT_TRUE(withSubmenu.isEnabled());
     EXPECT_FALSE(withSubmenu.perform()) << "opening is not performing";
 
@@ -46,17 +44,6 @@ TEST(MenuItem, LivesThroughAnActionThatDropsItsTargetAndItsMenu) {
     menu->addItem("x", drop, target);
     EXPECT_TRUE(menu->items().front()->perform());
     EXPECT_TRUE(watched.expired());
-}
-
-TEST(MenuItem, TellsWhoShowsItOnlyOfRealChanges) {
-    int changes = 0;
-    MenuItem item("a");
-    item.setChangeHandler([&] { ++changes; });
-    for (const char* title : {"a", "b", "b"})
-        item.setTitle(title);
-    for (const auto state : {MenuItem::State::Off, MenuItem::State::On})
-        item.setState(state);
-    EXPECT_EQ(changes, 2);
 }
 
 } // namespace

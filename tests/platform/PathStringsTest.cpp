@@ -68,23 +68,20 @@ TEST(PathStrings, FileURLsNameAbsolutePathsOfThisMachine) {
     EXPECT_EQ(fileURLWithPath("a//b"), std::nullopt);
     EXPECT_EQ(fileURLWithPath(""), std::nullopt);
     EXPECT_EQ(fileURLWithPath("/a//b/"), "file:///a/b");
-    const struct {
-        const char* url;
-        bool isFile;
-        std::optional<std::string> path;
-    } cases[] = {{"FILE://localhost/a/", true, "/a"},
-                 {"file:/a%2fb?q#f", true, "/a/b"},
-                 {"file://host/a", true, std::nullopt},
-                 {"file:a", true, std::nullopt},
-                 {"file://", true, std::nullopt},
-                 {"file:///%", true, std::nullopt},
-                 {"file:///%4", true, std::nullopt},
-                 {"file:///%4g", true, std::nullopt},
-                 {"file:///%00", true, std::nullopt},
-                 {"http:///a", false, std::nullopt},
-                 {"/a", false, std::nullopt},
-                 {"fil", false, std::nullopt},
-                 {"", false, std::nullopt}};
+    const std::tuple<const char*, bool, std::optional<std::string>> cases[] = {
+        {"FILE://localhost/a/", true, "/a"},
+        {"file:/a%2fb?q#f", true, "/a/b"},
+        {"file://host/a", true, std::nullopt},
+        {"file:a", true, std::nullopt},
+        {"file://", true, std::nullopt},
+        {"file:///%", true, std::nullopt},
+        {"file:///%4", true, std::nullopt},
+        {"file:///%4g", true, std::nullopt},
+        {"file:///%00", true, std::nullopt},
+        {"http:///a", false, std::nullopt},
+        {"/a", false, std::nullopt},
+        {"fil", false, std::nullopt},
+        {"", false, std::nullopt}};
     for (const auto& [url, isFile, path] : cases) {
         EXPECT_EQ(isFileURL(url), isFile) << url;
         EXPECT_EQ(pathOfFileURL(url), path) << url;

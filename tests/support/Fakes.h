@@ -6,13 +6,11 @@
 #include "platform/MenuExtraHost.h"
 #include "platform/Panel.h"
 #include "platform/Pasteboard.h"
-#include "platform/SystemInfo.h"
 #include "platform/Workspace.h"
 
 #include <algorithm>
 #include <functional>
 #include <memory>
-#include <optional>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -152,7 +150,6 @@ class RecordingWorkspace final : public platform::Workspace {
     std::vector<std::string> selected; ///< path, a bar, root path
     std::vector<std::string> opened;   ///< path, or path, a bar, application; "front", process
     bool opens = true;                 ///< what opening answers
-    std::vector<std::string> urls;     ///< opened
     std::vector<std::string> recycled;
     bool recycles = true; ///< what recycling answers
 
@@ -164,10 +161,7 @@ class RecordingWorkspace final : public platform::Workspace {
         opened.push_back(path);
         return opens;
     }
-    bool openURL(const std::string& url) override {
-        urls.push_back(url);
-        return true;
-    }
+    bool openURL(const std::string&) override { return false; }
     bool openFile(const std::string& path, const std::string& withApplication) override {
         opened.push_back(path + '|' + withApplication);
         return opens;
@@ -283,24 +277,6 @@ class RecordingPasteboard final : public platform::Pasteboard {
 
   private:
     platform::ScopedService<platform::Pasteboard> service_{*this};
-};
-
-/// A system that knows what the test says.
-class FixedSystemInfo final : public platform::SystemInfo {
-  public:
-    std::optional<std::uint32_t> version;
-    std::optional<std::uint32_t> media;
-    platform::TimeZone zone;
-
-    std::optional<std::uint32_t> query(platform::SystemFact fact) const override {
-        if (fact == platform::SystemFact::SystemVersion)
-            return version;
-        return fact == platform::SystemFact::MediaVersion ? media : std::nullopt;
-    }
-    platform::TimeZone systemTimeZone() const override { return zone; }
-
-  private:
-    platform::ScopedService<platform::SystemInfo> service_{*this};
 };
 
 class FixedEvents final : public platform::EventSource {

@@ -3,11 +3,17 @@
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
+#include <iterator>
 #include <stdexcept>
 #include <string>
 #include <string_view>
 
 namespace test {
+
+inline std::string contents(const std::filesystem::path& file) {
+    std::ifstream stream(file, std::ios::binary);
+    return {std::istreambuf_iterator<char>(stream), {}};
+}
 
 /// An empty folder of the test's own that is gone with the object.
 class TemporaryFolder {
@@ -30,8 +36,7 @@ class TemporaryFolder {
     std::string write(std::string_view name, std::string_view contents) const {
         const auto target = path_ / name;
         std::filesystem::create_directories(target.parent_path());
-        std::ofstream(target, std::ios::binary)
-            .write(contents.data(), static_cast<std::streamsize>(contents.size()));
+        std::ofstream(target, std::ios::binary) << contents;
         return target.string();
     }
 

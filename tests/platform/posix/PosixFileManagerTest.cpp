@@ -7,10 +7,7 @@
 
 namespace {
 
-namespace fs = std::filesystem;
-using test::contents;
-using test::Names;
-using test::statusOf;
+using namespace test;
 using testing::HasSubstr;
 
 using PosixFileManagerTest = test::RealFiles;
@@ -20,16 +17,13 @@ TEST_F(PosixFileManagerTest, SaysWhatIsThereAndFollowsLinks) {
     fs::create_symlink("file", file("link"));
     fs::create_symlink(folder.path(), file("folderlink"));
     fs::create_symlink("nothing", file("dangling"));
-    const struct {
-        std::string path;
-        bool exists;
-        bool isDirectory;
-    } cases[] = {{file("link"), true, false},
-                 {file("folderlink"), true, true},
-                 {file("dangling"), false, false},
-                 {file("file/x"), false, false},
-                 {"", false, false},
-                 {one + std::string("\0x", 2), false, false}};
+    const std::tuple<std::string, bool, bool> cases[] = {
+        {file("link"), true, false},
+        {file("folderlink"), true, true},
+        {file("dangling"), false, false},
+        {file("file/x"), false, false},
+        {"", false, false},
+        {one + std::string("\0x", 2), false, false}};
     for (const auto& [path, exists, isDirectory] : cases) {
         bool answer = !isDirectory;
         EXPECT_EQ(manager.fileExists(path, &answer), exists) << path;
@@ -50,10 +44,6 @@ TEST_F(PosixFileManagerTest, ReadsRegularFilesUpToTheSizeAsked) {
     EXPECT_GT(manager.readFile("/proc/self/status", 1 << 20).contents.value_or("").size(), 100U)
         << "a file that says it is empty";
     EXPECT_THAT(manager.readFile("/proc/self/status", 10).reason, HasSubstr("larger"));
-    ASSERT_EQ(::mkfifo(file("pipe").c_str(), 0600), 0);
-    for (const auto& path :
-         {file("pipe"), folder.path().string(), std::string("/dev/zero"), file("missing")})
-        EXPECT_NE(manager.readFile(path, 100).reason, "") << path;
 }
 
 TEST_F(PosixFileManagerTest, TheHomeFolderIsTheEnvironmentsWhenThatIsAbsolute) {
@@ -86,15 +76,13 @@ TEST_F(PosixFileManagerTest, AWrittenFileKeepsItsModeAndANewOneTakesTheMask) {
 
 TEST_F(PosixFileManagerTest, LinksAreFollowedAndStay) {
     folder.write("away/target", "old");
-    const struct {
-        const char* link;
-        const char* to;
-        const char* written; // none when writing must fail
-    } cases[] = {{"relative", "away/target", "away/target"},
-                 {"chain", "relative", "away/target"},
-                 {"dangling", "away/later", "away/later"},
-                 {"broken", "nowhere/file", nullptr},
-                 {"loop", "loop", nullptr}};
+    // The file that is written at last; none when writing must fail.
+    const std::tuple<const char*, const char*, const char*> cases[] = {
+        {"relative", "away/target", "away/target"},
+        {"chain", "relative", "away/target"},
+        {"dangling", "away/later", "away/later"},
+        {"broken", "nowhere/file", nullptr},
+        {"loop", "loop", nullptr}};
     for (const auto& [link, to, written] : cases) {
         fs::create_symlink(to, file(link));
         const auto before = names();

@@ -31,27 +31,6 @@ TEST(PosixSystemInfo, CodesTheKernelsVersion) {
     EXPECT_EQ(info.query(SystemFact::MediaVersion), std::nullopt);
 }
 
-TEST(PosixSystemInfo, TellsTheZoneThatTheEnvironmentAsksFor) {
-    struct Case {
-        const char *variable, *name, *abbreviation;
-        std::int32_t seconds;
-    };
-    const Case cases[] = {
-        {"Asia/Kolkata", "Asia/Kolkata", "IST", 19800},
-        {":Asia/Tokyo", "Asia/Tokyo", "JST", 32400},
-        {"/usr/share/zoneinfo/Pacific/Honolulu", "Pacific/Honolulu", "HST", -36000},
-        {"EST5", "EST5", "EST", -18000},
-        {"", "UTC", "UTC", 0},
-    };
-    for (const auto& [variable, name, abbreviation, seconds] : cases) {
-        const test::ScopedEnvironment zone("TZ", variable);
-        const auto found = PosixSystemInfo().systemTimeZone();
-        EXPECT_EQ(found.name, name);
-        EXPECT_EQ(found.abbreviation, abbreviation) << variable;
-        EXPECT_EQ(found.secondsFromGMT, seconds) << variable;
-    }
-}
-
 TEST(PosixSystemInfo, NamesTheSystemsZoneByTheLinkToIt) {
     const test::ScopedEnvironment zone("TZ", std::nullopt);
     const test::TemporaryFolder folder;

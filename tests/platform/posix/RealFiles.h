@@ -6,7 +6,6 @@
 #include "tests/support/TemporaryFolder.h"
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 #include <chrono>
 #include <csignal>
@@ -14,7 +13,6 @@
 #include <fcntl.h>
 #include <filesystem>
 #include <fstream>
-#include <iterator>
 #include <set>
 #include <string>
 #include <sys/file.h>
@@ -27,11 +25,6 @@ namespace test {
 
 namespace fs = std::filesystem;
 using Names = std::set<std::string>;
-
-inline std::string contents(const fs::path& path) {
-    std::ifstream file(path, std::ios::binary);
-    return {std::istreambuf_iterator<char>(file), {}};
-}
 
 inline Names namesIn(const fs::path& path) {
     Names result;

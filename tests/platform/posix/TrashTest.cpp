@@ -8,12 +8,9 @@
 
 namespace {
 
-namespace fs = std::filesystem;
+using namespace test;
 using platform::posix::moveToTrash;
 using platform::posix::trashAtTop;
-using test::contents;
-using test::Names;
-using test::namesIn;
 using testing::StartsWith;
 
 class Trash : public test::RealFiles {

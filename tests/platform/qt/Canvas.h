@@ -2,7 +2,6 @@
 
 #include "platform/qt/QtGraphics.h"
 
-#include <QColor>
 #include <QFont>
 #include <QImage>
 

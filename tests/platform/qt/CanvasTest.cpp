@@ -1,4 +1,5 @@
 #include "Canvas.h"
+#include "platform/Exception.h"
 #include "platform/qt/QtImage.h"
 #include "platform/qt/Truncation.h"
 #include "tests/support/RecordingLog.h"
@@ -6,7 +7,6 @@
 #include "ui/TintedImage.h"
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 #include <algorithm>
 #include <cmath>
@@ -30,6 +30,11 @@ const QImage& pixelsOf(const Image& image) {
     return dynamic_cast<const QtImage&>(image).pixelsForScale(1);
 }
 
+MATCHER_P2(IsNear, color, tolerance, "") {
+    return std::ranges::equal(
+        arg, color, [&](int value, int wanted) { return std::abs(value - wanted) <= tolerance; });
+}
+
 class Drawing : public testing::Test {
   protected:
     Drawing() { graphics.setDrawingScale(1); }
@@ -40,20 +45,16 @@ class Drawing : public testing::Test {
 };
 
 TEST_F(Drawing, RoundsCanvasesUpAndLeavesWhatLiesBeyondTransparent) {
-    const struct {
-        Size size;
-        double scale;
-        QSize pixels;
-    } cases[] = {
+    const std::tuple<Size, double, QSize> cases[] = {
         {{100, 50}, 1, {100, 50}},   {{100.7, 50.2}, 1, {101, 51}}, {{100.7, 50.2}, 2, {202, 101}},
         {{0.1 * 3, 1}, 10, {3, 10}}, {{0, 5}, 1, {0, 0}},           {{-4, 5}, 1, {0, 0}},
     };
-    for (const auto& each : cases) {
-        graphics.setDrawingScale(each.scale);
+    for (const auto& [size, scale, pixels] : cases) {
+        graphics.setDrawingScale(scale);
         const auto image = graphics.imageByDrawing(
-            each.size, [](GraphicsContext& context) { context.fillRect({}, {}, kOver); });
-        EXPECT_EQ(image->size(), each.size);
-        EXPECT_EQ(pixelsOf(*image).size(), each.pixels);
+            size, [](GraphicsContext& context) { context.fillRect({}, {}, kOver); });
+        EXPECT_EQ(image->size(), size);
+        EXPECT_EQ(pixelsOf(*image).size(), pixels);
     }
     EXPECT_TRUE(log.take().empty());
     const auto tooLarge = graphics.imageByDrawing({1e6, 1e6}, [](GraphicsContext& context) {
@@ -64,28 +65,7 @@ TEST_F(Drawing, RoundsCanvasesUpAndLeavesWhatLiesBeyondTransparent) {
     EXPECT_ANY_THROW(graphics.currentContext()) << "drawing is over";
 }
 
-TEST_F(Drawing, DrawsCanvasesOfFractionalSizeFromTheirLowerLeftCorner) {
-    const auto image = graphics.imageByDrawing({4.5, 4.5}, [](GraphicsContext& context) {
-        context.fillRect({{0, 0}, {2, 2}}, {1, 0, 0, 1}, kOver);
-    });
-    EXPECT_EQ(pixel(*image, 0, 4)[3], 255);
-    EXPECT_EQ(pixel(*image, 0, 2)[3], 0);
-    test::Canvas canvas(9, 9);
-    canvas->drawImage(*image, {{0, 0}, {4.5, 4.5}}, {{}, image->size()}, kOver, 1);
-    EXPECT_EQ(canvas.ink(), QRect(0, 7, 2, 2));
-}
-
-TEST(CornerArc, TouchesBothLinesOrIsNone) {
-    const auto arc = cornerArc({0, 50}, {100, 50}, {100, 0}, 6);
-    ASSERT_TRUE(arc);
-    EXPECT_NEAR(arc->start.x, 94, 1e-9);
-    EXPECT_NEAR(arc->start.y, 50, 1e-9);
-    EXPECT_NEAR(arc->end.x, 100, 1e-9);
-    EXPECT_NEAR(arc->end.y, 44, 1e-9);
-    // A circle around (94, 44): its middle lies at 45 degrees.
-    const double x =
-        (arc->start.x + 3 * arc->firstControl.x + 3 * arc->secondControl.x + arc->end.x) / 8;
-    EXPECT_NEAR(x, 94 + 6 / std::sqrt(2), 0.01);
+TEST(CornerArc, TouchesLinesThatMeetAtAnyAngleOrIsNone) {
     const auto blunt = cornerArc({0, 0}, {10, 0}, {20, 10}, 3);
     ASSERT_TRUE(blunt);
     EXPECT_NEAR(10 - blunt->start.x, 3 * std::tan(std::acos(-1.0) / 8), 1e-9);
@@ -118,12 +98,7 @@ TEST_F(Drawing, PaintsThePanelsGroundWithRoundOuterAndSquareInnerCorners) {
             size, [&](GraphicsContext& context) { drawHUDBackground(context, size, ""); });
         const auto unit = static_cast<int>(scale);
         const auto at = [&](int x, int y) { return pixel(*image, x, y, scale); };
-        const auto near = [](int value) {
-            return testing::AllOf(testing::Ge(value - 1), testing::Le(value + 1));
-        };
-        const auto is = [&](int white) {
-            return testing::ElementsAre(near(white), near(white), near(white), near(191));
-        };
+        const auto is = [](int white) { return IsNear(std::array{white, white, white, 191}, 1); };
         EXPECT_THAT(at(50 * unit, 10 * unit), is(64));
         EXPECT_THAT(at(50 * unit, 40 * unit), is(26));
         // Square where they meet, without a seam.
@@ -139,20 +114,6 @@ TEST_F(Drawing, PaintsThePanelsGroundWithRoundOuterAndSquareInnerCorners) {
                         EXPECT_NEAR(at(column, row)[3], inside, kTolerance) << column << ' ' << row;
             }
     }
-}
-
-TEST_F(Drawing, DrawsThePartsOfThePanelByThemselves) {
-    const auto part = [&](HUDPart which) {
-        return graphics.imageByDrawing({60, 40}, [&](GraphicsContext& context) {
-            drawHUDBackground(context, {60, 40}, "Wide", which);
-        });
-    };
-    const auto body = part(HUDPart::Body);
-    const auto bar = part(HUDPart::TitleBar);
-    EXPECT_EQ(pixel(*body, 30, 18)[3], 0);
-    EXPECT_EQ(pixel(*body, 30, 19)[3], 191);
-    EXPECT_EQ(pixel(*bar, 30, 19)[3], 0);
-    EXPECT_EQ(pixel(*bar, 5, 10)[3], 191);
 }
 
 /// The columns that are brighter than the title bar; null when none is.
@@ -190,11 +151,7 @@ TEST(Truncation, CutsBetweenCharactersAsPeopleCountThem) {
         return Size{static_cast<double>(text.length()), 10};
     };
     const std::string accented = "e\u0301"; // three bytes, one character
-    const struct {
-        std::string text;
-        double width;
-        std::string expected;
-    } cases[] = {
+    const std::tuple<std::string, double, std::string> cases[] = {
         {"short", 5, "short"},
         {"somewhat longer", 9, "somewh\u2026"},
         {"ab" + accented + "cdef", 7, "ab\u2026"},
@@ -223,28 +180,20 @@ TEST_F(Drawing, TintsWhatIsPaintedAndLeavesTheReceiver) {
     for (int x = 0; x < 4; ++x)
         icon.setPixel(x, 0, before[x]);
     const QtImage image(icon);
-    const auto near = [](std::array<int, 4> wanted) {
-        return testing::Pointwise(testing::Truly([](const auto& pair) {
-                                      return std::abs(std::get<0>(pair) - std::get<1>(pair)) <= 2;
-                                  }),
-                                  wanted);
-    };
     const auto red = HalvexTintedImage::tintedImageWithColor(image, {1, 0, 0, 1});
-    EXPECT_THAT(pixel(*red, 0, 0), near({64, 0, 0, 255}));
+    EXPECT_THAT(pixel(*red, 0, 0), IsNear(std::array{64, 0, 0, 255}, 2));
     EXPECT_EQ(pixel(*red, 1, 0)[3], 0);
-    EXPECT_THAT(pixel(*red, 2, 0), near({255, 191, 191, 255}));
-    EXPECT_THAT(pixel(*red, 3, 0), near({64, 0, 191, 128}));
+    EXPECT_THAT(pixel(*red, 2, 0), IsNear(std::array{255, 191, 191, 255}, 2));
+    EXPECT_THAT(pixel(*red, 3, 0), IsNear(std::array{64, 0, 191, 128}, 2));
     const auto solid =
         HalvexTintedImage::tintedImageWithColor(image, {0, 1, 0, 0.5}, CompositingOperation::Copy);
     for (int x = 0; x < 4; ++x)
-        EXPECT_THAT(pixel(*solid, x, 0), near({0, 255, 0, 128}));
+        EXPECT_THAT(pixel(*solid, x, 0), IsNear(std::array{0, 255, 0, 128}, 2));
 
     const auto pattern = colorWithPatternImage(std::make_shared<QtImage>(icon));
     const auto plain = HalvexTintedImage::tintedImageWithColor(image, pattern);
     EXPECT_EQ(pixelsOf(*plain), pixelsOf(image)) << "a pattern tints nothing";
-    for (int x = 0; x < 4; ++x)
-        EXPECT_EQ(pixelsOf(image).pixelColor(x, 0).rgba(),
-                  QColor::fromRgba(qUnpremultiply(qPremultiply(before[x]))).rgba());
+    EXPECT_EQ(pixelsOf(image), QtImage(icon).pixelsForScale(1)) << "the receiver stays as it was";
     const auto nothing = HalvexTintedImage::tintedImageWithColor(QtImage(QImage()), {1, 0, 0, 1});
     EXPECT_EQ(nothing->size(), Size());
 }
@@ -265,8 +214,68 @@ TEST_F(Drawing, FillsWhatAPathWindsAroundByAnyOperation) {
         wanted->fillRect({{0, 0}, {6, 6}}, ground, CompositingOperation::Copy);
         wanted->fillRect({{1, 1}, {4, 4}}, source, operation);
         for (const int x : {0, 1, 3, 5})
-            for (std::size_t i = 0; i < 4; ++i)
-                EXPECT_NEAR(canvas.at(x, 3)[i], wanted.at(x, 3)[i], 1) << number << " at " << x;
+            EXPECT_THAT(canvas.at(x, 3), IsNear(wanted.at(x, 3), 1)) << number << " at " << x;
+    }
+}
+
+TEST(QtGraphics, DrawsIntoTheInnermostContextAndIntoNoneOutside) {
+    test::Canvas outer(4, 4);
+    QImage inner(4, 4, QImage::Format_ARGB32_Premultiplied);
+    inner.fill(Qt::transparent);
+    const auto fill = [&](double x) {
+        outer.graphics().currentContext().fillRect({{x, 0}, {1, 4}}, Color{1, 0, 0, 1},
+                                                   CompositingOperation::Copy);
+    };
+    fill(0);
+    {
+        const qt::ScopedContext innerScope(outer.graphics(), inner, {4, 4}, 1);
+        fill(1);
+    }
+    fill(2);
+    for (int x = 0; x < 4; ++x) {
+        EXPECT_EQ(outer.alphaAt(x, 0) != 0, x == 0 || x == 2) << x;
+        EXPECT_EQ(qAlpha(inner.pixel(x, 0)) != 0, x == 1) << x;
+    }
+    EXPECT_THROW(QtGraphics().currentContext(), Exception);
+}
+
+TEST(QtGraphics, LeavesTheTargetWholeWhateverItsFormatRatioAndOwners) {
+    QtGraphics graphics;
+    QImage target(80, 40, QImage::Format_RGB32);
+    target.fill(Qt::white);
+    target.setDevicePixelRatio(2);
+    const QImage before = target;
+    const qt::ScopedContext scope(graphics, target, {40, 20}, 2);
+    graphics.currentContext().fillRect({{0, 0}, {10, 10}}, Color{1, 0, 0, 1},
+                                       CompositingOperation::SourceOver);
+    EXPECT_EQ(before.pixelColor(5, 30), QColor(Qt::white));
+    EXPECT_EQ(target.pixelColor(5, 30), QColor(Qt::red));
+    EXPECT_EQ(target.pixelColor(25, 30), QColor(Qt::white));
+    EXPECT_EQ(target.devicePixelRatio(), 2);
+}
+
+TEST(QtGraphics, RestoresEverySettingThatWasSavedLevelByLevel) {
+    test::Canvas canvas(60, 20);
+    const auto draw = [&] {
+        canvas->fillRect({{0, 0}, {60, 20}}, {1, 1, 0, 0.5}, CompositingOperation::Copy);
+        canvas->drawText(AttributedString("state"), {4, 2});
+        return canvas.image().copy();
+    };
+    canvas->restoreGraphicsState();
+    const QImage plain = draw();
+    canvas->saveGraphicsState();
+    canvas->setCompositingOperation(CompositingOperation::XOR);
+    const QImage cutOut = draw();
+    canvas->saveGraphicsState();
+    canvas->setShadow({3, 3}, 2);
+    const QImage shaded = draw();
+    canvas->saveGraphicsState();
+    canvas->setTextDrawingMode(TextDrawingMode::Invisible);
+    const QImage last = draw();
+    EXPECT_TRUE(plain != cutOut && cutOut != shaded && shaded != last);
+    for (const QImage& picture : {shaded, cutOut, plain}) {
+        canvas->restoreGraphicsState();
+        EXPECT_EQ(draw(), picture);
     }
 }
 

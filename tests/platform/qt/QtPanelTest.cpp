@@ -6,7 +6,6 @@
 #include "ui/HUDWindow.h"
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 #include <QAccessible>
 #include <QApplication>
@@ -75,31 +74,23 @@ class ShownPanel : public testing::Test {
     QPointer<PanelWidget> widget;
 };
 
-TEST_F(ShownPanel, IsDraggedByItsBackgroundAndResizedByItsEdgesAndItsIndicator) {
-    const struct {
-        const char* name;
-        QPoint from;
-        QPoint by;
-        Rect frame;
-    } cases[] = {
-        {"background", at(80, 60), {40, 30}, {{140, 170}, {200, 119}}},
-        {"title", at(20, 10), {-40, -30}, {{100, 200}, {200, 119}}},
+TEST_F(ShownPanel, IsResizedByItsEdgesAndItsIndicatorAndDraggedByItsTitle) {
+    const std::tuple<const char*, QPoint, QPoint, Rect> cases[] = {
         {"indicator", at(190, 110), {50, 20}, {{100, 180}, {250, 139}}},
         {"right edge", at(248, 60), {-50, 7}, {{100, 180}, {200, 139}}},
         {"lower edge", at(90, 137), {9, -20}, {{100, 200}, {200, 119}}},
         {"upper left corner", at(1, 1), {-10, -20}, {{90, 200}, {210, 139}}},
-        {"and back", at(1, 1), {10, 20}, {{100, 200}, {200, 119}}},
-        {"to the smallest", at(198, 60), {-400, 0}, {{100, 200}, {76, 119}}},
+        {"title", at(20, 10), {-40, -30}, {{50, 230}, {210, 139}}},
+        {"the corner again", at(1, 1), {10, 20}, {{60, 230}, {200, 119}}},
+        {"to the smallest", at(198, 60), {-400, 0}, {{60, 230}, {76, 119}}},
     };
-    for (const auto& each : cases) {
-        drag(each.from, each.by);
-        EXPECT_EQ(panel->frame(), each.frame)
-            << each.name << " " << panel->frame().origin.x << ' ' << panel->frame().origin.y << ' '
-            << panel->frame().size.width;
-        EXPECT_EQ(panel->look().backgroundColor.pattern->size(), each.frame.size) << each.name;
+    for (const auto& [edge, from, by, frame] : cases) {
+        SCOPED_TRACE(edge);
+        drag(from, by);
+        EXPECT_EQ(panel->frame(), frame);
+        EXPECT_EQ(panel->look().backgroundColor.pattern->size(), frame.size);
         const int screen = QGuiApplication::primaryScreen()->geometry().height();
-        EXPECT_EQ(widget->geometry().top() + kMargin,
-                  screen - each.frame.origin.y - each.frame.size.height);
+        EXPECT_EQ(widget->geometry().top() + kMargin, screen - frame.origin.y - frame.size.height);
     }
     EXPECT_TRUE(target->heard.empty()) << "a drag is no click";
     const Rect button = panel->contentView().buttons().front()->frame();
@@ -108,13 +99,10 @@ TEST_F(ShownPanel, IsDraggedByItsBackgroundAndResizedByItsEdgesAndItsIndicator) 
     EXPECT_EQ(shown->mapTo(widget, QPoint()), at(60, 19 + 3));
 }
 
-TEST_F(ShownPanel, TellsClicksOfMouseAndKeyboardAndIsNamedForThoseWhoHearIt) {
+TEST_F(ShownPanel, IsWorkedWithTheKeyboardAndNamedForThoseWhoHearIt) {
     auto* button = widget->findChild<PanelButton*>();
-    QTest::mouseClick(widget, Qt::LeftButton, {}, at(80, 60));
     QTest::mouseClick(widget, Qt::RightButton, {}, at(80, 60));
-    QTest::mouseClick(button, Qt::LeftButton);
-    EXPECT_THAT(target->heard, ElementsAre("panel", "button"));
-    target->heard.clear();
+    EXPECT_THAT(target->heard, ElementsAre());
     QTest::keyClick(widget, Qt::Key_Return);
     widget->setFocus();
     QTest::keyClick(widget, Qt::Key_Tab);
