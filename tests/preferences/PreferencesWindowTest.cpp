@@ -39,6 +39,11 @@ class Preferences : public testing::Test {
         tree.write(file("Spoilt.prefPane"), "<plist version=\"1.0\"><dict>");
         tree.write(file("Folder"), info("foreign.pane", "Foreign"));
     }
+    /// A program has one to its end.
+    static platform::qt::QtMainThread& mainLoop() {
+        static platform::qt::QtMainThread loop;
+        return loop;
+    }
     static std::string file(const std::string& pane) {
         return kFolder + ('/' + pane) + "/Contents/Info.plist";
     }
@@ -59,8 +64,7 @@ class Preferences : public testing::Test {
         return QTest::qWaitFor([this] { return box() && box()->isEnabled(); });
     }
 
-    platform::qt::QtMainThread mainLoop;
-    platform::ScopedService<platform::MainThread> mainLoopInPlace{mainLoop};
+    platform::ScopedService<platform::MainThread> mainLoopInPlace{mainLoop()};
     test::SupportTree tree{{kFolder}};
     test::RecordingMenuBar bar;
     test::ManualClock clock;
