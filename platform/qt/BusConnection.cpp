@@ -59,13 +59,15 @@ class BusConnection::Attempt {
 void BusConnection::connect() {
     name_ = uniqueName(purpose_);
     attempt_ = std::make_shared<Attempt>();
-    detachThread([attempt = attempt_, name = qString(name_), address = qString(busAddress_)] {
-        if (address.isEmpty())
-            QDBusConnection::connectToBus(QDBusConnection::SessionBus, name);
-        else
-            QDBusConnection::connectToBus(address, name);
-        attempt->end();
-    });
+    // Goes with the work, also when there can be no thread for it.
+    std::shared_ptr<void> ending(nullptr, [attempt = attempt_](void*) { attempt->end(); });
+    detachThread(
+        [ending = std::move(ending), name = qString(name_), address = qString(busAddress_)] {
+            if (address.isEmpty())
+                QDBusConnection::connectToBus(QDBusConnection::SessionBus, name);
+            else
+                QDBusConnection::connectToBus(address, name);
+        });
     attempt_->waitFor(kPatience);
 }
 
