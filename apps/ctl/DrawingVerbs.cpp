@@ -1,5 +1,6 @@
 #include "apps/ctl/Verbs.h"
 
+#include <algorithm>
 #include <cerrno>
 #include <filesystem>
 #include <string>
@@ -20,10 +21,8 @@ std::string drawingProgram() {
 ExitStatus draw(const std::string& verb, std::vector<std::string> words) {
     std::string program = drawingProgram();
     words.insert(words.begin(), {program, verb});
-    std::vector<char*> arguments;
-    for (std::string& word : words)
-        arguments.push_back(word.data());
-    arguments.push_back(nullptr);
+    std::vector<char*> arguments(words.size() + 1);
+    std::ranges::transform(words, arguments.begin(), [](std::string& word) { return word.data(); });
     ::execv(program.c_str(), arguments.data());
     return refuse(program + ": " + std::generic_category().message(errno));
 }
