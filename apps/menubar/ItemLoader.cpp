@@ -37,6 +37,10 @@ LoadedItem loadItem(const JudgedBundle& judged) {
             return;
         reason = "initWithBundle gave nothing";
         item.extra = made->initWithBundle(judged.bundle);
+        if (item.extra && !item.extra->view()) {
+            reason = "it has no view: initWithBundle must call the one that it overrides";
+            item.extra = nullptr;
+        }
     });
     if (!calm)
         reason = "it raised an exception";

@@ -47,6 +47,7 @@ TEST(BrokenBundle, IsNamedInTheLogAndTakesNothingWithIt) {
     isNamed(other, "no entry point HalvexMenuExtraEntry_1", true);
     isNamed(SpoiltBundle(bar, "Unknown"), "no class Unknown", true);
     isNamed(SpoiltBundle(bar, "GivesNothing"), "initWithBundle gave nothing", true);
+    isNamed(SpoiltBundle(bar, "HasNoView"), "it has no view", true);
     isNamed(SpoiltBundle(bar, "ThrowsAtStart"),
             "test.extra raised an exception: std::exception   reason: no AtStart", true);
     EXPECT_EQ(bar.stop(), 0) << bar.log();
