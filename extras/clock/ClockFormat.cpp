@@ -131,6 +131,21 @@ std::string expanded(std::string_view format) {
     return expanded(format, 0);
 }
 
+std::string bare(std::string_view format) {
+    std::string result;
+    for (std::size_t i = 0; i < format.size(); ++i) {
+        result += format[i];
+        if (format[i] != '%')
+            continue;
+        // Flags, a width, and the locale's other digits or era.
+        i = format.find_first_not_of("_-^#+0123456789EO", i + 1);
+        if (i == std::string_view::npos)
+            break;
+        result += format[i] == 's' ? 'S' : format[i];
+    }
+    return result;
+}
+
 bool isUsable(std::string_view format) {
     if (format.empty() || format.size() > kMaximumFormat || !isPlainText(format))
         return false;

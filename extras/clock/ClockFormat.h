@@ -21,6 +21,10 @@ std::string fullTime();
 /// written out, so that what it shows can be seen in it. "%%" stays what it is.
 std::string expanded(std::string_view format);
 
+/// @p format with no more of each conversion than its letter, "%-S" as "%S", and the seconds since
+/// 1970, "%s", as seconds, too: what it shows, but not how.
+std::string bare(std::string_view format);
+
 /// Whether a clock can show @p format: at most 256 bytes of UTF-8 without control characters that
 /// give a text that is not blank.
 bool isUsable(std::string_view format);

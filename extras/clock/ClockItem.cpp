@@ -6,6 +6,8 @@
 #include <utility>
 
 using namespace platform;
+using clock_format::bare;
+using clock_format::expanded;
 
 namespace {
 
@@ -28,13 +30,13 @@ std::shared_ptr<MenuExtra> ClockItem::initWithBundle(std::shared_ptr<Bundle> bun
 }
 
 void ClockItem::restart() {
-    format_ = clock_format::expanded(preferredFormat());
+    format_ = expanded(preferredFormat());
     keepTicking();
     showTime();
 }
 
 void ClockItem::keepTicking() {
-    const bool seconds = menuOpen_ || CheckForSecFormat(format_);
+    const bool seconds = menuOpen_ || CheckForSecFormat(expanded(bare(format_)));
     ticks_ = systemClock().tick(seconds ? TickInterval::Second : TickInterval::Minute,
                                 [this] { showTime(); });
 }

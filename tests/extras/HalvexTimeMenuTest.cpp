@@ -84,6 +84,12 @@ TEST_F(HalvexTimeMenu, TicksAsOftenAsItsFormatNeedsAndShowsTheIsoWeekAndTheZone)
 
     setFormat(format("%W %Z"));
     EXPECT_TRUE(becomes("47 GMT"));
+    EXPECT_THAT(clock.intervals(), ElementsAre(TickInterval::Minute));
+    setFormat(format("%-S"));
+    EXPECT_TRUE(becomes("27"));
+    EXPECT_THAT(clock.intervals(), ElementsAre(TickInterval::Second));
+    setFormat(format("%W %Z"));
+    EXPECT_TRUE(becomes("47 GMT"));
     clock.moveTo(1609459200); // 2021-01-01, a Friday
     EXPECT_EQ(title(), "53 GMT") << "the week belongs to the year before";
 }
@@ -163,6 +169,7 @@ TEST(ClockFormat, WritesOutConversionsThatHideSeconds) {
         {"%%T", "%%T"},     {"100%", "100%"},      {"%c", "%a %b %e %H:%M:%S %Y"}};
     for (const auto& [format, expanded] : cases)
         EXPECT_EQ(clock_format::expanded(format), expanded) << format;
+    EXPECT_EQ(clock_format::bare("%-S %_5OS %s %EX %%-S 5%"), "%S %S %S %X %%-S 5%");
 }
 
 TEST(ClockFormat, IsUsableWhenItShowsSomethingThatCanBeDrawn) {
