@@ -45,7 +45,11 @@ std::optional<Appearance> appearanceOfName(std::string_view name) {
 
 DisplayChoice::DisplayChoice() {
     const bool display = !qEnvironmentVariableIsEmpty("DISPLAY");
-    set("QT_QPA_PLATFORM", display ? "xcb" : "offscreen");
+    const char* const platform = display ? "xcb" : "offscreen";
+    // A Wayland session says so to all its programs; but there no bar gets room on the screen.
+    if (display && qgetenv("QT_QPA_PLATFORM").startsWith("wayland"))
+        replace("QT_QPA_PLATFORM", platform);
+    set("QT_QPA_PLATFORM", platform);
     // No GL is drawn with. And for pictures of a few kilobytes shared memory costs more than it
     // saves: the server's word that it is done with it wakes two threads at every tick.
     set("QT_XCB_GL_INTEGRATION", "none");
@@ -54,15 +58,23 @@ DisplayChoice::DisplayChoice() {
 }
 
 DisplayChoice::~DisplayChoice() {
-    for (const char* name : set_)
-        qunsetenv(name);
+    for (const auto& [name, before] : changed_) {
+        if (before)
+            qputenv(name, *before);
+        else
+            qunsetenv(name);
+    }
 }
 
 void DisplayChoice::set(const char* name, const char* value) {
-    if (qEnvironmentVariableIsSet(name))
-        return;
+    if (!qEnvironmentVariableIsSet(name))
+        replace(name, value);
+}
+
+void DisplayChoice::replace(const char* name, const char* value) {
+    changed_.emplace_back(name, qEnvironmentVariableIsSet(name) ? std::optional(qgetenv(name))
+                                                                : std::nullopt);
     qputenv(name, value);
-    set_.push_back(name);
 }
 
 std::unique_ptr<QApplication> startApplication(char** argv, const char* name) {

@@ -1,8 +1,11 @@
 #pragma once
 
+#include <QByteArray>
+
 #include <memory>
 #include <optional>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 class QApplication;
@@ -17,8 +20,8 @@ std::optional<Appearance> appearanceOfName(std::string_view name);
 
 /// Chooses where the program is drawn, for the QApplication that is made in its scope: on the X
 /// server (under Wayland through XWayland), or offscreen when there is none. Also leaves out what
-/// these programs never need of Qt and would pay for. What the environment says already wins; what
-/// is set here is taken away again, so that no other program inherits it.
+/// these programs never need of Qt and would pay for. What the environment says already wins, but
+/// for Wayland; it is as before in the end, so that no other program inherits what is set here.
 class DisplayChoice {
   public:
     DisplayChoice();
@@ -28,8 +31,9 @@ class DisplayChoice {
 
   private:
     void set(const char* name, const char* value);
+    void replace(const char* name, const char* value);
 
-    std::vector<const char*> set_;
+    std::vector<std::pair<const char*, std::optional<QByteArray>>> changed_;
 };
 
 /// Makes the program's application object in the scope of a DisplayChoice, and has what Qt says
