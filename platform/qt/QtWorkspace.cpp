@@ -37,8 +37,8 @@ bool QtWorkspace::selectFile(const std::string& path, const std::string& rootPat
     auto message = QDBusMessage::createMethodCall("org.freedesktop.FileManager1",
                                                   "/org/freedesktop/FileManager1",
                                                   "org.freedesktop.FileManager1", "ShowItems");
-    const auto url = QUrl::fromLocalFile(QString::fromStdString(path)).toString();
-    message << QStringList{url} << QString();
+    const auto url = QUrl::fromLocalFile(QString::fromStdString(path)).toEncoded();
+    message << QStringList{QString::fromLatin1(url)} << QString();
     auto* call = new QDBusPendingCallWatcher(bus.asyncCall(message));
     QObject::connect(call, &QDBusPendingCallWatcher::finished, call, [call, path] {
         if (call->isError())
