@@ -4,7 +4,6 @@
 #include "apps/menubar/ItemWidget.h"
 #include "apps/menubar/X11Dock.h"
 
-#include <QEvent>
 #include <QGuiApplication>
 #include <QPainter>
 #include <QScreen>
@@ -71,10 +70,4 @@ void BarWindow::resizeEvent(QResizeEvent*) {
 void BarWindow::paintEvent(QPaintEvent*) {
     QPainter painter(this);
     paintBarGround(painter, rect(), palette());
-}
-
-void BarWindow::changeEvent(QEvent* event) {
-    QWidget::changeEvent(event);
-    if (event->type() == QEvent::PaletteChange)
-        emit lookChanged();
 }

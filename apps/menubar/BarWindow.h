@@ -17,13 +17,8 @@ class BarWindow final : public QWidget {
     /// Shows the items from right to left; each as wide as it wants to be.
     void placeItems(const std::vector<ItemWidget*>& fromRight);
 
-  signals:
-    /// The palette changed between light and dark.
-    void lookChanged();
-
   protected:
     void paintEvent(QPaintEvent* event) override;
-    void changeEvent(QEvent* event) override;
     void resizeEvent(QResizeEvent* event) override;
 
   private:

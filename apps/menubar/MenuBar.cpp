@@ -255,6 +255,7 @@ void MenuBar::toggleMenu(MenuExtra& extra) {
 
 void MenuBar::showMenu(Item& item) {
     closeOpenMenu();
+    const StepJournal::Scope step(journal_, {"menu", item.record});
     MenuExtra& extra = *item.loaded.extra;
     std::unique_ptr<qt::QtMenu> menu;
     runGuarded(item.loaded.identifier, [&] {

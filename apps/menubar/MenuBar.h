@@ -38,8 +38,8 @@ class MenuBar final : public QObject, public platform::MenuExtraHost, public pla
     };
 
     /// Puts itself in place as the items' host and source of events. What an item might not
-    /// survive, its loading, its first drawing and each click, is noted in @p journal while it
-    /// lasts.
+    /// survive, its loading, its first drawing, each click and each menu, is noted in @p journal
+    /// while it lasts.
     MenuBar(platform::qt::QtGraphics& graphics, StepJournal& journal);
     /// Unloads what is left.
     ~MenuBar() override;
