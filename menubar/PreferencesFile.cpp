@@ -1,8 +1,9 @@
 #include "menubar/PreferencesFile.h"
 
+#include "menuextras/ExportedIdentifiers.h"
 #include "platform/PathStrings.h"
 
 std::string HalvexPreferencesFile() {
-    return platform::expandingTildeInPath(
-        "~/Library/Preferences/com.quorvanesoftware.HalvexPro.plist");
+    return platform::expandingTildeInPath(std::string("~/Library/Preferences/") + appHalvex4Prefs +
+                                          ".plist");
 }
