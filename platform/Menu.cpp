@@ -1,5 +1,7 @@
 #include "platform/Menu.h"
 
+#include "platform/Exception.h"
+
 #include <utility>
 
 namespace platform {
@@ -72,6 +74,8 @@ void MenuItem::tellChange() const {
 }
 
 MenuItem& Menu::addItem(std::shared_ptr<MenuItem> item) {
+    if (!item)
+        throw Exception(kInvalidArgumentException, "a menu needs an item");
     items_.push_back(std::move(item));
     return *items_.back();
 }

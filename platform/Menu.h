@@ -25,7 +25,7 @@ class MenuTarget {
 /// A line of a menu. Main thread.
 class MenuItem {
   public:
-    enum class State { Off, On, Mixed };
+    enum class State { Off, On };
     using Action = std::function<void(MenuItem& sender)>;
 
     /// An item that does @p action. With a target, the item is enabled when the target says so and
@@ -75,7 +75,7 @@ class Menu {
   public:
     const std::vector<std::shared_ptr<MenuItem>>& items() const { return items_; }
 
-    /// Appends an item and gives it back.
+    /// Appends an item and gives it back. Null raises NSInvalidArgumentException.
     MenuItem& addItem(std::shared_ptr<MenuItem> item);
     MenuItem& addItem(std::string title, MenuItem::Action action, std::weak_ptr<MenuTarget> target);
     void addSeparator();

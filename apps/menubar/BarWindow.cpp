@@ -9,6 +9,8 @@
 #include <QScreen>
 #include <QWindow>
 
+#include <algorithm>
+
 namespace {
 
 constexpr int kRightMargin = 4; // points between the first item and the screen's edge
@@ -56,7 +58,7 @@ void BarWindow::placeItems(const std::vector<ItemWidget*>& fromRight) {
     fromRight_ = fromRight;
     int right = width() - kRightMargin;
     for (ItemWidget* item : fromRight_) {
-        const int wanted = item->wantedWidth();
+        const int wanted = std::min(item->wantedWidth(), right); // no room: its end is cut off
         right -= wanted;
         item->setGeometry(right, 0, wanted, kBarHeight);
         item->setVisible(wanted > 0);

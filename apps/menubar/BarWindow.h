@@ -14,7 +14,8 @@ class BarWindow final : public QWidget {
     BarWindow();
     ~BarWindow() override;
 
-    /// Shows the items from right to left; each as wide as it wants to be.
+    /// Shows the items from right to left; each as wide as it wants to be, or as there is room
+    /// for.
     void placeItems(const std::vector<ItemWidget*>& fromRight);
 
   protected:

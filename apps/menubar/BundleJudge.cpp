@@ -49,7 +49,7 @@ std::string reasonAgainstInfo(const Bundle& bundle) {
     const PropertyList* abi = bundle.infoDictionary()->find(kMenuExtraABIKey);
     const auto number = abi ? abi->integer() : std::nullopt;
     if (!number)
-        return std::string("Info.plist has no ") + kMenuExtraABIKey;
+        return std::string("Info.plist has no number for ") + kMenuExtraABIKey;
     if (*number != kMenuExtraABI)
         return "it is for ABI " + std::to_string(*number) + ", the bar has " +
                std::to_string(kMenuExtraABI);

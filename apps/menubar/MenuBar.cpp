@@ -270,7 +270,7 @@ void MenuBar::showMenu(Item& item) {
     connect(menu.get(), &QMenu::aboutToHide, this, [this, &extra] { menuClosed(extra); });
     connect(menu.get(), &qt::QtMenu::neighbourWanted, this,
             [this, &extra](int direction) { showMenuBeside(extra, direction); });
-    menu->setPressHandler([this](const QMouseEvent& press) { return pressBesideMenu(press); });
+    menu->setMouseHandler([this](const QMouseEvent& event) { return mouseBesideMenu(event); });
     setMenuDown(extra, true);
     item.widget->update();
     menus_.push_back({&extra, std::move(menu)});
@@ -297,19 +297,25 @@ void MenuBar::menuClosed(MenuExtra& extra) {
     });
 }
 
-bool MenuBar::pressBesideMenu(const QMouseEvent& press) {
-    const QPoint place = press.globalPosition().toPoint();
-    for (const Item& item : items_) {
-        ItemWidget* widget = item.widget.get();
-        if (!widget->rect().contains(widget->mapFromGlobal(place)))
-            continue;
-        const bool ownItem = item.loaded.extra->isMenuDown();
-        closeOpenMenu();
-        if (!ownItem)
-            widget->press(press);
+/// A press is the item's under the mouse; a move leads from menu to menu.
+bool MenuBar::mouseBesideMenu(const QMouseEvent& event) {
+    const QPoint place = event.globalPosition().toPoint();
+    const auto item = std::find_if(items_.begin(), items_.end(), [&](const Item& i) {
+        return i.widget->isVisible() && i.widget->rect().contains(i.widget->mapFromGlobal(place));
+    });
+    if (item == items_.end())
+        return false;
+    const bool ownItem = item->loaded.extra->isMenuDown();
+    if (event.type() == QEvent::MouseMove) {
+        if (ownItem || !hasMenu(item->loaded))
+            return false;
+        switchMenuTo(*item);
         return true;
     }
-    return false;
+    closeOpenMenu();
+    if (!ownItem)
+        item->widget->press(event);
+    return true;
 }
 
 void MenuBar::showMenuBeside(MenuExtra& extra, int direction) {
@@ -327,10 +333,14 @@ void MenuBar::showMenuBeside(MenuExtra& extra, int direction) {
     Item& next = *withMenu[static_cast<std::size_t>(place)];
     if (next.loaded.extra.get() == &extra)
         return;
+    switchMenuTo(next);
+}
+
+void MenuBar::switchMenuTo(const Item& item) {
     closeOpenMenu();
-    QTimer::singleShot(0, this, [this, identifier = next.loaded.identifier] {
-        if (Item* item = itemWith(identifier))
-            showMenu(*item);
+    QTimer::singleShot(0, this, [this, identifier = item.loaded.identifier] {
+        if (Item* next = itemWith(identifier))
+            showMenu(*next);
     });
 }
 

@@ -107,8 +107,9 @@ class MenuBar final : public QObject, public platform::MenuExtraHost, public pla
     void showMenu(Item& item);
     void closeMenuOf(Item& item);
     void menuClosed(platform::MenuExtra& extra);
-    bool pressBesideMenu(const QMouseEvent& press);
+    bool mouseBesideMenu(const QMouseEvent& event);
     void showMenuBeside(platform::MenuExtra& extra, int direction);
+    void switchMenuTo(const Item& item);
     platform::qt::QtMenu* openMenu() const;
     void closeOpenMenu();
     void placeItems();

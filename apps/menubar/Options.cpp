@@ -63,6 +63,8 @@ std::optional<Options> readOptions(int argc, char** argv, int& status) {
             std::puts(HALVEX_VERSION);
             return std::nullopt;
         } else {
+            if (found != '?')
+                std::fprintf(stderr, "halvex-menubar: there is no choice %s\n", optarg);
             std::fputs(kHelp, stderr);
             status = kWrongUsage;
             return std::nullopt;

@@ -28,6 +28,10 @@ QPalette darkPalette() {
     palette.setColor(QPalette::Base, QColor(0x38, 0x38, 0x3a));
     palette.setColor(QPalette::Highlight, QColor(0x5a, 0x9c, 0xf8));
     palette.setColor(QPalette::HighlightedText, Qt::black);
+    // What cannot be chosen, which would be darker than its ground.
+    for (const auto role : {QPalette::WindowText, QPalette::Text, QPalette::ButtonText}) {
+        palette.setColor(QPalette::Disabled, role, QColor(0x8a, 0x8a, 0x8d));
+    }
     return palette;
 }
 
@@ -83,6 +87,8 @@ std::unique_ptr<QApplication> startApplication(char** argv, const char* name) {
     // The list of fonts is read from many small files: beside the way to the X server, not after
     // it.
     const std::jthread fonts([] { FcInit(); });
+    if (qEnvironmentVariableIsEmpty("DISPLAY") && !qEnvironmentVariableIsSet("QT_QPA_PLATFORM"))
+        logLine("there is no display, nobody sees %@", name);
     static int qtArguments = 1; // the application object keeps its address
     const DisplayChoice choice;
     auto application = std::make_unique<QApplication>(qtArguments, argv);

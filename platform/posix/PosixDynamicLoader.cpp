@@ -67,7 +67,8 @@ class PosixDynamicLoader final : public DynamicLoader {
         reason = reasonAgainst(path);
         if (!reason.empty())
             return nullptr;
-        if (void* handle = dlopen(path.c_str(), RTLD_LAZY | RTLD_LOCAL))
+        // At once: a symbol that nobody defines would end the program when it is first called.
+        if (void* handle = dlopen(path.c_str(), RTLD_NOW | RTLD_LOCAL))
             return std::make_unique<SharedObject>(handle);
         const char* text = dlerror();
         reason = text ? text : "refused by the dynamic loader";

@@ -2,8 +2,11 @@
 
 #include "platform/Guard.h"
 
+#include <QApplication>
 #include <QKeyEvent>
 #include <QMouseEvent>
+#include <QPointer>
+#include <QProxyStyle>
 
 #include <utility>
 
@@ -21,10 +24,30 @@ void showState(QAction& action, const MenuItem& item) {
     action.setChecked(item.state() != MenuItem::State::Off);
 }
 
+/// A menu that is higher than the screen scrolls; the desktop's style may begin further columns,
+/// off the screen in the end.
+class ScrollingMenus final : public QProxyStyle {
+  public:
+    int styleHint(StyleHint hint, const QStyleOption* option, const QWidget* widget,
+                  QStyleHintReturn* data) const override {
+        return hint == SH_Menu_Scrollable ? 1 : QProxyStyle::styleHint(hint, option, widget, data);
+    }
+};
+
+QStyle* menuStyle() {
+    static QPointer<ScrollingMenus> style;
+    if (!style) {
+        style = new ScrollingMenus;
+        style->setParent(qApp);
+    }
+    return style;
+}
+
 } // namespace
 
 QtMenu::QtMenu(const Menu& menu, std::string owner, QWidget* parent)
-    : QMenu(parent), owner_(std::move(owner)) {
+    : QMenu(parent), menu_(&menu), owner_(std::move(owner)) {
+    setStyle(menuStyle());
     // Whoever shows the menu says what a press beside it means.
     setAttribute(Qt::WA_NoMouseReplay);
     for (const auto& item : menu.items())
@@ -43,7 +66,8 @@ void QtMenu::addItem(const std::shared_ptr<MenuItem>& item) {
     }
     items_.push_back(item);
     QAction* action = nullptr;
-    if (item->submenu()) {
+    const bool opensItself = item->submenu() && shows(*item->submenu());
+    if (item->submenu() && !opensItself) {
         auto* submenu = new QtMenu(*item->submenu(), owner_, this);
         connect(submenu, &QtMenu::neighbourWanted, this, &QtMenu::neighbourWanted);
         submenus_.push_back(submenu);
@@ -55,20 +79,35 @@ void QtMenu::addItem(const std::shared_ptr<MenuItem>& item) {
     }
     showState(*action, *item);
     bool enabled = false;
-    runGuarded(owner_, [&] { enabled = item->isEnabled(); });
+    runGuarded(owner_, [&] { enabled = !opensItself && item->isEnabled(); });
     action->setEnabled(enabled);
     item->setChangeHandler([action, raw = item.get()] { showState(*action, *raw); });
 }
 
-void QtMenu::setPressHandler(PressHandler handler) {
+/// Whether this or a menu that it is a submenu of was built from @p menu.
+bool QtMenu::shows(const Menu& menu) const {
+    const auto* above = qobject_cast<const QtMenu*>(parentWidget());
+    return menu_ == &menu || (above && above->shows(menu));
+}
+
+void QtMenu::setMouseHandler(MouseHandler handler) {
     for (QtMenu* submenu : submenus_)
-        submenu->setPressHandler(handler);
-    pressHandler_ = std::move(handler);
+        submenu->setMouseHandler(handler);
+    mouseHandler_ = std::move(handler);
+}
+
+bool QtMenu::isHandled(const QMouseEvent& event) const {
+    return !rect().contains(event.pos()) && mouseHandler_ && mouseHandler_(event);
 }
 
 void QtMenu::mousePressEvent(QMouseEvent* event) {
-    if (rect().contains(event->pos()) || !pressHandler_ || !pressHandler_(*event))
+    if (!isHandled(*event))
         QMenu::mousePressEvent(event);
+}
+
+void QtMenu::mouseMoveEvent(QMouseEvent* event) {
+    if (!isHandled(*event))
+        QMenu::mouseMoveEvent(event);
 }
 
 void QtMenu::keyPressEvent(QKeyEvent* event) {
