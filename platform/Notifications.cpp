@@ -63,6 +63,11 @@ void NotificationCenter::removeObserver(const std::weak_ptr<const void>& observe
     });
 }
 
+void NotificationCenter::forgetGoneObservers() {
+    const std::lock_guard lock(mutex_);
+    forgetTheGone();
+}
+
 void NotificationCenter::post(const Notification& notification) {
     deliver(notification);
 }

@@ -34,11 +34,13 @@ class NotificationCenter {
     /// kept: once it is gone its handler is never called again, and while a handler runs it stays.
     /// One handler for each observer and name: a later one takes the place of the former. What a
     /// handler throws is logged under the name of the owner that registered it and goes no further.
-    /// The handler's code stays loaded as long as it is registered.
+    /// The handler's code has to stay loaded until it is taken out, or forgotten.
     virtual void addObserver(const std::weak_ptr<const void>& observer, const std::string& name,
                              Handler handler);
     /// No call begins after this one, but one that another thread has begun may still run.
     virtual void removeObserver(const std::weak_ptr<const void>& observer, const std::string& name);
+    /// Forgets the handlers of observers that are gone, before their code goes as well.
+    void forgetGoneObservers();
     /// Calls the handlers, in the order of their registration, before it returns.
     virtual void post(const Notification& notification);
 

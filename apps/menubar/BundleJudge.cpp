@@ -14,6 +14,8 @@ using namespace platform;
 
 namespace {
 
+constexpr std::size_t kLongestName = 255; // what is noted of an item stays short
+
 /// Why somebody else could have changed what is at @p path; empty when nobody could.
 std::string reasonAgainstOwner(const std::string& path) {
     struct stat status {};
@@ -42,6 +44,10 @@ std::string reasonAgainstFiles(const std::string& bundle, const std::string& exe
 std::string reasonAgainstInfo(const Bundle& bundle) {
     if (bundle.bundleIdentifier().value_or("").empty())
         return "Info.plist has no CFBundleIdentifier";
+    for (const char* key : {"CFBundleIdentifier", "CFBundleVersion"})
+        if (bundle.stringForInfoDictionaryKey(key).value_or("").size() > kLongestName)
+            return std::string("Info.plist's ") + key + " is longer than " +
+                   std::to_string(kLongestName) + " bytes";
     if (bundle.stringForInfoDictionaryKey("NSPrincipalClass").value_or("").empty())
         return "Info.plist has no NSPrincipalClass";
     if (!bundle.executablePath())

@@ -3,6 +3,8 @@
 #include "apps/menubar/BarLook.h"
 #include "platform/Guard.h"
 #include "platform/Log.h"
+#include "platform/Notifications.h"
+#include "platform/Workspace.h"
 #include "platform/qt/Modifiers.h"
 #include "platform/qt/QtGraphics.h"
 
@@ -78,6 +80,7 @@ MenuExtraStatus MenuBar::add(const std::string& path, std::int32_t position, Ori
     const auto place = std::find_if(items_.begin(), items_.end(), [&](const Item& other) {
         return other.record.position > position;
     });
+    journal_.add(record);
     show(*items_.insert(place, std::move(item)));
     emit loaded(qString(judged.identifier));
     return MenuExtraStatus::NoError;
@@ -118,6 +121,7 @@ MenuExtraStatus MenuBar::remove(std::uint32_t reference) {
     std::list<Item> leaving;
     leaving.splice(leaving.end(), items_, found);
     unload(std::move(leaving.front().loaded), std::move(leaving.front().widget));
+    journal_.remove(leaving.front().record.identifier);
     placeItems();
     emit unloaded(identifier);
     return MenuExtraStatus::NoError;
@@ -128,6 +132,8 @@ void MenuBar::unload(LoadedItem item, std::unique_ptr<ItemWidget> widget) {
     const std::weak_ptr<MenuExtraView> view = item.extra->view();
     widget.reset();
     item.extra.reset();
+    sharedWorkspace().notificationCenter().forgetGoneObservers();
+    distributedNotificationCenter().forgetGoneObservers();
     if (extra.expired() && view.expired())
         return;
     logLine("menu extra %@ is still held by somebody, its code stays loaded", item.identifier);
@@ -376,8 +382,9 @@ QImage MenuBar::picture() {
 
 bool MenuBar::snapshot(const std::string& path) {
     const QString name = qString(path);
-    if (!QFileInfo(name).isAbsolute()) {
-        logLine("no picture: %@ is no absolute path", path);
+    const QFileInfo info(name);
+    if (!info.isAbsolute() || (info.exists() ? !info.isFile() : info.isSymLink())) {
+        logLine("no picture: %@ is no absolute path of a file", path);
         return false;
     }
     QSaveFile file(name);

@@ -1,10 +1,13 @@
 #include "apps/menubar/StepJournal.h"
 
+#include "platform/Guard.h"
 #include "platform/Log.h"
 
 #include <array>
 #include <cerrno>
 #include <charconv>
+#include <csignal>
+#include <cstddef>
 #include <cstring>
 #include <fcntl.h>
 #include <string_view>
@@ -16,6 +19,11 @@ using platform::logLine;
 namespace {
 
 constexpr std::string_view kForThisRun = "1";
+
+constexpr std::array kCrashes{SIGSEGV, SIGBUS, SIGILL, SIGFPE, SIGABRT};
+// What was done at each before; a sanitizer has something to say there.
+std::array<struct sigaction, kCrashes.size()> before;
+StepJournal* watched = nullptr;
 
 // Fields that each end in a zero byte, which no path has: step, identifier, path, version,
 // position, whether the item is for one run only.
@@ -56,6 +64,7 @@ std::optional<StepJournal::Note> decoded(std::string_view bytes) {
 } // namespace
 
 StepJournal::~StepJournal() {
+    watched = nullptr;
     if (file_ >= 0)
         close(file_);
 }
@@ -63,7 +72,7 @@ StepJournal::~StepJournal() {
 void StepJournal::open(const std::string& path) {
     file_ = ::open(path.c_str(), O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK, 0600);
     if (file_ >= 0 && flock(file_, LOCK_EX | LOCK_NB) == 0)
-        return;
+        return watchCrashes();
     logLine("no item that crashes this menu bar will be left out: %@: %@", path,
             std::strerror(errno));
     if (file_ >= 0)
@@ -78,6 +87,42 @@ std::optional<StepJournal::Note> StepJournal::takeInterrupted() {
         return std::nullopt;
     write({});
     return decoded({buffer.data(), static_cast<std::size_t>(size)});
+}
+
+void StepJournal::watchCrashes() {
+    watched = this;
+    // The handler needs a stack also when an item has used up its own.
+    static std::array<std::byte, 16384> stack;
+    const stack_t other{.ss_sp = stack.data(), .ss_flags = 0, .ss_size = stack.size()};
+    sigaltstack(&other, nullptr);
+    struct sigaction action {};
+    action.sa_sigaction = crashed;
+    action.sa_flags = SA_ONSTACK | SA_SIGINFO;
+    for (std::size_t i = 0; i < kCrashes.size(); ++i)
+        sigaction(kCrashes[i], &action, &before[i]);
+}
+
+/// Notes whose code it was, and lets the signal do what it would have done. In here memory can only
+/// be read.
+void StepJournal::crashed(int signal, siginfo_t* info, void*) {
+    if (watched && watched->underWay_.empty()) {
+        const std::string_view owner = platform::currentOwner();
+        for (const Item& item : watched->items_)
+            if (item.identifier == owner)
+                watched->write(item.bytes);
+    }
+    for (std::size_t i = 0; i < kCrashes.size(); ++i)
+        sigaction(kCrashes[i], &before[i], nullptr);
+    if (info->si_code <= 0) // sent by a program, which will not do so again
+        raise(signal);
+}
+
+void StepJournal::add(const ItemRecord& item) {
+    items_.push_back({item.identifier, encoded({"its own code", item})});
+}
+
+void StepJournal::remove(std::string_view identifier) {
+    std::erase_if(items_, [&](const Item& item) { return item.identifier == identifier; });
 }
 
 void StepJournal::begin(const Note& note) {

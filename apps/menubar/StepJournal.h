@@ -2,14 +2,17 @@
 
 #include "apps/menubar/ItemRecord.h"
 
+#include <csignal>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 /// Where the bar notes which item's code it is about to run for a step that a bad item does not
 /// survive. The note is in a file and outlives the process, however that dies (not the machine:
 /// nothing is flushed to the disk). The next bar reads there what ended the one before. A note
-/// costs two system calls. Main thread.
+/// costs two system calls. Code of an item that crashes between such steps, in a timer for one, is
+/// noted by a signal handler. Main thread.
 class StepJournal {
   public:
     struct Note {
@@ -29,6 +32,10 @@ class StepJournal {
     /// note is then gone.
     std::optional<Note> takeInterrupted();
 
+    /// Whose code may run between the steps, and no longer does.
+    void add(const ItemRecord& item);
+    void remove(std::string_view identifier);
+
     /// Steps nest: the end of an inner one brings the outer one's note back.
     void begin(const Note& note);
     void end();
@@ -46,8 +53,16 @@ class StepJournal {
     };
 
   private:
+    struct Item {
+        std::string identifier;
+        std::string bytes; ///< the note, should its code crash
+    };
+
+    static void crashed(int signal, siginfo_t* info, void* context);
+    void watchCrashes();
     void write(const std::string& bytes) const;
 
     int file_ = -1;
     std::vector<std::string> underWay_; // the innermost step last
+    std::vector<Item> items_;
 };

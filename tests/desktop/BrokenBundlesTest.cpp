@@ -26,6 +26,8 @@ TEST(BrokenBundle, IsNamedInTheLogAndTakesNothingWithIt) {
         {[](auto& b) { fs::remove(b.info()); }, "Info.plist"},
         {[](auto& b) { replaceContents(b.info(), contents(b.info()).substr(0, 300)); }, "line "},
         {[](auto& b) { b.replaceInInfo("NSPrincipalClass", "Other"); }, "no NSPrincipalClass"},
+        {[](auto& b) { b.replaceInInfo("test.extra", std::string(256, 'x')); },
+         "CFBundleIdentifier is longer than 255"},
         {[](auto& b) { b.replaceInInfo("<integer>1<", "<integer>2<"); }, "it is for ABI 2"},
         {[](auto& b) { fs::remove(b.code()); }, "is missing"},
         {[](auto& b) { replaceContents(b.code(), contents(b.code()).replace(18, 2, "\x15\0", 2)); },

@@ -65,7 +65,8 @@ TEST(RememberedItems, AreNeitherThoseOfTheCommandLineNorThoseWhoseBundleIsGone) 
 TEST(RememberedItems, ThatCrashTheBarAreLeftOutUntilTheyAreAddedAgainOrHaveAnotherVersion) {
     const std::pair<const char*, std::string> cases[] = {{"CrashesAtStart", "loading"},
                                                          {"CrashesWhenDrawn", "first drawing"},
-                                                         {"CrashesWhenClicked", "click"}};
+                                                         {"CrashesWhenClicked", "click"},
+                                                         {"CrashesWhenTicking", "its own code"}};
     for (const auto& [kind, step] : cases) {
         SCOPED_TRACE(kind);
         BarProcess bar;

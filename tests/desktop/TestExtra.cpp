@@ -2,6 +2,7 @@
 #include "platform/Clock.h"
 #include "platform/Log.h"
 #include "platform/MenuExtraPlugIn.h"
+#include "platform/Workspace.h"
 
 #include <cstdlib>
 #include <stdexcept>
@@ -25,6 +26,8 @@ class TestExtra final : public HalvexMenuExtraBase {
         if (kind_ == "GivesNothing" || !HalvexMenuExtraBase::initWithBundle(std::move(bundle)))
             return nullptr;
         setTitle("Test");
+        sharedWorkspace().notificationCenter().addObserver(
+            weak_from_this(), "Test", [this](const Notification&) { note("told"); });
         if (kind_.ends_with("WhenTicking"))
             ticks_ = systemClock().tick(TickInterval::Second, [this] { now("WhenTicking"); });
         menu_ = std::make_shared<Menu>();
