@@ -5,6 +5,7 @@
 
 #include <QDBusArgument>
 #include <QDBusConnection>
+#include <QDBusError>
 #include <QDBusMessage>
 #include <QString>
 #include <QVariant>
@@ -13,6 +14,8 @@
 
 namespace platform::qt {
 namespace {
+
+constexpr const char* kNoReply = "the menu bar hangs: it does not answer";
 
 QString qString(const std::string& text) {
     return QString::fromStdString(text);
@@ -37,6 +40,8 @@ BarClient::~BarClient() = default;
 
 BarClient::Answer BarClient::call(const char* member, const QVariantList& arguments,
                                   const char* signature) {
+    if (isHanging())
+        return {std::nullopt, kNoReply};
     const QDBusConnection bus = bus_.get();
     if (!bus.isConnected())
         return {std::nullopt, "there is no session bus"};
@@ -44,6 +49,10 @@ BarClient::Answer BarClient::call(const char* member, const QVariantList& argume
         QDBusMessage::createMethodCall(kBarBusName, kBarObjectPath, kBarInterface, member);
     message.setArguments(arguments);
     const QDBusMessage reply = bus.call(message, QDBus::Block, kTimeout);
+    if (QDBusError(reply).type() == QDBusError::NoReply) {
+        noteHanging();
+        return {std::nullopt, kNoReply};
+    }
     if (reply.type() != QDBusMessage::ReplyMessage)
         return {std::nullopt,
                 "the menu bar does not answer: " + reply.errorMessage().toStdString()};
@@ -52,6 +61,23 @@ BarClient::Answer BarClient::call(const char* member, const QVariantList& argume
                                   reply.signature().toStdString() + "\" and not \"" + signature +
                                   '"'};
     return {reply.arguments(), {}};
+}
+
+/// Another bar that has come in its place does not.
+bool BarClient::isHanging() {
+    std::unique_lock lock(mutex_);
+    const std::uint32_t process = hangingProcess_;
+    if (std::chrono::steady_clock::now() >= hangsUntil_)
+        return false;
+    lock.unlock();
+    return processIdentifier().value == process;
+}
+
+void BarClient::noteHanging() {
+    const std::uint32_t process = processIdentifier().value.value_or(0);
+    const std::lock_guard lock(mutex_);
+    hangingProcess_ = process;
+    hangsUntil_ = std::chrono::steady_clock::now() + kRest;
 }
 
 BarClient::Answer BarClient::callLogged(const char* member, const QVariantList& arguments,

@@ -3,6 +3,7 @@
 #include "platform/MenuExtraHost.h"
 #include "platform/qt/BusConnection.h"
 
+#include <chrono>
 #include <cstdint>
 #include <mutex>
 #include <optional>
@@ -32,11 +33,13 @@ struct BarItem {
 };
 
 /// The menu bar, asked over the session bus, which starts it when it can and none is running. Needs
-/// neither an application object nor an event loop. A call waits kTimeout at most and gives up at
-/// once when there is no bus or nobody to answer. Any thread.
+/// neither an application object nor an event loop. A call waits kTimeout at most, the first one
+/// also for the connection, and gives up at once when there is no bus or nobody to answer. After a
+/// bar that hangs has let one call wait in vain, it is not asked for kRest. Any thread.
 class BarClient final : public MenuExtraServer {
   public:
     static constexpr int kTimeout = 5000; ///< milliseconds, the start of a bar included
+    static constexpr std::chrono::seconds kRest{10};
     /// The status when no bar gives an answer that makes sense. Why is logged, once in a row.
     static constexpr std::int32_t kNoAnswer = -609;
 
@@ -69,11 +72,16 @@ class BarClient final : public MenuExtraServer {
 
     Answer call(const char* member, const QList<QVariant>& arguments, const char* signature);
     Answer callLogged(const char* member, const QList<QVariant>& arguments, const char* signature);
+    bool isHanging();
+    void noteHanging();
     BarAnswer<bool> askYesOrNo(const char* member, const QList<QVariant>& arguments);
 
     BusConnection bus_;
     std::mutex mutex_;
-    std::string loggedReason_; // guarded by the mutex
+    // Guarded by the mutex:
+    std::string loggedReason_;
+    std::uint32_t hangingProcess_ = 0;
+    std::chrono::steady_clock::time_point hangsUntil_;
 };
 
 } // namespace platform::qt
