@@ -33,10 +33,10 @@ int runBar(const Options& options) {
     case BarService::Registration::Done:
         break;
     }
+    const QuitOnSignals quitOnSignals; // before an item could be blamed for what they end
     const ProgramAppearance appearance(options.appearance);
     items.start(options.bundles);
     menuBar.show();
-    const QuitOnSignals quitOnSignals;
     return QApplication::exec();
 }
 

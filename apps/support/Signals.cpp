@@ -23,12 +23,23 @@ void tellMainLoop(int) {
     errno = before;
 }
 
+/// But for those that whoever started the program has it ignore, as nohup does.
 void handleSignals(void (*handler)(int)) {
     struct sigaction action {};
     action.sa_handler = handler;
     action.sa_flags = SA_RESTART;
-    for (const int signal : kSignals)
-        sigaction(signal, &action, nullptr);
+    for (const int signal : kSignals) {
+        struct sigaction before {};
+        sigaction(signal, nullptr, &before);
+        if (before.sa_handler != SIG_IGN)
+            sigaction(signal, &action, nullptr);
+    }
+}
+
+void quit() {
+    char byte = 0;
+    [[maybe_unused]] const auto ignored = read(pipeEnds[0], &byte, 1);
+    QCoreApplication::quit();
 }
 
 } // namespace
@@ -38,7 +49,7 @@ QuitOnSignals::QuitOnSignals() {
         platform::logLine("no pipe for signals: %@", std::strerror(errno));
         return;
     }
-    watch_ = platform::mainThread().watchReadable(pipeEnds[0], [] { QCoreApplication::quit(); });
+    watch_ = platform::mainThread().watchReadable(pipeEnds[0], quit);
     handleSignals(tellMainLoop);
 }
 

@@ -6,6 +6,7 @@
 #include <QColor>
 #include <QPalette>
 
+#include <csignal>
 #include <fontconfig/fontconfig.h>
 #include <malloc.h>
 #include <thread>
@@ -84,13 +85,14 @@ void DisplayChoice::replace(const char* name, const char* value) {
 std::unique_ptr<QApplication> startApplication(char** argv, const char* name) {
     mallopt(M_ARENA_MAX, 1); // the few threads here would only scatter what little there is
     logQtMessages();
-    // The list of fonts is read from many small files: beside the way to the X server, not after
-    // it.
-    const std::jthread fonts([] { FcInit(); });
+    std::signal(SIGPIPE, SIG_IGN); // whoever reads the log may go
     if (qEnvironmentVariableIsEmpty("DISPLAY") && !qEnvironmentVariableIsSet("QT_QPA_PLATFORM"))
         logLine("there is no display, nobody sees %@", name);
     static int qtArguments = 1; // the application object keeps its address
-    const DisplayChoice choice;
+    const DisplayChoice choice; // changes the environment, which the other thread reads
+    // The list of fonts is read from many small files: beside the way to the X server, not after
+    // it.
+    const std::jthread fonts([] { FcInit(); });
     auto application = std::make_unique<QApplication>(qtArguments, argv);
     application->setApplicationName(name);
     return application;
