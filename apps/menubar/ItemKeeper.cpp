@@ -29,6 +29,7 @@ constexpr const char* kOwnClockID = "com.apple.menuextra.clock";
 constexpr std::int32_t kLastPosition = 999; // left of everything else
 // Flushing to the disk may take longer than all the rest: the new item is drawn first.
 constexpr std::chrono::milliseconds kWriteDelay{20};
+constexpr std::chrono::milliseconds kBetweenLooks{5};
 
 std::int32_t number(MenuExtraStatus status) {
     return static_cast<std::int32_t>(status);
@@ -117,13 +118,16 @@ bool ItemKeeper::isLeftOut(const std::string& path) {
 }
 
 void ItemKeeper::writeSoon() {
-    if (!std::exchange(changed_, true))
+    changed_ = true;
+    if (!std::exchange(writesSoon_, true))
         QTimer::singleShot(kWriteDelay, &menuBar_, [this] { write(); });
 }
 
+/// What cannot be written is tried again with the next change, and at the end.
 void ItemKeeper::write() {
-    if (std::exchange(changed_, false))
-        list_->write();
+    writesSoon_ = false;
+    if (changed_)
+        changed_ = !list_->write();
 }
 
 // What is asked for.
@@ -172,7 +176,7 @@ void ItemKeeper::add(const std::string& path, std::int32_t position) {
     if (menuBar_.add(path, position, Origin::Request) != MenuExtraStatus::NoError)
         return;
     for (const ItemRecord& item : menuBar_.records()) {
-        if (item.path == path && list_->insert(item))
+        if (item.path == path && list_->put(item))
             writeSoon();
     }
 }
@@ -180,8 +184,18 @@ void ItemKeeper::add(const std::string& path, std::int32_t position) {
 std::int32_t ItemKeeper::removeMenuExtra(MenuExtraReference reference, std::int32_t) {
     if (currentOwner().empty())
         return number(remove(reference));
-    QTimer::singleShot(0, &menuBar_, [this, reference] { remove(reference); });
+    removeLater(reference);
     return number(MenuExtraStatus::NoError);
+}
+
+// Not before the items' code has come to its end: some of it, an animation, runs a loop of its own.
+void ItemKeeper::removeLater(MenuExtraReference reference) {
+    QTimer::singleShot(kBetweenLooks, &menuBar_, [this, reference] {
+        if (currentOwner().empty())
+            remove(reference);
+        else
+            removeLater(reference);
+    });
 }
 
 MenuExtraStatus ItemKeeper::remove(MenuExtraReference reference) {

@@ -43,6 +43,7 @@ class ItemKeeper final : public platform::MenuExtraServer {
     bool isLeftOut(const std::string& path);
     void add(const std::string& path, std::int32_t position);
     platform::MenuExtraStatus remove(platform::MenuExtraReference reference);
+    void removeLater(platform::MenuExtraReference reference);
     void writeSoon();
     void write();
 
@@ -50,6 +51,7 @@ class ItemKeeper final : public platform::MenuExtraServer {
     StepJournal& journal_;
     Admission admission_;
     std::unique_ptr<ItemList> list_; // null before start
-    bool changed_ = false;
+    bool changed_ = false;           // since the list was written
+    bool writesSoon_ = false;
     platform::ScopedService<platform::MenuExtraServer> asServer_{*this};
 };

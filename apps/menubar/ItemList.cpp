@@ -13,6 +13,7 @@ using namespace platform;
 
 namespace {
 
+constexpr const char* kAside = ".unreadable";
 constexpr const char* kItems = "Items";
 constexpr const char* kLeftOut = "Left Out";
 constexpr const char* kIdentifier = "Identifier";
@@ -42,6 +43,14 @@ std::optional<std::int32_t> position(const PropertyList& row) {
     return static_cast<std::int32_t>(*value->integer());
 }
 
+/// A row that no property list can hold, for its odd file name, would spoil the whole list.
+void append(PropertyList::Array& rows, PropertyList row) {
+    if (propertyLists().serialize(row))
+        rows.push_back(std::move(row));
+    else
+        logLine("the menu extra at %@ cannot be remembered", string(row, kPath));
+}
+
 const PropertyList::Array* array(const PropertyList& root, const char* key) {
     const auto* dictionary = root.dictionary();
     const PropertyList* value = dictionary ? dictionary->find(key) : nullptr;
@@ -61,6 +70,7 @@ bool ItemList::read() {
     if (!items) {
         logLine("the menu bar's items cannot be read from %@: %@", file_,
                 list ? "there is no array of Items" : text(list.error));
+        keepAside();
         return false;
     }
     for (const PropertyList& row : *items)
@@ -70,6 +80,14 @@ bool ItemList::read() {
             readLeftOut(row);
     }
     return true;
+}
+
+/// The next list must not take the place of one that somebody can mend.
+void ItemList::keepAside() const {
+    const std::string place = file_ + kAside;
+    fileManager().removeItem(place);
+    if (fileManager().moveFile(file_, place))
+        logLine("they are kept in %@", place);
 }
 
 void ItemList::readItem(const PropertyList& row) {
@@ -91,22 +109,24 @@ void ItemList::readLeftOut(const PropertyList& row) {
         leaveOut(std::move(bundle));
 }
 
-void ItemList::write() const {
+bool ItemList::write() const {
     PropertyList::Array items;
     for (const ItemRecord& item : items_)
-        items.emplace_back(PropertyList::Dictionary{{kIdentifier, item.identifier},
-                                                    {kPath, writtenPath(item.path)},
-                                                    {kPosition, std::int64_t{item.position}}});
+        append(items, PropertyList::Dictionary{{kIdentifier, item.identifier},
+                                               {kPath, writtenPath(item.path)},
+                                               {kPosition, std::int64_t{item.position}}});
     PropertyList::Array leftOut;
     for (const LeftOut& bundle : leftOut_)
-        leftOut.emplace_back(PropertyList::Dictionary{{kIdentifier, bundle.identifier},
-                                                      {kPath, writtenPath(bundle.path)},
-                                                      {kVersion, bundle.version},
-                                                      {kStep, bundle.step}});
+        append(leftOut, PropertyList::Dictionary{{kIdentifier, bundle.identifier},
+                                                 {kPath, writtenPath(bundle.path)},
+                                                 {kVersion, bundle.version},
+                                                 {kStep, bundle.step}});
     const auto bytes = propertyLists().serialize(PropertyList(PropertyList::Dictionary{
         {kItems, PropertyList(std::move(items))}, {kLeftOut, PropertyList(std::move(leftOut))}}));
-    if (!bytes || !fileManager().writeFileAtomically(file_, *bytes))
+    const bool written = bytes && fileManager().writeFileAtomically(file_, *bytes);
+    if (!written)
         logLine("the menu bar's items cannot be written to %@", file_);
+    return written;
 }
 
 std::string ItemList::writtenPath(const std::string& path) const {
@@ -127,6 +147,13 @@ bool ItemList::insert(ItemRecord item) {
     });
     items_.insert(place, std::move(item));
     return true;
+}
+
+bool ItemList::put(ItemRecord item) {
+    std::erase_if(items_, [&](const ItemRecord& other) {
+        return other.identifier == item.identifier && other.path != item.path;
+    });
+    return insert(std::move(item));
 }
 
 bool ItemList::erase(std::string_view identifier) {

@@ -34,18 +34,20 @@ class ItemList {
     ItemList(std::string file, std::string ownItemsFolder);
 
     /// Reads the file. Gives false when there is none, or none that can be understood; the latter
-    /// is logged, and nothing is taken from it. A row that makes no sense is logged and passed
-    /// over.
+    /// is logged, nothing is taken from it, and it is kept under another name. A row that makes no
+    /// sense is logged and passed over.
     bool read();
-    /// Replaces the file as a whole. A failure is logged.
-    void write() const;
+    /// Replaces the file as a whole; whether that was done. A failure is logged, and so is a row
+    /// that no file can hold and that is left out.
+    bool write() const;
 
     const std::vector<ItemRecord>& items() const { return items_; }
-    const std::vector<LeftOut>& leftOut() const { return leftOut_; }
 
     /// Puts an item in its place by position, of equal ones to the left, unless there is one with
     /// its identifier. Whether the list has changed.
     bool insert(ItemRecord item);
+    /// The same, but in the place of one with its identifier and another path.
+    bool put(ItemRecord item);
     bool erase(std::string_view identifier);
 
     /// Why the bundle is left out; null when it is not.
@@ -60,6 +62,7 @@ class ItemList {
     std::string readPath(std::string_view path) const;
     void readItem(const platform::PropertyList& row);
     void readLeftOut(const platform::PropertyList& row);
+    void keepAside() const;
 
     std::string file_;
     std::string ownItemsFolder_;
