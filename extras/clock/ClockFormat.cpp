@@ -12,6 +12,7 @@ namespace clock_format {
 namespace {
 
 constexpr std::size_t kMaximumFormat = 256;
+constexpr std::size_t kMaximumText = 16384;
 
 /// The language of the environment; one that is not installed gives the plain one. Freed when the
 /// bundle's code is unloaded.
@@ -103,7 +104,7 @@ bool isPlainText(std::string_view bytes) {
 
 /// What strftime makes of @p format.
 std::string conversion(const std::string& format, const std::tm& moment) {
-    std::array<char, 1024> buffer{};
+    std::array<char, kMaximumText> buffer; // NOLINT: what is read of it was written
     const std::size_t length =
         strftime_l(buffer.data(), buffer.size(), format.c_str(), &moment, userLocale());
     return {buffer.data(), length};

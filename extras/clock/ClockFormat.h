@@ -29,7 +29,7 @@ std::string bare(std::string_view format);
 /// give a text that is not blank.
 bool isUsable(std::string_view format);
 
-/// The moment as @p format shows it; empty when that is longer than 1023 bytes.
+/// The moment as @p format shows it; empty when that is longer than 16383 bytes.
 std::string text(std::string format, const std::tm& moment);
 
 } // namespace clock_format
