@@ -44,7 +44,7 @@ void bringBackgroundApplicationToFront() {
 
 void openBackgroundApplication(const std::optional<std::string>& path) {
     const bool opened = path && sharedWorkspace().openFile(*path);
-    if (opened && myDebug == 0)
+    if (opened && !isVerbose())
         bringBackgroundApplicationToFront();
     else
         logLine("Halvex Time - launching Halvex.app - %@", path);

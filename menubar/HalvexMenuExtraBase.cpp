@@ -38,7 +38,7 @@ const Shadow kTitleShadow{.offset = {2.0, 2.0}, .blurRadius = 1.5};
 } // namespace
 
 HalvexMenuExtraBase::~HalvexMenuExtraBase() {
-    if (myDebug != 0)
+    if (isVerbose())
         logLine("dealloc HalvexMenuExtraBase %@ %d", description(*this),
                 weak_from_this().use_count());
 }
@@ -60,7 +60,7 @@ std::shared_ptr<MenuExtra> HalvexMenuExtraBase::initWithBundle(std::shared_ptr<B
     if (&WarnMeTimesFile == nullptr)
         logLine("\n\nHalvexMenuExtraBase mising Halvex Library\n\n");
 
-    myDebug = OptionDown() ? 2 : 0;
+    std::atomic_ref(myDebug).store(OptionDown() ? 2 : 0, std::memory_order_relaxed);
     extraHeight_ = static_cast<float>(menuExtraHost().statusBarThickness() - 1.0);
     try {
         makeView();
@@ -68,7 +68,7 @@ std::shared_ptr<MenuExtra> HalvexMenuExtraBase::initWithBundle(std::shared_ptr<B
         logLine("HalvexMenuExtraBase setView exception name: %@   reason: %@   userInfo: %@",
                 exception.name(), exception.reason(), exception.userInfo());
     }
-    if (myDebug != 0)
+    if (isVerbose())
         logLine("exiting HalvexMenuExtraBase - initWithBundle retainCount: %d",
                 weak_from_this().use_count());
     return shared_from_this();

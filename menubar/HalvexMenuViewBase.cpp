@@ -39,7 +39,7 @@ bool HalvexMenuViewBase::acceptsFirstMouse(const Event&) const {
 
 void HalvexMenuViewBase::mouseDown(const Event& event) {
     if (holds(event, kOptionKeyMask | kControlKeyMask)) {
-        if (switchesDebugOn())
+        if (switchDebug())
             return;
     } else if (myDebugME != 0) {
         logLine("mouse down flags: %016x, Double click %d buttonNum=%d", event.modifierFlags,
@@ -49,7 +49,7 @@ void HalvexMenuViewBase::mouseDown(const Event& event) {
         MenuExtraView::mouseDown(event);
 }
 
-bool HalvexMenuViewBase::switchesDebugOn() const {
+bool HalvexMenuViewBase::switchDebug() const {
     myDebugME = 1 - myDebugME;
     logLine("CTRL+Option/Alt key pressed - myDebug %d", myDebugME);
     if (myDebugME == 0)

@@ -39,7 +39,7 @@ class HalvexMenuViewBase : public platform::MenuExtraView {
     void drawRect(const platform::Rect& rect) override;
 
   private:
-    bool switchesDebugOn() const;
+    bool switchDebug() const; ///< between 0 and 1; whether it is on now
     bool handleClick(const platform::Event& event) const;
     void drawTitle(const platform::AttributedString& title, double x, double height) const;
     void drawImage(const platform::Image& image, double height) const;

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <atomic>
 #include <cstdint>
 
 /// The names that all of the product's programs share, spelled here and nowhere else, and three
@@ -54,9 +55,14 @@ extern const char* const appHalvex4Prefs;     ///< this release's
 extern const char* const appHalvexPrefsOld;   ///< an older release's
 extern const char* const hxNSApplicationName; ///< application name in a launch notification
 
-// Flags, 0 at first; whoever likes may set them. Each process has its own.
+// Flags, 0 at first; whoever likes may set them, on the main thread. Each process has its own.
 extern std::int32_t myDebug;          ///< when not 0, menu extras and their management log more
 extern std::int32_t myDebugME;        ///< when not 0, the views of menu extras log more
 extern std::int32_t gHalvexisrunning; ///< set while the background application is known to run
 
 } // extern "C"
+
+/// Whether myDebug is not 0. From any thread, also while another sets it.
+inline bool isVerbose() {
+    return std::atomic_ref(myDebug).load(std::memory_order_relaxed) != 0;
+}

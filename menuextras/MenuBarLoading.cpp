@@ -140,7 +140,7 @@ void HalvexMenuExtraTools::checkPreflight(const std::string& url) {
         logLine("checkPreflight: executablePath nil");
         return;
     }
-    if (myDebug == 0) // nobody would hear of the outcome, and asking takes a process
+    if (!isVerbose()) // nobody would hear of the outcome, and asking takes a process
         return;
     std::string reason;
     if (platform::dynamicLoader().preflight(*executable, reason))

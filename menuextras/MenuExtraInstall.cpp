@@ -106,7 +106,7 @@ bool HalvexMenuExtraTools::installMenuExtra(const std::string& path) {
     }
     if (!isReplacing)
         logLine("installed MenuExtra %@", copy);
-    else if (myDebug != 0)
+    else if (isVerbose())
         logLine("copying MenuExtra to %@", copy);
     return true;
 }

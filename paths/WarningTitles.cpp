@@ -22,8 +22,8 @@ constexpr Folder kLocalFolder = HalvexFilePaths::ovxGetLocalHalvexApplSupportFol
 
 /// The list's file in @p folder; nothing when none is there.
 std::optional<std::string> listFile(Folder folder, const std::string& name) {
-    std::string path = platform::expandingTildeInPath(platform::appendingPathComponent(
-        folder(), platform::appendingPathExtension(name, plistFile)));
+    std::string path = platform::appendingPathComponent(
+        folder(), platform::appendingPathExtension(name, plistFile));
     bool isDirectory = false;
     if (!platform::fileManager().fileExists(path, &isDirectory) || isDirectory)
         return std::nullopt;

@@ -1,19 +1,20 @@
 #include "ui/HUDBackground.h"
 
+#include "platform/Panel.h"
+
 #include <cmath>
 
 using namespace platform;
 
 namespace {
 
-constexpr double kTitleBarHeight = 19.0;
 constexpr double kCornerRadius = 6.0;
 
 BezierPath bodyPath(Size size) {
     const double right = std::trunc(size.width);
     const double middle = std::trunc(0.5 * size.width);
-    const double top = std::trunc(size.height - kTitleBarHeight);
-    const double halfway = std::trunc(0.5 * (size.height - kTitleBarHeight));
+    const double top = std::trunc(size.height - kPanelTitleBarHeight);
+    const double halfway = std::trunc(0.5 * (size.height - kPanelTitleBarHeight));
     BezierPath path;
     path.moveToPoint({middle, 0});
     path.appendArcFromPoint({right, 0}, {right, halfway}, kCornerRadius);
@@ -29,8 +30,8 @@ BezierPath bodyPath(Size size) {
 BezierPath titleBarPath(Size size) {
     const double right = std::trunc(size.width);
     const double middle = std::trunc(0.5 * size.width);
-    const double bottom = std::trunc(size.height - kTitleBarHeight);
-    const double top = std::trunc(size.height - kTitleBarHeight + kTitleBarHeight);
+    const double bottom = std::trunc(size.height - kPanelTitleBarHeight);
+    const double top = std::trunc(size.height);
     BezierPath path;
     path.moveToPoint({0, bottom});
     path.lineToPoint({right, bottom});
@@ -51,9 +52,9 @@ AttributedString titleText(const std::string& title) {
 
 void drawTitle(GraphicsContext& context, const AttributedString& title, Size size) {
     const double height = graphics().sizeOfText(title).height;
-    const Rect bar{{0, size.height - kTitleBarHeight}, {size.width, kTitleBarHeight}};
-    context.drawTextInRect(title,
-                           insetRect(bar, kTitleBarHeight, (kTitleBarHeight - height) * 0.5));
+    const Rect bar{{0, size.height - kPanelTitleBarHeight}, {size.width, kPanelTitleBarHeight}};
+    context.drawTextInRect(
+        title, insetRect(bar, kPanelTitleBarHeight, (kPanelTitleBarHeight - height) * 0.5));
 }
 
 } // namespace

@@ -7,9 +7,7 @@ namespace {
 constexpr double kStrengthOfOpaqueColors = 0.25;
 
 Color translucent(const Color& color) {
-    const bool isRGB =
-        color.space == ColorSpace::CalibratedRGB || color.space == ColorSpace::DeviceRGB;
-    const auto rgb = isRGB ? color : inCalibratedRGB(color);
+    const auto rgb = inCalibratedRGB(color);
     if (!rgb)
         return color;
     return {rgb->red, rgb->green, rgb->blue, kStrengthOfOpaqueColors};

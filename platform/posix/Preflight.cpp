@@ -40,12 +40,6 @@ std::string libraryFolders() {
     return (asked && *asked ? std::string(asked) + ':' : std::string()) + own;
 }
 
-/// What the child writes on both of its outputs, and how it ended.
-struct Answer {
-    std::string text;
-    int status = 0;
-};
-
 class Child {
   public:
     Child(const std::string& loader, const std::string& path);

@@ -26,7 +26,6 @@ class QtGraphics final : public Graphics {
     ~QtGraphics() override;
 
     /// The menu bar's font, for text that names none.
-    void setDefaultFont(const QFont& font) { defaultFont_ = font; }
     QFont defaultFont() const;
 
     /// Advance width, and the tallest ascent plus the deepest descent: the very box that drawText

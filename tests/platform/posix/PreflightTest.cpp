@@ -57,6 +57,8 @@ TEST_F(Preflight, AndTheLoaderRefuseCodeThatIsCutOffAnywhere) {
         EXPECT_FALSE(platform::dynamicLoader().preflight(path, reason)) << part;
     }
     EXPECT_NE(platform::dynamicLoader().load(HALVEX_SHARED_OBJECT, reason), nullptr) << reason;
+    EXPECT_EQ(platform::dynamicLoader().load(HALVEX_PREFLIGHT_UNDEFINED, reason), nullptr);
+    EXPECT_THAT(reason, testing::HasSubstr("nobodyDefinesThis"));
 }
 
 TEST_F(Preflight, NumbersProcessorsAsThePlatformDoes) {

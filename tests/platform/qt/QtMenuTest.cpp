@@ -57,6 +57,10 @@ TEST_F(QtMenuTest, ShowsTitlesStatesSeparatorsAndWhatCanBeChosen) {
     EXPECT_EQ(rows, "Cut && paste x checked\n----\nforbidden disabled\nthrows disabled\n"
                     "a heading disabled\n");
     EXPECT_TRUE(log.contains("test.item")) << "what a target throws is logged with its name";
+    const auto endless = std::make_shared<Menu>();
+    endless->addItem("itself", {}, target).setSubmenu(endless);
+    EXPECT_FALSE(QtMenu(*endless, "test.item").actions().front()->isEnabled());
+    endless->removeAllItems();
 }
 
 TEST_F(QtMenuTest, FollowsTitlesAndStatesWhileItIsOpen) {
