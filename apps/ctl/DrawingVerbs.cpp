@@ -1,8 +1,8 @@
+#include "apps/ctl/ProgramFolder.h"
 #include "apps/ctl/Verbs.h"
 
 #include <algorithm>
 #include <cerrno>
-#include <filesystem>
 #include <string>
 #include <system_error>
 #include <unistd.h>
@@ -12,9 +12,7 @@ namespace {
 
 /// The program that draws, beside the library in an installation and in a build tree.
 std::string drawingProgram() {
-    std::error_code none;
-    const auto self = std::filesystem::read_symlink("/proc/self/exe", none);
-    return (self.parent_path().parent_path() / "lib/halvex/halvex-draw").string();
+    return (programFolder().parent_path() / "lib/halvex/halvex-draw").string();
 }
 
 /// Lets the program that draws take this one's place. It understands the words behind the verb.

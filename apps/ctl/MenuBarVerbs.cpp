@@ -1,15 +1,13 @@
+#include "apps/ctl/Eventually.h"
 #include "apps/ctl/InputFiles.h"
+#include "apps/ctl/ProgramFolder.h"
 #include "apps/ctl/Verbs.h"
-#include "platform/Clock.h"
-#include "platform/Event.h"
 #include "platform/posix/StartProgram.h"
 #include "platform/qt/BarClient.h"
 
 #include <csignal>
-#include <filesystem>
 #include <memory>
 #include <string>
-#include <vector>
 
 using platform::PropertyList;
 using platform::qt::BarClient;
@@ -17,25 +15,9 @@ using platform::qt::BarItem;
 
 namespace {
 
-constexpr int kTries = 100;
-constexpr std::uint64_t kBetweenTries = 50'000; // microseconds
-
-/// Whether @p condition becomes true within five seconds.
-template <class Condition>
-bool eventually(Condition condition) {
-    for (int i = 0; i < kTries; ++i) {
-        if (condition())
-            return true;
-        platform::systemClock().sleep(kBetweenTries);
-    }
-    return condition();
-}
-
 /// Starts the bar beside this program; it logs where this program does.
 bool startBar() {
-    std::error_code ignored;
-    const auto self = std::filesystem::read_symlink("/proc/self/exe", ignored);
-    return platform::posix::startProgram(self.parent_path() / "halvex-menubar") == 0;
+    return platform::posix::startProgram(programFolder() / "halvex-menubar") == 0;
 }
 
 ExitStatus start() {
@@ -86,43 +68,6 @@ ExitStatus snapshot(const std::string& file) {
     return *answer.value ? ExitStatus::Done : refuse(file + ": the picture was not written");
 }
 
-struct Click {
-    std::string identifier;
-    std::vector<std::string> modifiers;
-    std::int32_t button = 0;
-    std::int32_t count = 1;
-};
-
-ExitStatus click(const Click& wanted) {
-    platform::Event event{
-        .modifierFlags = 0, .clickCount = wanted.count, .buttonNumber = wanted.button};
-    for (const std::string& modifier : wanted.modifiers)
-        event.modifierFlags |= modifier == "shift"     ? platform::kShiftKeyMask
-                               : modifier == "control" ? platform::kControlKeyMask
-                                                       : platform::kOptionKeyMask;
-    BarClient bar;
-    platform::MenuExtraReference reference = 0;
-    if (bar.getMenuExtra(wanted.identifier, reference) != 0 || reference == 0)
-        return refuse(wanted.identifier + " is not loaded");
-    const auto consumed = bar.click(wanted.identifier, event);
-    if (!consumed)
-        return refuse(consumed.reason);
-    return print(*consumed.value ? "handled\n" : "menu\n");
-}
-
-void addClickVerb(CLI::App& bar, Action& chosen) {
-    const auto wanted = std::make_shared<Click>();
-    CLI::App* verb = bar.add_subcommand("click", "Click an item, and print what came of it");
-    verb->add_option("IDENTIFIER", wanted->identifier, "The item")->required();
-    verb->add_option("--modifiers", wanted->modifiers, "shift, control, option")
-        ->delimiter(',')
-        ->check(CLI::IsMember({"shift", "control", "option"}));
-    verb->add_option("--button", wanted->button, "0 left, 1 right, 2 middle, 3 the next")
-        ->check(CLI::Range(0, 31));
-    verb->add_option("--count", wanted->count, "2 for a double click")->check(CLI::Range(1, 1000));
-    verb->callback([&chosen, wanted] { chosen = [wanted] { return click(*wanted); }; });
-}
-
 } // namespace
 
 void addMenuBarVerbs(CLI::App& commands, Action& chosen) {
@@ -146,5 +91,5 @@ void addMenuBarVerbs(CLI::App& commands, Action& chosen) {
     add("snapshot", "Draw it into a PNG file", [options] { return snapshot(options->file); })
         ->add_option("FILE", options->file, "The picture")
         ->required();
-    addClickVerb(*bar, chosen);
+    addBarItemVerbs(*bar, chosen);
 }

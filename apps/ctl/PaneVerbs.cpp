@@ -1,4 +1,5 @@
 #include "apps/ctl/InputFiles.h"
+#include "apps/ctl/ProgramFolder.h"
 #include "apps/ctl/Verbs.h"
 #include "menuextras/ExportedIdentifiers.h"
 #include "menuextras/MenuExtraTools.h"
@@ -8,11 +9,9 @@
 #include "platform/PathStrings.h"
 #include "platform/posix/HomeFolders.h"
 
-#include <filesystem>
 #include <memory>
 #include <optional>
 #include <string>
-#include <system_error>
 
 using platform::appendingPathComponent;
 using platform::Bundle;
@@ -27,11 +26,9 @@ std::string usersPlace() {
 
 /// The pane that came with this program: in a build tree the one beside it, else the installed one.
 std::string shippedPane() {
-    std::error_code ignored;
-    const std::string program = std::filesystem::read_symlink("/proc/self/exe", ignored).string();
     const std::string name = platform::lastPathComponent(HalvexProPrefsAllUsers);
-    std::string built = appendingPathComponent(
-        deletingLastPathComponent(deletingLastPathComponent(program)), "pane/" + name);
+    std::string built =
+        appendingPathComponent(programFolder().parent_path().string(), "pane/" + name);
     return fileManager().fileExists(built) ? built
                                            : appendingPathComponent(HALVEX_PANES_FOLDER, name);
 }

@@ -20,6 +20,7 @@ void addPathVerbs(CLI::App& commands, Action& chosen);      ///< paths, themes, 
 void addExtraVerbs(CLI::App& commands, Action& chosen);
 void addLocationVerbs(CLI::App& commands, Action& chosen);   ///< locations
 void addMenuBarVerbs(CLI::App& commands, Action& chosen);    ///< menubar
+void addBarItemVerbs(CLI::App& menubar, Action& chosen);     ///< menubar add, remove, click
 void addWarningVerbs(CLI::App& commands, Action& chosen);    ///< warnings
 void addPaneVerbs(CLI::App& commands, Action& chosen);       ///< pane
 void addBackgroundVerbs(CLI::App& commands, Action& chosen); ///< prefs, background

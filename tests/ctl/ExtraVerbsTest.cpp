@@ -26,12 +26,19 @@ TEST(ExtraVerbs, TurnTheClockOnAndOffInTheRealBar) {
         ctl menubar snapshot bar.png && head -c4 bar.png | tail -c3; echo
         ctl pro remove; ctl toggle 1 off || echo "was not loaded"; names
         [ -e "$copy" ] || echo removed
+        ctl menubar add; ctl menubar add || echo "one is enough"
+        ctl install "$HOME"/Library/*/*/*/PlugIns/HalvexTimeMenu.menu 2>/dev/null
+        ctl menubar add "$copy" --position 0; names
+        ctl menubar remove com.quorvanesoftware.HalvexProMenu; names
+        ctl menubar add root || echo "no bundle"
         ctl menubar stop; ctl menubar stop || echo stopped)",
                    "com.apple.menuextra.clock \n"
                    "com.quorvanesoftware.HalvexProMenu \n"
                    "1\tHalvexTimeMenu\tcom.quorvanesoftware.HalvexProMenu\tshipped 1.0.0\t"
                    "installed 1.0.0\tloaded\n"
-                   "menu\nno such item\nPNG\n\nremoved\nstopped\n",
+                   "menu\nno such item\nPNG\n\nremoved\none is enough\n"
+                   "com.quorvanesoftware.HalvexProMenu com.apple.menuextra.clock \n"
+                   "com.apple.menuextra.clock \nno bundle\nstopped\n",
                    "MenuExtra (com.quorvanesoftware.HalvexProMenu) removal failed.");
 }
 
