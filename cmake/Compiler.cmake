@@ -1,14 +1,17 @@
 # How everything in this tree is compiled, and where what is built goes: build trees have the
 # folders of an installation, so that programs find their items the same way in both.
 
+# What the code of an item needs wherever it is compiled, so it goes with the library: a plug-in
+# whose symbols are "unique" can never be unloaded.
+set(HALVEX_ITEM_OPTIONS $<$<COMPILE_LANG_AND_ID:CXX,GNU>:-fno-gnu-unique>)
+
 add_library(halvex_compiler_options INTERFACE)
 target_compile_features(halvex_compiler_options INTERFACE cxx_std_20)
 target_compile_options(halvex_compiler_options INTERFACE
   -Wall -Wextra -Wpedantic -Wshadow -Wconversion
   # GCC 12 warns of overlapping copies inside std::string's own operator+.
   $<$<CXX_COMPILER_ID:GNU>:-Wno-restrict>
-  # A plug-in whose symbols are "unique" can never be unloaded.
-  $<$<CXX_COMPILER_ID:GNU>:-fno-gnu-unique>)
+  ${HALVEX_ITEM_OPTIONS})
 if(HALVEX_WARNINGS_AS_ERRORS)
   target_compile_options(halvex_compiler_options INTERFACE -Werror)
 endif()

@@ -11,17 +11,17 @@
 # Makes the bundle FOLDER/NAME.menu: Contents/Info.plist, Contents/Linux/NAME, Contents/Resources.
 # The bundle's folder is the target property MENU_EXTRA_BUNDLE, the files in it but its code are
 # MENU_EXTRA_FILES.
-set(HALVEX_BUNDLE_TEMPLATE ${CMAKE_CURRENT_LIST_DIR}/MenuExtra-Info.plist.in)
-set(HALVEX_PLUGIN_EXPORTS ${CMAKE_CURRENT_LIST_DIR}/plugin-exports.map)
-
+#
+# For this tree, for one that has it as a subdirectory, and, installed, for find_package(HalvexTools).
 function(halvex_add_menu_extra name)
+  set(exports ${CMAKE_CURRENT_FUNCTION_LIST_DIR}/plugin-exports.map)
   cmake_parse_arguments(extra "" "IDENTIFIER;PRINCIPAL_CLASS;VERSION;INFO_PLIST;DISPLAY_NAME;FOLDER"
                         "SOURCES;RESOURCES" ${ARGN})
   if(NOT extra_DISPLAY_NAME)
     set(extra_DISPLAY_NAME ${name})
   endif()
   if(NOT extra_INFO_PLIST)
-    set(extra_INFO_PLIST ${HALVEX_BUNDLE_TEMPLATE})
+    set(extra_INFO_PLIST ${CMAKE_CURRENT_FUNCTION_LIST_DIR}/MenuExtra-Info.plist.in)
   endif()
   if(NOT extra_FOLDER)
     set(extra_FOLDER ${PROJECT_BINARY_DIR}/extras)
@@ -29,14 +29,19 @@ function(halvex_add_menu_extra name)
   set(bundle ${extra_FOLDER}/${name}.menu)
 
   add_library(${name} MODULE ${extra_SOURCES})
-  target_link_libraries(${name} PRIVATE HalvexTools)
+  target_link_libraries(${name} PRIVATE HalvexTools::HalvexTools)
   # No run path: wherever the bundle lies, the host that loads it has libHalvexTools already.
   # Only the entry point is seen from outside; the classes stay the bundle's own.
-  target_link_options(${name} PRIVATE LINKER:--version-script=${HALVEX_PLUGIN_EXPORTS})
+  target_link_options(${name} PRIVATE LINKER:--version-script=${exports})
+  # A function that nobody defines is an error now, and not when the bar loads the item; but for
+  # those of the sanitizers, which come with the program.
+  if(NOT HALVEX_SANITIZE)
+    target_link_options(${name} PRIVATE LINKER:-z,defs)
+  endif()
   set_target_properties(${name} PROPERTIES
     PREFIX "" SUFFIX ""
     LIBRARY_OUTPUT_DIRECTORY ${bundle}/Contents/Linux
-    LINK_DEPENDS ${HALVEX_PLUGIN_EXPORTS}
+    LINK_DEPENDS ${exports}
     BUILD_WITH_INSTALL_RPATH ON
     INSTALL_RPATH ""
     MENU_EXTRA_BUNDLE ${bundle})

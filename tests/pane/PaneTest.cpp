@@ -28,6 +28,18 @@ class Installation : public testing::Test {
         output = test::contents(stage.path() / "output");
         ASSERT_EQ(status, 0) << output;
     }
+    /// A bar on a bus of its own, what it lists, which library its items have, and its end.
+    void expectBarWith(const std::string& item) {
+        run("HOME=\"$PWD/home\" XDG_RUNTIME_DIR=\"$PWD\" dbus-run-session -- sh -c '"
+            "usr/local/bin/halvex-menubar \"$0\" & bar=$!\n"
+            "for try in $(seq 100); do sleep 0.1; dbus-send --session --print-reply"
+            " --dest=com.quorvanesoftware.MenuBar /com/quorvanesoftware/MenuBar"
+            " com.quorvanesoftware.MenuBar1.ListMenuExtras && break; done\n"
+            "echo maps; grep -o /.*libHalvexTools.* /proc/$bar/maps | sort -u\n"
+            "kill $bar; wait $bar && echo ended well' '" +
+            item + "'");
+        EXPECT_THAT(output, HasSubstr("string \"" + item + "\""));
+    }
 
     test::TemporaryFolder stage;
     std::string output;
@@ -51,21 +63,23 @@ TEST_F(Installation, HasABarThatLoadsItemsFromThePaneAndFromAHomeFolder) {
     const std::string plugIns = pane + "/Contents/PlugIns";
     run("mkdir home && cp -R '" + plugIns + "/" + kHalvexTimeExtraFile + "' home");
     for (const std::string& folder : {plugIns, std::string("home")}) {
-        const std::string item = stage.file(folder + "/" + kHalvexTimeExtraFile);
-        // A bar on a bus of its own, what it lists, which library its items have, and its end.
-        run("HOME=\"$PWD/home\" XDG_RUNTIME_DIR=\"$PWD\" dbus-run-session -- sh -c '"
-            "usr/local/bin/halvex-menubar \"$0\" & bar=$!\n"
-            "for try in $(seq 100); do sleep 0.1; dbus-send --session --print-reply"
-            " --dest=com.quorvanesoftware.MenuBar /com/quorvanesoftware/MenuBar"
-            " com.quorvanesoftware.MenuBar1.ListMenuExtras && break; done\n"
-            "echo maps; grep -o /.*libHalvexTools.* /proc/$bar/maps | sort -u\n"
-            "kill $bar; wait $bar && echo ended well' '" +
-            item + "'");
-        EXPECT_THAT(output, HasSubstr("string \"" + item + "\""));
+        expectBarWith(stage.file(folder + "/" + kHalvexTimeExtraFile));
         EXPECT_THAT(output,
                     HasSubstr("maps\n" + stage.file("usr/local/lib/libHalvexTools.so.1.0.0") +
                               "\nended well"));
     }
+}
+
+TEST_F(Installation, BuildsTheItemOfTheGuideWithEveryPublicHeader) {
+    // The first blocks of code in the guide are the item's source and its CMakeLists.txt.
+    run("mkdir home item && cd item && (cd ../usr/local/include/HalvexTools && find -name '*.h') |"
+        " sed 's/.*/#include \"&\"/' >Load.cpp\n"
+        "block() { sed -n \"/^\\`\\`\\`$1/,/^\\`\\`\\`/p\" '" HALVEX_GUIDE "' |"
+        " sed '1d; /^```/,$d'; }\n"
+        "block cpp >>Load.cpp; block cmake >CMakeLists.txt\n"
+        "CXX='" HALVEX_CXX "' '" HALVEX_CMAKE "' -DCMAKE_PREFIX_PATH=\"$OLDPWD/usr/local\""
+        " -G Ninja -B build && '" HALVEX_CMAKE "' --build build");
+    expectBarWith(stage.file("item/build/extras/Load.menu"));
 }
 
 std::string text(const PropertyList::Array& record, std::size_t element) {
