@@ -31,9 +31,11 @@ class HalvexMenuExtraBase : public platform::MenuExtra {
     /// Shows plain text in the platform's font, with a shadow of its own when the view draws
     /// shadows; nothing shows none. The same text again asks for no redisplay.
     virtual void setTitle(const std::optional<std::string>& title);
-    /// Shows a copy of @p title. The very object already held changes nothing.
+    /// Shows a copy of @p title. The very object already held changes nothing. Only another width
+    /// asks for a redisplay; else it is the caller's to ask the view for one.
     virtual void setAttributedTitle(const std::shared_ptr<platform::AttributedString>& title);
-    /// Shows @p image left of the title. The very object already held changes nothing.
+    /// Shows @p image left of the title. The very object already held changes nothing. Redisplay
+    /// as above.
     virtual void setImage(const std::shared_ptr<platform::Image>& image);
 
     std::shared_ptr<platform::AttributedString> attributedTitle() const override;

@@ -14,9 +14,9 @@
 ///
 /// Nothing is kept between calls, and nothing throws. What is logged stands beside each operation;
 /// an unknown tag is logged as "error tag not set". Each operation comes to its end on the thread
-/// that calls it, which those that load may keep waiting for about 4 seconds. Nothing is locked:
-/// of two processes that install the same menu extra at once one may log that it failed, but what
-/// is installed is whole.
+/// that calls it, any that may block: those that load sleep for about 4 seconds in all, and a bar
+/// that hangs lets them wait 5 seconds more. Nothing is locked: of two processes that install the
+/// same menu extra at once one may log that it failed, but what is installed is whole.
 class HalvexMenuExtraTools {
   public:
     HalvexMenuExtraTools() = delete;
@@ -40,11 +40,13 @@ class HalvexMenuExtraTools {
 
     /// Copies the bundle at @p path into the installed folder, in place of an older copy; all that
     /// it does and each failure is logged. True when a copy of that name is there afterwards, which
-    /// is the old one when that cannot be removed. @p path may lie in the copy itself, which then
+    /// is the old one when that cannot be removed. The old one goes first: when the copying fails
+    /// there is none. @p path may lie in the copy itself, which then
     /// stays.
     static bool installMenuExtra(const std::string& path);
     /// Removes the installed copy that has the last component of @p path as its name, and nothing
-    /// else at @p path; one that cannot be deleted goes to the Trash (logged). False when there is
+    /// else at @p path; one that cannot be deleted goes to the Trash (logged, whether
+    /// that takes it or not). False when there is
     /// none (not logged), when it or its folder cannot be written (logged), when @p path names
     /// nothing (logged), and when the Trash does not take it.
     static bool removeMenuExtra(const std::string& path);

@@ -9,7 +9,7 @@
 /// The product's folders and data files: where each one is, and the readers and writers of the data
 /// files. Paths are UTF-8 and absolute, without a slash at their end. Folders are created one level
 /// at a time by ovxPaths::ovxMakeDirIfNeeded, which logs a failure; the path is given all the same.
-/// Nothing is kept between calls, and nothing throws. Main thread.
+/// Nothing is kept between calls, and nothing throws. Any thread that may wait for the disk.
 ///
 /// "Application Support" is the one in the user's home folder, the maker folder "Quorvane Software"
 /// lies in it; the local ones are in /Library/Application Support.
@@ -103,6 +103,7 @@ void ovxGlimmerboxMakeSupportDir();
 std::string ovxGetDeskTopBackgroundsPath();
 /// Glimmerbox's picture frames, in Application Support.
 std::string ovxGetGlimmerboxSupportPath();
+/// The user's albums, "~/Pictures/iPhoto Library/Albums".
 std::string ovxGetiPhotoAlbumPath();
 
 /// The names of everything in the local themes folder, in the file system's order. Nothing, after

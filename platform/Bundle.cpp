@@ -43,15 +43,18 @@ struct OpenedBundles {
     }
 };
 
+// Never destroyed: a thread that outlives main may still ask.
 OpenedBundles& openedBundles() {
-    static OpenedBundles opened;
-    return opened;
+    static auto* const opened = new OpenedBundles;
+    return *opened;
 }
 
 LoadedBundles& loadedBundles() {
-    static LoadedBundles loaded;
-    return loaded;
+    static auto* const loaded = new LoadedBundles;
+    return *loaded;
 }
+
+constexpr std::uintmax_t kLargestRemembered = 1 << 20; // bytes of an Info.plist
 
 std::string contents(const std::string& bundle, std::string_view relative) {
     return appendingPathComponent(bundle, "Contents/" + std::string(relative));
@@ -113,13 +116,16 @@ std::shared_ptr<Bundle> Bundle::bundleWithPath(const std::string& path, std::str
         return exists ? nullptr : openedBundles().find(key);
     }
     std::optional<PropertyList::Dictionary> info;
-    auto result = propertyLists().read(contents(path, "Info.plist"));
+    const std::string file = contents(path, "Info.plist");
+    auto result = propertyLists().read(file);
     if (PropertyList::Dictionary* dictionary = result ? result.value->dictionary() : nullptr)
         info = std::move(*dictionary);
     else if (reason)
         *reason = "Info.plist: " + (result ? "no dictionary" : describe(result.error));
     auto bundle = std::make_shared<Bundle>(path, std::move(info));
-    openedBundles().remember(key, bundle);
+    std::error_code none;
+    if (std::filesystem::file_size(file, none) <= kLargestRemembered)
+        openedBundles().remember(key, bundle);
     return bundle;
 }
 

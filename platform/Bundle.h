@@ -25,8 +25,9 @@ class Bundle {
     static std::shared_ptr<Bundle> bundleWithPath(const std::string& path,
                                                   std::string* reason = nullptr);
 
-    /// The bundle with this identifier among those whose code this process has loaded; of several
-    /// the one that was loaded first. Null when there is none.
+    /// The bundle with this identifier among those whose code a host has said by setCode that this
+    /// process has loaded; of several the first. The menu bar says it of none. Null when there is
+    /// none.
     static std::shared_ptr<Bundle> bundleWithIdentifier(std::string_view identifier);
     /// What a host calls when it has loaded a bundle's code, and when it has let it go. In between
     /// bundleWithIdentifier finds the bundle, and keeps it.

@@ -96,7 +96,7 @@ class Button final : public ActionSender {
     Rect frame_;
     std::uint32_t autoresizingMask_ = 0;
     Look look_;
-    AttributedString title_{"Button"};
+    AttributedString title_{"Button"}; // as a new button of the platform's has it
     std::string label_;
     std::weak_ptr<ActionTarget> target_;
     Selector action_;

@@ -32,8 +32,9 @@ class Clock {
 
     /// Calls @p handler at every full second or minute, and at once after the clock was set, the
     /// machine woke up or the time zone changed. Nothing wakes the program in between. The first
-    /// call comes at the next boundary, not during this one. Gives null, after a log line, when the
-    /// system has no timer left. Main thread.
+    /// call comes at the next boundary, not during this one. What the handler throws is logged
+    /// under the name of the owner that asked and goes no further. Gives null, after a log line,
+    /// when the system has no timer left. Main thread.
     virtual std::unique_ptr<Watch> tick(TickInterval interval, std::function<void()> handler) = 0;
 };
 

@@ -100,7 +100,8 @@ class FileManager {
 
     // Places
 
-    /// The user's home folder: HOME when that is absolute, else what the account says.
+    /// The user's home folder: HOME when that is absolute, else what the account says,
+    /// "/" without an account.
     virtual std::string homeDirectory() const = 0;
     /// The home folder of the account with this name; nothing when there is no such account.
     virtual std::optional<std::string> homeDirectoryForUser(const std::string& name) const = 0;
@@ -136,8 +137,9 @@ class FileManager {
 
     /// Calls @p handler on the main thread after the file at @p path appears, changes, is replaced
     /// or goes, also when folders above it come later, are replaced or go. A burst of changes gives
-    /// at least one call after the last. The handler may destroy its own watch. Null when the
-    /// system has no watches left, which is logged. Main thread.
+    /// at least one call after the last. The handler may destroy its own watch. What
+    /// it throws is logged under the name of the owner that asked and goes no further. Null when
+    /// the system has no watches left, which is logged. Main thread.
     virtual std::unique_ptr<FileWatch> watchFile(const std::string& path,
                                                  std::function<void()> handler) = 0;
 };

@@ -28,7 +28,8 @@ class MainThread {
     MainThread& operator=(const MainThread&) = delete;
 
     /// Runs @p work on the main thread, in the order of the calls. With UntilDone the caller waits;
-    /// on the main thread itself it then runs at once. Safe from any thread.
+    /// on the main thread itself it then runs at once. What it throws is logged under the owner's
+    /// name and goes no further. Safe from any thread.
     virtual void perform(std::function<void()> work, Wait wait) = 0;
 
     /// Calls @p handler on the main thread whenever @p fileDescriptor has something to read, which
@@ -39,6 +40,7 @@ class MainThread {
                                                  std::function<void()> handler) = 0;
 };
 
+/// Installed by a host; there is none before, and who asks ends the program.
 MainThread& mainThread();
 template <>
 MainThread* exchangeService<MainThread>(MainThread* service);

@@ -10,7 +10,8 @@
 #include <memory>
 #include <string>
 
-/// An item of the menu bar ("menu extra") and its view, as the bar sees them. Main thread only.
+/// An item of the menu bar ("menu extra") and its view, as the bar sees them; and the bar itself,
+/// as others ask it. Main thread, but for the latter, MenuExtraServer.
 namespace platform {
 
 class MenuExtra;
@@ -129,6 +130,7 @@ class MenuExtraServer {
     /// items from the right; the system has given the other numbers no meaning.
     virtual std::int32_t addMenuExtra(const std::string& url, std::int32_t position, std::int32_t,
                                       std::int32_t, std::int32_t, std::int32_t) = 0;
+    /// The system has given @p flags no meaning.
     virtual std::int32_t removeMenuExtra(MenuExtraReference reference, std::int32_t flags) = 0;
 };
 
@@ -148,6 +150,7 @@ class MenuExtraHost {
     virtual double statusBarThickness() const = 0;
     /// A view wants to be drawn again; may be told more than once before the host does.
     virtual void viewNeedsDisplay(MenuExtraView& view) = 0;
+    /// The item wants another width.
     virtual void lengthChanged(MenuExtra& extra) = 0;
     /// Opens the item's menu below it, or closes it when it is open. Does not wait for it to close.
     virtual void toggleMenu(MenuExtra& extra) = 0;
@@ -157,15 +160,18 @@ class MenuExtraHost {
     static void setDisplayed(MenuExtraView& view) { view.needsDisplay_ = false; }
 };
 
+/// Installed by a host; there is none before, and who asks ends the program.
 MenuExtraHost& menuExtraHost();
 template <>
 MenuExtraHost* exchangeService<MenuExtraHost>(MenuExtraHost* service);
 
 } // namespace platform
 
-// The server's three operations under the names that the system gives them.
+// The server's three operations under the names that the system gives them. Each may block for some
+// seconds.
 
-/// Status 0 and a reference that is not 0 when the item is loaded.
+/// Status 0 and a reference that is not 0 when the item is loaded, else a reference of 0. @p
+/// reference may be null.
 std::int32_t CoreMenuExtraGetMenuExtra(const std::string& identifier,
                                        platform::MenuExtraReference* reference);
 std::int32_t CoreMenuExtraAddMenuExtra(const std::string& url, std::int32_t position, std::int32_t,

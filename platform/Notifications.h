@@ -3,7 +3,6 @@
 #include "platform/PropertyList.h"
 #include "platform/Service.h"
 
-#include <cstdint>
 #include <functional>
 #include <memory>
 #include <mutex>

@@ -107,7 +107,8 @@ class Panel : public ActionSender, public std::enable_shared_from_this<Panel> {
     }
     void setShowsResizeIndicator(bool shows) { setLook(look_.showsResizeIndicator, shows); }
 
-    /// Moves and resizes the panel and tells the resize observer of each new size.
+    /// Moves and resizes the panel and tells the resize observer of each new size. With @p animate
+    /// that takes about 0.2 s, in which timers, notifications and requests are served.
     virtual void setFrame(const Rect& frame, bool display, bool animate);
     virtual void display();
     void makeKeyAndOrderFront();

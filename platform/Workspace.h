@@ -47,7 +47,8 @@ class Workspace {
 };
 
 /// The process's workspace. Until a host installs another one: one that has a Trash, starts
-/// applications and opens URLs with xdg-open, but cannot show or open anything else.
+/// applications, opens URLs with xdg-open and panes with "System Preferences", but cannot show or
+/// open anything else.
 Workspace& sharedWorkspace();
 template <>
 Workspace* exchangeService<Workspace>(Workspace* service);

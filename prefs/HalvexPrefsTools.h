@@ -30,8 +30,9 @@ class HalvexPrefsTools {
     /// What that thread does, which may take seconds. Failures are logged with the script.
     static void openPrefsThread(const std::string& paneIdentifier);
 
-    /// Where the background application is in the pane, whether it is there or not. Nothing, after
-    /// a log line, when there is no pane.
+    /// Where the background application is, whether it is there or not, in the pane that
+    /// HalvexMenuExtraTools::HalvexPrefsPlugins finds, which is none named "HalvexPro.prefPane".
+    /// Nothing, after a log line, when there is no such pane.
     static std::optional<std::string> getHalvexBGApplicationPath();
 
     /// Whether the background application is running; which process it is goes to @p serialNumber

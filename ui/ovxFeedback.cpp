@@ -9,7 +9,6 @@
 #include <charconv>
 #include <optional>
 #include <string_view>
-#include <utility>
 
 using platform::SystemFact;
 using platform::SystemInfo;

@@ -2,6 +2,7 @@
 
 #include "apps/menubar/ItemList.h"
 #include "paths/ovxPaths.h"
+#include "platform/Log.h"
 #include "platform/PathStrings.h"
 #include "platform/qt/BarClient.h"
 
@@ -17,6 +18,8 @@ BarItems::BarItems()
     if (!bar.processIdentifier())
         return;
     const auto items = bar.listMenuExtras();
+    if (!items)
+        platform::logLine("which menu extras are loaded is not known: %@", items.reason);
     for (std::size_t i = 0; items && i < items.value->size(); ++i)
         loaded_.push_back((*items.value)[i].identifier);
 }

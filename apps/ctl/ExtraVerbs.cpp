@@ -8,6 +8,7 @@
 #include "platform/Bundle.h"
 #include "platform/DynamicLoader.h"
 #include "platform/FileManager.h"
+#include "platform/MenuExtraHost.h"
 #include "platform/PathStrings.h"
 #include "platform/posix/HomeFolders.h"
 
@@ -16,6 +17,7 @@
 
 using menuextras::MenuExtraKind;
 using platform::Bundle;
+using platform::MenuExtraStatus;
 using platform::PropertyList;
 using Tools = HalvexMenuExtraTools;
 
@@ -98,7 +100,10 @@ ExitStatus toggle(const std::string& name, bool on) {
         return ExitStatus::Refused;
     platform::posix::makeHomeFolders(platform::fileManager());
     Tools::menuExtraToggle(kind->tag, on ? 1 : 0);
-    return Tools::isExtraLoaded(kind->identifier) == on ? ExitStatus::Done : ExitStatus::Refused;
+    platform::MenuExtraReference ignored = 0;
+    const auto wanted = on ? MenuExtraStatus::NoError : MenuExtraStatus::NotLoaded;
+    const std::int32_t status = platform::menuExtraServer().getMenuExtra(kind->identifier, ignored);
+    return status == static_cast<std::int32_t>(wanted) ? ExitStatus::Done : ExitStatus::Refused;
 }
 
 ExitStatus install(const std::string& path) {
@@ -146,6 +151,35 @@ ExitStatus preflight(const std::string& path) {
                                                                     : refuse(path + ": " + reason);
 }
 
+CLI::App* addVerb(CLI::App& parent, Action& chosen, const char* name, const char* description,
+                  Action action) {
+    CLI::App* verb = parent.add_subcommand(name, description);
+    verb->callback([&chosen, action = std::move(action)] { chosen = action; });
+    return verb;
+}
+
+/// A verb of the product's generations, which does not say no.
+Action done(void (*operation)()) {
+    return [operation] {
+        operation();
+        return ExitStatus::Done;
+    };
+}
+
+void addGenerationVerbs(CLI::App& commands, Action& chosen) {
+    const auto group = [&](const char* name, const char* description) -> CLI::App& {
+        CLI::App* verbs = commands.add_subcommand(name, description);
+        verbs->require_subcommand(0, 1);
+        return *verbs;
+    };
+    CLI::App& second = group("v2", "The second generation of the product");
+    addVerb(second, chosen, "running", "Whether one of its menu extras is loaded",
+            [] { return answer(Tools::isHalvexV2Running()); });
+    addVerb(second, chosen, "remove", "Unload its menu extras", done(Tools::HalvexV2Remove));
+    addVerb(group("pro", "The current generation of the product"), chosen, "remove",
+            "Unload its menu extras", done(Tools::HalvexProRemove));
+}
+
 } // namespace
 
 void addExtraVerbs(CLI::App& commands, Action& chosen) {
@@ -157,58 +191,35 @@ void addExtraVerbs(CLI::App& commands, Action& chosen) {
     };
     const auto options = std::make_shared<Options>();
     options->root = commands.get_option("--root");
-    const auto add = [&](CLI::App& parent, const char* name, const char* description,
-                         Action action) {
-        CLI::App* verb = parent.add_subcommand(name, description);
-        verb->callback([&chosen, action = std::move(action)] { chosen = action; });
-        return verb;
+    const auto add = [&](const char* name, const char* description, Action action) {
+        return addVerb(commands, chosen, name, description, std::move(action));
     };
-    const auto group = [&](const char* name, const char* description) {
-        CLI::App* verbs = commands.add_subcommand(name, description);
-        verbs->require_subcommand(0, 1);
-        return verbs;
+    const auto addNamed = [&](const char* name, const char* description,
+                              ExitStatus (*operation)(const std::string&)) {
+        return add(name, description, [options, operation] { return operation(options->name); });
     };
-    addJsonFlag(*add(commands, "extras", "The product's menu extras, and where each one is",
+    addJsonFlag(*add("extras", "The product's menu extras, and where each one is",
                      [options] {
                          const auto root = options->root->as<std::string>();
                          return showExtras(absolutePath(root), options->json);
                      }),
                 options->json);
-
-    CLI::App* toggled =
-        add(commands, "toggle", "Install and load a menu extra, or unload and remove it",
-            [options] { return toggle(options->name, options->state == "on"); });
+    CLI::App* toggled = add("toggle", "Install and load a menu extra, or unload and remove it",
+                            [options] { return toggle(options->name, options->state == "on"); });
     toggled->add_option("NAME", options->name, "Its tag, name or identifier")->required();
     toggled->add_option("STATE", options->state, "on or off")
         ->required()
         ->check(CLI::IsMember({"on", "off"}));
-
-    add(commands, "install", "Copy a menu extra into the user's folder of menu extras",
-        [options] { return install(options->name); })
+    addNamed("install", "Copy a menu extra into the user's folder of menu extras", install)
         ->add_option("PATH", options->name, "The bundle")
         ->required();
-    add(commands, "remove", "Remove an installed menu extra",
-        [options] { return remove(options->name); })
+    addNamed("remove", "Remove an installed menu extra", remove)
         ->add_option("NAME", options->name, "Its file name or name")
         ->required();
-    add(commands, "upgrade", "Install what is shipped in another version than installed",
-        [options] { return upgrade(options->name); })
+    addNamed("upgrade", "Install what is shipped in another version than installed", upgrade)
         ->add_option("NAME", options->name, "One menu extra's tag, name or identifier");
-    add(commands, "preflight", "Whether a menu extra's code could be loaded",
-        [options] { return preflight(options->name); })
+    addNamed("preflight", "Whether a menu extra's code could be loaded", preflight)
         ->add_option("PATH", options->name, "The bundle")
         ->required();
-
-    CLI::App* second = group("v2", "The second generation of the product");
-    add(*second, "running", "Whether one of its menu extras is loaded",
-        [] { return answer(Tools::isHalvexV2Running()); });
-    const auto done = [](void (*operation)()) {
-        return [operation] {
-            operation();
-            return ExitStatus::Done;
-        };
-    };
-    add(*second, "remove", "Unload its menu extras", done(Tools::HalvexV2Remove));
-    add(*group("pro", "The current generation of the product"), "remove", "Unload its menu extras",
-        done(Tools::HalvexProRemove));
+    addGenerationVerbs(commands, chosen);
 }

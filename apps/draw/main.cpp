@@ -7,7 +7,6 @@
 #include <QApplication>
 #include <QSaveFile>
 
-#include <cmath>
 #include <sstream>
 
 ExitStatus writePng(const platform::Image& image, const std::string& path) {

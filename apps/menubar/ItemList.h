@@ -18,7 +18,7 @@ class PropertyList;
 ///
 /// Path is a name alone for the bar's own items, so that they are found where the bar is. A bundle
 /// in both arrays is not loaded while its CFBundleVersion is the Version. Step is what the bar was
-/// doing: "loading", "first drawing" or "click".
+/// doing: "loading", "first drawing", "click", "menu", or "its own code".
 class ItemList {
   public:
     struct LeftOut {

@@ -4,7 +4,6 @@
 #include "platform/MainThread.h"
 #include "platform/posix/Descriptor.h"
 
-#include <algorithm>
 #include <array>
 #include <cerrno>
 #include <cstring>
@@ -13,7 +12,6 @@
 #include <set>
 #include <sys/inotify.h>
 #include <sys/stat.h>
-#include <tuple>
 
 namespace platform::posix {
 namespace {

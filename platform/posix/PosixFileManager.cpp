@@ -234,8 +234,8 @@ std::unique_ptr<FileWatch> PosixFileManager::watchFile(const std::string& path,
 }
 
 FileManager& defaultFileManager() {
-    static PosixFileManager manager;
-    return manager;
+    static auto* const manager = new PosixFileManager; // threads that outlive main may ask for it
+    return *manager;
 }
 
 } // namespace platform::posix

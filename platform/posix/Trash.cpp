@@ -6,7 +6,6 @@
 #include "platform/posix/Folder.h"
 #include "platform/posix/SystemCalls.h"
 
-#include <algorithm>
 #include <array>
 #include <cerrno>
 #include <cstdlib>

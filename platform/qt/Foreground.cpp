@@ -10,7 +10,6 @@
 #include <QGuiApplication>
 #include <QVariantMap>
 
-#include <array>
 #include <cstdlib>
 #include <memory>
 #include <string_view>

@@ -13,7 +13,6 @@
 #include <array>
 #include <cmath>
 #include <cstddef>
-#include <utility>
 
 namespace platform::qt {
 namespace {

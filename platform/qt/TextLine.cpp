@@ -7,7 +7,6 @@
 #include <QTextOption>
 
 #include <algorithm>
-#include <cmath>
 #include <cstddef>
 #include <string_view>
 
