@@ -8,10 +8,12 @@
 #include <cerrno>
 #include <cstring>
 #include <deque>
+#include <fcntl.h>
 #include <limits.h>
 #include <set>
 #include <sys/inotify.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
 namespace platform::posix {
 namespace {
@@ -24,6 +26,8 @@ constexpr std::uint32_t kArrivals = IN_CREATE | IN_MOVED_TO;
 /// Of files and links. A name that is taken away, by removal or replacement, shows as an attribute.
 constexpr std::uint32_t kFile =
     IN_MODIFY | IN_CLOSE_WRITE | IN_ATTRIB | IN_DELETE_SELF | IN_MOVE_SELF;
+
+constexpr std::uint32_t kChanges = IN_MODIFY | IN_MOVE_SELF | IN_DELETE_SELF | IN_Q_OVERFLOW;
 
 /// The components of @p path, in order, before those that are already waiting.
 void prepend(std::deque<std::string>& components, const std::string& path) {
@@ -107,6 +111,10 @@ bool InotifyFileWatch::walk(std::set<int>& watches) {
         }
         if (!watch(next, S_ISDIR(status.st_mode) ? kFolder : kFile, watches))
             return false;
+        // What may not be read cannot be watched; its folder tells when that changes.
+        if (::faccessat(AT_FDCWD, next.c_str(), R_OK, AT_SYMLINK_NOFOLLOW) != 0 &&
+            !watch(folder, kFolder | kArrivals | IN_ATTRIB, watches))
+            return false;
         if (!S_ISLNK(status.st_mode)) {
             folder = next + "/";
             continue;
@@ -144,7 +152,8 @@ InotifyFileWatch::Identity InotifyFileWatch::identity() const {
              status.st_ctim.tv_nsec}};
 }
 
-/// Takes all events; whether one tells of changed contents, which times may be too coarse to show.
+/// Takes all events; whether one tells of what may not show: times are coarse, and what was away
+/// and came back looks the same.
 bool InotifyFileWatch::drain() {
     alignas(inotify_event) std::array<char, 4096> buffer;
     bool modified = false;
@@ -157,7 +166,7 @@ bool InotifyFileWatch::drain() {
         for (std::size_t i = 0; i < static_cast<std::size_t>(length);) {
             inotify_event event{};
             std::memcpy(&event, buffer.data() + i, sizeof(event));
-            modified |= (event.mask & (IN_MODIFY | IN_Q_OVERFLOW)) != 0;
+            modified |= (event.mask & kChanges) != 0;
             i += sizeof(event) + event.len;
         }
     }
