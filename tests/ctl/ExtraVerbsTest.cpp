@@ -42,16 +42,6 @@ TEST(ExtraVerbs, TurnTheClockOnAndOffInTheRealBar) {
                    "MenuExtra (com.quorvanesoftware.HalvexProMenu) removal failed.");
 }
 
-TEST(ExtraVerbs, FallBackOnMenuCrackerWhereTheBarAdmitsItsOwnItemsOnly) {
-    followOnOwnBus(R"(
-        ctl pane install >/dev/null
-        ')" HALVEX_MENUBAR R"(' --admit=system &
-        until ctl menubar list >list 2>/dev/null && [ -s list ]; do sleep 0.1; done
-        ctl toggle 1 on && ctl menubar list | cut -f1
-        kill $!; wait)",
-                   "net.sourceforge.menucracker\ncom.quorvanesoftware.HalvexProMenu\n");
-}
-
 TEST(ExtraVerbs, RefuseWhatMakesNoSenseAndChangeNothing) {
     const Ctl ctl;
     ctl.write("file.menu", "no folder");

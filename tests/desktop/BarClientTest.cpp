@@ -44,14 +44,10 @@ TEST(BarClient, AsksARunningBarForEverything) {
     EXPECT_EQ(std::tie(item.identifier, item.path, item.position),
               std::tuple(kTestExtra, path, 999));
     EXPECT_GT(item.width, 0);
-    for (const auto& [event, line] :
-         {std::pair(platform::Event{.modifierFlags = platform::kShiftKeyMask, .clickCount = 2},
-                    "click shift 2"),
-          {{.modifierFlags = platform::kOptionKeyMask}, "click option"},
-          {{.buttonNumber = 3}, "click control"}}) {
-        EXPECT_EQ(client.click(kTestExtra, event).value, event.clickCount == 2) << "consumed";
-        EXPECT_TRUE(bar.logs(line)) << bar.log();
-    }
+    const platform::Event event{.modifierFlags = platform::kShiftKeyMask, .clickCount = 2};
+    EXPECT_EQ(client.click(kTestExtra, event).value, true) << "consumed";
+    EXPECT_TRUE(bar.logs("click shift 2")) << bar.log();
+    EXPECT_EQ(client.click(kTestExtra, {.buttonNumber = 3}).value, false);
     platform::MenuExtraReference reference = 0;
     client.getMenuExtra(kTestExtra, reference);
     EXPECT_EQ(client.removeMenuExtra(reference, 0), 0);

@@ -8,8 +8,6 @@
 #include "platform/qt/QtMainThread.h"
 #include "platform/qt/QtWorkspace.h"
 #include "tests/desktop/support/BarProcess.h"
-#include "tests/desktop/support/SpoiltBundle.h"
-#include "tests/support/Fakes.h"
 #include "tests/support/RecordingLog.h"
 #include "tests/support/ScopedEnvironment.h"
 
@@ -257,24 +255,6 @@ TEST_F(RealHandOver, ToAnApplicationThatHangsWaitsForNothingAndArrivesInTheEnd) 
     EXPECT_THAT(written("requests", 1), SizeIs(1));
     kill(std::stoi(application), SIGCONT);
     EXPECT_THAT(written("requests", 3), ElementsAre(application, application, application));
-}
-
-TEST_F(RealHandOver, ToAnApplicationThatComesTooLateKeepsListeningUntilItDoes) {
-    test::ManualClock clock; // the 50 seconds are over before the program has begun
-    handOver();
-    EXPECT_THAT(clock.sleeps, SizeIs(200));
-    EXPECT_EQ(gHalvexisrunning, 0);
-    EXPECT_TRUE(BarProcess::eventually([] { return gHalvexisrunning == 1; }));
-
-    gHalvexisrunning = 0;
-    announceLaunch("Halvex"); // through both centres
-    observe("Last");
-    center.post({.name = "Last", .object = {}, .userInfo = {}});
-    EXPECT_TRUE(hears(1));
-    EXPECT_EQ(gHalvexisrunning, 0) << "it is no longer listened for";
-    handOver();
-    QCoreApplication::processEvents();
-    EXPECT_FALSE(written("requests", 1).empty());
 }
 
 } // namespace

@@ -59,13 +59,7 @@ class MenuView : public testing::Test {
 };
 
 TEST_F(MenuView, ModifiersAndButtonsChooseTheClickInTheirOrder) {
-    struct Case {
-        std::uint32_t flags;
-        std::int32_t button;
-        const char* click;
-        const char* logged;
-    };
-    const Case cases[] = {
+    const std::tuple<std::uint32_t, std::int32_t, const char*, const char*> cases[] = {
         {0, 2, "plain", nullptr},
         {0, 3, "ctrl", "ControlKeyMask"},
         {0, 4, "plain", nullptr},

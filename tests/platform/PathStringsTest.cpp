@@ -68,23 +68,12 @@ TEST(PathStrings, FileURLsNameAbsolutePathsOfThisMachine) {
     EXPECT_EQ(fileURLWithPath("a//b"), std::nullopt);
     EXPECT_EQ(fileURLWithPath(""), std::nullopt);
     EXPECT_EQ(fileURLWithPath("/a//b/"), "file:///a/b");
-    const std::tuple<const char*, bool, std::optional<std::string>> cases[] = {
-        {"FILE://localhost/a/", true, "/a"},
-        {"file:/a%2fb?q#f", true, "/a/b"},
-        {"file://host/a", true, std::nullopt},
-        {"file:a", true, std::nullopt},
-        {"file://", true, std::nullopt},
-        {"file:///%", true, std::nullopt},
-        {"file:///%4", true, std::nullopt},
-        {"file:///%4g", true, std::nullopt},
-        {"file:///%00", true, std::nullopt},
-        {"http:///a", false, std::nullopt},
-        {"/a", false, std::nullopt},
-        {"fil", false, std::nullopt},
-        {"", false, std::nullopt}};
-    for (const auto& [url, isFile, path] : cases) {
-        EXPECT_EQ(isFileURL(url), isFile) << url;
-        EXPECT_EQ(pathOfFileURL(url), path) << url;
+    EXPECT_EQ(pathOfFileURL("FILE://localhost/a/"), "/a");
+    EXPECT_EQ(pathOfFileURL("file:/a%2fb?q#f"), "/a/b");
+    for (const char* url : {"file://host/a", "file:a", "file://", "file:///%", "file:///%4",
+                            "file:///%4g", "file:///%00", "http:///a", "/a", "fil", ""}) {
+        EXPECT_EQ(isFileURL(url), std::string_view(url).starts_with("file:")) << url;
+        EXPECT_EQ(pathOfFileURL(url), std::nullopt) << url;
     }
 }
 

@@ -74,23 +74,20 @@ class Preferences : public testing::Test {
 };
 
 TEST_F(Preferences, SayWhyAPaneCannotBeShown) {
-    struct Case {
-        const char *pane, *reason;
-    };
-    const Case cases[] = {
+    const std::pair<const char*, const char*> cases[] = {
         {"Missing.prefPane", "There is nothing at this place."},
         {"Folder", "It is no preference pane: its name does not end in \".prefPane\"."},
         {"Nameless.prefPane", "Its Info.plist gives no identifier."},
         {"Spoilt.prefPane", "It cannot be read (Info.plist: "},
     };
-    for (const Case& c : cases) {
+    for (const auto& [pane, reason] : cases) {
         window.show(paneAtPath(path("Foreign.prefPane")));
         EXPECT_EQ(window.windowTitle(), "Foreign");
-        window.show(paneAtPath(path(c.pane)));
-        EXPECT_FALSE(window.pane()) << c.pane;
-        EXPECT_THAT(texts(), Contains(path(c.pane)));
-        EXPECT_THAT(texts(), Contains(HasSubstr(c.reason)));
-        EXPECT_THAT(tree.log.take(), Contains(HasSubstr(c.reason))) << c.pane;
+        window.show(paneAtPath(path(pane)));
+        EXPECT_FALSE(window.pane()) << pane;
+        EXPECT_THAT(texts(), Contains(path(pane)));
+        EXPECT_THAT(texts(), Contains(HasSubstr(reason)));
+        EXPECT_THAT(tree.log.take(), Contains(HasSubstr(reason))) << pane;
     }
 }
 

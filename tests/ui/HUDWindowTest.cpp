@@ -107,14 +107,6 @@ TEST_F(HUDPanel, PaintsItsGroundElementByElement) {
         ASSERT_TRUE(color.pattern);
         EXPECT_EQ(color.pattern->size(), size);
     }
-    for (const auto& [part, first, count] :
-         {std::tuple(HUDPart::Body, "path with 0.1 0.1 0.1 0.75 space 2 operation 2", 8U),
-          {HUDPart::TitleBar, "path with 0.25 0.25 0.25 0.75 space 2 operation 2", 7U}}) {
-        graphics.drawn.clear();
-        drawHUDBackground(graphics, {100, 50}, "Hi", part);
-        ASSERT_EQ(graphics.drawn.size(), count);
-        EXPECT_EQ(graphics.drawn.front(), first);
-    }
     const TextAttributes& attributes = graphics.texts.back().attributesAt(0);
     EXPECT_EQ(attributes.font, (Font{.family = "", .size = 11}));
     EXPECT_EQ(attributes.foregroundColor, calibratedWhite(1));

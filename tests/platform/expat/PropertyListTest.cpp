@@ -61,22 +61,6 @@ TEST(PropertyListTest, ACopySharesNothing) {
     EXPECT_EQ(copy, PropertyList(make("b", 8)));
 }
 
-TEST(PropertyListTest, AValueIsSeenAsItsOwnTypeOnly) {
-    for (const PropertyList& value : kinds()) {
-        const std::pair<Type, bool> views[] = {
-            {Type::String, value.string().has_value()},
-            {Type::Integer, value.integer() || value.unsignedInteger()},
-            {Type::Real, value.real().has_value()},
-            {Type::Boolean, value.boolean().has_value()},
-            {Type::Date, value.date().has_value()},
-            {Type::Data, value.data() != nullptr},
-            {Type::Array, value.array() != nullptr},
-            {Type::Dictionary, value.dictionary() != nullptr}};
-        for (const auto& [type, seen] : views)
-            EXPECT_EQ(seen, type == value.type());
-    }
-}
-
 TEST(PropertyListTest, StringsOfEveryLengthAroundTheInlineLimitSurvive) {
     for (std::string text = "y"; text.size() < 40; text.insert(0, "x"))
         EXPECT_EQ(PropertyList(PropertyList(text)).string(), text);

@@ -10,6 +10,8 @@
 #include <limits>
 #include <random>
 
+using namespace std::string_literals;
+
 namespace {
 
 using platform::PropertyList;
@@ -91,7 +93,6 @@ TEST_F(PropertyListXmlTest, RefusesWhatIsNoPropertyListAndSaysWhere) {
         {"<array/>", 1, "The root is <array>, not <plist>"},
         {"<plist>\n\n</plist>", 3, "No value in <plist>"},
         {inPlist("<true/>\n<true/>"), 2, "More than one value"},
-        {inPlist("<true/>") + "\n<plist/>", 2, "junk after document element"},
         {inPlist("<array>\n<null/></array>"), 2, "Unknown element <null>"},
         {inPlist("\n<" + std::string(1000, 'n') + "/>"), 2, "nnn...>"},
         {inPlist("<string><true/></string>"), 1, "<true> in the wrong place"},
@@ -99,7 +100,6 @@ TEST_F(PropertyListXmlTest, RefusesWhatIsNoPropertyListAndSaysWhere) {
         {inPlist("<dict><true/></dict>"), 1, "<true> without a <key>"},
         {inPlist("<dict><key>a</key>\n<key>b</key></dict>"), 2, "<key> in the wrong place"},
         {inPlist("<dict>\n<key>a</key>\n</dict>"), 3, "A <key> without a value"},
-        {inPlist("<string>&#xD800;</string>"), 1, "invalid character"},
         {inPlist("<string>\n\xC3(</string>"), 2, "invalid token"},
         {"<?xml version=\"1.0\" encoding=\"EBCDIC\"?>" + inPlist("<true/>"), 1, "unknown encoding"},
         {utf16(inPlist("<string>"), true) + std::string("\xD8\0\0x\0<", 6), 1, "surrogate"},
@@ -194,19 +194,10 @@ TEST_F(PropertyListXmlTest, TheTextIsTheUsualOneInEveryLocale) {
 }
 
 TEST_F(PropertyListXmlTest, WhatXmlCannotHoldIsNotWritten) {
-    const std::vector<std::string> bad = {std::string("\0", 1),
-                                          "a\x1F",
-                                          "\x7F\x80",
-                                          "\xC3",
-                                          "\xC0\x80",
-                                          "\xE0\x80\x80",
-                                          "\xED\xA0\x80",
-                                          "\xE6\x9D",
-                                          "\uFFFE",
-                                          "\uFFFF",
-                                          "\xF4\x90\x80\x80",
-                                          "\xF8\x88\x80\x80\x80"};
-    for (const std::string& text : bad) {
+    const std::string nul(1, '\0');
+    for (const std::string& text : {nul, nul + "a", "a\x1F"s, "\x7F\x80"s, "\xC3"s, "\xC0\x80"s,
+                                    "\xE0\x80\x80"s, "\xED\xA0\x80"s, "\xE6\x9D"s, "\uFFFE"s,
+                                    "\uFFFF"s, "\xF4\x90\x80\x80"s, "\xF8\x88\x80\x80\x80"s}) {
         EXPECT_FALSE(propertyLists().serialize(Array{"fine", text})) << text;
         EXPECT_FALSE(propertyLists().serialize(Dictionary{{text, "fine"}})) << text;
     }

@@ -53,7 +53,6 @@ TEST_F(Preflight, AndTheLoaderRefuseCodeThatIsCutOffAnywhere) {
     for (std::size_t part = 0; part < 20; ++part) {
         const auto path = folder.write("code", bytes.substr(0, bytes.size() * part / 20));
         EXPECT_EQ(platform::dynamicLoader().load(path, reason), nullptr) << part;
-        EXPECT_NE(reason, "") << part;
         EXPECT_FALSE(platform::dynamicLoader().preflight(path, reason)) << part;
     }
     EXPECT_NE(platform::dynamicLoader().load(HALVEX_SHARED_OBJECT, reason), nullptr) << reason;

@@ -174,22 +174,13 @@ TEST(Truncation, CutsBetweenCharactersAsPeopleCountThem) {
 }
 
 TEST_F(Drawing, TintsWhatIsPaintedAndLeavesTheReceiver) {
-    QImage icon(4, 1, QImage::Format_ARGB32);
-    const QRgb before[] = {qRgba(0, 0, 0, 255), qRgba(0, 0, 0, 0), qRgba(255, 255, 255, 255),
-                           qRgba(0, 0, 255, 128)};
-    for (int x = 0; x < 4; ++x)
-        icon.setPixel(x, 0, before[x]);
+    QImage icon(2, 1, QImage::Format_ARGB32);
+    icon.setPixel(0, 0, qRgba(0, 0, 255, 128));
+    icon.setPixel(1, 0, qRgba(0, 0, 0, 0));
     const QtImage image(icon);
     const auto red = HalvexTintedImage::tintedImageWithColor(image, {1, 0, 0, 1});
-    EXPECT_THAT(pixel(*red, 0, 0), IsNear(std::array{64, 0, 0, 255}, 2));
+    EXPECT_THAT(pixel(*red, 0, 0), IsNear(std::array{64, 0, 191, 128}, 2));
     EXPECT_EQ(pixel(*red, 1, 0)[3], 0);
-    EXPECT_THAT(pixel(*red, 2, 0), IsNear(std::array{255, 191, 191, 255}, 2));
-    EXPECT_THAT(pixel(*red, 3, 0), IsNear(std::array{64, 0, 191, 128}, 2));
-    const auto solid =
-        HalvexTintedImage::tintedImageWithColor(image, {0, 1, 0, 0.5}, CompositingOperation::Copy);
-    for (int x = 0; x < 4; ++x)
-        EXPECT_THAT(pixel(*solid, x, 0), IsNear(std::array{0, 255, 0, 128}, 2));
-
     const auto pattern = colorWithPatternImage(std::make_shared<QtImage>(icon));
     const auto plain = HalvexTintedImage::tintedImageWithColor(image, pattern);
     EXPECT_EQ(pixelsOf(*plain), pixelsOf(image)) << "a pattern tints nothing";
