@@ -50,7 +50,7 @@ bool measurePlaceholders() {
     std::printf("%12s %16s\n", "placeholders", "ns each");
     double first = 0;
     double last = 0;
-    for (const std::size_t count : {1'000, 10'000, 100'000, 1'000'000}) {
+    for (const std::size_t count : {1'000U, 10'000U, 100'000U, 1'000'000U}) {
         last = costOfPlaceholder(count);
         first = first == 0 ? last : first;
         std::printf("%12zu %16.1f\n", count, last);

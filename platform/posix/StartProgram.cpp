@@ -2,6 +2,7 @@
 
 #include "platform/posix/Descriptor.h"
 
+#include <algorithm>
 #include <array>
 #include <cerrno>
 #include <csignal>
@@ -68,10 +69,8 @@ int readError(int errorPipe) {
 int startProgram(const std::string& program, const std::vector<std::string>& arguments) {
     std::vector<std::string> texts{program};
     texts.insert(texts.end(), arguments.begin(), arguments.end());
-    std::vector<char*> words;
-    for (std::string& text : texts)
-        words.push_back(text.data());
-    words.push_back(nullptr);
+    std::vector<char*> words(texts.size() + 1);
+    std::ranges::transform(texts, words.begin(), [](std::string& text) { return text.data(); });
 
     std::array<int, 2> ends{};
     if (pipe2(ends.data(), O_CLOEXEC) != 0)

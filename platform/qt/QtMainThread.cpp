@@ -80,7 +80,7 @@ void QtMainThread::perform(std::function<void()> work, Wait wait) {
     const bool onMainThread = QThread::currentThread() == queue_->thread();
     if (wait == Wait::UntilDone && onMainThread)
         return guarded();
-    const auto entry = std::make_shared<Queue::Work>(std::move(guarded));
+    const auto entry = std::make_shared<Queue::Work>(Queue::Work{std::move(guarded)});
     queue_->add(entry);
     if (wait == Wait::UntilDone)
         queue_->waitFor(*entry);

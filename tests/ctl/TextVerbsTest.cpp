@@ -74,12 +74,12 @@ TEST(FeedbackVerb, TellsWhatSupportNeeds) {
 
 TEST(FeedbackVerb, OpensNothingThatIsNoURL) {
     const Ctl ctl;
+    const std::string bad = "Bad feedback URL: " + kAddress + "?Subject=";
     for (const std::string product :
          {"Halvex\"", "<Halvex>", "Halvex\\", "Halvex\t", "Halv\xC3\xA9x", "100%", "%4", "%G0",
           "%0G", "Hal|vex", "Hal^vex", "Hal`vex"})
-        ctl.follow(
-            {{"halvexctl feedback '" + product + "' --print", "", 1,
-              "Bad feedback URL: " + kAddress + "?Subject=" + product + "%20(null)%20Feed"}});
+        ctl.follow({{"halvexctl feedback '" + product + "' --print", "", 1,
+                     bad + product + "%20(null)%20Feed"}});
     ctl.follow({{R"(marks="azAZ09-._~/?#[]@!\$&'()*+,;=%aF"
                     halvexctl feedback "$marks" --print | grep -cF "=$marks%20(null)%20")",
                  "1\n"},

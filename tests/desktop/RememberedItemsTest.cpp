@@ -63,11 +63,13 @@ TEST(RememberedItems, AreNeitherThoseOfTheCommandLineNorThoseWhoseBundleIsGone) 
 }
 
 TEST(RememberedItems, ThatCrashTheBarAreLeftOutUntilTheyAreAddedAgainOrHaveAnotherVersion) {
-    const std::pair<const char*, std::string> cases[] = {{"CrashesAtStart", "loading"},
+    const std::pair<const char*, const char*> cases[] = {{"CrashesAtStart", "loading"},
                                                          {"CrashesWhenDrawn", "first drawing"},
                                                          {"CrashesWhenClicked", "click"},
                                                          {"CrashesWhenTicking", "its own code"}};
-    for (const auto& [kind, step] : cases) {
+    for (const auto& row : cases) {
+        const std::string kind = row.first;
+        const std::string step = row.second;
         SCOPED_TRACE(kind);
         BarProcess bar;
         const SpoiltBundle extra{bar, kind};

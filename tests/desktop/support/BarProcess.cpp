@@ -11,8 +11,8 @@
 
 // A connection to a private bus keeps something until the end, in the tests alone: the bar's own
 // leaks are looked for without this.
-extern "C" const char* __lsan_default_suppressions();
-extern "C" const char* __lsan_default_suppressions() {
+extern "C" const char* __lsan_default_suppressions();  // NOLINT: the sanitizer's name
+extern "C" const char* __lsan_default_suppressions() { // NOLINT
     return "leak:libQt6DBus\nleak:libdbus-1\n";
 }
 
