@@ -123,8 +123,9 @@ std::shared_ptr<Bundle> Bundle::bundleWithPath(const std::string& path, std::str
     else if (reason)
         *reason = "Info.plist: " + (result ? "no dictionary" : describe(result.error));
     auto bundle = std::make_shared<Bundle>(path, std::move(info));
-    std::error_code none;
-    if (std::filesystem::file_size(file, none) <= kLargestRemembered)
+    std::error_code missing;
+    const std::uintmax_t size = std::filesystem::file_size(file, missing);
+    if (missing || size <= kLargestRemembered)
         openedBundles().remember(key, bundle);
     return bundle;
 }

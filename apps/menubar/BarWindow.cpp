@@ -58,10 +58,11 @@ void BarWindow::placeItems(const std::vector<ItemWidget*>& fromRight) {
     fromRight_ = fromRight;
     int right = width() - kRightMargin;
     for (ItemWidget* item : fromRight_) {
-        const int wanted = std::min(item->wantedWidth(), right); // no room: its end is cut off
-        right -= wanted;
-        item->setGeometry(right, 0, wanted, kBarHeight);
-        item->setVisible(wanted > 0);
+        // The end of one that is too wide is cut off.
+        const int given = std::clamp(item->wantedWidth(), 0, std::max(right, 0));
+        right -= given;
+        item->setGeometry(right, 0, given, kBarHeight);
+        item->setVisible(given > 0);
     }
 }
 

@@ -30,9 +30,8 @@ QPalette darkPalette() {
     palette.setColor(QPalette::Highlight, QColor(0x5a, 0x9c, 0xf8));
     palette.setColor(QPalette::HighlightedText, Qt::black);
     // What cannot be chosen, which would be darker than its ground.
-    for (const auto role : {QPalette::WindowText, QPalette::Text, QPalette::ButtonText}) {
+    for (const auto role : {QPalette::WindowText, QPalette::Text, QPalette::ButtonText})
         palette.setColor(QPalette::Disabled, role, QColor(0x8a, 0x8a, 0x8d));
-    }
     return palette;
 }
 
