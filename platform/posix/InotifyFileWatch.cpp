@@ -111,8 +111,9 @@ bool InotifyFileWatch::walk(std::set<int>& watches) {
         }
         if (!watch(next, S_ISDIR(status.st_mode) ? kFolder : kFile, watches))
             return false;
-        // What may not be read cannot be watched; its folder tells when that changes.
-        if (::faccessat(AT_FDCWD, next.c_str(), R_OK, AT_SYMLINK_NOFOLLOW) != 0 &&
+        // A file that may not be read cannot be watched; its folder tells when that changes.
+        if (!S_ISDIR(status.st_mode) &&
+            ::faccessat(AT_FDCWD, next.c_str(), R_OK, AT_SYMLINK_NOFOLLOW) != 0 &&
             !watch(folder, kFolder | kArrivals | IN_ATTRIB, watches))
             return false;
         if (!S_ISLNK(status.st_mode)) {
