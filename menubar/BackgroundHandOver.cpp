@@ -4,11 +4,11 @@
 #include "menubar/HalvexMenuExtraBase.h"
 #include "menuextras/ExportedIdentifiers.h"
 #include "platform/Clock.h"
-#include "platform/DetachedThread.h"
 #include "platform/Log.h"
 #include "platform/MainThread.h"
 #include "platform/Notifications.h"
 #include "platform/Workspace.h"
+#include "platform/runtime/DetachedThread.h"
 #include "prefs/HalvexPrefsTools.h"
 
 #include <atomic>

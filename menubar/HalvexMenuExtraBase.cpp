@@ -1,8 +1,11 @@
 #include "menubar/HalvexMenuExtraBase.h"
 
 #include "menuextras/ExportedIdentifiers.h"
-#include "platform/Exception.h"
+#include "platform/EventSource.h"
+#include "platform/Graphics.h"
 #include "platform/Log.h"
+#include "platform/MenuExtraHost.h"
+#include "platform/base/Exception.h"
 
 #include <sstream>
 #include <utility>

@@ -1,8 +1,8 @@
 #pragma once
 
 #include "menubar/HalvexMenuViewBase.h"
-#include "platform/MenuExtraHost.h"
 #include "platform/Notifications.h"
+#include "platform/widgets/MenuExtra.h"
 
 #include <memory>
 #include <optional>

@@ -3,6 +3,7 @@
 #include "menubar/HalvexMenuExtraBase.h"
 #include "menubar/PreferencesFile.h"
 #include "menuextras/ExportedIdentifiers.h"
+#include "platform/Graphics.h"
 #include "platform/Log.h"
 #include "platform/Workspace.h"
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/MenuExtraHost.h"
+#include "platform/widgets/MenuExtra.h"
 
 #include <cstdint>
 #include <memory>

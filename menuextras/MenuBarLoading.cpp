@@ -4,10 +4,11 @@
 #include "platform/Bundle.h"
 #include "platform/Clock.h"
 #include "platform/DynamicLoader.h"
-#include "platform/Exception.h"
 #include "platform/Log.h"
-#include "platform/MenuExtraHost.h"
-#include "platform/PathStrings.h"
+#include "platform/MenuExtraServer.h"
+#include "platform/base/Exception.h"
+#include "platform/base/PathStrings.h"
+#include "platform/widgets/MenuExtra.h"
 
 #include <algorithm>
 #include <cxxabi.h>

@@ -5,7 +5,7 @@
 #include "menuextras/PreferencePane.h"
 #include "paths/ovxPaths.h"
 #include "platform/Log.h"
-#include "platform/PathStrings.h"
+#include "platform/base/PathStrings.h"
 
 #include <algorithm>
 #include <array>

@@ -4,8 +4,8 @@
 #include "platform/Bundle.h"
 #include "platform/FileManager.h"
 #include "platform/Log.h"
-#include "platform/PathStrings.h"
 #include "platform/Workspace.h"
+#include "platform/base/PathStrings.h"
 
 #include <array>
 

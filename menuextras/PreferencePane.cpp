@@ -2,7 +2,7 @@
 
 #include "menuextras/ExportedIdentifiers.h"
 #include "platform/FileManager.h"
-#include "platform/PathStrings.h"
+#include "platform/base/PathStrings.h"
 
 using platform::Bundle;
 

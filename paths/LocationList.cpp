@@ -5,7 +5,8 @@
 #include "platform/Bundle.h"
 #include "platform/FileManager.h"
 #include "platform/Log.h"
-#include "platform/PathStrings.h"
+#include "platform/PropertyListService.h"
+#include "platform/base/PathStrings.h"
 
 #include <utility>
 

@@ -2,8 +2,8 @@
 #include "paths/ovxPaths.h"
 #include "platform/FileManager.h"
 #include "platform/Log.h"
-#include "platform/PathStrings.h"
 #include "platform/Workspace.h"
+#include "platform/base/PathStrings.h"
 
 #include <algorithm>
 #include <array>

@@ -2,7 +2,8 @@
 #include "paths/ovxPaths.h"
 #include "platform/FileManager.h"
 #include "platform/Log.h"
-#include "platform/PathStrings.h"
+#include "platform/PropertyListService.h"
+#include "platform/base/PathStrings.h"
 
 #include <algorithm>
 #include <array>

@@ -2,7 +2,8 @@
 
 #include "platform/DynamicLoader.h"
 #include "platform/FileManager.h"
-#include "platform/PathStrings.h"
+#include "platform/PropertyListService.h"
+#include "platform/base/PathStrings.h"
 
 #include <algorithm>
 #include <filesystem>

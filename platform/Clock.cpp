@@ -1,12 +1,12 @@
 #include "platform/Clock.h"
 
-#include "platform/ServiceSlot.h"
-#include "platform/posix/Defaults.h"
+#include "platform/Defaults.h"
+#include "platform/base/ServiceSlot.h"
 
 namespace platform {
 namespace {
 
-constinit ServiceSlot<Clock> slot{"Clock", posix::defaultClock};
+constinit ServiceSlot<Clock> slot{"Clock", defaults::clock};
 
 } // namespace
 

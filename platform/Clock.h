@@ -1,7 +1,8 @@
 #pragma once
 
 #include "platform/MainThread.h"
-#include "platform/Service.h"
+#include "platform/base/NonCopyable.h"
+#include "platform/base/Service.h"
 
 #include <cstdint>
 #include <ctime>
@@ -13,12 +14,9 @@ namespace platform {
 enum class TickInterval { Second, Minute };
 
 /// The time of day.
-class Clock {
+class Clock : NonCopyable {
   public:
-    Clock() = default;
     virtual ~Clock();
-    Clock(const Clock&) = delete;
-    Clock& operator=(const Clock&) = delete;
 
     /// Seconds since 1970-01-01 00:00:00 UTC. Safe from any thread.
     virtual std::int64_t now() const = 0;

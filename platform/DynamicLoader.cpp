@@ -1,12 +1,12 @@
 #include "platform/DynamicLoader.h"
 
-#include "platform/ServiceSlot.h"
-#include "platform/posix/Defaults.h"
+#include "platform/Defaults.h"
+#include "platform/base/ServiceSlot.h"
 
 namespace platform {
 namespace {
 
-constinit ServiceSlot<DynamicLoader> slot{"DynamicLoader", posix::defaultDynamicLoader};
+constinit ServiceSlot<DynamicLoader> slot{"DynamicLoader", defaults::dynamicLoader};
 
 } // namespace
 

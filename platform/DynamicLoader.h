@@ -1,6 +1,7 @@
 #pragma once
 
-#include "platform/Service.h"
+#include "platform/base/NonCopyable.h"
+#include "platform/base/Service.h"
 
 #include <memory>
 #include <string>
@@ -10,24 +11,18 @@ namespace platform {
 
 /// Code that has been loaded into this process. Destroying it unloads the code when nothing else
 /// holds it; nothing of it may be used then.
-class LoadedCode {
+class LoadedCode : NonCopyable {
   public:
-    LoadedCode() = default;
     virtual ~LoadedCode();
-    LoadedCode(const LoadedCode&) = delete;
-    LoadedCode& operator=(const LoadedCode&) = delete;
 
     /// The address of an exported function; null when there is none of that name.
     virtual void* symbol(const char* name) const = 0;
 };
 
 /// Looks at executable files and loads them. No operation throws. Safe from any thread.
-class DynamicLoader {
+class DynamicLoader : NonCopyable {
   public:
-    DynamicLoader() = default;
     virtual ~DynamicLoader();
-    DynamicLoader(const DynamicLoader&) = delete;
-    DynamicLoader& operator=(const DynamicLoader&) = delete;
 
     /// The processors that a file's code is for, as the platform numbers them: 7 for 32-bit Intel,
     /// 18 PowerPC, 16777223 64-bit Intel, 16777228 64-bit Arm and so on. Empty when the file is

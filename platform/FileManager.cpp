@@ -1,15 +1,15 @@
 #include "platform/FileManager.h"
 
-#include "platform/PathStrings.h"
-#include "platform/ServiceSlot.h"
-#include "platform/posix/Defaults.h"
+#include "platform/Defaults.h"
+#include "platform/base/PathStrings.h"
+#include "platform/base/ServiceSlot.h"
 
 #include <algorithm>
 
 namespace platform {
 namespace {
 
-constinit ServiceSlot<FileManager> slot{"FileManager", posix::defaultFileManager};
+constinit ServiceSlot<FileManager> slot{"FileManager", defaults::fileManager};
 
 constexpr std::size_t kPieceBytes = std::size_t{1} << 16;
 
@@ -33,7 +33,6 @@ bool appendSubpaths(const FileManager& files, const std::string& folder,
 } // namespace
 
 InputFile::~InputFile() = default;
-FileWatch::~FileWatch() = default;
 FileManager::~FileManager() = default;
 
 ReadFileResult FileManager::readFile(const std::string& path, std::uint64_t maximumBytes) const {
@@ -78,6 +77,16 @@ FileManager& fileManager() {
 template <>
 FileManager* exchangeService<FileManager>(FileManager* service) {
     return slot.exchange(service);
+}
+
+std::string expandingTildeInPath(std::string_view path) {
+    if (!path.starts_with('~'))
+        return std::string(path);
+    const std::string_view user = path.substr(1, path.find('/') - 1);
+    const std::optional<std::string> home =
+        user.empty() ? fileManager().homeDirectory()
+                     : fileManager().homeDirectoryForUser(std::string(user));
+    return home ? appendingPathComponent(*home, path.substr(1 + user.size())) : std::string(path);
 }
 
 } // namespace platform

@@ -1,6 +1,8 @@
 #pragma once
 
-#include "platform/Service.h"
+#include "platform/base/NonCopyable.h"
+#include "platform/base/Service.h"
+#include "platform/base/Watch.h"
 
 #include <cstddef>
 #include <cstdint>
@@ -14,12 +16,9 @@
 namespace platform {
 
 /// A regular file, open for reading from its start. One thread at a time.
-class InputFile {
+class InputFile : NonCopyable {
   public:
-    InputFile() = default;
     virtual ~InputFile();
-    InputFile(const InputFile&) = delete;
-    InputFile& operator=(const InputFile&) = delete;
 
     /// Bytes, when it was opened.
     virtual std::uint64_t size() const = 0;
@@ -40,24 +39,11 @@ struct ReadFileResult {
     explicit operator bool() const { return contents.has_value(); }
 };
 
-/// A file that is looked out for; destroying it ends that. After that its handler is never called
-/// again. Main thread.
-class FileWatch {
-  public:
-    FileWatch() = default;
-    virtual ~FileWatch();
-    FileWatch(const FileWatch&) = delete;
-    FileWatch& operator=(const FileWatch&) = delete;
-};
-
 /// Files and folders as the library needs them. Paths are UTF-8 and absolute. No operation throws:
 /// a failure is the return value. Safe from any thread, but for watchFile.
-class FileManager {
+class FileManager : NonCopyable {
   public:
-    FileManager() = default;
     virtual ~FileManager();
-    FileManager(const FileManager&) = delete;
-    FileManager& operator=(const FileManager&) = delete;
 
     // What is there
 
@@ -140,13 +126,17 @@ class FileManager {
     /// at least one call after the last. The handler may destroy its own watch. What
     /// it throws is logged under the name of the owner that asked and goes no further. Null when
     /// the system has no watches left, which is logged. Main thread.
-    virtual std::unique_ptr<FileWatch> watchFile(const std::string& path,
-                                                 std::function<void()> handler) = 0;
+    virtual std::unique_ptr<Watch> watchFile(const std::string& path,
+                                             std::function<void()> handler) = 0;
 };
 
 /// The process's file manager. Until a host installs another one: the system's own.
 FileManager& fileManager();
 template <>
 FileManager* exchangeService<FileManager>(FileManager* service);
+
+/// Replaces a leading "~" with the user's home folder, and a leading "~name" with the home folder
+/// of that account. Returns any other path, and one whose account does not exist, unchanged.
+std::string expandingTildeInPath(std::string_view path);
 
 } // namespace platform

@@ -1,7 +1,7 @@
 #include "platform/Log.h"
 
-#include "platform/ServiceSlot.h"
-#include "platform/posix/Defaults.h"
+#include "platform/Defaults.h"
+#include "platform/base/ServiceSlot.h"
 
 #include <array>
 #include <cctype>
@@ -10,7 +10,7 @@
 namespace platform {
 namespace {
 
-constinit ServiceSlot<Log> slot{"Log", posix::defaultLog};
+constinit ServiceSlot<Log> slot{"Log", defaults::log};
 
 struct Placeholder {
     char conversion = 0; // '@', 'd', 'x' or '%'; 0 when this is none

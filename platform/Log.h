@@ -1,6 +1,7 @@
 #pragma once
 
-#include "platform/Service.h"
+#include "platform/base/NonCopyable.h"
+#include "platform/base/Service.h"
 
 #include <concepts>
 #include <cstdint>
@@ -14,12 +15,9 @@ namespace platform {
 
 /// Where log lines and the alert sound go. Neither operation throws or blocks for long.
 /// Safe from any thread.
-class Log {
+class Log : NonCopyable {
   public:
-    Log() = default;
     virtual ~Log();
-    Log(const Log&) = delete;
-    Log& operator=(const Log&) = delete;
 
     /// Writes one line, UTF-8, without a line feed of its own at the end.
     virtual void write(std::string_view line) = 0;

@@ -1,6 +1,6 @@
 #include "platform/MainThread.h"
 
-#include "platform/ServiceSlot.h"
+#include "platform/base/ServiceSlot.h"
 
 namespace platform {
 namespace {
@@ -9,7 +9,6 @@ constinit ServiceSlot<MainThread> slot{"MainThread"};
 
 } // namespace
 
-Watch::~Watch() = default;
 MainThread::~MainThread() = default;
 
 MainThread& mainThread() {

@@ -1,31 +1,20 @@
 #pragma once
 
-#include "platform/Service.h"
+#include "platform/base/NonCopyable.h"
+#include "platform/base/Service.h"
+#include "platform/base/Watch.h"
 
 #include <functional>
 #include <memory>
 
 namespace platform {
 
-/// Something that is looked out for; destroying it ends that. After that its handler is never
-/// called again. Main thread.
-class Watch {
-  public:
-    Watch() = default;
-    virtual ~Watch();
-    Watch(const Watch&) = delete;
-    Watch& operator=(const Watch&) = delete;
-};
-
 /// The thread that runs the program's main loop, and that loop.
-class MainThread {
+class MainThread : NonCopyable {
   public:
     enum class Wait { No, UntilDone };
 
-    MainThread() = default;
     virtual ~MainThread();
-    MainThread(const MainThread&) = delete;
-    MainThread& operator=(const MainThread&) = delete;
 
     /// Runs @p work on the main thread, in the order of the calls. With UntilDone the caller waits;
     /// on the main thread itself it then runs at once. What it throws is logged under the owner's

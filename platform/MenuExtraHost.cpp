@@ -1,93 +1,13 @@
 #include "platform/MenuExtraHost.h"
 
-#include "platform/Exception.h"
-#include "platform/ServiceSlot.h"
-
-#include <utility>
+#include "platform/base/ServiceSlot.h"
 
 namespace platform {
 namespace {
 
 constinit ServiceSlot<MenuExtraHost> slot{"MenuExtraHost"};
-constinit ServiceSlot<MenuExtraServer> serverSlot{"MenuExtraServer"};
 
 } // namespace
-
-MenuExtraView::~MenuExtraView() = default;
-
-std::shared_ptr<MenuExtraView> MenuExtraView::initWithFrame(const Rect& frame) {
-    frame_ = frame;
-    return shared_from_this();
-}
-
-void MenuExtraView::setFrameSize(Size size) {
-    frame_.size = size;
-}
-
-void MenuExtraView::setNeedsDisplay(bool needed) {
-    needsDisplay_ = needed;
-    if (needed)
-        menuExtraHost().viewNeedsDisplay(*this);
-}
-
-void MenuExtraView::drawRect(const Rect&) {}
-
-void MenuExtraView::mouseDown(const Event&) {
-    if (owner_)
-        menuExtraHost().toggleMenu(*owner_);
-}
-
-bool MenuExtraView::acceptsFirstMouse(const Event&) const {
-    return false;
-}
-
-MenuExtra::~MenuExtra() {
-    if (view_)
-        view_->owner_ = nullptr;
-}
-
-std::shared_ptr<MenuExtra> MenuExtra::initWithBundle(std::shared_ptr<Bundle> bundle) {
-    if (!bundle)
-        return nullptr;
-    bundle_ = std::move(bundle);
-    const Rect frame{{}, {0, menuExtraHost().statusBarThickness()}};
-    MenuExtra::setView(std::make_shared<MenuExtraView>()->initWithFrame(frame));
-    return shared_from_this();
-}
-
-void MenuExtra::setView(std::shared_ptr<MenuExtraView> view) {
-    if (!view)
-        throw Exception(kInvalidArgumentException, "an item needs a view");
-    if (view->owner_ && view->owner_ != this)
-        throw Exception(kInvalidArgumentException, "the view is another item's");
-    if (view_)
-        view_->owner_ = nullptr;
-    view_ = std::move(view);
-    view_->owner_ = this;
-    view_->setNeedsDisplay(true);
-}
-
-void MenuExtra::setLength(float length) {
-    length_ = length > 0 ? length : 0;
-    menuExtraHost().lengthChanged(*this);
-}
-
-std::shared_ptr<AttributedString> MenuExtra::attributedTitle() const {
-    return nullptr;
-}
-std::shared_ptr<Image> MenuExtra::image() const {
-    return nullptr;
-}
-std::shared_ptr<Image> MenuExtra::alternateImage() const {
-    return nullptr;
-}
-std::shared_ptr<Menu> MenuExtra::menu() const {
-    return nullptr;
-}
-
-void MenuExtra::menuWillOpen() {}
-void MenuExtra::menuDidClose() {}
-void MenuExtra::willUnload() {}
 
 MenuExtraHost::~MenuExtraHost() = default;
 
@@ -100,35 +20,4 @@ MenuExtraHost* exchangeService<MenuExtraHost>(MenuExtraHost* service) {
     return slot.exchange(service);
 }
 
-MenuExtraServer::~MenuExtraServer() = default;
-
-MenuExtraServer& menuExtraServer() {
-    return serverSlot.get();
-}
-
-template <>
-MenuExtraServer* exchangeService<MenuExtraServer>(MenuExtraServer* service) {
-    return serverSlot.exchange(service);
-}
-
 } // namespace platform
-
-std::int32_t CoreMenuExtraGetMenuExtra(const std::string& identifier,
-                                       platform::MenuExtraReference* reference) {
-    platform::MenuExtraReference found = 0;
-    const std::int32_t status = platform::menuExtraServer().getMenuExtra(identifier, found);
-    if (reference)
-        *reference = found;
-    return status;
-}
-
-std::int32_t CoreMenuExtraAddMenuExtra(const std::string& url, std::int32_t position,
-                                       std::int32_t first, std::int32_t second, std::int32_t third,
-                                       std::int32_t fourth) {
-    return platform::menuExtraServer().addMenuExtra(url, position, first, second, third, fourth);
-}
-
-std::int32_t CoreMenuExtraRemoveMenuExtra(platform::MenuExtraReference reference,
-                                          std::int32_t flags) {
-    return platform::menuExtraServer().removeMenuExtra(reference, flags);
-}

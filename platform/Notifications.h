@@ -1,80 +1,60 @@
 #pragma once
 
-#include "platform/PropertyList.h"
-#include "platform/Service.h"
+#include "platform/base/NonCopyable.h"
+#include "platform/base/Service.h"
+#include "platform/values/Notification.h"
 
 #include <functional>
 #include <memory>
-#include <mutex>
-#include <optional>
 #include <string>
-#include <vector>
 
 namespace platform {
 
-/// Something that has happened, told to whoever observes its name.
-struct Notification {
-    std::string name;
-    std::optional<std::string> object; ///< whom it is about
-    PropertyList::Dictionary userInfo;
-};
-
-/// Tells observers of what is posted; this class those of its own process. Safe from any thread.
-class NotificationCenter {
+/// Delivers posted notifications to the observers of their name. Thread-safe.
+class NotificationCenter : NonCopyable {
   public:
     using Handler = std::function<void(const Notification&)>;
 
-    NotificationCenter() = default;
     virtual ~NotificationCenter();
-    NotificationCenter(const NotificationCenter&) = delete;
-    NotificationCenter& operator=(const NotificationCenter&) = delete;
 
-    /// Calls @p handler for what is posted under @p name, whatever its object. The observer is not
-    /// kept: once it is gone its handler is never called again, and while a handler runs it stays.
-    /// One handler for each observer and name: a later one takes the place of the former. What a
-    /// handler throws is logged under the name of the owner that registered it and goes no further.
-    /// The handler's code has to stay loaded until it is taken out, or forgotten.
+    /// Calls @p handler for every notification posted under @p name, whatever its object. The
+    /// observer is held weakly: its handler is not called after it has been destroyed, and it is
+    /// kept alive while its handler runs. There is one handler per observer and name; adding
+    /// another replaces it. Exceptions from the handler are logged under the owner that registered
+    /// it and swallowed. The handler's code must stay loaded until the handler is removed or
+    /// forgotten.
     virtual void addObserver(const std::weak_ptr<const void>& observer, const std::string& name,
-                             Handler handler);
-    /// No call begins after this one, but one that another thread has begun may still run.
-    virtual void removeObserver(const std::weak_ptr<const void>& observer, const std::string& name);
-    /// Forgets the handlers of observers that are gone, before their code goes as well.
-    void forgetGoneObservers();
-    /// Calls the handlers, in the order of their registration, before it returns.
-    virtual void post(const Notification& notification);
-
-  protected:
-    void deliver(const Notification& notification);
-    bool hasObservers(const std::string& name);
-    std::vector<std::string> observedNames();
-
-  private:
-    struct Registration;
-    void forgetTheGone(); ///< with the lock held
-    bool isRegistered(const std::shared_ptr<const Registration>& registration);
-
-    std::mutex mutex_;
-    std::vector<std::shared_ptr<const Registration>> registrations_;
+                             Handler handler) = 0;
+    /// Removes a handler. No call begins after this returns, but a call that another thread has
+    /// already begun may still be running.
+    virtual void removeObserver(const std::weak_ptr<const void>& observer,
+                                const std::string& name) = 0;
+    /// Removes the handlers of destroyed observers. Hosts call it before they unload code.
+    virtual void forgetGoneObservers() = 0;
+    /// Posts a notification.
+    virtual void post(const Notification& notification) = 0;
 };
 
-/// The process's own centre.
+/// Returns the center for notifications within this process. Its post() calls the handlers, in the
+/// order they were added, before it returns.
 NotificationCenter& defaultNotificationCenter();
 template <>
 NotificationCenter* exchangeService<NotificationCenter>(NotificationCenter* service);
 
-/// Tells observers in all of the user's programs. What one program posts arrives in the order of
-/// its posts, on the main thread of each program that runs a main loop; the one that posts hears
-/// it, too. Posting waits for nobody, and what nobody hears is lost. Safe from any thread.
+/// Delivers notifications to observers in all of the user's programs, including the poster. Those
+/// of one program arrive in the order they were posted, on the main thread of each program that
+/// runs a main loop. post() does not wait for delivery; a notification that nothing observes at
+/// that moment is lost. Thread-safe.
 class DistributedNotificationCenter : public NotificationCenter {};
 
-/// Until a host installs another one: one that reaches this process alone.
+/// Returns the distributed center. The default one reaches only this process.
 DistributedNotificationCenter& distributedNotificationCenter();
 template <>
 DistributedNotificationCenter*
 exchangeService<DistributedNotificationCenter>(DistributedNotificationCenter* service);
 
-/// Says that an application has been started; its name is in the user information, under the key
-/// hxNSApplicationName.
+/// The name of the notification that an application has been launched. Its user information has
+/// the application's name under the key hxNSApplicationName.
 inline constexpr const char* kDidLaunchApplication = "NSWorkspaceDidLaunchApplicationNotification";
 
 } // namespace platform

@@ -1,6 +1,6 @@
 #include "platform/Pasteboard.h"
 
-#include "platform/ServiceSlot.h"
+#include "platform/base/ServiceSlot.h"
 
 namespace platform {
 namespace {

@@ -1,18 +1,16 @@
 #pragma once
 
-#include "platform/Service.h"
+#include "platform/base/NonCopyable.h"
+#include "platform/base/Service.h"
 
 #include <string_view>
 
 namespace platform {
 
 /// What was copied last. Main thread.
-class Pasteboard {
+class Pasteboard : NonCopyable {
   public:
-    Pasteboard() = default;
     virtual ~Pasteboard();
-    Pasteboard(const Pasteboard&) = delete;
-    Pasteboard& operator=(const Pasteboard&) = delete;
 
     /// Puts UTF-8 text in the place of what was there.
     virtual void setString(std::string_view text) = 0;

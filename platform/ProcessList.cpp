@@ -1,12 +1,12 @@
 #include "platform/ProcessList.h"
 
-#include "platform/ServiceSlot.h"
-#include "platform/posix/Defaults.h"
+#include "platform/Defaults.h"
+#include "platform/base/ServiceSlot.h"
 
 namespace platform {
 namespace {
 
-constinit ServiceSlot<ProcessList> slot{"ProcessList", posix::defaultProcessList};
+constinit ServiceSlot<ProcessList> slot{"ProcessList", defaults::processList};
 
 } // namespace
 

@@ -1,6 +1,7 @@
 #pragma once
 
-#include "platform/Service.h"
+#include "platform/base/NonCopyable.h"
+#include "platform/base/Service.h"
 
 #include <cstdint>
 #include <string>
@@ -18,12 +19,9 @@ struct RunningProcess {
 };
 
 /// The programs that run now. Safe from any thread.
-class ProcessList {
+class ProcessList : NonCopyable {
   public:
-    ProcessList() = default;
     virtual ~ProcessList();
-    ProcessList(const ProcessList&) = delete;
-    ProcessList& operator=(const ProcessList&) = delete;
 
     /// The user's own processes that have not ended, by process identifier. The program of an
     /// application bundle has the bundle's name, any other that of its file.

@@ -1,12 +1,12 @@
 #include "platform/ScriptRunner.h"
 
-#include "platform/ServiceSlot.h"
-#include "platform/posix/Defaults.h"
+#include "platform/Defaults.h"
+#include "platform/base/ServiceSlot.h"
 
 namespace platform {
 namespace {
 
-constinit ServiceSlot<ScriptRunner> slot{"ScriptRunner", posix::defaultScriptRunner};
+constinit ServiceSlot<ScriptRunner> slot{"ScriptRunner", defaults::scriptRunner};
 
 } // namespace
 

@@ -1,6 +1,7 @@
 #pragma once
 
-#include "platform/Service.h"
+#include "platform/base/NonCopyable.h"
+#include "platform/base/Service.h"
 
 #include <optional>
 #include <string>
@@ -8,12 +9,9 @@
 namespace platform {
 
 /// Runs scripts that tell applications what to do. Safe from any thread; may block for seconds.
-class ScriptRunner {
+class ScriptRunner : NonCopyable {
   public:
-    ScriptRunner() = default;
     virtual ~ScriptRunner();
-    ScriptRunner(const ScriptRunner&) = delete;
-    ScriptRunner& operator=(const ScriptRunner&) = delete;
 
     /// Why the script could not be run, for people; nothing when it was.
     virtual std::optional<std::string> run(const std::string& script) = 0;

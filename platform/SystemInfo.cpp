@@ -1,12 +1,12 @@
 #include "platform/SystemInfo.h"
 
-#include "platform/ServiceSlot.h"
-#include "platform/posix/Defaults.h"
+#include "platform/Defaults.h"
+#include "platform/base/ServiceSlot.h"
 
 namespace platform {
 namespace {
 
-constinit ServiceSlot<SystemInfo> slot{"SystemInfo", posix::defaultSystemInfo};
+constinit ServiceSlot<SystemInfo> slot{"SystemInfo", defaults::systemInfo};
 
 } // namespace
 

@@ -1,6 +1,7 @@
 #pragma once
 
-#include "platform/Service.h"
+#include "platform/base/NonCopyable.h"
+#include "platform/base/Service.h"
 
 #include <cstdint>
 #include <optional>
@@ -25,12 +26,9 @@ struct TimeZone {
 };
 
 /// The machine, its system, and the place it stands in. Safe from any thread.
-class SystemInfo {
+class SystemInfo : NonCopyable {
   public:
-    SystemInfo() = default;
     virtual ~SystemInfo();
-    SystemInfo(const SystemInfo&) = delete;
-    SystemInfo& operator=(const SystemInfo&) = delete;
 
     /// Nothing when the system does not know.
     virtual std::optional<std::uint32_t> query(SystemFact fact) const = 0;

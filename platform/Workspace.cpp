@@ -1,12 +1,12 @@
 #include "platform/Workspace.h"
 
-#include "platform/ServiceSlot.h"
-#include "platform/posix/Defaults.h"
+#include "platform/Defaults.h"
+#include "platform/base/ServiceSlot.h"
 
 namespace platform {
 namespace {
 
-constinit ServiceSlot<Workspace> slot{"Workspace", posix::defaultWorkspace};
+constinit ServiceSlot<Workspace> slot{"Workspace", defaults::workspace};
 
 } // namespace
 

@@ -2,19 +2,17 @@
 
 #include "platform/Notifications.h"
 #include "platform/ProcessList.h"
-#include "platform/Service.h"
+#include "platform/base/NonCopyable.h"
+#include "platform/base/Service.h"
 
 #include <string>
 
 namespace platform {
 
 /// What a program asks of the desktop around it. No operation waits for another program.
-class Workspace {
+class Workspace : NonCopyable {
   public:
-    Workspace() = default;
     virtual ~Workspace();
-    Workspace(const Workspace&) = delete;
-    Workspace& operator=(const Workspace&) = delete;
 
     /// Shows a file, selected, in the file browser. @p rootPath is the folder whose window is
     /// asked for; empty: whichever the browser takes. The answer is whether the request could be

@@ -3,11 +3,11 @@
 #include "menuextras/ExportedIdentifiers.h"
 #include "menuextras/MenuExtraTools.h"
 #include "menuextras/PreferencePane.h"
-#include "platform/DetachedThread.h"
 #include "platform/Log.h"
-#include "platform/PathStrings.h"
 #include "platform/ScriptRunner.h"
 #include "platform/Workspace.h"
+#include "platform/base/PathStrings.h"
+#include "platform/runtime/DetachedThread.h"
 
 using platform::logLine;
 

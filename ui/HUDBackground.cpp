@@ -1,6 +1,6 @@
 #include "ui/HUDBackground.h"
 
-#include "platform/Panel.h"
+#include "platform/widgets/Panel.h"
 
 #include <cmath>
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/Panel.h"
+#include "platform/widgets/Panel.h"
 
 #include <memory>
 

@@ -3,9 +3,9 @@
 #include "apps/ctl/ProgramFolder.h"
 #include "apps/ctl/Verbs.h"
 #include "platform/Bundle.h"
-#include "platform/Event.h"
-#include "platform/PathStrings.h"
+#include "platform/base/PathStrings.h"
 #include "platform/qt/BarClient.h"
+#include "platform/values/Event.h"
 
 #include <filesystem>
 #include <memory>

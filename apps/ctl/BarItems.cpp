@@ -3,7 +3,7 @@
 #include "apps/menubar/ItemList.h"
 #include "paths/ovxPaths.h"
 #include "platform/Log.h"
-#include "platform/PathStrings.h"
+#include "platform/base/PathStrings.h"
 #include "platform/qt/BarClient.h"
 
 #include <algorithm>

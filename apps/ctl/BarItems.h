@@ -1,5 +1,7 @@
 #pragma once
 
+#include "platform/base/NonCopyable.h"
+
 #include <memory>
 #include <string>
 #include <vector>
@@ -8,12 +10,10 @@ class ItemList;
 
 /// What is known of the bar's items without starting a bar: which ones are loaded now, and which
 /// ones it leaves out.
-class BarItems {
+class BarItems : platform::NonCopyable {
   public:
     BarItems();
     ~BarItems();
-    BarItems(const BarItems&) = delete;
-    BarItems& operator=(const BarItems&) = delete;
 
     bool isLoaded(const std::string& identifier) const;
     /// What the bar was doing when the bundle at @p path crashed it; empty when it did not.

@@ -1,5 +1,6 @@
 #include "apps/ctl/Verbs.h"
 #include "menuextras/RunCommand.h"
+#include "platform/base/NonCopyable.h"
 
 #include <csignal>
 #include <memory>
@@ -9,12 +10,10 @@ namespace {
 
 /// While it lives a closed pipe ends a process, as the commands that are started expect it; they
 /// have this program's way with signals.
-class ClosedPipesEnd {
+class ClosedPipesEnd : platform::NonCopyable {
   public:
     ClosedPipesEnd() : previous_(std::signal(SIGPIPE, SIG_DFL)) {}
     ~ClosedPipesEnd() { std::signal(SIGPIPE, previous_); }
-    ClosedPipesEnd(const ClosedPipesEnd&) = delete;
-    ClosedPipesEnd& operator=(const ClosedPipesEnd&) = delete;
 
   private:
     void (*previous_)(int);

@@ -8,8 +8,8 @@
 #include "platform/Bundle.h"
 #include "platform/DynamicLoader.h"
 #include "platform/FileManager.h"
-#include "platform/MenuExtraHost.h"
-#include "platform/PathStrings.h"
+#include "platform/MenuExtraServer.h"
+#include "platform/base/PathStrings.h"
 #include "platform/posix/HomeFolders.h"
 
 #include <memory>

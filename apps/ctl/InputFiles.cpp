@@ -1,6 +1,7 @@
 #include "apps/ctl/InputFiles.h"
 
 #include "apps/ctl/Output.h"
+#include "platform/PropertyListService.h"
 
 #include <filesystem>
 #include <system_error>

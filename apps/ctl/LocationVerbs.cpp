@@ -4,7 +4,8 @@
 #include "paths/LocationRecords.h"
 #include "paths/ovxPaths.h"
 #include "platform/FileManager.h"
-#include "platform/PathStrings.h"
+#include "platform/PropertyListService.h"
+#include "platform/base/PathStrings.h"
 #include "platform/posix/HomeFolders.h"
 
 #include <memory>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/Service.h"
+#include "platform/base/Service.h"
 #include "platform/posix/PosixFileManager.h"
 
 /// While it lives the library's operations make no folders, so that asking them where things are

@@ -1,6 +1,7 @@
 #include "apps/ctl/Output.h"
 
 #include "apps/ctl/Json.h"
+#include "platform/PropertyListService.h"
 
 #include <algorithm>
 #include <cerrno>

@@ -6,7 +6,7 @@
 #include "paths/ovxPaths.h"
 #include "platform/Bundle.h"
 #include "platform/FileManager.h"
-#include "platform/PathStrings.h"
+#include "platform/base/PathStrings.h"
 #include "platform/posix/HomeFolders.h"
 
 #include <memory>

@@ -3,7 +3,7 @@
 #include "apps/ctl/Verbs.h"
 #include "menuextras/ExportedIdentifiers.h"
 #include "paths/ovxPaths.h"
-#include "platform/PathStrings.h"
+#include "platform/base/PathStrings.h"
 
 #include <memory>
 #include <optional>

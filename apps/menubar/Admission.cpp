@@ -3,7 +3,7 @@
 #include "menuextras/ExportedIdentifiers.h"
 #include "platform/Bundle.h"
 #include "platform/FileManager.h"
-#include "platform/PathStrings.h"
+#include "platform/base/PathStrings.h"
 
 #include <utility>
 

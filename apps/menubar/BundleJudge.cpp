@@ -1,8 +1,8 @@
 #include "apps/menubar/BundleJudge.h"
 
 #include "platform/DynamicLoader.h"
-#include "platform/MenuExtraPlugIn.h"
-#include "platform/PathStrings.h"
+#include "platform/base/PathStrings.h"
+#include "platform/widgets/MenuExtraPlugIn.h"
 
 #include <algorithm>
 #include <array>

@@ -6,10 +6,10 @@
 #include "paths/ovxPaths.h"
 #include "platform/Bundle.h"
 #include "platform/FileManager.h"
-#include "platform/Guard.h"
 #include "platform/Log.h"
-#include "platform/PathStrings.h"
+#include "platform/base/PathStrings.h"
 #include "platform/posix/HomeFolders.h"
+#include "platform/runtime/Guard.h"
 
 #include <QFileInfo>
 #include <QTimer>

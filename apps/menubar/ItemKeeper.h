@@ -3,7 +3,7 @@
 #include "apps/menubar/Admission.h"
 #include "apps/menubar/ItemList.h"
 #include "apps/menubar/ItemRecord.h"
-#include "platform/MenuExtraHost.h"
+#include "platform/MenuExtraServer.h"
 
 #include <cstdint>
 #include <memory>

@@ -2,8 +2,9 @@
 
 #include "platform/FileManager.h"
 #include "platform/Log.h"
-#include "platform/PathStrings.h"
-#include "platform/PropertyList.h"
+#include "platform/PropertyListService.h"
+#include "platform/base/PathStrings.h"
+#include "platform/values/PropertyList.h"
 
 #include <algorithm>
 #include <optional>

@@ -1,8 +1,8 @@
 #include "apps/menubar/ItemLoader.h"
 
-#include "platform/Guard.h"
 #include "platform/Log.h"
-#include "platform/MenuExtraPlugIn.h"
+#include "platform/runtime/Guard.h"
+#include "platform/widgets/MenuExtraPlugIn.h"
 
 #include <utility>
 

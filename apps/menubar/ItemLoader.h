@@ -2,7 +2,7 @@
 
 #include "apps/menubar/BundleJudge.h"
 #include "platform/DynamicLoader.h"
-#include "platform/MenuExtraHost.h"
+#include "platform/widgets/MenuExtra.h"
 
 #include <memory>
 #include <string>

@@ -1,9 +1,9 @@
 #include "apps/menubar/ItemWidget.h"
 
 #include "apps/menubar/BarLook.h"
-#include "platform/Guard.h"
 #include "platform/qt/Modifiers.h"
 #include "platform/qt/QtGraphics.h"
+#include "platform/runtime/Guard.h"
 
 #include <QAccessibleWidget>
 #include <QApplication>

@@ -1,12 +1,12 @@
 #include "apps/menubar/MenuBar.h"
 
 #include "apps/menubar/BarLook.h"
-#include "platform/Guard.h"
 #include "platform/Log.h"
 #include "platform/Notifications.h"
 #include "platform/Workspace.h"
 #include "platform/qt/Modifiers.h"
 #include "platform/qt/QtGraphics.h"
+#include "platform/runtime/Guard.h"
 
 #include <QAbstractEventDispatcher>
 #include <QFileInfo>
@@ -105,7 +105,7 @@ void MenuBar::noteFirstDrawing(Item& item) {
 void MenuBar::noteDrawn(Item& item) {
     if (!std::exchange(item.wasDrawn, true))
         journal_.end();
-    setDisplayed(*item.loaded.extra->view());
+    item.loaded.extra->view()->didDisplay();
 }
 
 MenuExtraStatus MenuBar::remove(std::uint32_t reference) {
@@ -277,7 +277,7 @@ void MenuBar::showMenu(Item& item) {
     connect(menu.get(), &qt::QtMenu::neighbourWanted, this,
             [this, &extra](int direction) { showMenuBeside(extra, direction); });
     menu->setMouseHandler([this](const QMouseEvent& event) { return mouseBesideMenu(event); });
-    setMenuDown(extra, true);
+    extra.setMenuDown(true);
     item.widget->update();
     menus_.push_back({&extra, std::move(menu)});
     menus_.back().menu->popup(item.widget->mapToGlobal(QPoint(0, kBarHeight)));
@@ -293,7 +293,7 @@ void MenuBar::closeMenuOf(Item& item) {
 void MenuBar::menuClosed(MenuExtra& extra) {
     if (!extra.isMenuDown())
         return;
-    setMenuDown(extra, false);
+    extra.setMenuDown(false);
     if (const Item* item = itemOf(extra)) {
         item->widget->update();
         runGuarded(item->loaded.identifier, [&] { extra.menuDidClose(); });

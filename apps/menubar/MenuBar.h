@@ -5,9 +5,12 @@
 #include "apps/menubar/ItemRecord.h"
 #include "apps/menubar/ItemWidget.h"
 #include "apps/menubar/StepJournal.h"
-#include "platform/Event.h"
+#include "platform/EventSource.h"
 #include "platform/MenuExtraHost.h"
+#include "platform/MenuExtraServer.h"
 #include "platform/qt/QtMenu.h"
+#include "platform/values/Event.h"
+#include "platform/widgets/MenuExtra.h"
 
 #include <QObject>
 

@@ -1,7 +1,7 @@
 #include "apps/menubar/StepJournal.h"
 
-#include "platform/Guard.h"
 #include "platform/Log.h"
+#include "platform/runtime/Guard.h"
 
 #include <array>
 #include <cerrno>

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "apps/menubar/ItemRecord.h"
+#include "platform/base/NonCopyable.h"
 
 #include <csignal>
 #include <optional>
@@ -13,17 +14,14 @@
 /// nothing is flushed to the disk). The next bar reads there what ended the one before. A note
 /// costs two system calls. Code of an item that crashes between such steps, in a timer for one, is
 /// noted by a signal handler. Main thread.
-class StepJournal {
+class StepJournal : platform::NonCopyable {
   public:
     struct Note {
         std::string step; ///< a word for people
         ItemRecord item;
     };
 
-    StepJournal() = default;
     ~StepJournal();
-    StepJournal(const StepJournal&) = delete;
-    StepJournal& operator=(const StepJournal&) = delete;
 
     /// Opens the file, which is made when it is missing. When that fails, or another bar has it,
     /// which is logged, nothing is noted from then on.
@@ -41,12 +39,10 @@ class StepJournal {
     void end();
 
     /// A step that lasts as long as a scope.
-    class Scope {
+    class Scope : platform::NonCopyable {
       public:
         Scope(StepJournal& journal, const Note& note) : journal_(journal) { journal_.begin(note); }
         ~Scope() { journal_.end(); }
-        Scope(const Scope&) = delete;
-        Scope& operator=(const Scope&) = delete;
 
       private:
         StepJournal& journal_;

@@ -3,7 +3,7 @@
 #include "menuextras/MenuExtraTools.h"
 #include "platform/FileManager.h"
 #include "platform/MainThread.h"
-#include "platform/PathStrings.h"
+#include "platform/base/PathStrings.h"
 #include "platform/posix/HomeFolders.h"
 
 #include <QCheckBox>

@@ -1,7 +1,7 @@
 #include "apps/preferences/PaneChoice.h"
 
 #include "platform/FileManager.h"
-#include "platform/PathStrings.h"
+#include "platform/base/PathStrings.h"
 
 #include <algorithm>
 

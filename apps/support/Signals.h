@@ -1,17 +1,16 @@
 #pragma once
 
 #include "platform/MainThread.h"
+#include "platform/base/NonCopyable.h"
 
 #include <memory>
 
 /// Ends the main loop when the program is asked to end (SIGINT, SIGTERM, SIGHUP), so that every
 /// item is unloaded in order. One at a time, while the QApplication lives.
-class QuitOnSignals {
+class QuitOnSignals : platform::NonCopyable {
   public:
     QuitOnSignals();
     ~QuitOnSignals();
-    QuitOnSignals(const QuitOnSignals&) = delete;
-    QuitOnSignals& operator=(const QuitOnSignals&) = delete;
 
   private:
     std::unique_ptr<platform::Watch> watch_;

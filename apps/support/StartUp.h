@@ -1,5 +1,7 @@
 #pragma once
 
+#include "platform/base/NonCopyable.h"
+
 #include <QByteArray>
 
 #include <memory>
@@ -22,12 +24,10 @@ std::optional<Appearance> appearanceOfName(std::string_view name);
 /// server (under Wayland through XWayland), or offscreen when there is none. Also leaves out what
 /// these programs never need of Qt and would pay for. What the environment says already wins, but
 /// for Wayland; it is as before in the end, so that no other program inherits what is set here.
-class DisplayChoice {
+class DisplayChoice : platform::NonCopyable {
   public:
     DisplayChoice();
     ~DisplayChoice();
-    DisplayChoice(const DisplayChoice&) = delete;
-    DisplayChoice& operator=(const DisplayChoice&) = delete;
 
   private:
     void set(const char* name, const char* value);

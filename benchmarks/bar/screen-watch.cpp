@@ -1,3 +1,5 @@
+#include "platform/base/NonCopyable.h"
+
 // Watches the top rows of the X screen and says when they change.
 //
 //     screen-watch prepare
@@ -210,7 +212,7 @@ bool showsText(const Pixels& pixels, uint16_t width) {
 }
 
 /// A command in a process group of its own, ended with the group.
-class Command {
+class Command : platform::NonCopyable {
   public:
     explicit Command(std::span<char*> words) {
         prctl(PR_SET_CHILD_SUBREAPER, 1);
@@ -225,8 +227,6 @@ class Command {
         if (pid_ == 0)
             become(words);
     }
-    Command(const Command&) = delete;
-    Command& operator=(const Command&) = delete;
     ~Command() {
         end();
         munmap(started_, sizeof(microseconds));

@@ -6,6 +6,7 @@
 #include "paths/LocationRecords.h"
 #include "paths/ovxPaths.h"
 #include "platform/Log.h"
+#include "platform/PropertyListService.h"
 #include "platform/expat/ExpatPropertyLists.h"
 
 #include <chrono>

@@ -3,7 +3,7 @@
 
 #include "benchmarks/PeakMemory.h"
 #include "platform/FileManager.h"
-#include "platform/PropertyList.h"
+#include "platform/PropertyListService.h"
 #include "platform/expat/ExpatPropertyLists.h"
 
 #include <algorithm>

@@ -3,8 +3,9 @@
 #include "menubar/PreferencesFile.h"
 #include "platform/FileManager.h"
 #include "platform/Log.h"
-#include "platform/MenuExtraPlugIn.h"
-#include "platform/PropertyList.h"
+#include "platform/PropertyListService.h"
+#include "platform/values/PropertyList.h"
+#include "platform/widgets/MenuExtraPlugIn.h"
 
 #include <memory>
 #include <string>
@@ -65,7 +66,7 @@ class HalvexTimeMenu final : public ClockItem {
         return clock_format::longDefault();
     }
 
-    std::unique_ptr<FileWatch> preferencesWatch_;
+    std::unique_ptr<Watch> preferencesWatch_;
 };
 
 } // namespace

@@ -1,4 +1,4 @@
-#include "platform/MenuExtraPlugIn.h"
+#include "platform/widgets/MenuExtraPlugIn.h"
 
 namespace {
 

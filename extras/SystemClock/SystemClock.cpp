@@ -1,6 +1,6 @@
 #include "extras/clock/ClockFormat.h"
 #include "extras/clock/ClockItem.h"
-#include "platform/MenuExtraPlugIn.h"
+#include "platform/widgets/MenuExtraPlugIn.h"
 
 namespace {
 

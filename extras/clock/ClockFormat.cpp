@@ -1,5 +1,6 @@
 #include "extras/clock/ClockFormat.h"
 
+#include "platform/base/NonCopyable.h"
 #include "ui/NSMutableString-DateFormat.h"
 
 #include <algorithm>
@@ -16,15 +17,13 @@ constexpr std::size_t kMaximumText = 16384;
 
 /// The language of the environment; one that is not installed gives the plain one. Freed when the
 /// bundle's code is unloaded.
-class UserLocale {
+class UserLocale : platform::NonCopyable {
   public:
     UserLocale() : locale_(newlocale(LC_ALL_MASK, "", nullptr)) {
         if (!locale_)
             locale_ = newlocale(LC_ALL_MASK, "C", nullptr);
     }
     ~UserLocale() { freelocale(locale_); }
-    UserLocale(const UserLocale&) = delete;
-    UserLocale& operator=(const UserLocale&) = delete;
 
     locale_t get() const { return locale_; }
 

@@ -1,8 +1,9 @@
 #include "platform/expat/ExpatPropertyLists.h"
 
-#include "platform/PropertyList.h"
+#include "platform/PropertyListService.h"
 #include "platform/expat/XmlReader.h"
 #include "platform/expat/XmlWriter.h"
+#include "platform/values/PropertyList.h"
 
 namespace platform::expat {
 namespace {

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/PropertyList.h"
+#include "platform/PropertyListService.h"
 
 namespace platform::expat {
 

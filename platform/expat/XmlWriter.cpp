@@ -1,6 +1,7 @@
 #include "platform/expat/XmlWriter.h"
 
-#include "platform/LargePages.h"
+#include "platform/PropertyListService.h"
+#include "platform/base/LargePages.h"
 #include "platform/expat/Scalars.h"
 
 #include <array>

@@ -1,7 +1,7 @@
 #include "platform/posix/ApplicationBundle.h"
 
 #include "platform/Bundle.h"
-#include "platform/PathStrings.h"
+#include "platform/base/PathStrings.h"
 
 namespace platform::posix {
 

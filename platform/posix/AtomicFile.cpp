@@ -1,6 +1,7 @@
 #include "platform/posix/AtomicFile.h"
 
 #include "platform/Log.h"
+#include "platform/base/NonCopyable.h"
 #include "platform/posix/CopyBytes.h"
 #include "platform/posix/Descriptor.h"
 #include "platform/posix/Folder.h"
@@ -62,15 +63,13 @@ void removeLeftovers(int folder, const std::string& prefix) {
 
 /// The new file beside the old one, locked as long as this lives and removed with it unless it has
 /// taken the old one's place.
-class TemporaryFile {
+class TemporaryFile : NonCopyable {
   public:
     TemporaryFile(int folder, const std::string& prefix, mode_t mode, SystemCalls& calls);
     ~TemporaryFile() {
         if (file_ && !renamed_)
             ::unlinkat(folder_, name_.c_str(), 0);
     }
-    TemporaryFile(const TemporaryFile&) = delete;
-    TemporaryFile& operator=(const TemporaryFile&) = delete;
 
     explicit operator bool() const { return static_cast<bool>(file_); }
     bool takeOver(const struct stat& old);

@@ -1,7 +1,8 @@
 #include "platform/posix/CopyTree.h"
 
 #include "platform/Log.h"
-#include "platform/PathStrings.h"
+#include "platform/base/NonCopyable.h"
+#include "platform/base/PathStrings.h"
 #include "platform/posix/CopyBytes.h"
 #include "platform/posix/Folder.h"
 #include "platform/posix/RemoveTree.h"
@@ -30,15 +31,13 @@ void removeLeftovers(int folder, const std::string& prefix) {
 }
 
 /// The folder that the copy is made in, locked as long as this lives and removed with it.
-class Workshop {
+class Workshop : NonCopyable {
   public:
     Workshop(int parent, const std::string& prefix, SystemCalls& calls);
     ~Workshop() {
         if (folder_)
             removeTree(parent_, name_, Effort::OwnFolders);
     }
-    Workshop(const Workshop&) = delete;
-    Workshop& operator=(const Workshop&) = delete;
 
     explicit operator bool() const { return static_cast<bool>(folder_); }
     int get() const { return folder_.get(); }

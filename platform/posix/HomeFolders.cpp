@@ -1,7 +1,7 @@
 #include "platform/posix/HomeFolders.h"
 
 #include "platform/FileManager.h"
-#include "platform/PathStrings.h"
+#include "platform/base/PathStrings.h"
 
 void platform::posix::makeHomeFolders(FileManager& files) {
     const std::string library = appendingPathComponent(files.homeDirectory(), "Library");

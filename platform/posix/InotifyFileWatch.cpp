@@ -41,7 +41,7 @@ void prepend(std::deque<std::string>& components, const std::string& path) {
     }
 }
 
-class InotifyFileWatch final : public FileWatch {
+class InotifyFileWatch final : public Watch {
   public:
     InotifyFileWatch(std::string path, std::function<void()> handler)
         : path_(std::move(path)), handler_(std::move(handler)),
@@ -187,8 +187,8 @@ void InotifyFileWatch::onReadable() {
 
 } // namespace
 
-std::unique_ptr<FileWatch> makeInotifyFileWatch(const std::string& path,
-                                                std::function<void()> handler) {
+std::unique_ptr<Watch> makeInotifyFileWatch(const std::string& path,
+                                            std::function<void()> handler) {
     auto watch = std::make_unique<InotifyFileWatch>(path, std::move(handler));
     if (watch->start())
         return watch;

@@ -1,6 +1,7 @@
 #include "platform/posix/MoveFile.h"
 
-#include "platform/PathStrings.h"
+#include "platform/base/NonCopyable.h"
+#include "platform/base/PathStrings.h"
 #include "platform/posix/CopyBytes.h"
 #include "platform/posix/Descriptor.h"
 
@@ -19,7 +20,7 @@ bool renameWithoutReplacing(const std::string& from, const std::string& to) {
 }
 
 /// A new file in the folder of another one, removed with this unless it has taken that one's place.
-class Copy {
+class Copy : NonCopyable {
   public:
     explicit Copy(const std::string& destination)
         : folder_(deletingLastPathComponent(destination)),
@@ -29,8 +30,6 @@ class Copy {
         if (file_ && !inPlace_)
             ::unlink(path_.c_str());
     }
-    Copy(const Copy&) = delete;
-    Copy& operator=(const Copy&) = delete;
 
     explicit operator bool() const { return static_cast<bool>(file_); }
     bool takeBytes(int source) { return copyBytes(source, file_.get(), systemCalls()); }

@@ -1,8 +1,8 @@
 #include "platform/posix/PosixClock.h"
 
+#include "platform/Defaults.h"
 #include "platform/FileManager.h"
 #include "platform/Log.h"
-#include "platform/posix/Defaults.h"
 #include "platform/posix/Descriptor.h"
 
 #include <cerrno>
@@ -63,7 +63,7 @@ class Ticker final : public Watch {
     std::shared_ptr<std::function<void()>> handler_;
     Descriptor timer_;
     std::unique_ptr<Watch> timerWatch_;
-    std::unique_ptr<FileWatch> zoneWatch_;
+    std::unique_ptr<Watch> zoneWatch_;
 };
 
 } // namespace
@@ -97,10 +97,10 @@ std::unique_ptr<Watch> PosixClock::tick(TickInterval interval, std::function<voi
     return nullptr;
 }
 
+} // namespace platform::posix
+
 // Never destroyed: a thread that outlives main may be asleep in it.
-Clock& defaultClock() {
-    static auto* const clock = new PosixClock;
+platform::Clock& platform::defaults::clock() {
+    static auto* const clock = new posix::PosixClock;
     return *clock;
 }
-
-} // namespace platform::posix

@@ -1,5 +1,5 @@
+#include "platform/Defaults.h"
 #include "platform/DynamicLoader.h"
-#include "platform/posix/Defaults.h"
 #include "platform/posix/ElfFile.h"
 #include "platform/posix/Preflight.h"
 
@@ -94,9 +94,9 @@ class PosixDynamicLoader final : public DynamicLoader {
 
 } // namespace
 
-DynamicLoader& defaultDynamicLoader() {
-    static PosixDynamicLoader loader;
+} // namespace platform::posix
+
+platform::DynamicLoader& platform::defaults::dynamicLoader() {
+    static posix::PosixDynamicLoader loader;
     return loader;
 }
-
-} // namespace platform::posix

@@ -1,9 +1,9 @@
 #include "platform/posix/PosixFileManager.h"
 
-#include "platform/PathStrings.h"
+#include "platform/Defaults.h"
+#include "platform/base/PathStrings.h"
 #include "platform/posix/AtomicFile.h"
 #include "platform/posix/CopyTree.h"
-#include "platform/posix/Defaults.h"
 #include "platform/posix/Descriptor.h"
 #include "platform/posix/Folder.h"
 #include "platform/posix/InotifyFileWatch.h"
@@ -227,15 +227,16 @@ bool PosixFileManager::moveFile(const std::string& from, const std::string& to) 
     return source && destination && posix::moveFile(*source, *destination);
 }
 
-std::unique_ptr<FileWatch> PosixFileManager::watchFile(const std::string& path,
-                                                       std::function<void()> handler) {
+std::unique_ptr<Watch> PosixFileManager::watchFile(const std::string& path,
+                                                   std::function<void()> handler) {
     const auto place = systemPath(path);
     return place ? makeInotifyFileWatch(*place, std::move(handler)) : nullptr;
 }
 
-FileManager& defaultFileManager() {
-    static auto* const manager = new PosixFileManager; // threads that outlive main may ask for it
+} // namespace platform::posix
+
+platform::FileManager& platform::defaults::fileManager() {
+    static auto* const manager =
+        new posix::PosixFileManager; // threads that outlive main may ask for it
     return *manager;
 }
-
-} // namespace platform::posix

@@ -28,8 +28,8 @@ class PosixFileManager : public FileManager {
     bool removeItem(const std::string& path) override;
     bool copyItem(const std::string& from, const std::string& to) override;
     bool moveFile(const std::string& from, const std::string& to) override;
-    std::unique_ptr<FileWatch> watchFile(const std::string& path,
-                                         std::function<void()> handler) override;
+    std::unique_ptr<Watch> watchFile(const std::string& path,
+                                     std::function<void()> handler) override;
 
   private:
     /// Where a path lies in the system; nothing for one that the system cannot have.

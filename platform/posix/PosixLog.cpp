@@ -1,5 +1,5 @@
+#include "platform/Defaults.h"
 #include "platform/Log.h"
-#include "platform/posix/Defaults.h"
 
 #include <array>
 #include <cerrno>
@@ -46,9 +46,9 @@ class StandardErrorLog final : public Log {
 
 } // namespace
 
-Log& defaultLog() {
-    static StandardErrorLog log;
+} // namespace platform::posix
+
+platform::Log& platform::defaults::log() {
+    static posix::StandardErrorLog log;
     return log;
 }
-
-} // namespace platform::posix

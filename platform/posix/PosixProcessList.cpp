@@ -1,8 +1,8 @@
 #include "platform/posix/PosixProcessList.h"
 
-#include "platform/PathStrings.h"
+#include "platform/Defaults.h"
+#include "platform/base/PathStrings.h"
 #include "platform/posix/ApplicationBundle.h"
-#include "platform/posix/Defaults.h"
 
 #include <algorithm>
 #include <charconv>
@@ -117,9 +117,9 @@ std::optional<std::string> programOf(pid_t process) {
     return program;
 }
 
-ProcessList& defaultProcessList() {
-    static PosixProcessList list;
+} // namespace platform::posix
+
+platform::ProcessList& platform::defaults::processList() {
+    static posix::PosixProcessList list;
     return list;
 }
-
-} // namespace platform::posix

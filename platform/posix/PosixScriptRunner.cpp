@@ -1,6 +1,6 @@
 #include "platform/posix/PosixScriptRunner.h"
 
-#include "platform/posix/Defaults.h"
+#include "platform/Defaults.h"
 #include "platform/posix/SystemPreferences.h"
 
 #include <string_view>
@@ -36,9 +36,9 @@ std::optional<std::string> PosixScriptRunner::run(const std::string& script) {
     return reason;
 }
 
-ScriptRunner& defaultScriptRunner() {
-    static PosixScriptRunner runner;
+} // namespace platform::posix
+
+platform::ScriptRunner& platform::defaults::scriptRunner() {
+    static posix::PosixScriptRunner runner;
     return runner;
 }
-
-} // namespace platform::posix

@@ -1,6 +1,6 @@
 #include "platform/posix/PosixSystemInfo.h"
 
-#include "platform/posix/Defaults.h"
+#include "platform/Defaults.h"
 
 #include <algorithm>
 #include <charconv>
@@ -80,9 +80,9 @@ TimeZone PosixSystemInfo::systemTimeZone() const {
             .secondsFromGMT = static_cast<std::int32_t>(local.tm_gmtoff)};
 }
 
-SystemInfo& defaultSystemInfo() {
-    static PosixSystemInfo info;
+} // namespace platform::posix
+
+platform::SystemInfo& platform::defaults::systemInfo() {
+    static posix::PosixSystemInfo info;
     return info;
 }
-
-} // namespace platform::posix

@@ -1,9 +1,9 @@
 #include "platform/posix/PosixWorkspace.h"
 
 #include "platform/Bundle.h"
+#include "platform/Defaults.h"
 #include "platform/Log.h"
 #include "platform/posix/ApplicationBundle.h"
-#include "platform/posix/Defaults.h"
 #include "platform/posix/OpenURL.h"
 #include "platform/posix/StartProgram.h"
 #include "platform/posix/SystemPreferences.h"
@@ -58,9 +58,9 @@ bool PosixWorkspace::recycle(const std::string& path) {
 
 void PosixWorkspace::bringToFront(ProcessSerialNumber) {}
 
-Workspace& defaultWorkspace() {
-    static auto* const workspace = new PosixWorkspace;
+} // namespace platform::posix
+
+platform::Workspace& platform::defaults::workspace() {
+    static auto* const workspace = new posix::PosixWorkspace;
     return *workspace;
 }
-
-} // namespace platform::posix

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "platform/Workspace.h"
+#include "platform/runtime/LocalNotificationCenter.h"
 
 namespace platform::posix {
 
@@ -17,7 +18,7 @@ class PosixWorkspace : public Workspace {
     NotificationCenter& notificationCenter() override { return center_; }
 
   private:
-    NotificationCenter center_;
+    LocalNotificationCenter center_;
 };
 
 } // namespace platform::posix

@@ -1,6 +1,7 @@
 #include "platform/posix/Preflight.h"
 
-#include "platform/PathStrings.h"
+#include "platform/base/NonCopyable.h"
+#include "platform/base/PathStrings.h"
 #include "platform/posix/Descriptor.h"
 
 #include <algorithm>
@@ -40,7 +41,7 @@ std::string libraryFolders() {
     return (asked && *asked ? std::string(asked) + ':' : std::string()) + own;
 }
 
-class Child {
+class Child : NonCopyable {
   public:
     Child(const std::string& loader, const std::string& path);
     ~Child() {
@@ -49,8 +50,6 @@ class Child {
             ::waitpid(process_, nullptr, 0);
         }
     }
-    Child(const Child&) = delete;
-    Child& operator=(const Child&) = delete;
 
     explicit operator bool() const { return process_ > 0; }
     /// False when it takes longer than anybody would wait.

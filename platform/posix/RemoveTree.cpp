@@ -1,6 +1,6 @@
 #include "platform/posix/RemoveTree.h"
 
-#include "platform/PathStrings.h"
+#include "platform/base/PathStrings.h"
 #include "platform/posix/Folder.h"
 #include "platform/posix/SystemCalls.h"
 #include "platform/posix/TemporaryName.h"

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "platform/base/NonCopyable.h"
+
 #include <cstddef>
 #include <string>
 #include <sys/types.h>
@@ -8,12 +10,9 @@ namespace platform::posix {
 
 /// The system calls that put a file on the disk and may fail while doing so: as libc has them,
 /// errno included, and resumed when a signal interrupts them. A test makes them fail.
-class SystemCalls {
+class SystemCalls : NonCopyable {
   public:
-    SystemCalls() = default;
     virtual ~SystemCalls();
-    SystemCalls(const SystemCalls&) = delete;
-    SystemCalls& operator=(const SystemCalls&) = delete;
 
     virtual int open(const std::string& path, int flags, mode_t mode);
     virtual int openAt(int folder, const std::string& name, int flags, mode_t mode);

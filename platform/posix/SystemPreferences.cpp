@@ -1,7 +1,7 @@
 #include "platform/posix/SystemPreferences.h"
 
-#include "platform/PathStrings.h"
 #include "platform/Workspace.h"
+#include "platform/base/PathStrings.h"
 #include "platform/posix/StartProgram.h"
 
 #include <cstdlib>

@@ -1,6 +1,7 @@
 #include "platform/posix/Trash.h"
 
-#include "platform/PathStrings.h"
+#include "platform/FileManager.h"
+#include "platform/base/PathStrings.h"
 #include "platform/posix/CopyBytes.h"
 #include "platform/posix/Descriptor.h"
 #include "platform/posix/Folder.h"

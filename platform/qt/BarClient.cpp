@@ -2,6 +2,7 @@
 
 #include "platform/Log.h"
 #include "platform/qt/BarNames.h"
+#include "platform/values/Event.h"
 
 #include <QDBusArgument>
 #include <QDBusConnection>

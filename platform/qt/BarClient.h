@@ -1,7 +1,8 @@
 #pragma once
 
-#include "platform/MenuExtraHost.h"
+#include "platform/MenuExtraServer.h"
 #include "platform/qt/BusConnection.h"
+#include "platform/values/Event.h"
 
 #include <chrono>
 #include <cstdint>

@@ -1,6 +1,6 @@
 #include "platform/qt/BusConnection.h"
 
-#include "platform/DetachedThread.h"
+#include "platform/runtime/DetachedThread.h"
 
 #include <QDBusConnection>
 #include <QString>

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "platform/base/NonCopyable.h"
+
 #include <chrono>
 #include <memory>
 #include <mutex>
@@ -11,13 +13,11 @@ namespace platform::qt {
 
 /// A connection of one's own to a bus, made when it is first asked for: the process's shared one
 /// wants an application object. Any thread.
-class BusConnection {
+class BusConnection : NonCopyable {
   public:
     /// @p busAddress is empty for the session bus. @p purpose is part of Qt's name for it.
     BusConnection(std::string busAddress, std::string purpose);
     ~BusConnection();
-    BusConnection(const BusConnection&) = delete;
-    BusConnection& operator=(const BusConnection&) = delete;
 
     /// Connects, again when the bus has gone in the meantime. Whether that succeeded is to be
     /// asked of the answer. A bus that takes the connection and says nothing is waited for once and

@@ -1,7 +1,8 @@
 #include "platform/qt/BusNotifications.h"
 
-#include "platform/BusNames.h"
 #include "platform/Log.h"
+#include "platform/PropertyListService.h"
+#include "platform/qt/BusNames.h"
 #include "platform/qt/SignalReceiver.h"
 
 #include <QCoreApplication>
@@ -64,7 +65,7 @@ BusNotifications::~BusNotifications() = default;
 
 void BusNotifications::addObserver(const std::weak_ptr<const void>& observer,
                                    const std::string& name, Handler handler) {
-    NotificationCenter::addObserver(observer, name, std::move(handler));
+    observers_.add(observer, name, std::move(handler));
     QDBusConnection bus = connection_.get();
     const std::lock_guard lock(mutex_);
     if (connect(bus))
@@ -73,13 +74,17 @@ void BusNotifications::addObserver(const std::weak_ptr<const void>& observer,
 
 void BusNotifications::removeObserver(const std::weak_ptr<const void>& observer,
                                       const std::string& name) {
-    NotificationCenter::removeObserver(observer, name);
+    observers_.remove(observer, name);
     const std::lock_guard lock(mutex_);
-    if (hasObservers(name) || heard_.erase(name) == 0)
+    if (observers_.observes(name) || heard_.erase(name) == 0)
         return;
     QDBusConnection bus(qString(heardOn_));
     bus.disconnect(QString(), kNotificationPath, kNotificationInterface, kNotificationSignal,
                    {qString(name)}, QString(), receiver_.get(), SLOT(receive(QDBusMessage)));
+}
+
+void BusNotifications::forgetGoneObservers() {
+    observers_.removeExpired();
 }
 
 void BusNotifications::post(const Notification& notification) {
@@ -117,7 +122,7 @@ bool BusNotifications::connect(QDBusConnection& bus) {
         return true;
     heardOn_ = name;
     heard_.clear();
-    for (const std::string& observed : observedNames())
+    for (const std::string& observed : observers_.names())
         listen(bus, observed);
     return true;
 }
@@ -137,7 +142,7 @@ void BusNotifications::listen(QDBusConnection& bus, const std::string& name) {
 void BusNotifications::received(const QDBusMessage& message) {
     std::string reason;
     if (const auto notification = notificationIn(message, reason))
-        deliver(*notification);
+        observers_.deliver(*notification);
     else
         logLine("a notification from %@ makes no sense: %@", message.service().toStdString(),
                 reason);

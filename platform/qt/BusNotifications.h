@@ -2,6 +2,7 @@
 
 #include "platform/Notifications.h"
 #include "platform/qt/BusConnection.h"
+#include "platform/runtime/ObserverList.h"
 
 #include <atomic>
 #include <mutex>
@@ -15,7 +16,7 @@ namespace platform::qt {
 
 class SignalReceiver;
 
-/// The distributed centre over the session bus, as platform/BusNames.h says. It connects with the
+/// The distributed centre over the session bus, as BusNames.h says. It connects with the
 /// first post or observer, and is woken by the names alone that somebody here observes. Handlers
 /// run where the application object lives, which there must be to observe, and none to post.
 ///
@@ -32,6 +33,7 @@ class BusNotifications final : public DistributedNotificationCenter {
                      Handler handler) override;
     void removeObserver(const std::weak_ptr<const void>& observer,
                         const std::string& name) override;
+    void forgetGoneObservers() override;
     void post(const Notification& notification) override;
 
     /// Waits, a second at most, until the bus has all that was posted here: for a program that is
@@ -43,6 +45,7 @@ class BusNotifications final : public DistributedNotificationCenter {
     void listen(QDBusConnection& bus, const std::string& name);
     void received(const QDBusMessage& message);
 
+    ObserverList observers_;
     BusConnection connection_;
     std::mutex mutex_; // guards the three below
     std::unique_ptr<SignalReceiver> receiver_;

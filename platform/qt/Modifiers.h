@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/Event.h"
+#include "platform/values/Event.h"
 
 #include <Qt>
 

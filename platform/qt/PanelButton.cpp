@@ -1,8 +1,8 @@
 #include "platform/qt/PanelButton.h"
 
-#include "platform/Guard.h"
 #include "platform/qt/QtImage.h"
 #include "platform/qt/TextLine.h"
+#include "platform/runtime/Guard.h"
 
 #include <QKeyEvent>
 #include <QPainter>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/Button.h"
+#include "platform/widgets/Button.h"
 
 #include <QAbstractButton>
 

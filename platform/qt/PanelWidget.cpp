@@ -1,11 +1,11 @@
 #include "platform/qt/PanelWidget.h"
 
-#include "platform/Guard.h"
 #include "platform/qt/Modifiers.h"
 #include "platform/qt/PanelButton.h"
 #include "platform/qt/QtImage.h"
 #include "platform/qt/TextLine.h"
 #include "platform/qt/X11Compositing.h"
+#include "platform/runtime/Guard.h"
 
 #include <QApplication>
 #include <QBitmap>

@@ -1,6 +1,7 @@
 #pragma once
 
-#include "platform/Panel.h"
+#include "platform/PanelService.h"
+#include "platform/widgets/Panel.h"
 
 #include <QPoint>
 #include <QWidget>

@@ -1,9 +1,9 @@
 #include "platform/qt/QtGraphics.h"
 
 #include "platform/Bundle.h"
-#include "platform/Exception.h"
-#include "platform/LargePages.h"
 #include "platform/Log.h"
+#include "platform/base/Exception.h"
+#include "platform/base/LargePages.h"
 #include "platform/qt/QtGraphicsContext.h"
 #include "platform/qt/QtImage.h"
 

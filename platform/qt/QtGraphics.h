@@ -1,6 +1,7 @@
 #pragma once
 
 #include "platform/Graphics.h"
+#include "platform/base/NonCopyable.h"
 #include "platform/qt/TextLines.h"
 
 #include <QColor>
@@ -54,7 +55,7 @@ class QtGraphics final : public Graphics {
 /// Makes drawing go to an image for a scope. Scopes nest; the innermost one counts. Between two
 /// operations the image holds all that was drawn so far and may be read or copied.
 /// Main thread.
-class ScopedContext {
+class ScopedContext : NonCopyable {
   public:
     /// The image's top left pixel is the point (0, points.height()); a point is @p scale pixels.
     /// An image of another format becomes Format_ARGB32_Premultiplied; its device pixel ratio is
@@ -64,8 +65,6 @@ class ScopedContext {
     ScopedContext(QtGraphics& graphics, QImage& target, QSizeF points, double scale,
                   QColor defaultTextColor = Qt::black, std::optional<QFont> defaultFont = {});
     ~ScopedContext();
-    ScopedContext(const ScopedContext&) = delete;
-    ScopedContext& operator=(const ScopedContext&) = delete;
 
     GraphicsContext& context();
 

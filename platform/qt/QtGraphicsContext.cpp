@@ -1,6 +1,6 @@
 #include "platform/qt/QtGraphicsContext.h"
 
-#include "platform/Exception.h"
+#include "platform/base/Exception.h"
 #include "platform/qt/Compositing.h"
 #include "platform/qt/QtImage.h"
 #include "platform/qt/Resampling.h"

@@ -1,6 +1,6 @@
 #include "platform/qt/QtMainThread.h"
 
-#include "platform/Guard.h"
+#include "platform/runtime/Guard.h"
 
 #include <QCoreApplication>
 #include <QEvent>

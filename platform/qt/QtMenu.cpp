@@ -1,6 +1,6 @@
 #include "platform/qt/QtMenu.h"
 
-#include "platform/Guard.h"
+#include "platform/runtime/Guard.h"
 
 #include <QApplication>
 #include <QKeyEvent>

@@ -2,7 +2,7 @@
 
 #include "platform/Log.h"
 #include "platform/MainThread.h"
-#include "platform/PathStrings.h"
+#include "platform/base/PathStrings.h"
 #include "platform/posix/ApplicationBundle.h"
 #include "platform/qt/Foreground.h"
 

@@ -28,7 +28,7 @@ TEST(BrokenBundle, IsNamedInTheLogAndTakesNothingWithIt) {
         {[](auto& b) { b.replaceInInfo("NSPrincipalClass", "Other"); }, "no NSPrincipalClass"},
         {[](auto& b) { b.replaceInInfo("test.extra", std::string(256, 'x')); },
          "CFBundleIdentifier is longer than 255"},
-        {[](auto& b) { b.replaceInInfo("<integer>1<", "<integer>2<"); }, "it is for ABI 2"},
+        {[](auto& b) { b.replaceInInfo("<integer>2<", "<integer>3<"); }, "it is for ABI 3"},
         {[](auto& b) { fs::remove(b.code()); }, "is missing"},
         {[](auto& b) { replaceContents(b.code(), contents(b.code()).replace(18, 2, "\x15\0", 2)); },
          "another processor (16777234)"},
@@ -46,7 +46,7 @@ TEST(BrokenBundle, IsNamedInTheLogAndTakesNothingWithIt) {
     isNamed(cut, "cut off", true);
     const SpoiltBundle other(bar);
     fs::copy_file(HALVEX_NO_ENTRY_POINT, other.code(), fs::copy_options::overwrite_existing);
-    isNamed(other, "no entry point HalvexMenuExtraEntry_1", true);
+    isNamed(other, "no entry point HalvexMenuExtraEntry_2", true);
     isNamed(SpoiltBundle(bar, "Unknown"), "no class Unknown", true);
     isNamed(SpoiltBundle(bar, "GivesNothing"), "initWithBundle gave nothing", true);
     isNamed(SpoiltBundle(bar, "HasNoView"), "it has no view", true);

@@ -2,8 +2,8 @@
 
 #include "menubar/HalvexMenuExtraBase.h"
 #include "menuextras/ExportedIdentifiers.h"
-#include "platform/BusNames.h"
 #include "platform/expat/ExpatPropertyLists.h"
+#include "platform/qt/BusNames.h"
 #include "platform/qt/Foreground.h"
 #include "platform/qt/QtMainThread.h"
 #include "platform/qt/QtWorkspace.h"

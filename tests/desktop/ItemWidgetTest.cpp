@@ -86,7 +86,7 @@ TEST_F(ItemWidgetTest, DrawsTheTitleInTheTextColourAndCutsItOutOfTheHighlight) {
     const auto blue = [](const QColor& c) { return c.blue() > 200 && c.red() < 60; };
     EXPECT_GT(pixels(dark), 20);
     EXPECT_EQ(pixels(blue), 0);
-    test::RecordingHost::setMenuDown(*extra, true);
+    extra->setMenuDown(true);
     EXPECT_EQ(pixels(dark), 0);
     EXPECT_GT(pixels(blue), widget.width() * 10);
     EXPECT_GT(pixels([](const QColor& c) { return c.lightness() > 200; }), 20)

@@ -1,8 +1,10 @@
 #include "menubar/HalvexMenuExtraBase.h"
 #include "platform/Clock.h"
+#include "platform/EventSource.h"
 #include "platform/Log.h"
-#include "platform/MenuExtraPlugIn.h"
+#include "platform/MenuExtraServer.h"
 #include "platform/Workspace.h"
+#include "platform/widgets/MenuExtraPlugIn.h"
 
 #include <cstdlib>
 #include <stdexcept>
@@ -85,7 +87,7 @@ class TestExtra final : public HalvexMenuExtraBase {
 
 } // namespace
 
-extern "C" MenuExtra* HalvexMenuExtraEntry_1(const char* principalClass) {
+extern "C" MenuExtra* HalvexMenuExtraEntry_2(const char* principalClass) {
     const std::string kind = principalClass;
     return kind == "Unknown" ? nullptr : new TestExtra(kind);
 }

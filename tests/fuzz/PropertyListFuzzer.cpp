@@ -1,5 +1,5 @@
 #include "platform/FileManager.h"
-#include "platform/PropertyList.h"
+#include "platform/PropertyListService.h"
 #include "platform/expat/ExpatPropertyLists.h"
 
 #include <algorithm>

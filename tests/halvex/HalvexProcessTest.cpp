@@ -1,4 +1,4 @@
-#include "platform/BusNames.h"
+#include "platform/qt/BusNames.h"
 #include "tests/desktop/support/WindowProcess.h"
 
 #include <QDBusConnection>

@@ -140,7 +140,7 @@ TEST_F(MenuView, DrawsTheTitleAndThenTheImage) {
 TEST_F(MenuView, WhileTheMenuIsOpenBothAreDrawnWithXor) {
     extra->setImage(std::make_shared<test::BlankImage>(16, 16));
     view->setDrawShadow(true);
-    test::RecordingHost::setMenuDown(*extra, true);
+    extra->setMenuDown(true);
     graphics.drawn.clear();
     view->drawRect({{}, {60, 22}});
     EXPECT_THAT(graphics.drawn,

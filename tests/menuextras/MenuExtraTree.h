@@ -2,7 +2,7 @@
 
 #include "menuextras/ExportedIdentifiers.h"
 #include "menuextras/MenuExtraTools.h"
-#include "platform/PathStrings.h"
+#include "platform/base/PathStrings.h"
 #include "tests/paths/SupportTree.h"
 #include "tests/support/Fakes.h"
 

@@ -1,7 +1,8 @@
 #include "menuextras/ExportedIdentifiers.h"
 #include "platform/Bundle.h"
-#include "platform/PropertyList.h"
+#include "platform/PropertyListService.h"
 #include "platform/expat/ExpatPropertyLists.h"
+#include "platform/values/PropertyList.h"
 #include "tests/support/TemporaryFolder.h"
 
 #include <gmock/gmock.h>

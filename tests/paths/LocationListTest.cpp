@@ -1,6 +1,7 @@
 #include "menuextras/ExportedIdentifiers.h"
 #include "paths/ovxPaths.h"
 #include "platform/Bundle.h"
+#include "platform/PropertyListService.h"
 #include "tests/paths/SupportTree.h"
 
 #include <gmock/gmock.h>

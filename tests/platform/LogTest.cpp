@@ -1,7 +1,7 @@
 #include "platform/Log.h"
 
-#include "platform/Exception.h"
-#include "platform/Guard.h"
+#include "platform/base/Exception.h"
+#include "platform/runtime/Guard.h"
 #include "tests/support/RecordingLog.h"
 
 #include <gmock/gmock.h>

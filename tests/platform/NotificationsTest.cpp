@@ -1,4 +1,4 @@
-#include "platform/Notifications.h"
+#include "platform/runtime/LocalNotificationCenter.h"
 
 #include <gmock/gmock.h>
 
@@ -25,7 +25,7 @@ class Notifications : public testing::Test {
         return std::exchange(heard, {});
     }
 
-    NotificationCenter center;
+    platform::LocalNotificationCenter center;
     std::vector<std::string> heard;
     std::shared_ptr<int> first = std::make_shared<int>();
     std::shared_ptr<int> second = std::make_shared<int>();

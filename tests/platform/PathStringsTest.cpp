@@ -1,4 +1,5 @@
-#include "platform/PathStrings.h"
+#include "platform/base/PathStrings.h"
+#include "platform/FileManager.h"
 
 #include "tests/support/ScopedEnvironment.h"
 

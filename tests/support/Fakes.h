@@ -1,12 +1,17 @@
 #pragma once
 
 #include "platform/Clock.h"
-#include "platform/Exception.h"
+#include "platform/EventSource.h"
 #include "platform/Graphics.h"
 #include "platform/MenuExtraHost.h"
-#include "platform/Panel.h"
+#include "platform/MenuExtraServer.h"
+#include "platform/PanelService.h"
 #include "platform/Pasteboard.h"
 #include "platform/Workspace.h"
+#include "platform/base/Exception.h"
+#include "platform/runtime/LocalNotificationCenter.h"
+#include "platform/widgets/MenuExtra.h"
+#include "platform/widgets/Panel.h"
 
 #include <algorithm>
 #include <functional>
@@ -139,8 +144,6 @@ class RecordingHost final : public platform::MenuExtraHost {
     void lengthChanged(platform::MenuExtra&) override { ++lengthChanges; }
     void toggleMenu(platform::MenuExtra&) override { ++menuToggles; }
 
-    using platform::MenuExtraHost::setMenuDown;
-
   private:
     platform::ScopedService<platform::MenuExtraHost> service_{*this};
 };
@@ -176,7 +179,7 @@ class RecordingWorkspace final : public platform::Workspace {
     }
 
   private:
-    platform::NotificationCenter center_;
+    platform::LocalNotificationCenter center_;
     platform::ScopedService<platform::Workspace> service_{*this};
 };
 

@@ -4,6 +4,7 @@
 #include "platform/Notifications.h"
 #include "platform/ProcessList.h"
 #include "platform/Workspace.h"
+#include "platform/runtime/LocalNotificationCenter.h"
 
 #include <functional>
 #include <mutex>
@@ -16,7 +17,7 @@ namespace test {
 /// The services that starting and notifying an application takes, in place for as long as it lives.
 /// What is asked of them stands in one journal, in the order in which it was asked.
 class HandOverDesk final : platform::ProcessList,
-                           platform::DistributedNotificationCenter,
+                           platform::LocalDistributedNotificationCenter,
                            platform::Workspace,
                            platform::MainThread {
   public:
@@ -38,19 +39,19 @@ class HandOverDesk final : platform::ProcessList,
     }
     /// Announces a launch where the other programs' are heard.
     void announce(const std::string& name) {
-        deliver({.name = platform::kDidLaunchApplication,
-                 .object = {},
-                 .userInfo = {{"NSApplicationName", name}}});
+        observers().deliver({.name = platform::kDidLaunchApplication,
+                             .object = {},
+                             .userInfo = {{"NSApplicationName", name}}});
     }
     /// On the distributed centre, then on the workspace's.
     std::pair<bool, bool> observesLaunches() {
-        return {hasObservers(platform::kDidLaunchApplication),
+        return {observers().observes(platform::kDidLaunchApplication),
                 workspaceCenter_.hasObservers(platform::kDidLaunchApplication)};
     }
 
   private:
-    struct Center final : platform::NotificationCenter {
-        using NotificationCenter::hasObservers;
+    struct Center final : platform::LocalNotificationCenter {
+        bool hasObservers(const std::string& name) { return observers().observes(name); }
     };
 
     std::vector<platform::RunningProcess> processes() const override {

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "platform/base/NonCopyable.h"
+
 #include <cstdlib>
 #include <optional>
 #include <string>
@@ -7,7 +9,7 @@
 namespace test {
 
 /// An environment variable that has another value, or none, for a scope.
-class ScopedEnvironment {
+class ScopedEnvironment : platform::NonCopyable {
   public:
     ScopedEnvironment(std::string name, const std::optional<std::string>& value)
         : name_(std::move(name)) {
@@ -16,8 +18,6 @@ class ScopedEnvironment {
         set(value);
     }
     ~ScopedEnvironment() { set(previous_); }
-    ScopedEnvironment(const ScopedEnvironment&) = delete;
-    ScopedEnvironment& operator=(const ScopedEnvironment&) = delete;
 
   private:
     void set(const std::optional<std::string>& value) const {

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "platform/base/NonCopyable.h"
+
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
@@ -16,7 +18,7 @@ inline std::string contents(const std::filesystem::path& file) {
 }
 
 /// An empty folder of the test's own that is gone with the object.
-class TemporaryFolder {
+class TemporaryFolder : platform::NonCopyable {
   public:
     TemporaryFolder() {
         std::string pattern = (std::filesystem::temp_directory_path() / "halvex-XXXXXX").string();
@@ -28,8 +30,6 @@ class TemporaryFolder {
         std::error_code ignored;
         std::filesystem::remove_all(path_, ignored);
     }
-    TemporaryFolder(const TemporaryFolder&) = delete;
-    TemporaryFolder& operator=(const TemporaryFolder&) = delete;
 
     const std::filesystem::path& path() const { return path_; }
     std::string file(std::string_view name) const { return (path_ / name).string(); }

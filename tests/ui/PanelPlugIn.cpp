@@ -1,5 +1,5 @@
 #include "platform/Bundle.h"
-#include "platform/MenuExtraPlugIn.h"
+#include "platform/widgets/MenuExtraPlugIn.h"
 #include "ui/HUDWindow.h"
 
 namespace {

@@ -1,5 +1,6 @@
-#include "platform/PropertyList.h"
+#include "platform/PropertyListService.h"
 #include "platform/expat/ExpatPropertyLists.h"
+#include "platform/values/PropertyList.h"
 #include "tests/support/TemporaryFolder.h"
 
 #include <gmock/gmock.h>

@@ -1,5 +1,6 @@
-#include "platform/PropertyList.h"
+#include "platform/PropertyListService.h"
 #include "platform/expat/ExpatPropertyLists.h"
+#include "platform/values/PropertyList.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

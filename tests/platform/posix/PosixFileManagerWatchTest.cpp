@@ -11,7 +11,7 @@ using namespace std::chrono_literals;
 
 class PosixFileManagerWatchTest : public test::RealFiles {
   protected:
-    std::unique_ptr<platform::FileWatch> watch(const std::string& name) {
+    std::unique_ptr<platform::Watch> watch(const std::string& name) {
         return manager.watchFile(file(name), [this] { ++calls; });
     }
     void wait(std::chrono::milliseconds time) {
@@ -101,7 +101,7 @@ TEST_F(PosixFileManagerWatchTest, SleepsWhileOthersWriteTheirFiles) {
 }
 
 TEST_F(PosixFileManagerWatchTest, AHandlerMayEndItsOwnWatch) {
-    std::unique_ptr<platform::FileWatch> watching;
+    std::unique_ptr<platform::Watch> watching;
     watching = manager.watchFile(file("file"), [&] {
         ++calls;
         watching.reset();

@@ -1,5 +1,5 @@
 #include "Canvas.h"
-#include "platform/Exception.h"
+#include "platform/base/Exception.h"
 #include "platform/qt/QtImage.h"
 #include "platform/qt/Truncation.h"
 #include "tests/support/RecordingLog.h"

@@ -1,5 +1,6 @@
 #include "Canvas.h"
-#include "platform/Exception.h"
+#include "platform/Graphics.h"
+#include "platform/base/Exception.h"
 #include "tests/support/RecordingLog.h"
 
 #include <gmock/gmock.h>

@@ -1,0 +1,32 @@
+#pragma once
+
+namespace platform {
+class Clock;
+class DistributedNotificationCenter;
+class DynamicLoader;
+class FileManager;
+class Log;
+class NotificationCenter;
+class ProcessList;
+class ScriptRunner;
+class SystemInfo;
+class Workspace;
+} // namespace platform
+
+/// The services that are available without a host, because libc is enough to implement them.
+/// Included only by the source files of the services' slots and by the implementations in
+/// platform/posix and platform/runtime.
+namespace platform::defaults {
+
+Clock& clock();
+DistributedNotificationCenter& distributedNotificationCenter();
+DynamicLoader& dynamicLoader();
+FileManager& fileManager();
+Log& log();
+NotificationCenter& notificationCenter();
+ProcessList& processList();
+ScriptRunner& scriptRunner();
+SystemInfo& systemInfo();
+Workspace& workspace();
+
+} // namespace platform::defaults

@@ -1,0 +1,75 @@
+#include "platform/PropertyListService.h"
+
+#include "platform/FileManager.h"
+#include "platform/base/ServiceSlot.h"
+
+#include <utility>
+
+namespace platform {
+namespace {
+
+constinit ServiceSlot<PropertyListService> slot{"PropertyList"};
+
+} // namespace
+
+PropertyListService::~PropertyListService() = default;
+
+PropertyListResult PropertyListService::parse(std::string_view bytes) const {
+    return parse([bytes](char* buffer, std::size_t size) mutable {
+        const std::size_t count = bytes.copy(buffer, size);
+        bytes.remove_prefix(count);
+        return std::optional(count);
+    });
+}
+
+PropertyListResult PropertyListService::read(const std::string& path) const {
+    const OpenFileResult opened = fileManager().openFile(path);
+    if (!opened)
+        return {std::nullopt, {0, 0, opened.reason}};
+    const std::string tooLarge =
+        "The file is larger than " + std::to_string(kMaximumFileBytes) + " bytes.";
+    if (opened.file->size() > kMaximumFileBytes)
+        return {std::nullopt, {0, 0, tooLarge}};
+
+    // A file may grow while it is read, and some have no size at all.
+    std::uint64_t left = kMaximumFileBytes;
+    bool grewTooLarge = false;
+    bool failed = false;
+    const auto source = [&](char* buffer, std::size_t size) -> std::optional<std::size_t> {
+        const auto count = opened.file->read(buffer, size);
+        failed = !count;
+        grewTooLarge = count && *count > left;
+        if (failed || grewTooLarge)
+            return std::nullopt;
+        left -= *count;
+        return count;
+    };
+    PropertyListResult result = parse(source);
+    if (failed || grewTooLarge)
+        return {std::nullopt, {0, 0, failed ? "The file could not be read to its end." : tooLarge}};
+    return result;
+}
+
+std::optional<PropertyList::Array> PropertyListService::readArray(const std::string& path) const {
+    PropertyListResult result = read(path);
+    if (!result || !result.value->array())
+        return std::nullopt;
+    return std::move(*result.value->array());
+}
+
+bool PropertyListService::writeArray(const std::string& path,
+                                     const PropertyList::Array& array) const {
+    const std::optional<std::string> bytes = serialize(array);
+    return bytes && fileManager().writeFileAtomically(path, *bytes);
+}
+
+PropertyListService& propertyLists() {
+    return slot.get();
+}
+
+template <>
+PropertyListService* exchangeService<PropertyListService>(PropertyListService* service) {
+    return slot.exchange(service);
+}
+
+} // namespace platform

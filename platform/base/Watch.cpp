@@ -1,0 +1,7 @@
+#include "platform/base/Watch.h"
+
+namespace platform {
+
+Watch::~Watch() = default;
+
+} // namespace platform

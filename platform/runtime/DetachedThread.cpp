@@ -1,0 +1,22 @@
+#include "platform/runtime/DetachedThread.h"
+
+#include "platform/Log.h"
+#include "platform/runtime/Guard.h"
+
+#include <system_error>
+#include <thread>
+#include <utility>
+
+namespace platform {
+
+void detachThread(std::function<void()> work) {
+    try {
+        std::thread([owner = currentOwner(), work = std::move(work)] {
+            runGuarded(owner, work);
+        }).detach();
+    } catch (const std::system_error& error) {
+        logLine("no thread can be started: %@", error.what());
+    }
+}
+
+} // namespace platform

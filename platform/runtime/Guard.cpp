@@ -1,0 +1,52 @@
+#include "platform/runtime/Guard.h"
+
+#include "platform/Log.h"
+#include "platform/base/Exception.h"
+#include "platform/base/NonCopyable.h"
+
+#include <cxxabi.h>
+#include <utility>
+
+namespace platform {
+namespace {
+
+thread_local std::string owner;
+
+class OwnerScope : NonCopyable {
+  public:
+    explicit OwnerScope(std::string name) : previous_(std::exchange(owner, std::move(name))) {}
+    ~OwnerScope() { owner = std::move(previous_); }
+
+  private:
+    std::string previous_;
+};
+
+void logException(const std::string& name, const std::string& type, const std::string& reason) {
+    logLine("%@ raised an exception: %@   reason: %@", name.empty() ? "this program" : name, type,
+            reason);
+}
+
+} // namespace
+
+const std::string& currentOwner() {
+    return owner;
+}
+
+bool runGuarded(const std::string& name, const std::function<void()>& code) {
+    const OwnerScope scope(name);
+    try {
+        code();
+        return true;
+    } catch (const abi::__forced_unwind&) {
+        throw; // the thread is being cancelled
+    } catch (const Exception& exception) {
+        logException(name, exception.name(), exception.reason());
+    } catch (const std::exception& exception) {
+        logException(name, "std::exception", exception.what());
+    } catch (...) {
+        logException(name, "unknown", "(null)");
+    }
+    return false;
+}
+
+} // namespace platform

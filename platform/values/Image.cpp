@@ -1,0 +1,7 @@
+#include "platform/values/Image.h"
+
+namespace platform {
+
+Image::~Image() = default;
+
+} // namespace platform
