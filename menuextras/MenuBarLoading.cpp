@@ -14,14 +14,14 @@
 #include <cxxabi.h>
 #include <exception>
 
+using menuextras::kMenuCrackerID;
+using menuextras::kSystemClockID;
 using menuextras::MenuExtraKind;
 using platform::appendingPathComponent;
 using platform::logLine;
 
 namespace {
 
-constexpr const char* kSystemClockID = "com.apple.menuextra.clock";
-constexpr const char* kMenuCrackerID = "net.sourceforge.menucracker";
 constexpr const char* kMenuCrackerFile = "MenuCracker.menu";
 
 constexpr std::int32_t kPosition = 999;

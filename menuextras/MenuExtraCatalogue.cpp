@@ -2,7 +2,7 @@
 
 #include "menuextras/ExportedIdentifiers.h"
 #include "menuextras/MenuExtraTools.h"
-#include "menuextras/PreferencePane.h"
+#include "paths/PreferencePane.h"
 #include "paths/ovxPaths.h"
 #include "platform/Log.h"
 #include "platform/base/PathStrings.h"
@@ -16,8 +16,8 @@ using platform::appendingPathComponent;
 namespace {
 
 std::shared_ptr<platform::Bundle> preferencePane() {
-    auto loaded = loadedPreferencePane();
-    return loaded ? loaded : installedPreferencePane();
+    auto loaded = paths::loadedPreferencePane();
+    return loaded ? loaded : paths::installedPreferencePane();
 }
 
 std::optional<std::string> pathInFolder(const std::string& folder, std::int32_t tag) {

@@ -7,6 +7,11 @@
 /// What the operations of HalvexMenuExtraTools share among themselves.
 namespace menuextras {
 
+/// The identifier of the clock that the bar itself ships.
+inline constexpr const char* kSystemClockID = "com.apple.menuextra.clock";
+/// The identifier of the item that lets third-party items into a bar that admits only its own.
+inline constexpr const char* kMenuCrackerID = "net.sourceforge.menucracker";
+
 /// Whether an operation knows a tag.
 enum class Knows { No, Yes };
 

@@ -1,6 +1,6 @@
 #include "menuextras/ExportedIdentifiers.h"
-#include "menuextras/PreferencePane.h"
 #include "paths/LocationRecords.h"
+#include "paths/PreferencePane.h"
 #include "paths/ovxPaths.h"
 #include "platform/Bundle.h"
 #include "platform/FileManager.h"
@@ -36,10 +36,10 @@ void moveFromOldPlaces(const std::string& firstOld, const std::string& secondOld
 }
 
 std::shared_ptr<platform::Bundle> preferencePaneOrLine() {
-    if (auto loaded = loadedPreferencePane())
+    if (auto loaded = paths::loadedPreferencePane())
         return loaded;
     logLine("LocationList  thisBundle nil");
-    return installedPreferencePane();
+    return paths::installedPreferencePane();
 }
 
 std::optional<Array> defaultList() {

@@ -38,11 +38,6 @@ std::string made(std::string path) {
     return path;
 }
 
-bool isFolder(const std::string& path) {
-    bool isDirectory = false;
-    return fileManager().fileExists(path, &isDirectory) && isDirectory;
-}
-
 /// Puts a link to the backgrounds into @p folder; false when that fails.
 bool linkBackgroundsInto(const std::string& folder) {
     const std::string backgrounds = ovxPaths::ovxGetDeskTopBackgroundsPath();
@@ -150,7 +145,7 @@ std::string ovxGetiPhotoAlbumPath() {
 
 std::optional<std::vector<std::string>> HalvexThemesList() {
     const std::string folder = localFolder(themesFolder);
-    if (isFolder(folder))
+    if (fileManager().isDirectory(folder))
         return fileManager().contentsOfDirectory(folder);
     ovxMakeDirIfNeeded(folder);
     return std::nullopt;
@@ -158,7 +153,7 @@ std::optional<std::vector<std::string>> HalvexThemesList() {
 
 std::optional<std::vector<std::string>> HalvexPicturesList() {
     const std::string folder = localFolder(kPicturesFolder);
-    if (isFolder(folder))
+    if (fileManager().isDirectory(folder))
         return fileManager().subpaths(folder);
     ovxMakeDirIfNeeded(folder);
     return std::nullopt;
@@ -167,7 +162,8 @@ std::optional<std::vector<std::string>> HalvexPicturesList() {
 std::optional<std::vector<std::string>>
 ovxGlimmerboxGetListFrames(const std::optional<std::vector<std::string>>& exclude) {
     const std::string folder = ovxGetGlimmerboxSupportPath();
-    const auto listing = isFolder(folder) ? fileManager().subpaths(folder) : std::nullopt;
+    const auto listing =
+        fileManager().isDirectory(folder) ? fileManager().subpaths(folder) : std::nullopt;
     if (!listing)
         return std::nullopt;
     std::unordered_set<std::string_view> excluded;

@@ -61,13 +61,6 @@ std::string contents(const std::string& bundle, std::string_view relative) {
     return appendingPathComponent(bundle, "Contents/" + std::string(relative));
 }
 
-std::string describe(const PropertyListError& error) {
-    if (error.line == 0)
-        return error.reason;
-    return "line " + std::to_string(error.line) + ", column " + std::to_string(error.column) +
-           ": " + error.reason;
-}
-
 /// "lib/libName.so.1" → "Name"; empty for what is not named like a library.
 std::string libraryName(const std::string& file) {
     const auto end = file.find(".so");
@@ -122,7 +115,7 @@ std::shared_ptr<Bundle> Bundle::bundleWithPath(const std::string& path, std::str
     if (PropertyList::Dictionary* dictionary = result ? result.value->dictionary() : nullptr)
         info = std::move(*dictionary);
     else if (reason)
-        *reason = "Info.plist: " + (result ? "no dictionary" : describe(result.error));
+        *reason = "Info.plist: " + (result ? "no dictionary" : result.error.text());
     auto bundle = std::make_shared<Bundle>(path, std::move(info));
     std::error_code missing;
     const std::uintmax_t size = std::filesystem::file_size(file, missing);
@@ -155,6 +148,10 @@ std::optional<std::string> Bundle::stringForInfoDictionaryKey(std::string_view k
     const PropertyList* value = info_ ? info_->find(key) : nullptr;
     const auto text = value ? value->string() : std::nullopt;
     return text ? std::optional(std::string(*text)) : std::nullopt;
+}
+
+std::optional<std::string> Bundle::version() const {
+    return stringForInfoDictionaryKey("CFBundleVersion");
 }
 
 std::optional<std::string> Bundle::bundleIdentifier() const {

@@ -52,6 +52,8 @@ class Bundle {
     /// The string under a key of the information dictionary; nothing when there is none.
     std::optional<std::string> stringForInfoDictionaryKey(std::string_view key) const;
     std::optional<std::string> bundleIdentifier() const;
+    /// CFBundleVersion, or std::nullopt.
+    std::optional<std::string> version() const;
 
     /// Where the code is; nothing when CFBundleExecutable does not name a file of the bundle's own
     /// folder for code. Whether the file exists is not looked at.

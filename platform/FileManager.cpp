@@ -35,6 +35,11 @@ bool appendSubpaths(const FileManager& files, const std::string& folder,
 InputFile::~InputFile() = default;
 FileManager::~FileManager() = default;
 
+bool FileManager::isDirectory(const std::string& path) const {
+    bool isDirectory = false;
+    return fileExists(path, &isDirectory) && isDirectory;
+}
+
 ReadFileResult FileManager::readFile(const std::string& path, std::uint64_t maximumBytes) const {
     const OpenFileResult opened = openFile(path);
     if (!opened)

@@ -51,6 +51,8 @@ class FileManager : NonCopyable {
     /// there.
     /// @p isDirectory, when not null, then says whether it is a folder (else it becomes false).
     virtual bool fileExists(const std::string& path, bool* isDirectory = nullptr) const = 0;
+    /// Whether @p path is a folder, or a symbolic link to one.
+    bool isDirectory(const std::string& path) const;
     /// Whether this process may read, or write, what is at @p path. False when nothing is there.
     virtual bool isReadableFile(const std::string& path) const = 0;
     virtual bool isWritableFile(const std::string& path) const = 0;

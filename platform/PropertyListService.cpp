@@ -12,6 +12,12 @@ constinit ServiceSlot<PropertyListService> slot{"PropertyList"};
 
 } // namespace
 
+std::string PropertyListError::text() const {
+    if (line == 0)
+        return reason;
+    return "line " + std::to_string(line) + ", column " + std::to_string(column) + ": " + reason;
+}
+
 PropertyListService::~PropertyListService() = default;
 
 PropertyListResult PropertyListService::parse(std::string_view bytes) const {

@@ -19,6 +19,9 @@ struct PropertyListError {
     int line = 0;
     int column = 0;
     std::string reason;
+
+    /// Returns "line L, column C: reason", or the reason alone for line 0.
+    std::string text() const;
 };
 
 struct PropertyListResult {

@@ -2,7 +2,7 @@
 
 #include "menuextras/ExportedIdentifiers.h"
 #include "menuextras/MenuExtraTools.h"
-#include "menuextras/PreferencePane.h"
+#include "paths/PreferencePane.h"
 #include "platform/Log.h"
 #include "platform/ScriptRunner.h"
 #include "platform/Workspace.h"
@@ -25,11 +25,11 @@ std::string selectingScript(const std::string& paneIdentifier) {
 } // namespace
 
 std::shared_ptr<platform::Bundle> HalvexPrefsTools::HalvexPrefsBundle() {
-    if (auto loaded = loadedPreferencePane())
+    if (auto loaded = paths::loadedPreferencePane())
         return loaded;
     for (const char* place : {HalvexProPrefsAllUsers, "/Library/PreferencePanes/HalvexPro.prefPane",
                               HalvexProPrefsAUser, "~/Library/PreferencePanes/HalvexPro.prefPane"})
-        if (auto pane = preferencePaneAt(place))
+        if (auto pane = paths::preferencePaneAt(place))
             return pane;
     return nullptr;
 }

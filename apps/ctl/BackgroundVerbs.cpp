@@ -17,6 +17,7 @@
 using platform::ScopedService;
 using Tools = HalvexPrefsTools;
 
+namespace apps {
 namespace {
 
 /// Remembers whether the last file could be opened, which the library's operation does not tell.
@@ -139,3 +140,5 @@ void addBackgroundVerbs(CLI::App& commands, Action& chosen) {
         .add_option("NAME", *text, "The notification, e.g. HalvexShowCalculatorNotification")
         ->required();
 }
+
+} // namespace apps

@@ -2,6 +2,7 @@
 #include "apps/ctl/InputFiles.h"
 #include "apps/ctl/ProgramFolder.h"
 #include "apps/ctl/Verbs.h"
+#include "apps/shared/AbsolutePath.h"
 #include "platform/Bundle.h"
 #include "platform/base/PathStrings.h"
 #include "platform/qt/BarClient.h"
@@ -16,6 +17,7 @@
 using platform::MenuExtraReference;
 using platform::qt::BarClient;
 
+namespace apps {
 namespace {
 
 /// 0 for an item that is not loaded; nothing, which the client has said, without an answer.
@@ -123,3 +125,5 @@ void addBarItemVerbs(CLI::App& menubar, Action& chosen) {
 
     addClickVerb(menubar, chosen);
 }
+
+} // namespace apps

@@ -1,12 +1,14 @@
 #include "apps/ctl/BarItems.h"
 
-#include "apps/menubar/ItemList.h"
+#include "apps/shared/ItemList.h"
 #include "paths/ovxPaths.h"
 #include "platform/Log.h"
 #include "platform/base/PathStrings.h"
 #include "platform/qt/BarClient.h"
 
 #include <algorithm>
+
+namespace apps {
 
 BarItems::BarItems()
     : list_(std::make_unique<ItemList>(
@@ -34,3 +36,5 @@ std::string BarItems::leftOutStep(const std::string& path) const {
     const ItemList::LeftOut* found = list_->find(path);
     return found ? found->step : "";
 }
+
+} // namespace apps

@@ -6,6 +6,8 @@
 #include <string>
 #include <vector>
 
+namespace apps {
+
 class ItemList;
 
 /// What is known of the bar's items without starting a bar: which ones are loaded now, and which
@@ -23,3 +25,5 @@ class BarItems : platform::NonCopyable {
     std::vector<std::string> loaded_; ///< identifiers
     std::unique_ptr<ItemList> list_;
 };
+
+} // namespace apps

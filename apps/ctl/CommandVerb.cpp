@@ -6,6 +6,7 @@
 #include <memory>
 #include <string>
 
+namespace apps {
 namespace {
 
 /// While it lives a closed pipe ends a process, as the commands that are started expect it; they
@@ -52,3 +53,5 @@ void addCommandVerb(CLI::App& commands, Action& chosen) {
         };
     });
 }
+
+} // namespace apps

@@ -6,6 +6,7 @@
 #include <string>
 #include <string_view>
 
+namespace apps {
 namespace {
 
 struct Options {
@@ -40,3 +41,5 @@ void addDateFormatVerb(CLI::App& commands, Action& chosen) {
     verb->add_option("--zone", options->zone, "What stands for %Z");
     verb->callback([options, &chosen] { chosen = [options] { return fill(*options); }; });
 }
+
+} // namespace apps

@@ -8,6 +8,7 @@
 #include <unistd.h>
 #include <vector>
 
+namespace apps {
 namespace {
 
 /// The program that draws, beside the library in an installation and in a build tree.
@@ -39,3 +40,5 @@ void addDrawingVerbs(CLI::App& commands, Action& chosen) {
     add("hud", "Draw the dark panel, or show it");
     add("tint", "Tint an image");
 }
+
+} // namespace apps

@@ -4,6 +4,8 @@
 
 #include <cstdint>
 
+namespace apps {
+
 /// Whether @p condition becomes true within five seconds.
 template <class Condition>
 bool eventually(Condition condition) {
@@ -16,3 +18,5 @@ bool eventually(Condition condition) {
     }
     return condition();
 }
+
+} // namespace apps

@@ -2,15 +2,16 @@
 #include "apps/ctl/InputFiles.h"
 #include "apps/ctl/Looking.h"
 #include "apps/ctl/Verbs.h"
+#include "apps/shared/AbsolutePath.h"
 #include "menuextras/ExportedIdentifiers.h"
 #include "menuextras/MenuExtraCatalogue.h"
 #include "menuextras/MenuExtraTools.h"
+#include "paths/HomeFolders.h"
 #include "platform/Bundle.h"
 #include "platform/DynamicLoader.h"
 #include "platform/FileManager.h"
 #include "platform/MenuExtraServer.h"
 #include "platform/base/PathStrings.h"
-#include "platform/posix/HomeFolders.h"
 
 #include <memory>
 #include <string>
@@ -21,6 +22,7 @@ using platform::MenuExtraStatus;
 using platform::PropertyList;
 using Tools = HalvexMenuExtraTools;
 
+namespace apps {
 namespace {
 
 /// The file name without its extension.
@@ -45,7 +47,7 @@ std::string versionAt(const std::string& path) {
     const auto bundle = path.empty() || !platform::fileManager().fileExists(path)
                             ? nullptr
                             : Bundle::bundleWithPath(path);
-    return bundle ? bundle->stringForInfoDictionaryKey("CFBundleVersion").value_or("?") : "";
+    return bundle ? bundle->version().value_or("?") : "";
 }
 
 PropertyList::Dictionary describe(const MenuExtraKind& kind, const BarItems& bar,
@@ -98,7 +100,7 @@ ExitStatus toggle(const std::string& name, bool on) {
     const MenuExtraKind* kind = kindNamed(name);
     if (!kind)
         return ExitStatus::Refused;
-    platform::posix::makeHomeFolders(platform::fileManager());
+    paths::makeHomeFolders(platform::fileManager());
     Tools::menuExtraToggle(kind->tag, on ? 1 : 0);
     platform::MenuExtraReference ignored = 0;
     const auto wanted = on ? MenuExtraStatus::NoError : MenuExtraStatus::NotLoaded;
@@ -113,7 +115,7 @@ ExitStatus install(const std::string& path) {
         return refuse(path + ": this is a file and no menu extra");
     if (platform::pathExtension(bundle) != "menu")
         return refuse(path + ": a menu extra is a folder whose name ends in .menu");
-    platform::posix::makeHomeFolders(platform::fileManager());
+    paths::makeHomeFolders(platform::fileManager());
     return Tools::installMenuExtra(bundle) ? ExitStatus::Done : ExitStatus::Refused;
 }
 
@@ -223,3 +225,5 @@ void addExtraVerbs(CLI::App& commands, Action& chosen) {
         ->required();
     addGenerationVerbs(commands, chosen);
 }
+
+} // namespace apps

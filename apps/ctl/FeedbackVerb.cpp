@@ -1,5 +1,6 @@
 #include "apps/ctl/InputFiles.h"
 #include "apps/ctl/Verbs.h"
+#include "apps/shared/AbsolutePath.h"
 #include "menuextras/MenuExtraTools.h"
 #include "platform/Bundle.h"
 #include "platform/SystemInfo.h"
@@ -15,6 +16,7 @@
 using platform::SystemFact;
 using platform::TimeZone;
 
+namespace apps {
 namespace {
 
 struct Options {
@@ -139,3 +141,5 @@ void addFeedbackVerb(CLI::App& commands, Action& chosen) {
                     parseZone);
     verb->callback([options, &chosen] { chosen = [options] { return send(*options); }; });
 }
+
+} // namespace apps

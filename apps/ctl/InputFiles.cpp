@@ -1,6 +1,7 @@
 #include "apps/ctl/InputFiles.h"
 
-#include "apps/ctl/Output.h"
+#include "apps/shared/AbsolutePath.h"
+#include "apps/shared/Output.h"
 #include "platform/PropertyListService.h"
 
 #include <filesystem>
@@ -8,11 +9,7 @@
 
 using platform::PropertyList;
 
-std::string absolutePath(const std::string& path) {
-    std::error_code error;
-    const std::string absolute = std::filesystem::absolute(path, error).string();
-    return error ? path : absolute;
-}
+namespace apps {
 
 bool samePlace(const std::string& first, const std::string& second) {
     std::error_code ignored;
@@ -25,11 +22,7 @@ std::optional<PropertyList> readPropertyList(const std::string& path) {
     platform::PropertyListResult result = platform::propertyLists().read(absolutePath(path));
     if (result)
         return std::move(result.value);
-    const auto& [line, column, reason] = result.error;
-    std::string place = path;
-    if (line > 0)
-        place += ":" + std::to_string(line) + ":" + std::to_string(column);
-    refuse(place + ": " + reason);
+    refuse(path + ": " + result.error.text());
     return std::nullopt;
 }
 
@@ -42,3 +35,5 @@ std::optional<PropertyList::Array> readList(const std::string& path) {
     refuse(path + ": no list: the root of this property list is no array");
     return std::nullopt;
 }
+
+} // namespace apps

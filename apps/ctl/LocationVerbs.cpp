@@ -1,18 +1,20 @@
 #include "apps/ctl/InputFiles.h"
 #include "apps/ctl/Verbs.h"
+#include "apps/shared/AbsolutePath.h"
 #include "menuextras/ExportedIdentifiers.h"
+#include "paths/HomeFolders.h"
 #include "paths/LocationRecords.h"
 #include "paths/ovxPaths.h"
 #include "platform/FileManager.h"
 #include "platform/PropertyListService.h"
 #include "platform/base/PathStrings.h"
-#include "platform/posix/HomeFolders.h"
 
 #include <memory>
 #include <string>
 
 using platform::PropertyList;
 
+namespace apps {
 namespace {
 
 struct Options {
@@ -67,7 +69,7 @@ ExitStatus save(const std::string& file) {
     std::optional<PropertyList::Array> list = readList(file);
     if (!list)
         return ExitStatus::Refused;
-    platform::posix::makeHomeFolders(platform::fileManager());
+    paths::makeHomeFolders(platform::fileManager());
     return HalvexFilePaths::HalvexSaveLocationTable(std::move(*list)) ? ExitStatus::Done
                                                                       : ExitStatus::Refused;
 }
@@ -121,3 +123,5 @@ void addLocationVerbs(CLI::App& commands, Action& chosen) {
     saved.add_option("LIST", options->list, "The list")->required();
     addCacheVerbs(*locations, chosen);
 }
+
+} // namespace apps

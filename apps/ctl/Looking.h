@@ -3,6 +3,8 @@
 #include "platform/base/Service.h"
 #include "platform/posix/PosixFileManager.h"
 
+namespace apps {
+
 /// While it lives the library's operations make no folders, so that asking them where things are
 /// leaves no trace. Everything else is as the system's files are.
 class Looking {
@@ -20,3 +22,5 @@ class Looking {
     Files files_;
     platform::ScopedService<platform::FileManager> guard_{files_};
 };
+
+} // namespace apps

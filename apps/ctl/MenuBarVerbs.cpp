@@ -2,6 +2,7 @@
 #include "apps/ctl/InputFiles.h"
 #include "apps/ctl/ProgramFolder.h"
 #include "apps/ctl/Verbs.h"
+#include "apps/shared/AbsolutePath.h"
 #include "platform/posix/StartProgram.h"
 #include "platform/qt/BarClient.h"
 
@@ -13,6 +14,7 @@ using platform::PropertyList;
 using platform::qt::BarClient;
 using platform::qt::BarItem;
 
+namespace apps {
 namespace {
 
 /// Starts the bar beside this program; it logs where this program does.
@@ -93,3 +95,5 @@ void addMenuBarVerbs(CLI::App& commands, Action& chosen) {
         ->required();
     addBarItemVerbs(*bar, chosen);
 }
+
+} // namespace apps

@@ -1,13 +1,14 @@
 #include "apps/ctl/InputFiles.h"
 #include "apps/ctl/ProgramFolder.h"
 #include "apps/ctl/Verbs.h"
+#include "apps/shared/AbsolutePath.h"
 #include "menuextras/ExportedIdentifiers.h"
 #include "menuextras/MenuExtraTools.h"
+#include "paths/HomeFolders.h"
 #include "paths/ovxPaths.h"
 #include "platform/Bundle.h"
 #include "platform/FileManager.h"
 #include "platform/base/PathStrings.h"
-#include "platform/posix/HomeFolders.h"
 
 #include <memory>
 #include <optional>
@@ -18,6 +19,7 @@ using platform::Bundle;
 using platform::deletingLastPathComponent;
 using platform::fileManager;
 
+namespace apps {
 namespace {
 
 std::string usersPlace() {
@@ -72,7 +74,7 @@ ExitStatus copyToUsersPlace(const std::string& source) {
     const std::string folder = deletingLastPathComponent(place);
     const std::string fresh = appendingPathComponent(folder, ".halvex-pane-new");
     const std::string old = appendingPathComponent(folder, ".halvex-pane-old");
-    platform::posix::makeHomeFolders(fileManager());
+    paths::makeHomeFolders(fileManager());
     ovxPaths::ovxMakeDirIfNeeded(folder);
     if (!clear(fresh) || !clear(old) || !fileManager().copyItem(source, fresh))
         return refuse(source + ": cannot be copied to " + folder);
@@ -120,3 +122,5 @@ void addPaneVerbs(CLI::App& commands, Action& chosen) {
     })->add_option("PANE", *source, "The pane; the one that came with this program without it");
     add("uninstall", "Remove the user's copy", uninstall);
 }
+
+} // namespace apps

@@ -1,6 +1,7 @@
 #include "apps/ctl/InputFiles.h"
 #include "apps/ctl/Looking.h"
 #include "apps/ctl/Verbs.h"
+#include "apps/shared/AbsolutePath.h"
 #include "menuextras/ExportedIdentifiers.h"
 #include "paths/ovxPaths.h"
 #include "platform/base/PathStrings.h"
@@ -13,6 +14,7 @@
 using platform::appendingPathComponent;
 using platform::PropertyList;
 
+namespace apps {
 namespace {
 
 using Names = std::vector<std::string>;
@@ -119,3 +121,5 @@ void addPathVerbs(CLI::App& commands, Action& chosen) {
         ->add_option("--exclude", options->excluded, "A path to leave out; may be repeated")
         ->allow_extra_args(false);
 }
+
+} // namespace apps

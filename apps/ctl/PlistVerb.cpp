@@ -4,6 +4,8 @@
 #include <memory>
 #include <string>
 
+namespace apps {
+
 void addPlistVerb(CLI::App& commands, Action& chosen) {
     struct Options {
         std::string file;
@@ -20,3 +22,5 @@ void addPlistVerb(CLI::App& commands, Action& chosen) {
         };
     });
 }
+
+} // namespace apps

@@ -1,10 +1,12 @@
 #pragma once
 
-#include "apps/ctl/Output.h"
+#include "apps/shared/Output.h"
 
 #include <CLI/CLI.hpp>
 
 #include <functional>
+
+namespace apps {
 
 /// What the command line asks for, to be done once all of it has been understood.
 using Action = std::function<ExitStatus()>;
@@ -33,3 +35,5 @@ void addJsonFlag(CLI::App& verb, bool& json);
 inline Format formatFor(bool json) {
     return json ? Format::Json : Format::Xml;
 }
+
+} // namespace apps

@@ -1,9 +1,12 @@
 #include "apps/ctl/InputFiles.h"
 #include "apps/ctl/Verbs.h"
+#include "apps/shared/AbsolutePath.h"
 #include "paths/ovxPaths.h"
 
 #include <memory>
 #include <string>
+
+namespace apps {
 
 void addWarningVerbs(CLI::App& commands, Action& chosen) {
     struct Options {
@@ -39,3 +42,5 @@ void addWarningVerbs(CLI::App& commands, Action& chosen) {
         };
     });
 }
+
+} // namespace apps

@@ -1,6 +1,7 @@
 #include "apps/ctl/InputFiles.h"
-#include "apps/ctl/Output.h"
 #include "apps/ctl/Verbs.h"
+#include "apps/shared/AbsolutePath.h"
+#include "apps/shared/Output.h"
 #include "platform/expat/ExpatPropertyLists.h"
 #include "platform/posix/PosixFileManager.h"
 #include "platform/qt/BarClient.h"
@@ -9,6 +10,8 @@
 #include <cstdlib>
 #include <iostream>
 #include <string>
+
+namespace apps {
 
 void addJsonFlag(CLI::App& verb, bool& json) {
     verb.add_flag("--json", json, "Print JSON");
@@ -58,9 +61,11 @@ ExitStatus run(int argc, char** argv) {
 
 } // namespace
 
+} // namespace apps
+
 int main(int argc, char** argv) {
-    prepareStandardStreams();
-    const ExitStatus status = run(argc, argv);
+    apps::prepareStandardStreams();
+    const apps::ExitStatus status = apps::run(argc, argv);
     std::cout.flush();
     // The bus connection's thread may still be at work, which Qt complains about while it takes
     // itself apart.

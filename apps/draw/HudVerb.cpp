@@ -12,6 +12,7 @@
 
 using namespace platform;
 
+namespace apps {
 namespace {
 
 constexpr Size kFirstSize{320, 200};
@@ -98,3 +99,5 @@ void addHudVerb(CLI::App& commands, Task& task) {
         task = {Task::Needs::Drawing, [options, size] { return drawToFile(*options, size); }};
     });
 }
+
+} // namespace apps

@@ -7,6 +7,7 @@
 
 using namespace platform;
 
+namespace apps {
 namespace {
 
 struct Options {
@@ -66,3 +67,5 @@ void addTintVerb(CLI::App& commands, Task& task) {
         task = {Task::Needs::Drawing, [options, chosen] { return tint(*options, chosen); }};
     });
 }
+
+} // namespace apps

@@ -1,12 +1,14 @@
 #pragma once
 
-#include "apps/ctl/Output.h"
+#include "apps/shared/Output.h"
 #include "platform/Graphics.h"
 
 #include <CLI/CLI.hpp>
 
 #include <functional>
 #include <string>
+
+namespace apps {
 
 /// What a verb does once the command line has been understood, and what it needs for that.
 struct Task {
@@ -37,3 +39,5 @@ struct NumberFormat {
 };
 std::vector<double> parsedNumbers(const std::string& option, const std::string& text,
                                   const NumberFormat& format);
+
+} // namespace apps

@@ -9,6 +9,8 @@
 
 #include <sstream>
 
+namespace apps {
+
 ExitStatus writePng(const platform::Image& image, const std::string& path) {
     const auto& pixels = dynamic_cast<const platform::qt::QtImage&>(image).pixelsForScale(1);
     if (pixels.isNull())
@@ -87,7 +89,9 @@ ExitStatus run(int argc, char** argv) {
 
 } // namespace
 
+} // namespace apps
+
 int main(int argc, char** argv) {
-    prepareStandardStreams();
-    return static_cast<int>(run(argc, argv));
+    apps::prepareStandardStreams();
+    return static_cast<int>(apps::run(argc, argv));
 }

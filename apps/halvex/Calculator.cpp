@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+namespace apps {
 namespace {
 
 const Decimal kCancelled{"1e-45"};
@@ -214,3 +215,5 @@ void Calculator::fail(Fault fault) {
     hasOperand_ = false;
     fault_ = fault;
 }
+
+} // namespace apps

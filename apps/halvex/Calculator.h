@@ -6,6 +6,8 @@
 #include <string>
 #include <string_view>
 
+namespace apps {
+
 /// A desk calculator without its case: keys go in, the number that it shows comes out.
 ///
 /// What is typed is calculated from left to right, without precedence: 2 + 3 × 4 = 20.
@@ -89,3 +91,5 @@ class Calculator {
     std::optional<Decimal> memory_;
     Fault fault_ = Fault::None;
 };
+
+} // namespace apps

@@ -5,8 +5,9 @@
 #include <algorithm>
 #include <string_view>
 
-using Key = Calculator::Key;
+namespace apps {
 
+using Key = Calculator::Key;
 namespace {
 
 constexpr Key digit(char character) {
@@ -86,3 +87,5 @@ std::optional<Key> calculatorKey(const QKeyEvent& event) {
         return std::nullopt;
     return found->second;
 }
+
+} // namespace apps

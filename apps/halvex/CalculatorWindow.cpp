@@ -16,9 +16,11 @@
 #include <algorithm>
 #include <array>
 
-using Fault = Calculator::Fault;
+namespace apps {
+
 using Key = Calculator::Key;
 
+using Fault = Calculator::Fault;
 namespace {
 
 constexpr int kMargin = 12;
@@ -163,3 +165,5 @@ QString CalculatorWindow::pendingText() const {
         return {};
     return shownNumber(pending->left, locale_) + ' ' + labelOf(pending->operation);
 }
+
+} // namespace apps

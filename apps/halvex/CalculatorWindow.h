@@ -7,9 +7,13 @@
 
 #include <map>
 
+class QLabel;
+class QVBoxLayout;
+
+namespace apps {
+
 class FittingLabel;
 class KeyButton;
-class QLabel;
 
 /// The calculator on the screen. Closing it hides it; what it shows stays.
 class CalculatorWindow final : public QWidget {
@@ -28,8 +32,8 @@ class CalculatorWindow final : public QWidget {
     void keyPressEvent(QKeyEvent* event) override;
 
   private:
-    void addDisplay(class QVBoxLayout& column);
-    void addKeys(class QVBoxLayout& column);
+    void addDisplay(QVBoxLayout& column);
+    void addKeys(QVBoxLayout& column);
     void addActions();
     void press(Calculator::Key key);
     /// Shows what the calculator shows.
@@ -44,3 +48,5 @@ class CalculatorWindow final : public QWidget {
     FittingLabel* shown_ = nullptr;
     std::map<Calculator::Key, KeyButton*> keys_;
 };
+
+} // namespace apps

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <charconv>
 
+namespace apps {
 namespace {
 
 constexpr int kZerosBehindPoint = 6;
@@ -89,3 +90,5 @@ std::optional<Decimal> decimalOf(std::string_view text) {
         return std::nullopt;
     return isTooSmall(number) ? Decimal(0) : number;
 }
+
+} // namespace apps

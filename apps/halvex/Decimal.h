@@ -6,6 +6,8 @@
 #include <string>
 #include <string_view>
 
+namespace apps {
+
 /// Numbers as people write them: decimal, with 50 digits to calculate with, of which 16 are shown.
 using Decimal = boost::multiprecision::number<boost::multiprecision::cpp_dec_float<50>,
                                               boost::multiprecision::et_off>;
@@ -27,3 +29,5 @@ std::string decimalText(const Decimal& number);
 /// behind them. Nothing for any other text, for one of more than 1000 characters and for a number
 /// that is too large.
 std::optional<Decimal> decimalOf(std::string_view text);
+
+} // namespace apps

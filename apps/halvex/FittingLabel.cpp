@@ -2,6 +2,7 @@
 
 #include <QFontMetrics>
 
+namespace apps {
 namespace {
 constexpr int kSmallest = 9; // pixels
 }
@@ -35,3 +36,5 @@ void FittingLabel::fit() {
     while (QFontMetrics(face).horizontalAdvance(text()) > width() - 4 && --size > kSmallest);
     setFont(face);
 }
+
+} // namespace apps

@@ -2,6 +2,8 @@
 
 #include <QLabel>
 
+namespace apps {
+
 /// A line of text at the right, as large as fits.
 class FittingLabel final : public QLabel {
     Q_OBJECT
@@ -21,3 +23,5 @@ class FittingLabel final : public QLabel {
 
     const int pixels_;
 };
+
+} // namespace apps

@@ -5,6 +5,7 @@
 
 #include <algorithm>
 
+namespace apps {
 namespace {
 
 constexpr int kFlash = 90; // milliseconds
@@ -86,3 +87,5 @@ void KeyButton::enterEvent(QEnterEvent*) {
 void KeyButton::leaveEvent(QEvent*) {
     update();
 }
+
+} // namespace apps

@@ -2,6 +2,8 @@
 
 #include <QAbstractButton>
 
+namespace apps {
+
 /// A key: a rounded field with a label, in the palette's colours. A checked one is inverted.
 class KeyButton final : public QAbstractButton {
     Q_OBJECT
@@ -27,3 +29,5 @@ class KeyButton final : public QAbstractButton {
 
     const Kind kind_;
 };
+
+} // namespace apps

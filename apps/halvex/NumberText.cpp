@@ -1,16 +1,17 @@
 #include "apps/halvex/NumberText.h"
 
+#include "platform/qt/Strings.h"
+
 #include <QRegularExpression>
 
 #include <algorithm>
 
+using platform::qt::qString;
+
+namespace apps {
 namespace {
 
 constexpr QChar kMinus(0x2212);
-
-QString qString(std::string_view text) {
-    return QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size()));
-}
 
 /// Digits of any script as 0 to 9, and every minus sign as the plain one.
 QString plainCharacters(const QString& text) {
@@ -85,3 +86,5 @@ std::string readNumber(const QString& text, const QLocale& locale) {
             match.captured(4))
         .toStdString();
 }
+
+} // namespace apps

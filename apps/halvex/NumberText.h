@@ -6,6 +6,8 @@
 #include <string>
 #include <string_view>
 
+namespace apps {
+
 /// Numbers as decimalText writes them, in the ways of a locale: its decimal sign, its digits, its
 /// groups of thousands.
 
@@ -19,3 +21,5 @@ QString copiedNumber(std::string_view number, const QLocale& locale);
 /// groups; what is no number of the locale's is taken as one with a point: "0.5" is a half
 /// everywhere, "1.234" is more than a thousand where the point parts groups.
 std::string readNumber(const QString& text, const QLocale& locale);
+
+} // namespace apps

@@ -14,6 +14,7 @@
 
 using platform::logLine;
 
+namespace apps {
 namespace {
 
 constexpr CommandLine kCommandLine{
@@ -70,6 +71,9 @@ int runInBackground(const WindowOptions& options) {
 
 } // namespace
 
+} // namespace apps
+
 int main(int argc, char** argv) {
-    return runWindowProgram(argc, argv, kName, kCommandLine, runInBackground);
+    return apps::runWindowProgram(argc, argv, apps::kName, apps::kCommandLine,
+                                  apps::runInBackground);
 }

@@ -1,6 +1,7 @@
 #include "apps/menubar/Admission.h"
 
 #include "menuextras/ExportedIdentifiers.h"
+#include "menuextras/MenuExtraCatalogue.h"
 #include "platform/Bundle.h"
 #include "platform/FileManager.h"
 #include "platform/base/PathStrings.h"
@@ -9,6 +10,7 @@
 
 using namespace platform;
 
+namespace apps {
 namespace {
 
 /// HalvexFilePaths knows it too, but makes it while it tells.
@@ -31,7 +33,7 @@ bool isCrackerOfPane(const std::string& resolvedPath) {
         pathExtension(deletingLastPathComponent(contents)) != "prefPane")
         return false;
     const auto bundle = Bundle::bundleWithPath(resolvedPath);
-    return bundle && bundle->bundleIdentifier() == kMenuCrackerID;
+    return bundle && bundle->bundleIdentifier() == menuextras::kMenuCrackerID;
 }
 
 } // namespace
@@ -49,3 +51,5 @@ std::string Admission::reasonAgainst(const std::string& path, Cracker cracker) c
         return "it does not lie in " + userItemsFolder();
     return {};
 }
+
+} // namespace apps

@@ -2,8 +2,7 @@
 
 #include <string>
 
-/// The item that, once it is loaded, makes a bar of Admit::System admit others.
-inline constexpr const char* kMenuCrackerID = "net.sourceforge.menucracker";
+namespace apps {
 
 /// Whose items the bar loads when somebody asks it to.
 enum class Admit {
@@ -29,3 +28,5 @@ class Admission {
     Admit mode_;
     std::string ownItemsFolder_;
 };
+
+} // namespace apps

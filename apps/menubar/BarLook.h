@@ -3,6 +3,8 @@
 #include <QPainter>
 #include <QPalette>
 
+namespace apps {
+
 /// The height of the bar in points.
 inline constexpr int kBarHeight = 22;
 
@@ -12,3 +14,5 @@ inline void paintBarGround(QPainter& painter, const QRect& part, const QPalette&
     painter.fillRect(part, palette.window());
     painter.fillRect(part.left(), kBarHeight - 1, part.width(), 1, palette.mid());
 }
+
+} // namespace apps

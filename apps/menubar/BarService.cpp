@@ -12,6 +12,8 @@
 using platform::qt::kBarBusName;
 using platform::qt::kBarObjectPath;
 
+namespace apps {
+
 QDBusArgument& operator<<(QDBusArgument& argument, const MenuExtraRow& row) {
     argument.beginStructure();
     argument << row.identifier << row.path << row.position << row.width;
@@ -79,3 +81,5 @@ bool BarService::Click(const QString& identifier, uint modifierFlags, int clickC
 bool BarService::Snapshot(const QString& path) {
     return menuBar_.snapshot(path.toStdString());
 }
+
+} // namespace apps

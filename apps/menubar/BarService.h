@@ -5,6 +5,8 @@
 #include <QList>
 #include <QString>
 
+namespace apps {
+
 class ItemKeeper;
 class MenuBar;
 
@@ -15,7 +17,6 @@ struct MenuExtraRow {
     int position = 0;
     double width = 0; ///< points
 };
-Q_DECLARE_METATYPE(MenuExtraRow)
 
 QDBusArgument& operator<<(QDBusArgument& argument, const MenuExtraRow& row);
 const QDBusArgument& operator>>(const QDBusArgument& argument, MenuExtraRow& row);
@@ -55,3 +56,7 @@ class BarService final : public QDBusAbstractAdaptor {
     MenuBar& menuBar_;
     ItemKeeper& items_;
 };
+
+} // namespace apps
+
+Q_DECLARE_METATYPE(apps::MenuExtraRow)

@@ -11,6 +11,7 @@
 
 #include <algorithm>
 
+namespace apps {
 namespace {
 
 constexpr int kRightMargin = 4; // points between the first item and the screen's edge
@@ -74,3 +75,5 @@ void BarWindow::paintEvent(QPaintEvent*) {
     QPainter painter(this);
     paintBarGround(painter, rect(), palette());
 }
+
+} // namespace apps

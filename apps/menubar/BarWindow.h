@@ -4,6 +4,8 @@
 
 #include <vector>
 
+namespace apps {
+
 class ItemWidget;
 
 /// The dock along the top of the primary screen. Follows the screen when it comes, goes or changes.
@@ -30,3 +32,5 @@ class BarWindow final : public QWidget {
     QMetaObject::Connection geometryConnection_;
     QMetaObject::Connection resolutionConnection_;
 };
+
+} // namespace apps

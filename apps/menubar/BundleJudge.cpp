@@ -12,6 +12,7 @@
 
 using namespace platform;
 
+namespace apps {
 namespace {
 
 constexpr std::size_t kLongestName = 255; // what is noted of an item stays short
@@ -100,3 +101,5 @@ JudgedBundle judgeBundle(const std::string& path) {
             *bundle->stringForInfoDictionaryKey("NSPrincipalClass"),
             {}};
 }
+
+} // namespace apps

@@ -5,6 +5,8 @@
 #include <memory>
 #include <string>
 
+namespace apps {
+
 /// A bundle that the bar may load code from, or why it may not.
 struct JudgedBundle {
     std::shared_ptr<platform::Bundle> bundle; ///< null when refused
@@ -19,3 +21,5 @@ struct JudgedBundle {
 /// principal class and the right ABI number in Info.plist; code for this processor; folders and
 /// files that belong to the user or root and that nobody else can write. Never throws.
 JudgedBundle judgeBundle(const std::string& path);
+
+} // namespace apps

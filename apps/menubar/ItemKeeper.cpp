@@ -3,17 +3,17 @@
 #include "apps/menubar/MenuBar.h"
 #include "apps/menubar/Places.h"
 #include "apps/menubar/StepJournal.h"
+#include "apps/shared/AbsolutePath.h"
+#include "menuextras/MenuExtraCatalogue.h"
+#include "paths/HomeFolders.h"
 #include "paths/ovxPaths.h"
 #include "platform/Bundle.h"
 #include "platform/FileManager.h"
 #include "platform/Log.h"
 #include "platform/base/PathStrings.h"
-#include "platform/posix/HomeFolders.h"
 #include "platform/runtime/Guard.h"
 
-#include <QFileInfo>
 #include <QTimer>
-#include <QUrl>
 
 #include <algorithm>
 #include <chrono>
@@ -21,11 +21,11 @@
 
 using namespace platform;
 
+namespace apps {
 namespace {
 
 constexpr const char* kJournalFile = "Menu Bar Step";
 constexpr const char* kOwnClock = "Clock.menu";
-constexpr const char* kOwnClockID = "com.apple.menuextra.clock";
 constexpr std::int32_t kLastPosition = 999; // left of everything else
 // Flushing to the disk may take longer than all the rest: the new item is drawn first.
 constexpr std::chrono::milliseconds kWriteDelay{20};
@@ -35,14 +35,9 @@ std::int32_t number(MenuExtraStatus status) {
     return static_cast<std::int32_t>(status);
 }
 
-bool isFolder(const std::string& path) {
-    bool folder = false;
-    return fileManager().fileExists(path, &folder) && folder;
-}
-
 std::string versionAt(const std::string& path) {
     const auto bundle = Bundle::bundleWithPath(path);
-    return bundle ? bundle->stringForInfoDictionaryKey("CFBundleVersion").value_or("") : "";
+    return bundle ? bundle->version().value_or("") : "";
 }
 
 } // namespace
@@ -58,14 +53,14 @@ ItemKeeper::~ItemKeeper() {
 // From one run to the next.
 
 void ItemKeeper::start(const std::vector<std::string>& commandLine) {
-    posix::makeHomeFolders(fileManager());
+    paths::makeHomeFolders(fileManager());
     const std::string folder = HalvexFilePaths::ovxGetUsersHalvexProSupportDir();
     list_ = std::make_unique<ItemList>(appendingPathComponent(folder, ItemList::kFileName),
                                        admission_.ownItemsFolder());
     journal_.open(appendingPathComponent(folder, kJournalFile));
     if (!list_->read())
-        list_->insert(
-            {kOwnClockID, appendingPathComponent(admission_.ownItemsFolder(), kOwnClock), 0, ""});
+        list_->insert({menuextras::kSystemClockID,
+                       appendingPathComponent(admission_.ownItemsFolder(), kOwnClock), 0, ""});
     noteCrash();
     restore();
     for (const std::string& bundle : commandLine) {
@@ -90,10 +85,11 @@ void ItemKeeper::noteCrash() {
 void ItemKeeper::restore() {
     std::vector<ItemRecord> items = list_->items();
     // Others may need it to be admitted.
-    std::stable_partition(items.begin(), items.end(),
-                          [](const ItemRecord& item) { return item.identifier == kMenuCrackerID; });
+    std::stable_partition(items.begin(), items.end(), [](const ItemRecord& item) {
+        return item.identifier == menuextras::kMenuCrackerID;
+    });
     for (const ItemRecord& item : items) {
-        if (!isFolder(item.path)) {
+        if (!fileManager().isDirectory(item.path)) {
             logLine("menu extra %@ is gone from %@", item.identifier, item.path);
             list_->forget(item.path);
             writeSoon();
@@ -141,13 +137,13 @@ std::int32_t ItemKeeper::getMenuExtra(const std::string& identifier,
 
 std::int32_t ItemKeeper::addMenuExtra(const std::string& url, std::int32_t position, std::int32_t,
                                       std::int32_t, std::int32_t, std::int32_t) {
-    const QUrl parsed(QString::fromStdString(url)); // blanks may stand in it as they are
-    if (!parsed.isLocalFile() || !QFileInfo(parsed.toLocalFile()).isAbsolute()) {
+    const auto file = pathOfFileURL(url);
+    if (!file) {
         logLine("no menu extra loaded: %@ is no file URL", url);
         return number(MenuExtraStatus::BadParameter);
     }
-    const std::string path = absolutePath(parsed.toLocalFile().toStdString());
-    if (!isFolder(path)) {
+    const std::string path = absolutePath(*file);
+    if (!fileManager().isDirectory(path)) {
         logLine("no menu extra loaded: there is no bundle at %@", path);
         return number(MenuExtraStatus::FileNotFound);
     }
@@ -160,8 +156,8 @@ std::int32_t ItemKeeper::addMenuExtra(const std::string& url, std::int32_t posit
 }
 
 bool ItemKeeper::admits(const std::string& path) const {
-    const auto cracker =
-        menuBar_.find(kMenuCrackerID) ? Admission::Cracker::Loaded : Admission::Cracker::NotLoaded;
+    const auto cracker = menuBar_.find(menuextras::kMenuCrackerID) ? Admission::Cracker::Loaded
+                                                                   : Admission::Cracker::NotLoaded;
     const std::string reason = admission_.reasonAgainst(path, cracker);
     if (!reason.empty())
         logLine("menu extra at %@ declined: %@", path, reason);
@@ -205,3 +201,5 @@ MenuExtraStatus ItemKeeper::remove(MenuExtraReference reference) {
         writeSoon();
     return status;
 }
+
+} // namespace apps

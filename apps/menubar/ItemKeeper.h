@@ -1,14 +1,16 @@
 #pragma once
 
 #include "apps/menubar/Admission.h"
-#include "apps/menubar/ItemList.h"
-#include "apps/menubar/ItemRecord.h"
+#include "apps/shared/ItemList.h"
+#include "apps/shared/ItemRecord.h"
 #include "platform/MenuExtraServer.h"
 
 #include <cstdint>
 #include <memory>
 #include <string>
 #include <vector>
+
+namespace apps {
 
 class MenuBar;
 class StepJournal;
@@ -55,3 +57,5 @@ class ItemKeeper final : public platform::MenuExtraServer {
     bool writesSoon_ = false;
     platform::ScopedService<platform::MenuExtraServer> asServer_{*this};
 };
+
+} // namespace apps

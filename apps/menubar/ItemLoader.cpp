@@ -8,6 +8,7 @@
 
 using namespace platform;
 
+namespace apps {
 namespace {
 
 LoadedItem failed(const JudgedBundle& judged, const std::string& reason) {
@@ -46,3 +47,5 @@ LoadedItem loadItem(const JudgedBundle& judged) {
         reason = "it raised an exception";
     return item ? std::move(item) : failed(judged, reason);
 }
+
+} // namespace apps

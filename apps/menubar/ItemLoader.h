@@ -7,6 +7,8 @@
 #include <memory>
 #include <string>
 
+namespace apps {
+
 /// An item and the code that it lives in, in the order in which they must go: the item first.
 struct LoadedItem {
     std::string identifier;
@@ -19,3 +21,5 @@ struct LoadedItem {
 /// initialises the item. Whatever goes wrong is logged with the bundle's identifier or path,
 /// exceptions of the item's own included. Main thread.
 LoadedItem loadItem(const JudgedBundle& judged);
+
+} // namespace apps

@@ -18,6 +18,7 @@
 
 using namespace platform;
 
+namespace apps {
 namespace {
 
 std::int32_t buttonNumber(Qt::MouseButton button) {
@@ -136,3 +137,5 @@ std::int32_t ItemWidget::countClick(const QMouseEvent& event) {
     lastButton_ = event.button();
     return clickCount_;
 }
+
+} // namespace apps

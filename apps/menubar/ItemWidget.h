@@ -12,6 +12,8 @@ namespace platform::qt {
 class QtGraphics;
 }
 
+namespace apps {
+
 /// Shows one item in the bar: the bar's ground, the highlight while its menu is open, and on top of
 /// that what the item's view draws, composited in a layer of its own. What the view draws with XOR
 /// on the highlight is therefore cut out of it and shows the bar's ground.
@@ -60,3 +62,5 @@ class ItemWidget final : public QWidget {
     quint64 lastTime_ = 0; // milliseconds
     std::int32_t clickCount_ = 0;
 };
+
+} // namespace apps

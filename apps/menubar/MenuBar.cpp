@@ -6,6 +6,7 @@
 #include "platform/Workspace.h"
 #include "platform/qt/Modifiers.h"
 #include "platform/qt/QtGraphics.h"
+#include "platform/qt/Strings.h"
 #include "platform/runtime/Guard.h"
 
 #include <QAbstractEventDispatcher>
@@ -20,12 +21,10 @@
 #include <utility>
 
 using namespace platform;
+using platform::qt::qString;
 
+namespace apps {
 namespace {
-
-QString qString(std::string_view text) {
-    return QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size()));
-}
 
 bool hasMenu(const LoadedItem& item) {
     bool has = false;
@@ -66,9 +65,8 @@ MenuExtraStatus MenuBar::add(const std::string& path, std::int32_t position, Ori
         logLine("menu extra %@ is loaded already", judged.identifier);
         return MenuExtraStatus::NoError;
     }
-    const ItemRecord record{
-        judged.identifier, path, position,
-        judged.bundle->stringForInfoDictionaryKey("CFBundleVersion").value_or(""), origin};
+    const ItemRecord record{judged.identifier, path, position,
+                            judged.bundle->version().value_or(""), origin};
     LoadedItem loadedItem;
     {
         const StepJournal::Scope step(journal_, {"loading", record});
@@ -394,3 +392,5 @@ bool MenuBar::snapshot(const std::string& path) {
         logLine("no picture at %@: %@", path, file.errorString().toStdString());
     return written;
 }
+
+} // namespace apps

@@ -2,9 +2,9 @@
 
 #include "apps/menubar/BarWindow.h"
 #include "apps/menubar/ItemLoader.h"
-#include "apps/menubar/ItemRecord.h"
 #include "apps/menubar/ItemWidget.h"
 #include "apps/menubar/StepJournal.h"
+#include "apps/shared/ItemRecord.h"
 #include "platform/EventSource.h"
 #include "platform/MenuExtraHost.h"
 #include "platform/MenuExtraServer.h"
@@ -25,6 +25,8 @@
 namespace platform::qt {
 class QtGraphics;
 }
+
+namespace apps {
 
 /// The menu bar: loads items, shows them, sends clicks to them, opens their menus and unloads them.
 /// An item that fails takes nothing with it: what its code throws is logged with its identifier.
@@ -133,3 +135,5 @@ class MenuBar final : public QObject, public platform::MenuExtraHost, public pla
     bool menuRequested_ = false;   // by the click that is being handled
     std::optional<platform::Event> handledEvent_;
 };
+
+} // namespace apps

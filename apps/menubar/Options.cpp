@@ -6,6 +6,7 @@
 #include <string_view>
 #include <utility>
 
+namespace apps {
 namespace {
 
 constexpr int kWrongUsage = 2;
@@ -73,3 +74,5 @@ std::optional<Options> readOptions(int argc, char** argv, int& status) {
     options.bundles.assign(argv + optind, argv + argc);
     return options;
 }
+
+} // namespace apps

@@ -2,8 +2,9 @@
 
 #include <string>
 
+namespace apps {
+
 /// The folder of the bar's own items, found from where this program is.
 std::string ownItemsFolder();
 
-/// A path as people write it, absolute and without trailing slashes.
-std::string absolutePath(const std::string& path);
+} // namespace apps

@@ -16,6 +16,7 @@
 
 using platform::logLine;
 
+namespace apps {
 namespace {
 
 constexpr std::string_view kForThisRun = "1";
@@ -145,3 +146,5 @@ void StepJournal::write(const std::string& bytes) const {
         const auto written = pwrite(file_, bytes.data(), bytes.size(), 0);
     [[maybe_unused]] const int ignored = ftruncate(file_, static_cast<off_t>(bytes.size()));
 }
+
+} // namespace apps

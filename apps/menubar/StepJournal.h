@@ -1,6 +1,6 @@
 #pragma once
 
-#include "apps/menubar/ItemRecord.h"
+#include "apps/shared/ItemRecord.h"
 #include "platform/base/NonCopyable.h"
 
 #include <csignal>
@@ -8,6 +8,8 @@
 #include <string>
 #include <string_view>
 #include <vector>
+
+namespace apps {
 
 /// Where the bar notes which item's code it is about to run for a step that a bad item does not
 /// survive. The note is in a file and outlives the process, however that dies (not the machine:
@@ -62,3 +64,5 @@ class StepJournal : platform::NonCopyable {
     std::vector<std::string> underWay_; // the innermost step last
     std::vector<Item> items_;
 };
+
+} // namespace apps

@@ -13,6 +13,7 @@
 #include <string_view>
 #include <xcb/xcb.h>
 
+namespace apps {
 namespace {
 
 /// Null where there is no X server; "offscreen" has the interface but no connection.
@@ -77,3 +78,5 @@ void X11Dock::reserveTop(QWindow& window, const QScreen& screen, int height) {
                 std::array<std::uint32_t, 12>{0, 0, top, 0, 0, 0, 0, 0, left, right, 0, 0});
     xcb_flush(connection());
 }
+
+} // namespace apps

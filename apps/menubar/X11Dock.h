@@ -5,6 +5,8 @@
 class QScreen;
 class QWindow;
 
+namespace apps {
+
 /// Tells an X11 window manager that a window is a dock: on every desktop, and with the top of a
 /// screen reserved for it. Nothing on other platforms.
 class X11Dock {
@@ -14,3 +16,5 @@ class X11Dock {
     /// Reserves the top @p height points of @p screen; again whenever one of them changes.
     static void reserveTop(QWindow& window, const QScreen& screen, int height);
 };
+
+} // namespace apps

@@ -15,6 +15,7 @@
 
 using platform::logLine;
 
+namespace apps {
 namespace {
 
 int runBar(const Options& options) {
@@ -42,11 +43,13 @@ int runBar(const Options& options) {
 
 } // namespace
 
+} // namespace apps
+
 int main(int argc, char** argv) {
     int status = 0;
-    const auto options = readOptions(argc, argv, status);
+    const auto options = apps::readOptions(argc, argv, status);
     if (!options)
         return status;
-    const auto application = startApplication(argv, "halvex-menubar");
-    return runBar(*options);
+    const auto application = apps::startApplication(argv, "halvex-menubar");
+    return apps::runBar(*options);
 }

@@ -7,6 +7,8 @@
 
 using namespace platform::qt;
 
+namespace apps {
+
 BarWatch::BarWatch() {
     auto bus = QDBusConnection::sessionBus();
     for (const char* member : {"MenuExtraLoaded", "MenuExtraUnloaded"})
@@ -20,3 +22,5 @@ BarWatch::BarWatch() {
 void BarWatch::itemChanged(const QString&) {
     emit changed();
 }
+
+} // namespace apps

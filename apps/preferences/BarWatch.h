@@ -3,6 +3,8 @@
 #include <QObject>
 #include <QString>
 
+namespace apps {
+
 /// Tells when the menu bar may have other items than before: when it says so, comes, or goes. Main
 /// thread.
 class BarWatch final : public QObject {
@@ -17,3 +19,5 @@ class BarWatch final : public QObject {
   private slots:
     void itemChanged(const QString& identifier);
 };
+
+} // namespace apps

@@ -1,10 +1,10 @@
 #include "apps/preferences/MenuExtraSwitches.h"
 
 #include "menuextras/MenuExtraTools.h"
+#include "paths/HomeFolders.h"
 #include "platform/FileManager.h"
 #include "platform/MainThread.h"
 #include "platform/base/PathStrings.h"
-#include "platform/posix/HomeFolders.h"
 
 #include <QCheckBox>
 #include <QEvent>
@@ -16,6 +16,7 @@
 
 using platform::Bundle;
 
+namespace apps {
 namespace {
 
 constexpr int kUnknownTag = -1;
@@ -112,7 +113,7 @@ void MenuExtraSwitches::turn(std::size_t index, bool on) {
     entry.box->setEnabled(false);
     message_->setText(QString(on ? "Turning on %1 …" : "Turning off %1 …").arg(entry.box->text()));
     later([this, index, on, tag = entry.tag, identifier = entry.identifier] {
-        platform::posix::makeHomeFolders(platform::fileManager());
+        paths::makeHomeFolders(platform::fileManager());
         HalvexMenuExtraTools::menuExtraToggle(tag, on ? 1 : 0);
         showLater([this, index, on, loaded = isLoaded(identifier)] { turned(index, on, loaded); });
     });
@@ -144,3 +145,5 @@ void MenuExtraSwitches::showLater(std::function<void()> code) {
     };
     platform::mainThread().perform(unlessGone, platform::MainThread::Wait::No);
 }
+
+} // namespace apps

@@ -12,6 +12,8 @@
 
 class QCheckBox;
 
+namespace apps {
+
 /// The interface of the product's pane: a check box for each menu extra that it ships, checked
 /// while the menu bar has it. The pane is to be the one that the process has loaded, for the
 /// library turns on what that one ships.
@@ -53,3 +55,5 @@ class MenuExtraSwitches final : public QWidget {
     QLabel* message_ = nullptr;
     QThreadPool worker_;
 };
+
+} // namespace apps

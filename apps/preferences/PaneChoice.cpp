@@ -8,6 +8,7 @@
 using platform::Bundle;
 using platform::fileManager;
 
+namespace apps {
 namespace {
 
 constexpr const char* kPaneFolders[] = {"/Library/PreferencePanes", "~/Library/PreferencePanes"};
@@ -52,3 +53,5 @@ std::string paneName(const Bundle& pane) {
     return pane.stringForInfoDictionaryKey("CFBundleName")
         .value_or(folder.substr(0, folder.rfind('.')));
 }
+
+} // namespace apps

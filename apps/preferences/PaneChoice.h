@@ -5,6 +5,8 @@
 #include <memory>
 #include <string>
 
+namespace apps {
+
 /// A preference pane that was asked for, or why it cannot be shown.
 struct PaneChoice {
     std::shared_ptr<platform::Bundle> pane; ///< null when there is a reason
@@ -22,3 +24,5 @@ PaneChoice paneWithIdentifier(const std::string& identifier,
 
 /// CFBundleName; the folder's name without its extension when there is none.
 std::string paneName(const platform::Bundle& pane);
+
+} // namespace apps

@@ -12,6 +12,7 @@
 
 using platform::Bundle;
 
+namespace apps {
 namespace {
 
 constexpr QSize kSize(440, 230);
@@ -128,3 +129,5 @@ void PreferencesWindow::refresh() {
     if (switches_)
         switches_->refresh();
 }
+
+} // namespace apps

@@ -6,8 +6,11 @@
 
 #include <functional>
 
-class MenuExtraSwitches;
 class QVBoxLayout;
+
+namespace apps {
+
+class MenuExtraSwitches;
 
 /// The window of the preferences: one pane at a time, or why there is none.
 class PreferencesWindow final : public QWidget {
@@ -39,3 +42,5 @@ class PreferencesWindow final : public QWidget {
     QWidget* page_ = nullptr;
     MenuExtraSwitches* switches_ = nullptr; ///< null when the page has none
 };
+
+} // namespace apps

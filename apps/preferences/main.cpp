@@ -1,5 +1,6 @@
 #include "apps/preferences/BarWatch.h"
 #include "apps/preferences/PreferencesWindow.h"
+#include "apps/shared/AbsolutePath.h"
 #include "apps/support/ProgramAppearance.h"
 #include "apps/support/SessionApplication.h"
 #include "apps/support/Signals.h"
@@ -7,12 +8,14 @@
 #include "apps/support/WindowService.h"
 #include "menuextras/ExportedIdentifiers.h"
 #include "platform/Log.h"
+#include "platform/base/PathStrings.h"
 #include "platform/qt/BarClient.h"
 
 #include <QApplication>
 #include <QDir>
 #include <QUrl>
 
+namespace apps {
 namespace {
 
 constexpr CommandLine kCommandLine{
@@ -31,10 +34,7 @@ start shows its pane there.
 constexpr const char* kBusName = "com.quorvanesoftware.Preferences";
 constexpr const char* kSelect = "select";
 
-std::string absolutePath(const std::string& path) {
-    return QDir::cleanPath(QDir::current().absoluteFilePath(QString::fromStdString(path)))
-        .toStdString();
-}
+using apps::absolutePath;
 
 void showPane(PreferencesWindow& window, const PaneChoice& choice) {
     window.show(choice);
@@ -47,9 +47,10 @@ void select(PreferencesWindow& window, const std::string& identifier) {
 
 QString open(PreferencesWindow& window, const QStringList& uris) {
     for (const QString& uri : uris) {
-        if (!QUrl(uri).isLocalFile())
-            return QString("\"%1\" is no file").arg(uri);
-        showPane(window, paneAtPath(absolutePath(QUrl(uri).toLocalFile().toStdString())));
+        const auto path = platform::pathOfFileURL(uri.toStdString());
+        if (!path)
+            return QString("\"%1\" is not a file URL").arg(uri);
+        showPane(window, paneAtPath(absolutePath(*path)));
     }
     return {};
 }
@@ -108,6 +109,9 @@ int runWindow(const WindowOptions& options) {
 
 } // namespace
 
+} // namespace apps
+
 int main(int argc, char** argv) {
-    return runWindowProgram(argc, argv, "halvex-preferences", kCommandLine, runWindow);
+    return apps::runWindowProgram(argc, argv, "halvex-preferences", apps::kCommandLine,
+                                  apps::runWindow);
 }

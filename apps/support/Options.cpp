@@ -4,6 +4,7 @@
 #include <cstdio>
 #include <getopt.h>
 
+namespace apps {
 namespace {
 constexpr int kWrongUsage = 2;
 }
@@ -43,3 +44,5 @@ std::optional<WindowOptions> readWindowOptions(int argc, char** argv,
     status = kWrongUsage;
     return std::nullopt;
 }
+
+} // namespace apps

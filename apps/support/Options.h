@@ -6,6 +6,8 @@
 #include <string>
 #include <vector>
 
+namespace apps {
+
 /// The command line of a program with a window: its own arguments, the colours, and perhaps one
 /// option more.
 struct WindowOptions {
@@ -25,3 +27,5 @@ struct CommandLine {
 /// which are answered here, gives nothing and writes the program's status to @p status.
 std::optional<WindowOptions> readWindowOptions(int argc, char** argv,
                                                const CommandLine& commandLine, int& status);
+
+} // namespace apps

@@ -7,6 +7,7 @@
 #include <QDBusPendingReply>
 #include <QPalette>
 
+namespace apps {
 namespace {
 
 constexpr const char* kService = "org.freedesktop.portal.Desktop";
@@ -63,3 +64,5 @@ void ProgramAppearance::follow(uint scheme) {
     if (scheme == kPreferDark && !isDark)
         applyAppearance(Appearance::Dark);
 }
+
+} // namespace apps

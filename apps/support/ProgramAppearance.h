@@ -5,6 +5,8 @@
 #include <QDBusMessage>
 #include <QObject>
 
+namespace apps {
+
 /// Gives the program its colours. When those are the desktop's, keeps it as light or dark as the
 /// desktop says it wants to be (the setting "color-scheme" of the settings portal), now and
 /// whenever that changes. Qt's own platform themes are heard first: a palette that is dark already
@@ -23,3 +25,5 @@ class ProgramAppearance final : public QObject {
     void askDesktop();
     static void follow(uint scheme);
 };
+
+} // namespace apps

@@ -8,6 +8,7 @@
 
 #include <utility>
 
+namespace apps {
 namespace {
 
 constexpr const char* kInterface = "org.freedesktop.Application";
@@ -70,3 +71,5 @@ void SessionApplicationAdaptor::ActivateAction(const QString& action,
                                                const QDBusMessage& message) {
     replyWithError(message, application_.handlers_.act(action, parameters));
 }
+
+} // namespace apps

@@ -9,6 +9,8 @@
 
 #include <functional>
 
+namespace apps {
+
 /// A program of which each session has one, found on the session bus by its name there and asked
 /// through org.freedesktop.Application. Ends the main loop when the bus goes, for the session is
 /// over then. Main thread.
@@ -63,3 +65,5 @@ class SessionApplicationAdaptor final : public QDBusAbstractAdaptor {
   private:
     SessionApplication& application_;
 };
+
+} // namespace apps

@@ -11,6 +11,7 @@
 #include <fcntl.h>
 #include <unistd.h>
 
+namespace apps {
 namespace {
 
 constexpr std::array kSignals{SIGINT, SIGTERM, SIGHUP};
@@ -59,3 +60,5 @@ QuitOnSignals::~QuitOnSignals() {
     for (int& end : pipeEnds)
         close(end);
 }
+
+} // namespace apps

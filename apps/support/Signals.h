@@ -5,6 +5,8 @@
 
 #include <memory>
 
+namespace apps {
+
 /// Ends the main loop when the program is asked to end (SIGINT, SIGTERM, SIGHUP), so that every
 /// item is unloaded in order. One at a time, while the QApplication lives.
 class QuitOnSignals : platform::NonCopyable {
@@ -15,3 +17,5 @@ class QuitOnSignals : platform::NonCopyable {
   private:
     std::unique_ptr<platform::Watch> watch_;
 };
+
+} // namespace apps

@@ -13,6 +13,7 @@
 
 using platform::logLine;
 
+namespace apps {
 namespace {
 
 QPalette lightPalette() {
@@ -115,3 +116,5 @@ void applyAppearance(Appearance appearance) {
         return QApplication::setPalette(darkPalette());
     }
 }
+
+} // namespace apps

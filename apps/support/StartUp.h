@@ -12,6 +12,8 @@
 
 class QApplication;
 
+namespace apps {
+
 // What a program does first, whatever it shows.
 
 /// Which colours a program has.
@@ -45,3 +47,5 @@ void logQtMessages();
 
 /// Gives the program the palette that was asked for. The desktop's is there at the start.
 void applyAppearance(Appearance appearance);
+
+} // namespace apps

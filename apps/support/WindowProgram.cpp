@@ -5,6 +5,8 @@
 
 #include <QApplication>
 
+namespace apps {
+
 int runWindowProgram(int argc, char** argv, const char* name, const CommandLine& commandLine,
                      int (*run)(const WindowOptions& options)) {
     int status = 0;
@@ -16,3 +18,5 @@ int runWindowProgram(int argc, char** argv, const char* name, const CommandLine&
     platform::qt::install();
     return run(*options);
 }
+
+} // namespace apps

@@ -4,6 +4,8 @@
 #include <QEvent>
 #include <QTimer>
 
+namespace apps {
+
 WindowService::WindowService(QObject& busObject, QWidget& window)
     : QDBusAbstractAdaptor(&busObject), window_(window) {
     window.installEventFilter(this);
@@ -23,3 +25,5 @@ bool WindowService::eventFilter(QObject* watched, QEvent* event) {
 bool WindowService::Snapshot(const QString& path) {
     return window_.isVisible() && QDir::isAbsolutePath(path) && window_.grab().save(path, "PNG");
 }
+
+} // namespace apps

@@ -4,6 +4,8 @@
 #include <QString>
 #include <QWidget>
 
+namespace apps {
+
 /// A program's window on the session bus, for those who want to see what it shows: tests,
 /// benchmarks and scripts. Part of the object that the program has there.
 class WindowService final : public QDBusAbstractAdaptor {
@@ -29,3 +31,5 @@ class WindowService final : public QDBusAbstractAdaptor {
     QWidget& window_;
     bool isAwaited_ = false; ///< the first picture
 };
+
+} // namespace apps

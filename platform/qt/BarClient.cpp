@@ -2,6 +2,7 @@
 
 #include "platform/Log.h"
 #include "platform/qt/BarNames.h"
+#include "platform/qt/Strings.h"
 #include "platform/values/Event.h"
 
 #include <QDBusArgument>
@@ -17,10 +18,6 @@ namespace platform::qt {
 namespace {
 
 constexpr const char* kNoReply = "the menu bar hangs: it does not answer";
-
-QString qString(const std::string& text) {
-    return QString::fromStdString(text);
-}
 
 BarItem readItem(const QDBusArgument& rows) {
     QString identifier, path;

@@ -1,5 +1,6 @@
 #include "platform/qt/BusConnection.h"
 
+#include "platform/qt/Strings.h"
 #include "platform/runtime/DetachedThread.h"
 
 #include <QDBusConnection>
@@ -16,10 +17,6 @@ namespace {
 std::string uniqueName(const std::string& purpose) {
     static std::atomic<int> count = 0;
     return "halvex-" + purpose + '-' + std::to_string(++count);
-}
-
-QString qString(const std::string& text) {
-    return QString::fromStdString(text);
 }
 
 } // namespace

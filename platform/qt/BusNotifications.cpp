@@ -4,6 +4,7 @@
 #include "platform/PropertyListService.h"
 #include "platform/qt/BusNames.h"
 #include "platform/qt/SignalReceiver.h"
+#include "platform/qt/Strings.h"
 
 #include <QCoreApplication>
 #include <QDBusConnection>
@@ -20,10 +21,6 @@ namespace {
 constexpr std::size_t kMaximumUserInfoBytes = std::size_t{16} << 20;
 
 constexpr int kFlushLimit = 1000; // milliseconds
-
-QString qString(const std::string& text) {
-    return QString::fromStdString(text);
-}
 
 /// Nothing when the user information cannot be carried.
 std::optional<QDBusMessage> signalFor(const Notification& notification) {

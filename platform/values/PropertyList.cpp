@@ -166,6 +166,16 @@ PropertyList::Dictionary* PropertyList::dictionary() {
     return kind_ == Kind::Dictionary ? load<Dictionary*>() : nullptr;
 }
 
+const PropertyList* PropertyList::find(std::string_view key) const {
+    const Dictionary* values = dictionary();
+    return values ? values->find(key) : nullptr;
+}
+
+std::string_view PropertyList::stringAt(std::string_view key) const {
+    const PropertyList* value = find(key);
+    return value ? value->string().value_or(std::string_view()) : std::string_view();
+}
+
 bool operator==(const PropertyList& left, const PropertyList& right) {
     using Kind = PropertyList::Kind;
     if (left.kind_ != right.kind_)

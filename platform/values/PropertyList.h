@@ -100,6 +100,11 @@ class PropertyList {
     const Dictionary* dictionary() const;
     Dictionary* dictionary();
 
+    /// Returns the value under @p key, or null if this is not a dictionary or has no such key.
+    const PropertyList* find(std::string_view key) const;
+    /// Returns the string under @p key, or an empty one if there is no string.
+    std::string_view stringAt(std::string_view key) const;
+
     /// The same type and the same value: reals bit for bit, dictionaries in the same order.
     friend bool operator==(const PropertyList& left, const PropertyList& right);
 

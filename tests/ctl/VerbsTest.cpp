@@ -139,8 +139,8 @@ TEST(PlistVerb, SaysInOneLineWhereAFileGoesWrong) {
     const Ctl ctl;
     ctl.write("tag", "<plist>\n  <array>\n  </dict>");
     ctl.write("two\nlines", "x");
-    ctl.follow({{"halvexctl plist tag", "", 1, "halvexctl: tag:3:5: mismatched tag\n"},
-                {"halvexctl plist 'two\nlines'", "", 1, ": two?lines:1:1: syntax error\n"}});
+    ctl.follow({{"halvexctl plist tag", "", 1, "halvexctl: tag: line 3, column 5: mismatched tag\n"},
+                {"halvexctl plist 'two\nlines'", "", 1, ": two?lines: line 1, column 1: syntax error\n"}});
 }
 
 } // namespace

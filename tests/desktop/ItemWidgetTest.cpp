@@ -10,6 +10,8 @@
 
 #include <gtest/gtest.h>
 
+using namespace apps;
+
 namespace {
 
 /// A base class's item with the title "12:34", shown.

@@ -7,8 +7,10 @@
 #include <utility>
 #include <vector>
 
-using Fault = Calculator::Fault;
-using Key = Calculator::Key;
+using Fault = apps::Calculator::Fault;
+using Key = apps::Calculator::Key;
+
+using namespace apps;
 
 namespace {
 

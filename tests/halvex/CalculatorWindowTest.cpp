@@ -12,6 +12,8 @@
 
 #include <set>
 
+using namespace apps;
+
 namespace {
 
 const QLocale kGerman(QLocale::German, QLocale::Germany);

@@ -76,7 +76,7 @@ TEST_F(PreferencesProcess, RefusesWhatItCannotUnderstand) {
     EXPECT_EQ(request("ActivateAction", {"select", QVariantList()}),
               "the action \"select\" takes an identifier");
     EXPECT_EQ(request("Open", {QStringList("http://a/b.prefPane")}),
-              "\"http://a/b.prefPane\" is no file");
+              "\"http://a/b.prefPane\" is not a file URL");
 }
 
 } // namespace

@@ -17,6 +17,8 @@
 using testing::Contains;
 using testing::HasSubstr;
 
+using namespace apps;
+
 namespace {
 
 constexpr const char* kFolder = "~/Library/PreferencePanes";

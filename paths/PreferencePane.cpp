@@ -1,10 +1,12 @@
-#include "menuextras/PreferencePane.h"
+#include "paths/PreferencePane.h"
 
 #include "menuextras/ExportedIdentifiers.h"
 #include "platform/FileManager.h"
 #include "platform/base/PathStrings.h"
 
 using platform::Bundle;
+
+namespace paths {
 
 std::shared_ptr<Bundle> loadedPreferencePane() {
     return Bundle::bundleWithIdentifier(HalvexPrefsBundleID);
@@ -20,3 +22,5 @@ std::shared_ptr<Bundle> installedPreferencePane() {
     auto everybodys = preferencePaneAt(HalvexProPrefsAllUsers);
     return everybodys ? everybodys : preferencePaneAt(HalvexProPrefsAUser);
 }
+
+} // namespace paths

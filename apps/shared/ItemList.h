@@ -1,6 +1,6 @@
 #pragma once
 
-#include "apps/menubar/ItemRecord.h"
+#include "apps/shared/ItemRecord.h"
 
 #include <string>
 #include <string_view>
@@ -9,6 +9,8 @@
 namespace platform {
 class PropertyList;
 }
+
+namespace apps {
 
 /// The items that the bar comes back with, from right to left, and the bundles that crashed it.
 /// Kept in a property list:
@@ -69,3 +71,5 @@ class ItemList {
     std::vector<ItemRecord> items_;
     std::vector<LeftOut> leftOut_;
 };
+
+} // namespace apps

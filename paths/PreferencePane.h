@@ -5,6 +5,8 @@
 #include <memory>
 #include <string>
 
+namespace paths {
+
 /// The product's preference pane, in the places where it may be. Null when it is not there. Nothing
 /// is logged.
 
@@ -16,3 +18,5 @@ std::shared_ptr<platform::Bundle> preferencePaneAt(const std::string& place);
 
 /// The one that is installed for all users, else the one that is installed for this user.
 std::shared_ptr<platform::Bundle> installedPreferencePane();
+
+} // namespace paths

@@ -1,4 +1,4 @@
-#include "apps/ctl/Json.h"
+#include "apps/shared/Json.h"
 
 #include <array>
 #include <charconv>
@@ -10,6 +10,7 @@
 
 using platform::PropertyList;
 
+namespace apps {
 namespace {
 
 /// The well-formed UTF-8 sequences of several bytes: the first byte, and the second one's range.
@@ -204,3 +205,5 @@ std::string jsonText(const PropertyList& value) {
     appendValue(text, value, 0);
     return text += '\n';
 }
+
+} // namespace apps

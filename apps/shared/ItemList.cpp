@@ -1,4 +1,4 @@
-#include "apps/menubar/ItemList.h"
+#include "apps/shared/ItemList.h"
 
 #include "platform/FileManager.h"
 #include "platform/Log.h"
@@ -12,6 +12,7 @@
 
 using namespace platform;
 
+namespace apps {
 namespace {
 
 constexpr const char* kAside = ".unreadable";
@@ -23,22 +24,9 @@ constexpr const char* kPosition = "Position";
 constexpr const char* kVersion = "Version";
 constexpr const char* kStep = "Step";
 
-/// Empty when there is no such string.
-std::string_view string(const PropertyList& row, const char* key) {
-    const auto* dictionary = row.dictionary();
-    const PropertyList* value = dictionary ? dictionary->find(key) : nullptr;
-    return value ? value->string().value_or(std::string_view()) : std::string_view();
-}
-
-std::string text(const PropertyListError& error) {
-    return error.line > 0 ? "line " + std::to_string(error.line) + ": " + error.reason
-                          : error.reason;
-}
-
 /// Nothing when there is none that fits.
 std::optional<std::int32_t> position(const PropertyList& row) {
-    const auto* dictionary = row.dictionary();
-    const PropertyList* value = dictionary ? dictionary->find(kPosition) : nullptr;
+    const PropertyList* value = row.find(kPosition);
     if (!value || !value->integer() || !std::in_range<std::int32_t>(*value->integer()))
         return std::nullopt;
     return static_cast<std::int32_t>(*value->integer());
@@ -49,12 +37,11 @@ void append(PropertyList::Array& rows, PropertyList row) {
     if (propertyLists().serialize(row))
         rows.push_back(std::move(row));
     else
-        logLine("the menu extra at %@ cannot be remembered", string(row, kPath));
+        logLine("the menu extra at %@ cannot be remembered", row.stringAt(kPath));
 }
 
 const PropertyList::Array* array(const PropertyList& root, const char* key) {
-    const auto* dictionary = root.dictionary();
-    const PropertyList* value = dictionary ? dictionary->find(key) : nullptr;
+    const PropertyList* value = root.find(key);
     return value ? value->array() : nullptr;
 }
 
@@ -70,7 +57,7 @@ bool ItemList::read() {
     const auto* items = list ? array(*list.value, kItems) : nullptr;
     if (!items) {
         logLine("the menu bar's items cannot be read from %@: %@", file_,
-                list ? "there is no array of Items" : text(list.error));
+                list ? "there is no array of Items" : list.error.text());
         keepAside();
         return false;
     }
@@ -93,7 +80,7 @@ void ItemList::keepAside() const {
 
 void ItemList::readItem(const PropertyList& row) {
     const auto place = position(row);
-    ItemRecord item{std::string(string(row, kIdentifier)), readPath(string(row, kPath)),
+    ItemRecord item{std::string(row.stringAt(kIdentifier)), readPath(row.stringAt(kPath)),
                     place.value_or(0), "", Origin::Request};
     if (!place || item.identifier.empty() || item.path.empty())
         logLine("a row without Identifier, Path or Position is passed over in %@", file_);
@@ -102,8 +89,8 @@ void ItemList::readItem(const PropertyList& row) {
 }
 
 void ItemList::readLeftOut(const PropertyList& row) {
-    LeftOut bundle{std::string(string(row, kIdentifier)), readPath(string(row, kPath)),
-                   std::string(string(row, kVersion)), std::string(string(row, kStep))};
+    LeftOut bundle{std::string(row.stringAt(kIdentifier)), readPath(row.stringAt(kPath)),
+                   std::string(row.stringAt(kVersion)), std::string(row.stringAt(kStep))};
     if (bundle.path.empty())
         logLine("a row without Path is passed over in %@", file_);
     else
@@ -181,3 +168,5 @@ void ItemList::forget(std::string_view path) {
     forgive(path);
     std::erase_if(items_, [&](const ItemRecord& item) { return item.path == path; });
 }
+
+} // namespace apps

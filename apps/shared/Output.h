@@ -1,12 +1,12 @@
 #pragma once
 
+#include "apps/shared/ExitStatus.h"
 #include "platform/values/PropertyList.h"
 
 #include <string>
 #include <string_view>
 
-/// How the program ends.
-enum class ExitStatus { Done = 0, Refused = 1, WrongUsage = 2 };
+namespace apps {
 
 /// How a value is printed.
 enum class Format { Xml, Json };
@@ -30,3 +30,5 @@ ExitStatus finishOutput();
 /// Prints "halvexctl: " and @p message as one line on standard error, whatever bytes are in it, and
 /// gives Refused.
 ExitStatus refuse(std::string message);
+
+} // namespace apps

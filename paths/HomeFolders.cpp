@@ -1,9 +1,11 @@
-#include "platform/posix/HomeFolders.h"
+#include "paths/HomeFolders.h"
 
 #include "platform/FileManager.h"
 #include "platform/base/PathStrings.h"
 
-void platform::posix::makeHomeFolders(FileManager& files) {
+using platform::appendingPathComponent;
+
+void paths::makeHomeFolders(platform::FileManager& files) {
     const std::string library = appendingPathComponent(files.homeDirectory(), "Library");
     for (const std::string& folder :
          {library, appendingPathComponent(library, "Application Support"),

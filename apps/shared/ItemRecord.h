@@ -3,6 +3,8 @@
 #include <cstdint>
 #include <string>
 
+namespace apps {
+
 /// Who wanted an item to be there.
 enum class Origin {
     Request,     ///< somebody who asked the running bar: the bar comes back with it
@@ -17,3 +19,5 @@ struct ItemRecord {
     std::string version; ///< CFBundleVersion
     Origin origin = Origin::Request;
 };
+
+} // namespace apps

@@ -1,6 +1,6 @@
-#include "apps/ctl/Output.h"
+#include "apps/shared/Output.h"
 
-#include "apps/ctl/Json.h"
+#include "apps/shared/Json.h"
 #include "platform/PropertyListService.h"
 
 #include <algorithm>
@@ -10,6 +10,8 @@
 #include <iostream>
 #include <system_error>
 #include <unistd.h>
+
+namespace apps {
 
 void prepareStandardStreams() {
     // The wrong way round, so that reading and writing fail as they would on a closed one. The
@@ -50,3 +52,5 @@ ExitStatus refuse(std::string message) {
     std::cerr << "halvexctl: " + message + '\n';
     return ExitStatus::Refused;
 }
+
+} // namespace apps
