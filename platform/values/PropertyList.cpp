@@ -1,5 +1,4 @@
 #include "platform/values/PropertyList.h"
-#include "platform/PropertyListService.h"
 
 #include <algorithm>
 #include <limits>
