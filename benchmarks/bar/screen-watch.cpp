@@ -1,5 +1,3 @@
-#include "platform/base/NonCopyable.h"
-
 // Watches the top rows of the X screen and says when they change.
 //
 //     screen-watch prepare
@@ -212,7 +210,7 @@ bool showsText(const Pixels& pixels, uint16_t width) {
 }
 
 /// A command in a process group of its own, ended with the group.
-class Command : platform::NonCopyable {
+class Command {
   public:
     explicit Command(std::span<char*> words) {
         prctl(PR_SET_CHILD_SUBREAPER, 1);
@@ -227,6 +225,8 @@ class Command : platform::NonCopyable {
         if (pid_ == 0)
             become(words);
     }
+    Command(const Command&) = delete;
+    Command& operator=(const Command&) = delete;
     ~Command() {
         end();
         munmap(started_, sizeof(microseconds));
