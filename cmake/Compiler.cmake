@@ -1,8 +1,8 @@
-# How everything in this tree is compiled, and where what is built goes: build trees have the
-# folders of an installation, so that programs find their items the same way in both.
+# Compiler options and output folders. A build tree has the same folders as an installation, so
+# programs find their items in the same way in both.
 
-# What the code of an item needs wherever it is compiled, so it goes with the library: a plug-in
-# whose symbols are "unique" can never be unloaded.
+# Options for the code of items, exported with the library: a plug-in with "unique" symbols can never
+# be unloaded.
 set(HALVEX_ITEM_OPTIONS $<$<COMPILE_LANG_AND_ID:CXX,GNU>:-fno-gnu-unique>)
 
 add_library(halvex_compiler_options INTERFACE)
@@ -22,7 +22,7 @@ if(HALVEX_SANITIZE)
   add_link_options(-fsanitize=${HALVEX_SANITIZE})
   if(HALVEX_SANITIZE MATCHES undefined)
     add_compile_options(-fno-sanitize-recover=undefined)
-    # The vptr check wants the typeinfo of Qt classes that are built without it.
+    # The vptr check needs type information that Qt's classes are built without.
     add_compile_options(-fno-sanitize=vptr)
   endif()
 endif()

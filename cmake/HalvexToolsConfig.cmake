@@ -1,3 +1,3 @@
-# find_package(HalvexTools): the target HalvexTools::HalvexTools, and halvex_add_menu_extra.
+# find_package(HalvexTools) defines the target HalvexTools::HalvexTools and halvex_add_menu_extra.
 include(${CMAKE_CURRENT_LIST_DIR}/HalvexToolsTargets.cmake)
 include(${CMAKE_CURRENT_LIST_DIR}/MenuExtraBundle.cmake)

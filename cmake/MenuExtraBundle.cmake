@@ -1,18 +1,18 @@
 # halvex_add_menu_extra(NAME
-#   SOURCES file...            the item's code; it links libHalvexTools alone
+#   SOURCES file...            the item's code; it links libHalvexTools only
 #   IDENTIFIER id              CFBundleIdentifier
-#   PRINCIPAL_CLASS class      the class that HALVEX_MENU_EXTRA exports
+#   PRINCIPAL_CLASS class      the class passed to HALVEX_MENU_EXTRA
 #   VERSION version            CFBundleVersion and CFBundleShortVersionString
-#   [INFO_PLIST template]      instead of cmake/MenuExtra-Info.plist.in
-#   [DISPLAY_NAME name]        CFBundleName; NAME without it
-#   [FOLDER folder]            where the bundle is put in the build tree
+#   [INFO_PLIST template]      default: MenuExtra-Info.plist.in beside this file
+#   [DISPLAY_NAME name]        CFBundleName; default: NAME
+#   [FOLDER folder]            parent folder of the bundle in the build tree
 #   [RESOURCES file...])
 #
-# Makes the bundle FOLDER/NAME.menu: Contents/Info.plist, Contents/Linux/NAME, Contents/Resources.
-# The bundle's folder is the target property MENU_EXTRA_BUNDLE, the files in it but its code are
-# MENU_EXTRA_FILES.
+# Creates the bundle FOLDER/NAME.menu with Contents/Info.plist, Contents/Linux/NAME and
+# Contents/Resources. Sets the target properties MENU_EXTRA_BUNDLE (the bundle's folder) and
+# MENU_EXTRA_FILES (its files except the code).
 #
-# For this tree, for one that has it as a subdirectory, and, installed, for find_package(HalvexTools).
+# Available in this tree, after add_subdirectory, and after find_package(HalvexTools).
 function(halvex_add_menu_extra name)
   set(exports ${CMAKE_CURRENT_FUNCTION_LIST_DIR}/plugin-exports.map)
   cmake_parse_arguments(extra "" "IDENTIFIER;PRINCIPAL_CLASS;VERSION;INFO_PLIST;DISPLAY_NAME;FOLDER"
@@ -30,11 +30,10 @@ function(halvex_add_menu_extra name)
 
   add_library(${name} MODULE ${extra_SOURCES})
   target_link_libraries(${name} PRIVATE HalvexTools::HalvexTools)
-  # No run path: wherever the bundle lies, the host that loads it has libHalvexTools already.
-  # Only the entry point is seen from outside; the classes stay the bundle's own.
+  # No run path: the host that loads the bundle has loaded libHalvexTools already. Only the entry
+  # point is exported.
   target_link_options(${name} PRIVATE LINKER:--version-script=${exports})
-  # A function that nobody defines is an error now, and not when the bar loads the item; but for
-  # those of the sanitizers, which come with the program.
+  # Makes undefined symbols link errors. The sanitizers' symbols are defined by the program.
   if(NOT HALVEX_SANITIZE)
     target_link_options(${name} PRIVATE LINKER:-z,defs)
   endif()
@@ -57,8 +56,8 @@ function(halvex_add_menu_extra name)
 endfunction()
 
 # halvex_install_bundle(BUNDLE FOLDER)
-# Installs a bundle's folder into FOLDER. The modes do not depend on the builder's umask: the bar
-# loads nothing that others could write.
+# Installs a bundle into FOLDER, with modes that do not depend on the umask: the bar refuses bundles
+# that others can write to.
 function(halvex_install_bundle bundle folder)
   set(readable OWNER_READ OWNER_WRITE GROUP_READ WORLD_READ)
   set(executable ${readable} OWNER_EXECUTE GROUP_EXECUTE WORLD_EXECUTE)

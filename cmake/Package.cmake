@@ -1,5 +1,5 @@
-# libHalvexTools as installed, with all that find_package(HalvexTools) needs elsewhere to build a menu
-# extra: the component Development, which packagers can keep apart.
+# Installs libHalvexTools, and what find_package(HalvexTools) needs to build menu extras as the
+# component Development.
 include(CMakePackageConfigHelpers)
 set(package ${HALVEX_LIBRARY_FOLDER}/cmake/HalvexTools)
 

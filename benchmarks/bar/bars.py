@@ -1,4 +1,4 @@
-"""The programs that are measured: how each is told to show a clock alone, and how it is started."""
+"""The bars to measure: how each is configured to show only a clock, and how it is started."""
 
 from dataclasses import dataclass, field
 from pathlib import Path
@@ -25,7 +25,7 @@ class Bar:
     files: dict[str, str] = field(default_factory=dict)
 
     def missing_program(self) -> str | None:
-        """The part of the command that is a path into a build tree and is not there."""
+        """Returns the path in the command that does not exist, or None."""
         for word in self.command:
             if word.startswith("/") and not Path(word).exists():
                 return word
@@ -40,7 +40,7 @@ def _peer_file(name: str, **values: str) -> str:
 
 
 def all_bars(build: Path, programs: Path, with_seconds: bool) -> list[Bar]:
-    """Every bar, its clock with seconds or with minutes only. `build` is the tree under test."""
+    """Returns all bars, with seconds or only minutes. `build` is the build tree under test."""
     clock = "%H:%M:%S" if with_seconds else "%H:%M"
     preferences = {PREFERENCES: PREFERENCES_TEXT.format(format=clock)}
     menubar = str(build / "bin" / "halvex-menubar")

@@ -1,7 +1,7 @@
 """Starts the bars on a private X screen and session bus, measures them and prints the table.
 
-Started by the script "run", which installs and builds what is needed. Exit code 0 when everything
-was measured, whether the targets hold or not; 1 when something could not be.
+Run by the script "run", which installs and builds what is needed. The exit code is 0 if everything
+could be measured, whether or not the targets hold, and otherwise 1.
 """
 
 import argparse
@@ -29,7 +29,7 @@ TICK_AFTER = 1.5
 
 
 class NotMeasured(Exception):
-    """Says what could not be measured and why."""
+    """What could not be measured, and why."""
 
 
 def note(text: str) -> None:
@@ -37,12 +37,12 @@ def note(text: str) -> None:
 
 
 class Desktop:
-    """An X screen of 1920 x 1080 without a window manager, and a folder for everything."""
+    """An X screen of 1920 x 1080 without a window manager, and a folder for temporary files."""
 
     def __init__(self, programs: Path, stack: ExitStack):
         self.folder = Path(stack.enter_context(tempfile.TemporaryDirectory(prefix="bar-")))
-        # Not below /tmp: a bar that watches the folders above its settings would wake for whatever
-        # others create and delete there.
+        # Not below /tmp: a bar that watches the parent folders of its settings would wake up whenever
+        # another program creates or deletes a file there.
         self.homes = Path(stack.enter_context(
             tempfile.TemporaryDirectory(prefix="homes-", dir=programs)))
         self.watcher = str(programs / "screen-watch")
@@ -103,7 +103,7 @@ def wait_for(path: Path) -> None:
 
 
 class Problems:
-    """Collects what could not be measured and goes on with the rest."""
+    """Counts and reports what could not be measured."""
 
     def __init__(self) -> None:
         self.count = 0
@@ -119,7 +119,7 @@ class Problems:
 
 def measure_starts(desktop: Desktop, env: dict[str, str], chosen: list[bars.Bar],
                    results: dict[str, report.Result], rounds: int, problems: Problems) -> None:
-    """Each bar once a round, so that noise hits all alike. The first round is not counted."""
+    """Starts each bar once per round, so noise affects all alike. The first round is not counted."""
     failed: set[str] = set()
     for turn in range(rounds + 1):
         for bar in chosen:
@@ -147,13 +147,13 @@ def start_once(desktop: Desktop, env: dict[str, str], bar: bars.Bar) -> list[int
 
 @contextmanager
 def running(desktop: Desktop, env: dict[str, str], bar: bars.Bar):
-    """The bar, warmed up; yields its processes and makes sure that they stay the same ones."""
+    """Runs a bar, warms it up and yields its processes; fails if they change meanwhile."""
     leader = desktop.spawn(bar.command, env)
     try:
         time.sleep(WARM_UP_SECONDS)
         pids = processes.family(leader.pid)
         if not pids:
-            raise NotMeasured(f"it ended by itself: {desktop.last_words()}")
+            raise NotMeasured(f"it exited: {desktop.last_words()}")
         yield pids
         if processes.family(leader.pid) != pids:
             raise NotMeasured("its processes changed during the measurement")
@@ -187,19 +187,19 @@ def measure_with_seconds(desktop: Desktop, env: dict[str, str], bar: bars.Bar,
 
 
 def measure_memory_again(bar: bars.Bar, pids: list[int], result: report.Result) -> None:
-    """For a first PSS that read low because others shared the bar's libraries just then."""
+    """Measures memory again, because other programs shared the bar's libraries the first time."""
     strangers = processes.strangers_sharing_toolkits()
     if strangers:
-        note(f"PSS of {bar.name} reads low: {', '.join(strangers)} may share its libraries")
+        note(f"PSS of {bar.name} reads low: it may share libraries with {', '.join(strangers)}")
     result.memory = max(result.memory, processes.memory(pids), key=lambda memory: memory.pss)
 
 
 def measure_with_minutes(desktop: Desktop, chosen: list[bars.Bar],
                          results: dict[str, report.Result], seconds: int,
                          problems: Problems) -> None:
-    """CPU time and wake-ups around one change of the minute, of all bars at once.
+    """Measures CPU time and wake-ups of all bars together around one change of the minute.
 
-    Each has a session of its own, so that two of them may own the same name on the bus.
+    Each bar has its own session, so two of them can own the same bus name.
     """
     with ExitStack() as stack:
         leaders = {}
@@ -224,7 +224,7 @@ def measure_with_minutes(desktop: Desktop, chosen: list[bars.Bar],
 
 def store_minutes(result: report.Result, usages: list[processes.Usage]) -> None:
     if len(usages) != 4:
-        raise NotMeasured("it ended, or its processes changed, during the measurement")
+        raise NotMeasured("it exited or its processes changed during the measurement")
     first, tick_begins, tick_ended, last = usages
     result.with_minutes = last.since(first)
     between, after = tick_begins.since(first), last.since(tick_ended)
@@ -238,11 +238,11 @@ def parse_options() -> argparse.Namespace:
     parser.add_argument("--rounds", type=int, default=FULL_ROUNDS, metavar="N",
                         help="starts of each bar (default: %(default)s)")
     parser.add_argument("--seconds", type=int, default=FULL_SECONDS, metavar="N",
-                        help="length of each window, 10 to 60 (default: %(default)s)")
+                        help="length of each period, 10 to 60 (default: %(default)s)")
     parser.add_argument("--only", action="append", metavar="NAME",
-                        help="only this bar; may be given several times")
+                        help="measure only this bar; can be repeated")
     parser.add_argument("--toggle", action="store_true",
-                        help="only the time in which halvexctl turns the product's clock on")
+                        help="only measure how long halvexctl takes to turn the product's clock on")
     parser.add_argument("--markdown", action="store_true", help="print Markdown tables")
     parser.add_argument("--build", type=Path, metavar="DIR",
                         help="the build tree under test (default: build/release)")
@@ -250,12 +250,12 @@ def parse_options() -> argparse.Namespace:
     parser.add_argument("--tree", type=Path, required=True, help=argparse.SUPPRESS)
     options = parser.parse_args()
     if options.rounds < 2 or not 10 <= options.seconds <= 60:
-        parser.error("at least 2 rounds, and windows of 10 to 60 seconds, are needed")
+        parser.error("--rounds must be at least 2, and --seconds 10 to 60")
     options.build = (options.build or options.tree / "build" / "release").resolve()
     known = [bar.name for bar in bars.all_bars(options.build, options.programs, True)]
     for name in options.only or []:
         if name not in known:
-            parser.error(f"no bar is called '{name}'; there are: {'; '.join(known)}")
+            parser.error(f"unknown bar '{name}'; known bars: {'; '.join(known)}")
     options.only = options.only or known
     return options
 

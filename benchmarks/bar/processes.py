@@ -1,4 +1,4 @@
-"""What the kernel knows of a program: its processes, their memory, CPU time and wake-ups."""
+"""The processes of a program, and their memory, CPU time and wake-ups."""
 
 import ctypes
 import os
@@ -12,7 +12,7 @@ PR_SET_CHILD_SUBREAPER = 36
 
 
 def adopt_orphans() -> None:
-    """Makes this process the parent of every descendant whose own parent ends."""
+    """Makes this process the parent of every descendant whose own parent exits."""
     ctypes.CDLL(None).prctl(PR_SET_CHILD_SUBREAPER, 1, 0, 0, 0)
 
 
@@ -31,7 +31,7 @@ def _parents_and_sessions() -> dict[int, tuple[int, int]]:
 
 
 def family(leader: int) -> list[int]:
-    """The process, its descendants, and orphans that stayed in its session."""
+    """Returns the process, its descendants, and orphans in its session."""
     table = _parents_and_sessions()
 
     def belongs(pid: int) -> bool:
@@ -45,7 +45,7 @@ def family(leader: int) -> list[int]:
 
 
 def end_all(leader: int, patience: float = 2.0) -> None:
-    """Ends the process and its family: politely, then not."""
+    """Stops the process and its family with SIGTERM, then SIGKILL."""
     for sig in (signal.SIGTERM, signal.SIGKILL):
         for pid in family(leader):
             if pid != os.getpid():

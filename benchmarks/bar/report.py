@@ -1,4 +1,4 @@
-"""The table of results, as text or Markdown, and the targets beside it."""
+"""The tables of results and targets, as text or Markdown."""
 
 import statistics
 from dataclasses import dataclass, field
@@ -9,19 +9,19 @@ from processes import Memory, Usage
 
 @dataclass
 class Result:
-    """What was measured of one bar; what could not be measured stays empty."""
+    """The measurements of one bar; what could not be measured stays empty."""
 
     name: str
-    # Microseconds from exec, one a start.
+    # Microseconds from exec, one per start.
     mapped: list[int] = field(default_factory=list)
     painted: list[int] = field(default_factory=list)
     text: list[int] = field(default_factory=list)
     memory: Memory | None = None
     with_seconds: Usage | None = None
-    # With minutes only: the whole window, and what of it lies away from the minute's tick.
+    # With minutes only: the whole period, and its part away from the change of the minute.
     with_minutes: Usage | None = None
     between_ticks: Usage | None = None
-    # Microseconds from the second's beginning to changed pixels, one a second.
+    # Microseconds from the start of a second to changed pixels, one per second.
     ticks: list[int] = field(default_factory=list)
 
 
@@ -114,7 +114,7 @@ def _table(header: list[str], rows: list[list[str]], markdown: bool) -> str:
 
 
 def render(results: list[Result], caption: str, markdown: bool) -> str:
-    """The caption, the table, the targets, and the wake-ups of ours by thread."""
+    """Returns the caption, the tables, and our bar's wake-ups by thread."""
     parts = [caption]
     parts.append(_table(list(COLUMNS), [[cell(result) for cell in COLUMNS.values()]
                                         for result in results], markdown))

@@ -1,13 +1,13 @@
-// Watches the top rows of the X screen and says when they change.
+// Watches the top rows of the X screen and prints when they change.
 //
 //     screen-watch prepare
-//         Paints the screen in a colour that no bar uses, and says that there is one desktop: some
-//         bars wait for that word of a window manager before they show themselves.
+//         Paints the screen in a colour that no bar uses, and announces one desktop, for which
+//         some bars wait as if for a window manager.
 //
 //     screen-watch start LIMIT-MS COMMAND [ARGUMENT...]
-//         Starts COMMAND and prints three times in microseconds, counted from just before its
-//         exec: its bar was mapped; any pixel of the top rows was painted; text stands there. Then
-//         ends COMMAND and waits until the rows are bare again.
+//         Starts COMMAND and prints the microseconds from just before its exec until its bar is
+//         mapped, until any pixel of the top rows is painted, and until text is drawn there. Then
+//         stops COMMAND and waits until the rows are empty again.
 //
 //     screen-watch change LIMIT-MS COMMAND [ARGUMENT...]
 //         Runs COMMAND to its end and prints the microseconds from just before its exec until the
@@ -17,9 +17,9 @@
 //         Prints, for each second of the wall clock in which the rows changed, the microseconds
 //         from the second's beginning to the first change.
 //
-// It sleeps until the X server reports drawing, so it takes next to nothing from what it measures.
-// COMMAND's output goes to standard error. Exit code 1 and a line on standard error when the screen
-// did not show what was waited for.
+// It sleeps until the X server reports drawing, so it hardly disturbs what it measures. COMMAND's
+// output goes to standard error. If the expected change does not happen, exits with 1 and a line on
+// standard error.
 
 #include <poll.h>
 #include <sys/mman.h>

@@ -1,7 +1,7 @@
-"""Turns the product's clock on with halvexctl, 20 times, and times it until the clock is drawn.
+"""Measures, 20 times, how long halvexctl takes to turn the product's clock on and have it drawn.
 
-Started by "run --toggle". The bar and the screen are those of the other measurements; each time the
-clock is turned off again. Exit code 1 when something could not be measured or the target is missed.
+Run by "run --toggle", with the same bar and screen as the other measurements. The exit code is 1 if
+something could not be measured or the target is missed.
 """
 
 import statistics
@@ -34,5 +34,5 @@ def measure(desktop, build: Path) -> int:
         run(ctl, "menubar", "stop")
     median = statistics.median(times)
     print(f"toggle on, from the start of halvexctl to the clock on the screen, {ROUNDS} times: "
-          f"median {median:.1f} ms, {min(times):.1f} to {max(times):.1f} (to reach: {TARGET_MS})")
+          f"median {median:.1f} ms, {min(times):.1f} to {max(times):.1f} (target: {TARGET_MS})")
     return 0 if median < TARGET_MS else 1
