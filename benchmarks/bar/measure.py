@@ -15,6 +15,7 @@ from contextlib import ExitStack, contextmanager
 from pathlib import Path
 
 import bars
+import compare
 import processes
 import report
 import toggle
@@ -243,6 +244,9 @@ def parse_options() -> argparse.Namespace:
                         help="measure only this bar; can be repeated")
     parser.add_argument("--toggle", action="store_true",
                         help="only measure how long halvexctl takes to turn the product's clock on")
+    parser.add_argument("--against", type=Path, metavar="DIR",
+                        help="compare with the bar of another build tree: starts in pairs, "
+                             "instructions, system calls")
     parser.add_argument("--markdown", action="store_true", help="print Markdown tables")
     parser.add_argument("--build", type=Path, metavar="DIR",
                         help="the build tree under test (default: build/release)")
@@ -305,6 +309,10 @@ def main() -> int:
         with ExitStack() as stack:
             if options.toggle:
                 return toggle.measure(Desktop(options.programs, stack), options.build)
+            if options.against:
+                return compare.measure(Desktop(options.programs, stack), start_once,
+                                       options.build, options.against.resolve(),
+                                       max(options.rounds, compare.LEAST_PAIRS))
             results, problems = measure(options, stack)
     except KeyboardInterrupt:
         note("Interrupted.")
