@@ -13,7 +13,7 @@ using namespace platform;
 namespace apps {
 namespace {
 
-/// HalvexFilePaths knows it too, but makes it while it tells.
+/// HalvexFilePaths also computes this path, but creates the folder as a side effect.
 std::string userItemsFolder() {
     std::string folder = fileManager().homeDirectory();
     for (const char* name :
@@ -22,11 +22,11 @@ std::string userItemsFolder() {
     return folder;
 }
 
-bool liesIn(const std::string& resolvedPath, const std::string& folder) {
+bool isIn(const std::string& resolvedPath, const std::string& folder) {
     return deletingLastPathComponent(resolvedPath) == fileManager().resolvingSymbolicLinks(folder);
 }
 
-bool isCrackerOfPane(const std::string& resolvedPath) {
+bool isCrackerInPane(const std::string& resolvedPath) {
     const std::string plugIns = deletingLastPathComponent(resolvedPath);
     const std::string contents = deletingLastPathComponent(plugIns);
     if (lastPathComponent(plugIns) != "PlugIns" || lastPathComponent(contents) != "Contents" ||
@@ -43,12 +43,12 @@ Admission::Admission(Admit mode, std::string ownItemsFolder)
 
 std::string Admission::reasonAgainst(const std::string& path, Cracker cracker) const {
     const std::string resolved = fileManager().resolvingSymbolicLinks(path);
-    if (mode_ == Admit::All || liesIn(resolved, ownItemsFolder_) || isCrackerOfPane(resolved))
+    if (mode_ == Admit::All || isIn(resolved, ownItemsFolder_) || isCrackerInPane(resolved))
         return {};
     if (mode_ == Admit::System && cracker == Cracker::NotLoaded)
-        return "this bar admits its own items only";
-    if (!liesIn(resolved, userItemsFolder()))
-        return "it does not lie in " + userItemsFolder();
+        return "the bar admits only its own items";
+    if (!isIn(resolved, userItemsFolder()))
+        return "it is not in " + userItemsFolder();
     return {};
 }
 

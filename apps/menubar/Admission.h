@@ -4,24 +4,26 @@
 
 namespace apps {
 
-/// Whose items the bar loads when somebody asks it to.
+/// Which items the bar loads when a program requests it.
 enum class Admit {
-    User,   ///< its own, and those in the user's "Menu Extras" folder
-    System, ///< its own; once MenuCracker is loaded, as User
-    All,    ///< any, for people who are writing one
+    User,   ///< the bar's own items and those in the user's "Menu Extras" folder
+    System, ///< the bar's own items; once MenuCracker is loaded, as User
+    All,    ///< any item, for developing items
 };
 
-/// Decides by where a bundle lies. Nothing of it is loaded, and no folder is made.
+/// Decides by its location whether a bundle may be loaded. Neither loads code nor creates folders.
 class Admission {
   public:
+    /// @p ownItemsFolder is the folder of the bar's own items.
     Admission(Admit mode, std::string ownItemsFolder);
 
     Admit mode() const { return mode_; }
     const std::string& ownItemsFolder() const { return ownItemsFolder_; }
 
     enum class Cracker { NotLoaded, Loaded };
-    /// Why the bundle at @p path is not to be loaded, for people; empty when it may be. Symbolic
-    /// links are resolved first. MenuCracker is always welcome from a preference pane's PlugIns.
+    /// Returns why the bundle at @p path is declined, human-readable, or an empty string if it is
+    /// admitted. Symbolic links are resolved first. MenuCracker is always admitted from a
+    /// preference pane's PlugIns folder.
     std::string reasonAgainst(const std::string& path, Cracker cracker) const;
 
   private:

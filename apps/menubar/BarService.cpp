@@ -1,39 +1,31 @@
 #include "apps/menubar/BarService.h"
 
-#include "apps/menubar/ItemKeeper.h"
+#include "apps/menubar/ItemRegistry.h"
 #include "apps/menubar/MenuBar.h"
 #include "platform/Log.h"
 #include "platform/qt/BarNames.h"
+#include "platform/qt/Strings.h"
 
 #include <QCoreApplication>
 #include <QDBusConnection>
 #include <QDBusMetaType>
 
+using platform::qt::BarItem;
 using platform::qt::kBarBusName;
 using platform::qt::kBarObjectPath;
+using platform::qt::qString;
 
 namespace apps {
 
-QDBusArgument& operator<<(QDBusArgument& argument, const MenuExtraRow& row) {
-    argument.beginStructure();
-    argument << row.identifier << row.path << row.position << row.width;
-    argument.endStructure();
-    return argument;
-}
-
-const QDBusArgument& operator>>(const QDBusArgument& argument, MenuExtraRow& row) {
-    argument.beginStructure();
-    argument >> row.identifier >> row.path >> row.position >> row.width;
-    argument.endStructure();
-    return argument;
-}
-
-BarService::BarService(MenuBar& menuBar, ItemKeeper& items)
-    : QDBusAbstractAdaptor(&menuBar), menuBar_(menuBar), items_(items) {
-    qDBusRegisterMetaType<MenuExtraRow>();
-    qDBusRegisterMetaType<QList<MenuExtraRow>>();
-    connect(&menuBar, &MenuBar::loaded, this, &BarService::MenuExtraLoaded);
-    connect(&menuBar, &MenuBar::unloaded, this, &BarService::MenuExtraUnloaded);
+BarService::BarService(MenuBar& menuBar, ItemRegistry& registry)
+    : QDBusAbstractAdaptor(&menuBar), menuBar_(menuBar), registry_(registry) {
+    qDBusRegisterMetaType<BarItem>();
+    qDBusRegisterMetaType<QList<BarItem>>();
+    connect(&menuBar.items(), &ItemCollection::added, this,
+            [this](const Item& item) { emit MenuExtraLoaded(qString(item.identifier())); });
+    connect(&menuBar.items(), &ItemCollection::removed, this, [this](const ItemRecord& record) {
+        emit MenuExtraUnloaded(qString(record.identifier));
+    });
 }
 
 BarService::Registration BarService::registerOnBus() {
@@ -51,23 +43,23 @@ void BarService::endSession() {
 }
 
 int BarService::GetMenuExtra(const QString& identifier, uint& reference) {
-    return items_.getMenuExtra(identifier.toStdString(), reference);
+    return registry_.getMenuExtra(identifier.toStdString(), reference);
 }
 
 int BarService::AddMenuExtra(const QString& url, int position, int zero1, int zero2, int zero3,
                              int zero4) {
-    return items_.addMenuExtra(url.toStdString(), position, zero1, zero2, zero3, zero4);
+    return registry_.addMenuExtra(url.toStdString(), position, zero1, zero2, zero3, zero4);
 }
 
 int BarService::RemoveMenuExtra(uint reference, int flags) {
-    return items_.removeMenuExtra(reference, flags);
+    return registry_.removeMenuExtra(reference, flags);
 }
 
-QList<MenuExtraRow> BarService::ListMenuExtras() {
-    QList<MenuExtraRow> rows;
-    for (const auto& item : menuBar_.items())
-        rows.append({QString::fromStdString(item.identifier), QString::fromStdString(item.path),
-                     item.position, item.width});
+QList<BarItem> BarService::ListMenuExtras() {
+    QList<BarItem> rows;
+    for (const Item& item : menuBar_.items())
+        rows.append(
+            {item.identifier(), item.record.path, item.record.position, item.extra().length()});
     return rows;
 }
 

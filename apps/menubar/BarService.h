@@ -1,27 +1,18 @@
 #pragma once
 
+#include "platform/qt/BarItem.h"
+
 #include <QDBusAbstractAdaptor>
-#include <QDBusArgument>
 #include <QList>
 #include <QString>
 
 namespace apps {
 
-class ItemKeeper;
+class ItemRegistry;
 class MenuBar;
 
-/// A row of ListMenuExtras.
-struct MenuExtraRow {
-    QString identifier;
-    QString path;
-    int position = 0;
-    double width = 0; ///< points
-};
-
-QDBusArgument& operator<<(QDBusArgument& argument, const MenuExtraRow& row);
-const QDBusArgument& operator>>(const QDBusArgument& argument, MenuExtraRow& row);
-
-/// The menu bar on the session bus. Statuses are those of platform::MenuExtraStatus.
+/// The menu bar's interface on the session bus. Statuses are those of platform::MenuExtraStatus.
+/// Main thread only.
 class BarService final : public QDBusAbstractAdaptor {
     Q_OBJECT
     Q_CLASSINFO("D-Bus Interface", "com.quorvanesoftware.MenuBar1")
@@ -29,9 +20,8 @@ class BarService final : public QDBusAbstractAdaptor {
   public:
     enum class Registration { Done, TakenByAnother, NoBus };
 
-    /// Makes @p menuBar answer on the bus, and @p items what is asked about single items. What is
-    /// asked before the main loop runs is answered then.
-    BarService(MenuBar& menuBar, ItemKeeper& items);
+    /// Requests for adding, removing and finding items go to @p registry, all others to @p menuBar.
+    BarService(MenuBar& menuBar, ItemRegistry& registry);
 
     /// Takes the well-known name; TakenByAnother when another bar has it. The session is over for
     /// the bar when this bus goes: it then ends the main loop, for it could not be told to.
@@ -41,7 +31,7 @@ class BarService final : public QDBusAbstractAdaptor {
     int GetMenuExtra(const QString& identifier, uint& reference);
     int AddMenuExtra(const QString& url, int position, int zero1, int zero2, int zero3, int zero4);
     int RemoveMenuExtra(uint reference, int flags);
-    QList<MenuExtraRow> ListMenuExtras();
+    QList<platform::qt::BarItem> ListMenuExtras();
     bool Click(const QString& identifier, uint modifierFlags, int clickCount, int buttonNumber);
     bool Snapshot(const QString& path);
 
@@ -54,9 +44,7 @@ class BarService final : public QDBusAbstractAdaptor {
 
   private:
     MenuBar& menuBar_;
-    ItemKeeper& items_;
+    ItemRegistry& registry_;
 };
 
 } // namespace apps
-
-Q_DECLARE_METATYPE(apps::MenuExtraRow)

@@ -1,6 +1,6 @@
 #include "apps/menubar/BarWindow.h"
 
-#include "apps/menubar/BarLook.h"
+#include "apps/menubar/BarStyle.h"
 #include "apps/menubar/ItemWidget.h"
 #include "apps/menubar/X11Dock.h"
 
@@ -14,7 +14,7 @@
 namespace apps {
 namespace {
 
-constexpr int kRightMargin = 4; // points between the first item and the screen's edge
+constexpr int kRightMargin = 4; // points between the rightmost item and the edge of the screen
 
 } // namespace
 
@@ -25,7 +25,7 @@ BarWindow::BarWindow() {
     setWindowFlags(Qt::Window | Qt::FramelessWindowHint | Qt::WindowDoesNotAcceptFocus);
     setAttribute(Qt::WA_OpaquePaintEvent);
     setAttribute(Qt::WA_ShowWithoutActivating);
-    winId(); // the native window, which the dock's properties belong to
+    winId(); // creates the native window, which needs the dock's properties before it is shown
     X11Dock::makeDock(*windowHandle());
     connect(qGuiApp, &QGuiApplication::primaryScreenChanged, this, &BarWindow::followScreen);
     followScreen();
@@ -38,7 +38,7 @@ void BarWindow::followScreen() {
     disconnect(resolutionConnection_);
     const QScreen* screen = QGuiApplication::primaryScreen();
     if (!screen)
-        return; // the last one is gone; primaryScreenChanged tells of the next
+        return; // none is left; primaryScreenChanged announces the next one
     geometryConnection_ = connect(screen, &QScreen::geometryChanged, this, &BarWindow::dock);
     resolutionConnection_ =
         connect(screen, &QScreen::logicalDotsPerInchChanged, this, &BarWindow::dock);
@@ -55,25 +55,24 @@ void BarWindow::dock() {
     X11Dock::reserveTop(*windowHandle(), *screen, kBarHeight);
 }
 
-void BarWindow::placeItems(const std::vector<ItemWidget*>& fromRight) {
-    fromRight_ = fromRight;
+void BarWindow::placeItems(const std::vector<ItemWidget*>& items) {
+    items_ = items;
     int right = width() - kRightMargin;
-    for (ItemWidget* item : fromRight_) {
-        // The end of one that is too wide is cut off.
-        const int given = std::clamp(item->wantedWidth(), 0, std::max(right, 0));
-        right -= given;
-        item->setGeometry(right, 0, given, kBarHeight);
-        item->setVisible(given > 0);
+    for (ItemWidget* item : items_) {
+        const int itemWidth = std::clamp(item->preferredWidth(), 0, std::max(right, 0));
+        right -= itemWidth;
+        item->setGeometry(right, 0, itemWidth, kBarHeight);
+        item->setVisible(itemWidth > 0);
     }
 }
 
 void BarWindow::resizeEvent(QResizeEvent*) {
-    placeItems(std::vector(fromRight_));
+    placeItems(std::vector(items_));
 }
 
 void BarWindow::paintEvent(QPaintEvent*) {
     QPainter painter(this);
-    paintBarGround(painter, rect(), palette());
+    paintBarBackground(painter, rect(), palette());
 }
 
 } // namespace apps

@@ -8,7 +8,8 @@ namespace apps {
 
 class ItemWidget;
 
-/// The dock along the top of the primary screen. Follows the screen when it comes, goes or changes.
+/// The dock along the top of the primary screen. Follows changes of the screen's size, and moves
+/// when another screen becomes the primary one.
 class BarWindow final : public QWidget {
     Q_OBJECT
 
@@ -16,9 +17,9 @@ class BarWindow final : public QWidget {
     BarWindow();
     ~BarWindow() override;
 
-    /// Shows the items from right to left; each as wide as it wants to be, or as there is room
-    /// for.
-    void placeItems(const std::vector<ItemWidget*>& fromRight);
+    /// Places the items, rightmost first. Each gets its preferred width or, if there is less room,
+    /// what is left; an item without room is hidden.
+    void placeItems(const std::vector<ItemWidget*>& items);
 
   protected:
     void paintEvent(QPaintEvent* event) override;
@@ -28,7 +29,7 @@ class BarWindow final : public QWidget {
     void followScreen();
     void dock();
 
-    std::vector<ItemWidget*> fromRight_;
+    std::vector<ItemWidget*> items_;
     QMetaObject::Connection geometryConnection_;
     QMetaObject::Connection resolutionConnection_;
 };

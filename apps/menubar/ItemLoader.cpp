@@ -4,6 +4,7 @@
 #include "platform/runtime/Guard.h"
 #include "platform/widgets/MenuExtraPlugIn.h"
 
+#include <string>
 #include <utility>
 
 using namespace platform;
@@ -11,41 +12,40 @@ using namespace platform;
 namespace apps {
 namespace {
 
-LoadedItem failed(const JudgedBundle& judged, const std::string& reason) {
-    logLine("menu extra %@ at %@ cannot be loaded: %@", judged.identifier,
-            judged.bundle->bundlePath(), reason);
+LoadedItem failed(const ValidatedBundle& bundle, const std::string& reason) {
+    logLine("cannot load menu extra %@ at %@: %@", bundle.identifier, bundle.bundle->bundlePath(),
+            reason);
     return {};
 }
 
 } // namespace
 
-LoadedItem loadItem(const JudgedBundle& judged) {
+LoadedItem loadItem(const ValidatedBundle& bundle) {
     LoadedItem item;
-    item.identifier = judged.identifier;
     std::string reason;
-    item.code = dynamicLoader().load(judged.executable, reason);
+    item.code = dynamicLoader().load(bundle.executable, reason);
     if (!item.code)
-        return failed(judged, reason);
-    const auto makeExtra =
+        return failed(bundle, reason);
+    const auto createExtra =
         reinterpret_cast<MenuExtraEntryPoint>(item.code->symbol(kMenuExtraEntryPoint));
-    if (!makeExtra)
-        return failed(judged, std::string("its code has no entry point ") + kMenuExtraEntryPoint);
+    if (!createExtra)
+        return failed(bundle, std::string("its code has no entry point ") + kMenuExtraEntryPoint);
 
-    reason = "its code has no class " + judged.principalClass;
-    const bool calm = runGuarded(judged.identifier, [&] {
-        const std::shared_ptr<MenuExtra> made(makeExtra(judged.principalClass.c_str()));
-        if (!made)
+    reason = "its code has no class " + bundle.principalClass;
+    const bool returned = runGuarded(bundle.identifier, [&] {
+        const std::shared_ptr<MenuExtra> created(createExtra(bundle.principalClass.c_str()));
+        if (!created)
             return;
-        reason = "initWithBundle gave nothing";
-        item.extra = made->initWithBundle(judged.bundle);
+        reason = "initWithBundle returned null";
+        item.extra = created->initWithBundle(bundle.bundle);
         if (item.extra && !item.extra->view()) {
-            reason = "it has no view: initWithBundle must call the one that it overrides";
+            reason = "it has no view: its initWithBundle must call the base class's";
             item.extra = nullptr;
         }
     });
-    if (!calm)
+    if (!returned)
         reason = "it raised an exception";
-    return item ? std::move(item) : failed(judged, reason);
+    return item ? std::move(item) : failed(bundle, reason);
 }
 
 } // namespace apps

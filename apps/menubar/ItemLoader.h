@@ -1,25 +1,23 @@
 #pragma once
 
-#include "apps/menubar/BundleJudge.h"
+#include "apps/menubar/BundleValidator.h"
 #include "platform/DynamicLoader.h"
 #include "platform/widgets/MenuExtra.h"
 
 #include <memory>
-#include <string>
 
 namespace apps {
 
-/// An item and the code that it lives in, in the order in which they must go: the item first.
+/// An item and the code it lives in. The item is destroyed before its code.
 struct LoadedItem {
-    std::string identifier;
     std::unique_ptr<platform::LoadedCode> code;
-    std::shared_ptr<platform::MenuExtra> extra; ///< null when loading failed, which is then logged
+    std::shared_ptr<platform::MenuExtra> extra; ///< null if loading failed
     explicit operator bool() const { return extra != nullptr; }
 };
 
-/// Loads the code of a bundle that passed judgement, asks it for the principal class, and
-/// initialises the item. Whatever goes wrong is logged with the bundle's identifier or path,
-/// exceptions of the item's own included. Main thread.
-LoadedItem loadItem(const JudgedBundle& judged);
+/// Loads the code of @p bundle, which must be valid, creates an instance of its principal class and
+/// calls initWithBundle on it. A failure, which includes an exception from the item, is logged with
+/// the bundle's identifier and path. Main thread only.
+LoadedItem loadItem(const ValidatedBundle& bundle);
 
 } // namespace apps

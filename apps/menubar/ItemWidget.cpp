@@ -1,6 +1,6 @@
 #include "apps/menubar/ItemWidget.h"
 
-#include "apps/menubar/BarLook.h"
+#include "apps/menubar/BarStyle.h"
 #include "platform/qt/Modifiers.h"
 #include "platform/qt/QtGraphics.h"
 #include "platform/runtime/Guard.h"
@@ -24,18 +24,18 @@ namespace {
 std::int32_t buttonNumber(Qt::MouseButton button) {
     constexpr std::array kOrder{Qt::LeftButton, Qt::RightButton, Qt::MiddleButton, Qt::BackButton,
                                 Qt::ForwardButton};
-    const auto place = std::find(kOrder.begin(), kOrder.end(), button);
-    return static_cast<std::int32_t>(place - kOrder.begin());
+    const auto found = std::find(kOrder.begin(), kOrder.end(), button);
+    return static_cast<std::int32_t>(found - kOrder.begin());
 }
 
-/// What a screen reader meets: a button that opens a menu, named after the item and its title.
+/// Presents an item to screen readers as a button that opens a menu.
 class ItemAccessible final : public QAccessibleWidget {
   public:
     explicit ItemAccessible(ItemWidget& widget)
         : QAccessibleWidget(&widget, QAccessible::ButtonMenu), item_(widget) {}
 
     QString text(QAccessible::Text kind) const override {
-        return kind == QAccessible::Name ? QString::fromStdString(item_.spokenName())
+        return kind == QAccessible::Name ? QString::fromStdString(item_.accessibleItemName())
                                          : QAccessibleWidget::text(kind);
     }
     QStringList actionNames() const override { return {pressAction()}; }
@@ -48,7 +48,7 @@ class ItemAccessible final : public QAccessibleWidget {
     ItemWidget& item_;
 };
 
-QAccessibleInterface* makeAccessible(const QString&, QObject* object) {
+QAccessibleInterface* createAccessible(const QString&, QObject* object) {
     auto* widget = qobject_cast<ItemWidget*>(object);
     return widget ? new ItemAccessible(*widget) : nullptr;
 }
@@ -60,17 +60,17 @@ ItemWidget::ItemWidget(std::string owner, std::shared_ptr<MenuExtra> extra,
     : QWidget(parent), owner_(std::move(owner)), extra_(std::move(extra)), graphics_(graphics) {
     setAttribute(Qt::WA_OpaquePaintEvent);
     [[maybe_unused]] static const bool installed = [] {
-        QAccessible::installFactory(makeAccessible);
+        QAccessible::installFactory(createAccessible);
         return true;
     }();
 }
 
-int ItemWidget::wantedWidth() const {
+int ItemWidget::preferredWidth() const {
     const auto length = static_cast<int>(std::ceil(extra_->length()));
     return length > 0 ? length + 2 * kPadding : 0;
 }
 
-std::string ItemWidget::spokenName() const {
+std::string ItemWidget::accessibleItemName() const {
     std::string name;
     runGuarded(owner_, [&] {
         name = extra_->bundle()->stringForInfoDictionaryKey("CFBundleName").value_or(owner_);
@@ -81,10 +81,10 @@ std::string ItemWidget::spokenName() const {
 }
 
 void ItemWidget::paintEvent(QPaintEvent*) {
-    emit drawing();
+    emit aboutToDraw();
     drawLayer();
     QPainter painter(this);
-    paintBarGround(painter, rect(), palette());
+    paintBarBackground(painter, rect(), palette());
     if (extra_->isMenuDown()) {
         painter.fillRect(0, 0, kPadding, height(), palette().highlight());
         painter.fillRect(width() - kPadding, 0, kPadding, height(), palette().highlight());
@@ -127,13 +127,14 @@ void ItemWidget::press(const QMouseEvent& event) {
 
 std::int32_t ItemWidget::countClick(const QMouseEvent& event) {
     const auto* hints = QGuiApplication::styleHints();
-    const QPoint place = event.globalPosition().toPoint();
+    const QPoint position = event.globalPosition().toPoint();
     const bool soon =
         event.timestamp() - lastTime_ <= static_cast<quint64>(hints->mouseDoubleClickInterval());
-    const bool near = (place - lastPlace_).manhattanLength() <= hints->mouseDoubleClickDistance();
+    const bool near =
+        (position - lastPosition_).manhattanLength() <= hints->mouseDoubleClickDistance();
     clickCount_ = soon && near && event.button() == lastButton_ ? clickCount_ + 1 : 1;
     lastTime_ = event.timestamp();
-    lastPlace_ = place;
+    lastPosition_ = position;
     lastButton_ = event.button();
     return clickCount_;
 }

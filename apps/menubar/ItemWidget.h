@@ -14,32 +14,33 @@ class QtGraphics;
 
 namespace apps {
 
-/// Shows one item in the bar: the bar's ground, the highlight while its menu is open, and on top of
-/// that what the item's view draws, composited in a layer of its own. What the view draws with XOR
-/// on the highlight is therefore cut out of it and shows the bar's ground.
+/// Shows one item in the bar: the bar's background, the highlight while the item's menu is open,
+/// and on top of that what the item's view draws. Highlight and view are composited in a layer of
+/// their own, so that what the view draws with XOR is cut out of the highlight and shows the
+/// background.
 class ItemWidget final : public QWidget {
     Q_OBJECT
 
   public:
-    /// Room at either side of an item, in points.
+    /// Space on either side of an item, in points.
     static constexpr int kPadding = 6;
 
+    /// @p owner is the item's identifier, under which its code runs.
     ItemWidget(std::string owner, std::shared_ptr<platform::MenuExtra> extra,
                platform::qt::QtGraphics& graphics, QWidget* parent);
 
-    /// The points that the item wants, padding included; 0 for an item without length.
-    int wantedWidth() const;
-    std::string spokenName() const;
+    /// The width in points including padding; 0 for an item without length.
+    int preferredWidth() const;
+    /// The name that a screen reader speaks: the item's and its title.
+    std::string accessibleItemName() const;
     const std::shared_ptr<platform::MenuExtra>& extra() const { return extra_; }
 
-    /// A button of the mouse was pressed over the item, wherever Qt sent that.
+    /// Handles a press of a mouse button over the item, even if Qt sent the event elsewhere.
     void press(const QMouseEvent& event);
 
   signals:
-    /// A button of the mouse was pressed over the item.
     void pressed(const platform::Event& event);
-    /// The view is about to be drawn, and has been.
-    void drawing();
+    void aboutToDraw();
     void drawn();
 
   protected:
@@ -56,9 +57,9 @@ class ItemWidget final : public QWidget {
     platform::qt::QtGraphics& graphics_;
     QImage layer_;
 
-    // The click before, to tell double and triple clicks.
+    // The previous click, for counting double and triple clicks.
     Qt::MouseButton lastButton_ = Qt::NoButton;
-    QPoint lastPlace_;
+    QPoint lastPosition_;
     quint64 lastTime_ = 0; // milliseconds
     std::int32_t clickCount_ = 0;
 };

@@ -13,21 +13,23 @@ constexpr int kWrongUsage = 2;
 constexpr const char* kHelp =
     R"(Usage: halvex-menubar [--appearance desktop|light|dark] [--admit user|system|all]
                       [BUNDLE.menu...]
-The menu bar: shows menu extras along the top of the screen.
+Show menu extras in a bar along the top of the screen.
 
-  BUNDLE.menu     a menu extra to load besides those of the last time, for this time only
-  --appearance    the desktop's colours (as it is without the option), light or dark ones
-  --admit         what other programs may have loaded: what lies in the user's "Menu Extras" folder
-                  (user, as it is without the option); the bar's own items alone, until MenuCracker
-                  is loaded (system); anything (all)
-  --help, --version
+  BUNDLE.menu     Load this menu extra as well, for this run only.
+  --appearance    Use the desktop's colours (the default), or light or dark ones.
+  --admit         Choose which menu extras other programs may load:
+                    user    those in the user's "Menu Extras" folder (the default)
+                    system  only the bar's own; once MenuCracker is loaded, as user
+                    all     any
+  --help          Print this text.
+  --version       Print the version.
 )";
 
-constexpr std::array<std::pair<std::string_view, Admit>, 3> kAdmits{
+constexpr std::array<std::pair<std::string_view, Admit>, 3> kAdmitNames{
     {{"user", Admit::User}, {"system", Admit::System}, {"all", Admit::All}}};
 
 bool choose(std::string_view name, Admit& admit) {
-    for (const auto& [candidate, value] : kAdmits) {
+    for (const auto& [candidate, value] : kAdmitNames) {
         if (candidate != name)
             continue;
         admit = value;
@@ -44,7 +46,7 @@ bool choose(std::string_view name, Appearance& appearance) {
 
 } // namespace
 
-// getopt and not the house's CLI11: the bar is there all day, and that library's code with it.
+// Uses getopt, not CLI11: the bar runs all day and would keep that library's code in memory.
 std::optional<Options> readOptions(int argc, char** argv, int& status) {
     const std::array<option, 5> known{{{"appearance", required_argument, nullptr, 'a'},
                                        {"admit", required_argument, nullptr, 'm'},
@@ -60,16 +62,16 @@ std::optional<Options> readOptions(int argc, char** argv, int& status) {
         if (found == 'h') {
             std::fputs(kHelp, stdout);
             return std::nullopt;
-        } else if (found == 'v') {
+        }
+        if (found == 'v') {
             std::puts(HALVEX_VERSION);
             return std::nullopt;
-        } else {
-            if (found != '?')
-                std::fprintf(stderr, "halvex-menubar: there is no choice %s\n", optarg);
-            std::fputs(kHelp, stderr);
-            status = kWrongUsage;
-            return std::nullopt;
         }
+        if (found != '?')
+            std::fprintf(stderr, "halvex-menubar: unknown value: %s\n", optarg);
+        std::fputs(kHelp, stderr);
+        status = kWrongUsage;
+        return std::nullopt;
     }
     options.bundles.assign(argv + optind, argv + argc);
     return options;

@@ -9,15 +9,15 @@
 
 namespace apps {
 
-/// What the command line asks for.
+/// The command line.
 struct Options {
-    std::vector<std::string> bundles; ///< folders of menu extras to load, from right to left
+    std::vector<std::string> bundles; ///< folders of menu extras to load, rightmost first
     Appearance appearance = Appearance::Desktop;
     Admit admit = Admit::User;
 };
 
-/// Reads the command line. When there is nothing more to do, for --help, --version or wrong usage,
-/// which are answered here, gives nothing and writes the program's status to @p status.
+/// Parses the command line. Handles --help, --version and wrong usage by printing the text: then
+/// returns std::nullopt and sets @p status to the program's exit status.
 std::optional<Options> readOptions(int argc, char** argv, int& status);
 
 } // namespace apps

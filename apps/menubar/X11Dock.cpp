@@ -16,7 +16,7 @@
 namespace apps {
 namespace {
 
-/// Null where there is no X server; "offscreen" has the interface but no connection.
+/// Returns null without an X server; "offscreen" has the interface but no connection.
 xcb_connection_t* connection() {
     const auto* x11 = qGuiApp->nativeInterface<QNativeInterface::QX11Application>();
     return x11 ? x11->connection() : nullptr;
@@ -37,7 +37,7 @@ void setProperty(const QWindow& window, std::string_view name, xcb_atom_t type,
                         atom(x, name), type, 32, count, values.data());
 }
 
-/// The right edge of the whole screen area, in native pixels.
+/// Returns the rightmost column of the whole screen area, in native pixels.
 std::uint32_t lastColumn() {
     xcb_connection_t* x = connection();
     const xcb_window_t root = xcb_setup_roots_iterator(xcb_get_setup(x)).data->root;
@@ -58,18 +58,18 @@ void X11Dock::makeDock(QWindow& window) {
         return;
     setProperty(window, "_NET_WM_WINDOW_TYPE", XCB_ATOM_ATOM,
                 std::array{atom(x, "_NET_WM_WINDOW_TYPE_DOCK")});
-    // On all desktops, or some window managers reserve the space on one only.
+    // All desktops: otherwise some window managers reserve the space on only one.
     setProperty(window, "_NET_WM_DESKTOP", XCB_ATOM_CARDINAL, std::array{0xFFFFFFFFU});
 }
 
 void X11Dock::reserveTop(QWindow& window, const QScreen& screen, int height) {
     if (!connection())
         return;
-    // A screen's origin is in native pixels as it is; its size is in points.
+    // Qt reports a screen's origin in native pixels and its size in points.
     const double ratio = screen.devicePixelRatio();
     const auto top = static_cast<std::uint32_t>(screen.geometry().top()) + pixels(height, ratio);
     const auto left = static_cast<std::uint32_t>(screen.geometry().left());
-    // A fractional ratio can round a screen's width in points up to more than there is.
+    // With a fractional ratio, the width in points may be rounded up beyond the screen's edge.
     const std::uint32_t right =
         std::min(left + pixels(screen.geometry().width(), ratio) - 1, lastColumn());
     setProperty(window, "_NET_WM_STRUT", XCB_ATOM_CARDINAL,

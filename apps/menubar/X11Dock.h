@@ -7,13 +7,13 @@ class QWindow;
 
 namespace apps {
 
-/// Tells an X11 window manager that a window is a dock: on every desktop, and with the top of a
-/// screen reserved for it. Nothing on other platforms.
+/// Makes a window a dock for the X11 window manager: shown on every desktop, with the top of a
+/// screen reserved for it. Does nothing on other platforms.
 class X11Dock {
   public:
-    /// @p window has its native window already and is not shown yet.
+    /// @p window must have its native window and must not be shown yet.
     static void makeDock(QWindow& window);
-    /// Reserves the top @p height points of @p screen; again whenever one of them changes.
+    /// Reserves the top @p height points of @p screen. Call it again when the screen changes.
     static void reserveTop(QWindow& window, const QScreen& screen, int height);
 };
 

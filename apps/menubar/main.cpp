@@ -1,9 +1,9 @@
 #include "apps/menubar/BarService.h"
-#include "apps/menubar/ItemKeeper.h"
+#include "apps/menubar/CrashJournal.h"
+#include "apps/menubar/ItemRegistry.h"
 #include "apps/menubar/MenuBar.h"
 #include "apps/menubar/Options.h"
-#include "apps/menubar/Places.h"
-#include "apps/menubar/StepJournal.h"
+#include "apps/menubar/OwnItemsFolder.h"
 #include "apps/support/ProgramAppearance.h"
 #include "apps/support/Signals.h"
 #include "apps/support/StartUp.h"
@@ -20,10 +20,10 @@ namespace {
 
 int runBar(const Options& options) {
     platform::expat::install();
-    StepJournal journal;
+    CrashJournal journal;
     MenuBar menuBar(platform::qt::install(), journal);
-    ItemKeeper items(menuBar, journal, Admission(options.admit, ownItemsFolder()));
-    BarService service(menuBar, items);
+    ItemRegistry registry(menuBar.items(), journal, Admission(options.admit, ownItemsFolder()));
+    BarService service(menuBar, registry);
     switch (service.registerOnBus()) {
     case BarService::Registration::TakenByAnother:
         logLine("another menu bar is running on this session bus");
@@ -34,9 +34,9 @@ int runBar(const Options& options) {
     case BarService::Registration::Done:
         break;
     }
-    const QuitOnSignals quitOnSignals; // before an item could be blamed for what they end
+    const QuitOnSignals quitOnSignals; // before items load: a signal must not look like their crash
     const ProgramAppearance appearance(options.appearance);
-    items.start(options.bundles);
+    registry.start(options.bundles);
     menuBar.show();
     return QApplication::exec();
 }

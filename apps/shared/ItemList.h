@@ -12,64 +12,70 @@ class PropertyList;
 
 namespace apps {
 
-/// The items that the bar comes back with, from right to left, and the bundles that crashed it.
-/// Kept in a property list:
+/// The items that the bar restores at start, ordered by position, rightmost first, and the bundles
+/// that are disabled because they crashed it. Stored in a property list:
 ///
 ///     Items     an array of dictionaries: Identifier, Path, Position
 ///     Left Out  an array of dictionaries: Identifier, Path, Version, Step
 ///
-/// Path is a name alone for the bar's own items, so that they are found where the bar is. A bundle
-/// in both arrays is not loaded while its CFBundleVersion is the Version. Step is what the bar was
-/// doing: "loading", "first drawing", "click", "menu", or "its own code".
+/// For the bar's own items, Path is only the bundle's name, so that they are found wherever the bar
+/// is installed. A disabled bundle is not loaded while its CFBundleVersion equals Version. Step is
+/// what the bar was doing: "loading", "first drawing", "click", "menu" or "its own code".
 class ItemList {
   public:
-    struct LeftOut {
+    struct DisabledBundle {
         std::string identifier;
         std::string path;
         std::string version;
         std::string step;
     };
+    using LeftOut = DisabledBundle;
 
-    /// Its name in the user's product folder.
+    /// The file's name in the user's product folder.
     static constexpr const char* kFileName = "Menu Bar Items.plist";
 
+    /// @p file need not exist. @p ownItemsFolder is the folder of the bar's own items.
     ItemList(std::string file, std::string ownItemsFolder);
 
-    /// Reads the file. Gives false when there is none, or none that can be understood; the latter
-    /// is logged, nothing is taken from it, and it is kept under another name. A row that makes no
-    /// sense is logged and passed over.
+    /// Reads the file. Returns false if there is no file or it is not a list of items. In the
+    /// latter case a line is logged, and the file is renamed to end in ".unreadable". Invalid rows
+    /// are logged and skipped.
     bool read();
-    /// Replaces the file as a whole; whether that was done. A failure is logged, and so is a row
-    /// that no file can hold and that is left out.
+    /// Replaces the file atomically. Returns false, and logs, on failure. A row that a property
+    /// list cannot represent is logged and skipped.
     bool write() const;
 
     const std::vector<ItemRecord>& items() const { return items_; }
 
-    /// Puts an item in its place by position, of equal ones to the left, unless there is one with
-    /// its identifier. Whether the list has changed.
+    /// Inserts an item by its position, to the left of items with the same position, unless the
+    /// list has an item with that identifier. Returns whether the list has changed.
     bool insert(ItemRecord item);
-    /// The same, but in the place of one with its identifier and another path.
-    bool put(ItemRecord item);
-    bool erase(std::string_view identifier);
+    /// Like insert, but replaces an item with that identifier and another path.
+    bool insertOrReplace(ItemRecord item);
+    /// Removes an item. Returns whether the list has changed.
+    bool removeItem(std::string_view identifier);
+    /// Removes the items with the bundle at @p path, and enables the bundle.
+    void removeBundle(std::string_view path);
 
-    /// Why the bundle is left out; null when it is not.
-    const LeftOut* find(std::string_view path) const;
-    void leaveOut(LeftOut bundle);
-    bool forgive(std::string_view path);
-    /// Forgets the bundle at @p path altogether.
-    void forget(std::string_view path);
+    /// Returns the entry of the disabled bundle at @p path, or null if it is not disabled. The
+    /// pointer is valid until the list changes.
+    const DisabledBundle* findDisabled(std::string_view path) const;
+    const DisabledBundle* find(std::string_view path) const { return findDisabled(path); }
+    void disable(DisabledBundle bundle);
+    /// Returns whether the bundle was disabled.
+    bool enable(std::string_view path);
 
   private:
-    std::string writtenPath(const std::string& path) const;
-    std::string readPath(std::string_view path) const;
+    std::string storedPath(const std::string& path) const;
+    std::string resolvedPath(std::string_view storedPath) const;
     void readItem(const platform::PropertyList& row);
-    void readLeftOut(const platform::PropertyList& row);
-    void keepAside() const;
+    void readDisabled(const platform::PropertyList& row);
+    void moveUnreadableFile() const;
 
     std::string file_;
     std::string ownItemsFolder_;
     std::vector<ItemRecord> items_;
-    std::vector<LeftOut> leftOut_;
+    std::vector<DisabledBundle> disabled_;
 };
 
 } // namespace apps

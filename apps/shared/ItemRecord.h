@@ -5,13 +5,13 @@
 
 namespace apps {
 
-/// Who wanted an item to be there.
+/// Who requested an item.
 enum class Origin {
-    Request,     ///< somebody who asked the running bar: the bar comes back with it
-    CommandLine, ///< for this run of the bar only
+    Request,     ///< a program, while the bar ran; the item is stored and restored at start
+    CommandLine, ///< the bar's command line; the item is loaded for this run only
 };
 
-/// What is known of an item without its code.
+/// What the bar knows of an item without its code.
 struct ItemRecord {
     std::string identifier;
     std::string path; ///< of its bundle

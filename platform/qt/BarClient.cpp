@@ -17,18 +17,7 @@
 namespace platform::qt {
 namespace {
 
-constexpr const char* kNoReply = "the menu bar hangs: it does not answer";
-
-BarItem readItem(const QDBusArgument& rows) {
-    QString identifier, path;
-    BarItem item;
-    rows.beginStructure();
-    rows >> identifier >> path >> item.position >> item.width;
-    rows.endStructure();
-    item.identifier = identifier.toStdString();
-    item.path = path.toStdString();
-    return item;
-}
+constexpr const char* kHanging = "the menu bar hangs: it did not answer in time";
 
 } // namespace
 
@@ -36,10 +25,10 @@ BarClient::BarClient(std::string busAddress) : bus_(std::move(busAddress), "bar-
 
 BarClient::~BarClient() = default;
 
-BarClient::Answer BarClient::call(const char* member, const QVariantList& arguments,
-                                  const char* signature) {
+BarClient::Reply BarClient::call(const char* member, const QVariantList& arguments,
+                                 const char* signature) {
     if (isHanging())
-        return {std::nullopt, kNoReply};
+        return {std::nullopt, kHanging};
     const QDBusConnection bus = bus_.get();
     if (!bus.isConnected())
         return {std::nullopt, "there is no session bus"};
@@ -48,24 +37,24 @@ BarClient::Answer BarClient::call(const char* member, const QVariantList& argume
     message.setArguments(arguments);
     const auto start = std::chrono::steady_clock::now();
     const QDBusMessage reply = bus.call(message, QDBus::Block, kTimeout);
-    // Of a bar that dies meanwhile the bus says the same, but mostly much earlier.
+    // NoReply also means that the bar exited during the call, but then it usually comes sooner.
     const bool waited =
         std::chrono::steady_clock::now() - start > std::chrono::milliseconds(kTimeout / 2);
     if (waited && QDBusError(reply).type() == QDBusError::NoReply) {
-        noteHanging();
-        return {std::nullopt, kNoReply};
+        recordHang();
+        return {std::nullopt, kHanging};
     }
     if (reply.type() != QDBusMessage::ReplyMessage)
         return {std::nullopt,
                 "the menu bar does not answer: " + reply.errorMessage().toStdString()};
     if (reply.signature() != signature)
-        return {std::nullopt, std::string("the menu bar answers ") + member + " with \"" +
-                                  reply.signature().toStdString() + "\" and not \"" + signature +
-                                  '"'};
+        return {std::nullopt, std::string("the menu bar returned \"") +
+                                  reply.signature().toStdString() + "\" from " + member +
+                                  " instead of \"" + signature + '"'};
     return {reply.arguments(), {}};
 }
 
-/// Another bar that has come in its place does not.
+// A bar that has replaced the hanging one has another process identifier.
 bool BarClient::isHanging() {
     std::unique_lock lock(mutex_);
     const std::uint32_t process = hangingProcess_;
@@ -75,51 +64,51 @@ bool BarClient::isHanging() {
     return processIdentifier().value == process;
 }
 
-void BarClient::noteHanging() {
+void BarClient::recordHang() {
     const std::uint32_t process = processIdentifier().value.value_or(0);
     const std::lock_guard lock(mutex_);
     hangingProcess_ = process;
-    hangsUntil_ = std::chrono::steady_clock::now() + kRest;
+    hangsUntil_ = std::chrono::steady_clock::now() + kHangPause;
 }
 
-BarClient::Answer BarClient::callLogged(const char* member, const QVariantList& arguments,
-                                        const char* signature) {
-    Answer answer = call(member, arguments, signature);
+BarClient::Reply BarClient::callLogged(const char* member, const QVariantList& arguments,
+                                       const char* signature) {
+    Reply reply = call(member, arguments, signature);
     std::unique_lock lock(mutex_);
-    const bool isNews = answer.reason != std::exchange(loggedReason_, answer.reason);
+    const bool isNewReason = reply.reason != std::exchange(loggedReason_, reply.reason);
     lock.unlock();
-    if (isNews && !answer)
-        logLine("%@", answer.reason);
-    return answer;
+    if (isNewReason && !reply)
+        logLine("%@", reply.reason);
+    return reply;
 }
 
 std::int32_t BarClient::getMenuExtra(const std::string& identifier, MenuExtraReference& reference) {
     reference = 0;
-    const Answer answer = callLogged("GetMenuExtra", {qString(identifier)}, "iu");
-    if (!answer)
+    const Reply reply = callLogged("GetMenuExtra", {qString(identifier)}, "iu");
+    if (!reply)
         return kNoAnswer;
-    reference = answer.value->at(1).toUInt();
-    return answer.value->at(0).toInt();
+    reference = reply.value->at(1).toUInt();
+    return reply.value->at(0).toInt();
 }
 
 std::int32_t BarClient::addMenuExtra(const std::string& url, std::int32_t position,
                                      std::int32_t first, std::int32_t second, std::int32_t third,
                                      std::int32_t fourth) {
-    const Answer answer =
+    const Reply reply =
         callLogged("AddMenuExtra", {qString(url), position, first, second, third, fourth}, "i");
-    return answer ? answer.value->at(0).toInt() : kNoAnswer;
+    return reply ? reply.value->at(0).toInt() : kNoAnswer;
 }
 
 std::int32_t BarClient::removeMenuExtra(MenuExtraReference reference, std::int32_t flags) {
-    const Answer answer = callLogged("RemoveMenuExtra", {reference, flags}, "i");
-    return answer ? answer.value->at(0).toInt() : kNoAnswer;
+    const Reply reply = callLogged("RemoveMenuExtra", {reference, flags}, "i");
+    return reply ? reply.value->at(0).toInt() : kNoAnswer;
 }
 
 bool BarClient::hasBus() {
     return bus_.get().isConnected();
 }
 
-BarAnswer<std::uint32_t> BarClient::processIdentifier() {
+BarReply<std::uint32_t> BarClient::processIdentifier() {
     auto message =
         QDBusMessage::createMethodCall("org.freedesktop.DBus", "/org/freedesktop/DBus",
                                        "org.freedesktop.DBus", "GetConnectionUnixProcessID");
@@ -130,32 +119,32 @@ BarAnswer<std::uint32_t> BarClient::processIdentifier() {
     return {reply.arguments().at(0).toUInt(), {}};
 }
 
-BarAnswer<std::vector<BarItem>> BarClient::listMenuExtras() {
-    const Answer answer = call("ListMenuExtras", {}, "a(ssid)");
-    if (!answer)
-        return {std::nullopt, answer.reason};
+BarReply<std::vector<BarItem>> BarClient::listMenuExtras() {
+    const Reply reply = call("ListMenuExtras", {}, "a(ssid)");
+    if (!reply)
+        return {std::nullopt, reply.reason};
     std::vector<BarItem> items;
-    const auto rows = answer.value->at(0).value<QDBusArgument>();
+    const auto rows = reply.value->at(0).value<QDBusArgument>();
     rows.beginArray();
     while (!rows.atEnd())
-        items.push_back(readItem(rows));
+        rows >> items.emplace_back();
     return {std::move(items), {}};
 }
 
-BarAnswer<bool> BarClient::click(const std::string& identifier, const Event& event) {
-    return askYesOrNo(
+BarReply<bool> BarClient::click(const std::string& identifier, const Event& event) {
+    return callForBool(
         "Click", {qString(identifier), event.modifierFlags, event.clickCount, event.buttonNumber});
 }
 
-BarAnswer<bool> BarClient::snapshot(const std::string& path) {
-    return askYesOrNo("Snapshot", {qString(path)});
+BarReply<bool> BarClient::snapshot(const std::string& path) {
+    return callForBool("Snapshot", {qString(path)});
 }
 
-BarAnswer<bool> BarClient::askYesOrNo(const char* member, const QVariantList& arguments) {
-    const Answer answer = call(member, arguments, "b");
-    if (!answer)
-        return {std::nullopt, answer.reason};
-    return {answer.value->at(0).toBool(), {}};
+BarReply<bool> BarClient::callForBool(const char* member, const QVariantList& arguments) {
+    const Reply reply = call(member, arguments, "b");
+    if (!reply)
+        return {std::nullopt, reply.reason};
+    return {reply.value->at(0).toBool(), {}};
 }
 
 } // namespace platform::qt

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "platform/MenuExtraServer.h"
+#include "platform/qt/BarItem.h"
 #include "platform/qt/BusConnection.h"
 #include "platform/values/Event.h"
 
@@ -17,34 +18,27 @@ class QVariant;
 
 namespace platform::qt {
 
-/// What the bar said, or why there is nothing, for people.
+/// The value that the bar returned, or why there is none.
 template <class Value>
-struct BarAnswer {
+struct BarReply {
     std::optional<Value> value;
-    std::string reason;
+    std::string reason; ///< human-readable; empty if there is a value
     explicit operator bool() const { return value.has_value(); }
 };
 
-/// A row of the bar's list of items.
-struct BarItem {
-    std::string identifier;
-    std::string path;
-    std::int32_t position = 0;
-    double width = 0; ///< points
-};
-
-/// The menu bar, asked over the session bus, which starts it when it can and none is running. Needs
-/// neither an application object nor an event loop. A call waits kTimeout at most, the first one
-/// also for the connection, and gives up at once when there is no bus or nobody to answer. After a
-/// bar that hangs has let one call wait in vain, it is not asked for kRest. Any thread.
+/// Calls the menu bar over the session bus, which starts the bar if none is running and it can.
+/// Needs neither an application object nor an event loop. A call blocks for at most kTimeout, the
+/// first one also for the connection, and fails immediately if there is no bus or no bar. If a call
+/// times out because the bar hangs, calls to that bar fail immediately for kHangPause. Thread-safe.
 class BarClient final : public MenuExtraServer {
   public:
-    static constexpr int kTimeout = 5000; ///< milliseconds, the start of a bar included
-    static constexpr std::chrono::seconds kRest{10};
-    /// The status when no bar gives an answer that makes sense. Why is logged, once in a row.
+    static constexpr int kTimeout = 5000; ///< milliseconds, including the start of a bar
+    static constexpr std::chrono::seconds kHangPause{10};
+    /// The status if there is no reply or an invalid one. The reason is logged, but not again while
+    /// it stays the same.
     static constexpr std::int32_t kNoAnswer = -609;
 
-    /// @p busAddress is empty for the session bus. Connects with the first call.
+    /// @p busAddress is empty for the session bus. The first call connects.
     explicit BarClient(std::string busAddress = {});
     ~BarClient() override;
 
@@ -54,28 +48,29 @@ class BarClient final : public MenuExtraServer {
                               std::int32_t, std::int32_t, std::int32_t) override;
     std::int32_t removeMenuExtra(MenuExtraReference reference, std::int32_t flags) override;
 
-    // These log nothing.
+    // The following operations do not log.
 
-    /// The process of the bar that is running; none is started.
-    BarAnswer<std::uint32_t> processIdentifier();
-    /// Whether there is a session bus to find a bar on.
+    /// Returns the process identifier of the running bar. Does not start a bar.
+    BarReply<std::uint32_t> processIdentifier();
+    /// Returns whether the session bus can be reached.
     bool hasBus();
-    /// The bar's items from right to left.
-    BarAnswer<std::vector<BarItem>> listMenuExtras();
-    /// Clicks an item; whether it handled the click itself, rather than open its menu. False too
-    /// when there is no such item.
-    BarAnswer<bool> click(const std::string& identifier, const Event& event);
-    /// Has the bar drawn into a PNG file at an absolute path; whether that was done.
-    BarAnswer<bool> snapshot(const std::string& path);
+    /// Returns the bar's items, rightmost first.
+    BarReply<std::vector<BarItem>> listMenuExtras();
+    /// Clicks an item. Returns whether the item handled the click itself rather than opening its
+    /// menu; false also if the item is not loaded.
+    BarReply<bool> click(const std::string& identifier, const Event& event);
+    /// Makes the bar draw itself into a PNG file at an absolute path. Returns whether the file was
+    /// written.
+    BarReply<bool> snapshot(const std::string& path);
 
   private:
-    using Answer = BarAnswer<QList<QVariant>>;
+    using Reply = BarReply<QList<QVariant>>;
 
-    Answer call(const char* member, const QList<QVariant>& arguments, const char* signature);
-    Answer callLogged(const char* member, const QList<QVariant>& arguments, const char* signature);
+    Reply call(const char* member, const QList<QVariant>& arguments, const char* signature);
+    Reply callLogged(const char* member, const QList<QVariant>& arguments, const char* signature);
     bool isHanging();
-    void noteHanging();
-    BarAnswer<bool> askYesOrNo(const char* member, const QList<QVariant>& arguments);
+    void recordHang();
+    BarReply<bool> callForBool(const char* member, const QList<QVariant>& arguments);
 
     BusConnection bus_;
     std::mutex mutex_;

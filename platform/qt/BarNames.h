@@ -1,6 +1,6 @@
 #pragma once
 
-/// Where the menu bar is on the session bus.
+/// The menu bar's names on the session bus.
 namespace platform::qt {
 
 inline constexpr const char* kBarBusName = "com.quorvanesoftware.MenuBar";

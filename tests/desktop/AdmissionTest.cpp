@@ -18,7 +18,7 @@ std::string copied(const std::string& bundle, const fs::path& to) {
     return to.string();
 }
 
-TEST(Admission, IsForTheBarsOwnItemsAndTheUsersAndRefusesWhatLiesElsewhere) {
+TEST(Admission, AdmitsTheBarsOwnItemsAndTheUsersAndDeclinesThoseElsewhere) {
     BarProcess bar;
     const fs::path installed = bar.install(HALVEX_TEST_EXTRA);
     const fs::path folder = installed.parent_path();
@@ -27,40 +27,41 @@ TEST(Admission, IsForTheBarsOwnItemsAndTheUsersAndRefusesWhatLiesElsewhere) {
                                     copied(HALVEX_TEST_EXTRA, folder / "Folder/TestExtra.menu")}) {
         EXPECT_EQ(bar.add(path), -2) << path;
         EXPECT_TRUE(
-            bar.logs("menu extra at " + path + " declined: it does not lie in " + folder.string()));
+            bar.logs("menu extra at " + path + " declined: it is not in " + folder.string()));
     }
-    EXPECT_TRUE(bar.has(installed.string() + '/', kTestExtra)) << bar.log();
+    EXPECT_TRUE(bar.loads(installed.string() + '/', kTestExtra)) << bar.log();
     EXPECT_EQ(bar.remove(kOwnClock), 0);
-    EXPECT_TRUE(bar.has(HALVEX_CLOCK, kOwnClock, 0)) << bar.log();
+    EXPECT_TRUE(bar.loads(HALVEX_CLOCK, kOwnClock, 0)) << bar.log();
 
     bar.stop();
     bar.start({"--admit=all"});
     EXPECT_EQ(bar.remove(kTestExtra), 0);
-    EXPECT_TRUE(bar.has(HALVEX_TEST_EXTRA, kTestExtra)) << bar.log();
+    EXPECT_TRUE(bar.loads(HALVEX_TEST_EXTRA, kTestExtra)) << bar.log();
 }
 
-TEST(Admission, OfTheSystemsKindWaitsForMenuCracker) {
+TEST(Admission, OfKindSystemDeclinesForeignItemsUntilMenuCrackerIsLoaded) {
     BarProcess bar({"--admit=system"});
     const std::string installed = bar.install(HALVEX_TIME_MENU);
     const fs::path inPane = bar.home() / "Some.prefPane/Contents/PlugIns/MenuCracker.menu";
     for (const std::string& path :
          {installed, std::string(HALVEX_MENU_CRACKER), copied(HALVEX_TEST_EXTRA, inPane)}) {
-        EXPECT_EQ(bar.add(path), 0) << "it does not tell";
-        EXPECT_TRUE(bar.logs("menu extra at " + path + " declined: this bar admits its own"));
+        EXPECT_EQ(bar.add(path), 0) << "the caller is not told";
+        EXPECT_TRUE(bar.logs("menu extra at " + path + " declined: the bar admits only its own"));
     }
     EXPECT_THAT(bar.identifiers(), ElementsAre(kOwnClock));
 
     EXPECT_EQ(bar.add(copied(HALVEX_MENU_CRACKER, inPane), 0), 0);
-    EXPECT_TRUE(bar.has(installed, HalvexMenuID)) << "asked for without waiting: " << bar.log();
+    EXPECT_TRUE(bar.loads(installed, HalvexMenuID))
+        << "added before MenuCracker was loaded: " << bar.log();
     EXPECT_EQ(bar.add(HALVEX_TEST_EXTRA), 0);
-    EXPECT_TRUE(bar.logs(std::string(HALVEX_TEST_EXTRA) + " declined: it does not lie in"));
+    EXPECT_TRUE(bar.logs(std::string(HALVEX_TEST_EXTRA) + " declined: it is not in"));
     EXPECT_THAT(bar.identifiers(), ElementsAre(kOwnClock, kCracker, HalvexMenuID));
 
     bar.stop();
     bar.start({"--admit=system"});
     EXPECT_THAT(bar.identifiers(),
                 testing::UnorderedElementsAre(kOwnClock, kCracker, HalvexMenuID));
-    EXPECT_FALSE(bar.click(kCracker)) << "there is no menu to open";
+    EXPECT_FALSE(bar.click(kCracker)) << "MenuCracker has no menu";
     EXPECT_EQ(bar.stop(), 0) << bar.log();
 }
 

@@ -10,9 +10,9 @@
 
 namespace {
 
-// This program has neither an application object nor the desktop's library.
+// This program neither has an application object nor links the desktop library.
 
-TEST(BarClientAlone, HasTheBusStartTheBarAndAsksItFromAnyThread) {
+TEST(BarClientAlone, StartsTheBarThroughTheBusAndCallsItFromAnyThread) {
     ASSERT_EQ(QCoreApplication::instance(), nullptr);
     const test::TemporaryFolder folder;
     const QString home = QString::fromStdString(folder.path().string());
@@ -24,7 +24,7 @@ TEST(BarClientAlone, HasTheBusStartTheBarAndAsksItFromAnyThread) {
     platform::qt::BarClient client(bus.addressText());
     platform::MenuExtraReference reference = 0;
     EXPECT_EQ(client.getMenuExtra(test::kOwnClock, reference), 0)
-        << "the first answer waits for the bar";
+        << "the first call waits for the bar to start";
     std::int32_t status = -1;
     std::thread([&] { status = client.removeMenuExtra(reference, 0); }).join();
     EXPECT_EQ(status, 0);

@@ -1,7 +1,7 @@
 #include "platform/qt/BarClient.h"
 
 #include "tests/desktop/support/FakeService.h"
-#include "tests/desktop/support/SpoiltBundle.h"
+#include "tests/desktop/support/TestBundle.h"
 #include "tests/support/RecordingLog.h"
 
 #include <gmock/gmock.h>
@@ -23,20 +23,20 @@ std::int32_t get(BarClient& client, const char* identifier = test::kOwnClock) {
     return status;
 }
 
-/// The outcome of every request; 0 is success.
-std::vector<std::int32_t> askEverything(BarClient& client) {
+/// Makes every call and returns their statuses; 0 is success.
+std::vector<std::int32_t> callEverything(BarClient& client) {
     return {get(client), client.addMenuExtra("file:///x.menu", 999, 0, 0, 0, 0),
             client.removeMenuExtra(1, 0), client.listMenuExtras() ? 0 : -1,
             client.click("x", {}) ? 0 : -1};
 }
 
-TEST(BarClient, AsksARunningBarForEverything) {
+TEST(BarClient, CallsEveryOperationOfARunningBar) {
     const auto bus = std::make_shared<PrivateBus>();
     BarProcess bar(bus, {});
     BarClient client(bus->addressText());
-    const std::string path = test::SpoiltBundle(bar).path;
+    const std::string path = test::TestBundle(bar).path;
     EXPECT_EQ(get(client, kTestExtra), -1);
-    ASSERT_TRUE(bar.has(path, kTestExtra));
+    ASSERT_TRUE(bar.loads(path, kTestExtra));
     EXPECT_EQ(get(client, kTestExtra), 0);
     const auto items = client.listMenuExtras();
     ASSERT_TRUE(items && items.value->size() == 2U) << items.reason;
@@ -54,7 +54,7 @@ TEST(BarClient, AsksARunningBarForEverything) {
     EXPECT_EQ(client.removeMenuExtra(reference, 0), -1);
 }
 
-TEST(BarClient, GivesUpAtOnceWithoutABusAndWithoutABarAndSaysSoOnce) {
+TEST(BarClient, FailsImmediatelyWithoutABusOrABarAndLogsTheReasonOnce) {
     const PrivateBus bus;
     const std::pair<std::string, const char*> cases[] = {
         {"unix:path=/no/such/bus", "there is no session bus"},
@@ -64,42 +64,42 @@ TEST(BarClient, GivesUpAtOnceWithoutABusAndWithoutABarAndSaysSoOnce) {
         test::RecordingLog log;
         BarClient client(address);
         const auto start = std::chrono::steady_clock::now();
-        EXPECT_THAT(askEverything(client), testing::Each(testing::Ne(0)));
+        EXPECT_THAT(callEverything(client), testing::Each(testing::Ne(0)));
         EXPECT_THAT(client.listMenuExtras().reason, StartsWith(reason));
         EXPECT_LT(std::chrono::steady_clock::now() - start, 2s);
         EXPECT_THAT(log.take(), testing::ElementsAre(StartsWith(reason)));
     }
 }
 
-TEST(BarClient, TakesNoGarbageFromABar) {
+TEST(BarClient, RejectsRepliesOfTheWrongType) {
     const PrivateBus bus;
     const test::FakeService bar(bus, "com.quorvanesoftware.MenuBar",
                                 "/com/quorvanesoftware/MenuBar",
                                 [](const auto&) { return QString("garbage"); });
     test::RecordingLog log;
     BarClient client(bus.addressText());
-    // This thread answers.
-    auto statuses = std::async(std::launch::async, [&] { return askEverything(client); });
+    // This thread runs the event loop, which answers.
+    auto statuses = std::async(std::launch::async, [&] { return callEverything(client); });
     ASSERT_TRUE(
         BarProcess::eventually([&] { return statuses.wait_for(0s) == std::future_status::ready; }));
     EXPECT_THAT(statuses.get(), testing::Each(testing::Ne(0)));
-    EXPECT_TRUE(log.contains("the menu bar answers GetMenuExtra with \"s\" and not \"iu\""));
+    EXPECT_TRUE(log.contains("the menu bar returned \"s\" from GetMenuExtra instead of \"iu\""));
 }
 
-TEST(BarClient, HearsOfABarThatDiesInTheMiddleOfALoad) {
+TEST(BarClient, NoticesABarThatHangsOrDiesDuringALoad) {
     const auto bus = std::make_shared<PrivateBus>();
     BarProcess bar(bus, {"--admit=all"});
-    const test::SpoiltBundle extra(bar, "HangsAtStart");
+    const test::TestBundle extra(bar, "HangsAtStart");
     BarClient client(bus->addressText());
-    EXPECT_EQ(bar.add(extra.path), 0) << "the load follows";
+    EXPECT_EQ(bar.add(extra.path), 0) << "loading comes later";
     ASSERT_TRUE(bar.logs("hanging"));
     auto status = std::async(std::launch::async, [&] { return get(client, kTestExtra); });
     EXPECT_EQ(status.wait_for(200ms), std::future_status::timeout);
     BarClient other(bus->addressText());
-    EXPECT_NE(get(other), 0) << "it waits as long as it does";
+    EXPECT_NE(get(other), 0) << "the first call waits for the timeout";
     auto start = std::chrono::steady_clock::now();
-    EXPECT_THAT(askEverything(other), testing::Each(testing::Ne(0)));
-    EXPECT_LT(std::chrono::steady_clock::now() - start, 1s) << "but not again and again";
+    EXPECT_THAT(callEverything(other), testing::Each(testing::Ne(0)));
+    EXPECT_LT(std::chrono::steady_clock::now() - start, 1s) << "later calls do not wait";
     BarClient third(bus->addressText());
     EXPECT_NE(status.get(), 0);
     status = std::async(std::launch::async, [&] { return get(third, kTestExtra); });
@@ -109,7 +109,7 @@ TEST(BarClient, HearsOfABarThatDiesInTheMiddleOfALoad) {
     EXPECT_NE(status.get(), 0);
     EXPECT_LT(std::chrono::steady_clock::now() - start, 2s);
     bar.start();
-    EXPECT_TRUE(bar.logs("test.extra at " + extra.path.string() + " is left out"));
+    EXPECT_TRUE(bar.logs("test.extra at " + extra.path.string() + " is disabled"));
     EXPECT_EQ(get(client), 0) << "the client finds the new bar";
 }
 

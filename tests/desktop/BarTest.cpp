@@ -1,6 +1,6 @@
 #include "menuextras/ExportedIdentifiers.h"
 #include "tests/desktop/support/FakeService.h"
-#include "tests/desktop/support/SpoiltBundle.h"
+#include "tests/desktop/support/TestBundle.h"
 
 #include <QDBusVariant>
 #include <QImage>
@@ -12,13 +12,13 @@ using testing::ElementsAre;
 
 namespace {
 
-TEST(Bar, IsAloneOnItsBusSpeaksItsInterfaceAndEndsCleanly) {
+TEST(Bar, IsTheOnlyOneOnItsBusExportsItsInterfaceAndExitsCleanly) {
     const auto bus = std::make_shared<test::PrivateBus>();
     BarProcess bar(bus, {});
     EXPECT_THAT(bar.identifiers(), ElementsAre(kOwnClock));
     EXPECT_EQ(QImage(bar.snapshot()).height(), 22);
     BarProcess second(bus, {});
-    EXPECT_EQ(second.ends(), 1);
+    EXPECT_EQ(second.waitForExit(), 1);
     EXPECT_TRUE(second.logs("another menu bar is running on this session bus"));
     const std::string xml = bar.call("Introspect", {}, "org.freedesktop.DBus.Introspectable")[0]
                                 .toString()
@@ -32,40 +32,40 @@ TEST(Bar, IsAloneOnItsBusSpeaksItsInterfaceAndEndsCleanly) {
     EXPECT_EQ(bar.stop(), 0) << bar.log();
 }
 
-TEST(Bar, EndsWithItsSessionBus) {
+TEST(Bar, ExitsWhenItsSessionBusDisconnects) {
     const auto bus = std::make_shared<test::PrivateBus>();
     BarProcess bar(bus, {});
     bus->kill();
-    EXPECT_EQ(bar.ends(), 0);
+    EXPECT_EQ(bar.waitForExit(), 0);
     EXPECT_TRUE(bar.logs("the session bus has gone, and the menu bar with it"));
 }
 
-TEST(Bar, ShowsTheProductsClockAndOpensItsMenuOnAClick) {
+TEST(Bar, OpensAndClosesTheMenuOfAClickedItem) {
     BarProcess bar({HALVEX_TIME_MENU});
     EXPECT_THAT(bar.identifiers(), ElementsAre(kOwnClock, HalvexMenuID));
-    EXPECT_FALSE(bar.click(HalvexMenuID)) << "the menu opens: the click was not consumed";
+    EXPECT_FALSE(bar.click(HalvexMenuID)) << "the click opens the menu";
     EXPECT_GT(QImage(bar.snapshot()).height(), 52);
-    EXPECT_FALSE(bar.click(kOwnClock)) << "another menu takes its place";
+    EXPECT_FALSE(bar.click(kOwnClock)) << "the click replaces the open menu";
     EXPECT_GT(QImage(bar.snapshot()).height(), 52);
-    EXPECT_FALSE(bar.click(kOwnClock)) << "and closes again";
+    EXPECT_FALSE(bar.click(kOwnClock)) << "the click closes the menu";
     EXPECT_EQ(QImage(bar.snapshot()).height(), 22);
     EXPECT_EQ(bar.stop(), 0) << bar.log();
 }
 
-TEST(Bar, LetsAnItemTakeItselfAndOthersOut) {
+TEST(Bar, LetsAnItemRemoveItselfAndOthers) {
     BarProcess bar({HALVEX_TIME_MENU});
-    const test::SpoiltBundle bundle(bar, "LeavesWhenClicked");
-    EXPECT_TRUE(bar.has(bundle.path, kTestExtra));
+    const test::TestBundle bundle(bar, "RemovesItemsWhenClicked");
+    EXPECT_TRUE(bar.loads(bundle.path, kTestExtra));
     EXPECT_TRUE(bar.click(kTestExtra));
-    EXPECT_TRUE(bar.logs("leaving"));
+    EXPECT_TRUE(bar.logs("unloading"));
     EXPECT_TRUE(BarProcess::eventually([&] { return bar.identifiers().size() == 1; }));
     EXPECT_THAT(bar.identifiers(), ElementsAre(HalvexMenuID));
-    EXPECT_EQ(bar.log().find("still held"), std::string::npos);
-    EXPECT_TRUE(bar.has(bundle.path, kTestExtra));
-    EXPECT_EQ(bar.stop(), 0) << "an item may ask for others to its end: " << bar.log();
+    EXPECT_EQ(bar.log().find("still referenced"), std::string::npos);
+    EXPECT_TRUE(bar.loads(bundle.path, kTestExtra));
+    EXPECT_EQ(bar.stop(), 0) << "an item may call the bar in willUnload: " << bar.log();
 }
 
-TEST(Bar, IsAsDarkAsTheDesktopWantsIt) {
+TEST(Bar, FollowsTheColourSchemeOfTheDesktop) {
     const char* path = "/org/freedesktop/portal/desktop";
     const QVariantList setting{"org.freedesktop.appearance", "color-scheme"};
     const auto variant = [](const QVariant& value) {
@@ -73,8 +73,8 @@ TEST(Bar, IsAsDarkAsTheDesktopWantsIt) {
     };
     const auto bus = std::make_shared<test::PrivateBus>();
     const test::FakeService portal(
-        *bus, "org.freedesktop.portal.Desktop", path, [&](const QDBusMessage& question) {
-            return question.arguments() == setting ? variant(variant(1U)) : QVariant();
+        *bus, "org.freedesktop.portal.Desktop", path, [&](const QDBusMessage& call) {
+            return call.arguments() == setting ? variant(variant(1U)) : QVariant();
         });
     BarProcess bar(bus, {});
     const auto becomes = [&](bool dark) {
@@ -91,17 +91,20 @@ TEST(Bar, IsAsDarkAsTheDesktopWantsIt) {
     }
 }
 
-TEST(Bar, AnswersWrongArgumentsWithAStatusAndALogLineAndChangesNothing) {
+TEST(Bar, AnswersInvalidArgumentsWithAStatusAndALogLine) {
     BarProcess bar;
     const std::tuple<const char*, QVariantList, QVariant, const char*> cases[] = {
         {"AddMenuExtra", {"file:///no/such.menu", 999, 0, 0, 0, 0}, -43, "/no/such.menu"},
-        {"AddMenuExtra", {"http://x/x.menu", 999, 0, 0, 0, 0}, -50, "http://x/x.menu is no file"},
+        {"AddMenuExtra",
+         {"http://x/x.menu", 999, 0, 0, 0, 0},
+         -50,
+         "http://x/x.menu is not a file URL"},
         {"AddMenuExtra", {"/no/url.menu", 999, 0, 0, 0, 0}, -50, "/no/url.menu"},
         {"RemoveMenuExtra", {4711U, 0}, -1, "the reference 4711"},
         {"RemoveMenuExtra", {0U, 0}, -1, "the reference 0"},
-        {"Click", {"no.such.item", 0U, 1, 0}, false, "no.such.item is not loaded"},
-        {"Snapshot", {"relative.png"}, false, "relative.png is no absolute path"},
-        {"Snapshot", {"/no/such/bar.png"}, false, "no picture at /no/such/bar.png"},
+        {"Click", {"no.such.item", 0U, 1, 0}, false, "no.such.item: it is not loaded"},
+        {"Snapshot", {"relative.png"}, false, "relative.png is not the absolute path"},
+        {"Snapshot", {"/no/such/bar.png"}, false, "cannot write snapshot /no/such/bar.png"},
     };
     for (const auto& [member, arguments, answer, line] : cases) {
         EXPECT_EQ(bar.call(member, arguments).value(0), answer) << line;

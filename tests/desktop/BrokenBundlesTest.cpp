@@ -1,4 +1,4 @@
-#include "tests/desktop/support/SpoiltBundle.h"
+#include "tests/desktop/support/TestBundle.h"
 
 #include <gtest/gtest.h>
 
@@ -7,59 +7,60 @@ using namespace test;
 
 namespace {
 
-void othersMayWrite(const fs::path& path) {
+void makeWritableByOthers(const fs::path& path) {
     fs::permissions(path, fs::perms::others_write, fs::perm_options::add);
 }
 
-/// The log names the identifier of a bundle whose code was touched, else its path.
-TEST(BrokenBundle, IsNamedInTheLogAndTakesNothingWithIt) {
+/// The log names a bundle by its identifier if its code was loaded, else by its path.
+TEST(BrokenBundle, IsNotLoadedAndIsNamedInTheLog) {
     BarProcess bar({HALVEX_TIME_MENU});
     const auto before = bar.identifiers();
-    const auto isNamed = [&](const SpoiltBundle& bundle, const std::string& line, bool identified) {
+    const auto isNamed = [&](const TestBundle& bundle, const std::string& line, bool identified) {
         bar.add(bundle.path);
         EXPECT_TRUE(bar.logs(line)) << line << " in " << bar.log();
         EXPECT_TRUE(bar.logs(identified ? kTestExtra : bundle.path.string())) << line;
         EXPECT_EQ(bar.identifiers(), before) << line;
     };
-    using Spoil = void (*)(const SpoiltBundle&);
-    const std::pair<Spoil, const char*> judged[] = {
+    using Damage = void (*)(const TestBundle&);
+    const std::pair<Damage, const char*> refused[] = {
         {[](auto& b) { fs::remove(b.info()); }, "Info.plist"},
         {[](auto& b) { replaceContents(b.info(), contents(b.info()).substr(0, 300)); }, "line "},
         {[](auto& b) { b.replaceInInfo("NSPrincipalClass", "Other"); }, "no NSPrincipalClass"},
         {[](auto& b) { b.replaceInInfo("test.extra", std::string(256, 'x')); },
-         "CFBundleIdentifier is longer than 255"},
-        {[](auto& b) { b.replaceInInfo("<integer>2<", "<integer>3<"); }, "it is for ABI 3"},
+         "CFBundleIdentifier in Info.plist is longer than 255"},
+        {[](auto& b) { b.replaceInInfo("<integer>2<", "<integer>3<"); }, "it is built for ABI 3"},
         {[](auto& b) { fs::remove(b.code()); }, "is missing"},
         {[](auto& b) { replaceContents(b.code(), contents(b.code()).replace(18, 2, "\x15\0", 2)); },
          "another processor (16777234)"},
         {[](auto& b) { replaceContents(b.code(), std::string(5000, 'x')); }, "no executable code"},
-        {[](auto& b) { othersMayWrite(b.code()); }, "TestExtra can be written by others"},
-        {[](auto& b) { othersMayWrite(b.path); }, "TestExtra.menu can be written by others"},
+        {[](auto& b) { makeWritableByOthers(b.code()); }, "TestExtra is writable by other users"},
+        {[](auto& b) { makeWritableByOthers(b.path); },
+         "TestExtra.menu is writable by other users"},
     };
-    for (const auto& [spoil, line] : judged) {
-        const SpoiltBundle bundle(bar);
-        spoil(bundle);
+    for (const auto& [damage, line] : refused) {
+        const TestBundle bundle(bar);
+        damage(bundle);
         isNamed(bundle, line, false);
     }
-    const SpoiltBundle cut(bar);
+    const TestBundle cut(bar);
     fs::resize_file(cut.code(), fs::file_size(cut.code()) / 2);
     isNamed(cut, "cut off", true);
-    const SpoiltBundle other(bar);
+    const TestBundle other(bar);
     fs::copy_file(HALVEX_NO_ENTRY_POINT, other.code(), fs::copy_options::overwrite_existing);
     isNamed(other, "no entry point HalvexMenuExtraEntry_2", true);
-    isNamed(SpoiltBundle(bar, "Unknown"), "no class Unknown", true);
-    isNamed(SpoiltBundle(bar, "GivesNothing"), "initWithBundle gave nothing", true);
-    isNamed(SpoiltBundle(bar, "HasNoView"), "it has no view", true);
-    isNamed(SpoiltBundle(bar, "ThrowsAtStart"),
+    isNamed(TestBundle(bar, "Unknown"), "no class Unknown", true);
+    isNamed(TestBundle(bar, "ReturnsNull"), "initWithBundle returned null", true);
+    isNamed(TestBundle(bar, "HasNoView"), "it has no view", true);
+    isNamed(TestBundle(bar, "ThrowsAtStart"),
             "test.extra raised an exception: std::exception   reason: no AtStart", true);
     EXPECT_EQ(bar.stop(), 0) << bar.log();
 }
 
-TEST(BrokenBundle, ThatThrowsLaterIsLoggedEachTimeAndTheBarLivesOn) {
+TEST(BrokenBundle, ThatThrowsLaterIsLoggedEachTimeAndTheBarKeepsRunning) {
     BarProcess bar;
     for (const std::string when : {"WhenClicked", "WhenTicking", "WhenDrawn"}) {
-        const SpoiltBundle bundle(bar, "Throws" + when);
-        EXPECT_TRUE(bar.has(bundle.path, kTestExtra));
+        const TestBundle bundle(bar, "Throws" + when);
+        EXPECT_TRUE(bar.loads(bundle.path, kTestExtra));
         EXPECT_FALSE(bar.click(kTestExtra));
         EXPECT_TRUE(bar.logs("reason: no " + when)) << when;
         EXPECT_EQ(bar.remove(kTestExtra), 0);

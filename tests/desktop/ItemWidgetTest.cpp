@@ -14,7 +14,7 @@ using namespace apps;
 
 namespace {
 
-/// A base class's item with the title "12:34", shown.
+/// Shows an item with the title "12:34".
 class ItemWidgetTest : public testing::Test {
   protected:
     ItemWidgetTest() {
@@ -22,7 +22,7 @@ class ItemWidgetTest : public testing::Test {
         extra->initWithBundle(std::make_shared<platform::Bundle>(
             "/Test.menu", PropertyList::Dictionary{{"CFBundleName", "Test"}}));
         extra->setTitle("12:34");
-        widget.resize(widget.wantedWidth(), 22);
+        widget.resize(widget.preferredWidth(), 22);
         QObject::connect(&widget, &ItemWidget::pressed,
                          [this](const platform::Event& event) { events.push_back(event); });
     }
@@ -34,7 +34,7 @@ class ItemWidgetTest : public testing::Test {
     std::vector<platform::Event> events;
 };
 
-TEST_F(ItemWidgetTest, IsAButtonWithAMenuForPeopleWhoDoNotSeeIt) {
+TEST_F(ItemWidgetTest, IsAButtonWithAMenuForScreenReaders) {
     auto* accessible = QAccessible::queryAccessibleInterface(&widget);
     ASSERT_NE(accessible, nullptr);
     EXPECT_EQ(accessible->role(), QAccessible::ButtonMenu);
@@ -47,7 +47,7 @@ TEST_F(ItemWidgetTest, IsAButtonWithAMenuForPeopleWhoDoNotSeeIt) {
     EXPECT_EQ(events[0].buttonNumber, 0);
 }
 
-TEST_F(ItemWidgetTest, CountsClicksAndNumbersButtonsAndModifiersAsItemsKnowThem) {
+TEST_F(ItemWidgetTest, CountsClicksAndTranslatesButtonsAndModifiers) {
     struct Row {
         Qt::MouseButton button;
         Qt::KeyboardModifiers modifiers;
@@ -58,7 +58,7 @@ TEST_F(ItemWidgetTest, CountsClicksAndNumbersButtonsAndModifiersAsItemsKnowThem)
     for (const auto& [button, modifiers, x, buttonNumber, flags, clickCount] :
          {Row{Qt::LeftButton, {}, 5, 0, 0, 1},
           Row{Qt::LeftButton, Qt::ShiftModifier, 6, 0, 0x20000, 2},
-          Row{Qt::LeftButton, {}, 35, 0, 0, 1}, // elsewhere
+          Row{Qt::LeftButton, {}, 35, 0, 0, 1}, // too far for a double click
           Row{Qt::RightButton, Qt::ControlModifier, 35, 1, 0x40000, 1},
           Row{Qt::MiddleButton, Qt::AltModifier, 35, 2, 0x80000, 1},
           Row{Qt::BackButton, Qt::AltModifier | Qt::ControlModifier, 35, 3, 0xC0000, 1}}) {
@@ -80,7 +80,8 @@ TEST_F(ItemWidgetTest, DrawsTheTitleInTheTextColourAndCutsItOutOfTheHighlight) {
     const auto pixels = [&](auto wanted) {
         const QImage image = widget.grab().toImage();
         int count = 0;
-        for (int i = 0; i < image.width() * (image.height() - 1); ++i) // not the bar's edge below
+        for (int i = 0; i < image.width() * (image.height() - 1);
+             ++i) // without the line at the bottom edge
             count += wanted(image.pixelColor(i % image.width(), i / image.width())) ? 1 : 0;
         return count;
     };
@@ -92,7 +93,7 @@ TEST_F(ItemWidgetTest, DrawsTheTitleInTheTextColourAndCutsItOutOfTheHighlight) {
     EXPECT_EQ(pixels(dark), 0);
     EXPECT_GT(pixels(blue), widget.width() * 10);
     EXPECT_GT(pixels([](const QColor& c) { return c.lightness() > 200; }), 20)
-        << "the title shows the bar's ground";
+        << "the title shows the bar's background";
 }
 
 } // namespace

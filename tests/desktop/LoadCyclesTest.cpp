@@ -18,8 +18,8 @@ using test::kTestExtra;
 
 namespace {
 
-/// What a process has of what it may run out of; memory as it is resident.
-std::map<std::string, std::ptrdiff_t> possessions(const fs::path& process) {
+/// The resources that a process may leak.
+std::map<std::string, std::ptrdiff_t> resources(const fs::path& process) {
     std::ifstream maps(process / "maps"), memory(process / "statm");
     std::ptrdiff_t pages = 0;
     memory >> pages >> pages;
@@ -29,42 +29,42 @@ std::map<std::string, std::ptrdiff_t> possessions(const fs::path& process) {
             {"kilobytes", pages * 4}};
 }
 
-/// Once the process has nothing to do: while it writes its list it has more open.
-auto possessionsAtRest(const fs::path& process) {
-    auto last = possessions(process);
+/// Waits until the process is idle: while it writes its list, more files are open.
+auto resourcesWhenIdle(const fs::path& process) {
+    auto last = resources(process);
     BarProcess::eventually([&] {
         QThread::msleep(50);
-        auto before = std::exchange(last, possessions(process));
+        auto before = std::exchange(last, resources(process));
         return last["descriptors"] == before["descriptors"];
     });
     return last;
 }
 
-// A sanitizer keeps what was freed, and finds leaks in its own way.
+// A sanitizer keeps freed memory, and detects leaks itself.
 #if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
 constexpr bool kSanitized = true;
 #else
 constexpr bool kSanitized = false;
 #endif
 
-/// As many as HALVEX_LOAD_CYCLES says (scripts/load-cycles).
-TEST(LoadCycles, LeaveTheBarAsItWas) {
+/// HALVEX_LOAD_CYCLES sets their number (scripts/load-cycles).
+TEST(LoadCycles, LeakNoResources) {
     BarProcess bar;
     const std::string bundle = bar.install(HALVEX_TEST_EXTRA);
     const fs::path process = fs::path("/proc") / std::to_string(bar.processId());
     const auto cycles = [&](int count) {
         for (; count > 0 && !testing::Test::HasFailure(); --count) {
-            EXPECT_TRUE(bar.has(bundle, kTestExtra));
-            bar.click(kTestExtra); // its menu is open when it goes
+            EXPECT_TRUE(bar.loads(bundle, kTestExtra));
+            bar.click(kTestExtra); // its menu is open when it is removed
             EXPECT_EQ(bar.remove(kTestExtra), 0);
-            bar.log(); // a bar whose log nobody reads would wait
+            bar.log(); // a full pipe would block the bar
         }
     };
     cycles(10);
-    auto before = possessionsAtRest(process);
+    auto before = resourcesWhenIdle(process);
     const char* wanted = std::getenv("HALVEX_LOAD_CYCLES");
     cycles(wanted ? std::atoi(wanted) : 50);
-    auto after = possessionsAtRest(process);
+    auto after = resourcesWhenIdle(process);
     for (const auto& [name, count] : after)
         std::cout << name << ": " << before[name] << " after 10 cycles, now " << count << '\n';
     EXPECT_EQ(after["descriptors"], before["descriptors"]);
@@ -72,8 +72,8 @@ TEST(LoadCycles, LeaveTheBarAsItWas) {
     EXPECT_LE(after["mappings"], before["mappings"] + (kSanitized ? 1'000'000 : 5));
     EXPECT_LE(after["kilobytes"], before["kilobytes"] + (kSanitized ? 1'000'000 : 4096));
     EXPECT_EQ(QImage(bar.snapshot()).height(), 22) << "no menu is open";
-    EXPECT_TRUE(bar.logs("leaving"));
-    EXPECT_EQ(bar.log().find("still held"), std::string::npos);
+    EXPECT_TRUE(bar.logs("unloading"));
+    EXPECT_EQ(bar.log().find("still referenced"), std::string::npos);
     EXPECT_EQ(bar.stop(), 0) << bar.log();
 }
 

@@ -1,10 +1,10 @@
-// A program on the other side of the distributed notifications.
+// A program that exchanges distributed notifications with the tests.
 //
-//   peer post NAME COUNT   posts that many, numbered
-//   peer                   is the background application: announces its launch, and writes a line
-//                          with its process identifier to $HOME/requests for each "Request", to
-//                          $HOME/activations when it is brought to the front; until "Quit" or the
-//                          end of its bus
+//   peer post NAME COUNT   Post COUNT numbered notifications.
+//   peer                   Act as the background application: announce the launch, then append the
+//                          process identifier to $HOME/requests for each "Request" and to
+//                          $HOME/activations for each activation. Exit on "Quit" or when the bus
+//                          disconnects.
 
 #include "platform/Workspace.h"
 #include "platform/expat/ExpatPropertyLists.h"
@@ -30,7 +30,7 @@ void write(const char* file) {
     std::ofstream(std::string(std::getenv("HOME")) + '/' + file, std::ios::app) << getpid() << '\n';
 }
 
-/// Takes every method call for "Activate".
+/// Accepts every method call as "Activate".
 class Activation final : public QDBusVirtualObject {
   public:
     QString introspect(const QString&) const override { return {}; }

@@ -15,23 +15,24 @@ using namespace platform;
 
 namespace {
 
-/// Handles Shift-clicks itself, logs every click, and has a menu with two items. Its principal
-/// class says what it does wrong and when, "ThrowsWhenClicked" for one; "Calm" does nothing wrong.
+/// Handles Shift-clicks itself, logs every click, and has a menu with two items. The name of the
+/// principal class selects a fault and when it occurs, for example "ThrowsWhenClicked".
 class TestExtra final : public HalvexMenuExtraBase {
   public:
-    explicit TestExtra(std::string kind) : kind_(std::move(kind)) {}
+    explicit TestExtra(std::string fault) : fault_(std::move(fault)) {}
 
     std::shared_ptr<MenuExtra> initWithBundle(std::shared_ptr<Bundle> bundle) override {
-        now("AtStart");
-        if (kind_ == "HasNoView")
+        faultPoint("AtStart");
+        if (fault_ == "HasNoView")
             return shared_from_this();
-        if (kind_ == "GivesNothing" || !HalvexMenuExtraBase::initWithBundle(std::move(bundle)))
+        if (fault_ == "ReturnsNull" || !HalvexMenuExtraBase::initWithBundle(std::move(bundle)))
             return nullptr;
         setTitle("Test");
         sharedWorkspace().notificationCenter().addObserver(
             weak_from_this(), "Test", [this](const Notification&) { note("told"); });
-        if (kind_.ends_with("WhenTicking"))
-            ticks_ = systemClock().tick(TickInterval::Second, [this] { now("WhenTicking"); });
+        if (fault_.ends_with("WhenTicking"))
+            ticks_ =
+                systemClock().tick(TickInterval::Second, [this] { faultPoint("WhenTicking"); });
         menu_ = std::make_shared<Menu>();
         menu_->addItem(
             "Choose", [](MenuItem&) { logLine("chosen"); }, weak_from_this());
@@ -40,29 +41,30 @@ class TestExtra final : public HalvexMenuExtraBase {
         return shared_from_this();
     }
     std::shared_ptr<AttributedString> attributedTitle() const override {
-        now("WhenDrawn");
+        faultPoint("WhenDrawn");
         return HalvexMenuExtraBase::attributedTitle();
     }
     bool clicked() override {
-        now("WhenClicked");
-        return kind_ == "LeavesWhenClicked" ? leave() : note("plain");
+        faultPoint("WhenClicked");
+        return fault_ == "RemovesItemsWhenClicked" ? removeItems() : note("plain");
     }
     bool clickWithAltKey() override { return note("option"); }
     bool clickWithCtrlKey() override { return note("control"); }
     bool clickWithShiftKey() override { return !note("shift"); }
     void willUnload() override {
         MenuExtraReference reference = 0;
-        logLine("leaving, itself: %d", CoreMenuExtraGetMenuExtra("test.extra", &reference));
+        logLine("unloading, status of itself: %d",
+                CoreMenuExtraGetMenuExtra("test.extra", &reference));
         HalvexMenuExtraBase::willUnload();
     }
 
   private:
-    void now(const std::string& when) const {
-        if (kind_ == "Throws" + when)
+    void faultPoint(const std::string& when) const {
+        if (fault_ == "Throws" + when)
             throw std::runtime_error("no " + when);
-        if (kind_ == "Crashes" + when)
+        if (fault_ == "Crashes" + when)
             std::abort();
-        if (kind_ == "Hangs" + when) {
+        if (fault_ == "Hangs" + when) {
             logLine("hanging");
             pause();
         }
@@ -71,8 +73,8 @@ class TestExtra final : public HalvexMenuExtraBase {
         logLine("click %@ %d", kind, eventSource().currentEvent().clickCount);
         return false;
     }
-    /// Takes itself and the bar's own clock out, which the bar does not do in the middle of this.
-    static bool leave() {
+    /// Requests the removal of the bar's own clock and of itself, which the bar defers.
+    static bool removeItems() {
         for (const char* identifier : {"com.apple.menuextra.clock", "test.extra"}) {
             MenuExtraReference reference = 0;
             CoreMenuExtraGetMenuExtra(identifier, &reference);
@@ -81,13 +83,13 @@ class TestExtra final : public HalvexMenuExtraBase {
         return true;
     }
 
-    std::string kind_;
+    std::string fault_;
     std::unique_ptr<Watch> ticks_;
 };
 
 } // namespace
 
 extern "C" MenuExtra* HalvexMenuExtraEntry_2(const char* principalClass) {
-    const std::string kind = principalClass;
-    return kind == "Unknown" ? nullptr : new TestExtra(kind);
+    const std::string fault = principalClass;
+    return fault == "Unknown" ? nullptr : new TestExtra(fault);
 }

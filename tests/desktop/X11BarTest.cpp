@@ -20,7 +20,7 @@ class X11Bar : public testing::Test {
     XServer x;
 };
 
-TEST_F(X11Bar, IsADockThatKeepsTheTopOfTheScreenForItselfAtEveryScale) {
+TEST_F(X11Bar, IsADockThatReservesTheTopOfTheScreenAtEveryScale) {
     const std::pair<const char*, std::uint32_t> scales[] = {{"1", 22}, {"1.5", 33}, {"2", 44}};
     for (const auto& [scale, height] : scales) {
         BarProcess bar({}, settings(scale));
@@ -33,13 +33,13 @@ TEST_F(X11Bar, IsADockThatKeepsTheTopOfTheScreenForItselfAtEveryScale) {
         bar.call("Snapshot", {file});
         const QImage picture(file);
         EXPECT_EQ(picture.height(), static_cast<int>(height));
-        EXPECT_NEAR(picture.width(), kScreenWidth, 1) << "points are whole";
+        EXPECT_NEAR(picture.width(), kScreenWidth, 1) << "a whole number of points";
     }
 }
 
-TEST_F(X11Bar, SendsTheMouseAndTheKeyboardOn) {
+TEST_F(X11Bar, PassesMouseAndKeyboardInputToItsItems) {
     BarProcess bar({HALVEX_TEST_EXTRA}, settings());
-    const int clock = 63 + 12 + 4; // about as wide as the bar's own clock
+    const int clock = 63 + 12 + 4; // approximate width of the bar's own clock
     const QStringList pointAtItem{"mousemove", QString::number(kScreenWidth - clock - 20), "10"};
     x.act(pointAtItem);
     x.act({"keydown", "Shift_L", "click", "--repeat", "2", "1", "keyup", "Shift_L"});
@@ -49,7 +49,7 @@ TEST_F(X11Bar, SendsTheMouseAndTheKeyboardOn) {
     EXPECT_TRUE(bar.logs("click control 1")) << bar.log();
     x.act({"key", "Escape"});
     x.act({"mousemove", QString::number(kScreenWidth - 40), "10", "click", "1"});
-    x.act(pointAtItem); // the clock's menu is open: this one's opens in its place
+    x.act(pointAtItem); // the clock's menu is open: moving the mouse switches to the item's
     EXPECT_TRUE(BarProcess::eventually([&] {
         x.act({"key", "Down", "Return"});
         return bar.log().find("chosen") != std::string::npos;
@@ -64,7 +64,7 @@ TEST_F(X11Bar, SendsTheMouseAndTheKeyboardOn) {
     EXPECT_EQ(bar.stop(), 0) << bar.log();
 }
 
-TEST_F(X11Bar, KeepsUpWithKeysThatComeWhileMenusCloseAndOpen) {
+TEST_F(X11Bar, SurvivesKeysThatArriveWhileMenusSwitch) {
     BarProcess bar({HALVEX_TEST_EXTRA}, settings());
     x.act({"mousemove", QString::number(kScreenWidth - 40), "10"});
     for (int i = 0; i < 10; ++i) {

@@ -9,8 +9,7 @@
 #include <stdexcept>
 #include <utility>
 
-// A connection to a private bus keeps something until the end, in the tests alone: the bar's own
-// leaks are looked for without this.
+// A connection to a private bus leaks, in the tests only. The bar itself is checked without this.
 extern "C" const char* __lsan_default_suppressions();  // NOLINT: the sanitizer's name
 extern "C" const char* __lsan_default_suppressions() { // NOLINT
     return "leak:libQt6DBus\nleak:libdbus-1\n";
@@ -19,7 +18,7 @@ extern "C" const char* __lsan_default_suppressions() { // NOLINT
 namespace test {
 namespace {
 
-constexpr int kLimit = 5000; // milliseconds; a sanitized bar on a busy machine is slow
+constexpr int kLimit = 5000; // milliseconds; generous: a sanitized bar on a busy machine is slow
 
 QProcessEnvironment environmentWith(const Settings& settings) {
     auto environment = QProcessEnvironment::systemEnvironment();
@@ -95,15 +94,15 @@ std::string BarProcess::install(const std::string& bundle) const {
 
 int BarProcess::stop() {
     process_.terminate();
-    return ends();
+    return waitForExit();
 }
 
 void BarProcess::kill() {
     process_.kill();
-    ends();
+    waitForExit();
 }
 
-int BarProcess::ends() {
+int BarProcess::waitForExit() {
     process_.waitForFinished(4 * kLimit);
     log();
     const bool ended = process_.state() == QProcess::NotRunning;
@@ -130,12 +129,12 @@ int BarProcess::add(const std::string& bundle, int position) {
     return call("AddMenuExtra", {url, position, 0, 0, 0, 0}).value(0, -999).toInt();
 }
 
-bool BarProcess::loads(const QString& identifier) {
+bool BarProcess::hasLoaded(const QString& identifier) {
     return eventually([&] { return reference(identifier) != 0; });
 }
 
-bool BarProcess::has(const std::string& bundle, const QString& identifier, int position) {
-    return add(bundle, position) == 0 && loads(identifier);
+bool BarProcess::loads(const std::string& bundle, const QString& identifier, int position) {
+    return add(bundle, position) == 0 && hasLoaded(identifier);
 }
 
 int BarProcess::remove(const QString& identifier) {

@@ -8,7 +8,7 @@
 
 namespace test {
 
-/// A service on the bus that answers what the test says; no answer when that is not valid.
+/// A service on the bus that replies with what @p answer returns, or not at all if that is invalid.
 class FakeService final : public QDBusVirtualObject {
   public:
     using Answer = std::function<QVariant(const QDBusMessage&)>;

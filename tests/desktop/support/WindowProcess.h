@@ -6,33 +6,33 @@
 
 namespace test {
 
-/// A program with a window on a private bus, offscreen, with an empty home.
+/// A program with a window on a private bus, offscreen, with an empty home folder.
 class WindowProcess {
   public:
-    /// @p name is the program's on the bus. Nothing is started yet.
+    /// @p name is the program's bus name. Does not start the program.
     WindowProcess(const char* program, const char* name);
     ~WindowProcess();
 
-    /// Starts the program and waits until it has its name.
+    /// Starts the program and waits until it has claimed its name.
     void start(const QStringList& arguments = {});
-    /// Starts another one and gives its exit status, -1 when it does not end.
+    /// Runs a second instance. Returns its exit status, or -1 if it does not exit.
     int startAgain(const QStringList& arguments = {});
-    /// The same with another program in the same surroundings.
+    /// Like startAgain, with another program in the same environment.
     int startBeside(const QString& program, const QStringList& arguments);
-    /// Runs the program without any bus; its exit status, -1 when it does not end.
+    /// Like startAgain, without a bus.
     int runWithoutBus();
 
     QDBusMessage call(const QString& interface, const QString& member,
                       const QVariantList& arguments);
-    /// Of org.freedesktop.Application, without its platform data.
+    /// Calls org.freedesktop.Application with empty platform data.
     QDBusMessage ask(const QString& member, const QVariantList& arguments = {});
-    /// What the window looks like; a null picture when it is not on the screen.
+    /// Returns a picture of the window, or a null image if it is not on the screen.
     QImage picture();
 
     std::string log();
     bool logs(const std::string& part);
     bool isRunning() const { return process_.state() == QProcess::Running; }
-    /// Asks the program to end; its exit status, or -1 when it crashed or did not end.
+    /// Terminates the program. Returns its exit status, or -1 if it crashed or did not exit.
     int stop();
     bool ends() { return process_.waitForFinished(20'000); }
 

@@ -22,7 +22,7 @@ std::unique_ptr<T, decltype(&std::free)> owned(T* reply) {
     return {reply, &std::free};
 }
 
-/// An X server of the test's own, and what can be seen and done there.
+/// A private X server, with access to its windows and input.
 class XServer {
   public:
     XServer() {
@@ -46,7 +46,7 @@ class XServer {
                          connection_, xcb_intern_atom(connection_, 0, size, name.c_str()), nullptr))
             ->atom;
     }
-    /// The numbers in a property of the first window that has it.
+    /// Returns the values of a property of the first window that has it.
     std::vector<std::uint32_t> property(const std::string& name) const {
         const auto tree =
             owned(xcb_query_tree_reply(connection_, xcb_query_tree(connection_, root_), nullptr));
@@ -63,7 +63,7 @@ class XServer {
         }
         return {};
     }
-    /// Does what xdotool is told, and gives what it prints.
+    /// Runs xdotool and returns its output.
     QString act(const QStringList& arguments) const {
         QProcess xdotool;
         auto environment = QProcessEnvironment::systemEnvironment();
@@ -74,7 +74,7 @@ class XServer {
         return QString::fromUtf8(xdotool.readAllStandardOutput());
     }
 
-    /// Lists a window of @p process's, as a window manager does, and hears what is asked of one.
+    /// Creates a window of @p process and lists it, as a window manager does.
     std::uint32_t manageWindowOf(std::uint32_t process) const {
         const std::uint32_t events = XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY;
         xcb_change_window_attributes(connection_, root_, XCB_CW_EVENT_MASK, &events);
@@ -91,7 +91,8 @@ class XServer {
         xcb_flush(connection_);
         return window;
     }
-    /// Whether the window manager has been asked for this about the window, since the last time.
+    /// Returns whether the window manager has received @p message for the window since the last
+    /// call.
     bool isAsked(const std::string& message, std::uint32_t window) const {
         const std::uint32_t type = atom(message);
         bool found = false;

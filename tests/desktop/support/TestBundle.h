@@ -8,16 +8,18 @@
 
 namespace test {
 
+constexpr const char* kFaultless = "Faultless"; ///< the test extra's default principal class
+
 inline void replaceContents(const std::filesystem::path& file, const std::string& bytes) {
     std::ofstream(file, std::ios::binary) << bytes;
 }
 
-/// The test bundle, installed for the user, that a test may spoil.
-class SpoiltBundle {
+/// A copy of the test extra's bundle, installed for the user, that a test may damage.
+class TestBundle {
   public:
-    explicit SpoiltBundle(const BarProcess& bar, const std::string& kind = "Calm")
+    explicit TestBundle(const BarProcess& bar, const std::string& principalClass = kFaultless)
         : path(bar.install(HALVEX_TEST_EXTRA)) {
-        replaceInInfo("Calm", kind);
+        replaceInInfo(kFaultless, principalClass);
     }
     void replaceInInfo(const std::string& what, const std::string& with) const {
         std::string text = contents(info());

@@ -4,7 +4,7 @@
 
 namespace apps {
 
-/// The folder of the bar's own items, found from where this program is.
+/// Returns the folder of the bar's own items, which is found relative to the running program.
 std::string ownItemsFolder();
 
 } // namespace apps

@@ -1,5 +1,5 @@
 #include "menuextras/ExportedIdentifiers.h"
-#include "tests/desktop/support/SpoiltBundle.h"
+#include "tests/desktop/support/TestBundle.h"
 
 #include <gmock/gmock.h>
 
@@ -17,19 +17,19 @@ fs::path listFile(const BarProcess& bar) {
     return productFolder(bar) / "Menu Bar Items.plist";
 }
 
-/// Waits until the list on the disk names an item, or does not.
-bool remembers(const BarProcess& bar, const std::string& identifier, bool named = true) {
+/// Waits until the list on disk names an item or, with @p named false, does not.
+bool stores(const BarProcess& bar, const std::string& identifier, bool named = true) {
     return BarProcess::eventually([&] {
         const std::string list = contents(listFile(bar));
         return !list.empty() && (list.find(identifier) != std::string::npos) == named;
     });
 }
 
-TEST(RememberedItems, ComeBackInTheirOrderHoweverTheBarEnded) {
+TEST(StoredItems, AreRestoredInTheirOrderHoweverTheBarEnded) {
     BarProcess bar;
-    ASSERT_TRUE(bar.has(bar.install(HALVEX_TEST_EXTRA), kTestExtra, 7));
-    ASSERT_TRUE(bar.has(bar.install(HALVEX_TIME_MENU), HalvexMenuID, 3));
-    ASSERT_TRUE(remembers(bar, HalvexMenuID));
+    ASSERT_TRUE(bar.loads(bar.install(HALVEX_TEST_EXTRA), kTestExtra, 7));
+    ASSERT_TRUE(bar.loads(bar.install(HALVEX_TIME_MENU), HalvexMenuID, 3));
+    ASSERT_TRUE(stores(bar, HalvexMenuID));
     bar.kill();
     bar.start();
     EXPECT_THAT(bar.identifiers(), ElementsAre(kOwnClock, HalvexMenuID, kTestExtra));
@@ -39,18 +39,18 @@ TEST(RememberedItems, ComeBackInTheirOrderHoweverTheBarEnded) {
 
     for (const char* identifier : {kOwnClock, kTestExtra}) {
         bar.remove(identifier);
-        EXPECT_TRUE(remembers(bar, identifier, false));
+        EXPECT_TRUE(stores(bar, identifier, false));
     }
     bar.kill();
     bar.start();
-    EXPECT_THAT(bar.identifiers(), ElementsAre(HalvexMenuID)) << "what was taken out stays out";
-    EXPECT_EQ(bar.log().find("left out"), std::string::npos) << "a kill is no crash";
+    EXPECT_THAT(bar.identifiers(), ElementsAre(HalvexMenuID)) << "removed items are not restored";
+    EXPECT_EQ(bar.log().find("is disabled"), std::string::npos) << "a kill is not a crash";
 }
 
-TEST(RememberedItems, AreNeitherThoseOfTheCommandLineNorThoseWhoseBundleIsGone) {
+TEST(StoredItems, AreNeitherThoseOfTheCommandLineNorThoseWithoutABundle) {
     BarProcess bar;
     const std::string path = bar.install(HALVEX_TEST_EXTRA);
-    ASSERT_TRUE(bar.has(path, kTestExtra));
+    ASSERT_TRUE(bar.loads(path, kTestExtra));
     bar.stop();
     bar.start({QString::fromStdString(path), HALVEX_TIME_MENU});
     EXPECT_THAT(bar.identifiers(), ElementsAre(kOwnClock, kTestExtra, HalvexMenuID));
@@ -58,52 +58,52 @@ TEST(RememberedItems, AreNeitherThoseOfTheCommandLineNorThoseWhoseBundleIsGone) 
     fs::remove_all(path);
     bar.start();
     EXPECT_THAT(bar.identifiers(), ElementsAre(kOwnClock));
-    EXPECT_TRUE(bar.logs("menu extra test.extra is gone from " + path));
-    EXPECT_TRUE(remembers(bar, kTestExtra, false));
+    EXPECT_TRUE(bar.logs("cannot restore menu extra test.extra: no bundle at " + path));
+    EXPECT_TRUE(stores(bar, kTestExtra, false));
 }
 
-TEST(RememberedItems, ThatCrashTheBarAreLeftOutUntilTheyAreAddedAgainOrHaveAnotherVersion) {
+TEST(StoredItems, ThatCrashTheBarAreDisabledUntilTheyAreAddedAgainOrUpdated) {
     const std::pair<const char*, const char*> cases[] = {{"CrashesAtStart", "loading"},
                                                          {"CrashesWhenDrawn", "first drawing"},
                                                          {"CrashesWhenClicked", "click"},
                                                          {"CrashesWhenTicking", "its own code"}};
     for (const auto& row : cases) {
-        const std::string kind = row.first;
+        const std::string fault = row.first;
         const std::string step = row.second;
-        SCOPED_TRACE(kind);
+        SCOPED_TRACE(fault);
         BarProcess bar;
-        const SpoiltBundle extra{bar, kind};
+        const TestBundle extra{bar, fault};
         const auto crashes = [&] {
             if (step == "click") {
-                EXPECT_TRUE(bar.loads(kTestExtra));
+                EXPECT_TRUE(bar.hasLoaded(kTestExtra));
                 bar.click(kTestExtra);
             }
-            EXPECT_EQ(bar.ends(), -1);
+            EXPECT_EQ(bar.waitForExit(), -1);
         };
-        const auto staysOut = [&] {
+        const auto staysDisabled = [&] {
             bar.start();
             EXPECT_THAT(bar.identifiers(), ElementsAre(kOwnClock));
             EXPECT_TRUE(bar.logs("menu extra test.extra at " + extra.path.string() +
-                                 " is left out: it crashed the menu bar (" + step + ")"));
+                                 " is disabled: it crashed the menu bar (" + step + ")"));
             EXPECT_THAT(contents(listFile(bar)),
                         HasSubstr("<key>Step</key>\n\t\t\t<string>" + step));
         };
-        for (int chance = 0; chance < 2; ++chance) {
+        for (int attempt = 0; attempt < 2; ++attempt) {
             bar.add(extra.path);
             crashes();
-            staysOut();
+            staysDisabled();
             bar.kill();
-            staysOut();
+            staysDisabled();
         }
-        extra.replaceInInfo(kind, "Calm");
-        EXPECT_TRUE(bar.has(extra.path, kTestExtra)) << "added again";
-        extra.replaceInInfo("Calm", kind);
+        extra.replaceInInfo(fault, kFaultless);
+        EXPECT_TRUE(bar.loads(extra.path, kTestExtra)) << "added again";
+        extra.replaceInInfo(kFaultless, fault);
         bar.stop();
         bar.launch();
         crashes();
-        staysOut();
+        staysDisabled();
         bar.stop();
-        extra.replaceInInfo(kind, "Calm");
+        extra.replaceInInfo(fault, kFaultless);
         extra.replaceInInfo("CFBundleVersion</key>\n\t<string>1.0",
                             "CFBundleVersion</key>\n\t<string>1.1");
         bar.start();
@@ -113,7 +113,7 @@ TEST(RememberedItems, ThatCrashTheBarAreLeftOutUntilTheyAreAddedAgainOrHaveAnoth
     }
 }
 
-TEST(RememberedItems, ThatNobodyCanReadAreReplacedByTheBarsOwnClock) {
+TEST(StoredItems, ThatAreUnreadableAreReplacedByTheBarsOwnClock) {
     BarProcess bar;
     const std::pair<std::string, std::string> cases[] = {
         {"\x01garbage", "line 1"},
@@ -127,7 +127,7 @@ TEST(RememberedItems, ThatNobodyCanReadAreReplacedByTheBarsOwnClock) {
          "<key>Path</key><string>Clock.menu</string><key>Position</key><integer>2</integer></dict>"
          "<dict><key>Identifier</key><string>z</string><key>Path</key><string>/z</string>"
          "<key>Position</key><integer>99999999999</integer></dict></array></dict></plist>",
-         "is passed over in "},
+         "skipped a menu bar item"},
     };
     for (const auto& [bytes, reason] : cases) {
         bar.stop();
@@ -136,20 +136,21 @@ TEST(RememberedItems, ThatNobodyCanReadAreReplacedByTheBarsOwnClock) {
         bar.start();
         EXPECT_THAT(bar.identifiers(), ElementsAre(kOwnClock));
         EXPECT_TRUE(bar.logs(reason)) << bytes;
-        EXPECT_TRUE(bar.logs("cannot be read from " + listFile(bar).string())) << bytes;
+        EXPECT_TRUE(bar.logs("cannot read the menu bar's items from " + listFile(bar).string()))
+            << bytes;
     }
     EXPECT_EQ(bar.stop(), 0) << bar.log();
 }
 
-TEST(RememberedItems, ThatCannotBeWrittenStopNothing) {
+TEST(StoredItems, ThatCannotBeWrittenAreLoadedAllTheSame) {
     BarProcess bar;
     bar.stop();
     fs::remove_all(bar.home() / "Library");
     replaceContents(bar.home() / "Library", "in the way");
     bar.start({"--admit=all"});
-    EXPECT_TRUE(bar.has(HALVEX_TEST_EXTRA, kTestExtra));
-    EXPECT_TRUE(bar.logs("no item that crashes this menu bar will be left out"));
-    EXPECT_TRUE(bar.logs("the menu bar's items cannot be written to " + listFile(bar).string()));
+    EXPECT_TRUE(bar.loads(HALVEX_TEST_EXTRA, kTestExtra));
+    EXPECT_TRUE(bar.logs("that crash this menu bar will not be disabled"));
+    EXPECT_TRUE(bar.logs("cannot write the menu bar's items to " + listFile(bar).string()));
     EXPECT_EQ(bar.stop(), 0) << bar.log();
 }
 

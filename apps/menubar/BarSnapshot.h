@@ -1,0 +1,14 @@
+#pragma once
+
+#include <string>
+
+class QWidget;
+
+namespace apps {
+
+/// Draws @p bar, together with @p openMenu unless that is null, into a PNG file at the absolute
+/// path @p path, replacing an existing file. Returns false, and logs, if the picture cannot be
+/// written.
+bool writeSnapshot(QWidget& bar, QWidget* openMenu, const std::string& path);
+
+} // namespace apps

@@ -1,0 +1,25 @@
+#pragma once
+
+#include "platform/Bundle.h"
+
+#include <memory>
+#include <string>
+
+namespace apps {
+
+/// The result of validateBundle: a bundle that the bar may load code from, or why it may not.
+struct ValidatedBundle {
+    std::shared_ptr<platform::Bundle> bundle; ///< null if refused
+    std::string identifier;
+    std::string executable;     ///< path of the code
+    std::string principalClass; ///< the class to request from the code
+    std::string reason;         ///< why the bundle was refused, human-readable
+    explicit operator bool() const { return bundle != nullptr; }
+};
+
+/// Validates the bundle in the folder @p path without loading its code. Info.plist must have an
+/// identifier, a principal class and the bar's ABI number; the code must be for this processor; and
+/// the files must belong to the user or root and be writable by nobody else.
+ValidatedBundle validateBundle(const std::string& path);
+
+} // namespace apps

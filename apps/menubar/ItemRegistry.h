@@ -1,0 +1,64 @@
+#pragma once
+
+#include "apps/menubar/Admission.h"
+#include "apps/shared/ItemList.h"
+#include "platform/MenuExtraServer.h"
+
+#include <QObject>
+
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace apps {
+
+class CrashJournal;
+class ItemCollection;
+
+/// Decides which items the bar has: admits or declines the items that programs request, stores the
+/// list of items and restores it at the next start, and disables an item that crashed the bar.
+/// Serves the bar's own process as its MenuExtraServer. Main thread only.
+class ItemRegistry final : public QObject, public platform::MenuExtraServer {
+  public:
+    ItemRegistry(ItemCollection& items, CrashJournal& journal, Admission admission);
+    /// Writes pending changes of the list and unloads all items.
+    ~ItemRegistry() override;
+
+    /// Loads the items of the stored list, or the bar's own clock if there is no list, and then the
+    /// bundles in @p commandLine, which are not stored. Failures are logged.
+    void start(const std::vector<std::string>& commandLine);
+
+    std::int32_t getMenuExtra(const std::string& identifier,
+                              platform::MenuExtraReference& reference) override;
+    /// Checks the URL and returns; the main loop loads the item later. An item that is not admitted
+    /// is logged. With Admit::System the status is 0 nevertheless.
+    std::int32_t addMenuExtra(const std::string& url, std::int32_t position, std::int32_t,
+                              std::int32_t, std::int32_t, std::int32_t) override;
+    /// If called from an item's code, for example the item's own, removes the item after that code
+    /// has returned.
+    std::int32_t removeMenuExtra(platform::MenuExtraReference reference,
+                                 std::int32_t flags) override;
+
+  private:
+    void disableCrashedItem();
+    void restore();
+    void loadCommandLine(const std::vector<std::string>& bundles);
+    bool admits(const std::string& path) const;
+    bool isDisabled(const std::string& path);
+    void add(const std::string& path, std::int32_t position);
+    std::int32_t remove(platform::MenuExtraReference reference);
+    void removeLater(platform::MenuExtraReference reference);
+    void scheduleWrite();
+    void write();
+
+    ItemCollection& items_;
+    CrashJournal& journal_;
+    Admission admission_;
+    std::unique_ptr<ItemList> list_; // null before start
+    bool changed_ = false;           // since the list was written
+    bool writeScheduled_ = false;
+    platform::ScopedService<platform::MenuExtraServer> asServer_{*this};
+};
+
+} // namespace apps
