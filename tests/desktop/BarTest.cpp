@@ -95,10 +95,7 @@ TEST(Bar, AnswersInvalidArgumentsWithAStatusAndALogLine) {
     BarProcess bar;
     const std::tuple<const char*, QVariantList, QVariant, const char*> cases[] = {
         {"AddMenuExtra", {"file:///no/such.menu", 999, 0, 0, 0, 0}, -43, "/no/such.menu"},
-        {"AddMenuExtra",
-         {"http://x/x.menu", 999, 0, 0, 0, 0},
-         -50,
-         "http://x/x.menu is not a file URL"},
+        {"AddMenuExtra", {"http://x/x.menu", 999, 0, 0, 0, 0}, -50, "x.menu is not a file URL"},
         {"AddMenuExtra", {"/no/url.menu", 999, 0, 0, 0, 0}, -50, "/no/url.menu"},
         {"RemoveMenuExtra", {4711U, 0}, -1, "the reference 4711"},
         {"RemoveMenuExtra", {0U, 0}, -1, "the reference 0"},

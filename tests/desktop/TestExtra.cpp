@@ -22,7 +22,7 @@ class TestExtra final : public HalvexMenuExtraBase {
     explicit TestExtra(std::string fault) : fault_(std::move(fault)) {}
 
     std::shared_ptr<MenuExtra> initWithBundle(std::shared_ptr<Bundle> bundle) override {
-        faultPoint("AtStart");
+        failIf("AtStart");
         if (fault_ == "HasNoView")
             return shared_from_this();
         if (fault_ == "ReturnsNull" || !HalvexMenuExtraBase::initWithBundle(std::move(bundle)))
@@ -31,8 +31,7 @@ class TestExtra final : public HalvexMenuExtraBase {
         sharedWorkspace().notificationCenter().addObserver(
             weak_from_this(), "Test", [this](const Notification&) { note("told"); });
         if (fault_.ends_with("WhenTicking"))
-            ticks_ =
-                systemClock().tick(TickInterval::Second, [this] { faultPoint("WhenTicking"); });
+            ticks_ = systemClock().tick(TickInterval::Second, [this] { failIf("WhenTicking"); });
         menu_ = std::make_shared<Menu>();
         menu_->addItem(
             "Choose", [](MenuItem&) { logLine("chosen"); }, weak_from_this());
@@ -41,11 +40,11 @@ class TestExtra final : public HalvexMenuExtraBase {
         return shared_from_this();
     }
     std::shared_ptr<AttributedString> attributedTitle() const override {
-        faultPoint("WhenDrawn");
+        failIf("WhenDrawn");
         return HalvexMenuExtraBase::attributedTitle();
     }
     bool clicked() override {
-        faultPoint("WhenClicked");
+        failIf("WhenClicked");
         return fault_ == "RemovesItemsWhenClicked" ? removeItems() : note("plain");
     }
     bool clickWithAltKey() override { return note("option"); }
@@ -53,13 +52,12 @@ class TestExtra final : public HalvexMenuExtraBase {
     bool clickWithShiftKey() override { return !note("shift"); }
     void willUnload() override {
         MenuExtraReference reference = 0;
-        logLine("unloading, status of itself: %d",
-                CoreMenuExtraGetMenuExtra("test.extra", &reference));
+        logLine("unloading: %d", CoreMenuExtraGetMenuExtra("test.extra", &reference));
         HalvexMenuExtraBase::willUnload();
     }
 
   private:
-    void faultPoint(const std::string& when) const {
+    void failIf(const std::string& when) const {
         if (fault_ == "Throws" + when)
             throw std::runtime_error("no " + when);
         if (fault_ == "Crashes" + when)
