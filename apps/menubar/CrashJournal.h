@@ -14,9 +14,9 @@ namespace apps {
 /// A file that names the item whose code the bar is running, so that the next bar can tell which
 /// item ended this one. Before each step that a faulty item may not survive, the bar writes a note
 /// to the file, and clears it afterwards. The note outlives the process however that ends, but not
-/// the machine: it is not flushed to disk. Writing a note takes two system calls. A crash in an
-/// item's code between such steps, for example in a timer, is recorded by a signal handler. Main
-/// thread only.
+/// the machine: it is not flushed to disk. Writing a note takes two system calls. If an item's code
+/// crashes between such steps, for example in a timer, a signal handler writes the note. Main
+/// thread only, except that handler.
 class CrashJournal : platform::NonCopyable {
   public:
     struct Note {

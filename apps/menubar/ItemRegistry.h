@@ -35,8 +35,8 @@ class ItemRegistry final : public QObject, public platform::MenuExtraServer {
     /// is logged. With Admit::System the status is 0 nevertheless.
     std::int32_t addMenuExtra(const std::string& url, std::int32_t position, std::int32_t,
                               std::int32_t, std::int32_t, std::int32_t) override;
-    /// If called from an item's code, for example the item's own, removes the item after that code
-    /// has returned.
+    /// If called from an item's code, which may be the item's own, the removal is deferred until
+    /// that code has returned, and the status is 0.
     std::int32_t removeMenuExtra(platform::MenuExtraReference reference,
                                  std::int32_t flags) override;
 

@@ -15,9 +15,8 @@ class QtGraphics;
 namespace apps {
 
 /// Shows one item in the bar: the bar's background, the highlight while the item's menu is open,
-/// and on top of that what the item's view draws. Highlight and view are composited in a layer of
-/// their own, so that what the view draws with XOR is cut out of the highlight and shows the
-/// background.
+/// and what the item's view draws. Highlight and view are composited in a separate layer: what the
+/// view draws with XOR is cut out of the highlight and shows the background.
 class ItemWidget final : public QWidget {
     Q_OBJECT
 
@@ -33,7 +32,6 @@ class ItemWidget final : public QWidget {
     int preferredWidth() const;
     /// The name that a screen reader speaks: the item's and its title.
     std::string accessibleItemName() const;
-    const std::shared_ptr<platform::MenuExtra>& extra() const { return extra_; }
 
     /// Handles a press of a mouse button over the item, even if Qt sent the event elsewhere.
     void press(const QMouseEvent& event);

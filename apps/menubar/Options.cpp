@@ -18,8 +18,9 @@ Show menu extras in a bar along the top of the screen.
   BUNDLE.menu     Load this menu extra as well, for this run only.
   --appearance    Use the desktop's colours (the default), or light or dark ones.
   --admit         Choose which menu extras other programs may load:
-                    user    those in the user's "Menu Extras" folder (the default)
-                    system  only the bar's own; once MenuCracker is loaded, as user
+                    user    the bar's own and those in the user's "Menu Extras" folder
+                            (the default)
+                    system  only the bar's own; as user once MenuCracker is loaded
                     all     any
   --help          Print this text.
   --version       Print the version.
@@ -28,7 +29,7 @@ Show menu extras in a bar along the top of the screen.
 constexpr std::array<std::pair<std::string_view, Admit>, 3> kAdmitNames{
     {{"user", Admit::User}, {"system", Admit::System}, {"all", Admit::All}}};
 
-bool choose(std::string_view name, Admit& admit) {
+bool parse(std::string_view name, Admit& admit) {
     for (const auto& [candidate, value] : kAdmitNames) {
         if (candidate != name)
             continue;
@@ -38,7 +39,7 @@ bool choose(std::string_view name, Admit& admit) {
     return false;
 }
 
-bool choose(std::string_view name, Appearance& appearance) {
+bool parse(std::string_view name, Appearance& appearance) {
     const auto named = appearanceOfName(name);
     appearance = named.value_or(appearance);
     return named.has_value();
@@ -56,8 +57,8 @@ std::optional<Options> readOptions(int argc, char** argv, int& status) {
     Options options;
     status = 0;
     for (int found = 0; (found = getopt_long(argc, argv, "h", known.data(), nullptr)) != -1;) {
-        if ((found == 'a' && choose(optarg, options.appearance)) ||
-            (found == 'm' && choose(optarg, options.admit)))
+        if ((found == 'a' && parse(optarg, options.appearance)) ||
+            (found == 'm' && parse(optarg, options.admit)))
             continue;
         if (found == 'h') {
             std::fputs(kHelp, stdout);

@@ -59,8 +59,7 @@ class BarClient final : public MenuExtraServer {
     /// Clicks an item. Returns whether the item handled the click itself rather than opening its
     /// menu; false also if the item is not loaded.
     BarReply<bool> click(const std::string& identifier, const Event& event);
-    /// Makes the bar draw itself into a PNG file at an absolute path. Returns whether the file was
-    /// written.
+    /// Makes the bar draw itself into a PNG file at an absolute path. Returns whether it succeeded.
     BarReply<bool> snapshot(const std::string& path);
 
   private:

@@ -3,8 +3,7 @@
 //   peer post NAME COUNT   Post COUNT numbered notifications.
 //   peer                   Act as the background application: announce the launch, then append the
 //                          process identifier to $HOME/requests for each "Request" and to
-//                          $HOME/activations for each activation. Exit on "Quit" or when the bus
-//                          disconnects.
+//                          $HOME/activations for each activation. Exit on "Quit" or with the bus.
 
 #include "platform/Workspace.h"
 #include "platform/expat/ExpatPropertyLists.h"

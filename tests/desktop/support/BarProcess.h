@@ -28,7 +28,6 @@ class PrivateBus {
     explicit PrivateBus(const Settings& settings = {});
     ~PrivateBus();
 
-    /// Kills the bus.
     void kill();
     const QString& address() const { return address_; }
     std::string addressText() const { return address_.toStdString(); }

@@ -91,8 +91,7 @@ class XServer {
         xcb_flush(connection_);
         return window;
     }
-    /// Returns whether the window manager has received @p message for the window since the last
-    /// call.
+    /// Returns whether @p message was sent for the window since the last call.
     bool isAsked(const std::string& message, std::uint32_t window) const {
         const std::uint32_t type = atom(message);
         bool found = false;
