@@ -1,168 +1,65 @@
 #include "platform/values/PropertyList.h"
 
 #include <algorithm>
-#include <limits>
-#include <memory>
+#include <array>
+#include <bit>
 #include <numeric>
 
 namespace platform {
 namespace {
 
-/// A long string lies behind its length in one block.
-char* makeStringBlock(std::string_view text) {
-    const std::size_t length = text.size();
-    auto block = std::make_unique_for_overwrite<char[]>(sizeof(length) + length);
-    std::memcpy(block.get(), &length, sizeof(length));
-    std::memcpy(block.get() + sizeof(length), text.data(), length);
-    return block.release();
+template <class T>
+std::optional<T> optionalCopy(const T* value) {
+    return value ? std::optional(*value) : std::nullopt;
 }
 
 } // namespace
 
-static_assert(sizeof(PropertyList) == 16);
+// Not inline: GCC 12 would warn that parts of an inlined variant may be uninitialized.
+PropertyList::PropertyList(const PropertyList& other) = default;
+PropertyList::PropertyList(PropertyList&& other) noexcept = default;
+PropertyList& PropertyList::operator=(const PropertyList& other) = default;
+PropertyList& PropertyList::operator=(PropertyList&& other) noexcept = default;
 
-template <class T>
-void PropertyList::store(Kind kind, T value) noexcept {
-    // NOLINTNEXTLINE(bugprone-sizeof-expression): of a pointer, where T is one
-    std::memcpy(payload_.data(), &value, sizeof(value));
-    kind_ = kind;
+PropertyList::Value PropertyList::integerValue(std::uint64_t number) {
+    if (std::in_range<std::int64_t>(number))
+        return static_cast<std::int64_t>(number);
+    return number;
 }
 
-PropertyList::PropertyList(std::string_view text) {
-    if (text.size() > std::tuple_size_v<Payload>) {
-        store(Kind::LongString, makeStringBlock(text));
-        return;
-    }
-    std::copy(text.begin(), text.end(), payload_.begin());
-    kind_ = static_cast<Kind>(static_cast<std::size_t>(Kind::ShortString) + text.size());
+PropertyList::Type PropertyList::type() const {
+    constexpr std::array kTypes{Type::String, Type::Integer, Type::Integer,
+                                Type::Real,   Type::Boolean, Type::Date,
+                                Type::Data,   Type::Array,   Type::Dictionary};
+    static_assert(kTypes.size() == std::variant_size_v<Value>);
+    return kTypes[value_.index()];
 }
 
-PropertyList::PropertyList(Date date) noexcept {
-    store(Kind::Date, date.seconds);
-}
-
-PropertyList::PropertyList(Data data) {
-    store(Kind::Data, std::make_unique<Data>(std::move(data)).release());
-}
-
-PropertyList::PropertyList(Array array) {
-    store(Kind::Array, std::make_unique<Array>(std::move(array)).release());
-}
-
-PropertyList::PropertyList(Dictionary dictionary) {
-    store(Kind::Dictionary, std::make_unique<Dictionary>(std::move(dictionary)).release());
-}
-
-PropertyList::PropertyList(const PropertyList& other) {
-    switch (other.kind_) {
-    case Kind::LongString:
-        store(other.kind_, makeStringBlock(other.text()));
-        break;
-    case Kind::Data:
-        store(other.kind_, std::make_unique<Data>(*other.data()).release());
-        break;
-    case Kind::Array:
-        store(other.kind_, std::make_unique<Array>(*other.array()).release());
-        break;
-    case Kind::Dictionary:
-        store(other.kind_, std::make_unique<Dictionary>(*other.dictionary()).release());
-        break;
-    default:
-        payload_ = other.payload_;
-        kind_ = other.kind_;
-    }
-}
-
-PropertyList& PropertyList::operator=(const PropertyList& other) {
-    PropertyList copy(other);
-    swap(copy);
-    return *this;
-}
-
-void PropertyList::release() noexcept {
-    switch (kind_) {
-    case Kind::LongString:
-        std::default_delete<char[]>()(load<char*>());
-        break;
-    case Kind::Data:
-        std::default_delete<Data>()(load<Data*>());
-        break;
-    case Kind::Array:
-        std::default_delete<Array>()(load<Array*>());
-        break;
-    case Kind::Dictionary:
-        std::default_delete<Dictionary>()(load<Dictionary*>());
-        break;
-    default:
-        break;
-    }
-}
-
-void PropertyList::setInteger(std::int64_t value) noexcept {
-    store(Kind::Integer, value);
-}
-
-void PropertyList::setUnsignedInteger(std::uint64_t value) noexcept {
-    constexpr auto kLargest = static_cast<std::uint64_t>(std::numeric_limits<std::int64_t>::max());
-    store(value > kLargest ? Kind::LargeInteger : Kind::Integer, value);
-}
-
-void PropertyList::setReal(double value) noexcept {
-    store(Kind::Real, value);
+std::optional<std::string_view> PropertyList::string() const {
+    const auto* text = std::get_if<std::string>(&value_);
+    return text ? std::optional<std::string_view>(*text) : std::nullopt;
 }
 
 std::optional<std::int64_t> PropertyList::integer() const {
-    if (kind_ != Kind::Integer)
-        return std::nullopt;
-    return load<std::int64_t>();
+    return optionalCopy(std::get_if<std::int64_t>(&value_));
 }
 
 std::optional<std::uint64_t> PropertyList::unsignedInteger() const {
-    if (kind_ != Kind::LargeInteger && integer().value_or(-1) < 0)
-        return std::nullopt;
-    return load<std::uint64_t>();
+    if (const auto number = integer(); number && *number >= 0)
+        return static_cast<std::uint64_t>(*number);
+    return optionalCopy(std::get_if<std::uint64_t>(&value_));
 }
 
 std::optional<double> PropertyList::real() const {
-    if (kind_ != Kind::Real)
-        return std::nullopt;
-    return load<double>();
+    return optionalCopy(std::get_if<double>(&value_));
 }
 
 std::optional<bool> PropertyList::boolean() const {
-    if (type() != Type::Boolean)
-        return std::nullopt;
-    return kind_ == Kind::True;
+    return optionalCopy(std::get_if<bool>(&value_));
 }
 
 std::optional<PropertyList::Date> PropertyList::date() const {
-    if (kind_ != Kind::Date)
-        return std::nullopt;
-    return Date{load<std::int64_t>()};
-}
-
-const PropertyList::Data* PropertyList::data() const {
-    return kind_ == Kind::Data ? load<const Data*>() : nullptr;
-}
-
-PropertyList::Data* PropertyList::data() {
-    return kind_ == Kind::Data ? load<Data*>() : nullptr;
-}
-
-const PropertyList::Array* PropertyList::array() const {
-    return kind_ == Kind::Array ? load<const Array*>() : nullptr;
-}
-
-PropertyList::Array* PropertyList::array() {
-    return kind_ == Kind::Array ? load<Array*>() : nullptr;
-}
-
-const PropertyList::Dictionary* PropertyList::dictionary() const {
-    return kind_ == Kind::Dictionary ? load<const Dictionary*>() : nullptr;
-}
-
-PropertyList::Dictionary* PropertyList::dictionary() {
-    return kind_ == Kind::Dictionary ? load<Dictionary*>() : nullptr;
+    return optionalCopy(std::get_if<Date>(&value_));
 }
 
 const PropertyList* PropertyList::find(std::string_view key) const {
@@ -176,27 +73,11 @@ std::string_view PropertyList::stringAt(std::string_view key) const {
 }
 
 bool operator==(const PropertyList& left, const PropertyList& right) {
-    using Kind = PropertyList::Kind;
-    if (left.kind_ != right.kind_)
-        return false;
-    switch (left.kind_) {
-    case Kind::Data:
-        return *left.data() == *right.data();
-    case Kind::Array:
-        return *left.array() == *right.array();
-    case Kind::Dictionary:
-        return *left.dictionary() == *right.dictionary();
-    case Kind::Integer:
-    case Kind::LargeInteger:
-    case Kind::Real:
-    case Kind::Date:
-        return left.load<std::uint64_t>() == right.load<std::uint64_t>();
-    case Kind::False:
-    case Kind::True:
-        return true;
-    default:
-        return left.text() == right.text();
-    }
+    const auto leftReal = left.real();
+    const auto rightReal = right.real();
+    if (leftReal && rightReal)
+        return std::bit_cast<std::uint64_t>(*leftReal) == std::bit_cast<std::uint64_t>(*rightReal);
+    return left.value_ == right.value_;
 }
 
 PropertyList::Dictionary::Dictionary(std::vector<Entry> entries) : entries_(std::move(entries)) {
@@ -211,7 +92,7 @@ PropertyList::Dictionary::Dictionary(std::vector<Entry> entries) : entries_(std:
     for (std::size_t i = order.size(); i-- > 1;) {
         if (key(order[i]) != key(order[i - 1]))
             continue;
-        // The last value moves down, one by one, to the first of the entries with its key.
+        // Moves the last value step by step to the first entry with the same key.
         entries_[order[i - 1]].value = std::move(entries_[order[i]].value);
         superseded[order[i]] = any = true;
     }
@@ -220,6 +101,9 @@ PropertyList::Dictionary::Dictionary(std::vector<Entry> entries) : entries_(std:
     std::size_t index = 0;
     std::erase_if(entries_, [&](const Entry&) { return superseded[index++]; });
 }
+
+PropertyList::Dictionary::Dictionary(std::initializer_list<Entry> entries)
+    : Dictionary(std::vector<Entry>(entries)) {}
 
 const PropertyList* PropertyList::Dictionary::find(std::string_view key) const {
     const auto entry = std::ranges::find(entries_, key, &Entry::key);
@@ -240,6 +124,10 @@ void PropertyList::Dictionary::set(std::string_view key, PropertyList value) {
 
 bool PropertyList::Dictionary::erase(std::string_view key) {
     return std::erase_if(entries_, [key](const Entry& entry) { return entry.key == key; }) > 0;
+}
+
+bool operator==(const PropertyList::Dictionary& left, const PropertyList::Dictionary& right) {
+    return left.entries_ == right.entries_;
 }
 
 } // namespace platform
