@@ -11,59 +11,58 @@
 
 namespace platform {
 
-/// A folder that holds code or resources in the bundle layout: Contents/Info.plist,
-/// Contents/Linux/<CFBundleExecutable>, Contents/Resources, Contents/PlugIns. Immutable; safe from
-/// any thread.
+/// A folder in the bundle layout: Contents/Info.plist, Contents/Linux/<CFBundleExecutable>,
+/// Contents/Resources, Contents/PlugIns. Immutable. Thread-safe.
 class Bundle {
   public:
-    /// Opens the bundle in a folder, as it is now. A folder whose Info.plist is missing or no
-    /// dictionary is a bundle without an information dictionary; why is then written to @p reason
-    /// when that is not null. Where nothing is any more, it gives what was last opened at this
-    /// path in this process: who means to use the bundle's files looks for them. Null when nothing
-    /// ever was, and when what is there is no folder; why is written to @p reason in each of these
-    /// cases. Nothing is logged.
+    /// Reads the bundle at @p path. If Info.plist is missing or not a dictionary, the bundle has no
+    /// information dictionary. If @p path no longer exists, returns the bundle that this process
+    /// last read there, so its files may be missing. Returns null if @p path never was a bundle or
+    /// is not a folder. In all of these cases writes an explanation to @p reason, unless that is
+    /// null. Logs nothing.
     static std::shared_ptr<Bundle> bundleWithPath(const std::string& path,
                                                   std::string* reason = nullptr);
 
-    /// The bundle with this identifier among those whose code a host has said by setCode that this
-    /// process has loaded; of several the first. The menu bar says it of none. Null when there is
-    /// none.
+    /// Returns the first bundle with this identifier among those that a host has registered with
+    /// setCode, or null. The menu bar registers none.
     static std::shared_ptr<Bundle> bundleWithIdentifier(std::string_view identifier);
-    /// What a host calls when it has loaded a bundle's code, and when it has let it go. In between
-    /// bundleWithIdentifier finds the bundle, and keeps it.
     enum class Code { Loaded, Unloaded };
+    /// Registers a bundle whose code the host has loaded, or unregisters it after unloading the
+    /// code. Registered bundles are kept alive.
     static void setCode(const std::shared_ptr<Bundle>& bundle, Code code);
 
-    /// The bundle that a class's code came with: the folder around Contents/Linux, or, of a library
-    /// lib<Name>.so, halvex/<Name>.bundle beside it. For other code, a program's own mostly, its
-    /// folder counts as one. Never null; a bundle whose files are gone has no resources.
-    /// Take the class of an object with typeid(*object), which says what the object really is.
+    /// Returns the bundle that contains the code of a class: the folder around Contents/Linux, or
+    /// halvex/<Name>.bundle next to a library lib<Name>.so. For other code, usually a program's
+    /// own, returns the folder of the executable file as a bundle. Never null; a bundle whose files
+    /// have been removed has no resources. Use typeid(*object) for the dynamic class of an object.
     static std::shared_ptr<Bundle> bundleForClass(const std::type_info& type);
-    /// The same of the program that runs.
+    /// Returns the bundle of the running program, determined as by bundleForClass.
     static std::shared_ptr<Bundle> mainBundle();
 
     Bundle(std::string path, std::optional<PropertyList::Dictionary> infoDictionary);
 
     const std::string& bundlePath() const { return path_; }
-    /// What a log line calls it.
+    /// Returns the bundle's name in log lines.
     std::string description() const { return "NSBundle <" + path_ + '>'; }
-    /// Null when there is none.
+    /// Returns null if the bundle has no information dictionary.
     const PropertyList::Dictionary* infoDictionary() const { return info_ ? &*info_ : nullptr; }
-    /// The string under a key of the information dictionary; nothing when there is none.
+    /// Returns the string under @p key of the information dictionary, or std::nullopt.
     std::optional<std::string> stringForInfoDictionaryKey(std::string_view key) const;
+    /// Returns CFBundleIdentifier, or std::nullopt.
     std::optional<std::string> bundleIdentifier() const;
-    /// CFBundleVersion, or std::nullopt.
+    /// Returns CFBundleVersion, or std::nullopt.
     std::optional<std::string> version() const;
 
-    /// Where the code is; nothing when CFBundleExecutable does not name a file of the bundle's own
-    /// folder for code. Whether the file exists is not looked at.
+    /// Returns the path of the code, or std::nullopt if CFBundleExecutable is missing or is not a
+    /// plain file name. Does not check that the file exists.
     std::optional<std::string> executablePath() const;
-    /// The processors that the code is for, as DynamicLoader numbers them; empty when there is no
-    /// code.
+    /// Returns the processors that the code is built for, as numbered by DynamicLoader. Empty if
+    /// there is no code.
     std::vector<int> executableArchitectures() const;
-    /// Contents/PlugIns.
+    /// Returns the path of Contents/PlugIns.
     std::string builtInPlugInsPath() const;
-    /// The file "name.type" in Contents/Resources; nothing when it is not there.
+    /// Returns the path of the file "name.type" in Contents/Resources, or std::nullopt if it does
+    /// not exist.
     std::optional<std::string> pathForResource(std::string_view name, std::string_view type) const;
 
   private:

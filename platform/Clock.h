@@ -13,30 +13,30 @@ namespace platform {
 
 enum class TickInterval { Second, Minute };
 
-/// The time of day.
+/// The time of day, and timers on its boundaries.
 class Clock : NonCopyable {
   public:
     virtual ~Clock();
 
-    /// Seconds since 1970-01-01 00:00:00 UTC. Safe from any thread.
+    /// Returns the seconds since 1970-01-01 00:00:00 UTC. Thread-safe.
     virtual std::int64_t now() const = 0;
 
-    /// A moment in the system's time zone as it is now. Its tm_zone stays valid until the zone
-    /// changes. Safe from any thread.
+    /// Converts a time to the system's current time zone. The result's tm_zone stays valid until
+    /// the time zone changes. Thread-safe.
     virtual std::tm localTime(std::int64_t secondsSince1970) const = 0;
 
-    /// Makes the calling thread wait for at least this time. Safe from any thread.
+    /// Blocks the calling thread for at least @p microseconds. Thread-safe.
     virtual void sleep(std::uint64_t microseconds) = 0;
 
-    /// Calls @p handler at every full second or minute, and at once after the clock was set, the
-    /// machine woke up or the time zone changed. Nothing wakes the program in between. The first
-    /// call comes at the next boundary, not during this one. What the handler throws is logged
-    /// under the name of the owner that asked and goes no further. Gives null, after a log line,
-    /// when the system has no timer left. Main thread.
+    /// Calls @p handler on the main thread at every full second or minute, starting with the next
+    /// one, and immediately after the clock is set, the machine wakes up or the time zone changes.
+    /// The process is not woken in between. Exceptions from @p handler are logged with the owner's
+    /// identifier and swallowed. Returns null and logs the reason if the system is out of timers.
+    /// Main thread only.
     virtual std::unique_ptr<Watch> tick(TickInterval interval, std::function<void()> handler) = 0;
 };
 
-/// The process's clock; the system's own until a host installs another one.
+/// Returns the process's clock. The default is the system clock.
 Clock& systemClock();
 template <>
 Clock* exchangeService<Clock>(Clock* service);

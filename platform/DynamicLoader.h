@@ -9,43 +9,46 @@
 
 namespace platform {
 
-/// Code that has been loaded into this process. Destroying it unloads the code when nothing else
-/// holds it; nothing of it may be used then.
+/// A shared object loaded into this process. Destroying the object unloads the code unless
+/// something else has loaded it too; its functions and data must not be used afterwards.
 class LoadedCode : NonCopyable {
   public:
     virtual ~LoadedCode();
 
-    /// The address of an exported function; null when there is none of that name.
+    /// Returns the address of an exported symbol, or null if there is none with this name.
     virtual void* symbol(const char* name) const = 0;
 };
 
-/// Looks at executable files and loads them. No operation throws. Safe from any thread.
+/// Inspects and loads executable files. Operations never throw. Thread-safe.
 class DynamicLoader : NonCopyable {
   public:
     virtual ~DynamicLoader();
 
-    /// The processors that a file's code is for, as the platform numbers them: 7 for 32-bit Intel,
-    /// 18 PowerPC, 16777223 64-bit Intel, 16777228 64-bit Arm and so on. Empty when the file is
-    /// not there or holds no code. Runs nothing of it.
+    /// Returns the processors that a file's code is built for. The numbers are the platform's own:
+    /// 7 for 32-bit Intel, 18 for PowerPC, 16777223 for 64-bit Intel, 16777228 for 64-bit Arm, and
+    /// so on. Empty if the file does not exist or contains no code. Does not run the code.
     virtual std::vector<int> executableArchitectures(const std::string& path) const = 0;
-    /// The number of the processor that this process runs on.
+    /// Returns the number of the processor that this process runs on.
     virtual int hostArchitecture() const = 0;
 
-    /// The file that the code or data at @p address was loaded from; empty when it is none's.
+    /// Returns the path of the file that the code or data at @p address was loaded from. Empty if
+    /// it was not loaded from a file.
     virtual std::string fileOfAddress(const void* address) const = 0;
 
-    /// Whether load would succeed, asked without loading anything into this process and without
-    /// running anything of the file or of what it needs; if not @p reason is the system's own text.
-    /// Finds a file that is missing, cut off, for another processor or no shared object, needed
-    /// libraries and versions that are missing, and symbols that nobody defines. Does not find what
-    /// only running shows, and takes symbols that this program alone defines for missing. Takes a
-    /// process of the system's and some milliseconds, at most 5 s.
+    /// Returns whether load would succeed. If not, writes the system's message to @p reason. Loads
+    /// nothing into this process and runs neither the file's code nor that of its libraries.
+    /// Detects a missing or truncated file, a file for another processor, a file that is not a
+    /// shared object, missing libraries and versions, and undefined symbols. Does not detect errors
+    /// that occur only when the code runs. Reports symbols that are defined only by this program as
+    /// undefined. Starts a child process; takes some milliseconds, at most 5 s.
     virtual bool preflight(const std::string& path, std::string& reason) const = 0;
-    /// Loads a shared object with its symbols to itself. Gives null, and why, when it is for
-    /// another processor, cut off, or refused by the loader. Runs the code's initialisers.
+    /// Loads a shared object with RTLD_LOCAL and runs its initializers. Returns null and writes the
+    /// cause to @p reason if the file is truncated, is for another processor or is refused by the
+    /// system's loader.
     virtual std::unique_ptr<LoadedCode> load(const std::string& path, std::string& reason) = 0;
 };
 
+/// Returns the process's loader. The default is the system's.
 DynamicLoader& dynamicLoader();
 template <>
 DynamicLoader* exchangeService<DynamicLoader>(DynamicLoader* service);

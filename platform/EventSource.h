@@ -6,13 +6,13 @@
 
 namespace platform {
 
-/// The event that the program is handling. Main thread.
+/// The event that the program is handling. Main thread only.
 class EventSource : NonCopyable {
   public:
     virtual ~EventSource();
 
-    /// Returns the event being handled. Outside of an event handler, returns an event with a click
-    /// count of 0 and the modifier keys as they were last seen.
+    /// Returns the event being handled. Outside of event handling, returns an event with a click
+    /// count of 0 and the most recent state of the modifier keys.
     virtual Event currentEvent() const = 0;
 };
 

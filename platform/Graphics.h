@@ -14,37 +14,37 @@
 
 namespace platform {
 
-/// Measures text, loads and makes images, and knows where drawing goes. Main thread.
+/// Text measurement, images, and the current graphics context. Main thread only.
 class Graphics : NonCopyable {
   public:
     virtual ~Graphics();
 
-    /// Width and height of text on one line, in points. A font family that is not there is logged
-    /// once and measured in what takes its place.
+    /// Returns the width and height of @p text on one line, in points. A missing font family is
+    /// replaced by another one and logged once.
     virtual Size sizeOfText(const AttributedString& text) = 0;
 
-    /// The image in a file, with the file of the same name and "@2x" before the extension as its
-    /// double-scale pixels when there is one. A file that is missing or no image is logged, and
-    /// the answer is null.
+    /// Loads an image. If there is a file with the same name plus "@2x" before the extension, it
+    /// provides the pixels at double scale. Returns null and logs the path if the file is missing
+    /// or not an image.
     virtual std::shared_ptr<Image> imageWithContentsOfFile(const std::string& path) = 0;
 
-    /// The image of that name in the Resources of the program's own bundle (Bundle::mainBundle), as
-    /// PNG. Null when there is none; nothing is logged then.
+    /// Loads the PNG image "name.png" from the resources of Bundle::mainBundle(). Returns null,
+    /// without logging, if there is none.
     virtual std::shared_ptr<Image> imageNamed(std::string_view name) = 0;
 
-    /// Called while drawing goes to a new image.
     using Draw = std::function<void(GraphicsContext& context)>;
-    /// A new image of @p size points with what @p draw draws; transparent elsewhere. Its pixels are
-    /// those of the sharpest screen, their number rounded up: what lies beyond the size, at the top
-    /// and at the right, is there to be drawn and is not shown. A size of 0, a negative one and one
-    /// that is no number make an image without pixels, and so does one that memory cannot hold,
-    /// which is logged.
+    /// Creates an image of @p size points, initially transparent, and calls @p draw with its
+    /// context. The image has the scale of the sharpest screen. Its width and height in pixels are
+    /// rounded up; the excess at the top and right can be drawn to but is not shown. A zero,
+    /// negative or NaN size results in an image without pixels, and so does a lack of memory, which
+    /// is logged.
     virtual std::shared_ptr<Image> imageByDrawing(Size size, const Draw& draw) = 0;
 
-    /// Where drawing goes now. @throws Exception outside of drawing.
+    /// Returns the context that is being drawn to. @throws Exception outside of drawing.
     virtual GraphicsContext& currentContext() = 0;
 };
 
+/// Returns the host's graphics. Aborts if the host has not installed any.
 Graphics& graphics();
 template <>
 Graphics* exchangeService<Graphics>(Graphics* service);

@@ -9,10 +9,10 @@
 
 namespace platform {
 
-/// How what is drawn meets what is there; the numbers are the platform's own. With premultiplied
-/// values and coverage in alpha, 0 to 10 are the Porter-Duff operations. PlusDarker is
-/// a = min(1, as + ad), c = max(0, a - ((as - cs) + (ad - cd))); Highlight draws like SourceOver;
-/// PlusLighter adds, at most 1. An operation changes only what lies inside the drawn shape.
+/// How drawing combines with existing pixels. The values are the platform's own. 0 to 10 are the
+/// Porter-Duff operations on premultiplied components. PlusDarker is a = min(1, as + ad),
+/// c = max(0, a - ((as - cs) + (ad - cd))). Highlight is the same as SourceOver. PlusLighter adds
+/// the components and clamps them to 1. Pixels outside of the drawn shape never change.
 enum class CompositingOperation : int {
     Clear = 0,
     Copy = 1,
@@ -30,40 +30,40 @@ enum class CompositingOperation : int {
     PlusLighter = 13,
 };
 
+/// How glyphs are drawn. The values are the platform's own.
 enum class TextDrawingMode : int { Fill = 0, Stroke = 1, FillStroke = 2, Invisible = 3 };
 
-/// What drawing goes to. Main thread.
+/// A drawing destination. Main thread only.
 class GraphicsContext : NonCopyable {
   public:
     virtual ~GraphicsContext();
 
-    /// Save and restore cover all the settings below, and nest.
+    /// Saves all settings below, or restores the ones last saved. Calls nest.
     virtual void saveGraphicsState() = 0;
     virtual void restoreGraphicsState() = 0;
 
-    /// Whether text may use the colour fringes of subpixel smoothing.
+    /// Allows or forbids subpixel smoothing of text.
     virtual void setShouldSmoothFonts(bool smooth) = 0;
     virtual void setTextDrawingMode(TextDrawingMode mode) = 0;
-    /// What text is drawn with. SourceOver at first.
+    /// Sets the operation for text. The initial value is SourceOver.
     virtual void setCompositingOperation(CompositingOperation operation) = 0;
-    /// A shadow under the text that is drawn from now on, in the default shadow colour. A run's own
-    /// shadow takes its place.
+    /// Sets the shadow of text, in the default shadow color. A shadow in the text's attributes
+    /// overrides it.
     virtual void setShadow(Size offset, double blurRadius) = 0;
 
-    /// Draws text with its lower left corner, descent included, at @p point.
+    /// Draws text with its lower left corner, including the descent, at @p point.
     virtual void drawText(const AttributedString& text, Point point) = 0;
-    /// Draws text on one line from the top of a rectangle, as the paragraph style of its first run
-    /// says, and nothing of it outside of the rectangle. A rectangle without width or height, or
-    /// with negative ones, gets no text.
+    /// Draws text on one line at the top of @p rect, with the paragraph style of its first run, and
+    /// clips it to @p rect. Draws nothing if the width or height is not positive.
     virtual void drawTextInRect(const AttributedString& text, const Rect& rect) = 0;
-    /// Draws the part @p source of an image, in its points, into @p destination, times @p fraction
-    /// (0 to 1) of its opacity.
+    /// Draws the part @p source of an image, in points of the image, into @p destination, with its
+    /// opacity multiplied by @p fraction (0 to 1).
     virtual void drawImage(const Image& image, const Rect& destination, const Rect& source,
                            CompositingOperation operation, double fraction) = 0;
-    /// Fills a rectangle. A pattern colour has no components, and fills nothing.
+    /// Fills a rectangle. Does nothing for a pattern color.
     virtual void fillRect(const Rect& rect, const Color& color, CompositingOperation operation) = 0;
-    /// Fills what a path winds around (nonzero rule), with smooth edges; open parts are closed. A
-    /// pattern colour fills nothing.
+    /// Fills a path by the nonzero winding rule, with antialiasing. Closes open subpaths. Does
+    /// nothing for a pattern color.
     virtual void fillPath(const BezierPath& path, const Color& color,
                           CompositingOperation operation) = 0;
 };

@@ -13,26 +13,26 @@
 
 namespace platform {
 
-/// Where log lines and the alert sound go. Neither operation throws or blocks for long.
-/// Safe from any thread.
+/// The destination of log lines and of the alert sound. Operations neither throw nor block for
+/// long. Thread-safe.
 class Log : NonCopyable {
   public:
     virtual ~Log();
 
-    /// Writes one line, UTF-8, without a line feed of its own at the end.
+    /// Writes one line of UTF-8 text. @p line has no line feed at its end.
     virtual void write(std::string_view line) = 0;
-    /// Sounds the system's alert.
+    /// Plays the system's alert sound.
     virtual void beep() = 0;
 };
 
-/// The process's log. Until a host installs another one: standard error, with the time and the
-/// program's name, and the terminal's bell.
+/// Returns the process's log. The default writes to standard error, with the time and the program's
+/// name, and rings the terminal's bell.
 Log& systemLog();
 template <>
 Log* exchangeService<Log>(Log* service);
 
-/// One value for a placeholder. A missing string or a null pointer prints as "(null)".
-/// Strings are referred to, not copied: the argument lives as long as the call it is written in.
+/// A value for a placeholder. Null and std::nullopt are printed as "(null)". Strings are
+/// referenced, not copied, so the argument must not outlive the full expression that creates it.
 class LogArgument {
   public:
     LogArgument(std::nullptr_t) {}
@@ -49,20 +49,21 @@ class LogArgument {
     LogArgument(std::signed_integral auto number) : value_(std::int64_t{number}) {}
     LogArgument(std::unsigned_integral auto number) : value_(std::uint64_t{number}) {}
 
-    /// The value as "%@" or "%d" print it.
+    /// Returns the value as printed by "%@" and "%d".
     std::string text() const;
-    /// The value as "%x" prints it: a signed number as the 32-bit pattern that it has.
+    /// Returns the value as printed by "%x". Signed numbers are converted to 32 bits.
     std::string hexadecimal() const;
 
   private:
     std::variant<std::monostate, std::string_view, std::int64_t, std::uint64_t> value_;
 };
 
-/// Fills the placeholders "%@", "%d", "%x" (with an optional "0" and a width, as in "%016x") of
-/// @p format in order; "%%" stands for one "%". A placeholder without an argument stays as it is.
+/// Replaces the placeholders "%@", "%d" and "%x" in @p format with the arguments in order. A
+/// placeholder may have a width, padded with spaces or, after a "0", with zeros: "%016x". "%%"
+/// becomes "%". Placeholders without an argument are left unchanged.
 std::string formatLogLine(std::string_view format, std::initializer_list<LogArgument> arguments);
 
-/// Writes one line to the system log.
+/// Formats a line and writes it to systemLog(). Thread-safe.
 template <class... Arguments>
 void logLine(std::string_view format, const Arguments&... arguments) {
     systemLog().write(formatLogLine(format, {LogArgument(arguments)...}));

@@ -9,27 +9,28 @@
 
 namespace platform {
 
-/// The thread that runs the program's main loop, and that loop.
+/// The program's main loop and the thread that runs it.
 class MainThread : NonCopyable {
   public:
     enum class Wait { No, UntilDone };
 
     virtual ~MainThread();
 
-    /// Runs @p work on the main thread, in the order of the calls. With UntilDone the caller waits;
-    /// on the main thread itself it then runs at once. What it throws is logged under the owner's
-    /// name and goes no further. Safe from any thread.
+    /// Queues @p work for the main thread. Calls run in the order they were queued. With
+    /// Wait::UntilDone, blocks until @p work has run; if called on the main thread, runs it
+    /// immediately. Exceptions from @p work are logged with the owner's identifier and swallowed.
+    /// Thread-safe.
     virtual void perform(std::function<void()> work, Wait wait) = 0;
 
-    /// Calls @p handler on the main thread whenever @p fileDescriptor has something to read, which
-    /// the handler should then read. The descriptor stays the caller's and outlives the watch. The
-    /// handler may destroy its own watch. What a handler throws is logged and goes no further.
-    /// Main thread.
+    /// Calls @p handler on the main thread whenever @p fileDescriptor is readable; the handler is
+    /// expected to read from it. The caller keeps ownership of the descriptor and must keep it open
+    /// while the watch exists. The handler may destroy its own watch. Exceptions from it are logged
+    /// with the owner's identifier and swallowed. Main thread only.
     virtual std::unique_ptr<Watch> watchReadable(int fileDescriptor,
                                                  std::function<void()> handler) = 0;
 };
 
-/// Installed by a host; there is none before, and who asks ends the program.
+/// Returns the host's main thread. Aborts if the host has not installed one.
 MainThread& mainThread();
 template <>
 MainThread* exchangeService<MainThread>(MainThread* service);

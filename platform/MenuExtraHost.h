@@ -8,22 +8,23 @@ namespace platform {
 class MenuExtra;
 class MenuExtraView;
 
-/// The bar, as an item needs it.
+/// The menu bar as seen by the items that it hosts. Main thread only.
 class MenuExtraHost : NonCopyable {
   public:
     virtual ~MenuExtraHost();
 
-    /// The height of the bar in points.
+    /// Returns the height of the bar in points.
     virtual double statusBarThickness() const = 0;
-    /// A view wants to be drawn again; may be told more than once before the host does.
+    /// Schedules redrawing of @p view. Several requests before the next redraw count as one.
     virtual void viewNeedsDisplay(MenuExtraView& view) = 0;
-    /// The item wants another width.
+    /// Tells the bar that the item's length() has changed.
     virtual void lengthChanged(MenuExtra& extra) = 0;
-    /// Opens the item's menu below it, or closes it when it is open. Does not wait for it to close.
+    /// Opens the item's menu below the item, or closes it if it is open. Does not wait for the menu
+    /// to close.
     virtual void toggleMenu(MenuExtra& extra) = 0;
 };
 
-/// Installed by a host; there is none before, and who asks ends the program.
+/// Returns the menu bar that hosts this program's items. Aborts if the host has not installed one.
 MenuExtraHost& menuExtraHost();
 template <>
 MenuExtraHost* exchangeService<MenuExtraHost>(MenuExtraHost* service);

@@ -8,47 +8,45 @@
 
 namespace platform {
 
-/// What the bar answers to requests about items; the numbers are the platform's where it has one.
+/// The result of a request to the bar. FileNotFound and BadParameter have the platform's values.
 enum class MenuExtraStatus : std::int32_t {
     NoError = 0,
-    NotLoaded = -1,     ///< no item of that identifier or reference
-    Refused = -2,       ///< the bundle did not pass the checks; the bar's log says which
+    NotLoaded = -1,     ///< no loaded item has this identifier or reference
+    Refused = -2,       ///< the bundle failed a check, which the bar logs
     FileNotFound = -43, ///< fnfErr
     BadParameter = -50, ///< paramErr
 };
 
-/// A loaded item as the bar numbers it; 0 is none.
+/// Identifies a loaded item. Never 0 for an item.
 using MenuExtraReference = std::uint32_t;
 
-/// The bar, as other programs ask it. Each request is answered within a bounded time; the status is
-/// MenuExtraStatus's or, when no bar answers, any other number that is not 0. Any thread that may
-/// block.
+/// The menu bar as seen by other programs. Requests return a MenuExtraStatus or, if no bar replies
+/// within some seconds, another non-zero number. They may block for that time. Thread-safe.
 class MenuExtraServer : NonCopyable {
   public:
     virtual ~MenuExtraServer();
 
-    /// The reference of the item with this identifier.
+    /// Sets @p reference to that of the loaded item with this identifier.
     virtual std::int32_t getMenuExtra(const std::string& identifier,
                                       MenuExtraReference& reference) = 0;
-    /// Asks for the bundle at a file URL to be loaded, which follows later. @p position orders the
-    /// items from the right; the system has given the other numbers no meaning.
+    /// Requests that the bundle at a file URL be loaded; returns before it is. Items are ordered by
+    /// @p position, rightmost first. The other numbers have no meaning.
     virtual std::int32_t addMenuExtra(const std::string& url, std::int32_t position, std::int32_t,
                                       std::int32_t, std::int32_t, std::int32_t) = 0;
-    /// The system has given @p flags no meaning.
+    /// Removes an item from the bar. @p flags has no meaning.
     virtual std::int32_t removeMenuExtra(MenuExtraReference reference, std::int32_t flags) = 0;
 };
 
+/// Returns the connection to the menu bar. Aborts if the host has not installed one.
 MenuExtraServer& menuExtraServer();
 template <>
 MenuExtraServer* exchangeService<MenuExtraServer>(MenuExtraServer* service);
 
 } // namespace platform
 
-// The server's three operations under the names that the system gives them. Each may block for some
-// seconds.
+// The operations of menuExtraServer() under their platform names.
 
-/// Status 0 and a reference that is not 0 when the item is loaded, else a reference of 0. @p
-/// reference may be null.
+/// Sets @p reference, unless null, to the item's reference, or to 0 if the item is not loaded.
 std::int32_t CoreMenuExtraGetMenuExtra(const std::string& identifier,
                                        platform::MenuExtraReference* reference);
 std::int32_t CoreMenuExtraAddMenuExtra(const std::string& url, std::int32_t position, std::int32_t,

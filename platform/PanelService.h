@@ -13,44 +13,45 @@ namespace platform {
 class Button;
 class Panel;
 
-/// What a panel looks like and lets the user do.
+/// The appearance of a panel and how the user may handle it.
 struct PanelLook {
-    Color backgroundColor; ///< a pattern is repeated from the bottom left of the frame
-    double alphaValue = 1; ///< of the whole panel
+    Color backgroundColor; ///< a pattern is tiled from the bottom left of the frame
+    double alphaValue = 1; ///< opacity of the whole panel, 0 to 1
     bool opaque = true;
     bool hasShadow = false;
-    bool movableByWindowBackground = false; ///< dragged by any point that is no button
+    bool movableByWindowBackground = false; ///< anywhere except on buttons
     bool showsResizeIndicator = false;
 };
 
-/// The window on the screen that shows a panel; the desktop makes it. What it is told is shown with
-/// the next changes unless it says at once. It outlives no panel.
+/// The on-screen window of a panel, which owns it. Changes are shown at the next redraw unless an
+/// operation states otherwise. Main thread only.
 class PanelWindow : NonCopyable {
   public:
     virtual ~PanelWindow();
 
     virtual void setTitle(const std::string& title) = 0;
     virtual void setLook(const PanelLook& look) = 0;
-    /// Adopts the frame, in steps when @p animate says so, and tells Panel::frameDidChange of each;
-    /// @p display shows it at once.
+    /// Changes the frame, in steps if @p animate is set, and calls Panel::frameDidChange for each
+    /// step. With @p display, redraws immediately.
     virtual void setFrame(const Rect& frame, bool display, bool animate) = 0;
     virtual void addButton(const std::shared_ptr<Button>& button) = 0;
-    /// Draws all of it at once.
+    /// Redraws the whole window immediately.
     virtual void display() = 0;
     virtual void makeKeyAndOrderFront() = 0;
     virtual void orderOut() = 0;
 };
 
-/// Makes windows. Main thread.
+/// Creates the windows of panels. Main thread only.
 class PanelService : NonCopyable {
   public:
     virtual ~PanelService();
 
-    /// A window for a panel, whose frame and style mask are set; null when there can be none, which
-    /// is logged.
+    /// Creates a window for @p panel, whose frame and style mask are already set. Returns null and
+    /// logs the reason on failure.
     virtual std::unique_ptr<PanelWindow> makeWindow(Panel& panel) = 0;
 };
 
+/// Returns the host's panel service. Aborts if the host has not installed one.
 PanelService& panelService();
 template <>
 PanelService* exchangeService<PanelService>(PanelService* service);

@@ -7,15 +7,16 @@
 
 namespace platform {
 
-/// What was copied last. Main thread.
+/// The clipboard. Main thread only.
 class Pasteboard : NonCopyable {
   public:
     virtual ~Pasteboard();
 
-    /// Puts UTF-8 text in the place of what was there.
+    /// Replaces the contents with UTF-8 text.
     virtual void setString(std::string_view text) = 0;
 };
 
+/// Returns the host's clipboard. Aborts if the host has not installed one.
 Pasteboard& generalPasteboard();
 template <>
 Pasteboard* exchangeService<Pasteboard>(Pasteboard* service);

@@ -9,26 +9,26 @@
 
 namespace platform {
 
-/// Names one process for as long as the system runs: unlike a process identifier it is not given
-/// to another one later. Never 0.
+/// Identifies a process until the system restarts. Unlike a process identifier, it is not reused.
+/// Never 0.
 using ProcessSerialNumber = std::uint64_t;
 
 struct RunningProcess {
     ProcessSerialNumber serialNumber = 0;
-    std::string name; ///< the application's
+    std::string name; ///< name of the application
 };
 
-/// The programs that run now. Safe from any thread.
+/// The running programs. Thread-safe.
 class ProcessList : NonCopyable {
   public:
     virtual ~ProcessList();
 
-    /// The user's own processes that have not ended, by process identifier. The program of an
-    /// application bundle has the bundle's name, any other that of its file.
+    /// Returns the user's running processes, ordered by process identifier. The program of an
+    /// application bundle has the name of the bundle, any other program that of its file.
     virtual std::vector<RunningProcess> processes() const = 0;
 };
 
-/// The system's own until a host installs another one.
+/// Returns the process list. The default is the system's.
 ProcessList& processList();
 template <>
 ProcessList* exchangeService<ProcessList>(ProcessList* service);

@@ -13,8 +13,8 @@
 
 namespace platform {
 
-/// Why bytes are no property list. Lines and columns (in characters) count from 1 and say where
-/// the fault was noticed; line 0 when the file itself could not be read.
+/// Why a property list could not be read. Line and column (in characters) count from 1 and give the
+/// position at which the error was detected. The line is 0 if the file could not be read.
 struct PropertyListError {
     int line = 0;
     int column = 0;
@@ -26,49 +26,48 @@ struct PropertyListError {
 
 struct PropertyListResult {
     std::optional<PropertyList> value;
-    PropertyListError error; ///< of interest without a value only
+    PropertyListError error; ///< meaningful only if there is no value
     explicit operator bool() const { return value.has_value(); }
 };
 
-/// Reads and writes property lists. No operation throws (but for want of memory). Safe from any
-/// thread.
+/// Reads and writes XML property lists. Operations throw nothing but std::bad_alloc. Thread-safe.
 class PropertyListService : NonCopyable {
   public:
-    /// Puts the next bytes, at most @p size, into @p buffer and gives their number: 0 at the end,
-    /// nothing when reading failed.
+    /// Copies at most @p size bytes into @p buffer. Returns the number of bytes, 0 at the end, or
+    /// std::nullopt if reading failed.
     using ByteSource = std::function<std::optional<std::size_t>(char* buffer, std::size_t size)>;
 
-    /// Deeper nesting is neither read nor written.
+    /// Lists that are nested more deeply are neither read nor written.
     static constexpr int kMaximumDepth = 512;
-    /// Larger files are not read.
+    /// Files with more bytes are not read.
     static constexpr std::uint64_t kMaximumFileBytes = 1ULL << 29;
 
     virtual ~PropertyListService();
 
-    /// Reads one XML property list to the end of @p source, piece by piece. The first fault ends
-    /// it.
+    /// Reads @p source to its end as one property list. Stops at the first error.
     virtual PropertyListResult parse(const ByteSource& source) const = 0;
-    /// The value as XML, UTF-8. Nothing when XML cannot hold it: a string with a control character
-    /// (but for tab, line feed and carriage return) or invalid UTF-8, a date of a year beyond nine
-    /// digits, nesting beyond kMaximumDepth.
+    /// Returns the value as UTF-8 XML, or std::nullopt if XML cannot represent it: if a string
+    /// contains invalid UTF-8 or a control character other than tab, line feed and carriage return,
+    /// if the year of a date has more than nine digits, or if it is nested beyond kMaximumDepth.
     virtual std::optional<std::string> serialize(const PropertyList& value) const = 0;
     virtual std::optional<std::string> serialize(const PropertyList::Array& array) const = 0;
 
-    /// Reads bytes in memory.
+    /// Reads a property list in memory.
     PropertyListResult parse(std::string_view bytes) const;
 
-    // Files, by way of fileManager().
+    // Files. These use fileManager().
 
-    /// Reads a regular file of at most kMaximumFileBytes.
+    /// Reads a regular file of at most kMaximumFileBytes bytes.
     PropertyListResult read(const std::string& path) const;
-    /// The array in a file; nothing when the file cannot be read or its root is no array.
+    /// Reads an array from a file. Returns std::nullopt if the file cannot be read or its root is
+    /// not an array.
     std::optional<PropertyList::Array> readArray(const std::string& path) const;
-    /// Replaces the file by one with @p array, as FileManager::writeFileAtomically does. False when
-    /// that fails or XML cannot hold the array; the file is then as before.
+    /// Writes an array with FileManager::writeFileAtomically. Returns false, and leaves the file
+    /// unchanged, if that fails or XML cannot represent the array.
     bool writeArray(const std::string& path, const PropertyList::Array& array) const;
 };
 
-/// The process's reader and writer. A host installs one; there is no default.
+/// Returns the host's property list service. Aborts if the host has not installed one.
 PropertyListService& propertyLists();
 template <>
 PropertyListService* exchangeService<PropertyListService>(PropertyListService* service);

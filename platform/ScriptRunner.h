@@ -8,16 +8,16 @@
 
 namespace platform {
 
-/// Runs scripts that tell applications what to do. Safe from any thread; may block for seconds.
+/// Runs scripts that control applications. Thread-safe; may block for several seconds.
 class ScriptRunner : NonCopyable {
   public:
     virtual ~ScriptRunner();
 
-    /// Why the script could not be run, for people; nothing when it was.
+    /// Runs a script. Returns a user-visible error message, or std::nullopt on success.
     virtual std::optional<std::string> run(const std::string& script) = 0;
 };
 
-/// Until a host installs another one: one that understands a single script, which activates
+/// Returns the process's script runner. The default supports a single script, which activates
 /// "System Preferences" and sets its current pane.
 ScriptRunner& scriptRunner();
 template <>

@@ -9,35 +9,35 @@
 
 namespace platform {
 
-/// What a program can ask about the machine and its system.
+/// A property of the machine or its system.
 enum class SystemFact {
-    SystemVersion,  ///< 0x1045 is 10.4.5: the major part binary-coded decimal, then four bits each
-    BusClock,       ///< hertz; nobody answers this here, nor the next three
+    SystemVersion,  ///< 0x1045 is 10.4.5: BCD major version, then 4 bits each for minor and patch
+    BusClock,       ///< hertz; unknown on this platform, like the next three
     ProcessorClock, ///< hertz
     LogicalMemory,  ///< bytes
     PhysicalMemory, ///< bytes
-    MediaVersion,   ///< 0x07168000 is 7.1.6: the same in the upper 16 bits
+    MediaVersion,   ///< 0x07168000 is 7.1.6: as SystemVersion, in the upper 16 bits
 };
 
 struct TimeZone {
-    std::string name;                ///< as the tz database has it: "Europe/Paris"
-    std::string abbreviation;        ///< "CET"
-    std::int32_t secondsFromGMT = 0; ///< positive east of it
+    std::string name;                ///< name in the tz database, such as "Europe/Paris"
+    std::string abbreviation;        ///< such as "CET"
+    std::int32_t secondsFromGMT = 0; ///< positive east of Greenwich
 };
 
-/// The machine, its system, and the place it stands in. Safe from any thread.
+/// Information about the machine, its system and its time zone. Thread-safe.
 class SystemInfo : NonCopyable {
   public:
     virtual ~SystemInfo();
 
-    /// Nothing when the system does not know.
+    /// Returns a property, or std::nullopt if it is unknown.
     virtual std::optional<std::uint32_t> query(SystemFact fact) const = 0;
 
-    /// The system's time zone, as it is at this moment.
+    /// Returns the system's current time zone.
     virtual TimeZone systemTimeZone() const = 0;
 };
 
-/// What the process knows of its system; the system's own answers until a host installs others.
+/// Returns the process's source of system information. The default queries the system.
 SystemInfo& systemInfo();
 template <>
 SystemInfo* exchangeService<SystemInfo>(SystemInfo* service);

@@ -9,51 +9,50 @@
 
 namespace platform {
 
-/// What a program asks of the desktop around it. No operation waits for another program.
+/// The desktop: applications, the file browser and the Trash. Operations do not wait for other
+/// programs.
 class Workspace : NonCopyable {
   public:
     virtual ~Workspace();
 
-    /// Shows a file, selected, in the file browser. @p rootPath is the folder whose window is
-    /// asked for; empty: whichever the browser takes. The answer is whether the request could be
-    /// sent; a browser that then finds no such file tells the user itself. Main thread.
+    /// Shows a file, selected, in a window of the file browser for the folder @p rootPath; if that
+    /// is empty, the browser chooses the window. Returns whether the request was sent. If the file
+    /// does not exist, the browser tells the user. Main thread only.
     virtual bool selectFile(const std::string& path, const std::string& rootPath) = 0;
-    /// Starts the program of an application bundle (a folder whose name ends in ".app"); opens any
-    /// other file or folder with the program that the desktop has for it. The answer is whether a
-    /// program could be started; why not is logged for a bundle. Safe from any thread, though it
-    /// may wait for the main one. An application bundle's program announces its launch by itself,
-    /// once it is ready to be asked for something: it posts kDidLaunchApplication on the
-    /// distributed centre.
+    /// Starts the program of an application bundle (a folder whose name ends in ".app"), or opens
+    /// any other file or folder with its default application. Returns whether a program was
+    /// started; for a bundle, logs the reason if not. The program of a bundle announces its launch
+    /// itself, by announceLaunch, when it is ready to receive requests. Thread-safe; may wait for
+    /// the main thread.
     virtual bool openFile(const std::string& path) = 0;
-    /// Hands a URL, as it is, to the program that the desktop has for its scheme: "mailto:" to the
-    /// mail program. No shell reads it. The answer is whether a program could be started. Main
-    /// thread.
+    /// Opens a URL with the default application for its scheme, such as the mail program for
+    /// "mailto:". Passes the URL unchanged and without a shell. Returns whether a program was
+    /// started. Main thread only.
     virtual bool openURL(const std::string& url) = 0;
-    /// Has an application open a file. "System Preferences" is the only one that is known; its
-    /// launch is announced on the distributed centre and on this workspace's own. The answer is
-    /// whether it could be started; why not is logged. Safe from any thread.
+    /// Opens a file with a specific application and announces its launch with announceLaunch. The
+    /// only supported application is "System Preferences". Returns whether it was started, and logs
+    /// the reason if not. Thread-safe.
     virtual bool openFile(const std::string& path, const std::string& withApplication) = 0;
-    /// Asks for the frontmost window of an application, and no other, to come to the front. What
-    /// has no window, or is gone, is left alone. Safe from any thread.
+    /// Raises the frontmost window of an application, but not its other windows. Does nothing if
+    /// the process has no window or has exited. Thread-safe.
     virtual void bringToFront(ProcessSerialNumber process) = 0;
-    /// Where launches are announced within this process.
+    /// Returns the center on which launches are announced within this process.
     virtual NotificationCenter& notificationCenter() = 0;
-    /// Moves a file, a folder or a symbolic link to the Trash, where the user finds it with the
-    /// place that it came from. The answer is whether it lies there; if not it is where it was.
-    /// Safe from any thread.
+    /// Moves a file, a folder or a symbolic link to the Trash, which records its original path.
+    /// Returns whether it was moved; if not, it is unchanged. Thread-safe.
     virtual bool recycle(const std::string& path) = 0;
 };
 
-/// The process's workspace. Until a host installs another one: one that has a Trash, starts
-/// applications, opens URLs with xdg-open and panes with "System Preferences", but cannot show or
-/// open anything else.
+/// Returns the process's workspace. The default moves items to the Trash, starts application
+/// bundles, opens URLs with xdg-open and opens panes with "System Preferences". Its selectFile and
+/// its openFile for any other file fail.
 Workspace& sharedWorkspace();
 template <>
 Workspace* exchangeService<Workspace>(Workspace* service);
 
-/// Says that an application has been started, on the distributed centre and on the shared
-/// workspace's own. What starts applications calls it, and an application itself once it is ready.
-/// Any thread.
+/// Posts kDidLaunchApplication on the distributed center and on the shared workspace's center.
+/// Called by what starts an application, and by an application bundle's program once it is ready.
+/// Thread-safe.
 void announceLaunch(const std::string& applicationName);
 
 } // namespace platform
