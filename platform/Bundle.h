@@ -61,8 +61,7 @@ class Bundle {
     std::vector<int> executableArchitectures() const;
     /// Returns the path of Contents/PlugIns.
     std::string builtInPlugInsPath() const;
-    /// Returns the path of the file "name.type" in Contents/Resources, or std::nullopt if it does
-    /// not exist.
+    /// Returns the path of the file "name.type" in Contents/Resources if it exists.
     std::optional<std::string> pathForResource(std::string_view name, std::string_view type) const;
 
   private:

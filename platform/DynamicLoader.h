@@ -43,8 +43,7 @@ class DynamicLoader : NonCopyable {
     /// undefined. Starts a child process; takes some milliseconds, at most 5 s.
     virtual bool preflight(const std::string& path, std::string& reason) const = 0;
     /// Loads a shared object with RTLD_LOCAL and runs its initializers. Returns null and writes the
-    /// cause to @p reason if the file is truncated, is for another processor or is refused by the
-    /// system's loader.
+    /// cause to @p reason if the file is truncated, is for another processor or cannot be loaded.
     virtual std::unique_ptr<LoadedCode> load(const std::string& path, std::string& reason) = 0;
 };
 

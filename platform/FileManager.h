@@ -48,8 +48,7 @@ class FileManager : NonCopyable {
     // Queries
 
     /// Returns whether @p path exists. Follows symbolic links, so a dangling link does not exist.
-    /// Sets @p isDirectory, unless null, to whether @p path is a folder; false if it does not
-    /// exist.
+    /// Sets @p isDirectory, unless null, to whether @p path exists and is a folder.
     virtual bool fileExists(const std::string& path, bool* isDirectory = nullptr) const = 0;
     /// Returns whether @p path is a folder or a symbolic link to one.
     bool isDirectory(const std::string& path) const;
@@ -117,8 +116,7 @@ class FileManager : NonCopyable {
     virtual bool copyItem(const std::string& from, const std::string& to) = 0;
     /// Moves a file, a symbolic link or a folder. To another file system, moves only files and
     /// symbolic links: flushes a copy to disk, with the same mode and times and, if permitted, the
-    /// same owner, and then removes @p from. On failure, @p from is unchanged and @p to does not
-    /// exist.
+    /// same owner, and then removes @p from. On failure, @p from is unchanged and @p to is absent.
     virtual bool moveFile(const std::string& from, const std::string& to) = 0;
 
     // Watching

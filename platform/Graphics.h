@@ -35,9 +35,8 @@ class Graphics : NonCopyable {
     using Draw = std::function<void(GraphicsContext& context)>;
     /// Creates an image of @p size points, initially transparent, and calls @p draw with its
     /// context. The image has the scale of the sharpest screen. Its width and height in pixels are
-    /// rounded up; the excess at the top and right can be drawn to but is not shown. A zero,
-    /// negative or NaN size results in an image without pixels, and so does a lack of memory, which
-    /// is logged.
+    /// rounded up; the excess at the top and right can be drawn to but is not shown. A size that is
+    /// not positive results in an image without pixels. So does a lack of memory, which is logged.
     virtual std::shared_ptr<Image> imageByDrawing(Size size, const Draw& draw) = 0;
 
     /// Returns the context that is being drawn to. @throws Exception outside of drawing.

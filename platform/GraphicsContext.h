@@ -47,8 +47,7 @@ class GraphicsContext : NonCopyable {
     virtual void setTextDrawingMode(TextDrawingMode mode) = 0;
     /// Sets the operation for text. The initial value is SourceOver.
     virtual void setCompositingOperation(CompositingOperation operation) = 0;
-    /// Sets the shadow of text, in the default shadow color. A shadow in the text's attributes
-    /// overrides it.
+    /// Sets a shadow in the default shadow color for text whose attributes have none.
     virtual void setShadow(Size offset, double blurRadius) = 0;
 
     /// Draws text with its lower left corner, including the descent, at @p point.

@@ -13,8 +13,8 @@
 
 namespace platform {
 
-/// The destination of log lines and of the alert sound. Operations neither throw nor block for
-/// long. Thread-safe.
+/// The destination of log lines and of the alert sound. Operations do not throw and do not block
+/// for more than a moment. Thread-safe.
 class Log : NonCopyable {
   public:
     virtual ~Log();

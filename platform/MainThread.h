@@ -17,9 +17,8 @@ class MainThread : NonCopyable {
     virtual ~MainThread();
 
     /// Queues @p work for the main thread. Calls run in the order they were queued. With
-    /// Wait::UntilDone, blocks until @p work has run; if called on the main thread, runs it
-    /// immediately. Exceptions from @p work are logged with the owner's identifier and swallowed.
-    /// Thread-safe.
+    /// Wait::UntilDone, blocks until @p work has run; on the main thread, runs it immediately.
+    /// Exceptions from @p work are logged with the owner's identifier and swallowed. Thread-safe.
     virtual void perform(std::function<void()> work, Wait wait) = 0;
 
     /// Calls @p handler on the main thread whenever @p fileDescriptor is readable; the handler is

@@ -19,8 +19,7 @@ class MenuExtraHost : NonCopyable {
     virtual void viewNeedsDisplay(MenuExtraView& view) = 0;
     /// Tells the bar that the item's length() has changed.
     virtual void lengthChanged(MenuExtra& extra) = 0;
-    /// Opens the item's menu below the item, or closes it if it is open. Does not wait for the menu
-    /// to close.
+    /// Opens the item's menu, or closes it if it is open. Does not wait for the menu to close.
     virtual void toggleMenu(MenuExtra& extra) = 0;
 };
 

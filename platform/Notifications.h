@@ -20,9 +20,8 @@ class NotificationCenter : NonCopyable {
     /// Calls @p handler for every notification posted under @p name, whatever its object. The
     /// observer is held weakly: its handler is not called after it has been destroyed, and it is
     /// kept alive while its handler runs. There is one handler per observer and name; adding
-    /// another replaces it. Exceptions from the handler are logged under the owner that registered
-    /// it and swallowed. The handler's code must stay loaded until the handler is removed or
-    /// forgotten.
+    /// another replaces it. Exceptions from the handler are logged with the owner's identifier and
+    /// swallowed. The handler's code must stay loaded until the handler is removed or forgotten.
     virtual void addObserver(const std::weak_ptr<const void>& observer, const std::string& name,
                              Handler handler) = 0;
     /// Removes a handler. No call begins after this returns, but a call that another thread has

@@ -9,8 +9,8 @@
 
 namespace platform {
 
-/// Identifies a process until the system restarts. Unlike a process identifier, it is not reused.
-/// Never 0.
+/// Identifies a process until the system restarts. Never 0, and never reused, unlike a process
+/// identifier of the system.
 using ProcessSerialNumber = std::uint64_t;
 
 struct RunningProcess {

@@ -9,8 +9,7 @@
 
 namespace platform {
 
-/// The desktop: applications, the file browser and the Trash. Operations do not wait for other
-/// programs.
+/// The desktop: applications, file browser and Trash. Operations do not wait for other programs.
 class Workspace : NonCopyable {
   public:
     virtual ~Workspace();
@@ -51,8 +50,8 @@ template <>
 Workspace* exchangeService<Workspace>(Workspace* service);
 
 /// Posts kDidLaunchApplication on the distributed center and on the shared workspace's center.
-/// Called by what starts an application, and by an application bundle's program once it is ready.
-/// Thread-safe.
+/// Called after an application has been started, and by an application bundle's program once it is
+/// ready to receive requests. Thread-safe.
 void announceLaunch(const std::string& applicationName);
 
 } // namespace platform

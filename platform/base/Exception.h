@@ -6,8 +6,8 @@
 
 namespace platform {
 
-/// The exception that the platform's own operations raise: a name that code can compare, a reason
-/// for people, and whatever else the raiser wants to say.
+/// The exception thrown by platform operations: a name for code to compare, a user-visible reason,
+/// and optional further information.
 class Exception : public std::exception {
   public:
     Exception(std::string name, std::string reason, std::optional<std::string> userInfo = {});
@@ -16,7 +16,7 @@ class Exception : public std::exception {
     const std::string& name() const { return name_; }
     const std::string& reason() const { return reason_; }
     const std::optional<std::string>& userInfo() const { return userInfo_; }
-    /// The reason.
+    /// Returns reason().
     const char* what() const noexcept override;
 
   private:
@@ -25,7 +25,7 @@ class Exception : public std::exception {
     std::optional<std::string> userInfo_;
 };
 
-/// The name of an exception about an argument that the operation cannot take.
+/// The name of an exception about an invalid argument. The value is the platform's own.
 inline constexpr const char* kInvalidArgumentException = "NSInvalidArgumentException";
 
 } // namespace platform

@@ -4,9 +4,9 @@
 
 namespace platform {
 
-/// Asks the system for large pages below @p size bytes of memory that is about to be filled for the
-/// first time: meeting small pages one at a time takes longer than filling them. Less memory than a
-/// large page, or a system without them, stays as it is. Any thread.
+/// Requests large pages for @p size bytes of memory that has not been written to yet, because page
+/// faults on small pages can take longer than filling the memory. Does nothing for less memory than
+/// a large page and on systems without large pages. Thread-safe.
 void useLargePages(void* memory, std::size_t size);
 
 } // namespace platform

@@ -4,41 +4,38 @@
 #include <string>
 #include <string_view>
 
-/// Operations on paths as strings. None looks for files; repeated slashes count as one and
-/// trailing ones are dropped.
+/// Operations on paths as strings, without access to the file system. Results have no repeated and
+/// no trailing slashes.
 namespace platform {
 
-/// @p path with @p component below it. An empty path gives the component, an empty component the
-/// path.
+/// Returns @p path and @p component joined by a slash. If one of them is empty, returns the other.
 std::string appendingPathComponent(std::string_view path, std::string_view component);
 
-/// The last component; "/" for "/", empty for an empty path.
+/// Returns the last component: "/" for "/", and an empty string for an empty path.
 std::string lastPathComponent(std::string_view path);
 
-/// The path without its last component; "/" for "/" and for what lies in it, empty for a single
-/// component.
+/// Returns the path without its last component: "/" for "/" and for "/a", and an empty string for a
+/// single component such as "a".
 std::string deletingLastPathComponent(std::string_view path);
 
-/// What follows the last dot of the last component; empty when there is none, or when the name
-/// begins with its only dot.
+/// Returns the text after the last dot of the last component. Empty if there is no dot, or only one
+/// at the start of the name.
 std::string pathExtension(std::string_view path);
 
-/// @p path with a dot and @p extension behind its last component. A path without a name ("/" and
-/// the empty one) stays as it is.
+/// Appends a dot and @p extension to the last component. Returns "/" and the empty path unchanged.
 std::string appendingPathExtension(std::string_view path, std::string_view extension);
 
-/// @p path as it stands in a URL: every byte but letters, digits and "-_.~/" as a percent sign and
-/// two digits.
+/// Percent-encodes every byte of @p path except ASCII letters, digits and "-_.~/".
 std::string percentEncodedPath(std::string_view path);
 
-/// The file URL of an absolute path, percent-encoded; nothing for any other path.
+/// Returns the percent-encoded file URL of an absolute path, or std::nullopt for any other path.
 std::optional<std::string> fileURLWithPath(std::string_view path);
 
-/// Whether @p url is a URL with the scheme "file", in whatever case.
+/// Returns whether the scheme of @p url is "file", ignoring case.
 bool isFileURL(std::string_view url);
 
-/// The path that a file URL of this machine names; nothing for any other URL, and for one whose
-/// percent-encoding is none or hides a null byte.
+/// Returns the absolute path that a file URL of this machine refers to. Returns std::nullopt for
+/// any other URL, for malformed percent-encoding and for an encoded null byte.
 std::optional<std::string> pathOfFileURL(std::string_view url);
 
 } // namespace platform

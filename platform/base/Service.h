@@ -4,14 +4,14 @@
 
 namespace platform {
 
-/// Puts @p service in the place of the process's service of that kind and gives the one that
-/// answered before (null when nobody had been put there). Each service's source file defines it
-/// for its own class; a loaded bundle therefore sees the same service as its host.
-/// The caller keeps ownership. Thread: before other threads use the service.
+/// Replaces the process's service of type S; null restores the default. Returns the service that
+/// was installed before, or null. Specialized in the source file of each service, so that a loaded
+/// bundle shares the services of its host. The caller keeps ownership. Not thread-safe: call it
+/// before other threads use the service.
 template <class S>
 S* exchangeService(S* service);
 
-/// Puts a service in place for a scope, and the former one back at its end.
+/// Installs a service and restores the previous one at the end of the scope.
 template <class S>
 class ScopedService : NonCopyable {
   public:

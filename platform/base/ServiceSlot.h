@@ -6,15 +6,16 @@
 
 namespace platform {
 
-/// The place behind one service's accessor. Only platform/<Service>.cpp makes one.
+/// Stores the installed service of one type. Used only by platform/<Service>.cpp.
 template <class S>
 class ServiceSlot {
   public:
-    /// @p name is what a missing service is called in the message before the abort;
-    /// @p makeDefault, when not null, gives the service that answers until a host installs one.
+    /// @p name appears in the message that is printed if the service is missing. @p makeDefault,
+    /// unless null, returns the service to use until a host installs one.
     constexpr explicit ServiceSlot(const char* name, S& (*makeDefault)() = nullptr)
         : name_(name), default_(makeDefault) {}
 
+    /// Returns the installed service or the default. Aborts with a message if there is neither.
     S& get() const {
         if (S* service = current_.load(std::memory_order_acquire))
             return *service;

@@ -2,8 +2,7 @@
 
 namespace platform::expat {
 
-/// Puts the process-wide reader and writer of property lists in place. Thread: before other threads
-/// use it.
+/// Installs the process's property list service. Call it before other threads use the service.
 void install();
 
 } // namespace platform::expat

@@ -6,25 +6,26 @@
 #include <string>
 #include <string_view>
 
-/// The text between the tags of a number, a date or bytes. White space around it is skipped; the
-/// locale has no part in it. Reading gives nothing when the text is malformed or out of range.
+/// Conversion between values and the text of their XML elements, independent of the locale. Parsing
+/// ignores surrounding white space and returns std::nullopt for malformed and out-of-range text.
 namespace platform::expat {
 
-/// Decimal, or hexadecimal after "0x", with or without a sign; -2^63 to 2^64 - 1.
+/// Parses a decimal or, after "0x", hexadecimal integer from -2^63 to 2^64 - 1, with optional sign.
 std::optional<PropertyList> parseInteger(std::string_view text);
-/// As C writes it, "inf" and "nan" included; what no double comes near is out of range.
+/// Parses a number in C syntax, including "inf" and "nan". Overflow and underflow are out of range.
 std::optional<PropertyList> parseReal(std::string_view text);
-/// "2026-11-22T22:20:57Z": a date of the calendar, years of one to nine digits, "-" before Christ
-/// (the year 0 is 1 BC).
+/// Parses a date such as "2026-11-22T22:20:57Z" in the Gregorian calendar. Years have one to nine
+/// digits and an optional "-"; the year 0 is 1 BC.
 std::optional<PropertyList> parseDate(std::string_view text);
-/// Base 64 with its padding, white space anywhere.
+/// Parses padded Base64 text. White space is allowed anywhere.
 std::optional<PropertyList> parseData(std::string_view text);
 
-/// The shortest text that reads as the same double.
+/// Returns the shortest text that parses to the same double.
 std::string realText(double value);
-/// Nothing when the year has more than nine digits.
+/// Returns std::nullopt if the year has more than nine digits.
 std::optional<std::string> dateText(PropertyList::Date date);
-/// In lines of 76 characters, each with @p indent before it and a line feed after it.
+/// Returns Base64 text in lines of 76 characters. Each line begins with @p indent and ends with a
+/// line feed.
 std::string dataText(const PropertyList::Data& data, std::string_view indent);
 
 } // namespace platform::expat

@@ -7,7 +7,8 @@
 
 namespace platform::expat {
 
-/// The value as a UTF-8 XML property list, indented with tabs; nothing when XML cannot hold it.
+/// Returns the value as a UTF-8 XML property list, indented with tabs, or std::nullopt if XML
+/// cannot represent it.
 std::optional<std::string> writeXml(const PropertyList& value);
 std::optional<std::string> writeXml(const PropertyList::Array& array);
 

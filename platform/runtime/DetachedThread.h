@@ -4,9 +4,8 @@
 
 namespace platform {
 
-/// Runs @p work on a thread of its own that nobody waits for, under the name of the owner whose
-/// code asks for it (see Guard.h); what it throws is logged and goes no further. When there can be
-/// no more threads a log line says so, and @p work is not done. Any thread.
+/// Runs @p work on a new detached thread, guarded with the current owner (see Guard.h). If no
+/// thread can be started, logs the reason and does not run @p work. Thread-safe.
 void detachThread(std::function<void()> work);
 
 } // namespace platform

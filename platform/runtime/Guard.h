@@ -5,13 +5,13 @@
 
 namespace platform {
 
-/// Runs code that somebody else wrote: a menu extra's operation, a handler that it registered.
-/// Whatever the code throws is caught here and logged as "%@ raised an exception: %@   reason: %@"
-/// with the owner. Gives whether the code came to its end. Nests. Any thread.
+/// Runs code of a plug-in, such as an operation of a menu extra or a handler that it registered.
+/// Exceptions are swallowed and logged as "%@ raised an exception: %@   reason: %@" with @p owner,
+/// the plug-in's identifier. Returns false after an exception. Calls may nest. Thread-safe.
 bool runGuarded(const std::string& owner, const std::function<void()>& code);
 
-/// The owner whose code this thread is running; empty outside of runGuarded. Who keeps a handler
-/// for later asks for the owner with it, and runs the handler under that name.
+/// Returns the owner of the code that this thread is running; empty outside of runGuarded. Code
+/// that stores a handler also stores the current owner, to pass it to runGuarded later.
 const std::string& currentOwner();
 
 } // namespace platform

@@ -10,8 +10,7 @@
 
 namespace platform {
 
-/// The observers of a notification center, with the semantics that NotificationCenter documents.
-/// Thread-safe.
+/// The observers of a notification center, as documented by NotificationCenter. Thread-safe.
 class ObserverList : NonCopyable {
   public:
     ~ObserverList();

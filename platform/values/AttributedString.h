@@ -8,7 +8,7 @@
 
 namespace platform {
 
-/// Text with attributes by range. A regular value; ranges are bytes of the UTF-8 text.
+/// UTF-8 text with attributes for ranges of bytes. A regular value.
 class AttributedString {
   public:
     struct Run {
@@ -23,12 +23,12 @@ class AttributedString {
     const std::string& string() const { return text_; }
     std::size_t length() const { return text_.size(); }
 
-    /// What the byte at @p location has. @throws Exception (NSRangeException) beyond the text's
-    /// end.
+    /// Returns the attributes of the byte at @p location. @throws Exception (NSRangeException) if
+    /// it is out of range.
     const TextAttributes& attributesAt(std::size_t location) const;
-    /// Sets the shadow of a range. @throws Exception (NSRangeException) beyond the text's end.
+    /// Sets the shadow of a range. @throws Exception (NSRangeException) if it is out of range.
     void addShadow(const Shadow& shadow, std::size_t location, std::size_t length);
-    /// Sets all attributes of a range. @throws Exception (NSRangeException) beyond the text's end.
+    /// Replaces the attributes of a range. @throws Exception (NSRangeException) if out of range.
     void setAttributes(const TextAttributes& attributes, std::size_t location, std::size_t length);
 
     /// The runs that cover the text from start to end; an empty text has none.
@@ -37,7 +37,7 @@ class AttributedString {
     friend bool operator==(const AttributedString&, const AttributedString&) = default;
 
   private:
-    /// Makes run boundaries at both ends of the range; gives the index of its first run.
+    /// Splits the runs at both ends of a range. Returns the index of the first run in the range.
     std::size_t splitAt(std::size_t location, std::size_t length);
 
     std::string text_;

@@ -7,30 +7,30 @@
 
 namespace platform {
 
-/// An outline to be filled: lines and arcs, in points. A regular value.
+/// A path of lines and arcs, in points. A regular value.
 class BezierPath {
   public:
     enum class Step { MoveTo, LineTo, ArcFromPoint, Close };
 
     struct Element {
         Step step = Step::MoveTo;
-        Point point;       ///< where it leads; of an arc, the corner that it rounds off
-        Point toPoint{};   ///< of an arc: where the corner's second line leads
-        double radius = 0; ///< of an arc
+        Point point;       ///< the end of a line, or the corner that an arc rounds
+        Point toPoint{};   ///< arcs only: the end of the line that leaves the corner
+        double radius = 0; ///< arcs only
         friend bool operator==(const Element&, const Element&) = default;
     };
 
     void moveToPoint(Point point) { elements_.push_back({Step::MoveTo, point}); }
     void lineToPoint(Point point) { elements_.push_back({Step::LineTo, point}); }
-    /// An arc of a circle that touches the line from the current point to @p corner and the line
-    /// from there to @p toPoint, with a straight line to where it begins. It ends where it touches
-    /// the second line. Points that make no corner give a line to @p corner.
+    /// Appends an arc that rounds the corner between the lines from the current point to @p corner
+    /// and from there to @p toPoint, and a line to the start of the arc. The arc ends at its point
+    /// of contact with the second line. Without a corner, appends a line to @p corner.
     void appendArcFromPoint(Point corner, Point toPoint, double radius) {
         elements_.push_back({Step::ArcFromPoint, corner, toPoint, radius});
     }
     void closePath() { elements_.push_back({Step::Close, {}}); }
 
-    /// As they were appended.
+    /// Returns the elements in the order they were appended.
     const std::vector<Element>& elements() const { return elements_; }
 
     friend bool operator==(const BezierPath&, const BezierPath&) = default;
@@ -39,7 +39,7 @@ class BezierPath {
     std::vector<Element> elements_;
 };
 
-/// An arc of at most a half circle as a cubic curve.
+/// A cubic curve that approximates an arc of at most half a circle.
 struct CornerArc {
     Point start;
     Point firstControl;
@@ -47,8 +47,8 @@ struct CornerArc {
     Point end;
 };
 
-/// The arc that rounds off @p corner on the way from @p from to @p to; nothing when the three make
-/// no corner (two of them are the same, or all are on one line) or there is no radius.
+/// Returns the arc that rounds @p corner on the way from @p from to @p to, or std::nullopt if the
+/// points are on one line, two of them are equal, or the radius is not positive and finite.
 std::optional<CornerArc> cornerArc(Point from, Point corner, Point to, double radius);
 
 } // namespace platform

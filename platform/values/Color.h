@@ -8,18 +8,18 @@ namespace platform {
 
 class Image;
 
-/// Where a colour's components count. The calibrated RGB space is the platform's generic one.
+/// The color space of a color's components. CalibratedRGB is the platform's generic RGB space.
 enum class ColorSpace { CalibratedRGB, DeviceRGB, CalibratedWhite, DeviceWhite, Pattern };
 
-/// A colour: components 0 to 1, not premultiplied, in calibrated RGB unless it says otherwise.
-/// A regular value; two colours of different spaces are different colours.
+/// A color with components from 0 to 1, not premultiplied. A regular value. Colors in different
+/// spaces are never equal.
 struct Color {
-    double red = 0; ///< a grey has the same in red, green and blue
+    double red = 0; ///< grays have equal red, green and blue components
     double green = 0;
     double blue = 0;
     double alpha = 1;
     ColorSpace space = ColorSpace::CalibratedRGB;
-    std::shared_ptr<const Image> pattern{}; ///< of a pattern colour, which has no components
+    std::shared_ptr<const Image> pattern{}; ///< of a pattern color, whose components are not used
 
     friend bool operator==(const Color&, const Color&) = default;
 };
@@ -33,11 +33,11 @@ inline Color deviceRGB(double red, double green, double blue, double alpha = 1) 
 inline Color clearColor() {
     return calibratedWhite(0, 0);
 }
-/// An image, repeated from the bottom left.
+/// Returns a color that tiles an image from the bottom left.
 inline Color colorWithPatternImage(std::shared_ptr<const Image> image) {
     return {0, 0, 0, 1, ColorSpace::Pattern, std::move(image)};
 }
-/// The same colour in calibrated RGB; nothing for a pattern.
+/// Converts a color to calibrated RGB. Returns std::nullopt for a pattern color.
 inline std::optional<Color> inCalibratedRGB(const Color& color) {
     if (color.space == ColorSpace::Pattern)
         return std::nullopt;

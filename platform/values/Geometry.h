@@ -1,6 +1,6 @@
 #pragma once
 
-/// Points, origin at the bottom left, y growing upwards.
+/// Coordinates are in points. The origin is at the bottom left and y increases upwards.
 namespace platform {
 
 struct Point {
@@ -21,8 +21,8 @@ struct Rect {
     friend bool operator==(const Rect&, const Rect&) = default;
 };
 
-/// @p rect with its left and right edges moved inwards by @p dx and the other two by @p dy. What
-/// negative numbers move outwards; a size may come out negative, and nothing is drawn there.
+/// Returns @p rect with its left and right edges moved inwards by @p dx and its other two by @p dy,
+/// or outwards by negative distances. The size may become negative, in which case nothing is drawn.
 constexpr Rect insetRect(const Rect& rect, double dx, double dy) {
     return {{rect.origin.x + dx, rect.origin.y + dy},
             {rect.size.width - 2 * dx, rect.size.height - 2 * dy}};

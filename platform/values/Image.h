@@ -5,12 +5,12 @@
 
 namespace platform {
 
-/// A picture. Immutable for its users; the backend keeps its pixels at one or more scales.
+/// An immutable image. The graphics backend stores its pixels at one or more scales.
 class Image : NonCopyable {
   public:
     virtual ~Image();
 
-    /// In points, possibly fractional.
+    /// Returns the size in points, which may be fractional.
     virtual Size size() const = 0;
 };
 

@@ -8,46 +8,46 @@
 
 namespace platform {
 
-/// A blurred shadow. The offset is in points, y upwards; the blur radius is twice the standard
-/// deviation of the Gaussian that it stands for.
+/// A blurred shadow.
 struct Shadow {
-    Size offset;
-    double blurRadius = 0;
-    Color color{0, 0, 0, 1.0 / 3.0}; ///< the platform's default shadow colour
+    Size offset;                     ///< points
+    double blurRadius = 0;           ///< points; twice the standard deviation of the Gaussian blur
+    Color color{0, 0, 0, 1.0 / 3.0}; ///< the platform's default shadow color
     friend bool operator==(const Shadow&, const Shadow&) = default;
 };
 
-/// A typeface by family. An empty family, and a size of 0, mean the menu bar's own font and size.
+/// A font.
 struct Font {
-    std::string family;
-    double size = 0; ///< points
+    std::string family; ///< empty for the font of the menu bar
+    double size = 0;    ///< points; 0 for the size of the menu bar's font
     bool bold = false;
     friend bool operator==(const Font&, const Font&) = default;
 };
 
-/// How large a control is; the numbers are the platform's own.
+/// The size of a control. The values are the platform's own.
 enum class ControlSize : int { Regular = 0, Small = 1, Mini = 2 };
 
-/// The size in points of the text of a control.
+/// Returns the font size of a control's text, in points.
 double systemFontSize(ControlSize size);
 
+/// The values are the platform's own.
 enum class TextAlignment : int { Left = 0, Right = 1, Center = 2 };
 
-/// What becomes of text that is too wide for its place.
+/// What happens to text that is too wide for its rectangle. The values are the platform's own.
 enum class LineBreakMode : int {
-    Clipping = 2,       ///< it is cut at the edge
-    TruncatingTail = 4, ///< its end gives way to an ellipsis
+    Clipping = 2,       ///< clipped at the edge
+    TruncatingTail = 4, ///< truncated, with an ellipsis at the end
 };
 
-/// How text lies in a rectangle.
+/// The layout of text in a rectangle.
 struct ParagraphStyle {
     TextAlignment alignment = TextAlignment::Left;
     LineBreakMode lineBreakMode = LineBreakMode::Clipping;
     friend bool operator==(const ParagraphStyle&, const ParagraphStyle&) = default;
 };
 
-/// How a run of text looks. What is not set takes the platform's default: the menu bar's font, and
-/// the text colour of the place that it is drawn in.
+/// The appearance of a run of text. Unset attributes have defaults: the font of the menu bar and
+/// the text color of the place where the text is drawn.
 struct TextAttributes {
     std::optional<Font> font{};
     std::optional<Color> foregroundColor{};

@@ -5,29 +5,30 @@
 #include <memory>
 #include <string>
 
-/// Messages by name, as controls send them to who asked for it. Main thread.
+/// Messages that controls send to their targets. Main thread only.
 namespace platform {
 
-/// The name of a message, "closeIt:"; an empty one is none.
+/// The name of a message, such as "closeIt:". Empty for no message.
 using Selector = std::string;
 
-/// What sends actions: a panel or a control.
+/// A sender of actions: a panel or a control.
 class ActionSender : NonCopyable {
   public:
     virtual ~ActionSender();
 };
 
-/// What takes actions. Senders hold it weakly: one that is gone is not called.
+/// A receiver of actions. Senders hold it weakly and do not call it after its destruction.
 class ActionTarget : NonCopyable {
   public:
     virtual ~ActionTarget();
 
     virtual bool respondsToSelector(const Selector& selector) const = 0;
-    /// Called for a selector that it responds to.
+    /// Performs an action. Called only for selectors that the target responds to.
     virtual void performSelector(const Selector& selector, ActionSender& sender) = 0;
 };
 
-/// Sends an action to a target that still exists and responds to it; otherwise does nothing.
+/// Sends an action to @p target. Does nothing if the target has been destroyed or does not respond
+/// to @p action.
 void sendAction(const Selector& action, const std::weak_ptr<ActionTarget>& target,
                 ActionSender& sender);
 

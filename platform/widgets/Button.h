@@ -10,18 +10,18 @@
 
 namespace platform {
 
-// The numbers are the platform's own.
+// The values of these enumerations and masks are the platform's own.
 
 enum class BezelStyle : int { Rounded = 1 };
 enum class ButtonType : int {
     MomentaryLight = 0,
-    MomentaryChange = 5, ///< shows that it is pressed by its picture alone
+    MomentaryChange = 5, ///< while pressed, only the image changes
 };
 enum class ImagePosition : int { NoImage = 0, ImageOnly = 1, ImageLeft = 2, ImageBelow = 4 };
 enum class FocusRingType : int { Default = 0, None = 1 };
 
-/// What of a view follows when what it lies in is resized, or-ed: its distance to an edge, or its
-/// width or height. What is not in the mask stays as it is.
+/// The flexible parts of a view, combined with |: its distances to the edges of its container, its
+/// width and its height. Other parts keep their length when the container is resized.
 namespace Autoresizing {
 inline constexpr std::uint32_t kMinXMargin = 1;
 inline constexpr std::uint32_t kWidth = 2;
@@ -31,18 +31,18 @@ inline constexpr std::uint32_t kHeight = 16;
 inline constexpr std::uint32_t kMaxYMargin = 32;
 } // namespace Autoresizing
 
-/// @p frame after what it lies in has been resized; several flexible parts of a direction share the
-/// change evenly.
+/// Returns the frame of a view after its container has been resized. Flexible parts in the same
+/// direction share the change equally.
 Rect autoresized(const Rect& frame, std::uint32_t mask, Size before, Size after);
 
-/// A button of a panel. A class of settings; the desktop shows it. Main thread.
+/// The state of a button in a panel, whose window displays it. Main thread only.
 class Button final : public ActionSender {
   public:
-    /// @p frame is in points of the view that it is added to.
+    /// @p frame is in points of the content view that contains the button.
     explicit Button(const Rect& frame);
     ~Button() override;
 
-    /// What the button looks like.
+    /// The appearance of a button.
     struct Look {
         BezelStyle bezelStyle = BezelStyle::Rounded;
         ButtonType type = ButtonType::MomentaryLight;
@@ -57,7 +57,7 @@ class Button final : public ActionSender {
     const Look& look() const { return look_; }
     const std::string& title() const { return title_.string(); }
     const AttributedString& attributedTitle() const { return title_; }
-    /// What a screen reader calls the button; its title when nothing else was set.
+    /// Returns the button's name for screen readers. Defaults to the title.
     const std::string& accessibilityLabel() const { return label_.empty() ? title() : label_; }
     std::shared_ptr<ActionTarget> target() const { return target_.lock(); }
     const Selector& action() const { return action_; }
@@ -67,22 +67,23 @@ class Button final : public ActionSender {
     void setBezelStyle(BezelStyle style) { change(look_.bezelStyle, style); }
     void setButtonType(ButtonType type) { change(look_.type, type); }
     void setBordered(bool bordered) { change(look_.bordered, bordered); }
-    /// Null takes the image away.
+    /// Sets the image. Null removes it.
     void setImage(std::shared_ptr<Image> image) { change(look_.image, std::move(image)); }
     void setImagePosition(ImagePosition position) { change(look_.imagePosition, position); }
     void setFocusRingType(FocusRingType type) { change(look_.focusRingType, type); }
-    /// Gives the title new text without attributes.
+    /// Replaces the title by text without attributes.
     void setTitle(std::string title) { change(title_, AttributedString(std::move(title))); }
     void setAttributedTitle(AttributedString title) { change(title_, std::move(title)); }
     void setAccessibilityLabel(std::string label) { change(label_, std::move(label)); }
-    /// Whoever the button tells of clicks; held weakly.
+    /// Sets the receiver of the button's action, which is held weakly.
     void setTarget(std::weak_ptr<ActionTarget> target) { target_ = std::move(target); }
     void setAction(Selector action) { action_ = std::move(action); }
 
-    /// As if clicked: sends the action with the button as its sender.
+    /// Sends the action to the target, as a click does.
     void performClick() { sendAction(action_, target_, *this); }
 
-    /// Who shows the button and wants to hear that it is another: one, or none.
+    /// Sets the handler to call after the frame, title, label or look changes, replacing the
+    /// previous one. For the window that displays the button.
     void setChangeHandler(std::function<void()> handler) { changed_ = std::move(handler); }
 
   private:
@@ -96,7 +97,7 @@ class Button final : public ActionSender {
     Rect frame_;
     std::uint32_t autoresizingMask_ = 0;
     Look look_;
-    AttributedString title_{"Button"}; // as a new button of the platform's has it
+    AttributedString title_{"Button"}; // the platform's default
     std::string label_;
     std::weak_ptr<ActionTarget> target_;
     Selector action_;

@@ -12,27 +12,28 @@ namespace platform {
 class Menu;
 class MenuItem;
 
-/// Who a menu item's action belongs to; asked before each showing whether the item may be chosen.
+/// The object that a menu item's action acts on. Decides whether the item is enabled.
 class MenuTarget : NonCopyable {
   public:
     virtual ~MenuTarget();
 
-    /// Whether @p item can be chosen now. YES unless a class says otherwise.
+    /// Returns whether @p item is enabled. Called each time the item is shown or performed. The
+    /// default is true.
     virtual bool validateMenuItem(const MenuItem& item);
 };
 
-/// A line of a menu. Main thread.
+/// An entry of a menu. Main thread only.
 class MenuItem : NonCopyable {
   public:
     enum class State { Off, On };
     using Action = std::function<void(MenuItem& sender)>;
 
-    /// An item that does @p action. With a target, the item is enabled when the target says so and
-    /// is never performed once the target is gone; without one, it is enabled when it has an
-    /// action. A title without action is shown disabled.
+    /// Creates an item without a target. It is enabled if it has an action.
     explicit MenuItem(std::string title, Action action = {});
+    /// Creates an item that is enabled if it has an action and @p target still exists and validates
+    /// it. The target is held weakly, and kept alive while the action runs.
     MenuItem(std::string title, Action action, std::weak_ptr<MenuTarget> target);
-    /// A line between groups of items.
+    /// Creates a separator line.
     static std::shared_ptr<MenuItem> separatorItem();
     ~MenuItem();
 
@@ -43,15 +44,15 @@ class MenuItem : NonCopyable {
 
     void setTitle(std::string title);
     void setState(State state);
-    /// Makes this an item that opens @p submenu; null takes it away.
+    /// Sets the submenu that the item opens; null removes it. An item with a submenu is enabled.
     void setSubmenu(std::shared_ptr<Menu> submenu);
 
-    /// Whether it can be chosen now; asks the target.
     bool isEnabled() const;
-    /// Does the action when the item is enabled; gives whether it did.
+    /// Calls the action if there is one and the item is enabled. Returns whether it was called.
     bool perform();
 
-    /// Who shows the item and wants to hear that its title or state changed: one, or none.
+    /// Sets the handler to call after the title or state changes, replacing the previous one. For
+    /// the code that displays the item.
     void setChangeHandler(std::function<void()> handler) { changed_ = std::move(handler); }
 
   private:
@@ -67,13 +68,14 @@ class MenuItem : NonCopyable {
     bool separator_ = false;
 };
 
-/// A list of items. Main thread.
+/// A list of menu items. Main thread only.
 class Menu {
   public:
     const std::vector<std::shared_ptr<MenuItem>>& items() const { return items_; }
 
-    /// Appends an item and gives it back. Null raises NSInvalidArgumentException.
+    /// Appends an item and returns it. @throws Exception (NSInvalidArgumentException) for null.
     MenuItem& addItem(std::shared_ptr<MenuItem> item);
+    /// Creates an item with a target, appends it and returns it.
     MenuItem& addItem(std::string title, MenuItem::Action action, std::weak_ptr<MenuTarget> target);
     void addSeparator();
     void removeAllItems() { items_.clear(); }

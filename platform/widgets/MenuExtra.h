@@ -14,34 +14,34 @@ namespace platform {
 
 class MenuExtra;
 
-/// What shows an item in the bar.
+/// The view of an item in the bar. Main thread only.
 class MenuExtraView : public std::enable_shared_from_this<MenuExtraView>, NonCopyable {
   public:
     virtual ~MenuExtraView();
 
-    /// Gives the view itself, or null when it cannot be used.
+    /// Initializes the view. Returns the view itself, or null if it cannot be used.
     virtual std::shared_ptr<MenuExtraView> initWithFrame(const Rect& frame);
 
-    /// In points; the bar places the view, so the origin is the item's own business.
+    /// Returns the frame in points. The bar positions the view and does not use the origin.
     const Rect& frame() const { return frame_; }
     void setFrameSize(Size size);
 
-    /// Asks for the view to be drawn again, at once or with the next changes.
+    /// Schedules a redraw if @p needed is set; otherwise clears the flag.
     virtual void setNeedsDisplay(bool needed);
-    /// Whether it was asked for since the host last drew the view.
+    /// Returns whether a redraw has been requested since the host last drew the view.
     bool needsDisplay() const { return needsDisplay_; }
 
-    /// Draws the view into the current graphics context; @p rect is the whole view. Nothing here.
+    /// Draws the whole view, @p rect, into the current graphics context. Draws nothing by default.
     virtual void drawRect(const Rect& rect);
-    /// Handles a press of any mouse button: opens the item's menu.
+    /// Handles a press of any mouse button. The default opens or closes the item's menu.
     virtual void mouseDown(const Event& event);
-    /// Whether a click counts that arrives while another program is active. NO here.
+    /// Returns whether the view handles clicks while another program is active. Default: false.
     virtual bool acceptsFirstMouse(const Event& event) const;
 
-    /// The item that installed this view, or null.
+    /// Returns the item that uses this view, or null.
     MenuExtra* owner() const { return owner_; }
 
-    /// Called by the host after it has drawn the view: clears needsDisplay.
+    /// Called by the host after it has drawn the view. Clears needsDisplay().
     void didDisplay() { needsDisplay_ = false; }
 
   private:
@@ -52,40 +52,42 @@ class MenuExtraView : public std::enable_shared_from_this<MenuExtraView>, NonCop
     bool needsDisplay_ = false;
 };
 
-/// An item. The host makes it through the bundle's entry point, initialises it with initWithBundle
-/// and holds it until it is unloaded; it tells willUnload before it lets go.
+/// An item in the menu bar. The host creates it through the bundle's entry point, initializes it
+/// with initWithBundle, and calls willUnload before it releases it. Main thread only.
 class MenuExtra : public MenuTarget, public std::enable_shared_from_this<MenuExtra> {
   public:
     ~MenuExtra() override;
 
-    /// Makes the item's first view, as high as the bar. Gives the item itself, or null when there
-    /// is no bundle. What a subclass throws here means that it is not loaded.
+    /// Initializes the item with a plain view as high as the bar. Returns the item itself, or null
+    /// if @p bundle is null. If an override returns null or throws, the item is not loaded.
     virtual std::shared_ptr<MenuExtra> initWithBundle(std::shared_ptr<Bundle> bundle);
-    /// Null before initWithBundle.
+    /// Returns null before initWithBundle.
     const std::shared_ptr<Bundle>& bundle() const { return bundle_; }
 
     const std::shared_ptr<MenuExtraView>& view() const { return view_; }
-    /// Puts another view in place. @throws Exception (NSInvalidArgumentException) for no view, and
-    /// for one that is another item's.
+    /// Replaces the view. @throws Exception (NSInvalidArgumentException) if @p view is null or used
+    /// by another item.
     virtual void setView(std::shared_ptr<MenuExtraView> view);
 
-    /// The room that the item takes in the bar, in points; never negative, not a number is 0.
+    /// Returns the width of the item in the bar, in points.
     float length() const { return length_; }
+    /// Sets the width of the item. A negative or NaN length counts as 0.
     virtual void setLength(float length);
 
-    /// Whether the item's menu is open.
+    /// Returns whether the item's menu is open.
     bool isMenuDown() const { return menuDown_; }
 
-    /// What the item shows and offers; null when there is none.
+    // What the item displays. The defaults return null.
     virtual std::shared_ptr<AttributedString> attributedTitle() const;
     virtual std::shared_ptr<Image> image() const;
     virtual std::shared_ptr<Image> alternateImage() const;
     virtual std::shared_ptr<Menu> menu() const;
 
-    /// Called before the menu is read for opening, and after it has closed.
+    /// Called before the host calls menu() to open it. The default does nothing.
     virtual void menuWillOpen();
+    /// Called after the menu has closed. The default does nothing.
     virtual void menuDidClose();
-    /// Called before the item is taken out of the bar.
+    /// Called before the item is removed from the bar. The default does nothing.
     virtual void willUnload();
 
     /// Called by the host when it opens or closes the item's menu.

@@ -8,21 +8,21 @@
 
 namespace platform {
 
-/// What the bar and an item's bundle have to agree on. The number stands in Info.plist under
-/// kMenuExtraABIKey and at the end of the entry point's name, and grows whenever a class in
-/// MenuExtraHost.h changes its layout or its virtual operations.
+/// The version of the binary interface between the bar and an item's bundle. The bundle states it
+/// in Info.plist under kMenuExtraABIKey and in the name of its entry point. It increases whenever
+/// the layout or the virtual functions of a class that items use change.
 inline constexpr std::int64_t kMenuExtraABI = 2;
 inline constexpr const char* kMenuExtraABIKey = "HalvexMenuExtraABI";
 inline constexpr const char* kMenuExtraEntryPoint = "HalvexMenuExtraEntry_2";
 
-/// Makes an item of the class that the bundle's NSPrincipalClass names, not yet initialised and
-/// the caller's own; null when the bundle has no such class. Main thread.
+/// Creates an item of the class @p principalClass, the bundle's NSPrincipalClass. The item is not
+/// initialized and is owned by the caller. Returns null for an unknown class. Main thread only.
 using MenuExtraEntryPoint = MenuExtra* (*)(const char* principalClass);
 
 } // namespace platform
 
-/// Stands once in a bundle's code and makes Class its principal class.
-// NOLINTBEGIN(bugprone-macro-parentheses): a class is not to be put in parentheses.
+/// Defines a bundle's entry point, with Class as its principal class. Use it once per bundle.
+// NOLINTBEGIN(bugprone-macro-parentheses): a class name cannot be put in parentheses.
 #define HALVEX_MENU_EXTRA(Class)                                                                   \
     extern "C" platform::MenuExtra* HalvexMenuExtraEntry_2(const char* principalClass) {           \
         return std::string_view(principalClass) == #Class ? new Class : nullptr;                   \

@@ -13,11 +13,11 @@
 #include <string>
 #include <vector>
 
-/// Windows of their own beside the bar. Points, origin at the bottom left of the first screen, y
-/// upwards. Main thread.
+/// Floating windows. Coordinates are in points; the origin is at the bottom left of the first
+/// screen and y increases upwards. Main thread only.
 namespace platform {
 
-// What a window has, or-ed; the values are the platform's own.
+// Style masks of a window, combined with |. The values are the platform's own.
 inline constexpr std::uint32_t kTitledWindowMask = 0x1;
 inline constexpr std::uint32_t kClosableWindowMask = 0x2;
 inline constexpr std::uint32_t kMiniaturizableWindowMask = 0x4;
@@ -25,17 +25,18 @@ inline constexpr std::uint32_t kResizableWindowMask = 0x8;
 inline constexpr std::uint32_t kUtilityWindowMask = 0x10;
 inline constexpr std::uint32_t kHUDWindowMask = 0x2000;
 
-/// The height of a titled panel's title bar, which lies above its content.
+/// The height of the title bar above a titled panel's content, in points.
 inline constexpr double kPanelTitleBarHeight = 19.0;
 
+/// The values are the platform's own.
 enum class BackingStore : int { Retained = 0, Nonretained = 1, Buffered = 2 };
 
-/// What lies inside a panel's frame, below the title bar. Origin at the panel's bottom left.
+/// The area of a panel below its title bar. The origin is at the bottom left of the panel.
 class ContentView {
   public:
     Size size() const { return size_; }
     const std::vector<std::shared_ptr<Button>>& buttons() const { return buttons_; }
-    /// Shows a button from now on, at its frame.
+    /// Adds a button, which is displayed at its frame.
     void addButton(std::shared_ptr<Button> button);
 
   private:
@@ -47,21 +48,20 @@ class ContentView {
     PanelWindow* window_ = nullptr;
 };
 
-/// A floating window. Made with std::make_shared, then initialised once.
+/// A floating window. Create it with std::make_shared and initialize it once.
 class Panel : public ActionSender, public std::enable_shared_from_this<Panel> {
   public:
     Panel();
     ~Panel() override;
 
-    /// Makes the window for @p contentRect; the frame is higher by the title bar when @p styleMask
-    /// has one. Gives the panel itself, or null when the desktop makes no window; no other
-    /// operation may be called then. The panel is not shown yet. Whether a panel is kept in a
-    /// buffer and made late (@p backing, @p defer) is up to the desktop.
+    /// Creates the window, without showing it. The frame is @p contentRect plus the title bar if
+    /// @p styleMask has one. The desktop ignores @p backing and @p defer. Returns the panel itself,
+    /// or null if the window could not be created; no other function may be called then.
     virtual std::shared_ptr<Panel> initWithContentRect(const Rect& contentRect,
                                                        std::uint32_t styleMask,
                                                        BackingStore backing, bool defer);
 
-    const Rect& frame() const { return frame_; } ///< with the title bar
+    const Rect& frame() const { return frame_; } ///< including the title bar
     std::uint32_t styleMask() const { return styleMask_; }
     const std::string& title() const { return title_; }
     const PanelLook& look() const { return look_; }
@@ -77,26 +77,31 @@ class Panel : public ActionSender, public std::enable_shared_from_this<Panel> {
     }
     void setShowsResizeIndicator(bool shows) { setLook(look_.showsResizeIndicator, shows); }
 
-    /// Moves and resizes the panel and tells the resize observer of each new size. With @p animate
-    /// that takes about 0.2 s, in which timers, notifications and requests are served.
+    /// Moves and resizes the panel, and calls the resize observer after each change of size. With
+    /// @p animate, takes about 0.2 s and processes timers, notifications and requests meanwhile.
+    /// With @p display, redraws immediately.
     virtual void setFrame(const Rect& frame, bool display, bool animate);
+    /// Redraws the panel immediately.
     virtual void display();
+    /// Shows the panel in front of the others and gives it the keyboard focus.
     void makeKeyAndOrderFront();
-    /// Takes the panel off the screen; it can be shown again.
+    /// Hides the panel. It can be shown again.
     void orderOut();
 
-    /// Whether the panel takes the keyboard. Only untitled and utility panels do not.
+    /// Returns whether the panel accepts the keyboard focus. The default is true for titled panels
+    /// that are not utility panels.
     virtual bool canBecomeKeyWindow() const;
-    /// The user has let go of a mouse button on the background. Nothing here.
+    /// Called when a mouse button is released on the background. The default does nothing.
     virtual void mouseUp(const Event& event);
 
-    /// Told after each change of the frame's size: one, or none.
+    /// Sets the function to call after the size has changed, replacing the previous one.
     void setResizeObserver(std::function<void()> observer) { resized_ = std::move(observer); }
-    /// Told when the user has closed the panel: one, or none.
+    /// Sets the function to call after the user has closed the panel, replacing the previous one.
     void setCloseObserver(std::function<void()> observer) { closed_ = std::move(observer); }
 
-    // What the window calls: the user, or setFrame, has changed the frame; the user has closed it.
+    /// Called by the window after the user or setFrame has changed the frame.
     void frameDidChange(const Rect& frame);
+    /// Called by the window after the user has closed it.
     void didClose();
 
   private:
