@@ -3,8 +3,8 @@
 #include <fstream>
 #include <string>
 
-/// Of this process, in KiB. What getrusage gives begins with the peak of the program that started
-/// this one.
+/// Returns the peak memory of this process in KiB, or 0 if it is unknown. Unlike that of getrusage,
+/// the figure does not include the peak of the parent process before exec.
 inline long peakMemory() {
     std::ifstream status("/proc/self/status");
     for (std::string line; std::getline(status, line);)

@@ -7,7 +7,6 @@
 
 #include <algorithm>
 #include <filesystem>
-#include <functional>
 #include <map>
 #include <mutex>
 #include <system_error>
@@ -17,51 +16,38 @@
 namespace platform {
 namespace {
 
-struct LoadedBundles {
+struct Registry {
     std::mutex mutex;
-    std::vector<std::shared_ptr<Bundle>> bundles; ///< in the order of loading
+    std::vector<std::shared_ptr<Bundle>> loaded;             ///< see setCode, in order of loading
+    std::map<std::string, std::shared_ptr<Bundle>> lastRead; ///< by path
 
-    std::shared_ptr<Bundle> find(const std::string& path) {
+    template <class Predicate>
+    std::shared_ptr<Bundle> findLoaded(Predicate matches) {
         const std::lock_guard lock(mutex);
-        const auto found = std::ranges::find(bundles, path, &Bundle::bundlePath);
-        return found == bundles.end() ? nullptr : *found;
+        const auto found = std::ranges::find_if(loaded, matches);
+        return found == loaded.end() ? nullptr : *found;
+    }
+    std::shared_ptr<Bundle> findLastRead(const std::string& path) {
+        const std::lock_guard lock(mutex);
+        const auto found = lastRead.find(path);
+        return found == lastRead.end() ? nullptr : found->second;
     }
 };
 
-/// What was last opened at each path.
-struct OpenedBundles {
-    std::mutex mutex;
-    std::map<std::string, std::shared_ptr<Bundle>, std::less<>> bundles;
-
-    void remember(const std::string& path, const std::shared_ptr<Bundle>& bundle) {
-        const std::lock_guard lock(mutex);
-        bundles.insert_or_assign(path, bundle);
-    }
-    std::shared_ptr<Bundle> find(const std::string& path) {
-        const std::lock_guard lock(mutex);
-        const auto found = bundles.find(path);
-        return found == bundles.end() ? nullptr : found->second;
-    }
-};
-
-// Never destroyed: a thread that outlives main may still ask.
-OpenedBundles& openedBundles() {
-    static auto* const opened = new OpenedBundles;
-    return *opened;
+// Never destroyed, because threads that outlive main may still use it.
+Registry& registry() {
+    static auto* const instance = new Registry;
+    return *instance;
 }
 
-LoadedBundles& loadedBundles() {
-    static auto* const loaded = new LoadedBundles;
-    return *loaded;
-}
-
-constexpr std::uintmax_t kLargestRemembered = 1 << 20; // bytes of an Info.plist
+/// Bundles with a larger Info.plist, in bytes, are not kept in the registry.
+constexpr std::uintmax_t kLargestKeptInfo = 1 << 20;
 
 std::string contents(const std::string& bundle, std::string_view relative) {
     return appendingPathComponent(bundle, "Contents/" + std::string(relative));
 }
 
-/// "lib/libName.so.1" → "Name"; empty for what is not named like a library.
+/// Returns "Name" for "libName.so.1", and an empty string if the file is not named like a library.
 std::string libraryName(const std::string& file) {
     const auto end = file.find(".so");
     if (!file.starts_with("lib") || end == std::string::npos)
@@ -81,7 +67,8 @@ std::string bundlePathForCode(const std::string& file) {
 
 std::shared_ptr<Bundle> bundleForCode(const std::string& file) {
     const std::string path = bundlePathForCode(file);
-    if (auto bundle = loadedBundles().find(path))
+    const auto hasPath = [&](const auto& bundle) { return bundle->bundlePath() == path; };
+    if (auto bundle = registry().findLoaded(hasPath))
         return bundle;
     if (auto bundle = Bundle::bundleWithPath(path))
         return bundle;
@@ -91,7 +78,7 @@ std::shared_ptr<Bundle> bundleForCode(const std::string& file) {
 } // namespace
 
 std::shared_ptr<Bundle> Bundle::bundleForClass(const std::type_info& type) {
-    // The type itself may have been copied into the program that names it; its name was not.
+    // The type_info object may have been copied into the program by the linker, but not its name.
     return bundleForCode(dynamicLoader().fileOfAddress(type.name()));
 }
 
@@ -107,7 +94,7 @@ std::shared_ptr<Bundle> Bundle::bundleWithPath(const std::string& path, std::str
     if (!isDirectory) {
         if (reason)
             *reason = "there is no such folder";
-        return exists ? nullptr : openedBundles().find(key);
+        return exists ? nullptr : registry().findLastRead(key);
     }
     std::optional<PropertyList::Dictionary> info;
     const std::string file = contents(path, "Info.plist");
@@ -115,30 +102,27 @@ std::shared_ptr<Bundle> Bundle::bundleWithPath(const std::string& path, std::str
     if (PropertyList::Dictionary* dictionary = result ? result.value->dictionary() : nullptr)
         info = std::move(*dictionary);
     else if (reason)
-        *reason = "Info.plist: " + (result ? "no dictionary" : result.error.text());
+        *reason = "Info.plist: " + (result ? "not a dictionary" : result.error.text());
     auto bundle = std::make_shared<Bundle>(path, std::move(info));
     std::error_code missing;
     const std::uintmax_t size = std::filesystem::file_size(file, missing);
-    if (missing || size <= kLargestRemembered)
-        openedBundles().remember(key, bundle);
+    if (missing || size <= kLargestKeptInfo) {
+        const std::lock_guard lock(registry().mutex);
+        registry().lastRead.insert_or_assign(key, bundle);
+    }
     return bundle;
 }
 
 std::shared_ptr<Bundle> Bundle::bundleWithIdentifier(std::string_view identifier) {
-    LoadedBundles& loaded = loadedBundles();
-    const std::lock_guard lock(loaded.mutex);
-    const auto found = std::ranges::find_if(loaded.bundles, [&](const auto& bundle) {
-        return bundle->bundleIdentifier() == identifier;
-    });
-    return found == loaded.bundles.end() ? nullptr : *found;
+    return registry().findLoaded(
+        [&](const auto& bundle) { return bundle->bundleIdentifier() == identifier; });
 }
 
 void Bundle::setCode(const std::shared_ptr<Bundle>& bundle, Code code) {
-    LoadedBundles& loaded = loadedBundles();
-    const std::lock_guard lock(loaded.mutex);
-    std::erase(loaded.bundles, bundle);
+    const std::lock_guard lock(registry().mutex);
+    std::erase(registry().loaded, bundle);
     if (code == Code::Loaded)
-        loaded.bundles.push_back(bundle);
+        registry().loaded.push_back(bundle);
 }
 
 Bundle::Bundle(std::string path, std::optional<PropertyList::Dictionary> infoDictionary)

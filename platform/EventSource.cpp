@@ -1,5 +1,4 @@
 #include "platform/EventSource.h"
-#include "platform/values/Event.h"
 
 #include "platform/base/ServiceSlot.h"
 

@@ -13,7 +13,8 @@ constinit ServiceSlot<FileManager> slot{"FileManager", defaults::fileManager};
 
 constexpr std::size_t kPieceBytes = std::size_t{1} << 16;
 
-/// Whether the folder could be read.
+/// Appends the paths below @p folder/@p relative, relative to @p folder. Returns whether the folder
+/// could be read.
 bool appendSubpaths(const FileManager& files, const std::string& folder,
                     const std::string& relative, std::vector<std::string>& result) {
     const auto names = files.contentsOfDirectory(appendingPathComponent(folder, relative));
@@ -23,8 +24,7 @@ bool appendSubpaths(const FileManager& files, const std::string& folder,
         const std::string below = appendingPathComponent(relative, name);
         const std::string path = appendingPathComponent(folder, below);
         result.push_back(below);
-        bool isDirectory = false;
-        if (files.fileExists(path, &isDirectory) && isDirectory && !files.isSymbolicLink(path))
+        if (files.isDirectory(path) && !files.isSymbolicLink(path))
             appendSubpaths(files, folder, below, result);
     }
     return true;
@@ -50,14 +50,14 @@ ReadFileResult FileManager::readFile(const std::string& path, std::uint64_t maxi
     if (size > maximumBytes)
         return {std::nullopt, tooLarge};
 
-    // A file may grow while it is read, and some have no size at all.
+    // The file may grow while it is read, and some files report a size of 0.
     std::string contents;
     std::size_t length = 0;
     for (auto room = static_cast<std::size_t>(size) + 1;; room = length + kPieceBytes) {
         contents.resize(std::max(room, length + 1));
         const auto count = opened.file->read(contents.data() + length, contents.size() - length);
         if (!count)
-            return {std::nullopt, "The file could not be read to its end."};
+            return {std::nullopt, "The file could not be read completely."};
         length += *count;
         if (length > maximumBytes)
             return {std::nullopt, tooLarge};

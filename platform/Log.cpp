@@ -13,10 +13,10 @@ namespace {
 constinit ServiceSlot<Log> slot{"Log", defaults::log};
 
 struct Placeholder {
-    char conversion = 0; // '@', 'd', 'x' or '%'; 0 when this is none
+    char conversion = 0; // '@', 'd', 'x' or '%'; 0 if this is not a placeholder
     char fill = ' ';
     std::size_t width = 0;
-    std::size_t length = 0; // of its own text, the "%" included
+    std::size_t length = 0; // of the placeholder itself, including the "%"
 };
 
 Placeholder parsePlaceholder(std::string_view text) {

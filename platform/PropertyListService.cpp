@@ -37,7 +37,7 @@ PropertyListResult PropertyListService::read(const std::string& path) const {
     if (opened.file->size() > kMaximumFileBytes)
         return {std::nullopt, {0, 0, tooLarge}};
 
-    // A file may grow while it is read, and some have no size at all.
+    // The file may grow while it is read, and some files report a size of 0.
     std::uint64_t left = kMaximumFileBytes;
     bool grewTooLarge = false;
     bool failed = false;
@@ -52,7 +52,7 @@ PropertyListResult PropertyListService::read(const std::string& path) const {
     };
     PropertyListResult result = parse(source);
     if (failed || grewTooLarge)
-        return {std::nullopt, {0, 0, failed ? "The file could not be read to its end." : tooLarge}};
+        return {std::nullopt, {0, 0, failed ? "The file could not be read completely." : tooLarge}};
     return result;
 }
 

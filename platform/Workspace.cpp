@@ -22,7 +22,7 @@ Workspace* exchangeService<Workspace>(Workspace* service) {
 }
 
 void announceLaunch(const std::string& applicationName) {
-    // What hxNSApplicationName holds: services know nothing of the product's identifiers.
+    // The value of hxNSApplicationName, which this layer must not depend on.
     const Notification notification{.name = kDidLaunchApplication,
                                     .object = std::nullopt,
                                     .userInfo = {{"NSApplicationName", applicationName}}};

@@ -1,4 +1,4 @@
-/* The same as ours.cpp, with libplist: propertylist_libplist read|write FILE. */
+/* The counterpart of ours.cpp for libplist: propertylist_libplist read|write FILE. */
 
 #include <plist/plist.h>
 

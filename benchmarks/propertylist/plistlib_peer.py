@@ -1,4 +1,4 @@
-"""The same as ours.cpp, with Python's plistlib: plistlib_peer.py read|write FILE."""
+"""The counterpart of ours.cpp for Python's plistlib: plistlib_peer.py read|write FILE."""
 
 import os
 import plistlib

@@ -27,7 +27,7 @@ bool isPlainInURL(char c) {
            kMarks.find(c) != std::string_view::npos;
 }
 
-/// Nothing when a percent sign is not followed by two hexadecimal digits, or by two zeros.
+/// Returns std::nullopt for malformed percent-encoding and for an encoded null byte.
 std::optional<std::string> percentDecoded(std::string_view text) {
     std::string result;
     while (!text.empty()) {

@@ -40,7 +40,8 @@ bool skip(std::string_view& text, char expected) {
     return true;
 }
 
-/// Takes a run of digits, at least and at most so many, off the front.
+/// Removes all leading digits from @p text and returns their value. Returns std::nullopt if there
+/// are fewer than @p least or more than @p most of them.
 std::optional<std::int64_t> takeDigits(std::string_view& text, std::size_t least,
                                        std::size_t most) {
     const auto count = std::min(text.find_first_not_of("0123456789"), text.size());
@@ -52,7 +53,7 @@ std::optional<std::int64_t> takeDigits(std::string_view& text, std::size_t least
     return number;
 }
 
-// Days since 1970 and back, in eras of 400 years that begin with 1 March.
+// Conversion between dates and days since 1970. Eras have 400 years, which begin on March 1.
 
 constexpr std::int64_t kDaysPerEra = 146'097;
 constexpr std::int64_t kDaysFromEraTo1970 = 719'468;
@@ -156,7 +157,7 @@ std::optional<PropertyList> parseDate(std::string_view text) {
     const auto [month, day, hour, minute, second] = values;
     const CivilDate date{negative ? -*year : *year, month, day};
     const std::int64_t days = daysFromCivil(date);
-    if (text != "Z" || civilFromDays(days) != date) // 30 February comes back as 1 or 2 March
+    if (text != "Z" || civilFromDays(days) != date) // February 30 converts back to March 1 or 2
         return std::nullopt;
     return PropertyList(
         PropertyList::Date{days * kSecondsPerDay + (hour * 60 + minute) * 60 + second});

@@ -16,7 +16,7 @@ namespace platform::expat {
 namespace {
 
 constexpr std::size_t kPieceBytes = std::size_t{1} << 16;
-/// Expat reads an unfinished tag again from its start with each further piece.
+/// Limits the cost of long tags: Expat parses an incomplete tag again with each further piece.
 constexpr std::size_t kLongestToken = std::size_t{1} << 20;
 
 enum class Element {
@@ -37,7 +37,7 @@ struct ElementName {
     const char* name;
     Element element;
 };
-/// The frequent ones first.
+/// Sorted by frequency.
 constexpr std::array<ElementName, 11> kElements{{{"string", Element::String},
                                                  {"key", Element::Key},
                                                  {"array", Element::Array},
@@ -79,11 +79,11 @@ bool isSpace(std::string_view text) {
     });
 }
 
-/// Looks for halves of surrogate pairs: Expat takes any character after the first half for the
-/// second. Costs nothing but in UTF-16.
+/// Detects unpaired surrogates in UTF-16. Expat does not: it accepts any character as the second
+/// half of a pair. Ignores other encodings.
 class SurrogateCheck {
   public:
-    /// Whether @p bytes, which continue those before, are fine so far.
+    /// Checks the next bytes. Returns false for an unpaired surrogate.
     bool accept(std::string_view bytes) {
         for (const char character : bytes) {
             if (order_ == Order::None)
@@ -124,7 +124,8 @@ class Reader {
     PropertyListResult run(const PropertyListService::ByteSource& source);
 
   private:
-    /// An element that has begun; what it holds so far lies on the stacks from these places on.
+    /// An element whose end tag has not been read. The values and keys that it contains are on the
+    /// stacks from these indices on.
     struct Open {
         Element element;
         std::size_t firstValue;
@@ -134,7 +135,7 @@ class Reader {
         void operator()(XML_Parser parser) const { XML_ParserFree(parser); }
     };
 
-    /// Calls a member from Expat, which cannot be thrown through.
+    /// Calls a member function from Expat, which does not support exceptions.
     template <auto Member, class... Arguments>
     static void call(void* reader, Arguments... arguments) noexcept;
 
@@ -181,7 +182,7 @@ Reader::Reader() : parser_(XML_ParserCreate(nullptr)) {
                               call<&Reader::attributeDeclaration, const XML_Char*, const XML_Char*,
                                    const XML_Char*, const XML_Char*, int>);
     XML_SetSkippedEntityHandler(parser_.get(), call<&Reader::skippedEntity, const XML_Char*, int>);
-    // None is ever declared, so this only makes Expat report references to them.
+    // Declarations are rejected, so this only makes Expat report references to parameter entities.
     XML_SetParamEntityParsing(parser_.get(), XML_PARAM_ENTITY_PARSING_ALWAYS);
 }
 
@@ -205,12 +206,12 @@ PropertyListResult Reader::run(const PropertyListService::ByteSource& source) {
             throw std::bad_alloc();
         const auto count = source(static_cast<char*>(buffer), size);
         if (!count) {
-            fail("The bytes could not be read to their end");
+            fail("The bytes could not be read completely");
             return result();
         }
         fed_ += *count;
         if (!surrogates_.accept({static_cast<const char*>(buffer), *count})) {
-            fail("Half of a surrogate pair");
+            fail("Unpaired surrogate");
             return result();
         }
         const auto status =
@@ -218,7 +219,7 @@ PropertyListResult Reader::run(const PropertyListService::ByteSource& source) {
         if (status != XML_STATUS_OK && !failed_)
             fail(XML_ErrorString(XML_GetErrorCode(parser_.get())));
         if (!failed_ && unfinishedBytes() > kLongestToken)
-            fail("A tag or comment of more than " + std::to_string(kLongestToken) + " bytes");
+            fail("A tag or comment has more than " + std::to_string(kLongestToken) + " bytes");
         if (failed_ || *count == 0)
             return result();
     }
@@ -356,13 +357,13 @@ void Reader::endPlist(const Open& open) {
 
 void Reader::entityDeclaration(const XML_Char* name, int, const XML_Char*, int, const XML_Char*,
                                const XML_Char*, const XML_Char*, const XML_Char*) {
-    fail("Entity declarations are not taken: " + shown(name));
+    fail("Entity declarations are not supported: " + shown(name));
 }
 
-/// Expat goes through an element's declared attributes each time that the element comes.
+/// Rejected because Expat processes all declared attributes of an element at each occurrence.
 void Reader::attributeDeclaration(const XML_Char* element, const XML_Char*, const XML_Char*,
                                   const XML_Char*, int) {
-    fail("Attribute declarations are not taken: " + quoted(element));
+    fail("Attribute declarations are not supported: " + quoted(element));
 }
 
 void Reader::skippedEntity(const XML_Char* name, int) {

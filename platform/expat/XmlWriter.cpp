@@ -23,7 +23,8 @@ constexpr std::string_view kTabs(kTabsForAnyDepth.data(), kTabsForAnyDepth.size(
 
 enum class ByteClass : std::uint8_t { Plain, Escaped, Multibyte, Refused };
 
-/// A carriage return would be read as a line feed, "]]>" is no text, so both are escaped.
+/// Carriage returns are escaped because parsers convert them to line feeds, and ">" because "]]>"
+/// is not allowed in text.
 constexpr auto kByteClasses = [] {
     std::array<ByteClass, 256> classes{};
     for (std::size_t byte = 0; byte < 0x20; ++byte)
@@ -56,8 +57,8 @@ std::string_view escaped(char character) {
     }
 }
 
-/// The length of the well-formed UTF-8 sequence at the start of @p text, when XML takes its
-/// character; else 0.
+/// Returns the length of the UTF-8 sequence at the start of @p text, or 0 if it is malformed or its
+/// character is not allowed in XML.
 std::size_t sequenceLength(std::string_view text) {
     const auto byte = [text](std::size_t i) -> std::uint32_t {
         return i < text.size() ? static_cast<unsigned char>(text[i]) : 0U;
@@ -78,7 +79,8 @@ std::size_t sequenceLength(std::string_view text) {
     return character < kLeast[length] || surrogate || noCharacter ? 0 : length;
 }
 
-/// Gathers small pieces in a block that stays in the processor's cache.
+/// Collects small pieces in a block that stays in the processor's cache. Appending each piece to a
+/// string takes twice as long.
 class Output {
   public:
     explicit Output(std::size_t expectedSize) {
@@ -92,7 +94,8 @@ class Output {
         std::memcpy(block_.data() + used_, piece.data(), piece.size());
         used_ += piece.size();
     }
-    /// The most frequent line in one go; false when it does not fit into what is left of the block.
+    /// Appends an indented line, which is faster than its parts. Returns false, and appends
+    /// nothing, if the line is indented too deeply or does not fit into the block.
     bool appendLine(std::size_t depth, std::string_view start, std::string_view text,
                     std::string_view end) {
         const std::size_t size = depth - 1 + start.size() + text.size() + end.size();
@@ -118,7 +121,7 @@ class Output {
         used_ = 0;
     }
 
-    /// So many tabs are copied faster than fewer are counted.
+    /// Copying this constant number of tabs is faster than copying only as many as needed.
     static constexpr std::size_t kQuickDepth = 8;
 
     std::string text_;
@@ -279,7 +282,7 @@ bool Writer::dictionary(const PropertyList::Dictionary& dictionary, std::size_t 
     return true;
 }
 
-// How much room is taken beforehand: what most lists need, when few characters are escaped.
+// Estimates of the output's size, assuming that few characters need escaping.
 
 constexpr std::size_t kTagBytes = std::string_view("<string></string>\n").size();
 

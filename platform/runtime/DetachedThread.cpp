@@ -15,7 +15,7 @@ void detachThread(std::function<void()> work) {
             runGuarded(owner, work);
         }).detach();
     } catch (const std::system_error& error) {
-        logLine("no thread can be started: %@", error.what());
+        logLine("starting a thread failed: %@", error.what());
     }
 }
 

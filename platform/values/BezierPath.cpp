@@ -5,7 +5,7 @@
 namespace platform {
 namespace {
 
-/// Lines that turn by less than this, in radians, count as one line.
+/// Two lines at a smaller angle than this, in radians, count as one straight line.
 constexpr double kSmallestTurn = 1e-9;
 
 Point along(Point start, Point direction, double distance) {
@@ -31,8 +31,9 @@ std::optional<CornerArc> cornerArc(Point from, Point corner, Point to, double ra
         return std::nullopt;
 
     const double angle = std::abs(std::atan2(cross, back->x * onward->x + back->y * onward->y));
-    const double distance = radius / std::tan(angle / 2); // from the corner to both touching points
-    // The controls of a circle's arc lie on its tangents, which both lead through the corner.
+    const double distance =
+        radius / std::tan(angle / 2); // from the corner to both points of contact
+    // The control points of the arc lie on its tangents at both ends, which meet in the corner.
     const double sweep = std::acos(-1.0) - angle;
     const double control = distance - radius * 4 / 3 * std::tan(sweep / 4);
     return CornerArc{along(corner, *back, distance), along(corner, *back, control),

@@ -3,13 +3,13 @@
 namespace platform {
 namespace {
 
-/// A stretch along one axis.
+/// An interval on one axis.
 struct Span {
     double start;
     double length;
 };
 
-/// What of the three, margin below, length, margin above, is flexible shares @p change.
+/// Distributes @p change equally among the flexible ones of: margin below, length, margin above.
 Span resized(Span span, double change, bool low, bool middle, bool high) {
     const int flexible = int{low} + int{middle} + int{high};
     if (flexible == 0)

@@ -61,7 +61,7 @@ bool MenuItem::isEnabled() const {
 bool MenuItem::perform() {
     if (!action_ || !isEnabled())
         return false;
-    // The target lives as long as its action runs, and the action as long as it runs itself.
+    // Keeps the target and the action alive while the action runs.
     const auto target = target_.lock();
     const Action action = action_;
     action(*this);
@@ -75,7 +75,7 @@ void MenuItem::tellChange() const {
 
 MenuItem& Menu::addItem(std::shared_ptr<MenuItem> item) {
     if (!item)
-        throw Exception(kInvalidArgumentException, "a menu needs an item");
+        throw Exception(kInvalidArgumentException, "a menu item must not be null");
     items_.push_back(std::move(item));
     return *items_.back();
 }

@@ -1,6 +1,4 @@
 #include "platform/widgets/MenuExtra.h"
-#include "platform/MenuExtraServer.h"
-#include "platform/widgets/MenuExtra.h"
 
 #include "platform/MenuExtraHost.h"
 #include "platform/base/Exception.h"
@@ -8,6 +6,7 @@
 #include <utility>
 
 namespace platform {
+
 MenuExtraView::~MenuExtraView() = default;
 
 std::shared_ptr<MenuExtraView> MenuExtraView::initWithFrame(const Rect& frame) {
@@ -52,9 +51,9 @@ std::shared_ptr<MenuExtra> MenuExtra::initWithBundle(std::shared_ptr<Bundle> bun
 
 void MenuExtra::setView(std::shared_ptr<MenuExtraView> view) {
     if (!view)
-        throw Exception(kInvalidArgumentException, "an item needs a view");
+        throw Exception(kInvalidArgumentException, "the view of an item must not be null");
     if (view->owner_ && view->owner_ != this)
-        throw Exception(kInvalidArgumentException, "the view is another item's");
+        throw Exception(kInvalidArgumentException, "the view belongs to another item");
     if (view_)
         view_->owner_ = nullptr;
     view_ = std::move(view);

@@ -54,7 +54,7 @@ TEST(PaneVerbs, RefuseWhatIsNoPaneAndKeepTheOlderCopy) {
     ctl.follow({
         {"halvexctl pane install first >/dev/null && ln -s \"$place\" link", ""},
         {"halvexctl pane install missing", "", 1, "/missing: there is no such folder\n"},
-        {"halvexctl pane install broken", "", 1, "/broken: Info.plist: no dictionary\n"},
+        {"halvexctl pane install broken", "", 1, "/broken: Info.plist: not a dictionary\n"},
         {"halvexctl pane install other", "", 1, "/other: this bundle is not com.quorvanesoftware."},
         {"halvexctl pane install link", "", 1, "/link: this is the installed pane itself\n"},
         {"diff -r first \"$place\" && ls -A $panes", "Halvex Pro.prefPane\n"},

@@ -18,13 +18,13 @@ void require(bool condition, const char* what) {
 
 } // namespace
 
-// The lists come from memory, so the real one need not be linked.
+// Not used, because the fuzzer reads lists from memory.
 platform::FileManager& platform::fileManager() {
     std::abort();
 }
 
-// Any bytes: a fault with a place and a reason, or a value that is written and read back as it was,
-// however the bytes are cut.
+// Parsing any bytes, in pieces of any size, results either in an error with a line and a reason or
+// in a value that can be written and read back unchanged.
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     static const bool installed = (platform::expat::install(), true);
     const auto& lists = platform::propertyLists();
@@ -36,15 +36,17 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         bytes.remove_prefix(count);
         return std::optional(count);
     });
-    require(installed && bool(whole) == bool(inPieces), "the pieces decide");
+    require(installed && bool(whole) == bool(inPieces),
+            "the result depends on the size of the pieces");
     if (!whole) {
-        require(whole.error.line > 0 && !whole.error.reason.empty(), "a fault without a place");
+        require(whole.error.line > 0 && !whole.error.reason.empty(),
+                "an error has no line or no reason");
         return 0;
     }
-    require(*whole.value == *inPieces.value, "the pieces change the value");
+    require(*whole.value == *inPieces.value, "the value depends on the size of the pieces");
     const auto written = lists.serialize(*whole.value);
-    require(written.has_value(), "what was read cannot be written");
+    require(written.has_value(), "the value cannot be written");
     const auto again = lists.parse(*written);
-    require(again && *again.value == *whole.value, "what was written reads differently");
+    require(again && *again.value == *whole.value, "the written value reads back differently");
     return 0;
 }

@@ -23,14 +23,14 @@ class BundleFolder : public testing::Test {
     std::string path = folder.file("Test.menu");
 };
 
-TEST_F(BundleFolder, NeverLeadsToCodeOutsideOfItself) {
+TEST_F(BundleFolder, HasNoExecutablePathOutsideOfItsCodeFolder) {
     for (const char* name : {"", ".", "..", "../../../bin/sh", "/bin/sh", "a/b"}) {
         folder.write("Test.menu/Contents/Info.plist", infoPlist(name));
         EXPECT_EQ(Bundle::bundleWithPath(path)->executablePath(), std::nullopt) << name;
     }
 }
 
-TEST_F(BundleFolder, IsAsItIsOnTheDiskAndAsItWasOnceItIsGone) {
+TEST_F(BundleFolder, IsReadAgainEachTimeAndAvailableAfterItsRemoval) {
     EXPECT_EQ(Bundle::bundleWithPath(path), nullptr);
     for (const char* executable : {"One", "Two", "Six"}) {
         folder.write("Test.menu/Contents/Info.plist", infoPlist(executable));
@@ -38,20 +38,21 @@ TEST_F(BundleFolder, IsAsItIsOnTheDiskAndAsItWasOnceItIsGone) {
                   path + "/Contents/Linux/" + executable);
     }
     std::filesystem::remove_all(path);
-    for (const std::string& spelled : {path, path + "/"}) {
-        const auto gone = Bundle::bundleWithPath(spelled);
-        ASSERT_TRUE(gone);
-        EXPECT_EQ(gone->executablePath(), path + "/Contents/Linux/Six");
-        EXPECT_THAT(gone->executableArchitectures(), testing::IsEmpty());
+    for (const std::string& spelling : {path, path + "/"}) {
+        const auto removed = Bundle::bundleWithPath(spelling);
+        ASSERT_TRUE(removed);
+        EXPECT_EQ(removed->executablePath(), path + "/Contents/Linux/Six");
+        EXPECT_THAT(removed->executableArchitectures(), testing::IsEmpty());
     }
     folder.write("Test.menu/x", "");
-    EXPECT_EQ(Bundle::bundleWithPath(path)->infoDictionary(), nullptr) << "another one is there";
+    EXPECT_EQ(Bundle::bundleWithPath(path)->infoDictionary(), nullptr)
+        << "the path is a different bundle now";
     std::filesystem::remove_all(path);
     folder.write("Test.menu", "a file");
     EXPECT_EQ(Bundle::bundleWithPath(path), nullptr);
 }
 
-TEST(LoadedBundles, AreFoundByTheirIdentifierUntilTheirCodeGoes) {
+TEST(LoadedBundles, AreFoundByIdentifierUntilTheirCodeIsUnloaded) {
     const auto make = [](const char* identifier) {
         return std::make_shared<Bundle>(
             "/Test", platform::PropertyList::Dictionary{{"CFBundleIdentifier", identifier}});

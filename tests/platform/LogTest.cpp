@@ -21,14 +21,14 @@ TEST(LogLine, FillsPlaceholdersInOrder) {
         std::initializer_list<LogArgument> arguments;
         const char* line;
     };
-    const std::optional<std::string> nothing;
+    const std::optional<std::string> none;
     const Case cases[] = {
         {"%@ and %@", {"one", std::string_view("two")}, "one and two"},
-        {"%@ %@", {nothing, nullptr}, "(null) (null)"},
+        {"%@ %@", {none, nullptr}, "(null) (null)"},
         {"%d %d", {-5, 18446744073709551615U}, "-5 18446744073709551615"},
         {"%x %08x %016x", {255, 0xA0000U, -1}, "ff 000a0000 00000000ffffffff"},
         {"%4d|%2d", {7, 1234}, "   7|1234"},
-        {"100%% %@", {"%d"}, "100% %d"}, // an argument is no format
+        {"100%% %@", {"%d"}, "100% %d"}, // arguments are not parsed for placeholders
         {"%@ %@", {"one"}, "one %@"},
         {"%q %0z %12", {"x"}, "%q %0z %12"},
     };
@@ -36,7 +36,7 @@ TEST(LogLine, FillsPlaceholdersInOrder) {
         EXPECT_EQ(formatLogLine(c.format, c.arguments), c.line) << c.format;
 }
 
-TEST(Guard, CatchesWhateverIsThrownAndKnowsWhoseCodeItWas) {
+TEST(Guard, LogsEveryExceptionWithTheOwnerOfTheCode) {
     test::RecordingLog log;
     EXPECT_TRUE(runGuarded("outer", [] {
         EXPECT_FALSE(runGuarded("a", [] { throw platform::Exception("Name", "reason"); }));

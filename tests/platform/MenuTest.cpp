@@ -12,7 +12,7 @@ class Target final : public MenuTarget {
     bool validateMenuItem(const MenuItem&) override { return allows; }
 };
 
-TEST(MenuItem, CanBeChosenWhenThereIsSomethingToDoAndTheTargetAllowsIt) {
+TEST(MenuItem, IsEnabledIfItHasASubmenuOrAnActionThatItsTargetAllows) {
     int done = 0;
     const auto action = [&](MenuItem&) { ++done; };
     auto target = std::make_shared<Target>();
@@ -21,27 +21,27 @@ TEST(MenuItem, CanBeChosenWhenThereIsSomethingToDoAndTheTargetAllowsIt) {
     withSubmenu.setSubmenu(std::make_shared<Menu>());
 
     EXPECT_TRUE(withSubmenu.isEnabled());
-    EXPECT_FALSE(withSubmenu.perform()) << "opening is not performing";
+    EXPECT_FALSE(withSubmenu.perform()) << "a submenu is not an action";
 
     for (const bool allows : {true, false}) {
         target->allows = allows;
         EXPECT_EQ(withTarget.perform(), allows);
     }
     target.reset();
-    EXPECT_FALSE(withTarget.perform()) << "a target that is gone is never called";
+    EXPECT_FALSE(withTarget.perform()) << "the target has been destroyed";
     EXPECT_EQ(done, 1);
 }
 
-TEST(MenuItem, LivesThroughAnActionThatDropsItsTargetAndItsMenu) {
+TEST(MenuItem, SurvivesAnActionThatReleasesItsTargetAndItsMenu) {
     auto target = std::make_shared<Target>();
     auto menu = std::make_unique<Menu>();
     const std::weak_ptr<Target> watched = target;
-    const auto drop = [&](MenuItem&) {
+    const auto release = [&](MenuItem&) {
         target.reset();
         EXPECT_FALSE(watched.expired());
         menu.reset();
     };
-    menu->addItem("x", drop, target);
+    menu->addItem("x", release, target);
     EXPECT_TRUE(menu->items().front()->perform());
     EXPECT_TRUE(watched.expired());
 }

@@ -17,50 +17,50 @@ Notification named(const std::string& name) {
 
 class Notifications : public testing::Test {
   protected:
-    NotificationCenter::Handler writing(const std::string& line) {
-        return [this, line](const Notification&) { heard.push_back(line); };
+    NotificationCenter::Handler recording(const std::string& line) {
+        return [this, line](const Notification&) { calls.push_back(line); };
     }
     std::vector<std::string> post(const std::string& name) {
         center.post(named(name));
-        return std::exchange(heard, {});
+        return std::exchange(calls, {});
     }
 
     platform::LocalNotificationCenter center;
-    std::vector<std::string> heard;
+    std::vector<std::string> calls;
     std::shared_ptr<int> first = std::make_shared<int>();
     std::shared_ptr<int> second = std::make_shared<int>();
 };
 
-TEST_F(Notifications, GoToThoseWhoObserveTheNameInTheirOrder) {
-    center.addObserver(first, "a", writing("first a"));
-    center.addObserver(second, "a", writing("second a"));
-    center.addObserver(first, "b", writing("first b"));
+TEST_F(Notifications, CallTheObserversOfTheirNameInTheOrderTheyWereAdded) {
+    center.addObserver(first, "a", recording("first a"));
+    center.addObserver(second, "a", recording("second a"));
+    center.addObserver(first, "b", recording("first b"));
     EXPECT_THAT(post("a"), ElementsAre("first a", "second a"));
     EXPECT_THAT(post("b"), ElementsAre("first b"));
     EXPECT_THAT(post("c"), ElementsAre());
-    center.addObserver(first, "a", writing("again"));
+    center.addObserver(first, "a", recording("again"));
     EXPECT_THAT(post("a"), ElementsAre("again", "second a"));
     center.removeObserver(first, "a");
     EXPECT_THAT(post("a"), ElementsAre("second a"));
     EXPECT_THAT(post("b"), ElementsAre("first b"));
 }
 
-TEST_F(Notifications, SpareObserversThatGoOrAreTakenOutMeanwhile) {
+TEST_F(Notifications, SkipObserversThatAnEarlierHandlerDestroysOrRemoves) {
     const auto third = std::make_shared<int>();
     center.addObserver(first, "a", [&](const Notification&) {
-        heard.emplace_back("first");
+        calls.emplace_back("first");
         second.reset();
         center.removeObserver(third, "a");
     });
-    center.addObserver(second, "a", writing("gone"));
-    center.addObserver(third, "a", writing("taken out"));
+    center.addObserver(second, "a", recording("destroyed"));
+    center.addObserver(third, "a", recording("removed"));
     EXPECT_THAT(post("a"), ElementsAre("first"));
     first.reset();
     EXPECT_THAT(post("a"), ElementsAre());
 }
 
-TEST_F(Notifications, ComeAndGoOnSeveralThreadsAtOnce) {
-    std::atomic<int> calls = 0;
+TEST_F(Notifications, AllowObserversToChangeWhileAnotherThreadPosts) {
+    std::atomic<int> count = 0;
     std::atomic<bool> done = false;
     std::jthread posting([&] {
         while (!done)
@@ -69,7 +69,7 @@ TEST_F(Notifications, ComeAndGoOnSeveralThreadsAtOnce) {
     for (int round = 0; round < 200; ++round) {
         auto observer = std::make_shared<std::atomic<int>>(0);
         center.addObserver(observer, "a", [&, seen = observer.get()](const Notification&) {
-            calls += ++*seen > 0;
+            count += ++*seen > 0;
         });
         while (*observer == 0)
             std::this_thread::yield();
@@ -77,7 +77,7 @@ TEST_F(Notifications, ComeAndGoOnSeveralThreadsAtOnce) {
             center.removeObserver(observer, "a");
     }
     done = true;
-    EXPECT_GE(calls, 200);
+    EXPECT_GE(count, 200);
 }
 
 } // namespace

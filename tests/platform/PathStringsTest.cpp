@@ -9,7 +9,7 @@ using namespace platform;
 
 namespace {
 
-TEST(PathStrings, AreTakenApart) {
+TEST(PathStrings, SplitIntoComponentsAndExtensions) {
     const char* const cases[][4] = {
         {"/tmp/clock.menu", "clock.menu", "/tmp", "menu"},
         {"/tmp/a.b/clock", "clock", "/tmp/a.b", ""},
@@ -29,7 +29,7 @@ TEST(PathStrings, AreTakenApart) {
     }
 }
 
-TEST(PathStrings, AreJoined) {
+TEST(PathStrings, JoinWithASingleSlash) {
     const char* const cases[][3] = {
         {"/tmp", "a", "/tmp/a"},   {"/tmp/", "a", "/tmp/a"},
         {"/tmp", "/a/", "/tmp/a"}, {"/", "a", "/a"},
@@ -40,14 +40,14 @@ TEST(PathStrings, AreJoined) {
         EXPECT_EQ(appendingPathComponent(path, component), joined) << path << " + " << component;
 }
 
-TEST(PathStrings, TakeAnExtension) {
+TEST(PathStrings, AppendAnExtensionToTheLastComponent) {
     const char* const cases[][2] = {
         {"a.b", "a.b.plist"}, {"/a/Titles/", "/a/Titles.plist"}, {"/", "/"}, {"", ""}};
     for (const auto& [path, extended] : cases)
         EXPECT_EQ(appendingPathExtension(path, "plist"), extended) << path;
 }
 
-TEST(PathStrings, ATildeIsAHomeFolderOnlyAtTheStart) {
+TEST(PathStrings, ExpandATildeOnlyAtTheStart) {
     const test::ScopedEnvironment home("HOME", "/home/somebody/");
     const char* const cases[][2] = {
         {"~", "/home/somebody"}, {"~/Library//x/", "/home/somebody/Library/x"},
@@ -58,7 +58,7 @@ TEST(PathStrings, ATildeIsAHomeFolderOnlyAtTheStart) {
         EXPECT_EQ(expandingTildeInPath(path), expanded) << path;
 }
 
-TEST(PathStrings, FileURLsNameAbsolutePathsOfThisMachine) {
+TEST(PathStrings, ConvertToAndFromFileURLsOfThisMachine) {
     for (const auto& [path, url] :
          {std::pair("/", "file:///"),
           {"/a b/50%/\xc3\xa4#?.menu", "file:///a%20b/50%25/%C3%A4%23%3F.menu"},

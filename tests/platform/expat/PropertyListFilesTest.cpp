@@ -25,7 +25,7 @@ class PropertyListFilesTest : public testing::Test {
     test::TemporaryFolder folder;
 };
 
-/// A number of KiB that the system tells of this process.
+/// Returns a figure in KiB from /proc/self/status.
 long memory(const std::string& name) {
     std::ifstream status("/proc/self/status");
     for (std::string line; std::getline(status, line);)
@@ -34,7 +34,7 @@ long memory(const std::string& name) {
     return 0;
 }
 
-TEST_F(PropertyListFilesTest, WhatIsNoReadableFileIsRefusedQuicklyAndNamed) {
+TEST_F(PropertyListFilesTest, UnreadableFilesAreRejectedQuicklyWithAReason) {
     const auto sized = [&](const std::string& name, std::uintmax_t size) {
         std::filesystem::resize_file(folder.write(name, ""), size);
         return folder.file(name);
@@ -67,7 +67,7 @@ TEST_F(PropertyListFilesTest, WhatIsNoReadableFileIsRefusedQuicklyAndNamed) {
     };
     for (const auto& [path, reason, line] : cases) {
         SCOPED_TRACE(path);
-        std::ofstream("/proc/self/clear_refs") << "5"; // the peak begins anew
+        std::ofstream("/proc/self/clear_refs") << "5"; // resets the peak
         const long before = memory("VmRSS");
         const auto start = std::chrono::steady_clock::now();
         const auto result = propertyLists().read(path);
@@ -80,12 +80,12 @@ TEST_F(PropertyListFilesTest, WhatIsNoReadableFileIsRefusedQuicklyAndNamed) {
     }
 }
 
-TEST_F(PropertyListFilesTest, AnArrayIsWrittenAndReadBackAndNothingElseIsOne) {
+TEST_F(PropertyListFilesTest, ReadsBackTheArrayThatItWroteAndRejectsOtherRoots) {
     const std::string path = folder.file("Halvex Locations");
     const Array list{Array{"Amsterdam", "", true}, Array{"São Paulo"}};
     EXPECT_TRUE(propertyLists().writeArray(path, list));
     EXPECT_FALSE(propertyLists().writeArray(path, Array{"fine", "\x01"}));
-    EXPECT_EQ(propertyLists().readArray(path), list) << "a write that fails leaves the file alone";
+    EXPECT_EQ(propertyLists().readArray(path), list) << "a failed write leaves the file unchanged";
     EXPECT_EQ(propertyLists().readArray(folder.write("d", "<plist><dict/></plist>")), std::nullopt);
 }
 

@@ -14,7 +14,7 @@ using Type = PropertyList::Type;
 const std::string kLong(100, 'x');
 
 /// One value of each kind, with both lengths of string and both kinds of integer.
-std::vector<PropertyList> kinds() {
+std::vector<PropertyList> sampleValues() {
     const PropertyList::Data data{{1, 2}};
     return {"short",
             kLong,
@@ -30,13 +30,13 @@ std::vector<PropertyList> kinds() {
 }
 
 TEST(PropertyListTest, ValuesOfEveryTypeCopyMoveAndCompare) {
-    const auto values = kinds();
+    const auto values = sampleValues();
     for (std::size_t i = 0; i < values.size(); ++i) {
         for (std::size_t j = 0; j < values.size(); ++j) {
             EXPECT_EQ(values[i] == values[j], i == j);
             PropertyList target = values[j];
             target = values[i];
-            EXPECT_EQ(target, values[i]) << i << " assigned over a value of kind " << j;
+            EXPECT_EQ(target, values[i]) << "value " << i << " assigned to value " << j;
         }
         PropertyList source = values[i];
         EXPECT_EQ(PropertyList(std::move(source)), values[i]);

@@ -47,7 +47,7 @@ std::string nested(std::size_t depth) {
     return inPlist(text);
 }
 
-TEST_F(PropertyListXmlTest, ReadsWhatIsWellFormed) {
+TEST_F(PropertyListXmlTest, ReadsWellFormedLists) {
     constexpr auto kLeast = std::numeric_limits<std::int64_t>::min();
     constexpr auto kMost = std::numeric_limits<std::uint64_t>::max();
     const struct {
@@ -83,7 +83,7 @@ TEST_F(PropertyListXmlTest, ReadsWhatIsWellFormed) {
     }
 }
 
-TEST_F(PropertyListXmlTest, RefusesWhatIsNoPropertyListAndSaysWhere) {
+TEST_F(PropertyListXmlTest, RejectsInvalidListsWithTheLineOfTheError) {
     const std::string external = "<!DOCTYPE plist [<!ENTITY x SYSTEM \"file:///etc/hostname\">]>";
     const struct {
         std::string bytes;
@@ -105,11 +105,11 @@ TEST_F(PropertyListXmlTest, RefusesWhatIsNoPropertyListAndSaysWhere) {
         {"<?xml version=\"1.0\" encoding=\"EBCDIC\"?>" + inPlist("<true/>"), 1, "unknown encoding"},
         {utf16(inPlist("<string>"), true) + std::string("\xD8\0\0x\0<", 6), 1, "surrogate"},
         {utf16(inPlist("<string>"), false) + std::string("x\0\0\xDC", 4), 1, "surrogate"},
-        {external + inPlist("<string>&x;</string>"), 1, "Entity declarations are not taken: x"},
+        {external + inPlist("<string>&x;</string>"), 1, "Entity declarations are not supported: x"},
         {"<!DOCTYPE plist SYSTEM \"list.dtd\">" + inPlist("<string>\n&nbsp;</string>"), 2,
          "Unknown entity nbsp"},
         {"<!DOCTYPE plist [<!ATTLIST string a CDATA 'b'>]>" + inPlist("<string/>"), 1,
-         "Attribute declarations are not taken: <string>"},
+         "Attribute declarations are not supported: <string>"},
         {"<!DOCTYPE plist [%other;]>" + inPlist("<true/>"), 1, "entity"},
         {inPlist("<string>&nbsp;</string>"), 1, "undefined entity"},
         {inPlist("<true/>\n<!-- " + std::string(3 << 20, 'c') + " -->"), 2, "more than 1048576"},
@@ -124,7 +124,7 @@ TEST_F(PropertyListXmlTest, RefusesWhatIsNoPropertyListAndSaysWhere) {
     EXPECT_EQ(propertyLists().parse("<plist>\n  <null/></plist>").error.column, 3);
 }
 
-TEST_F(PropertyListXmlTest, RefusesScalarsThatAreOutOfRangeOrMalformed) {
+TEST_F(PropertyListXmlTest, RejectsMalformedAndOutOfRangeScalars) {
     const std::pair<std::string, std::vector<const char*>> cases[] = {
         {"integer", {"", "1.5", "--1", "0x", "18446744073709551616", "-9223372036854775809"}},
         {"real", {"57,8", "+-1", "1e999"}},
@@ -142,7 +142,7 @@ TEST_F(PropertyListXmlTest, RefusesScalarsThatAreOutOfRangeOrMalformed) {
         }
 }
 
-TEST_F(PropertyListXmlTest, WhatIsWrittenReadsBackEqual) {
+TEST_F(PropertyListXmlTest, WrittenValuesReadBackEqual) {
     std::mt19937_64 random(1);
     constexpr double kInfinity = std::numeric_limits<double>::infinity();
     Array values{true, Array{}, std::numeric_limits<std::int64_t>::min(),
@@ -172,13 +172,13 @@ TEST_F(PropertyListXmlTest, WhatIsWrittenReadsBackEqual) {
         ASSERT_TRUE(result) << result.error.line << ": " << result.error.reason;
         EXPECT_TRUE(*result.value == value);
     }
-    EXPECT_FALSE(propertyLists().serialize(Array{deepest})) << "too deep to be read again";
+    EXPECT_FALSE(propertyLists().serialize(Array{deepest})) << "nested too deeply";
     EXPECT_EQ(propertyLists().serialize(values), propertyLists().serialize(PropertyList(values)));
     const auto nan = propertyLists().serialize(std::numeric_limits<double>::quiet_NaN());
     EXPECT_TRUE(std::isnan(*propertyLists().parse(*nan).value->real()));
 }
 
-TEST_F(PropertyListXmlTest, TheTextIsTheUsualOneInEveryLocale) {
+TEST_F(PropertyListXmlTest, WritesTheSameTextInEveryLocale) {
     const bool comma = std::setlocale(LC_ALL, "de_DE.UTF-8") != nullptr;
     const PropertyList value =
         Dictionary{{"k", Array{57.8, -3, "a<b", PropertyList::Date{-62'135'596'800}}},
@@ -194,7 +194,7 @@ TEST_F(PropertyListXmlTest, TheTextIsTheUsualOneInEveryLocale) {
     std::setlocale(LC_ALL, "C");
 }
 
-TEST_F(PropertyListXmlTest, WhatXmlCannotHoldIsNotWritten) {
+TEST_F(PropertyListXmlTest, DoesNotWriteWhatXmlCannotRepresent) {
     const std::string nul(1, '\0');
     for (const std::string& text : {nul, nul + "a", "a\x1F"s, "\x7F\x80"s, "\xC3"s, "\xC0\x80"s,
                                     "\xE0\x80\x80"s, "\xED\xA0\x80"s, "\xE6\x9D"s, "\uFFFE"s,
@@ -207,7 +207,7 @@ TEST_F(PropertyListXmlTest, WhatXmlCannotHoldIsNotWritten) {
         EXPECT_FALSE(propertyLists().serialize(Array{PropertyList::Date{farOff}}));
 }
 
-TEST_F(PropertyListXmlTest, TruncatedAndDamagedListsNeverDoHarm) {
+TEST_F(PropertyListXmlTest, DamagedListsAreRejectedOrReadAsWritableValues) {
     const PropertyList record = Array{
         "Reykjavík", 64.15, Dictionary{{"k&", PropertyList::Data{{1}}}}, PropertyList::Date{1}};
     const std::string bytes = *propertyLists().serialize(Array(300, record));
@@ -223,12 +223,12 @@ TEST_F(PropertyListXmlTest, TruncatedAndDamagedListsNeverDoHarm) {
         if (!result)
             continue;
         const auto again = propertyLists().serialize(*result.value);
-        ASSERT_TRUE(again) << "what can be read can be written";
+        ASSERT_TRUE(again) << "every value that can be read can be written";
         EXPECT_TRUE(*propertyLists().parse(*again).value == *result.value);
     }
 }
 
-TEST_F(PropertyListXmlTest, ASourceThatFailsIsAFaultEvenAfterAWholeList) {
+TEST_F(PropertyListXmlTest, AFailingSourceIsAnErrorEvenAfterACompleteList) {
     const std::string bytes = inPlist("<true/>");
     bool given = false;
     EXPECT_FALSE(propertyLists().parse([&](char* buffer, std::size_t size) {
