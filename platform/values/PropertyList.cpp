@@ -15,13 +15,27 @@ std::optional<T> optionalCopy(const T* value) {
 
 } // namespace
 
+// Not in the class, where Dictionary::Entry is incomplete.
+PropertyList::PropertyList(std::string text) : value_(std::move(text)) {}
+PropertyList::PropertyList(std::string_view text) : value_(std::in_place_type<std::string>, text) {}
+PropertyList::PropertyList(const char* text) : value_(std::in_place_type<std::string>, text) {}
+PropertyList::PropertyList(double value) : value_(value) {}
+PropertyList::PropertyList(Date date) : value_(date) {}
+PropertyList::PropertyList(Data data) : value_(std::move(data)) {}
+PropertyList::PropertyList(Array array) : value_(std::move(array)) {}
+PropertyList::PropertyList(Dictionary dictionary) : value_(std::move(dictionary)) {}
+
 // Not inline: GCC 12 would warn that parts of an inlined variant may be uninitialized.
 PropertyList::PropertyList(const PropertyList& other) = default;
 PropertyList::PropertyList(PropertyList&& other) noexcept = default;
 PropertyList& PropertyList::operator=(const PropertyList& other) = default;
 PropertyList& PropertyList::operator=(PropertyList&& other) noexcept = default;
 
-PropertyList::Value PropertyList::integerValue(std::uint64_t number) {
+PropertyList::Value PropertyList::signedValue(std::int64_t number) {
+    return number;
+}
+
+PropertyList::Value PropertyList::unsignedValue(std::uint64_t number) {
     if (std::in_range<std::int64_t>(number))
         return static_cast<std::int64_t>(number);
     return number;

@@ -50,11 +50,11 @@ class PropertyList {
         /// Removes @p key. Returns whether it was present.
         bool erase(std::string_view key);
 
-        std::size_t size() const { return entries_.size(); }
-        bool empty() const { return entries_.empty(); }
+        std::size_t size() const;
+        bool empty() const;
         /// Iterates over the entries: `for (const auto& [key, value] : dictionary)`.
-        auto begin() const { return entries_.cbegin(); }
-        auto end() const { return entries_.cend(); }
+        std::vector<Entry>::const_iterator begin() const;
+        std::vector<Entry>::const_iterator end() const;
 
         /// Compares the entries in order.
         friend bool operator==(const Dictionary& left, const Dictionary& right);
@@ -65,19 +65,19 @@ class PropertyList {
 
     /// Creates the empty string.
     PropertyList() = default;
-    PropertyList(std::string text) : value_(std::move(text)) {}
-    PropertyList(std::string_view text) : value_(std::in_place_type<std::string>, text) {}
-    PropertyList(const char* text) : value_(std::in_place_type<std::string>, text) {}
+    PropertyList(std::string text);
+    PropertyList(std::string_view text);
+    PropertyList(const char* text);
     PropertyList(std::nullptr_t) = delete;
     PropertyList(std::same_as<bool> auto value) : value_(value) {}
-    PropertyList(std::signed_integral auto value) : value_(std::int64_t{value}) {}
+    PropertyList(std::signed_integral auto value) : value_(signedValue(value)) {}
     PropertyList(std::unsigned_integral auto value) requires(!std::same_as<decltype(value), bool>)
-        : value_(integerValue(value)) {}
-    PropertyList(std::floating_point auto value) : value_(static_cast<double>(value)) {}
-    PropertyList(Date date) : value_(date) {}
-    PropertyList(Data data) : value_(std::move(data)) {}
-    PropertyList(Array array) : value_(std::move(array)) {}
-    PropertyList(Dictionary dictionary) : value_(std::move(dictionary)) {}
+        : value_(unsignedValue(value)) {}
+    PropertyList(double value);
+    PropertyList(Date date);
+    PropertyList(Data data);
+    PropertyList(Array array);
+    PropertyList(Dictionary dictionary);
 
     PropertyList(const PropertyList& other);
     PropertyList(PropertyList&& other) noexcept;
@@ -118,7 +118,8 @@ class PropertyList {
     /// std::uint64_t is used only for integers that std::int64_t cannot hold.
     using Value = std::variant<std::string, std::int64_t, std::uint64_t, double, bool, Date, Data,
                                Array, Dictionary>;
-    static Value integerValue(std::uint64_t number);
+    static Value signedValue(std::int64_t number);
+    static Value unsignedValue(std::uint64_t number);
 
     Value value_;
 };
@@ -128,5 +129,18 @@ struct PropertyList::Dictionary::Entry {
     PropertyList value;
     friend bool operator==(const Entry&, const Entry&) = default;
 };
+
+inline std::size_t PropertyList::Dictionary::size() const {
+    return entries_.size();
+}
+inline bool PropertyList::Dictionary::empty() const {
+    return entries_.empty();
+}
+inline auto PropertyList::Dictionary::begin() const -> std::vector<Entry>::const_iterator {
+    return entries_.begin();
+}
+inline auto PropertyList::Dictionary::end() const -> std::vector<Entry>::const_iterator {
+    return entries_.end();
+}
 
 } // namespace platform
