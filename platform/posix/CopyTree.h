@@ -6,12 +6,9 @@
 
 namespace platform::posix {
 
-/// What FileManager::copyItem promises, by way of @p calls. When the copy is in place but its
-/// folder cannot be flushed, that is logged.
-///
-/// Until it is whole the copy lies in a folder beside its final place that is called
-/// ".halvex-copy-<hash of the final name>-<random>" and locked by its maker; what carries such a
-/// name for the same place and is not locked was left by a maker that is gone.
+/// Implements FileManager::copyItem with @p calls. The copy is made in a folder beside @p to, a
+/// TemporaryEntry with the purpose "copy", and moved to @p to when it is complete. If the folder of
+/// @p to cannot be flushed after that, the failure is logged and the item counts as copied.
 bool copyItem(const std::string& from, const std::string& to, SystemCalls& calls);
 
 } // namespace platform::posix

@@ -5,7 +5,7 @@
 
 namespace platform::posix {
 
-/// Owns a file descriptor; -1 is none.
+/// Owns a file descriptor and closes it. Empty, and false, with the number -1.
 class Descriptor {
   public:
     explicit Descriptor(int number = -1) : number_(number) {}

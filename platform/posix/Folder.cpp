@@ -1,12 +1,19 @@
 #include "platform/posix/Folder.h"
 
+#include "platform/Log.h"
+
 #include <cerrno>
+#include <cstring>
 #include <dirent.h>
 #include <fcntl.h>
 #include <memory>
 #include <string_view>
 
 namespace platform::posix {
+
+Descriptor openFolder(const std::string& path, SystemCalls& calls) {
+    return Descriptor(calls.open(path, O_RDONLY | O_DIRECTORY | O_CLOEXEC, 0));
+}
 
 Descriptor openFolder(int folder, const std::string& name) {
     return Descriptor(
@@ -36,8 +43,17 @@ std::optional<struct stat> statusOf(int folder, const std::string& name) {
     return status;
 }
 
+bool isEntryName(const std::string& name) {
+    return !name.empty() && name != "/" && name != "." && name != "..";
+}
+
 bool isSameFile(const struct stat& one, const struct stat& other) {
     return one.st_dev == other.st_dev && one.st_ino == other.st_ino;
+}
+
+void flushFolderOrLog(int folder, const std::string& path, SystemCalls& calls) {
+    if (calls.flush(folder) != 0)
+        logLine("cannot flush the folder of %@ to disk: %@", path, std::strerror(errno));
 }
 
 } // namespace platform::posix

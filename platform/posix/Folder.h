@@ -1,24 +1,37 @@
 #pragma once
 
 #include "platform/posix/Descriptor.h"
+#include "platform/posix/SystemCalls.h"
 
 #include <optional>
 #include <string>
 #include <sys/stat.h>
 #include <vector>
 
-/// Steps through a tree of folders that never follow a symbolic link out of it.
+/// Open folders and their entries. An entry is named relative to its folder and, if it is a
+/// symbolic link, not followed, so that a walk through a tree never leaves it.
 namespace platform::posix {
 
-/// Opens the folder called @p name in @p folder; none when it is something else, or a link.
+/// Opens the folder at @p path; symbolic links are followed. Returns an empty descriptor on
+/// failure.
+Descriptor openFolder(const std::string& path, SystemCalls& calls = systemCalls());
+
+/// Opens the folder @p name in @p folder. Returns an empty descriptor if it is anything else.
 Descriptor openFolder(int folder, const std::string& name);
 
-/// The names in an open folder without "." and ".."; nothing when it cannot be read.
+/// Returns the names of all entries except "." and "..", or std::nullopt if reading fails.
 std::optional<std::vector<std::string>> namesIn(int folder);
 
-/// What is called @p name in @p folder, a link itself and not what it points to.
+/// Returns std::nullopt and sets errno if there is no entry @p name.
 std::optional<struct stat> statusOf(int folder, const std::string& name);
 
+/// Returns whether @p name can be the name of an entry: false for an empty name and for the last
+/// components "/", "." and "..".
+bool isEntryName(const std::string& name);
+
 bool isSameFile(const struct stat& one, const struct stat& other);
+
+/// Flushes @p folder after @p path has been put in it. Logs a failure, for @p path is there anyway.
+void flushFolderOrLog(int folder, const std::string& path, SystemCalls& calls);
 
 } // namespace platform::posix

@@ -3,13 +3,13 @@
 #include "platform/Log.h"
 #include "platform/MainThread.h"
 #include "platform/posix/Descriptor.h"
+#include "platform/posix/SymbolicLinks.h"
+#include "platform/posix/SystemCalls.h"
 
 #include <array>
 #include <cerrno>
 #include <cstring>
-#include <deque>
 #include <fcntl.h>
-#include <limits.h>
 #include <set>
 #include <sys/inotify.h>
 #include <sys/stat.h>
@@ -18,27 +18,20 @@
 namespace platform::posix {
 namespace {
 
-constexpr int kMaximumLinks = 40;
-/// Of folders on the way: only what happens to themselves, or every file that others delete in the
-/// home folder would wake the program.
+/// Events of folders in the path, only about the folders themselves. With IN_DELETE, every file
+/// that is deleted in the home folder would wake the process.
 constexpr std::uint32_t kFolder = IN_DELETE_SELF | IN_MOVE_SELF;
-constexpr std::uint32_t kArrivals = IN_CREATE | IN_MOVED_TO;
-/// Of files and links. A name that is taken away, by removal or replacement, shows as an attribute.
+/// Events of a folder in which the next component is missing.
+constexpr std::uint32_t kArrivals = kFolder | IN_CREATE | IN_MOVED_TO;
+/// Events of files and links. Losing a name, by removal or replacement, counts as IN_ATTRIB.
 constexpr std::uint32_t kFile =
     IN_MODIFY | IN_CLOSE_WRITE | IN_ATTRIB | IN_DELETE_SELF | IN_MOVE_SELF;
-
+/// Events after which the handler is called even if the file looks the same as before: times are
+/// coarse, and a file may have been moved away and back.
 constexpr std::uint32_t kChanges = IN_MODIFY | IN_MOVE_SELF | IN_DELETE_SELF | IN_Q_OVERFLOW;
 
-/// The components of @p path, in order, before those that are already waiting.
-void prepend(std::deque<std::string>& components, const std::string& path) {
-    std::size_t end = path.size();
-    while (end > 0) {
-        const auto slash = path.rfind('/', end - 1);
-        const std::size_t start = slash == std::string::npos ? 0 : slash + 1;
-        if (start < end)
-            components.push_front(path.substr(start, end - start));
-        end = slash == std::string::npos ? 0 : slash;
-    }
+void logWatchFailure(const std::string& path) {
+    logLine("cannot watch %@: out of inotify watches", path);
 }
 
 class InotifyFileWatch final : public Watch {
@@ -59,13 +52,15 @@ class InotifyFileWatch final : public Watch {
         friend bool operator==(const Identity&, const Identity&) = default;
     };
 
-    /// Watches the way to the file as it is now and nothing else. False when the system has no
-    /// watches left.
-    bool follow();
-    bool walk(std::set<int>& watches);
+    /// Adds watches along the path as it is now, and removes all others. Returns false if the
+    /// system has no watches left.
+    bool updateWatches();
+    bool watchPath(std::set<int>& watches);
+    bool watchFolder(const std::string& folder, std::uint32_t mask, std::set<int>& watches);
     bool watch(const std::string& path, std::uint32_t mask, std::set<int>& watches);
     Identity identity() const;
-    bool drain();
+    /// Reads all pending events and returns whether one of them is in kChanges.
+    bool readEvents();
     void onReadable();
 
     std::string path_;
@@ -77,7 +72,7 @@ class InotifyFileWatch final : public Watch {
 };
 
 bool InotifyFileWatch::start() {
-    if (!inotify_ || !follow())
+    if (!inotify_ || !updateWatches())
         return false;
     last_ = identity();
     readable_ = mainThread().watchReadable(inotify_.get(), [this] { onReadable(); });
@@ -88,57 +83,55 @@ bool InotifyFileWatch::watch(const std::string& path, std::uint32_t mask, std::s
     const int number = ::inotify_add_watch(inotify_.get(), path.c_str(), mask | IN_DONT_FOLLOW);
     if (number >= 0)
         watches.insert(number);
-    // A folder that may be passed but not read cannot be watched; one that is gone shows above it.
+    // A folder that may be searched but not read cannot be watched. The removal of one is reported
+    // by the watches on the folders above.
     return number >= 0 || (errno != ENOSPC && errno != ENOMEM);
 }
 
-bool InotifyFileWatch::walk(std::set<int>& watches) {
-    std::deque<std::string> components;
-    prepend(components, path_);
-    std::string folder = "/";
-    int links = 0;
-    if (!watch(folder, kFolder, watches))
+/// With the slash this does nothing if a file has taken the place of the folder.
+bool InotifyFileWatch::watchFolder(const std::string& folder, std::uint32_t mask,
+                                   std::set<int>& watches) {
+    return watch(folder + '/', mask, watches);
+}
+
+bool InotifyFileWatch::watchPath(std::set<int>& watches) {
+    PathWalk walk(path_);
+    if (!watch(walk.folder(), kFolder, watches))
         return false;
-    while (!components.empty()) {
-        const std::string next = folder + components.front();
-        components.pop_front();
+    while (const auto next = walk.next()) {
         struct stat status {};
-        if (::lstat(next.c_str(), &status) != 0) {
-            if (!watch(folder, kFolder | kArrivals, watches))
+        if (::lstat(next->c_str(), &status) != 0) {
+            if (!watchFolder(walk.folder(), kArrivals, watches))
                 return false;
-            if (::lstat(next.c_str(), &status) != 0)
+            if (::lstat(next->c_str(), &status) != 0)
                 return true;
         }
-        if (!watch(next, S_ISDIR(status.st_mode) ? kFolder : kFile, watches))
+        const bool isFolder = S_ISDIR(status.st_mode);
+        if (!watch(*next, isFolder ? kFolder : kFile, watches))
             return false;
-        // A file that may not be read cannot be watched; its folder tells when that changes.
-        if (!S_ISDIR(status.st_mode) &&
-            ::faccessat(AT_FDCWD, next.c_str(), R_OK, AT_SYMLINK_NOFOLLOW) != 0 &&
-            !watch(folder, kFolder | kArrivals | IN_ATTRIB, watches))
+        // An unreadable file cannot be watched, but its folder reports changes of its mode.
+        if (!isFolder && ::faccessat(AT_FDCWD, next->c_str(), R_OK, AT_SYMLINK_NOFOLLOW) != 0 &&
+            !watchFolder(walk.folder(), kArrivals | IN_ATTRIB, watches))
             return false;
         if (!S_ISLNK(status.st_mode)) {
-            folder = next + "/";
+            walk.enter(*next);
             continue;
         }
-        std::array<char, PATH_MAX> target{};
-        const ssize_t length = ::readlink(next.c_str(), target.data(), target.size());
-        if (length < 0 || ++links > kMaximumLinks)
+        const auto target = linkTarget(*next);
+        if (!target || !walk.follow(*target))
             return true;
-        prepend(components, {target.data(), static_cast<std::size_t>(length)});
-        if (target.front() == '/')
-            folder.resize(1);
     }
     return true;
 }
 
-bool InotifyFileWatch::follow() {
+bool InotifyFileWatch::updateWatches() {
     std::set<int> watches;
-    const bool followed = walk(watches);
+    const bool complete = watchPath(watches);
     for (const int number : watches_)
         if (!watches.contains(number))
             ::inotify_rm_watch(inotify_.get(), number);
     watches_ = std::move(watches);
-    return followed;
+    return complete;
 }
 
 InotifyFileWatch::Identity InotifyFileWatch::identity() const {
@@ -153,35 +146,32 @@ InotifyFileWatch::Identity InotifyFileWatch::identity() const {
              status.st_ctim.tv_nsec}};
 }
 
-/// Takes all events; whether one tells of what may not show: times are coarse, and what was away
-/// and came back looks the same.
-bool InotifyFileWatch::drain() {
+bool InotifyFileWatch::readEvents() {
     alignas(inotify_event) std::array<char, 4096> buffer;
-    bool modified = false;
+    bool changed = false;
     for (;;) {
-        const ssize_t length = ::read(inotify_.get(), buffer.data(), buffer.size());
-        if (length < 0 && errno == EINTR)
-            continue;
+        const ssize_t length =
+            retryInterrupted([&] { return ::read(inotify_.get(), buffer.data(), buffer.size()); });
         if (length <= 0)
-            return modified;
+            return changed;
         for (std::size_t i = 0; i < static_cast<std::size_t>(length);) {
             inotify_event event{};
             std::memcpy(&event, buffer.data() + i, sizeof(event));
-            modified |= (event.mask & kChanges) != 0;
+            changed |= (event.mask & kChanges) != 0;
             i += sizeof(event) + event.len;
         }
     }
 }
 
 void InotifyFileWatch::onReadable() {
-    const bool modified = drain();
-    if (!follow())
-        logLine("No watches are left to follow %@", path_);
+    const bool changed = readEvents();
+    if (!updateWatches())
+        logWatchFailure(path_);
     const Identity now = identity();
-    if (!modified && now == last_)
+    if (!changed && now == last_)
         return;
     last_ = now;
-    const auto handler = handler_; // which may destroy this watch
+    const auto handler = handler_; // a copy, because the handler may destroy this watch
     handler();
 }
 
@@ -192,7 +182,7 @@ std::unique_ptr<Watch> makeInotifyFileWatch(const std::string& path,
     auto watch = std::make_unique<InotifyFileWatch>(path, std::move(handler));
     if (watch->start())
         return watch;
-    logLine("No watches are left to follow %@", path);
+    logWatchFailure(path);
     return nullptr;
 }
 

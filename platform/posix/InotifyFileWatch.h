@@ -4,9 +4,9 @@
 
 namespace platform::posix {
 
-/// What FileManager::watchFile promises. It watches every folder and link on the way to the file
-/// for what goes, and for what comes only the folder in which the next one is missing, so that it
-/// sleeps while others write their files.
+/// Implements FileManager::watchFile with inotify. Watches every folder and link in the path for
+/// its removal, but only the folder in which the next component is missing for new entries. Other
+/// files written in these folders therefore do not wake the process.
 std::unique_ptr<Watch> makeInotifyFileWatch(const std::string& path, std::function<void()> handler);
 
 } // namespace platform::posix

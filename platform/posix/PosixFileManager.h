@@ -5,10 +5,11 @@
 
 namespace platform::posix {
 
-/// The system's files.
+/// The file system of the machine.
 class PosixFileManager : public FileManager {
   public:
-    /// @p libraryRoot is put before "/Library" and every path below it. @p calls outlives this.
+    /// Prepends @p libraryRoot to "/Library" and every path below it. @p calls must outlive the
+    /// object.
     explicit PosixFileManager(std::string libraryRoot = {}, SystemCalls& calls = systemCalls());
 
     bool fileExists(const std::string& path, bool* isDirectory) const override;
@@ -32,7 +33,8 @@ class PosixFileManager : public FileManager {
                                      std::function<void()> handler) override;
 
   private:
-    /// Where a path lies in the system; nothing for one that the system cannot have.
+    /// Returns the path to pass to the system, or std::nullopt if @p path is empty or contains a
+    /// null byte.
     std::optional<std::string> systemPath(const std::string& path) const;
 
     std::string libraryRoot_;

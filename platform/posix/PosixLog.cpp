@@ -1,5 +1,6 @@
 #include "platform/Defaults.h"
 #include "platform/Log.h"
+#include "platform/posix/CopyFile.h"
 
 #include <array>
 #include <cerrno>
@@ -23,19 +24,10 @@ std::string header() {
     return text.data();
 }
 
-/// Standard error, a line at a time in one write, so that lines of several threads do not mix.
+/// Writes each line to standard error in one call, so that lines of several threads do not mix.
 class StandardErrorLog final : public Log {
     void write(std::string_view line) override {
-        const std::string text = header() + std::string(line) + '\n';
-        std::string_view rest = text;
-        while (!rest.empty()) {
-            const ssize_t written = ::write(STDERR_FILENO, rest.data(), rest.size());
-            if (written < 0 && errno == EINTR)
-                continue;
-            if (written <= 0)
-                return;
-            rest.remove_prefix(static_cast<std::size_t>(written));
-        }
+        writeAll(STDERR_FILENO, header() + std::string(line) + '\n', systemCalls());
     }
 
     void beep() override {
@@ -45,7 +37,6 @@ class StandardErrorLog final : public Log {
 };
 
 } // namespace
-
 } // namespace platform::posix
 
 platform::Log& platform::defaults::log() {

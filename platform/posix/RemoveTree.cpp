@@ -12,12 +12,12 @@
 namespace platform::posix {
 namespace {
 
-/// Somebody else may be removing the same leftovers.
+/// An entry that is missing has been removed by another process that removes the same leftovers.
 bool remove(int folder, const std::string& name, int flags) {
     return ::unlinkat(folder, name.c_str(), flags) == 0 || errno == ENOENT;
 }
 
-/// Whether a folder and all folders below it can be emptied, as far as permissions say.
+/// Returns whether permissions allow to empty the folder and all folders below it.
 bool canBeEmptied(int parent, const std::string& name) {
     const Descriptor folder = openFolder(parent, name);
     const auto names = folder ? namesIn(folder.get()) : std::nullopt;
@@ -31,57 +31,56 @@ bool canBeEmptied(int parent, const std::string& name) {
     });
 }
 
-bool empty(int folder, Effort effort) {
-    if (effort == Effort::OwnFolders)
+bool empty(int folder, Permissions permissions) {
+    if (permissions == Permissions::MakeWritable)
         ::fchmod(folder, 0700);
     const auto names = namesIn(folder);
     bool all = names.has_value();
     for (const std::string& name : names.value_or(std::vector<std::string>()))
-        all = removeTree(folder, name, effort) && all;
+        all = removeTree(folder, name, permissions) && all;
     return all;
 }
 
 void removeLeftovers(int folder, const std::string& prefix) {
     for (const std::string& name : namesIn(folder).value_or(std::vector<std::string>())) {
         if (name.starts_with(prefix))
-            removeTree(folder, name, Effort::OwnFolders);
+            removeTree(folder, name, Permissions::MakeWritable);
     }
 }
 
-/// A folder leaves its name in one step, so that no half of it is ever taken for the whole.
+/// Renames the folder before removing it, so that a process never finds half of it at its path.
 bool removeFolder(int parent, const std::string& name) {
     const std::string prefix = temporaryPrefix("remove", name);
     removeLeftovers(parent, prefix);
-    const auto aside = temporaryName(prefix);
-    if (!aside || !canBeEmptied(parent, name) ||
-        systemCalls().renameWithoutReplacing(parent, name, parent, *aside) != 0)
+    const auto temporary = temporaryName(prefix);
+    if (!temporary || !canBeEmptied(parent, name) ||
+        systemCalls().renameWithoutReplacing(parent, name, parent, *temporary) != 0)
         return false;
-    if (removeTree(parent, *aside, Effort::AsItIs))
+    if (removeTree(parent, *temporary, Permissions::Keep))
         return true;
-    systemCalls().renameWithoutReplacing(parent, *aside, parent, name);
+    systemCalls().renameWithoutReplacing(parent, *temporary, parent, name);
     return false;
 }
 
 } // namespace
 
-bool removeTree(int folder, const std::string& name, Effort effort) {
+bool removeTree(int folder, const std::string& name, Permissions permissions) {
     const auto status = statusOf(folder, name);
     if (!status)
         return errno == ENOENT;
     if (!S_ISDIR(status->st_mode))
         return remove(folder, name, 0);
-    if (effort == Effort::OwnFolders)
+    if (permissions == Permissions::MakeWritable)
         ::fchmodat(folder, name.c_str(), 0700, 0);
     const Descriptor below = openFolder(folder, name);
-    return below && empty(below.get(), effort) && remove(folder, name, AT_REMOVEDIR);
+    return below && empty(below.get(), permissions) && remove(folder, name, AT_REMOVEDIR);
 }
 
 bool removeItem(const std::string& path) {
     const std::string name = lastPathComponent(path);
-    if (name.empty() || name == "/" || name == "." || name == "..")
+    if (!isEntryName(name))
         return false;
-    const Descriptor parent(
-        ::open(deletingLastPathComponent(path).c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+    const Descriptor parent = openFolder(deletingLastPathComponent(path));
     const auto status = parent ? statusOf(parent.get(), name) : std::nullopt;
     if (!status)
         return false;

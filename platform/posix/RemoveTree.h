@@ -4,14 +4,16 @@
 
 namespace platform::posix {
 
-/// What FileManager::removeItem promises. While a folder goes it is called
-/// ".halvex-remove-<hash of its name>-<random>"; what carries such a name for the same folder was
-/// left by a process that was killed meanwhile and goes with it.
+/// Implements FileManager::removeItem. A folder is first renamed to a temporary name with the
+/// purpose "remove"; what a process killed after that has left is removed along with the next
+/// folder of the same name.
 bool removeItem(const std::string& path);
 
-/// Removes what is called @p name in @p folder, with everything below it. False when something of
-/// it stays. With Effort::OwnFolders, folders that refuse to be emptied are made writable.
-enum class Effort { AsItIs, OwnFolders };
-bool removeTree(int folder, const std::string& name, Effort effort);
+/// MakeWritable also empties read-only folders, as far as the process may change their modes.
+enum class Permissions { Keep, MakeWritable };
+
+/// Removes the entry @p name of @p folder and everything below it. Returns false if part of it is
+/// left, true if there is no such entry.
+bool removeTree(int folder, const std::string& name, Permissions permissions);
 
 } // namespace platform::posix

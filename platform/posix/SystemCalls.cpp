@@ -7,38 +7,27 @@
 #include <unistd.h>
 
 namespace platform::posix {
-namespace {
-
-template <class Call>
-auto resumed(Call call) {
-    auto result = call();
-    while (result < 0 && errno == EINTR)
-        result = call();
-    return result;
-}
-
-} // namespace
 
 SystemCalls::~SystemCalls() = default;
 
 int SystemCalls::open(const std::string& path, int flags, mode_t mode) {
-    return resumed([&] { return ::open(path.c_str(), flags, mode); });
+    return retryInterrupted([&] { return ::open(path.c_str(), flags, mode); });
 }
 
 int SystemCalls::openAt(int folder, const std::string& name, int flags, mode_t mode) {
-    return resumed([&] { return ::openat(folder, name.c_str(), flags, mode); });
+    return retryInterrupted([&] { return ::openat(folder, name.c_str(), flags, mode); });
 }
 
 ssize_t SystemCalls::write(int file, const char* bytes, std::size_t size) {
-    return resumed([&] { return ::write(file, bytes, size); });
+    return retryInterrupted([&] { return ::write(file, bytes, size); });
 }
 
 int SystemCalls::setMode(int file, mode_t mode) {
-    return resumed([&] { return ::fchmod(file, mode); });
+    return retryInterrupted([&] { return ::fchmod(file, mode); });
 }
 
 int SystemCalls::flush(int file) {
-    return resumed([&] { return ::fsync(file); });
+    return retryInterrupted([&] { return ::fsync(file); });
 }
 
 int SystemCalls::makeFolder(int folder, const std::string& name, mode_t mode) {
@@ -68,8 +57,9 @@ int SystemCalls::renameWithoutReplacing(int fromFolder, const std::string& from,
 }
 
 SystemCalls& systemCalls() {
-    static SystemCalls calls;
-    return calls;
+    // Never destroyed: destructors of other static objects may log or write files.
+    static auto* const calls = new SystemCalls;
+    return *calls;
 }
 
 } // namespace platform::posix

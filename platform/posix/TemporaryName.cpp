@@ -15,17 +15,17 @@ std::string hexadecimal(std::uint64_t number) {
 }
 
 /// FNV-1a.
-std::uint64_t hashOf(std::string_view name) {
-    std::uint64_t hash = 0xcbf2'9ce4'8422'2325;
+std::uint64_t hash(std::string_view name) {
+    std::uint64_t result = 0xcbf2'9ce4'8422'2325;
     for (const char character : name)
-        hash = (hash ^ static_cast<unsigned char>(character)) * 0x100'0000'01b3;
-    return hash;
+        result = (result ^ static_cast<unsigned char>(character)) * 0x100'0000'01b3;
+    return result;
 }
 
 } // namespace
 
-std::string temporaryPrefix(std::string_view purpose, std::string_view name) {
-    return ".halvex-" + std::string(purpose) + '-' + hexadecimal(hashOf(name)) + '-';
+std::string temporaryPrefix(std::string_view purpose, std::string_view finalName) {
+    return ".halvex-" + std::string(purpose) + '-' + hexadecimal(hash(finalName)) + '-';
 }
 
 std::optional<std::string> temporaryName(std::string_view prefix) {

@@ -4,16 +4,14 @@
 #include <string>
 #include <string_view>
 
+/// Names of files and folders that are being written, moved or removed.
 namespace platform::posix {
 
-/// How often somebody looks for a temporary name that is free.
-inline constexpr int kMaximumAttempts = 16;
+/// Returns ".halvex-<purpose>-<hash of @p finalName>-", the start of each temporary name. It holds
+/// a hash because @p finalName itself may be as long as a name can be.
+std::string temporaryPrefix(std::string_view purpose, std::string_view finalName);
 
-/// How the temporary names for what is to be called @p name begin: ".halvex-<purpose>-<hash>-".
-/// Names may be as long as a folder takes, so a hash of it stands there.
-std::string temporaryPrefix(std::string_view purpose, std::string_view name);
-
-/// @p prefix with something behind it that nobody else has; nothing when the system gives no random
+/// Returns @p prefix with a random number appended, or std::nullopt if the system has no random
 /// numbers.
 std::optional<std::string> temporaryName(std::string_view prefix);
 

@@ -2,7 +2,7 @@
 
 #include "platform/FileManager.h"
 #include "platform/base/PathStrings.h"
-#include "platform/posix/CopyBytes.h"
+#include "platform/posix/CopyFile.h"
 #include "platform/posix/Descriptor.h"
 #include "platform/posix/Folder.h"
 #include "platform/posix/SystemCalls.h"
@@ -19,13 +19,12 @@
 namespace platform::posix {
 namespace {
 
-constexpr std::string_view kInfoEnding = ".trashinfo";
+constexpr std::string_view kInfoExtension = ".trashinfo";
 constexpr int kMaximumNumber = 10'000;
 
-/// A Trash, and the folder that its notes tell paths from; empty: they tell absolute paths.
 struct Trash {
     std::string folder;
-    std::string top;
+    std::string top; ///< the folder that original paths are relative to; empty for absolute paths
 };
 
 std::optional<struct stat> statusAt(const std::string& path) {
@@ -41,8 +40,8 @@ bool makeFolders(const std::string& path) {
            (::mkdir(path.c_str(), 0700) == 0 || errno == EEXIST);
 }
 
-/// A folder that the current user alone has, made when it is missing.
-bool isOwnFolder(const std::string& path) {
+/// Creates the folder if it is missing. Returns whether it is a folder of the current user's.
+bool ensureOwnFolder(const std::string& path) {
     if (::mkdir(path.c_str(), 0700) != 0 && errno != EEXIST)
         return false;
     const auto status = statusAt(path);
@@ -55,17 +54,18 @@ std::string homeTrash() {
         data && *data == '/' ? std::string(data) : expandingTildeInPath("~/.local/share"), "Trash");
 }
 
-/// The path with the links in the folders above the last component resolved.
-std::optional<std::string> realPlace(const std::string& path) {
+/// Resolves the symbolic links in all components of @p path but the last.
+std::optional<std::string> resolvingParent(const std::string& path) {
     const std::unique_ptr<char, void (*)(void*)> folder(
         ::realpath(deletingLastPathComponent(path).c_str(), nullptr), std::free);
     const std::string name = lastPathComponent(path);
-    if (!folder || name.empty() || name == "/" || name == "." || name == "..")
+    if (!folder || !isEntryName(name))
         return std::nullopt;
     return appendingPathComponent(folder.get(), name);
 }
 
-std::string topOf(const std::string& path, dev_t device) {
+/// Returns the top folder of the file system that @p path is on.
+std::string topFolder(const std::string& path, dev_t device) {
     std::string top = path;
     while (top != "/") {
         std::string above = deletingLastPathComponent(top);
@@ -85,26 +85,26 @@ std::optional<Trash> trashFor(const std::string& path) {
     struct stat status {};
     if (makeFolders(home) && ::stat(home.c_str(), &status) == 0 && status.st_dev == item->st_dev)
         return Trash{home, {}};
-    const std::string top = topOf(path, item->st_dev);
+    const std::string top = topFolder(path, item->st_dev);
     auto folder = trashAtTop(top);
     return folder ? std::optional(Trash{std::move(*folder), top}) : std::nullopt;
 }
 
-std::string noteFor(const std::string& path, const std::string& top) {
-    std::string_view told = path;
+std::string trashInfo(const std::string& path, const std::string& top) {
+    std::string_view relative = path;
     if (!top.empty())
-        told.remove_prefix(top == "/" ? 1 : top.size() + 1);
+        relative.remove_prefix(top == "/" ? 1 : top.size() + 1);
     const std::time_t now = std::time(nullptr);
     std::tm local{};
     ::localtime_r(&now, &local);
     std::array<char, 32> date{};
     std::strftime(date.data(), date.size(), "%Y-%m-%dT%H:%M:%S", &local);
-    return "[Trash Info]\nPath=" + percentEncodedPath(told) + "\nDeletionDate=" + date.data() +
+    return "[Trash Info]\nPath=" + percentEncodedPath(relative) + "\nDeletionDate=" + date.data() +
            '\n';
 }
 
-/// @p text cut to at most @p size bytes, but not within a character.
-std::string_view shortened(std::string_view text, std::size_t size) {
+/// Truncates UTF-8 text to at most @p size bytes.
+std::string_view truncated(std::string_view text, std::size_t size) {
     if (text.size() <= size)
         return text;
     while (size > 0 && (static_cast<unsigned char>(text[size]) & 0xC0U) == 0x80U)
@@ -112,37 +112,38 @@ std::string_view shortened(std::string_view text, std::size_t size) {
     return text.substr(0, size);
 }
 
-/// "Clock.menu", "Clock.2.menu", "Clock.3.menu"; short enough for a note's name.
+/// Returns "Clock.menu", "Clock.2.menu", "Clock.3.menu", truncated so that kInfoExtension can be
+/// appended.
 std::string numbered(const std::string& name, int number) {
     const std::string type = pathExtension(name);
-    std::string ending = type.empty() ? "" : '.' + type;
+    std::string suffix = type.empty() ? "" : '.' + type;
     std::string_view stem(name);
-    stem.remove_suffix(ending.size());
+    stem.remove_suffix(suffix.size());
     if (number > 1)
-        ending = '.' + std::to_string(number) + ending;
-    const std::size_t room = NAME_MAX - kInfoEnding.size();
-    if (ending.size() >= room)
-        return std::string(shortened(stem, room - 8)) + '.' + std::to_string(number);
-    return std::string(shortened(stem, room - ending.size())) + ending;
+        suffix = '.' + std::to_string(number) + suffix;
+    const std::size_t room = NAME_MAX - kInfoExtension.size();
+    if (suffix.size() >= room)
+        return std::string(truncated(stem, room - 8)) + '.' + std::to_string(number);
+    return std::string(truncated(stem, room - suffix.size())) + suffix;
 }
 
-enum class Outcome { Done, NameTaken, Failed };
+enum class Outcome { Moved, NameTaken, Failed };
 
-/// The note comes first: what lies in "files" without one is nobody's.
+/// Writes the information before moving the item, so that no item is ever without it.
 Outcome moveAs(const std::string& name, const std::string& path, const Descriptor& files,
-               const Descriptor& info, const std::string& note) {
+               const Descriptor& info, const std::string& text) {
     SystemCalls& calls = systemCalls();
-    const std::string noteName = name + std::string(kInfoEnding);
+    const std::string infoName = name + std::string(kInfoExtension);
     const Descriptor file(
-        calls.openAt(info.get(), noteName, O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0600));
+        calls.openAt(info.get(), infoName, O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0600));
     if (!file)
         return errno == EEXIST ? Outcome::NameTaken : Outcome::Failed;
-    if (writeAll(file.get(), note, calls) && calls.flush(file.get()) == 0 &&
+    if (writeAll(file.get(), text, calls) && calls.flush(file.get()) == 0 &&
         calls.renameWithoutReplacing(AT_FDCWD, path, files.get(), name) == 0)
-        return Outcome::Done;
+        return Outcome::Moved;
     const Outcome outcome =
         errno == EEXIST || errno == ENOTEMPTY ? Outcome::NameTaken : Outcome::Failed;
-    ::unlinkat(info.get(), noteName.c_str(), 0);
+    ::unlinkat(info.get(), infoName.c_str(), 0);
     return outcome;
 }
 
@@ -150,33 +151,34 @@ Outcome moveAs(const std::string& name, const std::string& path, const Descripto
 
 std::optional<std::string> trashAtTop(const std::string& top) {
     const std::string user = std::to_string(::geteuid());
-    const std::string everybodys = appendingPathComponent(top, ".Trash");
-    const auto status = statusAt(everybodys);
+    const std::string shared = appendingPathComponent(top, ".Trash");
+    const auto status = statusAt(shared);
     if (status && S_ISDIR(status->st_mode) && (status->st_mode & S_ISVTX) != 0) {
-        std::string folder = appendingPathComponent(everybodys, user);
-        if (isOwnFolder(folder))
+        std::string folder = appendingPathComponent(shared, user);
+        if (ensureOwnFolder(folder))
             return folder;
     }
     std::string folder = appendingPathComponent(top, ".Trash-" + user);
-    return isOwnFolder(folder) ? std::optional(std::move(folder)) : std::nullopt;
+    return ensureOwnFolder(folder) ? std::optional(std::move(folder)) : std::nullopt;
 }
 
 bool moveToTrash(const std::string& path) {
-    const auto place = realPlace(path);
-    const auto trash = place ? trashFor(*place) : std::nullopt;
+    const auto resolved = resolvingParent(path);
+    const auto trash = resolved ? trashFor(*resolved) : std::nullopt;
     if (!trash || !makeFolders(appendingPathComponent(trash->folder, "files")) ||
         !makeFolders(appendingPathComponent(trash->folder, "info")))
         return false;
-    const Descriptor folder(::open(trash->folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+    const Descriptor folder = openFolder(trash->folder);
     const Descriptor files = openFolder(folder.get(), "files");
     const Descriptor info = openFolder(folder.get(), "info");
     if (!files || !info)
         return false;
-    const std::string note = noteFor(*place, trash->top);
+    const std::string text = trashInfo(*resolved, trash->top);
     Outcome outcome = Outcome::NameTaken;
     for (int number = 1; outcome == Outcome::NameTaken && number <= kMaximumNumber; ++number)
-        outcome = moveAs(numbered(lastPathComponent(*place), number), *place, files, info, note);
-    return outcome == Outcome::Done;
+        outcome =
+            moveAs(numbered(lastPathComponent(*resolved), number), *resolved, files, info, text);
+    return outcome == Outcome::Moved;
 }
 
 } // namespace platform::posix

@@ -3,20 +3,19 @@
 #include <optional>
 #include <string>
 
-/// The Trash as freedesktop.org describes it: a folder with "files", which holds what was thrown
-/// away, and "info", which says of each where it lay and when it went. No operation throws.
+/// The Trash as defined by freedesktop.org: a folder that contains "files" with the
+/// trashed items and "info" with the original path and the deletion date of each.
 namespace platform::posix {
 
-/// Moves a file, a folder or a symbolic link into the Trash of its file system: the user's own
-/// (below XDG_DATA_HOME, else ~/.local/share), or when that lies elsewhere the one at the top of
-/// the file system, ".Trash/<user>" or ".Trash-<user>". Missing folders are made, the user's alone.
-/// A name that the Trash has already gets a number. False when it cannot be moved; then it is
-/// untouched, and nothing of it stays in the Trash.
+/// Moves a file, a folder or a symbolic link to the Trash on its file system. This is the home
+/// Trash, in XDG_DATA_HOME or ~/.local/share, or on another file system the folder that trashAtTop
+/// returns. Creates missing folders with mode 0700. An item whose name is taken in the Trash is
+/// numbered. Returns false on failure; the item and the Trash are then unchanged.
 bool moveToTrash(const std::string& path);
 
-/// The folder for the current user at the top of a file system: ".Trash/<user>" when ".Trash" is a
-/// true folder with the sticky bit, else ".Trash-<user>". Nothing when it is neither there nor can
-/// be made, is a link, or belongs to somebody else.
+/// Returns the current user's Trash in @p top, the top folder of a file system, and creates it if
+/// necessary: ".Trash/<uid>" if ".Trash" is a folder with the sticky bit, or else ".Trash-<uid>".
+/// Returns std::nullopt if it cannot be created, is a link, or belongs to another user.
 std::optional<std::string> trashAtTop(const std::string& top);
 
 } // namespace platform::posix

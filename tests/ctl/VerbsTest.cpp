@@ -97,7 +97,7 @@ TEST(LocationVerbs, MergeAndSplitWithoutTouchingTheUsersFiles) {
                 {"halvexctl locations merge list missing", "", 1, "missing: No such file"},
                 {"halvexctl locations split dict new net", "", 1, "halvexctl: dict: no list: "},
                 {"ls new", "", 2},
-                {"halvexctl locations save home", "", 1, "halvexctl: home: It is a folder."}});
+                {"halvexctl locations save home", "", 1, "halvexctl: home: is a folder, not a regular file"}});
 }
 
 TEST(WarningVerbs, FindTheFirstListThereIs) {

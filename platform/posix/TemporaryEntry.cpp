@@ -1,0 +1,81 @@
+#include "platform/posix/TemporaryEntry.h"
+
+#include "platform/posix/Folder.h"
+#include "platform/posix/RemoveTree.h"
+#include "platform/posix/TemporaryName.h"
+
+#include <cerrno>
+#include <fcntl.h>
+#include <sys/file.h>
+#include <utility>
+
+namespace platform::posix {
+namespace {
+
+constexpr int kMaximumAttempts = 16;
+
+void removeLeftovers(int folder, const std::string& prefix) {
+    for (const std::string& name : namesIn(folder).value_or(std::vector<std::string>())) {
+        if (!name.starts_with(prefix))
+            continue;
+        const Descriptor entry(
+            ::openat(folder, name.c_str(), O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC));
+        if (entry && ::flock(entry.get(), LOCK_EX | LOCK_NB) == 0)
+            removeTree(folder, name, Permissions::MakeWritable);
+    }
+}
+
+Descriptor create(TemporaryEntry::Kind kind, int folder, const std::string& name, mode_t mode,
+                  SystemCalls& calls) {
+    if (kind == TemporaryEntry::Kind::File)
+        return Descriptor(
+            calls.openAt(folder, name, O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, mode));
+    return calls.makeFolder(folder, name, mode) == 0 ? openFolder(folder, name) : Descriptor();
+}
+
+/// Locks a new entry. Returns false if another process took it for a leftover before it was locked.
+/// On a file system without locks no entry is ever taken for a leftover.
+bool lock(int entry, int folder, const std::string& name) {
+    if (::flock(entry, LOCK_EX | LOCK_NB) != 0 && errno == EWOULDBLOCK)
+        return false;
+    struct stat created {};
+    const auto found = statusOf(folder, name);
+    return found && ::fstat(entry, &created) == 0 && isSameFile(*found, created);
+}
+
+} // namespace
+
+TemporaryEntry::TemporaryEntry(Kind kind, int folder, std::string_view purpose,
+                               std::string finalName, mode_t mode, SystemCalls& calls)
+    : folder_(folder), finalName_(std::move(finalName)), calls_(calls) {
+    const std::string prefix = temporaryPrefix(purpose, finalName_);
+    removeLeftovers(folder, prefix);
+    for (int attempt = 0; attempt < kMaximumAttempts; ++attempt) {
+        const auto name = temporaryName(prefix);
+        if (!name)
+            return;
+        Descriptor entry = create(kind, folder, *name, mode, calls);
+        if (!entry && errno != EEXIST && errno != ENOENT)
+            return;
+        if (!entry || !lock(entry.get(), folder, *name))
+            continue;
+        name_ = *name;
+        descriptor_ = std::move(entry);
+        return;
+    }
+}
+
+TemporaryEntry::~TemporaryEntry() {
+    if (descriptor_ && !renamed_)
+        removeTree(folder_, name_, Permissions::MakeWritable);
+}
+
+bool TemporaryEntry::rename(IfTaken ifTaken) {
+    const int result = ifTaken == IfTaken::Replace
+                           ? calls_.rename(folder_, name_, finalName_)
+                           : calls_.renameWithoutReplacing(folder_, name_, folder_, finalName_);
+    renamed_ = result == 0;
+    return renamed_;
+}
+
+} // namespace platform::posix
