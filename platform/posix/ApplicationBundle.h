@@ -3,15 +3,16 @@
 #include <optional>
 #include <string>
 
-/// Application bundles: folders whose name ends in ".app".
+/// Application bundles: bundles in a folder whose name ends in ".app".
 namespace platform::posix {
 
 bool isApplicationBundle(const std::string& path);
 
-/// The application bundle that a program lies in; nothing for a program of its own.
+/// Returns the path of the application bundle that contains @p program, or std::nullopt if the
+/// program is not part of one.
 std::optional<std::string> applicationBundleOf(const std::string& program);
 
-/// CFBundleName; the folder's name when there is none.
+/// Returns CFBundleName or, without one, the name of the folder without its extension.
 std::string applicationName(const std::string& bundle);
 
 } // namespace platform::posix

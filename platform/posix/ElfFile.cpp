@@ -13,11 +13,11 @@ namespace platform::posix {
 namespace {
 
 struct Machine {
-    int elf;
-    int platformNumber;
+    int elfMachine;
+    int architecture;
 };
 
-// The platform's number of a processor family; 0x1000000 marks its 64-bit kind.
+// DynamicLoader's number of each processor family; 0x1000000 marks the 64-bit variant.
 constexpr int k64Bit = 0x1000000;
 constexpr std::array kMachines{
     Machine{EM_386, 7},  Machine{EM_X86_64, 7 | k64Bit},
@@ -25,10 +25,10 @@ constexpr std::array kMachines{
     Machine{EM_PPC, 18}, Machine{EM_PPC64, 18 | k64Bit},
 };
 
-int platformNumber(int elfMachine) {
+int architectureOf(int elfMachine) {
     for (const Machine& machine : kMachines) {
-        if (machine.elf == elfMachine)
-            return machine.platformNumber;
+        if (machine.elfMachine == elfMachine)
+            return machine.architecture;
     }
     return 0;
 }
@@ -60,7 +60,7 @@ bool fits(std::uint64_t offset, std::uint64_t length, std::uint64_t size) {
     return offset <= size && length <= size - offset;
 }
 
-/// Whether every byte that the loader would map, and the section table, lie in the file.
+/// Returns whether the file contains every byte that the loader would map, and the section table.
 bool isComplete(const File& file, const Elf64_Ehdr& header) {
     if (header.e_phentsize != sizeof(Elf64_Phdr) || header.e_phnum == 0)
         return false;
@@ -87,13 +87,13 @@ Integer inByteOrder(Integer value, unsigned char order) {
 
 std::optional<ElfFile> ElfFile::read(const std::string& path) {
     const File file(path);
-    // The fields up to e_machine lie at the same offsets in 32-bit and 64-bit files.
+    // The fields up to e_machine have the same offsets in 32-bit and 64-bit files.
     Elf32_Ehdr start{};
     if (!file.readAt(0, start) || std::memcmp(start.e_ident, ELFMAG, SELFMAG) != 0)
         return std::nullopt;
     const unsigned char order = start.e_ident[EI_DATA];
     ElfFile result;
-    result.architecture = platformNumber(inByteOrder(start.e_machine, order));
+    result.architecture = architectureOf(inByteOrder(start.e_machine, order));
     result.isSharedObject = inByteOrder(start.e_type, order) == ET_DYN;
     Elf64_Ehdr header{};
     const bool native = inByteOrder(std::uint16_t{1}, order) == 1;

@@ -5,15 +5,15 @@
 
 namespace platform::posix {
 
-/// What the header of an executable file says.
+/// The properties of an executable file that its ELF header states.
 struct ElfFile {
-    int architecture =
-        0; ///< as the platform numbers processors; 0 for one that it has no number for
+    /// The number that DynamicLoader uses for the processor; 0 if it has none.
+    int architecture = 0;
     bool isSharedObject = false;
-    bool isComplete =
-        false; ///< the file is as long as its segments say; told for 64-bit files only
+    /// Whether the file is long enough for all its segments. Always false for 32-bit files.
+    bool isComplete = false;
 
-    /// Nothing when the file is not there, is no regular file, or is no ELF file.
+    /// Returns std::nullopt if the file is missing, not a regular file, or not an ELF file.
     static std::optional<ElfFile> read(const std::string& path);
 };
 

@@ -19,7 +19,7 @@ std::int64_t secondsIn(TickInterval interval) {
     return interval == TickInterval::Minute ? 60 : 1;
 }
 
-/// One timer on the time of day and a watch on the zone's file.
+/// A timer and a watch on the time zone's file.
 class Ticker final : public Watch {
   public:
     Ticker(TickInterval interval, std::function<void()> handler)
@@ -52,9 +52,9 @@ class Ticker final : public Watch {
         std::uint64_t count = 0;
         const bool wasSet = ::read(timer_.get(), &count, sizeof count) < 0 && errno == ECANCELED;
         if (wasSet && !arm(clock))
-            logLine("clock timer cannot be set: %@", std::strerror(errno));
+            logLine("cannot set the clock timer: %@", std::strerror(errno));
         if (wasSet || count > 0) {
-            const auto handler = handler_; // which may destroy this ticker
+            const auto handler = handler_; // a copy, because it may destroy this ticker
             (*handler)();
         }
     }
@@ -72,7 +72,7 @@ PosixClock::PosixClock(std::string zoneFile) : zoneFile_(std::move(zoneFile)) {
     tzset();
 }
 
-// Not time(): its coarse clock can still show the second before when a timer goes off.
+// Does not call time(): when a timer fires, its coarse clock may still be in the previous second.
 std::int64_t PosixClock::now() const {
     timespec time{};
     clock_gettime(CLOCK_REALTIME, &time);
@@ -93,13 +93,13 @@ std::unique_ptr<Watch> PosixClock::tick(TickInterval interval, std::function<voi
     auto ticker = std::make_unique<Ticker>(interval, std::move(handler));
     if (ticker->start(*this, zoneFile_))
         return ticker;
-    logLine("no clock timer: %@", std::strerror(errno));
+    logLine("cannot create a clock timer: %@", std::strerror(errno));
     return nullptr;
 }
 
 } // namespace platform::posix
 
-// Never destroyed: a thread that outlives main may be asleep in it.
+// Never destroyed: threads that outlive main may be sleeping in it.
 platform::Clock& platform::defaults::clock() {
     static auto* const clock = new posix::PosixClock;
     return *clock;

@@ -6,11 +6,11 @@
 
 namespace platform::posix {
 
-/// The system's clock. Ticks come from timers on the time of day that also report when that was
-/// set; the time zone is followed by watching the file that holds it.
+/// The system clock. Ticks come from timers on CLOCK_REALTIME, which also report when the clock is
+/// set. Changes of the time zone are detected by watching its file.
 class PosixClock final : public Clock {
   public:
-    /// @p zoneFile is the file that says which time zone the system is in.
+    /// @p zoneFile is the file, or the link to it, that holds the system's time zone.
     explicit PosixClock(std::string zoneFile = "/etc/localtime");
 
     std::int64_t now() const override;

@@ -1,6 +1,7 @@
 #include "platform/Defaults.h"
 #include "platform/DynamicLoader.h"
 #include "platform/posix/ElfFile.h"
+#include "platform/posix/LoadedFile.h"
 #include "platform/posix/Preflight.h"
 
 #include <dlfcn.h>
@@ -39,45 +40,46 @@ class PosixDynamicLoader final : public DynamicLoader {
     }
 
     std::string fileOfAddress(const void* address) const override {
-        Dl_info info{};
-        if (dladdr(address, &info) == 0 || !info.dli_fname)
+        const std::filesystem::path file(loadedFileAt(address));
+        if (file.empty())
             return {};
-        // The program itself goes by the name that it was called by.
-        std::error_code none;
-        const std::filesystem::path file(info.dli_fname);
-        if (!std::filesystem::exists(file, none) || !file.is_absolute())
-            return std::filesystem::read_symlink("/proc/self/exe", none).string();
+        // The program's name on the command line may not be a path to it.
+        std::error_code ignored;
+        if (!std::filesystem::exists(file, ignored) || !file.is_absolute())
+            return std::filesystem::read_symlink("/proc/self/exe", ignored).string();
         return file.lexically_normal().string();
     }
 
     bool preflight(const std::string& path, std::string& reason) const override {
-        // Opening some devices does something, and a pipe would be waited for.
+        // Merely opening some devices has effects, and opening a pipe would block.
         struct stat status {};
-        const bool isSomethingElse = ::stat(path.c_str(), &status) == 0 && !S_ISREG(status.st_mode);
-        reason = isSomethingElse ? reasonAgainst(path) : askLoader(path);
-        // The loader trusts the header about how long the file is, or dies finding out.
+        const bool notRegular = ::stat(path.c_str(), &status) == 0 && !S_ISREG(status.st_mode);
+        reason = notRegular ? headerError(path) : preflightError(path);
+        // The loader does not compare the size of the file with the header: it accepts a truncated
+        // file, or crashes in it.
         const auto file = ElfFile::read(path);
         if (file && file->architecture == hostArchitecture() &&
             (!file->isSharedObject || !file->isComplete))
-            reason = reasonAgainst(path);
+            reason = headerError(path);
         return reason.empty();
     }
 
     std::unique_ptr<LoadedCode> load(const std::string& path, std::string& reason) override {
-        reason = reasonAgainst(path);
+        reason = headerError(path);
         if (!reason.empty())
             return nullptr;
-        // At once: a symbol that nobody defines would end the program when it is first called.
+        // RTLD_NOW: with lazy binding, the first call of an undefined symbol would end the program.
         if (void* handle = dlopen(path.c_str(), RTLD_NOW | RTLD_LOCAL))
             return std::make_unique<SharedObject>(handle);
         const char* text = dlerror();
-        reason = text ? text : "refused by the dynamic loader";
+        reason = text ? text : "unknown error of the dynamic loader";
         return nullptr;
     }
 
   private:
-    /// The loader itself maps a file that is cut off, and the program dies on the missing pages.
-    std::string reasonAgainst(const std::string& path) const {
+    /// Returns why load refuses the file before the loader maps it, or an empty string. The process
+    /// would crash on the missing pages of a truncated file.
+    std::string headerError(const std::string& path) const {
         const auto file = ElfFile::read(path);
         if (!file)
             return "no executable code in " + path;
@@ -85,15 +87,14 @@ class PosixDynamicLoader final : public DynamicLoader {
             return "code for another processor (" + std::to_string(file->architecture) + ") in " +
                    path;
         if (!file->isSharedObject)
-            return "no shared object in " + path;
+            return "not a shared object: " + path;
         if (!file->isComplete)
-            return "the code is cut off in " + path;
+            return "truncated code in " + path;
         return {};
     }
 };
 
 } // namespace
-
 } // namespace platform::posix
 
 platform::DynamicLoader& platform::defaults::dynamicLoader() {

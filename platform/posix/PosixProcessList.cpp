@@ -19,31 +19,31 @@ namespace fs = std::filesystem;
 namespace platform::posix {
 namespace {
 
-// A process identifier has at most 22 bits. The rest of a serial number is when the process was
-// started, in the system's ticks since it runs.
+// The low 22 bits of a serial number are the process identifier, which is never longer. The others
+// are the start time of the process, in clock ticks since the system was booted.
 constexpr unsigned kIdentifierBits = 22;
 
-std::string folderOf(pid_t process) {
+std::string procFolder(pid_t process) {
     return "/proc/" + std::to_string(process);
 }
 
-struct Status {
+struct ProcessStatus {
     char state = 0;
     std::uint64_t startTime = 0;
-    std::string command; ///< the program's name, shortened by the system
+    std::string command; ///< the name of the program, truncated by the system
 };
 
-/// What the system says of a process that has not ended.
-std::optional<Status> statusOf(pid_t process) {
-    std::ifstream file(folderOf(process) + "/stat");
+/// Returns std::nullopt if the process has exited.
+std::optional<ProcessStatus> statusOf(pid_t process) {
+    std::ifstream file(procFolder(process) + "/stat");
     std::string line;
     std::getline(file, line);
-    // The name stands in brackets and may hold some itself.
+    // The name is in parentheses and may contain some.
     const auto open = line.find('(');
     const auto close = line.rfind(')');
     if (open == std::string::npos || close == std::string::npos || close < open)
         return std::nullopt;
-    Status status{.command = line.substr(open + 1, close - open - 1)};
+    ProcessStatus status{.command = line.substr(open + 1, close - open - 1)};
     std::istringstream fields(line.substr(close + 1));
     fields >> status.state;
     constexpr int kBetweenStateAndStartTime = 18;
@@ -51,15 +51,15 @@ std::optional<Status> statusOf(pid_t process) {
     for (int i = 0; i < kBetweenStateAndStartTime; ++i)
         fields >> ignored;
     fields >> status.startTime;
-    const bool ended = status.state == 'Z' || status.state == 'X';
-    return fields && !ended ? std::optional(std::move(status)) : std::nullopt;
+    const bool exited = status.state == 'Z' || status.state == 'X';
+    return fields && !exited ? std::optional(std::move(status)) : std::nullopt;
 }
 
-ProcessSerialNumber serialNumber(pid_t process, const Status& status) {
+ProcessSerialNumber serialNumber(pid_t process, const ProcessStatus& status) {
     return status.startTime << kIdentifierBits | static_cast<ProcessSerialNumber>(process);
 }
 
-std::string nameOf(pid_t process, const Status& status) {
+std::string nameOf(pid_t process, const ProcessStatus& status) {
     const auto program = programOf(process);
     if (!program)
         return status.command;
@@ -67,12 +67,12 @@ std::string nameOf(pid_t process, const Status& status) {
     return bundle ? applicationName(*bundle) : lastPathComponent(*program);
 }
 
-bool isOwn(pid_t process) {
+bool isOfCurrentUser(pid_t process) {
     struct stat folder {};
-    return ::stat(folderOf(process).c_str(), &folder) == 0 && folder.st_uid == ::geteuid();
+    return ::stat(procFolder(process).c_str(), &folder) == 0 && folder.st_uid == ::geteuid();
 }
 
-std::vector<pid_t> ownProcesses() {
+std::vector<pid_t> processesOfCurrentUser() {
     std::vector<pid_t> found;
     std::error_code error;
     for (fs::directory_iterator at("/proc", error); !error && at != fs::directory_iterator();
@@ -80,7 +80,7 @@ std::vector<pid_t> ownProcesses() {
         const std::string name = at->path().filename().string();
         pid_t process = 0;
         const auto end = std::from_chars(name.data(), name.data() + name.size(), process).ptr;
-        if (end == name.data() + name.size() && isOwn(process))
+        if (end == name.data() + name.size() && isOfCurrentUser(process))
             found.push_back(process);
     }
     std::ranges::sort(found);
@@ -91,7 +91,7 @@ std::vector<pid_t> ownProcesses() {
 
 std::vector<RunningProcess> PosixProcessList::processes() const {
     std::vector<RunningProcess> result;
-    for (const pid_t process : ownProcesses())
+    for (const pid_t process : processesOfCurrentUser())
         if (const auto status = statusOf(process))
             result.push_back({serialNumber(process, *status), nameOf(process, *status)});
     return result;
@@ -107,13 +107,13 @@ std::optional<pid_t> processIdentifier(ProcessSerialNumber wanted) {
 
 std::optional<std::string> programOf(pid_t process) {
     std::error_code error;
-    std::string program = fs::read_symlink(folderOf(process) + "/exe", error).string();
+    std::string program = fs::read_symlink(procFolder(process) + "/exe", error).string();
     if (error)
         return std::nullopt;
-    // What the system adds when the file has been replaced since.
-    constexpr std::string_view kGone = " (deleted)";
-    if (program.ends_with(kGone))
-        program.resize(program.size() - kGone.size());
+    // The system appends this once the file has been removed or replaced.
+    constexpr std::string_view kDeleted = " (deleted)";
+    if (program.ends_with(kDeleted))
+        program.resize(program.size() - kDeleted.size());
     return program;
 }
 

@@ -8,17 +8,17 @@
 
 namespace platform::posix {
 
-/// The processes that the system's process file system shows.
+/// The current user's processes in /proc.
 class PosixProcessList final : public ProcessList {
   public:
     std::vector<RunningProcess> processes() const override;
 };
 
-/// The process identifier that belongs to a serial number; nothing once the process has ended.
+/// Returns the process with a serial number, or std::nullopt if it has exited.
 std::optional<pid_t> processIdentifier(ProcessSerialNumber serialNumber);
 
-/// The file of a process's program, where it was when it was started; nothing when the system does
-/// not say.
+/// Returns the path that a process's program had at its start, or std::nullopt if the process has
+/// exited or may not be inspected.
 std::optional<std::string> programOf(pid_t process);
 
 } // namespace platform::posix

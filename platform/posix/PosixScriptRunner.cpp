@@ -12,11 +12,12 @@ constexpr std::string_view kBefore =
     "tell application \"System Preferences\"\nactivate\nset the current pane to pane id \"";
 constexpr std::string_view kAfter = "\"\nend tell\n";
 
-/// A quotation mark or a line's end would be more script, and no part of an identifier.
-std::optional<std::string> identifierIn(std::string_view script) {
-    const bool framed = script.size() > kBefore.size() + kAfter.size() &&
-                        script.starts_with(kBefore) && script.ends_with(kAfter);
-    if (!framed)
+/// Returns the pane's identifier, or std::nullopt for another script. An identifier with a
+/// quotation mark, a backslash or a line break is rejected: what follows could be more script.
+std::optional<std::string> paneIdentifier(std::string_view script) {
+    const bool matches = script.size() > kBefore.size() + kAfter.size() &&
+                         script.starts_with(kBefore) && script.ends_with(kAfter);
+    if (!matches)
         return std::nullopt;
     script.remove_prefix(kBefore.size());
     script.remove_suffix(kAfter.size());
@@ -27,9 +28,9 @@ std::optional<std::string> identifierIn(std::string_view script) {
 } // namespace
 
 std::optional<std::string> PosixScriptRunner::run(const std::string& script) {
-    const auto identifier = identifierIn(script);
+    const auto identifier = paneIdentifier(script);
     if (!identifier)
-        return "only a script is understood that selects a pane of System Preferences";
+        return "unsupported script: it does not select a pane of System Preferences";
     std::string reason;
     if (startSystemPreferences({"--select", *identifier}, reason))
         return std::nullopt;

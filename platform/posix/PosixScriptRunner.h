@@ -4,7 +4,7 @@
 
 namespace platform::posix {
 
-/// Knows one script, which it answers by starting the preferences' program:
+/// Runs one script, by starting the preferences program, and rejects all others:
 ///
 ///     tell application "System Preferences"
 ///     activate

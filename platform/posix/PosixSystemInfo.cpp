@@ -14,7 +14,8 @@
 namespace platform::posix {
 namespace {
 
-/// Takes the number at the beginning of @p text, and the dot after it, away from it.
+/// Removes a number and the dot after it from the start of @p text. Returns the number, UINT32_MAX
+/// for a larger one, or std::nullopt if there is none.
 std::optional<std::uint32_t> takeNumber(std::string_view& text) {
     std::uint32_t number = 0;
     const char* const end = text.data() + text.size();
@@ -29,14 +30,14 @@ std::optional<std::uint32_t> takeNumber(std::string_view& text) {
     return error == std::errc() ? number : UINT32_MAX;
 }
 
-/// The name that a zone's file has in the tz database; empty for any other file.
+/// Returns the name of a file in the tz database, or an empty string for any other file.
 std::string zoneOfFile(const std::string& path) {
     constexpr std::string_view kDatabase = "/zoneinfo/";
     const auto found = path.find(kDatabase);
     return found == std::string::npos ? "" : path.substr(found + kDatabase.size());
 }
 
-/// The name in the variable TZ; empty when that has none.
+/// Returns the zone that TZ names, or an empty string if it names none.
 std::string zoneOfEnvironment() {
     const char* const value = std::getenv("TZ");
     std::string_view zone = value ? value : "";
@@ -47,7 +48,7 @@ std::string zoneOfEnvironment() {
 
 } // namespace
 
-std::optional<std::uint32_t> codedVersion(std::string_view release) {
+std::optional<std::uint32_t> encodedVersion(std::string_view release) {
     const auto major = takeNumber(release);
     if (!major)
         return std::nullopt;
@@ -63,13 +64,13 @@ std::optional<std::uint32_t> PosixSystemInfo::query(SystemFact fact) const {
     utsname system{};
     if (fact != SystemFact::SystemVersion || ::uname(&system) != 0)
         return std::nullopt;
-    return codedVersion(system.release);
+    return encodedVersion(system.release);
 }
 
 TimeZone PosixSystemInfo::systemTimeZone() const {
     const std::time_t now = std::time(nullptr);
     std::tm local{};
-    tzset(); // localtime_r alone may keep to the zone that the process began with
+    tzset(); // localtime_r alone need not notice that the zone has changed
     localtime_r(&now, &local);
     std::error_code ignored;
     std::string name = zoneOfEnvironment();

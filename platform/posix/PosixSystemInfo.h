@@ -7,16 +7,17 @@
 
 namespace platform::posix {
 
-/// A release such as "6.1.0-18-amd64" in the coding of SystemFact::SystemVersion, with at most 9
-/// for the minor part and the patch, 0 when they are missing, and at most 99 for the major part.
-/// Nothing when it does not begin with a number.
-std::optional<std::uint32_t> codedVersion(std::string_view release);
+/// Encodes a kernel release such as "6.1.0-18-amd64" as SystemFact::SystemVersion. A major version
+/// above 99 becomes 99, a minor version or patch level above 9 becomes 9, and a missing one 0.
+/// Returns std::nullopt if @p release does not begin with a number.
+std::optional<std::uint32_t> encodedVersion(std::string_view release);
 
-/// The kernel's version, and the time zone of libc. There is no media software to ask.
+/// The version of the kernel and the time zone of libc. There is no media software, so
+/// SystemFact::MediaVersion is not available.
 class PosixSystemInfo final : public SystemInfo {
   public:
-    /// @p zoneFile is the file that says which time zone the system is in; as a symbolic link it
-    /// gives the zone's name. The variable TZ goes before it.
+    /// @p zoneFile is the file that holds the system's time zone. If it is a symbolic link into the
+    /// tz database, its target names the zone. The environment variable TZ takes precedence.
     explicit PosixSystemInfo(std::string zoneFile = "/etc/localtime");
 
     std::optional<std::uint32_t> query(SystemFact fact) const override;

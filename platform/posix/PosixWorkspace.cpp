@@ -4,11 +4,11 @@
 #include "platform/Defaults.h"
 #include "platform/Log.h"
 #include "platform/posix/ApplicationBundle.h"
-#include "platform/posix/OpenURL.h"
 #include "platform/posix/StartProgram.h"
 #include "platform/posix/SystemPreferences.h"
 #include "platform/posix/Trash.h"
 
+#include <cctype>
 #include <cstring>
 
 namespace platform::posix {
@@ -24,9 +24,9 @@ bool startApplication(const std::string& path) {
             return true;
         reason = *program + ": " + std::strerror(error);
     } else if (reason.empty()) {
-        reason = "CFBundleExecutable names no program";
+        reason = "CFBundleExecutable is missing or invalid";
     }
-    logLine("%@ cannot be started: %@", path, reason);
+    logLine("cannot start %@: %@", path, reason);
     return false;
 }
 
@@ -41,15 +41,16 @@ bool PosixWorkspace::openFile(const std::string& path) {
 }
 
 bool PosixWorkspace::openFile(const std::string& path, const std::string& withApplication) {
-    std::string reason = "there is no such application";
+    std::string reason = "unknown application";
     if (withApplication == kSystemPreferences && startSystemPreferences({path}, reason))
         return true;
-    logLine("%@ cannot be opened with %@: %@", path, withApplication, reason);
+    logLine("cannot open %@ with %@: %@", path, withApplication, reason);
     return false;
 }
 
 bool PosixWorkspace::openURL(const std::string& url) {
-    return posix::openURL(url);
+    return !url.empty() && std::isalpha(static_cast<unsigned char>(url.front())) &&
+           startProgram("xdg-open", {url}) == 0;
 }
 
 bool PosixWorkspace::recycle(const std::string& path) {
@@ -60,6 +61,7 @@ void PosixWorkspace::bringToFront(ProcessSerialNumber) {}
 
 } // namespace platform::posix
 
+// Never destroyed: threads that outlive main may use it.
 platform::Workspace& platform::defaults::workspace() {
     static auto* const workspace = new posix::PosixWorkspace;
     return *workspace;

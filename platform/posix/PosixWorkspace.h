@@ -5,13 +5,16 @@
 
 namespace platform::posix {
 
-/// The workspace of a program without a desktop: it has a Trash, starts applications and opens
-/// URLs, and has nothing that could show files or move windows.
+/// The workspace without a desktop. It starts applications, opens URLs with xdg-open and moves
+/// items to the Trash, but cannot show files or move windows: these operations return false or do
+/// nothing.
 class PosixWorkspace : public Workspace {
   public:
     bool selectFile(const std::string& path, const std::string& rootPath) override;
     bool openFile(const std::string& path) override;
     bool openFile(const std::string& path, const std::string& withApplication) override;
+    /// Starts xdg-open, which logs to this process's standard error. Returns false for a URL that
+    /// does not begin with a letter, because xdg-open could read it as an option.
     bool openURL(const std::string& url) override;
     bool recycle(const std::string& path) override;
     void bringToFront(ProcessSerialNumber process) override;

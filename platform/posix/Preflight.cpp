@@ -3,6 +3,8 @@
 #include "platform/base/NonCopyable.h"
 #include "platform/base/PathStrings.h"
 #include "platform/posix/Descriptor.h"
+#include "platform/posix/LoadedFile.h"
+#include "platform/posix/SystemCalls.h"
 
 #include <algorithm>
 #include <array>
@@ -11,7 +13,6 @@
 #include <csignal>
 #include <cstdlib>
 #include <cstring>
-#include <dlfcn.h>
 #include <fcntl.h>
 #include <poll.h>
 #include <spawn.h>
@@ -25,26 +26,21 @@ namespace {
 
 using SteadyClock = std::chrono::steady_clock;
 
-constexpr auto kPatience = std::chrono::seconds(5);
-constexpr std::size_t kMaximumAnswer = std::size_t{1} << 20;
-
-/// The file that an address of this process was mapped from.
-std::string fileOfAddress(const void* address) {
-    Dl_info info{};
-    return address && ::dladdr(address, &info) != 0 && info.dli_fname ? info.dli_fname : "";
-}
+constexpr auto kTimeout = std::chrono::seconds(5);
+constexpr std::size_t kMaximumOutput = std::size_t{1} << 20;
 
 std::string libraryFolders() {
-    const char* asked = std::getenv("LD_LIBRARY_PATH");
+    const char* variable = std::getenv("LD_LIBRARY_PATH");
     const std::string own =
-        deletingLastPathComponent(fileOfAddress(reinterpret_cast<const void*>(&askLoader)));
-    return (asked && *asked ? std::string(asked) + ':' : std::string()) + own;
+        deletingLastPathComponent(loadedFileAt(reinterpret_cast<const void*>(&preflightError)));
+    return (variable && *variable ? std::string(variable) + ':' : std::string()) + own;
 }
 
-class Child : NonCopyable {
+/// The loader in a process of its own, which is killed with the object.
+class LoaderProcess : NonCopyable {
   public:
-    Child(const std::string& loader, const std::string& path);
-    ~Child() {
+    LoaderProcess(const std::string& loader, const std::string& path);
+    ~LoaderProcess() {
         if (process_ > 0) {
             ::kill(process_, SIGKILL);
             ::waitpid(process_, nullptr, 0);
@@ -52,12 +48,12 @@ class Child : NonCopyable {
     }
 
     explicit operator bool() const { return process_ > 0; }
-    /// False when it takes longer than anybody would wait.
-    bool listen(std::string& text);
+    /// Reads the output up to its end. Returns false if that takes too long or is too long.
+    bool readOutput(std::string& text);
+    /// Returns the exit status.
     int wait() {
         int status = 0;
-        while (::waitpid(process_, &status, 0) < 0 && errno == EINTR)
-            continue;
+        retryInterrupted([&] { return ::waitpid(process_, &status, 0); });
         process_ = -1;
         return status;
     }
@@ -67,7 +63,7 @@ class Child : NonCopyable {
     Descriptor output_;
 };
 
-Child::Child(const std::string& loader, const std::string& path) {
+LoaderProcess::LoaderProcess(const std::string& loader, const std::string& path) {
     std::array<int, 2> ends{};
     if (::pipe2(ends.data(), O_CLOEXEC) != 0)
         return;
@@ -93,10 +89,10 @@ Child::Child(const std::string& loader, const std::string& path) {
     ::posix_spawn_file_actions_destroy(&actions);
 }
 
-bool Child::listen(std::string& text) {
-    const auto end = SteadyClock::now() + kPatience;
-    std::array<char, 4096> piece{};
-    while (text.size() < kMaximumAnswer) {
+bool LoaderProcess::readOutput(std::string& text) {
+    const auto end = SteadyClock::now() + kTimeout;
+    std::array<char, 4096> buffer{};
+    while (text.size() < kMaximumOutput) {
         const auto left =
             std::chrono::duration_cast<std::chrono::milliseconds>(end - SteadyClock::now());
         if (left.count() <= 0)
@@ -104,11 +100,11 @@ bool Child::listen(std::string& text) {
         pollfd ready{output_.get(), POLLIN, 0};
         if (::poll(&ready, 1, static_cast<int>(left.count())) <= 0)
             continue;
-        const ssize_t count = ::read(output_.get(), piece.data(), piece.size());
+        const ssize_t count = ::read(output_.get(), buffer.data(), buffer.size());
         if (count == 0)
             return true;
         if (count > 0)
-            text.append(piece.data(), static_cast<std::size_t>(count));
+            text.append(buffer.data(), static_cast<std::size_t>(count));
     }
     return false;
 }
@@ -130,10 +126,11 @@ std::string trimmed(std::string_view line) {
     return result;
 }
 
-/// The first complaint among the lines; the others say where each library was found.
-std::string complaintIn(std::string_view text) {
+/// Returns the first error in the loader's output. Its other lines state where each library was
+/// found.
+std::string errorIn(std::string_view text) {
     constexpr std::string_view kIntroduction = ": error while loading shared libraries: ";
-    std::string complaint;
+    std::string error;
     for (const std::string_view line : linesOf(text)) {
         if (const auto at = line.find(kIntroduction); at != std::string_view::npos)
             return trimmed(line.substr(at + kIntroduction.size()));
@@ -141,32 +138,32 @@ std::string complaintIn(std::string_view text) {
             return trimmed(line);
         const bool isFound = line.find(" (0x") != std::string_view::npos ||
                              trimmed(line) == "statically linked" || trimmed(line).empty();
-        if (!isFound && complaint.empty())
-            complaint = trimmed(line);
+        if (!isFound && error.empty())
+            error = trimmed(line);
     }
-    return complaint;
+    return error;
 }
 
 } // namespace
 
-std::string askLoader(const std::string& path) {
-    // The system tells where it put the loader as a number.
+std::string preflightError(const std::string& path) {
+    // The address that the loader was mapped at.
     const auto* base =
         reinterpret_cast<const void*>(::getauxval(AT_BASE)); // NOLINT(performance-no-int-to-ptr)
-    const std::string loader = fileOfAddress(base);
-    Child child(loader, path);
-    if (!child)
-        return "the system's loader cannot be asked";
+    const std::string loader = loadedFileAt(base);
+    LoaderProcess process(loader, path);
+    if (!process)
+        return "cannot run the dynamic loader";
     std::string text;
-    if (!child.listen(text))
-        return "the system's loader gives no answer";
-    const int status = child.wait();
+    if (!process.readOutput(text))
+        return "the dynamic loader did not finish";
+    const int status = process.wait();
     if (WIFSIGNALED(status))
-        return std::string("the system's loader died: ") + ::strsignal(WTERMSIG(status));
-    std::string complaint = complaintIn(text);
-    if (complaint.empty() && WEXITSTATUS(status) != 0)
-        return "the system's loader ended with " + std::to_string(WEXITSTATUS(status));
-    return complaint;
+        return std::string("the dynamic loader crashed: ") + ::strsignal(WTERMSIG(status));
+    std::string error = errorIn(text);
+    if (error.empty() && WEXITSTATUS(status) != 0)
+        return "the dynamic loader exited with status " + std::to_string(WEXITSTATUS(status));
+    return error;
 }
 
 } // namespace platform::posix

@@ -4,10 +4,12 @@
 
 namespace platform::posix {
 
-/// Why the system's loader would not load the shared object at @p path, in its own words; empty
-/// when it would. The loader is asked in a process of its own, where it maps the file and what the
-/// file needs and binds every symbol, but runs nothing of them. Libraries are looked for where this
-/// process's loader does, and where this library itself lies.
-std::string askLoader(const std::string& path);
+/// Returns the error with which the dynamic loader would refuse the shared object at @p path, in
+/// the loader's words, or an empty string if it would load it.
+///
+/// Runs the loader in another process, where it maps the file and its dependencies and binds every
+/// symbol, but runs none of their code. It searches for libraries where this process's loader does,
+/// and in the folder of this library. Blocks for a few milliseconds, at most 5 s.
+std::string preflightError(const std::string& path);
 
 } // namespace platform::posix

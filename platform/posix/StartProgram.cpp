@@ -1,6 +1,7 @@
 #include "platform/posix/StartProgram.h"
 
 #include "platform/posix/Descriptor.h"
+#include "platform/posix/SystemCalls.h"
 
 #include <algorithm>
 #include <array>
@@ -13,54 +14,51 @@
 namespace platform::posix {
 namespace {
 
-// In a child of a process with threads only what is safe in signal handlers may be called.
+// A child of a process with threads may call only async-signal-safe functions.
 
 void resetSignals() {
-    struct sigaction byDefault {};
-    byDefault.sa_handler = SIG_DFL;
+    struct sigaction action {};
+    action.sa_handler = SIG_DFL;
     for (int signal = 1; signal < NSIG; ++signal)
-        sigaction(signal, &byDefault, nullptr);
+        sigaction(signal, &action, nullptr);
     sigset_t none;
     sigemptyset(&none);
     sigprocmask(SIG_SETMASK, &none, nullptr);
 }
 
-/// All but standard error close with the start of the program; until then an error can be told.
-void leaveFiles() {
+/// Files above standard error are closed by exec, so that until then an error can be reported.
+void detachFiles() {
     const int empty = open("/dev/null", O_RDWR);
     dup2(empty, STDIN_FILENO);
     dup2(empty, STDOUT_FILENO);
     close_range(STDERR_FILENO + 1, ~0U, CLOSE_RANGE_CLOEXEC);
 }
 
-[[noreturn]] void becomeProgram(char* const* words, int errorPipe) {
+[[noreturn]] void execute(char* const* arguments, int errorPipe) {
     resetSignals();
-    leaveFiles();
-    execvp(words[0], words);
+    detachFiles();
+    execvp(arguments[0], arguments);
     const int error = errno;
     [[maybe_unused]] const auto ignored = write(errorPipe, &error, sizeof error);
     _exit(1);
 }
 
-/// A child that has a child and ends: the system adopts the latter.
-[[noreturn]] void haveChild(char* const* words, int errorPipe) {
+/// Starts the program in a grandchild, which the system adopts when the child exits.
+[[noreturn]] void executeInGrandchild(char* const* arguments, int errorPipe) {
     setsid();
     const pid_t child = fork();
     if (child == 0)
-        becomeProgram(words, errorPipe);
+        execute(arguments, errorPipe);
     const int error = errno;
     if (child < 0) [[maybe_unused]]
         const auto ignored = write(errorPipe, &error, sizeof error);
     _exit(0);
 }
 
-/// What comes through the pipe before its other ends close; 0 when nothing does.
+/// Returns the error number that the child reports, or 0 if the pipe is closed without one.
 int readError(int errorPipe) {
     int error = 0;
-    ssize_t size = 0;
-    do
-        size = read(errorPipe, &error, sizeof error);
-    while (size < 0 && errno == EINTR);
+    const ssize_t size = retryInterrupted([&] { return read(errorPipe, &error, sizeof error); });
     return size == sizeof error ? error : 0;
 }
 
@@ -69,8 +67,8 @@ int readError(int errorPipe) {
 int startProgram(const std::string& program, const std::vector<std::string>& arguments) {
     std::vector<std::string> texts{program};
     texts.insert(texts.end(), arguments.begin(), arguments.end());
-    std::vector<char*> words(texts.size() + 1);
-    std::ranges::transform(texts, words.begin(), [](std::string& text) { return text.data(); });
+    std::vector<char*> pointers(texts.size() + 1);
+    std::ranges::transform(texts, pointers.begin(), [](std::string& text) { return text.data(); });
 
     std::array<int, 2> ends{};
     if (pipe2(ends.data(), O_CLOEXEC) != 0)
@@ -79,12 +77,11 @@ int startProgram(const std::string& program, const std::vector<std::string>& arg
     Descriptor writing(ends[1]);
     const pid_t child = fork();
     if (child == 0)
-        haveChild(words.data(), writing.get());
+        executeInGrandchild(pointers.data(), writing.get());
     if (child < 0)
         return errno;
     writing = Descriptor();
-    while (waitpid(child, nullptr, 0) < 0 && errno == EINTR) {
-    }
+    retryInterrupted([&] { return waitpid(child, nullptr, 0); });
     return readError(reading.get());
 }
 

@@ -5,11 +5,13 @@
 
 namespace platform::posix {
 
-/// Starts a program, which is looked for in PATH unless it has a slash, without a shell, with this
-/// process's environment. It gets a session of its own, outlives this process and is never its
-/// child, so that nobody here has to wait for its end. Of the open files it gets standard error
-/// alone, to log to; input and output are empty. Gives 0 once the program runs, else the error
-/// number. Any thread.
+/// Starts a program in a session of its own, without a shell. It outlives this process and is not
+/// its child, so it need not be waited for. It inherits the environment and standard error;
+/// standard input and output are /dev/null, signal handlers and the signal mask are reset, and all
+/// other files are closed.
+///
+/// A @p program without a slash is searched for in PATH. Returns 0 once the program runs, or else
+/// the error number. Thread-safe.
 int startProgram(const std::string& program, const std::vector<std::string>& arguments = {});
 
 } // namespace platform::posix

@@ -2,26 +2,30 @@
 
 #include "platform/Workspace.h"
 #include "platform/base/PathStrings.h"
+#include "platform/posix/LoadedFile.h"
 #include "platform/posix/StartProgram.h"
 
 #include <cstdlib>
 #include <cstring>
-#include <dlfcn.h>
+#include <memory>
 #include <sstream>
 #include <unistd.h>
 
 namespace platform::posix {
 namespace {
 
-/// "bin" beside the folder of this library, or of the program that has its code, then PATH.
-std::vector<std::string> folders() {
+constexpr const char* kProgram = "halvex-preferences";
+
+/// Returns "bin" beside the folder of this library, or of the program it is linked into, and then
+/// the folders in PATH.
+std::vector<std::string> searchFolders() {
     std::vector<std::string> result;
-    Dl_info here{};
-    if (dladdr(reinterpret_cast<const void*>(&startSystemPreferences), &here) != 0)
-        if (char* real = ::realpath(here.dli_fname, nullptr)) {
-            result.push_back(deletingLastPathComponent(deletingLastPathComponent(real)) + "/bin");
-            std::free(real);
-        }
+    const std::string library =
+        loadedFileAt(reinterpret_cast<const void*>(&startSystemPreferences));
+    const std::unique_ptr<char, void (*)(void*)> real(::realpath(library.c_str(), nullptr),
+                                                      std::free);
+    if (real)
+        result.push_back(deletingLastPathComponent(deletingLastPathComponent(real.get())) + "/bin");
     const char* path = std::getenv("PATH");
     std::istringstream rest(path ? path : "");
     for (std::string folder; std::getline(rest, folder, ':');)
@@ -31,8 +35,8 @@ std::vector<std::string> folders() {
 }
 
 std::string findProgram() {
-    for (const std::string& folder : folders()) {
-        std::string program = appendingPathComponent(folder, kPreferencesProgram);
+    for (const std::string& folder : searchFolders()) {
+        std::string program = appendingPathComponent(folder, kProgram);
         if (::access(program.c_str(), X_OK) == 0)
             return program;
     }
@@ -44,7 +48,7 @@ std::string findProgram() {
 bool startSystemPreferences(const std::vector<std::string>& arguments, std::string& reason) {
     const std::string program = findProgram();
     if (program.empty()) {
-        reason = std::string("there is no program ") + kPreferencesProgram;
+        reason = std::string("program not found: ") + kProgram;
         return false;
     }
     if (const int error = startProgram(program, arguments)) {

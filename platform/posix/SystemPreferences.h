@@ -5,12 +5,11 @@
 
 namespace platform::posix {
 
-/// The application that shows preference panes, as other programs name it, and its program.
+/// The name under which other programs know the application that shows preference panes.
 inline constexpr const char* kSystemPreferences = "System Preferences";
-inline constexpr const char* kPreferencesProgram = "halvex-preferences";
 
-/// Starts the program, the one that came with this library or else the first in PATH, and
-/// announces the launch. Whether it could be started; why not is written to @p reason.
+/// Starts the preferences program that is installed with this library, or else the first one in
+/// PATH, and announces the launch. On failure returns false and sets @p reason.
 bool startSystemPreferences(const std::vector<std::string>& arguments, std::string& reason);
 
 } // namespace platform::posix

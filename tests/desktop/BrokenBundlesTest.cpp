@@ -44,7 +44,7 @@ TEST(BrokenBundle, IsNotLoadedAndIsNamedInTheLog) {
     }
     const TestBundle cut(bar);
     fs::resize_file(cut.code(), fs::file_size(cut.code()) / 2);
-    isNamed(cut, "cut off", true);
+    isNamed(cut, "truncated code", true);
     const TestBundle other(bar);
     fs::copy_file(HALVEX_NO_ENTRY_POINT, other.code(), fs::copy_options::overwrite_existing);
     isNamed(other, "no entry point HalvexMenuExtraEntry_2", true);

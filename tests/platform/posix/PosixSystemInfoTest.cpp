@@ -9,7 +9,7 @@
 #include <sys/utsname.h>
 
 using platform::SystemFact;
-using platform::posix::codedVersion;
+using platform::posix::encodedVersion;
 using platform::posix::PosixSystemInfo;
 
 namespace {
@@ -22,12 +22,12 @@ TEST(PosixSystemInfo, CodesTheKernelsVersion) {
         {"", std::nullopt},         {"rc6.1", std::nullopt},
     };
     for (const auto& [release, version] : cases)
-        EXPECT_EQ(codedVersion(release), version) << release;
+        EXPECT_EQ(encodedVersion(release), version) << release;
 
     utsname system{};
     ASSERT_EQ(uname(&system), 0);
     const PosixSystemInfo info;
-    EXPECT_EQ(info.query(SystemFact::SystemVersion), codedVersion(system.release));
+    EXPECT_EQ(info.query(SystemFact::SystemVersion), encodedVersion(system.release));
     EXPECT_EQ(info.query(SystemFact::MediaVersion), std::nullopt);
 }
 

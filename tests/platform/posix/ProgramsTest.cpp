@@ -122,18 +122,18 @@ TEST_F(Programs, OfApplicationBundlesAreOpenedOrALineSaysWhyNot) {
     EXPECT_TRUE(fs::exists(folder.file("opened")));
     const std::pair<std::string, std::string> cases[] = {
         {folder.file("None.app"), "there is no such folder"},
-        {application("Nameless.app", ""), "CFBundleExecutable names no program"},
+        {application("Nameless.app", ""), "CFBundleExecutable is missing or invalid"},
         {application("Lost.app", "<key>CFBundleExecutable</key><string>Lost</string>"),
          "Lost: No such file or directory"},
     };
     for (const auto& [path, reason] : cases) {
         EXPECT_FALSE(workspace.openFile(path)) << path;
-        EXPECT_TRUE(log.contains(path + " cannot be started: ")) << path;
+        EXPECT_TRUE(log.contains("cannot start " + path + ": ")) << path;
         EXPECT_TRUE(log.contains(reason)) << reason;
         log.take();
     }
     EXPECT_FALSE(workspace.openFile("/a", "Finder"));
-    EXPECT_TRUE(log.contains("/a cannot be opened with Finder: there is no such application"));
+    EXPECT_TRUE(log.contains("cannot open /a with Finder: unknown application"));
 }
 
 TEST_F(Programs, ThatAreNoPaneSelectingScriptAreRefused) {
@@ -145,7 +145,7 @@ TEST_F(Programs, ThatAreNoPaneSelectingScriptAreRefused) {
     for (const std::string& bad : {std::string(), start, start + end, start + "a" + end + "more",
                                    "beep\n" + start + "a" + end, start + "a\"\nquit\n\"" + end,
                                    start + "a\\" + end, start + "a\nb" + end})
-        EXPECT_THAT(runner.run(bad).value_or("understood"), HasSubstr("only a script")) << bad;
+        EXPECT_THAT(runner.run(bad).value_or("understood"), HasSubstr("unsupported script")) << bad;
 }
 
 } // namespace
