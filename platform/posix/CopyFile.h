@@ -20,11 +20,11 @@ bool writeAll(int file, std::string_view bytes, SystemCalls& calls);
 /// Copies everything from the current position of @p source to its end.
 bool copyBytes(int source, int target, SystemCalls& calls);
 
-/// Gives @p file the owner in @p original, if the process is permitted to, and the mode. Without
-/// the owner, the mode loses the set-user, set-group and sticky bits.
+/// Gives @p file the owner, if the process is permitted to, and the mode in @p original. If the
+/// owner cannot be set, the set-user, set-group and sticky bits are cleared.
 bool copyOwnerAndMode(int file, const struct stat& original, SystemCalls& calls);
 
-/// Gives @p file the times of the last access and the last change in @p original.
+/// Gives @p file the access and modification times in @p original.
 bool copyTimes(int file, const struct stat& original);
 
 } // namespace platform::posix

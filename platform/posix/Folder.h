@@ -12,8 +12,7 @@
 /// symbolic link, not followed, so that a walk through a tree never leaves it.
 namespace platform::posix {
 
-/// Opens the folder at @p path; symbolic links are followed. Returns an empty descriptor on
-/// failure.
+/// Opens the folder at @p path, following symbolic links. Returns an empty descriptor on failure.
 Descriptor openFolder(const std::string& path, SystemCalls& calls = systemCalls());
 
 /// Opens the folder @p name in @p folder. Returns an empty descriptor if it is anything else.
@@ -22,7 +21,7 @@ Descriptor openFolder(int folder, const std::string& name);
 /// Returns the names of all entries except "." and "..", or std::nullopt if reading fails.
 std::optional<std::vector<std::string>> namesIn(int folder);
 
-/// Returns std::nullopt and sets errno if there is no entry @p name.
+/// Returns the attributes of the entry @p name, or std::nullopt, with errno set, if there is none.
 std::optional<struct stat> statusOf(int folder, const std::string& name);
 
 /// Returns whether @p name can be the name of an entry: false for an empty name and for the last
@@ -31,7 +30,9 @@ bool isEntryName(const std::string& name);
 
 bool isSameFile(const struct stat& one, const struct stat& other);
 
-/// Flushes @p folder after @p path has been put in it. Logs a failure, for @p path is there anyway.
+/// Flushes @p folder to disk after @p path has been created in it. A failure is only logged,
+/// because
+/// @p path already exists.
 void flushFolderOrLog(int folder, const std::string& path, SystemCalls& calls);
 
 } // namespace platform::posix

@@ -88,7 +88,7 @@ bool InotifyFileWatch::watch(const std::string& path, std::uint32_t mask, std::s
     return number >= 0 || (errno != ENOSPC && errno != ENOMEM);
 }
 
-/// With the slash this does nothing if a file has taken the place of the folder.
+/// With the trailing slash, the call has no effect on a file that has replaced the folder.
 bool InotifyFileWatch::watchFolder(const std::string& folder, std::uint32_t mask,
                                    std::set<int>& watches) {
     return watch(folder + '/', mask, watches);

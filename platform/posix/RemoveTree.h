@@ -5,8 +5,8 @@
 namespace platform::posix {
 
 /// Implements FileManager::removeItem. A folder is first renamed to a temporary name with the
-/// purpose "remove"; what a process killed after that has left is removed along with the next
-/// folder of the same name.
+/// purpose "remove". If the process is killed after that, the next removal of a folder of the same
+/// name removes the rest.
 bool removeItem(const std::string& path);
 
 /// MakeWritable also empties read-only folders, as far as the process may change their modes.

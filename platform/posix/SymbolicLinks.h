@@ -9,17 +9,18 @@
 /// a cycle.
 namespace platform::posix {
 
-/// Returns what the symbolic link @p name in @p folder holds, or std::nullopt if it is not a link.
+/// Returns the target of the symbolic link @p name in @p folder, as it is stored, or std::nullopt
+/// if there is no such link.
 std::optional<std::string> linkTarget(int folder, const std::string& name);
 std::optional<std::string> linkTarget(const std::string& path);
 
-/// Follows the symbolic link at @p path until it leads to something that is not a link, which need
-/// not exist, and returns the path of that. Links in the folders above are left to the system.
-/// Returns std::nullopt for a cycle.
+/// Follows the symbolic link at @p path, and any link it leads to, and returns the path of the
+/// final target, which need not exist. Returns @p path if it is not a link, and std::nullopt for a
+/// cycle. Links in the folders above are not resolved.
 std::optional<std::string> finalTarget(std::string path);
 
-/// Steps through an absolute path one component at a time. The caller looks at each component and
-/// either enters it or follows the link that it found there:
+/// Iterates over the components of an absolute path. The caller either enters each component or, if
+/// it is a symbolic link, follows it:
 ///
 ///     PathWalk walk(path);
 ///     while (const auto component = walk.next()) {
@@ -33,13 +34,13 @@ class PathWalk {
   public:
     explicit PathWalk(std::string_view path) { push(path); }
 
-    /// Returns the path of the next component, or std::nullopt at the end. Skips "." and resolves
-    /// "..".
+    /// Returns the path of the next component, or std::nullopt at the end. "." and ".." are
+    /// resolved and not returned.
     std::optional<std::string> next();
     void enter(std::string component) { folder_ = std::move(component); }
-    /// Continues with @p target in place of the last component. Returns false for a cycle.
+    /// Replaces the last component by the link target @p target. Returns false for a cycle.
     bool follow(std::string_view target);
-    /// The part of the path that has been entered, without links.
+    /// Returns the path of the folder entered last. It contains no links.
     const std::string& folder() const { return folder_; }
 
   private:

@@ -9,27 +9,27 @@
 
 namespace platform::posix {
 
-/// A file or folder under a temporary name (temporaryPrefix), beside the place of the finished one.
-/// It is locked with flock as long as the object lives. Destroying the object removes it, with
+/// A new file or folder under a temporary name (see temporaryPrefix), in the folder where the
+/// finished one belongs. It is locked with flock. Destroying the object removes the entry, with
 /// everything in it, unless it has been renamed.
 ///
-/// Creating an entry first removes the unlocked ones for the same purpose and final name: they
-/// belong to processes that have died.
+/// The constructor first removes all unlocked entries with the same purpose and final name, because
+/// the processes that created them have died.
 class TemporaryEntry : NonCopyable {
   public:
     enum class Kind { File, Folder };
     enum class IfTaken { Replace, Fail };
 
-    /// Creates an entry in @p folder with @p mode less the process's mask. @p folder must stay
-    /// open, and @p calls exist, as long as the object lives. If this fails the object is false.
+    /// Creates an entry in @p folder; the process's umask applies to @p mode. On failure the object
+    /// converts to false. @p folder must stay open, and @p calls valid, for the object's lifetime.
     TemporaryEntry(Kind kind, int folder, std::string_view purpose, std::string finalName,
                    mode_t mode, SystemCalls& calls);
     ~TemporaryEntry();
 
     explicit operator bool() const { return static_cast<bool>(descriptor_); }
-    /// The open entry; a file is open for writing.
+    /// Returns the descriptor of the entry. A file is open for writing.
     int get() const { return descriptor_.get(); }
-    /// Gives the entry its final name. Returns false if it still has the temporary one.
+    /// Renames the entry to its final name. Returns false on failure.
     bool rename(IfTaken ifTaken);
 
   private:
