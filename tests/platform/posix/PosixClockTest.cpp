@@ -21,7 +21,7 @@ class PosixClockTest : public testing::Test {
     PosixClock clock{folder.write("localtime", "zone")};
 };
 
-TEST_F(PosixClockTest, TicksOnTheSecondAndWakesForNothingElseUntilTheTickerEndsItself) {
+TEST_F(PosixClockTest, TicksAtSecondBoundariesUntilTheHandlerDestroysTheTicker) {
     std::vector<std::int64_t> nanoseconds;
     std::unique_ptr<platform::Watch> watch;
     watch = clock.tick(TickInterval::Second, [&] {
@@ -36,10 +36,10 @@ TEST_F(PosixClockTest, TicksOnTheSecondAndWakesForNothingElseUntilTheTickerEndsI
     EXPECT_EQ(nanoseconds.size(), 3U);
     EXPECT_EQ(loop.wakeUps(), 3);
     for (const auto since : nanoseconds)
-        EXPECT_LT(since, 500'000'000) << "at the boundary, not somewhere in the second";
+        EXPECT_LT(since, 500'000'000) << "not at the boundary";
 }
 
-TEST_F(PosixClockTest, ATimeZoneThatIsReplacedIsToldAtOnce) {
+TEST_F(PosixClockTest, TicksImmediatelyWhenTheTimeZoneIsReplaced) {
     int ticks = 0;
     const auto watch = clock.tick(TickInterval::Minute, [&] { ++ticks; });
     const auto next = folder.write("next", "another zone");

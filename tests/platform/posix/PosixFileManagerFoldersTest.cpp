@@ -1,12 +1,13 @@
-#include "tests/platform/posix/RealFiles.h"
+#include "platform/posix/TemporaryName.h"
+#include "tests/platform/posix/FileManagerFixture.h"
 
 namespace {
 
 using namespace test;
 
-using PosixFileManagerFolders = test::RealFiles;
+using PosixFileManagerFolders = test::FileManagerFixture;
 
-TEST_F(PosixFileManagerFolders, NothingThatIsInTheWayIsReplaced) {
+TEST_F(PosixFileManagerFolders, CreatingAndMovingReplaceNothing) {
     fs::create_directories(file("root/Library"));
     const std::string source = folder.write("source", "s");
     folder.write("file", "f");
@@ -29,10 +30,10 @@ TEST_F(PosixFileManagerFolders, NothingThatIsInTheWayIsReplaced) {
     EXPECT_FALSE(fs::exists(source));
 }
 
-TEST_F(PosixFileManagerFolders, AMoveToAnotherFileSystemKeepsContentsModeAndTimes) {
+TEST_F(PosixFileManagerFolders, MovingToAnotherFileSystemKeepsContentsModeAndTimes) {
     std::string away = "/dev/shm/halvex-XXXXXX";
     if (!::mkdtemp(away.data()) || statusOf(away).st_dev == statusOf(folder.path()).st_dev)
-        GTEST_SKIP() << "there is no other file system";
+        GTEST_SKIP() << "needs another file system at /dev/shm";
     const std::string bytes = std::string(200'000, 'x') + "end";
     const std::string path = folder.write("file", bytes);
     const timespec times[] = {{1000, 1}, {2000, 3}};
@@ -51,6 +52,7 @@ TEST_F(PosixFileManagerFolders, AMoveToAnotherFileSystemKeepsContentsModeAndTime
     EXPECT_EQ(contents(path), bytes);
     EXPECT_EQ(namesIn(away), Names{"taken"});
 
+    std::ofstream(away + '/' + platform::posix::temporaryPrefix("move", "moved") + "leftover");
     EXPECT_TRUE(manager.moveFile(path, away + "/moved"));
     EXPECT_TRUE(manager.moveFile(file("link"), away + "/link"));
     EXPECT_EQ(contents(away + "/moved"), bytes);
@@ -62,7 +64,7 @@ TEST_F(PosixFileManagerFolders, AMoveToAnotherFileSystemKeepsContentsModeAndTime
     fs::remove_all(away);
 }
 
-TEST_F(PosixFileManagerFolders, LinksInAPathAreResolvedAsFarAsItExists) {
+TEST_F(PosixFileManagerFolders, ResolvesLinksInTheExistingPartOfAPath) {
     folder.write("real/file", "");
     fs::create_directory_symlink("real", file("relative"));
     fs::create_directory_symlink(file("relative"), file("absolute"));

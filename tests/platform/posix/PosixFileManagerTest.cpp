@@ -1,4 +1,4 @@
-#include "tests/platform/posix/RealFiles.h"
+#include "tests/platform/posix/FileManagerFixture.h"
 
 #include "tests/support/ScopedEnvironment.h"
 
@@ -10,9 +10,9 @@ namespace {
 using namespace test;
 using testing::HasSubstr;
 
-using PosixFileManagerTest = test::RealFiles;
+using PosixFileManagerTest = test::FileManagerFixture;
 
-TEST_F(PosixFileManagerTest, SaysWhatIsThereAndFollowsLinks) {
+TEST_F(PosixFileManagerTest, ReportsExistenceAndAccessOfLinkTargets) {
     const std::string one = folder.write("file", "1");
     fs::create_symlink("file", file("link"));
     fs::create_symlink(folder.path(), file("folderlink"));
@@ -25,28 +25,28 @@ TEST_F(PosixFileManagerTest, SaysWhatIsThereAndFollowsLinks) {
         {"", false, false},
         {one + std::string("\0x", 2), false, false}};
     for (const auto& [path, exists, isDirectory] : cases) {
-        bool answer = !isDirectory;
-        EXPECT_EQ(manager.fileExists(path, &answer), exists) << path;
-        EXPECT_EQ(answer, isDirectory) << path;
+        bool reported = !isDirectory;
+        EXPECT_EQ(manager.fileExists(path, &reported), exists) << path;
+        EXPECT_EQ(reported, isDirectory) << path;
         EXPECT_EQ(manager.isReadableFile(path), exists) << path;
         EXPECT_EQ(manager.isWritableFile(path), exists) << path;
     }
-    const bool root = ::geteuid() == 0; // who may read everything
+    const bool root = ::geteuid() == 0; // may read and write every file
     fs::permissions(one, fs::perms::none);
     EXPECT_EQ(manager.isReadableFile(one), root);
     EXPECT_EQ(manager.isWritableFile(one), root);
 }
 
-TEST_F(PosixFileManagerTest, ReadsRegularFilesUpToTheSizeAsked) {
+TEST_F(PosixFileManagerTest, ReadsRegularFilesUpToAMaximumSize) {
     const std::string three = folder.write("file", std::string("a\0b", 3));
     EXPECT_EQ(manager.readFile(three, 3).contents, std::string("a\0b", 3));
     EXPECT_THAT(manager.readFile(three, 2).reason, HasSubstr("larger than 2 bytes"));
     EXPECT_GT(manager.readFile("/proc/self/status", 1 << 20).contents.value_or("").size(), 100U)
-        << "a file that says it is empty";
+        << "the system reports size 0";
     EXPECT_THAT(manager.readFile("/proc/self/status", 10).reason, HasSubstr("larger"));
 }
 
-TEST_F(PosixFileManagerTest, TheHomeFolderIsTheEnvironmentsWhenThatIsAbsolute) {
+TEST_F(PosixFileManagerTest, ReturnsTheHomeFolderInTheEnvironmentIfItIsAbsolute) {
     using Value = std::optional<std::string>;
     for (const Value& value : {Value("/somewhere"), Value(), Value("relative"), Value("")}) {
         const test::ScopedEnvironment home("HOME", value);
@@ -55,7 +55,7 @@ TEST_F(PosixFileManagerTest, TheHomeFolderIsTheEnvironmentsWhenThatIsAbsolute) {
     }
 }
 
-TEST_F(PosixFileManagerTest, AWrittenFileKeepsItsModeAndANewOneTakesTheMask) {
+TEST_F(PosixFileManagerTest, WritingKeepsModeAndOwnerAndAppliesTheUmaskToNewFiles) {
     const mode_t mask = ::umask(027);
     const std::string path = file("file");
     const auto mode = [&] { return statusOf(path).st_mode & 07777U; };
@@ -74,9 +74,9 @@ TEST_F(PosixFileManagerTest, AWrittenFileKeepsItsModeAndANewOneTakesTheMask) {
     EXPECT_EQ(std::pair(statusOf(path).st_uid, statusOf(path).st_gid), std::pair(12U, 34U));
 }
 
-TEST_F(PosixFileManagerTest, LinksAreFollowedAndStay) {
+TEST_F(PosixFileManagerTest, WritingFollowsLinksAndKeepsThem) {
     folder.write("away/target", "old");
-    // The file that is written at last; none when writing must fail.
+    // The file that is written, or null if writing must fail.
     const std::tuple<const char*, const char*, const char*> cases[] = {
         {"relative", "away/target", "away/target"},
         {"chain", "relative", "away/target"},
@@ -93,7 +93,7 @@ TEST_F(PosixFileManagerTest, LinksAreFollowedAndStay) {
     }
 }
 
-TEST_F(PosixFileManagerTest, OnlyRegularFilesAreReplaced) {
+TEST_F(PosixFileManagerTest, WritingReplacesOnlyRegularFiles) {
     fs::create_directories(file("folder"));
     ASSERT_EQ(::mkfifo(file("pipe").c_str(), 0600), 0);
     const std::string longest(NAME_MAX, 'n');
@@ -104,13 +104,13 @@ TEST_F(PosixFileManagerTest, OnlyRegularFilesAreReplaced) {
     EXPECT_TRUE(manager.writeFileAtomically(file(longest), "x"));
 }
 
-TEST_F(PosixFileManagerTest, WhicheverSystemCallFailsTheFileIsTheOldOrTheNewOne) {
+TEST_F(PosixFileManagerTest, AFailingSystemCallLeavesTheOldOrTheNewFile) {
     using Times = test::FailingCalls::Times;
     const std::string path = file("file");
     for (const int error : {ENOSPC, EIO, EDQUOT, EACCES})
         for (const Times times : {Times::Once, Times::ForGood})
             for (const std::string old : {"old", ""}) {
-                const int calls = whicheverCallFails(error, times, [&](auto& files) {
+                const int calls = failEachCallOf(error, times, [&](auto& files) {
                     fs::remove(path);
                     if (!old.empty())
                         folder.write("file", old);
@@ -119,20 +119,20 @@ TEST_F(PosixFileManagerTest, WhicheverSystemCallFailsTheFileIsTheOldOrTheNewOne)
                     EXPECT_EQ(names(), saved || !old.empty() ? Names{"file"} : Names());
                     return saved;
                 });
-                EXPECT_GT(calls, 6) << "the last round, without a fault, comes after all calls";
+                EXPECT_GT(calls, 6) << "fewer calls than the operation makes";
                 EXPECT_LT(calls, 50);
             }
 }
 
-TEST_F(PosixFileManagerTest, LeftoversOfDeadWritersGoAndLiveOnesStay) {
-    leftoverGoesWithItsMaker(
+TEST_F(PosixFileManagerTest, WritingRemovesOnlyTheLeftoversOfDeadWriters) {
+    expectOnlyUnlockedLeftoversAreRemoved(
         folder.path(), [&](auto& files) { return files.writeFileAtomically(file("file"), "1"); });
     folder.write(".halvex-save-of-another-file", "");
     EXPECT_TRUE(manager.writeFileAtomically(file("file"), "2"));
     EXPECT_EQ(names(), (Names{".halvex-save-of-another-file", "file"}));
 }
 
-TEST_F(PosixFileManagerTest, WritersAtOnceNeitherMixNorFail) {
+TEST_F(PosixFileManagerTest, ConcurrentWritersSucceedAndDoNotMixTheirContents) {
     const std::string path = file("file");
     std::vector<std::jthread> writers;
     for (char letter = 'a'; letter < 'e'; ++letter)
@@ -146,7 +146,7 @@ TEST_F(PosixFileManagerTest, WritersAtOnceNeitherMixNorFail) {
     EXPECT_EQ(names(), Names{"file"});
 }
 
-TEST_F(PosixFileManagerTest, AWriterKilledAtAnyMomentLeavesTheOldOrTheNewFile) {
+TEST_F(PosixFileManagerTest, AKilledWriterLeavesTheOldOrTheNewFile) {
     const std::string path = file("file");
     const std::string lists[] = {std::string(200'000, 'a'), std::string(150'000, 'b')};
     ASSERT_TRUE(manager.writeFileAtomically(path, lists[0]));
@@ -154,15 +154,15 @@ TEST_F(PosixFileManagerTest, AWriterKilledAtAnyMomentLeavesTheOldOrTheNewFile) {
     bool leftovers = false;
     std::set<char> seen;
     for (int round = 0; round < 500; ++round) {
-        killed(std::chrono::microseconds(random() % 4000),
-               [&, i = round]() mutable { manager.writeFileAtomically(path, lists[i++ % 2]); });
+        runAndKill(std::chrono::microseconds(random() % 4000),
+                   [&, i = round]() mutable { manager.writeFileAtomically(path, lists[i++ % 2]); });
         const std::string found = contents(path);
         ASSERT_TRUE(found == lists[0] || found == lists[1]) << found.size();
         seen.insert(found.at(0));
         leftovers = leftovers || names().size() > 1;
     }
-    EXPECT_EQ(seen.size(), 2U) << "the children did write";
-    EXPECT_TRUE(leftovers) << "some were killed while they did";
+    EXPECT_EQ(seen.size(), 2U) << "no child has finished writing";
+    EXPECT_TRUE(leftovers) << "no child was killed while writing";
     EXPECT_TRUE(manager.writeFileAtomically(path, "end"));
     EXPECT_EQ(names(), Names{"file"});
 }

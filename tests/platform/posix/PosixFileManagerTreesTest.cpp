@@ -1,4 +1,4 @@
-#include "tests/platform/posix/RealFiles.h"
+#include "tests/platform/posix/FileManagerFixture.h"
 
 #include <atomic>
 #include <cerrno>
@@ -8,8 +8,8 @@ namespace {
 
 using namespace test;
 
-/// Everything below @p root with its mode, time and a hash of its contents, one line each.
-Names described(const fs::path& root) {
+/// Returns a line for everything below @p root: its path, mode, time and a hash of its contents.
+Names describe(const fs::path& root) {
     Names result;
     for (const auto& entry : fs::recursive_directory_iterator(root)) {
         const auto status = test::statusOf(entry.path());
@@ -25,7 +25,7 @@ Names described(const fs::path& root) {
     return result;
 }
 
-class PosixFileManagerTrees : public test::RealFiles {
+class PosixFileManagerTrees : public test::FileManagerFixture {
   protected:
     void SetUp() override {
         folder.write("from/X.menu/Contents/Info.plist", "<plist/>");
@@ -48,9 +48,9 @@ class PosixFileManagerTrees : public test::RealFiles {
     const std::string copy = to + "/X.menu";
 };
 
-TEST_F(PosixFileManagerTrees, ACopyHasEverythingAsItWas) {
+TEST_F(PosixFileManagerTrees, CopyingKeepsContentsModesTimesAndLinks) {
     EXPECT_TRUE(manager.copyItem(X, copy));
-    EXPECT_EQ(described(copy), described(X));
+    EXPECT_EQ(describe(copy), describe(X));
     EXPECT_TRUE(manager.copyItem(X + "/out", to + "/link"));
     EXPECT_EQ(fs::read_symlink(to + "/link"), "../../outside");
     fs::permissions(file("from/outside"), fs::perms(06644));
@@ -64,12 +64,12 @@ TEST_F(PosixFileManagerTrees, ACopyHasEverythingAsItWas) {
     fs::permissions(X, fs::perms(0700));
 }
 
-TEST_F(PosixFileManagerTrees, NothingIsReplacedAndNoPartOfACopyIsLeft) {
+TEST_F(PosixFileManagerTrees, AFailedCopyReplacesNothingAndLeavesNothing) {
     folder.write("to/taken", "1");
     fs::create_symlink("nowhere", to + "/link");
     ASSERT_TRUE(manager.copyItem(X, to + "/Pipe.menu"));
     ASSERT_EQ(::mkfifo((to + "/Pipe.menu/zpipe").c_str(), 0600), 0);
-    const Names before = described(folder.path());
+    const Names before = describe(folder.path());
     const std::pair<std::string, std::string> cases[] = {{X, to + "/taken"},
                                                          {X, to + "/Pipe.menu"},
                                                          {X, to + "/link"},
@@ -82,20 +82,20 @@ TEST_F(PosixFileManagerTrees, NothingIsReplacedAndNoPartOfACopyIsLeft) {
                                                          {X, to + "/.."}};
     for (const auto& [source, destination] : cases) {
         EXPECT_FALSE(manager.copyItem(source, destination)) << source << ' ' << destination;
-        EXPECT_EQ(described(folder.path()).size(), before.size()) << source << ' ' << destination;
+        EXPECT_EQ(describe(folder.path()).size(), before.size()) << source << ' ' << destination;
     }
     EXPECT_TRUE(fs::is_symlink(to + "/link"));
 }
 
-TEST_F(PosixFileManagerTrees, WhicheverSystemCallFailsACopyIsWholeOrNotThere) {
+TEST_F(PosixFileManagerTrees, AFailingSystemCallLeavesACompleteCopyOrNone) {
     using Times = test::FailingCalls::Times;
-    const Names whole = described(X);
+    const Names whole = describe(X);
     for (const Times times : {Times::Once, Times::ForGood}) {
-        const int calls = whicheverCallFails(ENOSPC, times, [&](auto& files) {
+        const int calls = failEachCallOf(ENOSPC, times, [&](auto& files) {
             fs::remove_all(copy);
             const bool copied = files.copyItem(X, copy);
             EXPECT_EQ(namesIn(to), copied ? Names{"X.menu"} : Names());
-            EXPECT_TRUE(!copied || described(copy) == whole);
+            EXPECT_TRUE(!copied || describe(copy) == whole);
             return copied;
         });
         EXPECT_GT(calls, 20);
@@ -103,7 +103,7 @@ TEST_F(PosixFileManagerTrees, WhicheverSystemCallFailsACopyIsWholeOrNotThere) {
     }
 }
 
-TEST_F(PosixFileManagerTrees, CopiersAtOnceLeaveOneWholeCopy) {
+TEST_F(PosixFileManagerTrees, OneOfSeveralConcurrentCopiersSucceeds) {
     for (int round = 0; round < 20; ++round) {
         std::atomic<int> done = 0;
         std::vector<std::jthread> copiers;
@@ -111,49 +111,49 @@ TEST_F(PosixFileManagerTrees, CopiersAtOnceLeaveOneWholeCopy) {
             copiers.emplace_back([&] { done += manager.copyItem(X, copy) ? 1 : 0; });
         copiers.clear();
         EXPECT_EQ(done, 1);
-        EXPECT_EQ(described(copy), described(X));
+        EXPECT_EQ(describe(copy), describe(X));
         EXPECT_EQ(namesIn(to), Names{"X.menu"});
         EXPECT_TRUE(manager.removeItem(copy));
     }
 }
 
-TEST_F(PosixFileManagerTrees, ProcessesKilledAtAnyMomentLeaveAWholeCopyOrNone) {
-    const Names whole = described(X);
+TEST_F(PosixFileManagerTrees, AKilledProcessLeavesACompleteCopyOrNone) {
+    const Names whole = describe(X);
     const std::chrono::microseconds start(500);
-    // How long copying, and removing, may take before it is killed: longer each time that it does
-    // not come to its end, and then half of that.
+    // The time after which copying, or removing, is killed. It grows until the operation completes
+    // and is then halved.
     std::chrono::microseconds limits[] = {start, start};
     bool leftovers = false;
     int changes = 0;
     for (int round = 0; round < 80; ++round) {
         const bool there = fs::exists(copy);
-        killed(limits[there], [&] {
+        runAndKill(limits[there], [&] {
             there ? manager.removeItem(copy) : manager.copyItem(X, copy);
             ::pause();
         });
         const bool isThere = fs::exists(copy);
-        ASSERT_TRUE(!isThere || described(copy) == whole);
+        ASSERT_TRUE(!isThere || describe(copy) == whole);
         limits[there] = isThere == there ? limits[there] * 5 / 4 : limits[there] / 2;
         changes += isThere != there ? 1 : 0;
         leftovers = leftovers || namesIn(to).size() > (isThere ? 1U : 0U);
     }
     EXPECT_GT(changes, 2);
-    EXPECT_TRUE(leftovers) << "some were killed in the middle";
+    EXPECT_TRUE(leftovers) << "no process was killed in the middle";
     manager.copyItem(X, copy);
     EXPECT_TRUE(manager.removeItem(copy));
     EXPECT_TRUE(manager.copyItem(X, copy));
-    EXPECT_EQ(namesIn(to), Names{"X.menu"}) << "who comes after takes them away";
+    EXPECT_EQ(namesIn(to), Names{"X.menu"}) << "the next operations remove leftovers";
 }
 
-TEST_F(PosixFileManagerTrees, ACopyUnderWayIsNobodysLeftover) {
-    leftoverGoesWithItsMaker(to, [&](auto& files) {
+TEST_F(PosixFileManagerTrees, CopyingRemovesOnlyTheLeftoversOfDeadCopiers) {
+    expectOnlyUnlockedLeftoversAreRemoved(to, [&](auto& files) {
         files.removeItem(copy);
         return files.copyItem(X, copy);
     });
     EXPECT_EQ(namesIn(to), Names{"X.menu"});
 }
 
-TEST_F(PosixFileManagerTrees, RemovalTakesEverythingAndFollowsNoLink) {
+TEST_F(PosixFileManagerTrees, RemovingAFolderRemovesItsContentsAndFollowsNoLinks) {
     fs::create_symlink(X, file("link"));
     EXPECT_TRUE(manager.removeItem(file("link")));
     EXPECT_TRUE(fs::exists(X + "/Contents/Info.plist"));
@@ -161,20 +161,20 @@ TEST_F(PosixFileManagerTrees, RemovalTakesEverythingAndFollowsNoLink) {
          {std::string(), std::string("/"), X + "/..", X + "/.", file("none")})
         EXPECT_FALSE(manager.removeItem(path)) << path;
     EXPECT_TRUE(manager.removeItem(X + '/'));
-    EXPECT_EQ(namesIn(file("from")), Names{"outside"}) << "what links led to stays";
+    EXPECT_EQ(namesIn(file("from")), Names{"outside"}) << "targets of links are not removed";
 }
 
-TEST_F(PosixFileManagerTrees, AFolderThatCannotGoWholeStaysWhole) {
+TEST_F(PosixFileManagerTrees, AFolderThatCannotBeRemovedCompletelyIsUnchanged) {
     if (::geteuid() == 0 && ::seteuid(65534) != 0)
-        GTEST_SKIP() << "nothing is refused to this user";
-    test::TemporaryFolder own; // belongs to whoever is asked now
+        GTEST_SKIP() << "permissions do not apply to this user";
+    test::TemporaryFolder own; // belongs to the user that was just set
     const std::string path = own.file("Y.menu");
     own.write("Y.menu/a", "1");
     own.write("Y.menu/b/c", "1");
     fs::permissions(path + "/b", fs::perms(0500));
-    const Names before = described(own.path());
+    const Names before = describe(own.path());
     EXPECT_FALSE(manager.removeItem(path));
-    EXPECT_EQ(described(own.path()), before);
+    EXPECT_EQ(describe(own.path()), before);
     fs::permissions(path + "/b", fs::perms(0700));
     EXPECT_TRUE(manager.removeItem(path));
     EXPECT_EQ(namesIn(own.path()), Names());

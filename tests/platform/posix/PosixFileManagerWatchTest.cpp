@@ -1,4 +1,4 @@
-#include "tests/platform/posix/RealFiles.h"
+#include "tests/platform/posix/FileManagerFixture.h"
 
 #include "tests/support/PollingMainThread.h"
 
@@ -9,7 +9,7 @@ namespace {
 namespace fs = std::filesystem;
 using namespace std::chrono_literals;
 
-class PosixFileManagerWatchTest : public test::RealFiles {
+class PosixFileManagerWatchTest : public test::FileManagerFixture {
   protected:
     std::unique_ptr<platform::Watch> watch(const std::string& name) {
         return manager.watchFile(file(name), [this] { ++calls; });
@@ -17,59 +17,59 @@ class PosixFileManagerWatchTest : public test::RealFiles {
     void wait(std::chrono::milliseconds time) {
         loop.runUntil([] { return false; }, time);
     }
-    /// Whether the handler was called after @p change.
-    bool tells(const std::function<void()>& change) {
+    /// Returns whether the handler is called after @p change.
+    bool reports(const std::function<void()>& change) {
         wait(20ms);
         calls = 0;
         change();
         return loop.runUntil([this] { return calls > 0; }, 2s);
     }
-    bool tellsOfWriting(const std::string& name) {
-        return tells([&] { folder.write(name, "same size"); });
+    bool reportsWriting(const std::string& name) {
+        return reports([&] { folder.write(name, "same size"); });
     }
-    bool tellsOfMoving(const std::string& from, const std::string& to) {
-        return tells([&] { fs::rename(file(from), file(to)); });
+    bool reportsMoving(const std::string& from, const std::string& to) {
+        return reports([&] { fs::rename(file(from), file(to)); });
     }
 
     test::PollingMainThread loop;
     int calls = 0;
 };
 
-TEST_F(PosixFileManagerWatchTest, TellsOfEverythingThatHappensToTheFile) {
+TEST_F(PosixFileManagerWatchTest, ReportsEveryChangeOfTheFile) {
     const auto watching = watch("file");
-    EXPECT_TRUE(tellsOfWriting("file")) << "it appears";
-    EXPECT_TRUE(tellsOfWriting("file"));
-    EXPECT_TRUE(tells([&] { std::ofstream(file("file"), std::ios::app) << "more"; }));
+    EXPECT_TRUE(reportsWriting("file")) << "the file appears";
+    EXPECT_TRUE(reportsWriting("file"));
+    EXPECT_TRUE(reports([&] { std::ofstream(file("file"), std::ios::app) << "more"; }));
     for (int i = 0; i < 2; ++i) {
         folder.write("beside", "1");
-        EXPECT_TRUE(tellsOfMoving("beside", "file")) << "it is replaced, " << i;
+        EXPECT_TRUE(reportsMoving("beside", "file")) << "the file is replaced, " << i;
     }
-    EXPECT_TRUE(tellsOfWriting("file")) << "the new one is written";
-    EXPECT_TRUE(tells([&] { manager.writeFileAtomically(file("file"), "2"); }));
-    EXPECT_TRUE(tellsOfMoving("file", "gone"));
-    EXPECT_TRUE(tellsOfMoving("gone", "file"));
-    EXPECT_TRUE(tells([&] { fs::remove(file("file")); }));
+    EXPECT_TRUE(reportsWriting("file")) << "the new file is written";
+    EXPECT_TRUE(reports([&] { manager.writeFileAtomically(file("file"), "2"); }));
+    EXPECT_TRUE(reportsMoving("file", "gone"));
+    EXPECT_TRUE(reportsMoving("gone", "file"));
+    EXPECT_TRUE(reports([&] { fs::remove(file("file")); }));
     fs::create_symlink("target", file("file"));
-    EXPECT_TRUE(tellsOfWriting("target")) << "a link's target appears";
-    EXPECT_TRUE(tellsOfWriting("target"));
+    EXPECT_TRUE(reportsWriting("target")) << "the target of the link appears";
+    EXPECT_TRUE(reportsWriting("target"));
     fs::create_symlink("other", file("beside"));
     folder.write("other", "3");
-    EXPECT_TRUE(tellsOfMoving("beside", "file")) << "the link is replaced";
+    EXPECT_TRUE(reportsMoving("beside", "file")) << "the link is replaced";
 }
 
-TEST_F(PosixFileManagerWatchTest, FollowsTheFoldersAbove) {
+TEST_F(PosixFileManagerWatchTest, ReportsChangesOfTheFoldersAboveTheFile) {
     const auto watching = watch("a/b/c/file");
-    EXPECT_TRUE(tellsOfWriting("a/b/c/file")) << "with all its folders";
-    EXPECT_TRUE(tellsOfMoving("a/b", "away"));
-    EXPECT_TRUE(tellsOfMoving("away", "a/b"));
-    EXPECT_TRUE(tellsOfWriting("a/b/c/file"));
-    EXPECT_TRUE(tells([&] { fs::remove_all(file("a")); }));
+    EXPECT_TRUE(reportsWriting("a/b/c/file")) << "with all its folders";
+    EXPECT_TRUE(reportsMoving("a/b", "away"));
+    EXPECT_TRUE(reportsMoving("away", "a/b"));
+    EXPECT_TRUE(reportsWriting("a/b/c/file"));
+    EXPECT_TRUE(reports([&] { fs::remove_all(file("a")); }));
     folder.write("elsewhere/b/c/file", "3");
-    EXPECT_TRUE(tells([&] { fs::create_directory_symlink("elsewhere", file("a")); }));
-    EXPECT_TRUE(tellsOfMoving("elsewhere/b", "gone"));
+    EXPECT_TRUE(reports([&] { fs::create_directory_symlink("elsewhere", file("a")); }));
+    EXPECT_TRUE(reportsMoving("elsewhere/b", "gone"));
 }
 
-TEST_F(PosixFileManagerWatchTest, ABurstEndsWithACallThatSeesTheLastChange) {
+TEST_F(PosixFileManagerWatchTest, CallsTheHandlerAfterTheLastChangeOfABurst) {
     std::string seen;
     const auto watching =
         manager.watchFile(file("file"), [&] { seen = test::contents(file("file")); });
@@ -83,10 +83,10 @@ TEST_F(PosixFileManagerWatchTest, ABurstEndsWithACallThatSeesTheLastChange) {
     EXPECT_TRUE(loop.runUntil([&] { return seen == "1999"; }, 2s)) << seen;
 }
 
-TEST_F(PosixFileManagerWatchTest, SleepsWhileOthersWriteTheirFiles) {
+TEST_F(PosixFileManagerWatchTest, DoesNotWakeWhenOtherFilesChange) {
     folder.write("folder/file", "1");
     const auto watching = watch("folder/file");
-    // Other programs may remove files beside the test's own folder meanwhile, but not every time.
+    // Other programs may change the folders above in the meantime, but not in every attempt.
     bool slept = false;
     for (int attempt = 0; attempt < 20 && !slept; ++attempt) {
         const int before = loop.wakeUps();
@@ -100,13 +100,13 @@ TEST_F(PosixFileManagerWatchTest, SleepsWhileOthersWriteTheirFiles) {
     EXPECT_EQ(calls, 0);
 }
 
-TEST_F(PosixFileManagerWatchTest, AHandlerMayEndItsOwnWatch) {
+TEST_F(PosixFileManagerWatchTest, LetsAHandlerDestroyItsWatch) {
     std::unique_ptr<platform::Watch> watching;
     watching = manager.watchFile(file("file"), [&] {
         ++calls;
         watching.reset();
     });
-    EXPECT_TRUE(tellsOfWriting("file"));
+    EXPECT_TRUE(reportsWriting("file"));
     folder.write("file", "2");
     wait(50ms);
     EXPECT_EQ(calls, 1);

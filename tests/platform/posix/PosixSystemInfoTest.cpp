@@ -14,7 +14,7 @@ using platform::posix::PosixSystemInfo;
 
 namespace {
 
-TEST(PosixSystemInfo, CodesTheKernelsVersion) {
+TEST(PosixSystemInfo, EncodesTheVersionOfTheKernel) {
     const std::pair<std::string, std::optional<std::uint32_t>> cases[] = {
         {"6.1.0-18-amd64", 0x0610}, {"5.15.148", 0x0599},    {"10.4.5", 0x1045},
         {"6.9-rc1", 0x0690},        {"7", 0x0700},           {"123.4.99999999999", 0x9949},
@@ -31,7 +31,7 @@ TEST(PosixSystemInfo, CodesTheKernelsVersion) {
     EXPECT_EQ(info.query(SystemFact::MediaVersion), std::nullopt);
 }
 
-TEST(PosixSystemInfo, NamesTheSystemsZoneByTheLinkToIt) {
+TEST(PosixSystemInfo, NamesTheTimeZoneAfterTheTargetOfItsLink) {
     const test::ScopedEnvironment zone("TZ", std::nullopt);
     const test::TemporaryFolder folder;
     const auto link = folder.file("localtime");

@@ -1,7 +1,7 @@
 #include <cstdio>
 #include <cstdlib>
 
-// Leaves a file where the environment says as soon as it is initialised.
+// Creates the file that HALVEX_PREFLIGHT_TRACE names when it is initialised.
 namespace {
 
 [[maybe_unused]] const bool isInitialised = [] {
@@ -12,9 +12,9 @@ namespace {
 
 } // namespace
 
-#ifdef HALVEX_DEFINES_IT
-extern "C" int nobodyDefinesThis();
-int nobodyDefinesThis() {
+#ifdef HALVEX_DEFINES_FUNCTION
+extern "C" int undefinedFunction();
+int undefinedFunction() {
     return isInitialised ? 1 : 0;
 }
 #endif

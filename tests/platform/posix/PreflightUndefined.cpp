@@ -1,6 +1,6 @@
-extern "C" int nobodyDefinesThis();
-int callsIt();
+extern "C" int undefinedFunction();
+int callsUndefinedFunction();
 
-int callsIt() {
-    return nobodyDefinesThis();
+int callsUndefinedFunction() {
+    return undefinedFunction();
 }

@@ -35,14 +35,14 @@ class Programs : public testing::Test {
         fs::permissions(path, fs::perms::owner_all);
         return path;
     }
-    /// What a started program wrote, whole once it has moved it to this name.
+    /// Waits until a program has renamed its finished output to @p name, and returns it.
     std::string output(const std::string& name) const {
         const std::string path = folder.file(name);
         for (int i = 0; i < 500 && !fs::exists(path); ++i)
             std::this_thread::sleep_for(std::chrono::milliseconds(10));
         return test::contents(path);
     }
-    /// An application bundle whose program is a copy of "sleep", which it does for a minute.
+    /// Creates an application bundle whose program is a copy of "sleep".
     std::string application(const std::string& name, const std::string& info) const {
         const std::string bundle = folder.file(name);
         folder.write(name + "/Contents/Info.plist", "<plist><dict>" + info + "</dict></plist>");
@@ -65,9 +65,14 @@ class Programs : public testing::Test {
     std::vector<pid_t> started;
 };
 
-TEST_F(Programs, GetTheirWordsAsTheyAreAndNothingElseOfOurs) {
-    constexpr int kSecret = 9; // without FD_CLOEXEC
-    dup2(STDERR_FILENO, kSecret);
+using StartProgram = Programs;
+using PosixProcessListTest = Programs;
+using PosixWorkspaceTest = Programs;
+using PosixScriptRunnerTest = Programs;
+
+TEST_F(StartProgram, PassesArgumentsUnchangedAndNoFileButStandardError) {
+    constexpr int kOpenFile = 9; // without FD_CLOEXEC
+    dup2(STDERR_FILENO, kOpenFile);
     std::signal(SIGPIPE, SIG_IGN);
     const std::string program = script(
         "program", "cd '" + folder.path().string() +
@@ -78,13 +83,13 @@ TEST_F(Programs, GetTheirWordsAsTheyAreAndNothingElseOfOurs) {
     const std::string text = output("done");
     EXPECT_THAT(text, HasSubstr("3|a b||$HOME;'\"|/dev/null|/dev/null|SigIgn"));
     EXPECT_THAT(text, HasSubstr("SigIgn:\t0000000000000000"));
-    EXPECT_EQ(waitpid(-1, nullptr, WNOHANG), -1) << "it is no child of ours";
+    EXPECT_EQ(waitpid(-1, nullptr, WNOHANG), -1) << "the program is not a child of this process";
     EXPECT_EQ(errno, ECHILD);
     std::signal(SIGPIPE, SIG_DFL);
-    close(kSecret);
+    close(kOpenFile);
 }
 
-TEST_F(Programs, AreListedByTheNamesOfTheirBundles) {
+TEST_F(PosixProcessListTest, NamesProgramsAfterTheirBundles) {
     const std::string named =
         application("Some.app", "<key>CFBundleName</key><string>Halvex 2</string>");
     const std::string unnamed = application("Other Thing.app", "");
@@ -97,14 +102,14 @@ TEST_F(Programs, AreListedByTheNamesOfTheirBundles) {
         EXPECT_EQ(running(name).size(), 1U) << name;
     EXPECT_TRUE(running("Program").empty());
 
-    fs::remove_all(unnamed); // what runs keeps its name
+    fs::remove_all(unnamed); // a running program keeps its name
     const auto process = running("Other Thing");
     ASSERT_EQ(process.size(), 1U);
     const ProcessSerialNumber number = process[0].serialNumber;
     const auto identifier = posix::processIdentifier(number);
     ASSERT_TRUE(identifier);
     EXPECT_EQ(posix::processIdentifier(number + (ProcessSerialNumber{1} << 22)), std::nullopt)
-        << "a later process of that identifier";
+        << "a later process with the same identifier";
     kill(*identifier, SIGKILL);
     for (int i = 0; i < 500 && posix::processIdentifier(number); ++i)
         std::this_thread::sleep_for(std::chrono::milliseconds(10));
@@ -112,7 +117,7 @@ TEST_F(Programs, AreListedByTheNamesOfTheirBundles) {
     EXPECT_TRUE(running("Other Thing").empty());
 }
 
-TEST_F(Programs, OfApplicationBundlesAreOpenedOrALineSaysWhyNot) {
+TEST_F(PosixWorkspaceTest, StartsApplicationsAndLogsWhyOneCannotBeStarted) {
     posix::PosixWorkspace workspace;
     const std::string executable = "<key>CFBundleExecutable</key><string>Program</string>";
     const std::string bundle = application("Good.app", executable);
@@ -136,7 +141,7 @@ TEST_F(Programs, OfApplicationBundlesAreOpenedOrALineSaysWhyNot) {
     EXPECT_TRUE(log.contains("cannot open /a with Finder: unknown application"));
 }
 
-TEST_F(Programs, ThatAreNoPaneSelectingScriptAreRefused) {
+TEST_F(PosixScriptRunnerTest, RejectsScriptsThatDoNotSelectAPane) {
     const test::ScopedEnvironment path("PATH", "/nowhere");
     posix::PosixScriptRunner runner;
     const std::string end = "\"\nend tell\n";
@@ -145,7 +150,7 @@ TEST_F(Programs, ThatAreNoPaneSelectingScriptAreRefused) {
     for (const std::string& bad : {std::string(), start, start + end, start + "a" + end + "more",
                                    "beep\n" + start + "a" + end, start + "a\"\nquit\n\"" + end,
                                    start + "a\\" + end, start + "a\nb" + end})
-        EXPECT_THAT(runner.run(bad).value_or("understood"), HasSubstr("unsupported script")) << bad;
+        EXPECT_THAT(runner.run(bad).value_or("accepted"), HasSubstr("unsupported script")) << bad;
 }
 
 } // namespace

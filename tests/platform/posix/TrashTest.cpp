@@ -1,7 +1,7 @@
 #include "platform/posix/Trash.h"
 
 #include "platform/Workspace.h"
-#include "tests/platform/posix/RealFiles.h"
+#include "tests/platform/posix/FileManagerFixture.h"
 #include "tests/support/ScopedEnvironment.h"
 
 #include <limits.h>
@@ -13,7 +13,7 @@ using platform::posix::moveToTrash;
 using platform::posix::trashAtTop;
 using testing::StartsWith;
 
-class Trash : public test::RealFiles {
+class Trash : public test::FileManagerFixture {
   protected:
     const test::ScopedEnvironment home{"HOME", file("home")};
     const test::ScopedEnvironment data{"XDG_DATA_HOME", std::nullopt};
@@ -21,28 +21,28 @@ class Trash : public test::RealFiles {
     const std::string user = std::to_string(::geteuid());
 };
 
-TEST_F(Trash, KeepsWhatIsThrownAwayWithWhereItLayAndWhen) {
+TEST_F(Trash, RecordsTheOriginalPathAndTheDeletionDate) {
     fs::create_directory(file("home"));
     folder.write("50% \xc3\xa4 [x]/Clock.menu/Contents/Info.plist", "1");
     const std::string path = file("50% \xc3\xa4 [x]/Clock.menu");
     EXPECT_TRUE(platform::sharedWorkspace().recycle(path));
     EXPECT_FALSE(fs::exists(path));
     EXPECT_EQ(contents(trash / "files/Clock.menu/Contents/Info.plist"), "1");
-    const std::string note = contents(trash / "info/Clock.menu.trashinfo");
-    EXPECT_THAT(note, StartsWith("[Trash Info]\nPath=" + folder.path().string() +
-                                 "/50%25%20%C3%A4%20%5Bx%5D/Clock.menu\nDeletionDate="));
-    EXPECT_THAT(note, testing::MatchesRegex(".*=[0-9]{4}-[0-9]{2}-[0-9]{2}T[0-9:]{8}\n"));
+    const std::string information = contents(trash / "info/Clock.menu.trashinfo");
+    EXPECT_THAT(information, StartsWith("[Trash Info]\nPath=" + folder.path().string() +
+                                        "/50%25%20%C3%A4%20%5Bx%5D/Clock.menu\nDeletionDate="));
+    EXPECT_THAT(information, testing::MatchesRegex(".*=[0-9]{4}-[0-9]{2}-[0-9]{2}T[0-9:]{8}\n"));
     EXPECT_EQ(fs::status(trash).permissions(), fs::perms(0700));
 }
 
-TEST_F(Trash, GivesNumbersToNamesThatItHasAlready) {
+TEST_F(Trash, NumbersItemsWhoseNamesAreTaken) {
     const test::ScopedEnvironment elsewhere("XDG_DATA_HOME", file("data"));
     const std::string longest(NAME_MAX - 5, 'n');
-    // A file without a note, or a note without a file, takes its name all the same.
+    // An item without information, and information without an item, also occupy their names.
     folder.write("data/Trash/files/none", "");
     folder.write("data/Trash/info/none.2.trashinfo", "");
     Names files{"none"};
-    Names notes{"none.2.trashinfo"};
+    Names information{"none.2.trashinfo"};
     const std::pair<std::string, Names> cases[] = {
         {"Clock.menu", {"Clock.menu", "Clock.2.menu", "Clock.3.menu"}},
         {"none", {"none.3", "none.4"}},
@@ -53,15 +53,15 @@ TEST_F(Trash, GivesNumbersToNamesThatItHasAlready) {
             fs::create_symlink("nowhere", file(name));
             EXPECT_TRUE(moveToTrash(file(name))) << name;
             files.insert(kept);
-            notes.insert(kept + ".trashinfo");
+            information.insert(kept + ".trashinfo");
         }
     }
     EXPECT_EQ(namesIn(file("data/Trash/files")), files);
-    EXPECT_EQ(namesIn(file("data/Trash/info")), notes);
+    EXPECT_EQ(namesIn(file("data/Trash/info")), information);
 }
 
-TEST_F(Trash, WhatCannotBeMovedStaysAndLeavesNoNote) {
-    // A folder cannot be moved into itself: the Trash is in the home folder.
+TEST_F(Trash, KeepsNoInformationAboutItemsThatCannotBeMoved) {
+    // The home folder cannot be moved, because the Trash is in it.
     for (const std::string& path :
          {std::string("/"), std::string(), file("none"), folder.path().string() + "/..",
           std::string("/proc/self/status"), file("home")})
@@ -69,7 +69,7 @@ TEST_F(Trash, WhatCannotBeMovedStaysAndLeavesNoNote) {
     EXPECT_EQ(namesIn(trash / "info"), Names());
 }
 
-TEST_F(Trash, AtTheTopOfAFileSystemIsTheUsersOwnAndNoLink) {
+TEST_F(Trash, AtTheTopOfAFileSystemBelongsToTheUserAndIsNotALink) {
     const std::string own = file(".Trash-" + user);
     const fs::path shared = file(".Trash");
     EXPECT_EQ(trashAtTop(folder.path()), own);
@@ -89,10 +89,10 @@ TEST_F(Trash, AtTheTopOfAFileSystemIsTheUsersOwnAndNoLink) {
     EXPECT_EQ(trashAtTop(folder.path()), std::nullopt);
 }
 
-TEST_F(Trash, OfAnotherFileSystemTellsPathsFromItsTop) {
+TEST_F(Trash, OnAnotherFileSystemStoresPathsRelativeToItsTop) {
     if (::access("/dev/shm", W_OK) != 0 ||
         test::statusOf("/dev/shm").st_dev == test::statusOf(folder.path()).st_dev)
-        GTEST_SKIP() << "there is one file system only";
+        GTEST_SKIP() << "needs another file system at /dev/shm";
     const std::string name = "halvex-trash-test-" + std::to_string(::getpid());
     std::ofstream("/dev/shm/" + name) << "1";
     const bool isNew = !fs::exists("/dev/shm/.Trash-" + user);

@@ -33,31 +33,31 @@ inline Names namesIn(const fs::path& path) {
     return result;
 }
 
-/// Of a link itself.
+/// Does not follow links.
 inline struct stat statusOf(const fs::path& path) {
     struct stat status {};
     EXPECT_EQ(::lstat(path.c_str(), &status), 0) << path;
     return status;
 }
 
-/// Ends the process where something finished would get its name.
-class CutOff final : public platform::posix::SystemCalls {
+/// Exits where a finished file or folder would get its final name.
+class ExitingCalls final : public platform::posix::SystemCalls {
     int rename(int, const std::string&, const std::string&) override { ::_exit(0); }
     int renameWithoutReplacing(int, const std::string&, int, const std::string&) override {
         ::_exit(0);
     }
 };
 
-/// The system's files in a folder of the test's own, where "/Library" lies under "root".
-class RealFiles : public testing::Test {
+/// A file manager that maps "/Library" to "root/Library" in a temporary folder.
+class FileManagerFixture : public testing::Test {
   protected:
     std::string file(std::string_view name) const { return folder.file(name); }
     Names names() const { return namesIn(folder.path()); }
 
-    /// Lets the first system call of @p attempt fail, then the second, until it comes to its end
-    /// before that; gives how many rounds there were. The attempt says whether it was successful.
+    /// Runs @p attempt, which returns whether it succeeded, with its first system call failing,
+    /// then its second and so on until it makes no more calls. Returns the number of runs.
     template <class Attempt>
-    int whicheverCallFails(int error, FailingCalls::Times times, Attempt attempt) {
+    int failEachCallOf(int error, FailingCalls::Times times, Attempt attempt) {
         int call = 0;
         for (bool failed = true; failed && call < 200;) {
             SCOPED_TRACE(testing::Message() << std::strerror(error) << ", call " << ++call);
@@ -67,13 +67,13 @@ class RealFiles : public testing::Test {
             failed = calls.failed();
             EXPECT_TRUE(done || failed);
             EXPECT_EQ(log.take().size(), done && failed ? 1U : 0U)
-                << "only a folder that could not be flushed is worth a line";
+                << "only a failure to flush the folder is logged";
         }
         return call;
     }
-    /// Runs this in a process of its own, and kills that after a time.
+    /// Runs @p code repeatedly in another process and kills that process after a time.
     template <class Code>
-    static void killed(std::chrono::microseconds after, Code code) {
+    static void runAndKill(std::chrono::microseconds after, Code code) {
         const pid_t child = ::fork();
         ASSERT_GE(child, 0);
         if (child == 0)
@@ -83,24 +83,24 @@ class RealFiles : public testing::Test {
         ::kill(child, SIGKILL);
         ASSERT_EQ(::waitpid(child, nullptr, 0), child);
     }
-    /// Makes something in @p place in a process that ends where what it made would get its name,
-    /// and then twice more: first while somebody holds the leftover, as its maker would.
+    /// Calls @p make, which creates something in @p place, in a process that exits before renaming
+    /// it, then here with the leftover locked, as its creator would lock it, and then unlocked.
     template <class Make>
-    void leftoverGoesWithItsMaker(const std::string& place, Make make) {
+    void expectOnlyUnlockedLeftoversAreRemoved(const std::string& place, Make make) {
         const pid_t child = ::fork();
         if (child == 0) {
-            CutOff calls;
+            ExitingCalls calls;
             PosixFileManager files({}, calls);
             make(files);
         }
         ::waitpid(child, nullptr, 0);
         const Names left = namesIn(place);
         ASSERT_EQ(left.size(), 1U);
-        const int maker = ::open((place + '/' + *left.begin()).c_str(), O_RDONLY | O_CLOEXEC);
-        ASSERT_EQ(::flock(maker, LOCK_EX), 0);
+        const int lock = ::open((place + '/' + *left.begin()).c_str(), O_RDONLY | O_CLOEXEC);
+        ASSERT_EQ(::flock(lock, LOCK_EX), 0);
         EXPECT_TRUE(make(manager));
-        EXPECT_EQ(namesIn(place).size(), 2U) << "its maker still holds it";
-        ::close(maker);
+        EXPECT_EQ(namesIn(place).size(), 2U) << "a locked entry is not a leftover";
+        ::close(lock);
         EXPECT_TRUE(make(manager));
         EXPECT_FALSE(namesIn(place).contains(*left.begin()));
     }
