@@ -2,7 +2,7 @@
 
 #include <QApplication>
 
-// For tests of windows, which nobody needs to see.
+// Runs tests that need a QApplication, without a display unless QT_QPA_PLATFORM selects one.
 int main(int argc, char** argv) {
     testing::InitGoogleTest(&argc, argv);
     if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM"))

@@ -6,7 +6,8 @@
 
 namespace test {
 
-/// Fails its call number @p first, or that and all later ones, with @p error. Writes are short.
+/// Fails call number @p first, or that and all later ones, with @p error. Each write that succeeds
+/// writes only half of its bytes.
 class FailingCalls final : public platform::posix::SystemCalls {
     using Real = platform::posix::SystemCalls;
 

@@ -21,7 +21,7 @@
 #include <utility>
 #include <vector>
 
-/// Services that record what they are asked for. Each is in place for as long as it lives.
+/// Services that record how they are used. Each replaces the process's service for its lifetime.
 namespace test {
 
 /// An image without pixels.
@@ -32,7 +32,7 @@ struct BlankImage final : platform::Image {
     platform::Size points;
 };
 
-/// Every byte of text is 7 points wide and 15 high; drawing becomes lines of words.
+/// Records drawing as lines of text. Each byte of a drawn text is 7 points wide and 15 high.
 class RecordingGraphics final : public platform::Graphics, public platform::GraphicsContext {
   public:
     std::vector<std::string> drawn;
@@ -40,7 +40,7 @@ class RecordingGraphics final : public platform::Graphics, public platform::Grap
     platform::Size sizeOfText(const platform::AttributedString& text) override {
         return {7.0 * static_cast<double>(text.length()), 15.0};
     }
-    /// Every file whose path ends in ".png" is an image of 13 x 13 points.
+    /// Returns an image of 13 x 13 points for every path that ends in ".png".
     std::shared_ptr<platform::Image> imageWithContentsOfFile(const std::string& path) override {
         return path.ends_with(".png") ? std::make_shared<BlankImage>(13, 13) : nullptr;
     }
@@ -53,7 +53,7 @@ class RecordingGraphics final : public platform::Graphics, public platform::Grap
         draw(*this);
         return std::make_shared<BlankImage>(size.width, size.height);
     }
-    std::string namedImage; ///< the one that imageNamed finds
+    std::string namedImage; ///< the only name that imageNamed knows
     platform::GraphicsContext& currentContext() override { return *this; }
 
     void saveGraphicsState() override { drawn.emplace_back("save"); }
@@ -79,7 +79,7 @@ class RecordingGraphics final : public platform::Graphics, public platform::Grap
         drawn.push_back("text " + text.string() + " in " + words(rect));
         texts.push_back(text);
     }
-    std::vector<platform::AttributedString> texts; ///< those drawn into rectangles
+    std::vector<platform::AttributedString> texts; ///< drawn with drawTextInRect
     void drawImage(const platform::Image&, const platform::Rect& destination,
                    const platform::Rect& source, platform::CompositingOperation operation,
                    double fraction) override {
@@ -132,7 +132,7 @@ class RecordingGraphics final : public platform::Graphics, public platform::Grap
     platform::ScopedService<platform::Graphics> service_{*this};
 };
 
-/// A bar of 22 points that counts what its items ask for and opens menus in name only.
+/// A bar with a thickness of 22 points that counts the calls of its items.
 class RecordingHost final : public platform::MenuExtraHost {
   public:
     int redisplays = 0;
@@ -150,11 +150,11 @@ class RecordingHost final : public platform::MenuExtraHost {
 
 class RecordingWorkspace final : public platform::Workspace {
   public:
-    std::vector<std::string> selected; ///< path, a bar, root path
-    std::vector<std::string> opened;   ///< path, or path, a bar, application; "front", process
-    bool opens = true;                 ///< what opening answers
+    std::vector<std::string> selected; ///< "path|root path"
+    std::vector<std::string> opened;   ///< "path", "path|application" or "front <process>"
+    bool opens = true;                 ///< the result of openFile
     std::vector<std::string> recycled;
-    bool recycles = true; ///< what recycling answers
+    bool recycles = true; ///< the result of recycle
 
     bool selectFile(const std::string& path, const std::string& rootPath) override {
         selected.push_back(path + '|' + rootPath);
@@ -183,14 +183,14 @@ class RecordingWorkspace final : public platform::Workspace {
     platform::ScopedService<platform::Workspace> service_{*this};
 };
 
-/// A menu bar that keeps the requests to load and to unload, and has the items that the test says.
+/// A menu bar with the items in loaded. It records requests; only the test loads items.
 class RecordingMenuBar final : public platform::MenuExtraServer {
   public:
     std::vector<std::string> loaded; ///< identifiers
     /// "add <url> <position> <the four numbers>", "remove <identifier> <flags>"
     std::vector<std::string> requests;
-    std::vector<std::string> asked; ///< identifiers, once for each time
-    /// What follows a request to load, and the status that it is answered with.
+    std::vector<std::string> asked; ///< the identifiers passed to getMenuExtra
+    /// Called by addMenuExtra. Returns its status.
     std::function<std::int32_t(const std::string& url)> onAdd = [](const auto&) { return 0; };
 
     std::int32_t getMenuExtra(const std::string& identifier,
@@ -222,8 +222,8 @@ class RecordingMenuBar final : public platform::MenuExtraServer {
     platform::ScopedService<platform::MenuExtraServer> service_{*this};
 };
 
-/// Panels whose windows keep what they are told, in words, and adopt frames at once, animated ones
-/// half-way first.
+/// Panels whose windows record calls as text. A window takes each frame immediately; an animated
+/// one by way of one frame half-way.
 class RecordingPanels final : public platform::PanelService {
   public:
     std::vector<std::string> calls;
@@ -292,11 +292,11 @@ class FixedEvents final : public platform::EventSource {
     platform::ScopedService<platform::EventSource> service_{*this};
 };
 
-/// A clock that stands still, in UTC, until it is moved; ticks come when the test says so.
+/// A clock in UTC that changes and ticks only in moveTo.
 class ManualClock final : public platform::Clock {
   public:
     std::int64_t seconds = 0;
-    /// How long each sleep was to take, in microseconds; none of them takes any time.
+    /// The durations of all sleeps in microseconds. No sleep takes any time.
     std::vector<std::uint64_t> sleeps;
     std::function<void()> duringSleep = [] {};
 
@@ -317,7 +317,7 @@ class ManualClock final : public platform::Clock {
         return ticker;
     }
 
-    /// Tells everybody that the time has come, or has changed.
+    /// Sets the time and calls the handlers of all tickers.
     void moveTo(std::int64_t time) {
         seconds = time;
         for (const Ticker* ticker : std::vector(tickers_))

@@ -14,36 +14,37 @@
 
 namespace test {
 
-/// The services that starting and notifying an application takes, in place for as long as it lives.
-/// What is asked of them stands in one journal, in the order in which it was asked.
+/// Replaces the services for starting and notifying applications, for the lifetime of the object,
+/// and records the calls of all of them in one journal.
 class HandOverDesk final : platform::ProcessList,
                            platform::LocalDistributedNotificationCenter,
                            platform::Workspace,
                            platform::MainThread {
   public:
-    std::vector<std::string> running; ///< names; a process's serial number is its place, from 1
-    bool opens = true;
+    std::vector<std::string> running; ///< names; serial numbers count from 1
+    bool opens = true;                ///< the result of openFile
     std::function<void()> onOpen = [] {};
 
+    /// Returns the calls since the last call of journal, in order.
     std::vector<std::string> journal() {
         const std::lock_guard lock(mutex_);
         return std::exchange(lines_, {});
     }
-    /// Does what the main thread was asked for without waiting.
+    /// Runs the work that was queued without waiting.
     void runMainThread() {
         std::unique_lock lock(mutex_);
         const auto work = std::exchange(queue_, {});
         lock.unlock();
-        for (const auto& piece : work)
-            piece();
+        for (const auto& function : work)
+            function();
     }
-    /// Announces a launch where the other programs' are heard.
+    /// Announces a launch on the distributed centre.
     void announce(const std::string& name) {
         observers().deliver({.name = platform::kDidLaunchApplication,
                              .object = {},
                              .userInfo = {{"NSApplicationName", name}}});
     }
-    /// On the distributed centre, then on the workspace's.
+    /// Returns whether launches are observed on the distributed centre and on the workspace's.
     std::pair<bool, bool> observesLaunches() {
         return {observers().observes(platform::kDidLaunchApplication),
                 workspaceCenter_.hasObservers(platform::kDidLaunchApplication)};
@@ -100,10 +101,10 @@ class HandOverDesk final : platform::ProcessList,
     mutable std::vector<std::string> lines_;
     std::vector<std::function<void()>> queue_;
     Center workspaceCenter_;
-    platform::ScopedService<platform::ProcessList> processesInPlace_{*this};
-    platform::ScopedService<platform::DistributedNotificationCenter> centerInPlace_{*this};
-    platform::ScopedService<platform::Workspace> workspaceInPlace_{*this};
-    platform::ScopedService<platform::MainThread> mainThreadInPlace_{*this};
+    platform::ScopedService<platform::ProcessList> processList_{*this};
+    platform::ScopedService<platform::DistributedNotificationCenter> distributedCenter_{*this};
+    platform::ScopedService<platform::Workspace> workspace_{*this};
+    platform::ScopedService<platform::MainThread> mainThread_{*this};
 };
 
 } // namespace test

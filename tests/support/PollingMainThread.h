@@ -12,7 +12,7 @@
 
 namespace test {
 
-/// A main loop that runs while the test says so, in place for as long as it lives.
+/// Replaces the main thread, for the lifetime of the object, by a loop that runs in runUntil only.
 class PollingMainThread final : public platform::MainThread {
   public:
     void perform(std::function<void()> work, Wait) override { work(); }
@@ -23,7 +23,8 @@ class PollingMainThread final : public platform::MainThread {
         return std::make_unique<Registration>(handlers_, fileDescriptor);
     }
 
-    /// Handles what comes until @p done or the time is over; gives the last answer of @p done.
+    /// Calls handlers until @p done returns true or @p limit is over. Returns the last value of
+    /// @p done.
     bool runUntil(const std::function<bool()>& done, std::chrono::milliseconds limit) {
         const auto end = std::chrono::steady_clock::now() + limit;
         while (!done()) {
@@ -36,7 +37,7 @@ class PollingMainThread final : public platform::MainThread {
         return true;
     }
 
-    /// How often a wait has ended because there was something to do.
+    /// How many waits have ended with a readable descriptor.
     int wakeUps() const { return wakeUps_; }
 
   private:
@@ -59,7 +60,7 @@ class PollingMainThread final : public platform::MainThread {
         for (const pollfd& ready : descriptors)
             if (const auto found = handlers_.find(ready.fd);
                 ready.revents != 0 && found != handlers_.end()) {
-                const auto handler = found->second; // which may destroy its watch
+                const auto handler = found->second; // a copy: it may destroy its watch
                 handler();
             }
     }

@@ -11,7 +11,7 @@
 
 namespace test {
 
-/// Keeps what is logged, as the system log for as long as it lives.
+/// Replaces the system log, and records its lines, for the lifetime of the object.
 class RecordingLog final : public platform::Log {
   public:
     void write(std::string_view line) override {
@@ -23,7 +23,7 @@ class RecordingLog final : public platform::Log {
         ++beeps_;
     }
 
-    /// All lines since the last take, oldest first.
+    /// Returns the lines written since the last call, oldest first.
     std::vector<std::string> take() {
         const std::lock_guard lock(mutex_);
         return std::exchange(lines_, {});

@@ -8,7 +8,7 @@
 
 namespace test {
 
-/// An environment variable that has another value, or none, for a scope.
+/// Sets an environment variable, or unsets it, and restores it when the object is destroyed.
 class ScopedEnvironment : platform::NonCopyable {
   public:
     ScopedEnvironment(std::string name, const std::optional<std::string>& value)

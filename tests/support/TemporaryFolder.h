@@ -17,13 +17,13 @@ inline std::string contents(const std::filesystem::path& file) {
     return {std::istreambuf_iterator<char>(stream), {}};
 }
 
-/// An empty folder of the test's own that is gone with the object.
+/// A temporary folder, empty at first, that is removed with the object.
 class TemporaryFolder : platform::NonCopyable {
   public:
     TemporaryFolder() {
         std::string pattern = (std::filesystem::temp_directory_path() / "halvex-XXXXXX").string();
         if (!mkdtemp(pattern.data()))
-            throw std::runtime_error("no temporary folder: " + pattern);
+            throw std::runtime_error("cannot create a temporary folder: " + pattern);
         path_ = pattern;
     }
     ~TemporaryFolder() {
