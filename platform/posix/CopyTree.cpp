@@ -12,8 +12,8 @@
 namespace platform::posix {
 namespace {
 
-/// Copies a tree into the open folder @p destination. Each operation copies the entry @p name of
-/// @p source into @p target, as @p newName.
+/// Copies a tree into the open folder @p destination. Each operation copies the entry @p name of @p
+/// source into @p target, as @p newName.
 class TreeCopier {
   public:
     TreeCopier(int destination, SystemCalls& calls) : calls_(calls) {
@@ -87,7 +87,7 @@ bool TreeCopier::finish(int copy, const struct stat& original) {
            calls_.flush(copy) == 0;
 }
 
-/// Moves a folder that may be read-only. The system moves only writable folders to another parent.
+/// Moves an entry. A read-only folder is made writable first: only then does the system move it.
 int moveInto(int from, int to, const std::string& name, SystemCalls& calls) {
     const auto status = statusOf(from, name);
     const bool readOnly = status && S_ISDIR(status->st_mode) && (status->st_mode & S_IWUSR) == 0;

@@ -5,7 +5,7 @@
 
 namespace platform::posix {
 
-/// Owns a file descriptor and closes it. Empty, and false, with the number -1.
+/// Owns a file descriptor and closes it when destroyed. A descriptor of -1 is empty.
 class Descriptor {
   public:
     explicit Descriptor(int number = -1) : number_(number) {}

@@ -5,7 +5,7 @@
 
 namespace platform::posix {
 
-/// The properties of an executable file that its ELF header states.
+/// What the ELF header of an executable file states.
 struct ElfFile {
     /// The number that DynamicLoader uses for the processor; 0 if it has none.
     int architecture = 0;

@@ -24,15 +24,13 @@ std::optional<std::vector<std::string>> namesIn(int folder);
 /// Returns the attributes of the entry @p name, or std::nullopt, with errno set, if there is none.
 std::optional<struct stat> statusOf(int folder, const std::string& name);
 
-/// Returns whether @p name can be the name of an entry: false for an empty name and for the last
-/// components "/", "." and "..".
+/// Returns whether @p name can name an entry: false for an empty string, "/", "." and "..".
 bool isEntryName(const std::string& name);
 
 bool isSameFile(const struct stat& one, const struct stat& other);
 
 /// Flushes @p folder to disk after @p path has been created in it. A failure is only logged,
-/// because
-/// @p path already exists.
+/// because @p path already exists.
 void flushFolderOrLog(int folder, const std::string& path, SystemCalls& calls);
 
 } // namespace platform::posix

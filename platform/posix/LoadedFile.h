@@ -4,8 +4,8 @@
 
 namespace platform::posix {
 
-/// Returns the file that the code or data at @p address was loaded from, as the loader names it:
-/// for the program itself that is its name on the command line. Empty if there is none.
+/// Returns the file that the code or data at @p address was loaded from, or an empty string. For
+/// the program itself this is its name on the command line, which need not be a path.
 std::string loadedFileAt(const void* address);
 
 } // namespace platform::posix

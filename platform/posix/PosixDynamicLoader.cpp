@@ -55,8 +55,7 @@ class PosixDynamicLoader final : public DynamicLoader {
         struct stat status {};
         const bool notRegular = ::stat(path.c_str(), &status) == 0 && !S_ISREG(status.st_mode);
         reason = notRegular ? headerError(path) : preflightError(path);
-        // The loader does not compare the size of the file with the header: it accepts a truncated
-        // file, or crashes in it.
+        // The loader does not check the file's size: it accepts a truncated file or crashes.
         const auto file = ElfFile::read(path);
         if (file && file->architecture == hostArchitecture() &&
             (!file->isSharedObject || !file->isComplete))

@@ -8,8 +8,7 @@ namespace platform::posix {
 /// The file system of the machine.
 class PosixFileManager : public FileManager {
   public:
-    /// Prepends @p libraryRoot to "/Library" and every path below it. @p calls must outlive the
-    /// object.
+    /// Prepends @p libraryRoot to "/Library" and all paths below it. Does not own @p calls.
     explicit PosixFileManager(std::string libraryRoot = {}, SystemCalls& calls = systemCalls());
 
     bool fileExists(const std::string& path, bool* isDirectory) const override;
@@ -33,8 +32,7 @@ class PosixFileManager : public FileManager {
                                      std::function<void()> handler) override;
 
   private:
-    /// Returns the path to pass to the system, or std::nullopt if @p path is empty or contains a
-    /// null byte.
+    /// Returns the path for system calls, or std::nullopt if @p path is empty or has a null byte.
     std::optional<std::string> systemPath(const std::string& path) const;
 
     std::string libraryRoot_;

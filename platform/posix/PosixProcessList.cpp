@@ -38,7 +38,7 @@ std::optional<ProcessStatus> statusOf(pid_t process) {
     std::ifstream file(procFolder(process) + "/stat");
     std::string line;
     std::getline(file, line);
-    // The name is in parentheses and may contain some.
+    // The name is in parentheses and may itself contain parentheses.
     const auto open = line.find('(');
     const auto close = line.rfind(')');
     if (open == std::string::npos || close == std::string::npos || close < open)

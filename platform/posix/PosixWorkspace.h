@@ -6,8 +6,7 @@
 namespace platform::posix {
 
 /// The workspace without a desktop. It starts applications, opens URLs with xdg-open and moves
-/// items to the Trash, but cannot show files or move windows: these operations return false or do
-/// nothing.
+/// items to the Trash. The operations that show files return false; bringToFront does nothing.
 class PosixWorkspace : public Workspace {
   public:
     bool selectFile(const std::string& path, const std::string& rootPath) override;

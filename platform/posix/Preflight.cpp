@@ -48,7 +48,7 @@ class LoaderProcess : NonCopyable {
     }
 
     explicit operator bool() const { return process_ > 0; }
-    /// Reads the output up to its end. Returns false if that takes too long or is too long.
+    /// Reads the whole output. Returns false if it exceeds kTimeout or kMaximumOutput.
     bool readOutput(std::string& text);
     /// Returns the exit status.
     int wait() {
@@ -126,8 +126,7 @@ std::string trimmed(std::string_view line) {
     return result;
 }
 
-/// Returns the first error in the loader's output. Its other lines state where each library was
-/// found.
+/// Returns the first error in the loader's output, whose other lines list the libraries found.
 std::string errorIn(std::string_view text) {
     constexpr std::string_view kIntroduction = ": error while loading shared libraries: ";
     std::string error;
@@ -147,7 +146,7 @@ std::string errorIn(std::string_view text) {
 } // namespace
 
 std::string preflightError(const std::string& path) {
-    // The address that the loader was mapped at.
+    // The address where the loader is mapped.
     const auto* base =
         reinterpret_cast<const void*>(::getauxval(AT_BASE)); // NOLINT(performance-no-int-to-ptr)
     const std::string loader = loadedFileAt(base);

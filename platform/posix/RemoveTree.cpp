@@ -12,12 +12,12 @@
 namespace platform::posix {
 namespace {
 
-/// An entry that is missing has been removed by another process that removes the same leftovers.
+/// Succeeds if the entry is missing: another process may be removing the same leftovers.
 bool remove(int folder, const std::string& name, int flags) {
     return ::unlinkat(folder, name.c_str(), flags) == 0 || errno == ENOENT;
 }
 
-/// Returns whether permissions allow to empty the folder and all folders below it.
+/// Returns whether permissions allow emptying the folder and all folders below it.
 bool canBeEmptied(int parent, const std::string& name) {
     const Descriptor folder = openFolder(parent, name);
     const auto names = folder ? namesIn(folder.get()) : std::nullopt;

@@ -9,7 +9,7 @@ namespace platform::posix {
 /// name removes the rest.
 bool removeItem(const std::string& path);
 
-/// MakeWritable also empties read-only folders, as far as the process may change their modes.
+/// With MakeWritable, read-only folders are made writable first if the process is permitted to.
 enum class Permissions { Keep, MakeWritable };
 
 /// Removes the entry @p name of @p folder and everything below it. Returns false if part of it is

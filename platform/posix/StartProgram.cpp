@@ -26,7 +26,7 @@ void resetSignals() {
     sigprocmask(SIG_SETMASK, &none, nullptr);
 }
 
-/// Files above standard error are closed by exec, so that until then an error can be reported.
+/// Leaves the other files open until exec, so that an error can be reported.
 void detachFiles() {
     const int empty = open("/dev/null", O_RDWR);
     dup2(empty, STDIN_FILENO);

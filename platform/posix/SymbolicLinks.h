@@ -5,17 +5,15 @@
 #include <string_view>
 #include <vector>
 
-/// Reading and following symbolic links. A path that leads through more than 40 links is treated as
-/// a cycle.
+/// Reading and following symbolic links. A path with more than 40 links is treated as a cycle.
 namespace platform::posix {
 
-/// Returns the target of the symbolic link @p name in @p folder, as it is stored, or std::nullopt
-/// if there is no such link.
+/// Returns the target of the symbolic link @p name in @p folder, or std::nullopt if there is none.
 std::optional<std::string> linkTarget(int folder, const std::string& name);
 std::optional<std::string> linkTarget(const std::string& path);
 
-/// Follows the symbolic link at @p path, and any link it leads to, and returns the path of the
-/// final target, which need not exist. Returns @p path if it is not a link, and std::nullopt for a
+/// Follows the symbolic link at @p path, and any link it leads to. Returns the path of the final
+/// target, which need not exist, or @p path itself if it is not a link. Returns std::nullopt for a
 /// cycle. Links in the folders above are not resolved.
 std::optional<std::string> finalTarget(std::string path);
 
@@ -34,8 +32,8 @@ class PathWalk {
   public:
     explicit PathWalk(std::string_view path) { push(path); }
 
-    /// Returns the path of the next component, or std::nullopt at the end. "." and ".." are
-    /// resolved and not returned.
+    /// Returns the path of the next component, or std::nullopt at the end. Resolves "." and ".."
+    /// without returning them.
     std::optional<std::string> next();
     void enter(std::string component) { folder_ = std::move(component); }
     /// Replaces the last component by the link target @p target. Returns false for a cycle.

@@ -19,8 +19,8 @@ auto retryInterrupted(Call call) {
     return result;
 }
 
-/// The system calls that write to the disk, so that tests can make them fail. They return what libc
-/// returns, set errno, and are repeated if a signal interrupts them.
+/// The system calls that change the disk, virtual so that tests can make them fail. Results and
+/// errno are those of libc. Calls that a signal interrupts are repeated.
 class SystemCalls : NonCopyable {
   public:
     virtual ~SystemCalls();
@@ -33,13 +33,13 @@ class SystemCalls : NonCopyable {
     virtual int makeFolder(int folder, const std::string& name, mode_t mode);
     virtual int makeLink(const std::string& target, int folder, const std::string& name);
     virtual int rename(int folder, const std::string& from, const std::string& to);
-    /// Fails with EEXIST if @p to exists. Where the file system cannot check that itself, this is
-    /// checked before the call, and another process may create @p to in between.
+    /// Fails with EEXIST if @p to exists. On file systems without this operation the check and the
+    /// renaming are two calls, and another process may create @p to in between.
     virtual int renameWithoutReplacing(int fromFolder, const std::string& from, int toFolder,
                                        const std::string& to);
 };
 
-/// Returns the calls that are passed to the system.
+/// Returns the real system calls.
 SystemCalls& systemCalls();
 
 } // namespace platform::posix

@@ -5,7 +5,7 @@
 
 namespace platform::posix {
 
-/// The name under which other programs know the application that shows preference panes.
+/// The name by which other programs refer to the application that shows preference panes.
 inline constexpr const char* kSystemPreferences = "System Preferences";
 
 /// Starts the preferences program that is installed with this library, or else the first one in

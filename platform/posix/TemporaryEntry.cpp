@@ -33,8 +33,8 @@ Descriptor create(TemporaryEntry::Kind kind, int folder, const std::string& name
     return calls.makeFolder(folder, name, mode) == 0 ? openFolder(folder, name) : Descriptor();
 }
 
-/// Locks a new entry. Returns false if another process took it for a leftover before it was locked.
-/// On a file system without locks no entry is ever taken for a leftover.
+/// Locks a new entry. Returns false if another process has taken it for a leftover before that.
+/// Where the file system has no locks, no entry is ever taken for one.
 bool lock(int entry, int folder, const std::string& name) {
     if (::flock(entry, LOCK_EX | LOCK_NB) != 0 && errno == EWOULDBLOCK)
         return false;

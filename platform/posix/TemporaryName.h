@@ -11,8 +11,7 @@ namespace platform::posix {
 /// a hash because @p finalName itself may be as long as a name can be.
 std::string temporaryPrefix(std::string_view purpose, std::string_view finalName);
 
-/// Returns @p prefix with a random number appended, or std::nullopt if the system has no random
-/// numbers.
+/// Returns @p prefix followed by a random number, or std::nullopt if the system provides none.
 std::optional<std::string> temporaryName(std::string_view prefix);
 
 } // namespace platform::posix

@@ -40,7 +40,7 @@ bool makeFolders(const std::string& path) {
            (::mkdir(path.c_str(), 0700) == 0 || errno == EEXIST);
 }
 
-/// Creates the folder if it is missing. Returns whether it is a folder of the current user's.
+/// Creates the folder if it is missing. Returns whether it belongs to the current user.
 bool ensureOwnFolder(const std::string& path) {
     if (::mkdir(path.c_str(), 0700) != 0 && errno != EEXIST)
         return false;
@@ -112,8 +112,7 @@ std::string_view truncated(std::string_view text, std::size_t size) {
     return text.substr(0, size);
 }
 
-/// Returns "Clock.menu", "Clock.2.menu", "Clock.3.menu", truncated so that kInfoExtension can be
-/// appended.
+/// Returns "Clock.menu", "Clock.2.menu" and so on, short enough for kInfoExtension to be appended.
 std::string numbered(const std::string& name, int number) {
     const std::string type = pathExtension(name);
     std::string suffix = type.empty() ? "" : '.' + type;

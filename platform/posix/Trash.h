@@ -3,8 +3,8 @@
 #include <optional>
 #include <string>
 
-/// The Trash as defined by freedesktop.org: a folder that contains "files" with the
-/// trashed items and "info" with the original path and the deletion date of each.
+/// The Trash as defined by freedesktop.org: a folder that contains "files" with the trashed items
+/// and "info" with the original path and the deletion date of each.
 namespace platform::posix {
 
 /// Moves a file, a folder or a symbolic link to the Trash on its file system. This is the home

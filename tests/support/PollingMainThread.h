@@ -23,8 +23,7 @@ class PollingMainThread final : public platform::MainThread {
         return std::make_unique<Registration>(handlers_, fileDescriptor);
     }
 
-    /// Calls handlers until @p done returns true or @p limit is over. Returns the last value of
-    /// @p done.
+    /// Calls handlers until @p done or the end of @p limit. Returns the last result of @p done.
     bool runUntil(const std::function<bool()>& done, std::chrono::milliseconds limit) {
         const auto end = std::chrono::steady_clock::now() + limit;
         while (!done()) {
