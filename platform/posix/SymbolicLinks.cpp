@@ -3,8 +3,10 @@
 #include "platform/base/PathStrings.h"
 
 #include <array>
+#include <cstdlib>
 #include <fcntl.h>
 #include <limits.h>
+#include <memory>
 #include <unistd.h>
 
 namespace platform::posix {
@@ -34,6 +36,11 @@ std::optional<std::string> finalTarget(std::string path) {
         path = target->starts_with('/') ? *target : path.substr(0, path.rfind('/') + 1) + *target;
     }
     return std::nullopt;
+}
+
+std::optional<std::string> realPath(const std::string& path) {
+    const std::unique_ptr<char, void (*)(void*)> real(::realpath(path.c_str(), nullptr), std::free);
+    return real ? std::optional<std::string>(real.get()) : std::nullopt;
 }
 
 std::optional<std::string> PathWalk::next() {

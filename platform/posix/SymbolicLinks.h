@@ -17,6 +17,9 @@ std::optional<std::string> linkTarget(const std::string& path);
 /// cycle. Links in the folders above are not resolved.
 std::optional<std::string> finalTarget(std::string path);
 
+/// Returns @p path with all links resolved, or std::nullopt if it does not exist.
+std::optional<std::string> realPath(const std::string& path);
+
 /// Iterates over the components of an absolute path. The caller either enters each component or, if
 /// it is a symbolic link, follows it:
 ///

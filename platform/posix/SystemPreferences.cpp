@@ -4,10 +4,10 @@
 #include "platform/base/PathStrings.h"
 #include "platform/posix/LoadedFile.h"
 #include "platform/posix/StartProgram.h"
+#include "platform/posix/SymbolicLinks.h"
 
 #include <cstdlib>
 #include <cstring>
-#include <memory>
 #include <sstream>
 #include <unistd.h>
 
@@ -20,12 +20,10 @@ constexpr const char* kProgram = "halvex-preferences";
 /// the folders in PATH.
 std::vector<std::string> searchFolders() {
     std::vector<std::string> result;
-    const std::string library =
-        loadedFileAt(reinterpret_cast<const void*>(&startSystemPreferences));
-    const std::unique_ptr<char, void (*)(void*)> real(::realpath(library.c_str(), nullptr),
-                                                      std::free);
-    if (real)
-        result.push_back(deletingLastPathComponent(deletingLastPathComponent(real.get())) + "/bin");
+    const auto library =
+        realPath(loadedFileAt(reinterpret_cast<const void*>(&startSystemPreferences)));
+    if (library)
+        result.push_back(deletingLastPathComponent(deletingLastPathComponent(*library)) + "/bin");
     const char* path = std::getenv("PATH");
     std::istringstream rest(path ? path : "");
     for (std::string folder; std::getline(rest, folder, ':');)

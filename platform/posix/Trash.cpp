@@ -5,6 +5,7 @@
 #include "platform/posix/CopyFile.h"
 #include "platform/posix/Descriptor.h"
 #include "platform/posix/Folder.h"
+#include "platform/posix/SymbolicLinks.h"
 #include "platform/posix/SystemCalls.h"
 
 #include <array>
@@ -13,7 +14,6 @@
 #include <ctime>
 #include <fcntl.h>
 #include <limits.h>
-#include <memory>
 #include <string_view>
 
 namespace platform::posix {
@@ -56,12 +56,11 @@ std::string homeTrash() {
 
 /// Resolves the symbolic links in all components of @p path but the last.
 std::optional<std::string> resolvingParent(const std::string& path) {
-    const std::unique_ptr<char, void (*)(void*)> folder(
-        ::realpath(deletingLastPathComponent(path).c_str(), nullptr), std::free);
+    const auto folder = realPath(deletingLastPathComponent(path));
     const std::string name = lastPathComponent(path);
     if (!folder || !isEntryName(name))
         return std::nullopt;
-    return appendingPathComponent(folder.get(), name);
+    return appendingPathComponent(*folder, name);
 }
 
 /// Returns the top folder of the file system that @p path is on.
