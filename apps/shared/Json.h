@@ -6,10 +6,11 @@
 
 namespace apps {
 
-/// @p value as JSON, indented by two spaces, with a line feed at its end; always valid UTF-8, for
-/// what is none in a string becomes U+FFFD. Dictionaries keep their order. Integers are exact over
-/// the whole of their range; reals read back as the same double and always have a "." or an "e",
-/// but infinities and NaN are null. Dates are ISO 8601 strings in UTC, data are base 64 strings.
+/// Returns @p value as JSON, indented by two spaces and ending in a line feed. The text is always
+/// valid UTF-8: ill-formed sequences in strings become U+FFFD. Dictionaries keep their order.
+/// Integers are exact over their full range. Reals read back as the same double and always contain
+/// a "." or an "e"; infinities and NaN become null. Dates become ISO 8601 strings in UTC, data
+/// become base 64 strings.
 std::string jsonText(const platform::PropertyList& value);
 
 } // namespace apps
