@@ -1,18 +1,18 @@
+#include "apps/ctl/Services.h"
 #include "apps/ctl/Verbs.h"
+#include "apps/ctl/WorkspaceDecorator.h"
 #include "menubar/HalvexMenuExtraBase.h"
 #include "platform/FileManager.h"
 #include "platform/ScriptRunner.h"
-#include "platform/posix/PosixProcessList.h"
-#include "platform/posix/PosixWorkspace.h"
 #include "platform/qt/QtMainThread.h"
 #include "prefs/HalvexPrefsTools.h"
 
 #include <QCoreApplication>
 
 #include <memory>
+#include <optional>
 #include <string>
 #include <thread>
-#include <utility>
 
 using platform::ScopedService;
 using Tools = HalvexPrefsTools;
@@ -20,72 +20,64 @@ using Tools = HalvexPrefsTools;
 namespace apps {
 namespace {
 
-/// Remembers whether the last file could be opened, which the library's operation does not tell.
-class Workspace final : public platform::posix::PosixWorkspace {
+/// Records whether the last file was opened, which HalvexOpenPrefs does not return.
+class RecordingWorkspace final : public WorkspaceDecorator {
   public:
     bool opened = false;
 
-    using PosixWorkspace::openFile;
+    using WorkspaceDecorator::openFile;
     bool openFile(const std::string& path, const std::string& withApplication) override {
-        return opened = PosixWorkspace::openFile(path, withApplication);
+        return opened = WorkspaceDecorator::openFile(path, withApplication);
     }
-
-  private:
-    ScopedService<platform::Workspace> service_{*this};
 };
 
-/// The same for the last script.
-class Scripts final : public platform::ScriptRunner {
+/// Records whether the last script failed, which openPrefsThread does not return.
+class RecordingScriptRunner final : public platform::ScriptRunner {
   public:
     bool failed = false;
 
     std::optional<std::string> run(const std::string& script) override {
-        auto error = runner_.run(script);
+        auto error = original_.run(script);
         failed = error.has_value();
         return error;
     }
 
   private:
-    platform::ScriptRunner& runner_ = platform::scriptRunner();
-    ScopedService<platform::ScriptRunner> service_{*this};
+    platform::ScriptRunner& original_ = platform::scriptRunner();
+    ScopedService<platform::ScriptRunner> guard_{*this};
 };
 
-ExitStatus showPane() {
-    const auto path = Tools::HalvexPrefsPath();
-    return path ? print(*path + '\n') : ExitStatus::Refused;
+ExitStatus printPath(const std::optional<std::string>& path) {
+    return path ? print(*path + '\n') : ExitStatus::Failure;
 }
 
 ExitStatus openPane() {
-    const Workspace workspace;
+    const RecordingWorkspace workspace;
     Tools::HalvexOpenPrefs();
-    return workspace.opened ? ExitStatus::Done : ExitStatus::Refused;
+    return workspace.opened ? ExitStatus::Success : ExitStatus::Failure;
 }
 
 ExitStatus selectPane(const std::string& identifier) {
-    const Scripts scripts;
+    const RecordingScriptRunner scripts;
     Tools::openPrefsThread(identifier);
-    return scripts.failed ? ExitStatus::Refused : ExitStatus::Done;
-}
-
-ExitStatus showApplication() {
-    const auto path = Tools::getHalvexBGApplicationPath();
-    return path ? print(*path + '\n') : ExitStatus::Refused;
+    return scripts.failed ? ExitStatus::Failure : ExitStatus::Success;
 }
 
 ExitStatus findApplication() {
     platform::ProcessSerialNumber process = 0;
     if (!Tools::findHalvexBGProcess(&process))
-        return refuse("the background application is not running");
-    const auto identifier = platform::posix::processIdentifier(process);
+        return fail("the background application is not running");
+    const auto identifier = processIdentifier(process);
     return print(std::to_string(process) + '\t' + std::to_string(identifier.value_or(0)) + '\n');
 }
 
-/// Hands the request over as an item in the bar does, with a main loop for as long as that takes.
+/// Hands over the request as an item in the bar does: from a second thread, while the main loop
+/// runs.
 void handOver(const std::string& name) {
     int noArguments = 0;
     const QCoreApplication application(noArguments, nullptr);
     platform::qt::QtMainThread loop;
-    const ScopedService<platform::MainThread> service(loop);
+    const ScopedService<platform::MainThread> guard(loop);
     const auto item = std::make_shared<HalvexMenuExtraBase>();
     std::jthread thread;
     loop.perform(
@@ -100,43 +92,37 @@ void handOver(const std::string& name) {
 }
 
 ExitStatus request(const std::string& name) {
-    // An item would wait here for what cannot come.
+    // Without this check the hand-over would wait for an application that cannot start.
     if (!Tools::findHalvexBGProcess(nullptr)) {
         const auto path = Tools::getHalvexBGApplicationPath();
         if (!path || !platform::fileManager().fileExists(*path))
-            return refuse("the background application is neither running nor installed");
+            return fail("the background application is neither running nor installed");
     }
     handOver(name);
-    return Tools::findHalvexBGProcess(nullptr) ? ExitStatus::Done
-                                               : refuse("the background application did not start");
-}
-
-CLI::App& add(CLI::App& verbs, Action& chosen, const char* name, const char* description,
-              Action action) {
-    CLI::App* verb = verbs.add_subcommand(name, description);
-    verb->callback([&chosen, action = std::move(action)] { chosen = action; });
-    return *verb;
+    return Tools::findHalvexBGProcess(nullptr) ? ExitStatus::Success
+                                               : fail("the background application did not start");
 }
 
 } // namespace
 
-void addBackgroundVerbs(CLI::App& commands, Action& chosen) {
+void addBackgroundVerbs(CLI::App& commands, Task& task) {
     const auto text = std::make_shared<std::string>();
-    CLI::App* prefs = commands.add_subcommand("prefs", "The preference pane, in its program");
-    prefs->require_subcommand(0, 1);
-    add(*prefs, chosen, "path", "Print which pane is opened", showPane);
-    add(*prefs, chosen, "open", "Open it", openPane);
-    add(*prefs, chosen, "select", "Select a pane", [text] { return selectPane(*text); })
+    CLI::App& prefs = addVerbGroup(commands, "prefs", "Open the preference pane");
+    addVerb(prefs, task, "path", "Print the path of the pane that is opened",
+            [] { return printPath(Tools::HalvexPrefsPath()); });
+    addVerb(prefs, task, "open", "Open the pane", openPane);
+    addVerb(prefs, task, "select", "Select a pane", [text] { return selectPane(*text); })
         .add_option("IDENTIFIER", *text, "The pane's bundle identifier")
         ->required();
 
-    CLI::App* background = commands.add_subcommand("background", "The background application");
-    background->require_subcommand(0, 1);
-    add(*background, chosen, "path", "Print where it is looked for", showApplication);
-    add(*background, chosen, "find", "Print its serial number and process identifier",
-        findApplication);
-    add(*background, chosen, "request", "Start it if need be, and notify it",
-        [text] { return request(*text); })
+    CLI::App& background =
+        addVerbGroup(commands, "background", "Control the background application");
+    addVerb(background, task, "path", "Print the path of the application",
+            [] { return printPath(Tools::getHalvexBGApplicationPath()); });
+    addVerb(background, task, "find", "Print its serial number and process identifier",
+            findApplication);
+    addVerb(background, task, "request", "Start it if necessary and post a notification",
+            [text] { return request(*text); })
         .add_option("NAME", *text, "The notification, e.g. HalvexShowCalculatorNotification")
         ->required();
 }

@@ -1,7 +1,6 @@
-#include "apps/ctl/Eventually.h"
-#include "apps/ctl/InputFiles.h"
 #include "apps/ctl/ProgramFolder.h"
 #include "apps/ctl/Verbs.h"
+#include "apps/ctl/WaitUntil.h"
 #include "apps/shared/AbsolutePath.h"
 #include "platform/Bundle.h"
 #include "platform/base/PathStrings.h"
@@ -9,6 +8,7 @@
 #include "platform/values/Event.h"
 
 #include <filesystem>
+#include <map>
 #include <memory>
 #include <optional>
 #include <string>
@@ -20,7 +20,8 @@ using platform::qt::BarClient;
 namespace apps {
 namespace {
 
-/// 0 for an item that is not loaded; nothing, which the client has said, without an answer.
+/// Returns 0 for an item that is not loaded, and std::nullopt if the bar does not answer, which the
+/// client logs.
 std::optional<MenuExtraReference> referenceOf(BarClient& bar, const std::string& identifier) {
     MenuExtraReference reference = 0;
     if (bar.getMenuExtra(identifier, reference) == BarClient::kNoAnswer)
@@ -28,102 +29,112 @@ std::optional<MenuExtraReference> referenceOf(BarClient& bar, const std::string&
     return reference;
 }
 
-struct Addition {
+ExitStatus notLoaded(const std::string& identifier) {
+    return fail(identifier + ": the menu extra is not loaded");
+}
+
+struct AddOptions {
     std::string bundle; ///< empty: the bar's own clock
     std::int32_t position = 999;
 };
 
-ExitStatus add(const Addition& wanted) {
+ExitStatus add(const AddOptions& options) {
     const std::string path = absolutePath(
-        wanted.bundle.empty() ? programFolder() / ".." / HALVEX_OWN_ITEMS_FOLDER / "Clock.menu"
-                              : std::filesystem::path(wanted.bundle));
+        options.bundle.empty() ? programFolder() / ".." / HALVEX_OWN_ITEMS_FOLDER / "Clock.menu"
+                               : std::filesystem::path(options.bundle));
     std::string reason;
     const auto bundle = platform::Bundle::bundleWithPath(path, &reason);
     const auto identifier = bundle ? bundle->bundleIdentifier() : std::nullopt;
     if (!identifier)
-        return refuse(path + ": " + (reason.empty() ? "it has no identifier" : reason));
+        return fail(path + ": " + (reason.empty() ? "the bundle has no identifier" : reason));
     BarClient bar;
     const auto loaded = referenceOf(bar, *identifier);
     if (!loaded)
-        return ExitStatus::Refused;
+        return ExitStatus::Failure;
     if (*loaded != 0)
-        return refuse(*identifier + " is loaded; another one of it wants that removed first");
+        return fail(*identifier + ": the menu extra is already loaded; remove it first");
     const auto url = platform::fileURLWithPath(path);
-    const std::int32_t status = bar.addMenuExtra(url.value_or(""), wanted.position, 0, 0, 0, 0);
+    const std::int32_t status = bar.addMenuExtra(url.value_or(""), options.position, 0, 0, 0, 0);
     const auto isLoaded = [&] { return referenceOf(bar, *identifier).value_or(0) != 0; };
-    return status == 0 && eventually(isLoaded)
-               ? ExitStatus::Done
-               : refuse(path + ": the menu bar did not load it; its log says why");
+    return status == 0 && waitUntil(isLoaded)
+               ? ExitStatus::Success
+               : fail(path + ": the menu bar did not load the bundle; see its log");
 }
 
 ExitStatus remove(const std::string& identifier) {
     BarClient bar;
     const auto reference = referenceOf(bar, identifier);
     if (!reference)
-        return ExitStatus::Refused;
+        return ExitStatus::Failure;
     if (*reference == 0)
-        return refuse(identifier + " is not loaded");
-    const auto isGone = [&] { return referenceOf(bar, identifier) == MenuExtraReference{0}; };
-    return bar.removeMenuExtra(*reference, 0) == 0 && eventually(isGone)
-               ? ExitStatus::Done
-               : refuse(identifier + ": the menu bar did not remove it");
+        return notLoaded(identifier);
+    const auto isUnloaded = [&] { return referenceOf(bar, identifier) == MenuExtraReference{0}; };
+    return bar.removeMenuExtra(*reference, 0) == 0 && waitUntil(isUnloaded)
+               ? ExitStatus::Success
+               : fail(identifier + ": the menu bar did not remove the menu extra");
 }
 
-struct Click {
+const std::map<std::string, std::uint32_t>& modifierMasks() {
+    static const std::map<std::string, std::uint32_t> masks{{"shift", platform::kShiftKeyMask},
+                                                            {"control", platform::kControlKeyMask},
+                                                            {"option", platform::kOptionKeyMask}};
+    return masks;
+}
+
+struct ClickOptions {
     std::string identifier;
     std::vector<std::string> modifiers;
     std::int32_t button = 0;
     std::int32_t count = 1;
 };
 
-ExitStatus click(const Click& wanted) {
+ExitStatus click(const ClickOptions& options) {
     platform::Event event{
-        .modifierFlags = 0, .clickCount = wanted.count, .buttonNumber = wanted.button};
-    for (const std::string& modifier : wanted.modifiers)
-        event.modifierFlags |= modifier == "shift"     ? platform::kShiftKeyMask
-                               : modifier == "control" ? platform::kControlKeyMask
-                                                       : platform::kOptionKeyMask;
+        .modifierFlags = 0, .clickCount = options.count, .buttonNumber = options.button};
+    for (const std::string& modifier : options.modifiers)
+        event.modifierFlags |= modifierMasks().at(modifier);
     BarClient bar;
-    const auto reference = referenceOf(bar, wanted.identifier);
+    const auto reference = referenceOf(bar, options.identifier);
     if (!reference)
-        return ExitStatus::Refused;
+        return ExitStatus::Failure;
     if (*reference == 0)
-        return refuse(wanted.identifier + " is not loaded");
-    const auto consumed = bar.click(wanted.identifier, event);
-    if (!consumed)
-        return refuse(consumed.reason);
-    return print(*consumed.value ? "handled\n" : "menu\n");
+        return notLoaded(options.identifier);
+    const auto handled = bar.click(options.identifier, event);
+    if (!handled)
+        return fail(handled.reason);
+    return print(*handled.value ? "handled\n" : "menu\n");
 }
 
-void addClickVerb(CLI::App& menubar, Action& chosen) {
-    const auto wanted = std::make_shared<Click>();
-    CLI::App* verb = menubar.add_subcommand("click", "Click an item, and print what came of it");
-    verb->add_option("IDENTIFIER", wanted->identifier, "The item")->required();
-    verb->add_option("--modifiers", wanted->modifiers, "shift, control, option")
+void addClickVerb(CLI::App& menubar, Task& task) {
+    const auto options = std::make_shared<ClickOptions>();
+    CLI::App& verb =
+        addVerb(menubar, task, "click", R"(Click an item and print "handled" or "menu")",
+                [options] { return click(*options); });
+    verb.add_option("IDENTIFIER", options->identifier, "The item")->required();
+    verb.add_option("--modifiers", options->modifiers, "shift, control, option")
         ->delimiter(',')
-        ->check(CLI::IsMember({"shift", "control", "option"}));
-    verb->add_option("--button", wanted->button, "0 left, 1 right, 2 middle, 3 the next")
+        ->check(CLI::IsMember(&modifierMasks()));
+    verb.add_option("--button", options->button, "0 left, 1 right, 2 middle, 3 the next")
         ->check(CLI::Range(0, 31));
-    verb->add_option("--count", wanted->count, "2 for a double click")->check(CLI::Range(1, 1000));
-    verb->callback([&chosen, wanted] { chosen = [wanted] { return click(*wanted); }; });
+    verb.add_option("--count", options->count, "2 for a double-click")->check(CLI::Range(1, 1000));
 }
 
 } // namespace
 
-void addBarItemVerbs(CLI::App& menubar, Action& chosen) {
-    const auto addition = std::make_shared<Addition>();
-    CLI::App* adding = menubar.add_subcommand("add", "Load a menu extra");
-    adding->add_option("BUNDLE", addition->bundle, "Its bundle; without it the bar's own clock");
-    adding->add_option("--position", addition->position, "0 is the rightmost");
-    adding->callback([&chosen, addition] { chosen = [addition] { return add(*addition); }; });
+void addBarItemVerbs(CLI::App& menubar, Task& task) {
+    const auto addition = std::make_shared<AddOptions>();
+    CLI::App& loading =
+        addVerb(menubar, task, "add", "Load a menu extra", [addition] { return add(*addition); });
+    loading.add_option("BUNDLE", addition->bundle, "The bundle; default: the bar's own clock");
+    loading.add_option("--position", addition->position, "0 is the rightmost position");
 
     const auto identifier = std::make_shared<std::string>();
-    CLI::App* removal = menubar.add_subcommand("remove", "Unload a menu extra");
-    removal->add_option("IDENTIFIER", *identifier, "The item")->required();
-    removal->callback(
-        [&chosen, identifier] { chosen = [identifier] { return remove(*identifier); }; });
+    addVerb(menubar, task, "remove", "Unload a menu extra",
+            [identifier] { return remove(*identifier); })
+        .add_option("IDENTIFIER", *identifier, "The item")
+        ->required();
 
-    addClickVerb(menubar, chosen);
+    addClickVerb(menubar, task);
 }
 
 } // namespace apps

@@ -4,54 +4,54 @@
 
 #include <csignal>
 #include <memory>
+#include <optional>
 #include <string>
 
 namespace apps {
 namespace {
 
-/// While it lives a closed pipe ends a process, as the commands that are started expect it; they
-/// have this program's way with signals.
-class ClosedPipesEnd : platform::NonCopyable {
+/// Restores the default action of SIGPIPE for a scope. Commands inherit it and rely on it: a closed
+/// pipe ends them.
+class DefaultSigpipe : platform::NonCopyable {
   public:
-    ClosedPipesEnd() : previous_(std::signal(SIGPIPE, SIG_DFL)) {}
-    ~ClosedPipesEnd() { std::signal(SIGPIPE, previous_); }
+    DefaultSigpipe() : previous_(std::signal(SIGPIPE, SIG_DFL)) {}
+    ~DefaultSigpipe() { std::signal(SIGPIPE, previous_); }
 
   private:
     void (*previous_)(int);
 };
 
 ExitStatus runQuietly(const std::string& command) {
-    const ClosedPipesEnd signals;
+    const DefaultSigpipe sigpipe;
     HalvexRunCommand::HalvexRunNoOutput(command);
-    return ExitStatus::Done;
+    return ExitStatus::Success;
 }
 
 std::optional<std::string> output(const std::string& command) {
-    const ClosedPipesEnd signals;
+    const DefaultSigpipe sigpipe;
     return HalvexRunCommand::HalvexUtilGetPipeData(command);
 }
 
-ExitStatus show(const std::string& command) {
+ExitStatus printOutput(const std::string& command) {
     const auto text = output(command);
-    return text ? print(*text) : refuse("the command has given no ASCII output");
+    return text ? print(*text)
+                : fail("the command's output cannot be printed: it is not ASCII or cannot be read");
 }
 
 } // namespace
 
-void addCommandVerb(CLI::App& commands, Action& chosen) {
+void addCommandVerb(CLI::App& commands, Task& task) {
     struct Options {
         std::string command;
         bool quiet = false;
     };
     const auto options = std::make_shared<Options>();
-    CLI::App* verb = commands.add_subcommand("command", "Run a command line with the shell");
-    verb->add_option("COMMAND", options->command, "The command line")->required();
-    verb->add_flag("--quiet", options->quiet, "Do not read what it writes");
-    verb->callback([options, &chosen] {
-        chosen = [options] {
-            return options->quiet ? runQuietly(options->command) : show(options->command);
-        };
-    });
+    CLI::App& verb =
+        addVerb(commands, task, "command", "Run a shell command and print its output", [options] {
+            return options->quiet ? runQuietly(options->command) : printOutput(options->command);
+        });
+    verb.add_option("COMMAND", options->command, "The command line")->required();
+    verb.add_flag("--quiet", options->quiet, "Do not read the output");
 }
 
 } // namespace apps

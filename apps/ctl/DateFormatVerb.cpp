@@ -15,31 +15,32 @@ struct Options {
     std::optional<std::string> zone;
 };
 
-using Fix = std::string& (*)(std::string&, std::string_view);
+using Replacement = std::string& (*)(std::string&, std::string_view);
 
-/// False when the value was refused, which leaves a format without the placeholder nothing to lose.
-bool fill(std::string& format, Fix fix, const char* placeholder,
-          const std::optional<std::string>& value) {
-    return !value || fix(format, *value).find(placeholder) == std::string::npos;
+/// Returns false if the library has rejected @p value and left the placeholder in @p format.
+bool replace(std::string& format, Replacement replacement, const char* placeholder,
+             const std::optional<std::string>& value) {
+    return !value || replacement(format, *value).find(placeholder) == std::string::npos;
 }
 
-ExitStatus fill(const Options& options) {
+ExitStatus printFormat(const Options& options) {
     std::string format = options.format;
-    if (!fill(format, HalvexDateFormat::fixWeekNum, "%W", options.week) ||
-        !fill(format, HalvexDateFormat::fixTimeZone, "%Z", options.zone))
-        return ExitStatus::Refused;
+    if (!replace(format, HalvexDateFormat::fixWeekNum, "%W", options.week) ||
+        !replace(format, HalvexDateFormat::fixTimeZone, "%Z", options.zone))
+        return ExitStatus::Failure;
     return print(format + '\n');
 }
 
 } // namespace
 
-void addDateFormatVerb(CLI::App& commands, Action& chosen) {
+void addDateFormatVerb(CLI::App& commands, Task& task) {
     const auto options = std::make_shared<Options>();
-    CLI::App* verb = commands.add_subcommand("date-format", "Fill a date format's placeholders");
-    verb->add_option("FORMAT", options->format, "The format")->required();
-    verb->add_option("--week", options->week, "What stands for %W");
-    verb->add_option("--zone", options->zone, "What stands for %Z");
-    verb->callback([options, &chosen] { chosen = [options] { return fill(*options); }; });
+    CLI::App& verb =
+        addVerb(commands, task, "date-format", "Replace the placeholders in a date format",
+                [options] { return printFormat(*options); });
+    verb.add_option("FORMAT", options->format, "The format")->required();
+    verb.add_option("--week", options->week, "The text for %W");
+    verb.add_option("--zone", options->zone, "The text for %Z");
 }
 
 } // namespace apps

@@ -11,33 +11,28 @@
 namespace apps {
 namespace {
 
-/// The program that draws, beside the library in an installation and in a build tree.
-std::string drawingProgram() {
-    return (programFolder().parent_path() / "lib/halvex/halvex-draw").string();
-}
-
-/// Lets the program that draws take this one's place. It understands the words behind the verb.
-ExitStatus draw(const std::string& verb, std::vector<std::string> words) {
-    std::string program = drawingProgram();
+/// Replaces this process with halvex-draw, which parses @p words itself.
+ExitStatus execDraw(const std::string& verb, std::vector<std::string> words) {
+    std::string program = (programFolder().parent_path() / "lib/halvex/halvex-draw").string();
     words.insert(words.begin(), {program, verb});
     std::vector<char*> arguments(words.size() + 1);
     std::ranges::transform(words, arguments.begin(), [](std::string& word) { return word.data(); });
     ::execv(program.c_str(), arguments.data());
-    return refuse(program + ": " + std::generic_category().message(errno));
+    return fail(program + ": " + std::generic_category().message(errno));
 }
 
 } // namespace
 
-void addDrawingVerbs(CLI::App& commands, Action& chosen) {
+void addDrawingVerbs(CLI::App& commands, Task& task) {
     const auto add = [&](const std::string& name, const std::string& description) {
         CLI::App* verb = commands.add_subcommand(name, description);
         verb->prefix_command();
         verb->set_help_flag();
-        verb->callback([verb, name, &chosen] {
-            chosen = [name, words = verb->remaining()] { return draw(name, words); };
+        verb->callback([verb, name, &task] {
+            task.run = [name, words = verb->remaining()] { return execDraw(name, words); };
         });
     };
-    add("hud", "Draw the dark panel, or show it");
+    add("hud", "Draw the dark panel into a file, or show it");
     add("tint", "Tint an image");
 }
 

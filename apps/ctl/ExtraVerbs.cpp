@@ -1,6 +1,4 @@
-#include "apps/ctl/BarItems.h"
-#include "apps/ctl/InputFiles.h"
-#include "apps/ctl/Looking.h"
+#include "apps/ctl/BarState.h"
 #include "apps/ctl/Verbs.h"
 #include "apps/shared/AbsolutePath.h"
 #include "menuextras/ExportedIdentifiers.h"
@@ -13,7 +11,9 @@
 #include "platform/MenuExtraServer.h"
 #include "platform/base/PathStrings.h"
 
+#include <functional>
 #include <memory>
+#include <optional>
 #include <string>
 
 using menuextras::MenuExtraKind;
@@ -25,24 +25,25 @@ using Tools = HalvexMenuExtraTools;
 namespace apps {
 namespace {
 
-/// The file name without its extension.
+/// Returns the file name without its extension.
 std::string nameOf(const MenuExtraKind& kind) {
     return kind.fileName.substr(0, kind.fileName.rfind('.'));
 }
 
-/// The kind with this tag, file name (with or without extension) or identifier; null, after a
-/// complaint, when there is none.
-const MenuExtraKind* kindNamed(const std::string& text) {
+/// Finds a kind by its tag, identifier or file name (with or without extension). Otherwise prints
+/// an error and returns null.
+const MenuExtraKind* findKind(const std::string& text) {
     for (const MenuExtraKind& kind : menuextras::allKinds()) {
         if (text == std::to_string(kind.tag) || text == nameOf(kind) || text == kind.fileName ||
             text == kind.identifier)
             return &kind;
     }
-    refuse("there is no menu extra " + text + "; \"halvexctl extras\" lists them");
+    printError(text + ": there is no such menu extra; \"halvexctl extras\" lists them");
     return nullptr;
 }
 
-/// The version of the bundle at a path; empty when there is none.
+/// Returns the version of the bundle at @p path, "?" if it has none, or an empty string if there is
+/// no bundle.
 std::string versionAt(const std::string& path) {
     const auto bundle = path.empty() || !platform::fileManager().fileExists(path)
                             ? nullptr
@@ -50,7 +51,7 @@ std::string versionAt(const std::string& path) {
     return bundle ? bundle->version().value_or("?") : "";
 }
 
-PropertyList::Dictionary describe(const MenuExtraKind& kind, const BarItems& bar,
+PropertyList::Dictionary describe(const MenuExtraKind& kind, const BarState& bar,
                                   const std::optional<std::string>& plugIns) {
     const std::string shipped =
         plugIns ? platform::appendingPathComponent(*plugIns, kind.fileName) : "";
@@ -64,81 +65,80 @@ PropertyList::Dictionary describe(const MenuExtraKind& kind, const BarItems& bar
             {"installed", installed},
             {"installedVersion", versionAt(installed)},
             {"loaded", bar.isLoaded(kind.identifier)},
-            {"leftOut", bar.leftOutStep(installed)}};
+            {"leftOut", bar.crashStep(installed)}};
 }
 
-std::string line(const PropertyList::Dictionary& row) {
-    const auto text = [&](const char* key) { return std::string(*row.find(key)->string()); };
+std::string textLine(const PropertyList& row) {
+    const auto text = [&](const char* key) { return std::string(row.stringAt(key)); };
     const auto version = [&](const char* key) {
         const std::string found = text(key);
         return found.empty() ? std::string("-") : found;
     };
-    std::string result = std::to_string(*row.find("tag")->integer()) + '\t' + text("name") + '\t' +
-                         text("identifier") + "\tshipped " + version("shippedVersion") +
-                         "\tinstalled " + version("installedVersion") + '\t' +
-                         (*row.find("loaded")->boolean() ? "loaded" : "not loaded");
+    std::string line = std::to_string(*row.find("tag")->integer()) + '\t' + text("name") + '\t' +
+                       text("identifier") + "\tshipped " + version("shippedVersion") +
+                       "\tinstalled " + version("installedVersion") + '\t' +
+                       (*row.find("loaded")->boolean() ? "loaded" : "not loaded");
     if (const std::string step = text("leftOut"); !step.empty())
-        result += "\tleft out: it crashed the bar (" + step + ")";
-    return result + '\n';
+        line += "\tdisabled: it crashed the bar (" + step + ")";
+    return line + '\n';
 }
 
-ExitStatus showExtras(const std::string& root, bool json) {
-    const Looking looking(root);
-    const BarItems bar;
+ExitStatus printExtras(bool json) {
+    const BarState bar;
     const auto plugIns = Tools::HalvexPrefsPlugins();
     PropertyList::Array rows;
     std::string text;
     for (const MenuExtraKind& kind : menuextras::allKinds()) {
-        auto row = describe(kind, bar, plugIns);
-        text += line(row);
-        rows.emplace_back(std::move(row));
+        rows.emplace_back(describe(kind, bar, plugIns));
+        text += textLine(rows.back());
     }
     return json ? print(std::move(rows), Format::Json) : print(text);
 }
 
-ExitStatus toggle(const std::string& name, bool on) {
-    const MenuExtraKind* kind = kindNamed(name);
+ExitStatus toggle(const std::string& name, const std::string& state) {
+    const bool on = state == "on";
+    const MenuExtraKind* kind = findKind(name);
     if (!kind)
-        return ExitStatus::Refused;
+        return ExitStatus::Failure;
     paths::makeHomeFolders(platform::fileManager());
     Tools::menuExtraToggle(kind->tag, on ? 1 : 0);
     platform::MenuExtraReference ignored = 0;
     const auto wanted = on ? MenuExtraStatus::NoError : MenuExtraStatus::NotLoaded;
     const std::int32_t status = platform::menuExtraServer().getMenuExtra(kind->identifier, ignored);
-    return status == static_cast<std::int32_t>(wanted) ? ExitStatus::Done : ExitStatus::Refused;
+    return status == static_cast<std::int32_t>(wanted) ? ExitStatus::Success : ExitStatus::Failure;
 }
 
 ExitStatus install(const std::string& path) {
     const std::string bundle = absolutePath(path);
     bool isFolder = false;
     if (platform::fileManager().fileExists(bundle, &isFolder) && !isFolder)
-        return refuse(path + ": this is a file and no menu extra");
+        return fail(path + ": a menu extra is a folder, not a file");
     if (platform::pathExtension(bundle) != "menu")
-        return refuse(path + ": a menu extra is a folder whose name ends in .menu");
+        return fail(path + ": a menu extra's name ends in .menu");
     paths::makeHomeFolders(platform::fileManager());
-    return Tools::installMenuExtra(bundle) ? ExitStatus::Done : ExitStatus::Refused;
+    return Tools::installMenuExtra(bundle) ? ExitStatus::Success : ExitStatus::Failure;
 }
 
-/// A name alone, or the path of an installed copy: of any other path only the last component would
-/// count, which is not what was meant.
+/// Accepts a name or the path of an installed copy. For any other path the library would remove the
+/// installed copy of the same name.
 ExitStatus remove(const std::string& name) {
     const bool isPath = name.find('/') != std::string::npos;
     const std::string file = platform::lastPathComponent(isPath ? absolutePath(name) : name);
     if (file.empty() || file == "." || file == ".." ||
         (isPath && absolutePath(name) !=
                        platform::appendingPathComponent(menuextras::installedFolder(), file)))
-        return refuse(name + ": this is not the name of an installed menu extra");
+        return fail(name + ": this is not the name of an installed copy");
     const bool hasExtension = platform::pathExtension(file) == "menu";
     return Tools::removeMenuExtra(hasExtension ? file : file + ".menu")
-               ? ExitStatus::Done
-               : refuse(name + ": was not removed");
+               ? ExitStatus::Success
+               : fail(name + ": the installed copy was not removed");
 }
 
 ExitStatus upgrade(const std::string& name) {
     if (name.empty())
-        return answer(Tools::DoUpgradeIfNeeded());
-    const MenuExtraKind* kind = kindNamed(name);
-    return kind ? answer(Tools::DoUpgradeIfNeeded(kind->tag)) : ExitStatus::Refused;
+        return printYesOrNo(Tools::DoUpgradeIfNeeded());
+    const MenuExtraKind* kind = findKind(name);
+    return kind ? printYesOrNo(Tools::DoUpgradeIfNeeded(kind->tag)) : ExitStatus::Failure;
 }
 
 ExitStatus preflight(const std::string& path) {
@@ -147,83 +147,73 @@ ExitStatus preflight(const std::string& path) {
     const auto bundle = Bundle::bundleWithPath(absolutePath(path));
     const auto executable = bundle ? bundle->executablePath() : std::nullopt;
     if (!executable)
-        return refuse(path + ": there is no bundle with code");
+        return fail(path + ": there is no bundle with code");
     std::string reason;
-    return platform::dynamicLoader().preflight(*executable, reason) ? ExitStatus::Done
-                                                                    : refuse(path + ": " + reason);
+    return platform::dynamicLoader().preflight(*executable, reason) ? ExitStatus::Success
+                                                                    : fail(path + ": " + reason);
 }
 
-CLI::App* addVerb(CLI::App& parent, Action& chosen, const char* name, const char* description,
-                  Action action) {
-    CLI::App* verb = parent.add_subcommand(name, description);
-    verb->callback([&chosen, action = std::move(action)] { chosen = action; });
-    return verb;
-}
-
-/// A verb of the product's generations, which does not say no.
-Action done(void (*operation)()) {
+std::function<ExitStatus()> alwaysSucceeding(void (*operation)()) {
     return [operation] {
         operation();
-        return ExitStatus::Done;
+        return ExitStatus::Success;
     };
 }
 
-void addGenerationVerbs(CLI::App& commands, Action& chosen) {
-    const auto group = [&](const char* name, const char* description) -> CLI::App& {
-        CLI::App* verbs = commands.add_subcommand(name, description);
-        verbs->require_subcommand(0, 1);
-        return *verbs;
-    };
-    CLI::App& second = group("v2", "The second generation of the product");
-    addVerb(second, chosen, "running", "Whether one of its menu extras is loaded",
-            [] { return answer(Tools::isHalvexV2Running()); });
-    addVerb(second, chosen, "remove", "Unload its menu extras", done(Tools::HalvexV2Remove));
-    addVerb(group("pro", "The current generation of the product"), chosen, "remove",
-            "Unload its menu extras", done(Tools::HalvexProRemove));
+void addGenerationVerbs(CLI::App& commands, Task& task) {
+    CLI::App& second =
+        addVerbGroup(commands, "v2", "Manage the menu extras of the second generation");
+    addVerb(second, task, "running", "Print whether any of them is loaded",
+            [] { return printYesOrNo(Tools::isHalvexV2Running()); });
+    addVerb(second, task, "remove", "Unload them", alwaysSucceeding(Tools::HalvexV2Remove));
+    CLI::App& current =
+        addVerbGroup(commands, "pro", "Manage the menu extras of the current generation");
+    addVerb(current, task, "remove", "Unload them", alwaysSucceeding(Tools::HalvexProRemove));
 }
 
 } // namespace
 
-void addExtraVerbs(CLI::App& commands, Action& chosen) {
+void addExtraVerbs(CLI::App& commands, Task& task) {
     struct Options {
-        const CLI::Option* root;
         std::string name;
         std::string state;
         bool json = false;
     };
     const auto options = std::make_shared<Options>();
-    options->root = commands.get_option("--root");
-    const auto add = [&](const char* name, const char* description, Action action) {
-        return addVerb(commands, chosen, name, description, std::move(action));
-    };
     const auto addNamed = [&](const char* name, const char* description,
-                              ExitStatus (*operation)(const std::string&)) {
-        return add(name, description, [options, operation] { return operation(options->name); });
+                              ExitStatus (*run)(const std::string&), const char* option,
+                              const char* optionDescription) {
+        return addVerb(commands, task, name, description,
+                       [options, run] { return run(options->name); })
+            .add_option(option, options->name, optionDescription);
     };
-    addJsonFlag(*add("extras", "The product's menu extras, and where each one is",
-                     [options] {
-                         const auto root = options->root->as<std::string>();
-                         return showExtras(absolutePath(root), options->json);
-                     }),
-                options->json);
-    CLI::App* toggled = add("toggle", "Install and load a menu extra, or unload and remove it",
-                            [options] { return toggle(options->name, options->state == "on"); });
-    toggled->add_option("NAME", options->name, "Its tag, name or identifier")->required();
-    toggled->add_option("STATE", options->state, "on or off")
+
+    CLI::App& listing = addVerb(
+        commands, task, "extras", "List the product's menu extras, their versions and states",
+        [options] { return printExtras(options->json); }, MissingFolders::Ignore);
+    addJsonFlag(listing, options->json);
+
+    CLI::App& toggling =
+        addVerb(commands, task, "toggle", "Install and load a menu extra, or unload and remove it",
+                [options] { return toggle(options->name, options->state); });
+    toggling.add_option("NAME", options->name, "Its tag, name or identifier")->required();
+    toggling.add_option("STATE", options->state, "on or off")
         ->required()
         ->check(CLI::IsMember({"on", "off"}));
-    addNamed("install", "Copy a menu extra into the user's folder of menu extras", install)
-        ->add_option("PATH", options->name, "The bundle")
+
+    addNamed("install", "Copy a menu extra into the user's Menu Extras folder", install, "PATH",
+             "The bundle")
         ->required();
-    addNamed("remove", "Remove an installed menu extra", remove)
-        ->add_option("NAME", options->name, "Its file name or name")
+    addNamed("remove", "Remove an installed copy", remove, "NAME",
+             "Its file name, with or without .menu")
         ->required();
-    addNamed("upgrade", "Install what is shipped in another version than installed", upgrade)
-        ->add_option("NAME", options->name, "One menu extra's tag, name or identifier");
-    addNamed("preflight", "Whether a menu extra's code could be loaded", preflight)
-        ->add_option("PATH", options->name, "The bundle")
+    addNamed("upgrade",
+             "Install shipped menu extras that differ in version from the installed ones", upgrade,
+             "NAME", "One menu extra's tag, name or identifier");
+    addNamed("preflight", "Check whether a menu extra's code can be loaded", preflight, "PATH",
+             "The bundle")
         ->required();
-    addGenerationVerbs(commands, chosen);
+    addGenerationVerbs(commands, task);
 }
 
 } // namespace apps

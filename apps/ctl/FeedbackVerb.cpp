@@ -1,10 +1,9 @@
-#include "apps/ctl/InputFiles.h"
 #include "apps/ctl/Verbs.h"
+#include "apps/ctl/WorkspaceDecorator.h"
 #include "apps/shared/AbsolutePath.h"
 #include "menuextras/MenuExtraTools.h"
 #include "platform/Bundle.h"
 #include "platform/SystemInfo.h"
-#include "platform/posix/PosixWorkspace.h"
 #include "ui/ovxFeedback.h"
 
 #include <charconv>
@@ -52,30 +51,30 @@ bool parseZone(std::string_view text, std::optional<TimeZone>& result) {
     return parse(text.substr(last + 1), zone.secondsFromGMT, 10);
 }
 
-/// The system's answers, but where the command line has its own.
-class StandInSystem final : public platform::SystemInfo {
+/// Returns the facts given on the command line in place of the system's.
+class OverriddenSystemInfo final : public platform::SystemInfo {
   public:
-    explicit StandInSystem(const Options& options) : options_(options) {}
+    explicit OverriddenSystemInfo(const Options& options) : options_(options) {}
 
     std::optional<std::uint32_t> query(SystemFact fact) const override {
         if (fact == SystemFact::SystemVersion && options_.system)
             return options_.system;
         if (fact == SystemFact::MediaVersion && options_.media)
             return options_.media;
-        return real_.query(fact);
+        return original_.query(fact);
     }
     TimeZone systemTimeZone() const override {
-        return options_.zone ? *options_.zone : real_.systemTimeZone();
+        return options_.zone ? *options_.zone : original_.systemTimeZone();
     }
 
   private:
     const Options& options_;
-    const platform::SystemInfo& real_ = platform::systemInfo();
+    const platform::SystemInfo& original_ = platform::systemInfo();
     platform::ScopedService<platform::SystemInfo> guard_{*this};
 };
 
-/// Keeps the URL that is to be opened.
-class Letterbox final : public platform::posix::PosixWorkspace {
+/// Records the URL instead of opening it.
+class RecordingWorkspace final : public WorkspaceDecorator {
   public:
     std::optional<std::string> url;
 
@@ -83,17 +82,14 @@ class Letterbox final : public platform::posix::PosixWorkspace {
         url = toOpen;
         return true;
     }
-
-  private:
-    platform::ScopedService<platform::Workspace> guard_{*this};
 };
 
 std::optional<std::string> feedbackURL(const std::shared_ptr<platform::Bundle>& bundle,
                                        const Options& options) {
-    const StandInSystem system(options);
-    const Letterbox letterbox;
+    const OverriddenSystemInfo system(options);
+    const RecordingWorkspace workspace;
     ovxFeedback::ovxSendFeedBackViaMail(bundle, options.product);
-    return letterbox.url;
+    return workspace.url;
 }
 
 ExitStatus send(const Options& options) {
@@ -102,18 +98,18 @@ ExitStatus send(const Options& options) {
     std::string reason;
     const auto bundle = path ? platform::Bundle::bundleWithPath(*path, &reason) : nullptr;
     if (path && !bundle)
-        return refuse(*path + ": " + reason);
+        return fail(*path + ": " + reason);
     const auto url = feedbackURL(bundle, options);
     if (!url)
-        return ExitStatus::Refused;
+        return ExitStatus::Failure;
     if (options.print)
         return print(*url + '\n');
     return platform::sharedWorkspace().openURL(*url)
-               ? ExitStatus::Done
-               : refuse("no mail program can be started: there is no xdg-open");
+               ? ExitStatus::Success
+               : fail("no mail program can be started: xdg-open is not installed");
 }
 
-/// An option whose text @p parseText understands, or it is wrong usage.
+/// Adds an option whose text is parsed by @p parseText; a text that it rejects is a usage error.
 template <class Value>
 void addParsedOption(CLI::App& verb, const char* name, const char* description,
                      std::optional<Value>& value,
@@ -126,20 +122,20 @@ void addParsedOption(CLI::App& verb, const char* name, const char* description,
 
 } // namespace
 
-void addFeedbackVerb(CLI::App& commands, Action& chosen) {
+void addFeedbackVerb(CLI::App& commands, Task& task) {
     const auto options = std::make_shared<Options>();
-    CLI::App* verb = commands.add_subcommand("feedback", "Write a mail to the product's support");
-    verb->add_option("PRODUCT", options->product, "The product's name")->required();
-    verb->add_option("--bundle", options->bundle,
-                     "Whose version to tell; the preference pane's without it");
-    verb->add_flag("--print", options->print, "Print the address instead of opening it");
-    addParsedOption(*verb, "--system", "The system's version, as 1045 for 10.4.5", options->system,
+    CLI::App& verb = addVerb(commands, task, "feedback", "Compose a mail to the product's support",
+                             [options] { return send(*options); });
+    verb.add_option("PRODUCT", options->product, "The product's name")->required();
+    verb.add_option("--bundle", options->bundle,
+                    "The bundle whose version to report; default: the preference pane");
+    verb.add_flag("--print", options->print, "Print the mail's URL instead of opening it");
+    addParsedOption(verb, "--system", "The system's version, e.g. 1045 for 10.4.5", options->system,
                     parseVersion);
-    addParsedOption(*verb, "--media", "The media software's version, as 07168000 for 7.1.6",
+    addParsedOption(verb, "--media", "The media software's version, e.g. 07168000 for 7.1.6",
                     options->media, parseVersion);
-    addParsedOption(*verb, "--zone", "The time zone: NAME,ABBREVIATION,SECONDS", options->zone,
+    addParsedOption(verb, "--zone", "The time zone: NAME,ABBREVIATION,SECONDS", options->zone,
                     parseZone);
-    verb->callback([options, &chosen] { chosen = [options] { return send(*options); }; });
 }
 
 } // namespace apps

@@ -11,10 +11,9 @@ using platform::PropertyList;
 
 namespace apps {
 
-bool samePlace(const std::string& first, const std::string& second) {
+bool isSameFile(const std::string& first, const std::string& second) {
     std::error_code ignored;
-    return std::filesystem::path(absolutePath(first)).lexically_normal() ==
-               std::filesystem::path(absolutePath(second)).lexically_normal() ||
+    return absolutePath(first) == absolutePath(second) ||
            std::filesystem::equivalent(first, second, ignored);
 }
 
@@ -22,17 +21,17 @@ std::optional<PropertyList> readPropertyList(const std::string& path) {
     platform::PropertyListResult result = platform::propertyLists().read(absolutePath(path));
     if (result)
         return std::move(result.value);
-    refuse(path + ": " + result.error.text());
+    printError(path + ": " + result.error.text());
     return std::nullopt;
 }
 
-std::optional<PropertyList::Array> readList(const std::string& path) {
+std::optional<PropertyList::Array> readArray(const std::string& path) {
     std::optional<PropertyList> value = readPropertyList(path);
     if (!value)
         return std::nullopt;
-    if (PropertyList::Array* list = value->array())
-        return std::move(*list);
-    refuse(path + ": no list: the root of this property list is no array");
+    if (PropertyList::Array* array = value->array())
+        return std::move(*array);
+    printError(path + ": the root of the property list is not an array");
     return std::nullopt;
 }
 

@@ -7,13 +7,15 @@
 
 namespace apps {
 
-/// Whether two paths of the command line lead to the same file or folder, there or not.
-bool samePlace(const std::string& first, const std::string& second);
+// Paths come from the command line: absolute, or relative to the current folder.
 
-/// The property list in a file. Without one the fault is printed. @p path is absolute or not.
+/// Returns whether two paths lead to the same file or folder. Neither has to exist.
+bool isSameFile(const std::string& first, const std::string& second);
+
+/// Reads a property list. On failure, prints the reason and returns std::nullopt.
 std::optional<platform::PropertyList> readPropertyList(const std::string& path);
 
-/// The same of a file whose root must be an array.
-std::optional<platform::PropertyList::Array> readList(const std::string& path);
+/// Like readPropertyList(), but also fails if the root is not an array.
+std::optional<platform::PropertyList::Array> readArray(const std::string& path);
 
 } // namespace apps

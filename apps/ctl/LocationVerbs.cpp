@@ -28,13 +28,13 @@ struct Options {
 ExitStatus show(bool json) {
     std::optional<PropertyList::Array> list = HalvexFilePaths::HalvexLoadLocationFile();
     if (!list)
-        return refuse("the default locations cannot be read");
+        return fail("the default locations cannot be read");
     return print(std::move(*list), formatFor(json));
 }
 
-/// The user's cache; none when it is missing or unreadable. Unlike the library's own operations
-/// this leaves the user's folders as they are.
-PropertyList::Array usersCache() {
+/// Returns the user's cache, or an empty list if it cannot be read. Unlike the library's
+/// operations, does not create the user's folders.
+PropertyList::Array userCache() {
     std::string path = HalvexFilePaths::ovxGetUserApplSupportFolder();
     for (const char* component :
          {quorvaneSoftwareFolder, HalvexProSupportFolder, HalvexNetLocations})
@@ -43,85 +43,81 @@ PropertyList::Array usersCache() {
 }
 
 ExitStatus merge(const Options& options) {
-    std::optional<PropertyList::Array> list = readList(options.list);
+    std::optional<PropertyList::Array> list = readArray(options.list);
     if (!list)
-        return ExitStatus::Refused;
+        return ExitStatus::Failure;
     std::optional<PropertyList::Array> cached =
-        options.cache.empty() ? usersCache() : readList(options.cache);
+        options.cache.empty() ? userCache() : readArray(options.cache);
     if (!cached)
-        return ExitStatus::Refused;
+        return ExitStatus::Failure;
     return print(mergeRecords(std::move(*list), std::move(*cached)).records, Format::Xml);
 }
 
 ExitStatus split(const Options& options) {
-    std::optional<PropertyList::Array> list = readList(options.list);
+    std::optional<PropertyList::Array> list = readArray(options.list);
     if (!list)
-        return ExitStatus::Refused;
+        return ExitStatus::Failure;
     const SplitRecords records = splitRecords(std::move(*list));
     for (const auto& [path, part] : {std::pair(&options.user, &records.own), //
                                      std::pair(&options.net, &records.net)})
         if (!platform::propertyLists().writeArray(absolutePath(*path), *part))
-            return refuse(*path + ": cannot be written");
-    return ExitStatus::Done;
+            return fail(*path + ": the list cannot be written");
+    return ExitStatus::Success;
 }
 
 ExitStatus save(const std::string& file) {
-    std::optional<PropertyList::Array> list = readList(file);
+    std::optional<PropertyList::Array> list = readArray(file);
     if (!list)
-        return ExitStatus::Refused;
+        return ExitStatus::Failure;
     paths::makeHomeFolders(platform::fileManager());
-    return HalvexFilePaths::HalvexSaveLocationTable(std::move(*list)) ? ExitStatus::Done
-                                                                      : ExitStatus::Refused;
+    return HalvexFilePaths::HalvexSaveLocationTable(std::move(*list)) ? ExitStatus::Success
+                                                                      : ExitStatus::Failure;
 }
 
-CLI::App& addVerb(CLI::App& commands, const char* name, const char* description, Action& chosen,
-                  Action action) {
-    CLI::App* verb = commands.add_subcommand(name, description);
-    verb->callback([&chosen, action = std::move(action)] { chosen = action; });
-    return *verb;
-}
-
-void addCacheVerbs(CLI::App& locations, Action& chosen) {
-    CLI::App* cache = locations.add_subcommand("cache", "The cache of subscribed locations");
-    cache->require_subcommand(0, 1);
-    addVerb(*cache, "exists", "Whether there is one", chosen,
-            [] { return answer(HalvexFilePaths::HalvexExistsNetLocation()); });
-    addVerb(*cache, "remove", "Remove it", chosen, [] {
-        const bool removed = HalvexFilePaths::HalvexRemoveNetLocation();
-        return removed ? ExitStatus::Done : refuse("the cache cannot be removed");
+void addCacheVerbs(CLI::App& locations, Task& task) {
+    CLI::App& cache = addVerbGroup(locations, "cache", "Manage the cache of subscribed locations");
+    addVerb(cache, task, "exists", "Print whether the cache exists",
+            [] { return printYesOrNo(HalvexFilePaths::HalvexExistsNetLocation()); });
+    addVerb(cache, task, "remove", "Remove the cache", [] {
+        return HalvexFilePaths::HalvexRemoveNetLocation() ? ExitStatus::Success
+                                                          : fail("the cache cannot be removed");
     });
 }
 
 } // namespace
 
-void addLocationVerbs(CLI::App& commands, Action& chosen) {
+void addLocationVerbs(CLI::App& commands, Task& task) {
     const auto options = std::make_shared<Options>();
-    CLI::App* locations = commands.add_subcommand("locations", "The world clock's locations");
-    locations->require_subcommand(0, 1);
+    CLI::App& locations =
+        addVerbGroup(commands, "locations", "Manage the locations of the world clock");
 
-    CLI::App& shown = addVerb(*locations, "show", "Print the list, with subscribed locations",
-                              chosen, [options] { return show(options->json); });
-    addJsonFlag(shown, options->json);
+    CLI::App& showing =
+        addVerb(locations, task, "show", "Print the user's locations, subscribed ones included",
+                [options] { return show(options->json); });
+    addJsonFlag(showing, options->json);
 
-    CLI::App& merged = addVerb(*locations, "merge", "Print a list with subscribed locations merged",
-                               chosen, [options] { return merge(*options); });
-    merged.add_option("LIST", options->list, "The list")->required();
-    merged.add_option("CACHE", options->cache, "The subscribed locations; the user's without it");
+    CLI::App& merging =
+        addVerb(locations, task, "merge", "Print a list merged with subscribed locations",
+                [options] { return merge(*options); });
+    merging.add_option("LIST", options->list, "The list")->required();
+    merging.add_option("CACHE", options->cache, "The subscribed locations; default: the user's");
 
-    CLI::App& parts = addVerb(*locations, "split", "Split a list into own and subscribed locations",
-                              chosen, [options] { return split(*options); });
-    parts.add_option("LIST", options->list, "The list")->required();
-    parts.add_option("USER", options->user, "Where the own locations go")->required();
-    parts.add_option("NET", options->net, "Where the subscribed locations go")->required();
-    parts.parse_complete_callback([options] {
-        if (samePlace(options->user, options->net))
+    CLI::App& splitting =
+        addVerb(locations, task, "split", "Split a list into own and subscribed locations",
+                [options] { return split(*options); });
+    splitting.add_option("LIST", options->list, "The list")->required();
+    splitting.add_option("USER", options->user, "Write the user's own locations here")->required();
+    splitting.add_option("NET", options->net, "Write the subscribed locations here")->required();
+    splitting.parse_complete_callback([options] {
+        if (isSameFile(options->user, options->net))
             throw CLI::ValidationError("USER and NET", "are the same file");
     });
 
-    CLI::App& saved = addVerb(*locations, "save", "Make a list the user's", chosen,
-                              [options] { return save(options->list); });
-    saved.add_option("LIST", options->list, "The list")->required();
-    addCacheVerbs(*locations, chosen);
+    addVerb(locations, task, "save", "Save a list as the user's locations",
+            [options] { return save(options->list); })
+        .add_option("LIST", options->list, "The list")
+        ->required();
+    addCacheVerbs(locations, task);
 }
 
 } // namespace apps

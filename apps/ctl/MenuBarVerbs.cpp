@@ -1,14 +1,15 @@
-#include "apps/ctl/Eventually.h"
-#include "apps/ctl/InputFiles.h"
 #include "apps/ctl/ProgramFolder.h"
+#include "apps/ctl/Services.h"
 #include "apps/ctl/Verbs.h"
+#include "apps/ctl/WaitUntil.h"
 #include "apps/shared/AbsolutePath.h"
-#include "platform/posix/StartProgram.h"
 #include "platform/qt/BarClient.h"
 
+#include <cerrno>
 #include <csignal>
 #include <memory>
 #include <string>
+#include <system_error>
 
 using platform::PropertyList;
 using platform::qt::BarClient;
@@ -17,43 +18,39 @@ using platform::qt::BarItem;
 namespace apps {
 namespace {
 
-/// Starts the bar beside this program; it logs where this program does.
-bool startBar() {
-    return platform::posix::startProgram(programFolder() / "halvex-menubar") == 0;
-}
-
 ExitStatus start() {
     BarClient bar;
     if (!bar.hasBus())
-        return refuse("there is no session bus");
+        return fail("there is no session bus");
     if (bar.processIdentifier())
-        return ExitStatus::Done;
-    if (!startBar())
-        return refuse("halvex-menubar is not beside this program");
-    return eventually([&] { return bool(bar.processIdentifier()); })
-               ? ExitStatus::Done
-               : refuse("the menu bar did not start");
+        return ExitStatus::Success;
+    const std::string program = programFolder() / "halvex-menubar";
+    if (const int error = startProgram(program); error != 0)
+        return fail(program + ": " + std::generic_category().message(error));
+    return waitUntil([&] { return bool(bar.processIdentifier()); })
+               ? ExitStatus::Success
+               : fail("the menu bar did not start: it is not on the session bus");
 }
 
 ExitStatus stop() {
     BarClient bar;
     const auto process = bar.processIdentifier().value;
     if (!process)
-        return refuse("no menu bar is running");
+        return fail("no menu bar is running");
     if (::kill(static_cast<pid_t>(*process), SIGTERM) != 0)
-        return refuse("the menu bar is somebody else's");
-    return eventually([&] { return bar.processIdentifier().value != process; })
-               ? ExitStatus::Done
-               : refuse("the menu bar did not end");
+        return fail("the menu bar cannot be stopped: " + std::generic_category().message(errno));
+    return waitUntil([&] { return bar.processIdentifier().value != process; })
+               ? ExitStatus::Success
+               : fail("the menu bar did not exit: it is still on the session bus");
 }
 
 ExitStatus list(bool json) {
-    const auto answer = BarClient().listMenuExtras();
-    if (!answer)
-        return refuse(answer.reason);
+    const auto items = BarClient().listMenuExtras();
+    if (!items)
+        return fail(items.reason);
     PropertyList::Array rows;
     std::string text;
-    for (const BarItem& item : *answer.value) {
+    for (const BarItem& item : *items.value) {
         rows.emplace_back(PropertyList::Dictionary{{"identifier", item.identifier},
                                                    {"path", item.path},
                                                    {"position", item.position},
@@ -64,36 +61,31 @@ ExitStatus list(bool json) {
 }
 
 ExitStatus snapshot(const std::string& file) {
-    const auto answer = BarClient().snapshot(absolutePath(file));
-    if (!answer)
-        return refuse(answer.reason);
-    return *answer.value ? ExitStatus::Done : refuse(file + ": the picture was not written");
+    const auto written = BarClient().snapshot(absolutePath(file));
+    if (!written)
+        return fail(written.reason);
+    return *written.value ? ExitStatus::Success : fail(file + ": the picture cannot be written");
 }
 
 } // namespace
 
-void addMenuBarVerbs(CLI::App& commands, Action& chosen) {
+void addMenuBarVerbs(CLI::App& commands, Task& task) {
     struct Options {
         std::string file;
         bool json = false;
     };
     const auto options = std::make_shared<Options>();
-    CLI::App* bar = commands.add_subcommand("menubar", "The menu bar");
-    bar->require_subcommand(0, 1);
-    const auto add = [&](const char* name, const char* description, Action action) {
-        CLI::App* verb = bar->add_subcommand(name, description);
-        verb->callback([&chosen, action = std::move(action)] { chosen = action; });
-        return verb;
-    };
-    add("start", "Start it unless it is running", start);
-    add("stop", "End it", stop);
-    addJsonFlag(
-        *add("list", "Its items, from right to left", [options] { return list(options->json); }),
-        options->json);
-    add("snapshot", "Draw it into a PNG file", [options] { return snapshot(options->file); })
-        ->add_option("FILE", options->file, "The picture")
+    CLI::App& bar = addVerbGroup(commands, "menubar", "Control the menu bar and its items");
+    addVerb(bar, task, "start", "Start the bar unless it is running", start);
+    addVerb(bar, task, "stop", "Stop the bar", stop);
+    CLI::App& listing = addVerb(bar, task, "list", "List the items by position, rightmost first",
+                                [options] { return list(options->json); });
+    addJsonFlag(listing, options->json);
+    addVerb(bar, task, "snapshot", "Draw the bar into a PNG file",
+            [options] { return snapshot(options->file); })
+        .add_option("FILE", options->file, "The picture")
         ->required();
-    addBarItemVerbs(*bar, chosen);
+    addBarItemVerbs(bar, task);
 }
 
 } // namespace apps

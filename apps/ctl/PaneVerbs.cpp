@@ -22,11 +22,11 @@ using platform::fileManager;
 namespace apps {
 namespace {
 
-std::string usersPlace() {
+std::string userPanePath() {
     return platform::expandingTildeInPath(HalvexProPrefsAUser);
 }
 
-/// The pane that came with this program: in a build tree the one beside it, else the installed one.
+/// Returns the pane of the build tree if this program is in one, otherwise the installed pane.
 std::string shippedPane() {
     const std::string name = platform::lastPathComponent(HalvexProPrefsAllUsers);
     std::string built =
@@ -35,92 +35,87 @@ std::string shippedPane() {
                                            : appendingPathComponent(HALVEX_PANES_FOLDER, name);
 }
 
-/// Why what is at @p path cannot be installed as the pane; empty when it can.
-std::string reasonAgainst(const std::string& path) {
+/// Returns why the bundle at @p path cannot be installed as the pane, or an empty string if it can.
+std::string validatePane(const std::string& path) {
     std::string reason;
     const auto pane = Bundle::bundleWithPath(path, &reason);
     if (!pane || !pane->infoDictionary())
         return reason;
     if (pane->bundleIdentifier() != HalvexPrefsBundleID)
-        return std::string("this bundle is not ") + HalvexPrefsBundleID;
+        return std::string("the bundle's identifier is not ") + HalvexPrefsBundleID;
     return {};
 }
 
-bool isTaken(const std::string& path) {
+bool exists(const std::string& path) {
     return fileManager().fileExists(path) || fileManager().isSymbolicLink(path);
 }
 
-bool clear(const std::string& path) {
-    return !isTaken(path) || fileManager().removeItem(path);
+bool removeIfExists(const std::string& path) {
+    return !exists(path) || fileManager().removeItem(path);
 }
 
-/// Puts the pane at @p fresh into @p place and what was there to @p old. On failure nothing is
-/// moved.
-bool exchange(const std::string& fresh, const std::string& place, const std::string& old) {
-    const bool replaces = isTaken(place);
-    if (replaces && !fileManager().moveFile(place, old))
+/// Moves the pane at @p target to @p backup, if there is one, and @p source to @p target. On
+/// failure every file stays where it was.
+bool replacePane(const std::string& source, const std::string& target, const std::string& backup) {
+    const bool replaces = exists(target);
+    if (replaces && !fileManager().moveFile(target, backup))
         return false;
-    if (fileManager().moveFile(fresh, place))
+    if (fileManager().moveFile(source, target))
         return true;
     if (replaces)
-        fileManager().moveFile(old, place);
+        fileManager().moveFile(backup, target);
     return false;
 }
 
-/// The copy is made under a name beside the user's place, so that there is always a whole pane or
-/// none. What a run that was killed has left under that name and the old one's is cleared first.
-ExitStatus copyToUsersPlace(const std::string& source) {
-    const std::string place = usersPlace();
-    const std::string folder = deletingLastPathComponent(place);
-    const std::string fresh = appendingPathComponent(folder, ".halvex-pane-new");
-    const std::string old = appendingPathComponent(folder, ".halvex-pane-old");
+/// Copies under a temporary name first, so that the user has a complete pane or none at any time.
+/// Removes what an earlier run left under the temporary names when it was killed.
+ExitStatus copyToUserPane(const std::string& source) {
+    const std::string target = userPanePath();
+    const std::string folder = deletingLastPathComponent(target);
+    const std::string copy = appendingPathComponent(folder, ".halvex-pane-new");
+    const std::string backup = appendingPathComponent(folder, ".halvex-pane-old");
     paths::makeHomeFolders(fileManager());
     ovxPaths::ovxMakeDirIfNeeded(folder);
-    if (!clear(fresh) || !clear(old) || !fileManager().copyItem(source, fresh))
-        return refuse(source + ": cannot be copied to " + folder);
-    if (!exchange(fresh, place, old)) {
-        clear(fresh);
-        return refuse(place + ": cannot be replaced");
+    if (!removeIfExists(copy) || !removeIfExists(backup) || !fileManager().copyItem(source, copy))
+        return fail(source + ": the pane cannot be copied to " + folder);
+    if (!replacePane(copy, target, backup)) {
+        removeIfExists(copy);
+        return fail(target + ": the pane cannot be replaced");
     }
-    return clear(old) ? print(place + '\n') : refuse(old + ": the replaced pane cannot be removed");
+    return removeIfExists(backup) ? print(target + '\n')
+                                  : fail(backup + ": the replaced pane cannot be removed");
 }
 
-ExitStatus install(const std::string& given) {
-    // A link to a pane is as good as the pane, but not what is to be copied.
-    const std::string source = fileManager().resolvingSymbolicLinks(given);
-    if (const std::string reason = reasonAgainst(source); !reason.empty())
-        return refuse(given + ": " + reason);
-    if (samePlace(source, usersPlace()))
-        return refuse(given + ": this is the installed pane itself");
-    return copyToUsersPlace(source);
+ExitStatus install(const std::string& path) {
+    // copyItem would copy a link as a link.
+    const std::string source = fileManager().resolvingSymbolicLinks(path);
+    if (const std::string reason = validatePane(source); !reason.empty())
+        return fail(path + ": " + reason);
+    if (isSameFile(source, userPanePath()))
+        return fail(path + ": this pane is already installed here");
+    return copyToUserPane(source);
 }
 
 ExitStatus uninstall() {
-    const std::string place = usersPlace();
-    return clear(place) ? ExitStatus::Done : refuse(place + ": cannot be removed");
+    const std::string path = userPanePath();
+    return removeIfExists(path) ? ExitStatus::Success : fail(path + ": the pane cannot be removed");
 }
 
-ExitStatus showPath() {
+ExitStatus printPath() {
     const std::optional<std::string> pane = HalvexMenuExtraTools::HalvexPrefsPanelPath();
-    return pane ? print(*pane + '\n') : refuse("no preference pane is installed");
+    return pane ? print(*pane + '\n') : fail("no preference pane is installed");
 }
 
 } // namespace
 
-void addPaneVerbs(CLI::App& commands, Action& chosen) {
+void addPaneVerbs(CLI::App& commands, Task& task) {
     const auto source = std::make_shared<std::string>();
-    CLI::App* pane = commands.add_subcommand("pane", "The preference pane, which ships the items");
-    pane->require_subcommand(0, 1);
-    const auto add = [&](const char* name, const char* description, Action action) {
-        CLI::App* verb = pane->add_subcommand(name, description);
-        verb->callback([&chosen, action = std::move(action)] { chosen = action; });
-        return verb;
-    };
-    add("path", "Print where the library finds it", showPath);
-    add("install", "Copy it into the user's Library", [source] {
+    CLI::App& pane = addVerbGroup(commands, "pane", "Manage the preference pane");
+    addVerb(pane, task, "path", "Print the path of the pane that the library uses", printPath);
+    addVerb(pane, task, "install", "Install a copy of the pane for the user", [source] {
         return install(source->empty() ? shippedPane() : absolutePath(*source));
-    })->add_option("PANE", *source, "The pane; the one that came with this program without it");
-    add("uninstall", "Remove the user's copy", uninstall);
+    }).add_option("PANE", *source, "The pane; default: the one shipped with this program");
+    addVerb(pane, task, "uninstall", "Remove the user's copy", uninstall);
 }
 
 } // namespace apps

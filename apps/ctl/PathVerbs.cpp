@@ -1,5 +1,3 @@
-#include "apps/ctl/InputFiles.h"
-#include "apps/ctl/Looking.h"
 #include "apps/ctl/Verbs.h"
 #include "apps/shared/AbsolutePath.h"
 #include "menuextras/ExportedIdentifiers.h"
@@ -28,7 +26,7 @@ PropertyList::Dictionary paths() {
     const std::string localProduct = Files::ovxGetLocalHalvexApplSupportFolder();
     const std::string titles = std::string(WarnMeTitlesFile) + "." + plistFile;
     const std::string times = std::string(WarnMeTimesFile) + "." + plistFile;
-    // What is found by creating, showing or reading it is put together from its parts.
+    // Some operations create, open or read a path without returning it; these are composed here.
     return {
         {"ovxGetUserApplSupportFolder", support},
         {"ovxGetUserQuorvaneSoftwareFolder", maker},
@@ -60,8 +58,7 @@ PropertyList::Dictionary paths() {
     };
 }
 
-ExitStatus printPaths(const std::string& root, bool json) {
-    const Looking looking(root);
+ExitStatus printPaths(bool json) {
     PropertyList::Dictionary all = paths();
     if (json)
         return print(std::move(all), Format::Json);
@@ -71,10 +68,10 @@ ExitStatus printPaths(const std::string& root, bool json) {
     return print(text);
 }
 
-/// What the folder holds, one a line.
-ExitStatus printNames(const std::optional<Names>& names, const char* folder, bool json) {
+/// Prints one name per line. Without @p names, reports that the folder of @p kind cannot be read.
+ExitStatus printNames(const std::optional<Names>& names, const char* kind, bool json) {
     if (!names)
-        return refuse("there is no folder of " + std::string(folder) + " that can be read");
+        return fail(std::string("the folder of ") + kind + " cannot be read");
     if (json)
         return print(PropertyList::Array(names->begin(), names->end()), Format::Json);
     std::string text;
@@ -92,33 +89,31 @@ std::optional<Names> frames(const Names& excluded) {
 
 } // namespace
 
-void addPathVerbs(CLI::App& commands, Action& chosen) {
+void addPathVerbs(CLI::App& commands, Task& task) {
     struct Options {
-        const CLI::Option* root;
         bool json = false;
         Names excluded;
     };
     const auto options = std::make_shared<Options>();
-    options->root = commands.get_option("--root");
-    const auto add = [&](const char* name, const char* description, ExitStatus (*run)(Options&)) {
-        CLI::App* verb = commands.add_subcommand(name, description);
-        addJsonFlag(*verb, options->json);
-        verb->callback(
-            [options, run, &chosen] { chosen = [options, run] { return run(*options); }; });
+    const auto add = [&](const char* name, const char* description, ExitStatus (*run)(Options&),
+                         MissingFolders missing = MissingFolders::Create) -> CLI::App& {
+        CLI::App& verb = addVerb(
+            commands, task, name, description, [options, run] { return run(*options); }, missing);
+        addJsonFlag(verb, options->json);
         return verb;
     };
-    add("paths", "Where the folders and data files are, by operation", [](Options& given) {
-        return printPaths(absolutePath(given.root->as<std::string>()), given.json);
-    });
-    add("themes", "The themes that are installed", [](Options& given) {
+    add(
+        "paths", "Print the path of every folder and data file",
+        [](Options& given) { return printPaths(given.json); }, MissingFolders::Ignore);
+    add("themes", "List the installed themes", [](Options& given) {
         return printNames(ovxPaths::HalvexThemesList(), "themes", given.json);
     });
-    add("pictures", "The pictures that are installed", [](Options& given) {
+    add("pictures", "List the installed pictures", [](Options& given) {
         return printNames(ovxPaths::HalvexPicturesList(), "pictures", given.json);
     });
-    add("frames", "The picture frames that are installed",
+    add("frames", "List the paths of the installed picture frames",
         [](Options& given) { return printNames(frames(given.excluded), "frames", given.json); })
-        ->add_option("--exclude", options->excluded, "A path to leave out; may be repeated")
+        .add_option("--exclude", options->excluded, "Leave out this path; may be repeated")
         ->allow_extra_args(false);
 }
 

@@ -5,10 +5,11 @@
 
 namespace apps {
 
-/// Where this program lies, and the others beside it: an installation and a build tree are alike.
+/// Returns the folder of this program. The other programs have the same position relative to it in
+/// an installation and in a build tree.
 inline std::filesystem::path programFolder() {
-    std::error_code none;
-    return std::filesystem::read_symlink("/proc/self/exe", none).parent_path();
+    std::error_code ignored;
+    return std::filesystem::read_symlink("/proc/self/exe", ignored).parent_path();
 }
 
 } // namespace apps

@@ -5,33 +5,51 @@
 #include <CLI/CLI.hpp>
 
 #include <functional>
+#include <string>
 
 namespace apps {
 
-/// What the command line asks for, to be done once all of it has been understood.
-using Action = std::function<ExitStatus()>;
+/// What happens to missing folders that the library's operations would create.
+enum class MissingFolders {
+    Create,
+    Ignore, ///< the file manager reports success without creating them
+};
 
-// Each adds its verbs to the command line. Parsing a line with one of them sets @p chosen, which
-// outlives @p commands' parsing.
+/// The operation that the command line requests. Runs after the whole line has been parsed.
+struct Task {
+    std::function<ExitStatus()> run;
+    MissingFolders missingFolders = MissingFolders::Create;
+};
 
-void addCommandVerb(CLI::App& commands, Action& chosen);    ///< command
-void addDateFormatVerb(CLI::App& commands, Action& chosen); ///< date-format
-void addFeedbackVerb(CLI::App& commands, Action& chosen);   ///< feedback
-void addPathVerbs(CLI::App& commands, Action& chosen);      ///< paths, themes, pictures, frames
+// Each function adds verbs to the command line. Parsing one of them sets @p task, which must
+// outlive the parsing.
+
+void addCommandVerb(CLI::App& commands, Task& task);    ///< command
+void addDateFormatVerb(CLI::App& commands, Task& task); ///< date-format
+void addFeedbackVerb(CLI::App& commands, Task& task);   ///< feedback
+void addPathVerbs(CLI::App& commands, Task& task);      ///< paths, themes, pictures, frames
 /// extras, toggle, install, remove, upgrade, preflight, v2, pro
-void addExtraVerbs(CLI::App& commands, Action& chosen);
-void addLocationVerbs(CLI::App& commands, Action& chosen);   ///< locations
-void addMenuBarVerbs(CLI::App& commands, Action& chosen);    ///< menubar
-void addBarItemVerbs(CLI::App& menubar, Action& chosen);     ///< menubar add, remove, click
-void addWarningVerbs(CLI::App& commands, Action& chosen);    ///< warnings
-void addPaneVerbs(CLI::App& commands, Action& chosen);       ///< pane
-void addBackgroundVerbs(CLI::App& commands, Action& chosen); ///< prefs, background
-void addPlistVerb(CLI::App& commands, Action& chosen);       ///< plist
-void addDrawingVerbs(CLI::App& commands, Action& chosen);    ///< hud, tint
+void addExtraVerbs(CLI::App& commands, Task& task);
+void addLocationVerbs(CLI::App& commands, Task& task);   ///< locations
+void addMenuBarVerbs(CLI::App& commands, Task& task);    ///< menubar
+void addBarItemVerbs(CLI::App& menubar, Task& task);     ///< menubar add, remove, click
+void addWarningVerbs(CLI::App& commands, Task& task);    ///< warnings
+void addPaneVerbs(CLI::App& commands, Task& task);       ///< pane
+void addBackgroundVerbs(CLI::App& commands, Task& task); ///< prefs, background
+void addPlistVerb(CLI::App& commands, Task& task);       ///< plist
+void addDrawingVerbs(CLI::App& commands, Task& task);    ///< hud, tint
 
-/// Gives @p verb the flag --json.
+// Used by the functions above.
+
+/// Adds a verb that requests @p run.
+CLI::App& addVerb(CLI::App& parent, Task& task, const std::string& name,
+                  const std::string& description, std::function<ExitStatus()> run,
+                  MissingFolders missingFolders = MissingFolders::Create);
+/// Adds a word that is followed by a verb.
+CLI::App& addVerbGroup(CLI::App& parent, const std::string& name, const std::string& description);
+/// Adds the flag --json to @p verb.
 void addJsonFlag(CLI::App& verb, bool& json);
-/// Xml without --json.
+/// Returns Json if @p json is set, otherwise Xml.
 inline Format formatFor(bool json) {
     return json ? Format::Json : Format::Xml;
 }

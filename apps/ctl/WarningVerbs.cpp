@@ -1,4 +1,3 @@
-#include "apps/ctl/InputFiles.h"
 #include "apps/ctl/Verbs.h"
 #include "apps/shared/AbsolutePath.h"
 #include "paths/ovxPaths.h"
@@ -7,39 +6,43 @@
 #include <string>
 
 namespace apps {
+namespace {
 
-void addWarningVerbs(CLI::App& commands, Action& chosen) {
-    struct Options {
-        std::string name;
-        std::string defaultFile;
-        bool json = false;
-    };
+struct Options {
+    std::string name;
+    std::string defaultFile;
+    bool json = false;
+};
+
+ExitStatus show(const Options& options) {
+    const std::string& file = options.defaultFile;
+    return print(
+        HalvexFilePaths::loadWarnMeTitles(options.name, file.empty() ? file : absolutePath(file)),
+        formatFor(options.json));
+}
+
+} // namespace
+
+void addWarningVerbs(CLI::App& commands, Task& task) {
     const auto options = std::make_shared<Options>();
 
-    CLI::App* warnings = commands.add_subcommand("warnings", "The lists of the timed warnings");
-    warnings->add_option("NAME", options->name,
-                         "Print this list, such as WarningTitles or WarnMeTimes");
-    warnings->add_option("--default", options->defaultFile, "The list when there is no other");
+    CLI::App* warnings = commands.add_subcommand("warnings", "Print a list of timed warnings");
+    warnings->add_option("NAME", options->name, "The list, e.g. WarningTitles or WarnMeTimes");
+    warnings->add_option("--default", options->defaultFile, "The list to use if there is no other");
     addJsonFlag(*warnings, options->json);
 
-    CLI::App* hasCustom = warnings->add_subcommand("has-custom", "Whether there is an own list");
-    hasCustom->add_option("NAME", options->name, "The list's name")->required();
-    hasCustom->callback([options, &chosen] {
-        chosen = [options] { return answer(HalvexFilePaths::hasCustomWarnMeFile(options->name)); };
-    });
+    CLI::App& hasCustom = addVerb(
+        *warnings, task, "has-custom", "Print whether a custom list replaces the default",
+        [options] { return printYesOrNo(HalvexFilePaths::hasCustomWarnMeFile(options->name)); });
+    hasCustom.add_option("NAME", options->name, "The list's name")->required();
 
-    warnings->callback([options, hasCustom, &chosen] {
-        if (hasCustom->parsed())
+    warnings->callback([options, &hasCustom, &task] {
+        if (hasCustom.parsed())
             return;
-        // Not required() itself: has-custom has a name of its own.
+        // NAME is not required(), because has-custom takes its own NAME.
         if (options->name.empty())
             throw CLI::RequiredError("NAME");
-        chosen = [options] {
-            const std::string& file = options->defaultFile;
-            return print(HalvexFilePaths::loadWarnMeTitles(
-                             options->name, file.empty() ? file : absolutePath(file)),
-                         formatFor(options->json));
-        };
+        task.run = [options] { return show(*options); };
     });
 }
 

@@ -15,7 +15,7 @@ using namespace platform;
 namespace apps {
 namespace {
 
-constexpr Size kFirstSize{320, 200};
+constexpr Size kPanelSize{320, 200}; // points
 constexpr double kLargestSize = 32767;
 
 struct Options {
@@ -25,8 +25,8 @@ struct Options {
     HUDPart part = HUDPart::All;
 };
 
-/// Prints what the user does in the panel.
-class Printer final : public ActionTarget {
+/// Prints each action that the panel sends, one per line.
+class ActionPrinter final : public ActionTarget {
   public:
     bool respondsToSelector(const Selector&) const override { return true; }
     void performSelector(const Selector& selector, ActionSender&) override {
@@ -41,18 +41,18 @@ ExitStatus drawToFile(const Options& options, Size size) {
     return writePng(*image, options.file);
 }
 
-/// In the middle of the screen.
-Rect firstPlace() {
+/// Returns a frame at the centre of the screen.
+Rect centeredFrame() {
     const QRect screen = QGuiApplication::primaryScreen()->geometry();
-    return {{(screen.width() - kFirstSize.width) / 2, (screen.height() - kFirstSize.height) / 2},
-            kFirstSize};
+    return {{(screen.width() - kPanelSize.width) / 2, (screen.height() - kPanelSize.height) / 2},
+            kPanelSize};
 }
 
 ExitStatus showPanel(const std::string& title) {
-    const auto printer = std::make_shared<Printer>();
+    const auto printer = std::make_shared<ActionPrinter>();
     const auto panel = std::make_shared<HUDWindow>();
-    if (!panel->initWithContentRect(firstPlace(), 0, BackingStore::Buffered, false))
-        return ExitStatus::Refused;
+    if (!panel->initWithContentRect(centeredFrame(), 0, BackingStore::Buffered, false))
+        return ExitStatus::Failure;
     panel->setTitle(title);
     panel->setTarget(printer);
     panel->setAction("click");
@@ -60,11 +60,11 @@ ExitStatus showPanel(const std::string& title) {
     panel->setCloseObserver([] { QApplication::quit(); });
     panel->makeKeyAndOrderFront();
     QApplication::exec();
-    return finishOutput();
+    return flushOutput();
 }
 
-Size parsedSize(const std::string& text) {
-    const auto numbers = parsedNumbers("--size", text, {'x', 2, 2, kLargestSize});
+Size parseSize(const std::string& text) {
+    const auto numbers = parseNumbers("--size", text, {'x', 2, 2, kLargestSize});
     return {numbers[0], numbers[1]};
 }
 
@@ -75,15 +75,15 @@ void addHudVerb(CLI::App& commands, Task& task) {
     const std::map<std::string, HUDPart> parts{
         {"all", HUDPart::All}, {"body", HUDPart::Body}, {"bar", HUDPart::TitleBar}};
 
-    CLI::App* hud = commands.add_subcommand("hud", "Draw the dark panel, or show it");
-    hud->add_option("FILE.png", options->file, "Write its background here");
-    hud->add_option("--size", options->size, "WxH: the panel's frame, in points");
+    CLI::App* hud = commands.add_subcommand("hud", "Draw the dark panel into a file, or show it");
+    hud->add_option("FILE.png", options->file, "Write the panel's background to this file");
+    hud->add_option("--size", options->size, "The size of the panel's frame in points: WxH");
     hud->add_option("--part", options->part, "all, body or bar")
         ->transform(CLI::CheckedTransformer(parts));
-    hud->add_option("--title", options->title, "What stands in the title bar");
+    hud->add_option("--title", options->title, "The text in the title bar");
 
-    CLI::App* show = hud->add_subcommand("show", "Show the panel; print a line for each click");
-    show->add_option("--title", options->title, "What stands in the title bar");
+    CLI::App* show = hud->add_subcommand("show", "Show the panel and print a line for each click");
+    show->add_option("--title", options->title, "The text in the title bar");
     show->callback([options, &task] {
         task = {Task::Needs::Desktop, [options] { return showPanel(options->title); }};
     });
@@ -95,7 +95,7 @@ void addHudVerb(CLI::App& commands, Task& task) {
              {std::pair("FILE.png", &options->file), std::pair("--size", &options->size)})
             if (value->empty())
                 throw CLI::RequiredError(name);
-        const Size size = parsedSize(options->size);
+        const Size size = parseSize(options->size);
         task = {Task::Needs::Drawing, [options, size] { return drawToFile(*options, size); }};
     });
 }

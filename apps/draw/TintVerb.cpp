@@ -19,17 +19,17 @@ struct Options {
     std::optional<int> operation;
 };
 
-Color parsedColor(const Options& options) {
+Color parseColor(const Options& options) {
     const auto alpha = [](const std::vector<double>& numbers, std::size_t count) {
         return numbers.size() > count ? numbers[count] : 1;
     };
     if (!options.gray.empty()) {
-        const auto numbers = parsedNumbers("--gray", options.gray, {',', 1, 2, 1});
+        const auto numbers = parseNumbers("--gray", options.gray, {',', 1, 2, 1});
         return calibratedWhite(numbers[0], alpha(numbers, 1));
     }
     const bool isDevice = !options.device.empty();
-    const auto numbers = parsedNumbers(isDevice ? "--device" : "--color",
-                                       isDevice ? options.device : options.color, {',', 3, 4, 1});
+    const auto numbers = parseNumbers(isDevice ? "--device" : "--color",
+                                      isDevice ? options.device : options.color, {',', 3, 4, 1});
     Color color{numbers[0], numbers[1], numbers[2], alpha(numbers, 3)};
     if (isDevice)
         color.space = ColorSpace::DeviceRGB;
@@ -39,7 +39,7 @@ Color parsedColor(const Options& options) {
 ExitStatus tint(const Options& options, const Color& color) {
     const auto image = graphics().imageWithContentsOfFile(options.input);
     if (!image)
-        return ExitStatus::Refused; // the log says why
+        return ExitStatus::Failure; // has been logged
     const auto tinted =
         options.operation
             ? HalvexTintedImage::tintedImageWithColor(
@@ -53,18 +53,19 @@ ExitStatus tint(const Options& options, const Color& color) {
 void addTintVerb(CLI::App& commands, Task& task) {
     const auto options = std::make_shared<Options>();
     CLI::App* verb = commands.add_subcommand("tint", "Tint an image");
-    verb->add_option("IN.png", options->input, "The image")->required();
-    verb->add_option("OUT.png", options->output, "Where the tinted one is written")->required();
-    verb->add_option("--operation", options->operation, "Fill the whole area by this operation")
+    verb->add_option("IN.png", options->input, "The image to tint")->required();
+    verb->add_option("OUT.png", options->output, "Write the tinted image to this file")->required();
+    verb->add_option("--operation", options->operation,
+                     "Fill the whole area with this compositing operation")
         ->check(CLI::Range(0, 13));
     CLI::App* color = verb->add_option_group("Colour", "Components from 0 to 1");
     color->add_option("--color", options->color, "R,G,B[,A]");
     color->add_option("--gray", options->gray, "W[,A]");
-    color->add_option("--device", options->device, "R,G,B[,A], the screen's own");
+    color->add_option("--device", options->device, "R,G,B[,A] in the screen's colour space");
     color->require_option(1);
     verb->callback([options, &task] {
-        const Color chosen = parsedColor(*options);
-        task = {Task::Needs::Drawing, [options, chosen] { return tint(*options, chosen); }};
+        const Color parsed = parseColor(*options);
+        task = {Task::Needs::Drawing, [options, parsed] { return tint(*options, parsed); }};
     });
 }
 

@@ -5,39 +5,45 @@
 
 #include <CLI/CLI.hpp>
 
+#include <cstddef>
 #include <functional>
 #include <string>
+#include <vector>
 
 namespace apps {
 
-/// What a verb does once the command line has been understood, and what it needs for that.
+/// The operation that the command line requests, and what it needs. Runs after the whole line has
+/// been parsed.
 struct Task {
-    enum class Needs { Drawing, Desktop };
+    enum class Needs {
+        Drawing, ///< no display
+        Desktop,
+    };
 
     Needs needs = Needs::Drawing;
     std::function<ExitStatus()> run;
 };
 
-// Each adds its verb to the command line. Parsing a line with it sets @p task, which outlives
-// @p commands' parsing.
+// Each function adds its verb to the command line. Parsing that verb sets @p task, which must
+// outlive the parsing.
 
 void addHudVerb(CLI::App& commands, Task& task);
 void addTintVerb(CLI::App& commands, Task& task);
 
-/// Writes an image as PNG, one pixel a point, in place of what is at @p path, or leaves that as it
-/// is and says why.
+/// Writes @p image as PNG, one pixel per point, and replaces the file at @p path. On failure prints
+/// the reason and leaves that file unchanged.
 ExitStatus writePng(const platform::Image& image, const std::string& path);
 
-/// Numbers with @p separator between them, without anything else. @throws CLI::ValidationError
-/// for other text, for another count than @p least to @p most, and for a number that is not from 0
-/// to @p largest.
+/// A list of numbers between 0 and @p largest.
 struct NumberFormat {
     char separator = ',';
-    std::size_t least = 1;
-    std::size_t most = 1;
+    std::size_t minimumCount = 1;
+    std::size_t maximumCount = 1;
     double largest = 1;
 };
-std::vector<double> parsedNumbers(const std::string& option, const std::string& text,
-                                  const NumberFormat& format);
+
+/// Parses the argument of @p option. Throws CLI::ValidationError if @p text is not in @p format.
+std::vector<double> parseNumbers(const std::string& option, const std::string& text,
+                                 const NumberFormat& format);
 
 } // namespace apps

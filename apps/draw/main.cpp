@@ -3,6 +3,7 @@
 #include "platform/qt/Desktop.h"
 #include "platform/qt/QtGraphics.h"
 #include "platform/qt/QtImage.h"
+#include "platform/qt/Strings.h"
 
 #include <QApplication>
 #include <QSaveFile>
@@ -14,15 +15,15 @@ namespace apps {
 ExitStatus writePng(const platform::Image& image, const std::string& path) {
     const auto& pixels = dynamic_cast<const platform::qt::QtImage&>(image).pixelsForScale(1);
     if (pixels.isNull())
-        return refuse(path + ": an image without pixels cannot be written");
-    QSaveFile file(QString::fromStdString(path));
+        return fail(path + ": an image without pixels cannot be written");
+    QSaveFile file(platform::qt::qString(path));
     if (!file.open(QIODevice::WriteOnly) || !pixels.save(&file, "PNG") || !file.commit())
-        return refuse(path + ": " + file.errorString().toStdString());
-    return ExitStatus::Done;
+        return fail(path + ": " + file.errorString().toStdString());
+    return ExitStatus::Success;
 }
 
-std::vector<double> parsedNumbers(const std::string& option, const std::string& text,
-                                  const NumberFormat& format) {
+std::vector<double> parseNumbers(const std::string& option, const std::string& text,
+                                 const NumberFormat& format) {
     std::istringstream stream(text + format.separator);
     stream.imbue(std::locale::classic());
     std::vector<double> numbers;
@@ -31,9 +32,9 @@ std::vector<double> parsedNumbers(const std::string& option, const std::string& 
     while (stream >> std::noskipws >> number >> separator && separator == format.separator &&
            number >= 0 && number <= format.largest)
         numbers.push_back(number);
-    const bool whole = stream.eof() && separator == format.separator;
-    if (!whole || numbers.size() < format.least || numbers.size() > format.most)
-        throw CLI::ValidationError(option, "\"" + text + "\" is not what it takes");
+    const bool complete = stream.eof() && separator == format.separator;
+    if (!complete || numbers.size() < format.minimumCount || numbers.size() > format.maximumCount)
+        throw CLI::ValidationError(option, "invalid value \"" + text + '"');
     return numbers;
 }
 
@@ -61,7 +62,7 @@ ExitStatus draw(const Task& task) {
 
 ExitStatus perform(const Task& task, int argc, char** argv) {
     if (task.needs == Task::Needs::Desktop && !hasDisplay())
-        return refuse("there is no display to show anything on");
+        return fail("the panel cannot be shown: there is no display");
     configureQt(task.needs);
     platform::expat::install();
     if (task.needs == Task::Needs::Drawing) {
@@ -75,14 +76,14 @@ ExitStatus perform(const Task& task, int argc, char** argv) {
 
 ExitStatus run(int argc, char** argv) {
     Task task;
-    CLI::App commandLine("Draws for halvexctl.", "halvexctl");
+    CLI::App commandLine("Draw for halvexctl.", "halvexctl");
     commandLine.require_subcommand(1);
     addHudVerb(commandLine, task);
     addTintVerb(commandLine, task);
     try {
         commandLine.parse(argc, argv);
     } catch (const CLI::ParseError& error) {
-        return commandLine.exit(error) == 0 ? finishOutput() : ExitStatus::WrongUsage;
+        return commandLine.exit(error) == 0 ? flushOutput() : ExitStatus::UsageError;
     }
     return perform(task, argc, argv);
 }

@@ -3,6 +3,6 @@
 namespace apps {
 
 /// The exit status of the command-line programs.
-enum class ExitStatus { Done = 0, Refused = 1, WrongUsage = 2 };
+enum class ExitStatus { Success = 0, Failure = 1, UsageError = 2 };
 
 } // namespace apps

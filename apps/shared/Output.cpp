@@ -10,47 +10,53 @@
 #include <iostream>
 #include <system_error>
 #include <unistd.h>
+#include <utility>
 
 namespace apps {
 
 void prepareStandardStreams() {
-    // The wrong way round, so that reading and writing fail as they would on a closed one. The
-    // lowest free descriptor is the one that is taken.
+    // open() takes the lowest free descriptor. The access modes are the wrong way round, so that
+    // reading and writing still fail.
     for (const int descriptor : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO})
         if (::fcntl(descriptor, F_GETFD) < 0) [[maybe_unused]]
-            const int taken = ::open("/dev/null", descriptor == STDIN_FILENO ? O_WRONLY : O_RDONLY);
+            const int opened =
+                ::open("/dev/null", descriptor == STDIN_FILENO ? O_WRONLY : O_RDONLY);
     std::signal(SIGPIPE, SIG_IGN);
 }
 
-ExitStatus finishOutput() {
+ExitStatus flushOutput() {
     std::cout.flush();
     if (std::cout)
-        return ExitStatus::Done;
-    return refuse("standard output: " + std::generic_category().message(errno));
+        return ExitStatus::Success;
+    return fail("standard output: " + std::generic_category().message(errno));
 }
 
 ExitStatus print(std::string_view text) {
     std::cout << text;
-    return finishOutput();
+    return flushOutput();
 }
 
 ExitStatus print(const platform::PropertyList& value, Format format) {
     if (format == Format::Json)
         return print(jsonText(value));
     const auto text = platform::propertyLists().serialize(value);
-    return text ? print(*text) : refuse("the result cannot be written as XML; --json can show it");
+    return text ? print(*text) : fail("XML cannot represent the result: use --json instead");
 }
 
-ExitStatus answer(bool yes) {
+ExitStatus printYesOrNo(bool yes) {
     const ExitStatus printed = print(yes ? "yes\n" : "no\n");
-    return yes ? printed : ExitStatus::Refused;
+    return yes ? printed : ExitStatus::Failure;
 }
 
-ExitStatus refuse(std::string message) {
+void printError(std::string message) {
     const auto isControl = [](unsigned char byte) { return byte < 0x20 || byte == 0x7F; };
     std::ranges::replace_if(message, isControl, '?');
     std::cerr << "halvexctl: " + message + '\n';
-    return ExitStatus::Refused;
+}
+
+ExitStatus fail(std::string message) {
+    printError(std::move(message));
+    return ExitStatus::Failure;
 }
 
 } // namespace apps

@@ -11,24 +11,26 @@ namespace apps {
 /// How a value is printed.
 enum class Format { Xml, Json };
 
-/// Makes sure that the standard streams' descriptors are taken, so that no data file gets one of
-/// them and then the output or a log line, and that a closed pipe is an error instead of the end.
-/// Before anything else.
+/// Opens every closed standard descriptor on /dev/null, so that no data file gets its number and
+/// receives output or log lines, and ignores SIGPIPE, so that writing to a closed pipe is an error.
+/// Call it first in main.
 void prepareStandardStreams();
 
-// Results go to standard output. Each gives Refused, with a line on standard error, when they do
-// not arrive there whole.
+// Results go to standard output. If they cannot be written completely, each function prints the
+// reason to standard error and returns Failure.
 
 ExitStatus print(std::string_view text);
-/// Values that XML cannot hold are refused as well.
+/// Also fails for values that XML cannot represent.
 ExitStatus print(const platform::PropertyList& value, Format format);
-/// Prints "yes" or "no"; Done or Refused.
-ExitStatus answer(bool yes);
-/// For what others have written to std::cout.
-ExitStatus finishOutput();
+/// Prints "yes" or "no". Returns Success only for "yes".
+ExitStatus printYesOrNo(bool yes);
+/// Flushes what other code has written to std::cout.
+ExitStatus flushOutput();
 
-/// Prints "halvexctl: " and @p message as one line on standard error, whatever bytes are in it, and
-/// gives Refused.
-ExitStatus refuse(std::string message);
+/// Prints "halvexctl: " and @p message to standard error as one line; control characters become
+/// "?".
+void printError(std::string message);
+/// Calls printError() and returns Failure.
+ExitStatus fail(std::string message);
 
 } // namespace apps

@@ -1,4 +1,4 @@
-#include "apps/ctl/BarItems.h"
+#include "apps/ctl/BarState.h"
 
 #include "apps/shared/ItemList.h"
 #include "paths/ovxPaths.h"
@@ -10,7 +10,7 @@
 
 namespace apps {
 
-BarItems::BarItems()
+BarState::BarState()
     : list_(std::make_unique<ItemList>(
           platform::appendingPathComponent(HalvexFilePaths::ovxGetUsersHalvexProSupportDir(),
                                            ItemList::kFileName),
@@ -20,19 +20,21 @@ BarItems::BarItems()
     if (!bar.processIdentifier())
         return;
     const auto items = bar.listMenuExtras();
-    if (!items)
-        platform::logLine("which menu extras are loaded is not known: %@", items.reason);
-    for (std::size_t i = 0; items && i < items.value->size(); ++i)
-        loaded_.push_back((*items.value)[i].identifier);
+    if (!items) {
+        platform::logLine("the loaded menu extras cannot be listed: %@", items.reason);
+        return;
+    }
+    for (const platform::qt::BarItem& item : *items.value)
+        loaded_.push_back(item.identifier);
 }
 
-BarItems::~BarItems() = default;
+BarState::~BarState() = default;
 
-bool BarItems::isLoaded(const std::string& identifier) const {
+bool BarState::isLoaded(const std::string& identifier) const {
     return std::ranges::count(loaded_, identifier) > 0;
 }
 
-std::string BarItems::leftOutStep(const std::string& path) const {
+std::string BarState::crashStep(const std::string& path) const {
     const ItemList::LeftOut* found = list_->find(path);
     return found ? found->step : "";
 }
