@@ -11,27 +11,29 @@
 
 namespace test {
 
-/// A shell's command line, and what it is to leave.
+/// A shell command and its expected result.
 struct Step {
     std::string command;
     std::string output;
     int status = 0;
-    std::string log = {}; ///< a part of standard error
+    std::string error = {}; ///< a part of standard error
 };
 
-/// The real program, in a folder of the test's own. "home" there is the user's home folder, "root"
-/// lies before /Library; both have a "Library/Application Support" and nothing else in it.
-class Ctl {
+/// Runs commands in a temporary folder. "home" in it is the user's home folder, "root" is searched
+/// for /Library; "Library/Application Support" in both is empty at first.
+///
+/// Commands can use halvexctl and these paths: $user and $local, the "Quorvane Software" folders in
+/// home and root; $panes, the user's folder of panes, and $pane, the user's pane.
+class Shell {
   public:
-    /// Runs commands one after the other. halvexctl in them is the program, $user and $local are
-    /// the two folders "Application Support/Quorvane Software", $panes and $place are the user's
-    /// folder of panes and pane.
-    void follow(const std::vector<Step>& steps) const {
-        for (const auto& [command, output, status, log] : steps) {
-            const int ended = run(command);
-            EXPECT_EQ(WIFEXITED(ended) ? WEXITSTATUS(ended) : -1, status) << command << read("log");
+    /// Runs each command in a shell of its own.
+    void run(const std::vector<Step>& steps) const {
+        for (const auto& [command, output, status, error] : steps) {
+            const int exited = execute(command);
+            EXPECT_EQ(WIFEXITED(exited) ? WEXITSTATUS(exited) : -1, status)
+                << command << read("error");
             EXPECT_EQ(read("output"), output) << command;
-            EXPECT_THAT(read("log"), testing::HasSubstr(log)) << command;
+            EXPECT_THAT(read("error"), testing::HasSubstr(error)) << command;
         }
     }
     void write(const std::string& name, const std::string& text) const {
@@ -39,7 +41,7 @@ class Ctl {
     }
 
   private:
-    int run(const std::string& command) const {
+    int execute(const std::string& command) const {
         const std::string script = "cd '" + folder_.path().string() + R"(' && {
             export HOME="$PWD/home" LC_ALL=C.UTF-8
             support='Library/Application Support'
@@ -47,9 +49,10 @@ class Ctl {
             user="home/$support/Quorvane Software"
             local="root/$support/Quorvane Software"
             panes=home/Library/PreferencePanes
-            place="$panes/Halvex Pro.prefPane"
+            pane="$panes/Halvex Pro.prefPane"
             halvexctl() { ')" HALVEX_CTL R"(' --root root "$@"; }
-            )" + command + "\n} >output 2>log";
+            [ ! -e bus ] || . ./bus
+            )" + command + "\n} >output 2>error";
         return std::system(script.c_str());
     }
     std::string read(const std::string& name) const { return contents(folder_.path() / name); }
