@@ -71,8 +71,8 @@ ExitStatus findApplication() {
     return print(std::to_string(process) + '\t' + std::to_string(identifier.value_or(0)) + '\n');
 }
 
-/// Hands over the request as an item in the bar does: from a second thread, while the main loop
-/// runs.
+/// Hands over the request as an item in the bar does: from a second thread, with the main loop
+/// running meanwhile.
 void handOver(const std::string& name) {
     int noArguments = 0;
     const QCoreApplication application(noArguments, nullptr);

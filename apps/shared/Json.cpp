@@ -15,7 +15,6 @@ using Json = nlohmann::ordered_json;
 namespace apps {
 namespace {
 
-/// Null for a year that the C library cannot represent.
 Json jsonDate(PropertyList::Date date) {
     const std::time_t seconds = date.seconds;
     std::tm fields{};

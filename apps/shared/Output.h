@@ -27,8 +27,8 @@ ExitStatus printYesOrNo(bool yes);
 /// Flushes what other code has written to std::cout.
 ExitStatus flushOutput();
 
-/// Prints "halvexctl: " and @p message to standard error as one line; control characters become
-/// "?".
+/// Prints "halvexctl: " and @p message to standard error as one line. Control characters in the
+/// message become "?".
 void printError(std::string message);
 /// Calls printError() and returns Failure.
 ExitStatus fail(std::string message);

@@ -91,7 +91,8 @@ TEST(ExtraVerbs, WorkWithoutASessionBus) {
                   "6\tqvCalendarMenu\tC.HalvexCalMenu\n"
                   "31\tHalvexMenu\tC.HalvexMenu2\n"
                   "32\thxASMMenu\tC.HalvexASM2\n"
-                  "33\tHalvexTimeOnlyMenuExtra\tC.HalvexTimeOnlyMenuExtra\n"}});
+                  "33\tHalvexTimeOnlyMenuExtra\tC.HalvexTimeOnlyMenuExtra\n"},
+                 {"ls -d \"$user\"", "", 2}}); // extras creates no folders
 }
 
 TEST(ExtraVerbs, TimeOutIfTheSessionBusHangs) {
