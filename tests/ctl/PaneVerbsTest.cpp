@@ -19,6 +19,7 @@ TEST(PaneVerbs, InstallTheShippedPaneForTheUserAndUninstallIt) {
     const std::string shared = HalvexProPrefsAllUsers;
     Shell().run(
         {{"halvexctl pane path", "", 1, "halvexctl: no preference pane is installed\n"},
+         {"halvexctl prefs open", "", 1, "Halvex Pref bundle not found."},
          {"halvexctl pane install | sed \"s|$PWD/||\"", users},
          {"diff -r '" HALVEX_PANE "' \"$pane\"", ""},
          {"halvexctl pane path | sed \"s|$PWD/||\"", users},
