@@ -4,11 +4,12 @@
 #include <bit>
 #include <cmath>
 #include <cstdint>
-#include <functional>
 #include <iterator>
 #include <limits>
-#include <optional>
+#include <span>
+#include <string>
 #include <string_view>
+#include <unordered_set>
 #include <utility>
 #include <vector>
 
@@ -21,167 +22,94 @@ namespace {
 constexpr std::size_t kIdentityFields = 5;
 constexpr std::size_t kNetFlag = 13;
 
-/// A number as what it is worth: of two with the same worth kind and bits are the same.
-struct Number {
-    enum class Kind : std::uint8_t { Integer, LargeInteger, Real } kind;
-    std::uint64_t bits;
-    friend bool operator==(const Number&, const Number&) = default;
-};
+// A location's key is a string of bytes; two locations are the same exactly when their keys are.
+// Each value in it starts with a letter for its type and is as long as its first bytes say.
 
-Number numberOf(double value) {
+void appendKey(std::string& key, const PropertyList& value);
+
+void append(std::string& key, char type, std::uint64_t number) {
+    key += type;
+    key.append(reinterpret_cast<const char*>(&number), sizeof(number));
+}
+
+void append(std::string& key, char type, std::string_view bytes) {
+    append(key, type, bytes.size());
+    key += bytes;
+}
+
+/// An integer's key is the same whatever type holds it: 1, 1.0 and true are equal.
+void append(std::string& key, double real) {
     constexpr double kTwo63 = 0x1p63;
-    if (std::isnan(value))
-        return {Number::Kind::Real,
-                std::bit_cast<std::uint64_t>(std::numeric_limits<double>::quiet_NaN())};
-    if (std::trunc(value) == value && value >= -kTwo63 && value < kTwo63)
-        return {Number::Kind::Integer,
-                static_cast<std::uint64_t>(static_cast<std::int64_t>(value))};
-    if (std::trunc(value) == value && value >= kTwo63 && value < 2 * kTwo63)
-        return {Number::Kind::LargeInteger, static_cast<std::uint64_t>(value)};
-    return {Number::Kind::Real, std::bit_cast<std::uint64_t>(value)};
+    if (std::isnan(real))
+        append(key, 'r', std::bit_cast<std::uint64_t>(std::numeric_limits<double>::quiet_NaN()));
+    else if (std::trunc(real) == real && real >= -kTwo63 && real < kTwo63)
+        append(key, 'i', static_cast<std::uint64_t>(static_cast<std::int64_t>(real)));
+    else if (std::trunc(real) == real && real >= kTwo63 && real < 2 * kTwo63)
+        append(key, 'u', static_cast<std::uint64_t>(real));
+    else
+        append(key, 'r', std::bit_cast<std::uint64_t>(real));
 }
 
-std::optional<Number> numberOf(const PropertyList& value) {
-    switch (value.type()) {
-    case PropertyList::Type::Boolean:
-        return Number{Number::Kind::Integer, *value.boolean() ? 1U : 0U};
-    case PropertyList::Type::Integer:
-        if (const auto integer = value.integer())
-            return Number{Number::Kind::Integer, static_cast<std::uint64_t>(*integer)};
-        return Number{Number::Kind::LargeInteger, *value.unsignedInteger()};
-    case PropertyList::Type::Real:
-        return numberOf(*value.real());
-    default:
-        return std::nullopt;
-    }
-}
-
-std::vector<const Dictionary::Entry*> sortedEntries(const Dictionary& dictionary) {
+void append(std::string& key, const Dictionary& dictionary) {
     std::vector<const Dictionary::Entry*> entries;
     for (const Dictionary::Entry& entry : dictionary)
         entries.push_back(&entry);
     std::ranges::sort(entries, {}, &Dictionary::Entry::key);
-    return entries;
-}
-
-bool sameValue(const PropertyList& left, const PropertyList& right) {
-    if (const auto number = numberOf(left))
-        return number == numberOf(right);
-    if (left.type() != right.type())
-        return false;
-    if (const Array* array = left.array())
-        return std::ranges::equal(*array, *right.array(), sameValue);
-    const Dictionary* dictionary = left.dictionary();
-    if (!dictionary)
-        return left == right;
-    return std::ranges::equal(sortedEntries(*dictionary), sortedEntries(*right.dictionary()),
-                              [](const auto* one, const auto* other) {
-                                  return one->key == other->key &&
-                                         sameValue(one->value, other->value);
-                              });
-}
-
-std::uint64_t mixed(std::uint64_t hash, std::uint64_t next) {
-    hash = (hash ^ next) * 0x9e37'79b9'7f4a'7c15;
-    return hash ^ (hash >> 32);
-}
-
-std::uint64_t hashOfBytes(std::string_view bytes) {
-    return std::hash<std::string_view>()(bytes);
-}
-
-/// The same for values that sameValue holds for the same.
-std::uint64_t hashOf(const PropertyList& value) {
-    if (const auto number = numberOf(value))
-        return mixed(number->bits, static_cast<std::uint64_t>(number->kind));
-    if (const auto text = value.string())
-        return hashOfBytes(*text);
-    if (const auto date = value.date())
-        return mixed(static_cast<std::uint64_t>(date->seconds), 0);
-    if (const auto* data = value.data())
-        return hashOfBytes({reinterpret_cast<const char*>(data->bytes.data()), data->bytes.size()});
-    std::uint64_t hash = 0;
-    if (const Array* array = value.array()) {
-        for (const PropertyList& element : *array)
-            hash = mixed(hash, hashOf(element));
-        return hash;
+    append(key, 'm', entries.size());
+    for (const Dictionary::Entry* entry : entries) {
+        append(key, 'k', entry->key);
+        appendKey(key, entry->value);
     }
-    for (const auto& [key, element] : *value.dictionary())
-        hash += mixed(hashOfBytes(key), hashOf(element)); // in whatever order
-    return hash;
 }
 
-/// The identity fields; null for what has none.
-const PropertyList* identity(const PropertyList& record) {
+void appendKey(std::string& key, const PropertyList& value) {
+    switch (value.type()) {
+    case PropertyList::Type::String:
+        return append(key, 's', *value.string());
+    case PropertyList::Type::Boolean:
+        return append(key, 'i', *value.boolean() ? 1 : 0);
+    case PropertyList::Type::Integer:
+        if (const auto integer = value.integer())
+            return append(key, 'i', static_cast<std::uint64_t>(*integer));
+        return append(key, 'u', *value.unsignedInteger());
+    case PropertyList::Type::Real:
+        return append(key, *value.real());
+    case PropertyList::Type::Date:
+        return append(key, 'd', static_cast<std::uint64_t>(value.date()->seconds));
+    case PropertyList::Type::Data: {
+        const auto& bytes = value.data()->bytes;
+        return append(key, 'b', {reinterpret_cast<const char*>(bytes.data()), bytes.size()});
+    }
+    case PropertyList::Type::Array:
+        append(key, 'a', value.array()->size());
+        for (const PropertyList& element : *value.array())
+            appendKey(key, element);
+        return;
+    case PropertyList::Type::Dictionary:
+        return append(key, *value.dictionary());
+    }
+}
+
+/// Sets @p key to the key of @p record. Returns false for a record without a location.
+bool makeKey(std::string& key, const PropertyList& record) {
     const Array* fields = record.array();
-    return fields && fields->size() >= kIdentityFields ? fields->data() : nullptr;
+    if (!fields || fields->size() < kIdentityFields)
+        return false;
+    key.clear();
+    for (const PropertyList& field : std::span(*fields).first(kIdentityFields))
+        appendKey(key, field);
+    return true;
 }
 
-struct HashedRecord {
-    const PropertyList* fields; ///< the identity; null for a record without one
-    std::uint64_t hash;
-};
-
-std::vector<HashedRecord> hashed(const Array& records) {
-    std::vector<HashedRecord> result;
-    result.reserve(records.size());
-    for (const PropertyList& record : records) {
-        const PropertyList* fields = identity(record);
-        std::uint64_t hash = 0;
-        for (std::size_t i = 0; fields && i < kIdentityFields; ++i)
-            hash = mixed(hash, hashOf(fields[i]));
-        result.push_back({fields, hash});
-    }
-    return result;
+std::unordered_set<std::string> locationKeys(const Array& records) {
+    std::unordered_set<std::string> keys;
+    keys.reserve(records.size());
+    std::string key;
+    for (const PropertyList& record : records)
+        if (makeKey(key, record))
+            keys.insert(key);
+    return keys;
 }
-
-/// The identities of a list, which outlives this. An open hash table, at most half full. Looking
-/// into a large one means waiting for memory, so it is asked for in advance.
-class Identities {
-  public:
-    explicit Identities(const Array& records) : slots_(std::bit_ceil(2 * records.size() + 1)) {
-        forEach(hashed(records), [this](const HashedRecord& record, std::size_t place) {
-            if (record.fields)
-                slots_[place] = record;
-        });
-    }
-    /// For each of @p records, in order, whether its identity is among these.
-    std::vector<bool> contain(const Array& records) const {
-        std::vector<bool> result;
-        result.reserve(records.size());
-        forEach(hashed(records), [&](const HashedRecord& record, std::size_t place) {
-            result.push_back(record.fields && slots_[place].fields);
-        });
-        return result;
-    }
-
-  private:
-    /// Calls @p work with each record and the slot where it is, or else would be.
-    template <class Work>
-    void forEach(const std::vector<HashedRecord>& records, Work work) const {
-        constexpr std::size_t kAhead = 16;
-        for (std::size_t i = 0; i < records.size(); ++i) {
-            if (i + kAhead < records.size())
-                __builtin_prefetch(&slots_[startOf(records[i + kAhead])]);
-            work(records[i], placeOf(records[i]));
-        }
-    }
-    std::size_t startOf(const HashedRecord& record) const {
-        return static_cast<std::size_t>(record.hash) & (slots_.size() - 1);
-    }
-    std::size_t placeOf(const HashedRecord& record) const {
-        std::size_t place = startOf(record);
-        while (record.fields && slots_[place].fields && !same(record, slots_[place]))
-            place = (place + 1) & (slots_.size() - 1);
-        return place;
-    }
-    static bool same(const HashedRecord& left, const HashedRecord& right) {
-        return left.hash == right.hash &&
-               std::equal(left.fields, left.fields + kIdentityFields, right.fields, sameValue);
-    }
-
-    std::vector<HashedRecord> slots_; ///< a power of two; without fields where nothing is
-};
 
 void flagAsNet(PropertyList& record) {
     Array* fields = record.array();
@@ -200,14 +128,15 @@ void flagAsNet(PropertyList& record) {
 
 MergedRecords mergeRecords(Array list, Array cached) {
     MergedRecords merged{std::move(list), 0};
-    const std::vector<bool> known = Identities(merged.records).contain(cached);
-    for (std::size_t i = 0; i < cached.size(); ++i) {
-        if (known[i]) {
+    const auto known = locationKeys(merged.records);
+    std::string key;
+    for (PropertyList& record : cached) {
+        if (makeKey(key, record) && known.contains(key)) {
             ++merged.duplicates;
             continue;
         }
-        flagAsNet(cached[i]);
-        merged.records.push_back(std::move(cached[i]));
+        flagAsNet(record);
+        merged.records.push_back(std::move(record));
     }
     return merged;
 }
