@@ -3,24 +3,24 @@
 #include <atomic>
 #include <cstdint>
 
-/// The names that all of the product's programs share, spelled here and nowhere else, and three
-/// flags. Each is visible in the shared object under its own name. All are in place as soon as the
-/// library is loaded.
+/// The identifiers and file names that the product's programs share, and three flags. Each is
+/// exported from the shared library under its own name and is initialized when the library is
+/// loaded.
 extern "C" {
 
 // Bundle identifiers.
-extern const char* const HalvexMenuID;          ///< main clock (tag 1)
-extern const char* const HalvexASMid;           ///< application-switcher (tag 2)
+extern const char* const HalvexMenuID;          ///< clock (tag 1)
+extern const char* const HalvexASMid;           ///< application switcher (tag 2)
 extern const char* const HalvexTodoID;          ///< to-do/calendar (tag 3)
 extern const char* const HalvexNetMenuID;       ///< wireless (tag 4)
 extern const char* const HalvexProCalMenuID;    ///< date/calendar (tag 5)
 extern const char* const HalvexProOldCalMenuID; ///< older calendar (tag 6)
 extern const char* const Halvex2MenuID;         ///< second-generation clock (tag 31)
 extern const char* const Halvex2ASMid;          ///< second-generation switcher (tag 32)
-extern const char* const HalvexTimeOnlyMenuID;  ///< time-only (tag 33)
+extern const char* const HalvexTimeOnlyMenuID;  ///< time-only clock (tag 33)
 extern const char* const HalvexPrefsBundleID;   ///< preference pane
 
-// Where the preference pane is installed. A leading tilde is the user's home folder: expand it.
+// Installed preference panes. Expand a leading tilde to the user's home folder.
 extern const char* const HalvexProPrefsAllUsers; ///< for all users
 extern const char* const HalvexProPrefsAUser;    ///< for one user
 
@@ -34,35 +34,34 @@ extern const char* const kHalvexASMFile;           ///< tag 32
 extern const char* const kHalvexTimeOnlyExtraFile; ///< tag 33
 
 // Folder names.
-extern const char* const
-    HalvexMenuExtraFolder; ///< holds the installed menu extras, in the maker's folder
-extern const char* const quorvaneSoftwareFolder; ///< the maker's, in Application Support
-extern const char* const HalvexProSupportFolder; ///< the product's, in the maker's folder
-extern const char* const themesFolder;           ///< themes folder
+extern const char* const HalvexMenuExtraFolder;  ///< installed menu extras, in the maker folder
+extern const char* const quorvaneSoftwareFolder; ///< maker folder, in Application Support
+extern const char* const HalvexProSupportFolder; ///< product folder, in the maker folder
+extern const char* const themesFolder;           ///< themes
 
 // Data files.
-extern const char* const HalvexLocation;             ///< location list file
-extern const char* const HalvexNetLocations;         ///< net location cache file
-extern const char* const plistFile;                  ///< the property-list file extension
-extern const char* const HalvexRecurringTimers2File; ///< recurring timers file
-extern const char* const recuringFile;     ///< the same value; both names are kept on purpose
-extern const char* const HalvexStocksFile; ///< stocks file
-extern const char* const WarnMeTimesFile;  ///< warning times file
-extern const char* const WarnMeTitlesFile; ///< warning titles file
+extern const char* const HalvexLocation;             ///< location list
+extern const char* const HalvexNetLocations;         ///< net location cache
+extern const char* const plistFile;                  ///< file extension of property lists
+extern const char* const HalvexRecurringTimers2File; ///< recurring timers
+extern const char* const recuringFile;               ///< same value, kept under both names
+extern const char* const HalvexStocksFile;           ///< stocks
+extern const char* const WarnMeTimesFile;            ///< warning times, without extension
+extern const char* const WarnMeTitlesFile;           ///< warning titles, without extension
 
-// Preferences domains, and a key of notifications.
-extern const char* const appHalvex4Prefs;     ///< this release's
-extern const char* const appHalvexPrefsOld;   ///< an older release's
+// Preferences domains and a notification key.
+extern const char* const appHalvex4Prefs;     ///< domain of this release
+extern const char* const appHalvexPrefsOld;   ///< domain of an older release
 extern const char* const hxNSApplicationName; ///< application name in a launch notification
 
-// Flags, 0 at first; whoever likes may set them, on the main thread. Each process has its own.
-extern std::int32_t myDebug;          ///< when not 0, menu extras and their management log more
-extern std::int32_t myDebugME;        ///< when not 0, the views of menu extras log more
+// Flags, initially 0. Each process has its own. Set them on the main thread.
+extern std::int32_t myDebug;          ///< if not 0, menu extras and HalvexMenuExtraTools log more
+extern std::int32_t myDebugME;        ///< if not 0, menu extra views log more
 extern std::int32_t gHalvexisrunning; ///< set while the background application is known to run
 
 } // extern "C"
 
-/// Whether myDebug is not 0. From any thread, also while another sets it.
+/// Returns whether myDebug is set. Thread-safe, including while another thread sets it.
 inline bool isVerbose() {
     return std::atomic_ref(myDebug).load(std::memory_order_relaxed) != 0;
 }

@@ -30,7 +30,7 @@ constexpr std::int32_t kMenuCrackerPosition = 0;
 constexpr std::uint64_t kPollMicroseconds = 250'000;
 constexpr std::uint64_t kWaitMicroseconds = 2'000'000;
 
-/// The reference of a loaded menu extra, or 0.
+/// Returns 0 if the menu extra is not loaded.
 platform::MenuExtraReference loadedReference(const std::string& identifier) {
     platform::MenuExtraReference reference = 0;
     return CoreMenuExtraGetMenuExtra(identifier, &reference) == 0 ? reference : 0;
@@ -61,7 +61,7 @@ void requestMenuCracker() {
         logLine("MenuCracker not loaded -- missing?");
 }
 
-std::string listed(const std::vector<int>& numbers) {
+std::string listText(const std::vector<int>& numbers) {
     std::string text;
     for (const int number : numbers)
         text += (text.empty() ? "" : ", ") + std::to_string(number);
@@ -72,12 +72,13 @@ void logArchitectures(const platform::Bundle& bundle) {
     std::vector<int> architectures = bundle.executableArchitectures();
     std::ranges::sort(architectures);
     if (architectures.size() <= 2)
-        logLine("checkPreflight: MenuExtra %@ arch %@", bundle.bundlePath(), listed(architectures));
+        logLine("checkPreflight: MenuExtra %@ arch %@", bundle.bundlePath(),
+                listText(architectures));
 }
 
 void turnOn(const MenuExtraKind& kind, const std::string& shipped, const std::string& folder) {
     HalvexMenuExtraTools::installMenuExtra(shipped);
-    // The system's clock goes after a fresh load only, so that whoever puts it back keeps it.
+    // The system's clock is unloaded only after a fresh load, so that a user can add it back.
     if (HalvexMenuExtraTools::isExtraLoaded(kind.identifier))
         return;
     const std::string installed =
@@ -111,7 +112,7 @@ bool HalvexMenuExtraTools::isExtraLoaded(const std::string& identifier) {
 
 bool HalvexMenuExtraTools::isHalvexExtraLoaded(std::int32_t tag) {
     const MenuExtraKind* kind = menuextras::kindOfTag(tag);
-    if (kind && kind->loadedTest == menuextras::Knows::Yes)
+    if (kind && kind->isQueryable)
         return isExtraLoaded(kind->identifier);
     logLine("bad tag sent to isHalvexExtraLoaded:");
     return false;
@@ -141,7 +142,7 @@ void HalvexMenuExtraTools::checkPreflight(const std::string& url) {
         logLine("checkPreflight: executablePath nil");
         return;
     }
-    if (!isVerbose()) // nobody would hear of the outcome, and asking takes a process
+    if (!isVerbose()) // the result is only logged, and getting it takes a process
         return;
     std::string reason;
     if (platform::dynamicLoader().preflight(*executable, reason))
@@ -182,7 +183,7 @@ void HalvexMenuExtraTools::menuExtraToggle(std::int32_t tag, std::int32_t state)
         return;
     }
     const MenuExtraKind* kind = menuextras::kindOfTag(tag);
-    if (!kind || kind->toggle == menuextras::Knows::No) {
+    if (!kind || !kind->isToggleable) {
         logLine("error tag not set");
         logLine("Halvex Error: Menu Extra %@ - path: %@", nullptr,
                 appendingPathComponent(*plugIns, kMenuCrackerFile));

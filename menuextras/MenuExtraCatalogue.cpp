@@ -29,33 +29,35 @@ std::optional<std::string> pathInFolder(const std::string& folder, std::int32_t 
 
 } // namespace
 
-/// The gaps in the last two columns are meant: tag 33 came after the loaded test, and the second
-/// generation is only ever taken away.
-std::span<const MenuExtraKind> menuextras::allKinds() {
-    using enum menuextras::Knows;
+namespace menuextras {
+
+std::span<const MenuExtraKind> allKinds() {
+    // Deliberate gaps: the loaded test predates tag 33, and tags 31 and 32 are only ever removed.
     static const std::array<MenuExtraKind, 9> kinds{{
-        // tag, identifier, file, loaded test, toggle
-        {1, HalvexMenuID, kHalvexTimeExtraFile, Yes, Yes},
-        {2, HalvexASMid, kHalvexProASMFile, Yes, Yes},
-        {3, HalvexTodoID, "hxCALMenuExtra.menu", Yes, Yes},
-        {4, HalvexNetMenuID, "hxWirelessMenu.menu", Yes, Yes},
-        {5, HalvexProCalMenuID, kHalvexDateCalExtraFile, Yes, Yes},
-        {6, HalvexProOldCalMenuID, kHalvexCalFile, Yes, Yes},
-        {31, Halvex2MenuID, kHalvexExtraFile, Yes, No},
-        {32, Halvex2ASMid, kHalvexASMFile, Yes, No},
-        {33, HalvexTimeOnlyMenuID, kHalvexTimeOnlyExtraFile, No, Yes},
+        // tag, identifier, file name, is queryable, is toggleable
+        {1, HalvexMenuID, kHalvexTimeExtraFile, true, true},
+        {2, HalvexASMid, kHalvexProASMFile, true, true},
+        {3, HalvexTodoID, "hxCALMenuExtra.menu", true, true},
+        {4, HalvexNetMenuID, "hxWirelessMenu.menu", true, true},
+        {5, HalvexProCalMenuID, kHalvexDateCalExtraFile, true, true},
+        {6, HalvexProOldCalMenuID, kHalvexCalFile, true, true},
+        {31, Halvex2MenuID, kHalvexExtraFile, true, false},
+        {32, Halvex2ASMid, kHalvexASMFile, true, false},
+        {33, HalvexTimeOnlyMenuID, kHalvexTimeOnlyExtraFile, false, true},
     }};
     return kinds;
 }
 
-const MenuExtraKind* menuextras::kindOfTag(std::int32_t tag) {
-    const auto found = std::ranges::find(menuextras::allKinds(), tag, &MenuExtraKind::tag);
-    return found == menuextras::allKinds().end() ? nullptr : &*found;
+const MenuExtraKind* kindOfTag(std::int32_t tag) {
+    const auto found = std::ranges::find(allKinds(), tag, &MenuExtraKind::tag);
+    return found == allKinds().end() ? nullptr : &*found;
 }
 
-std::string menuextras::installedFolder() {
+std::string installedFolder() {
     return HalvexFilePaths::ovxGetUserQuorvaneSoftwareFolder(HalvexMenuExtraFolder);
 }
+
+} // namespace menuextras
 
 std::optional<std::string> HalvexMenuExtraTools::HalvexPrefsPanelPath() {
     const auto pane = preferencePane();

@@ -4,31 +4,29 @@
 #include <span>
 #include <string>
 
-/// What the operations of HalvexMenuExtraTools share among themselves.
+/// The catalogue of menu extras behind HalvexMenuExtraTools.
 namespace menuextras {
 
-/// The identifier of the clock that the bar itself ships.
+/// Bundle identifier of the clock that the bar itself ships.
 inline constexpr const char* kSystemClockID = "com.apple.menuextra.clock";
-/// The identifier of the item that lets third-party items into a bar that admits only its own.
+/// Bundle identifier of the item whose presence makes a bar with --admit=system accept third-party
+/// items.
 inline constexpr const char* kMenuCrackerID = "net.sourceforge.menucracker";
-
-/// Whether an operation knows a tag.
-enum class Knows { No, Yes };
 
 struct MenuExtraKind {
     std::int32_t tag;
     std::string identifier;
     std::string fileName;
-    Knows loadedTest; ///< isHalvexExtraLoaded
-    Knows toggle;     ///< menuExtraToggle
+    bool isQueryable;  ///< whether isHalvexExtraLoaded accepts the tag
+    bool isToggleable; ///< whether menuExtraToggle accepts the tag
 };
 
-/// The product's nine.
+/// Returns the product's nine menu extras, ordered by tag.
 std::span<const MenuExtraKind> allKinds();
-/// Null for a tag that there is not.
+/// Returns null for an unknown tag.
 const MenuExtraKind* kindOfTag(std::int32_t tag);
 
-/// The folder of the installed menu extras, made when it is missing.
+/// Returns the folder that contains the installed menu extras, which is created if missing.
 std::string installedFolder();
 
 } // namespace menuextras

@@ -7,7 +7,7 @@
 #include "platform/Workspace.h"
 #include "platform/base/PathStrings.h"
 
-#include <array>
+#include <memory>
 
 using menuextras::installedFolder;
 using platform::appendingPathComponent;
@@ -18,66 +18,64 @@ using platform::logLine;
 
 namespace {
 
-constexpr const char* kVersionKey = "CFBundleVersion";
-
-/// The name that a path gives to an installed copy; nothing for a path that would lead to the
-/// installed folder itself or out of it.
-std::optional<std::string> copyName(const std::string& path) {
+/// Returns the file name of the installed copy of the bundle at @p path, or std::nullopt if the
+/// path would lead to the installed folder itself or out of it.
+std::optional<std::string> installedName(const std::string& path) {
     std::string name = platform::lastPathComponent(path);
     if (name.empty() || name == "/" || name == "." || name == "..")
         return std::nullopt;
     return name;
 }
 
-bool isThere(const FileManager& files, const std::string& path) {
+/// Same as fileExists, but also true for a dangling symbolic link.
+bool entryExists(const FileManager& files, const std::string& path) {
     return files.fileExists(path) || files.isSymbolicLink(path);
 }
 
-/// Whether deleting what is at @p copy would delete @p source.
-bool holds(const FileManager& files, const std::string& copy, const std::string& source) {
-    const std::string whole = files.resolvingSymbolicLinks(copy);
-    const std::string part = files.resolvingSymbolicLinks(source);
-    return !files.isSymbolicLink(copy) && (part == whole || part.starts_with(whole + '/'));
+/// Returns whether removing @p copy would remove @p source.
+bool containsSource(const FileManager& files, const std::string& copy, const std::string& source) {
+    const std::string folder = files.resolvingSymbolicLinks(copy);
+    const std::string path = files.resolvingSymbolicLinks(source);
+    return !files.isSymbolicLink(copy) && (path == folder || path.starts_with(folder + '/'));
 }
 
-/// False when there was nothing to delete.
-bool deleteOldCopy(FileManager& files, const std::string& copy) {
-    if (!isThere(files, copy))
+bool hasInfoDictionary(const std::shared_ptr<Bundle>& bundle) {
+    return bundle && bundle->infoDictionary();
+}
+
+/// Returns false if there was no old copy, and true even if it could not be removed.
+bool removeOldCopy(FileManager& files, const std::string& copy) {
+    if (!entryExists(files, copy))
         return false;
     if (!files.removeItem(copy)) {
         logLine("error removing old MenuExtra at %@", copy);
         return true;
     }
-    // What is gone from the disk is told only when this process has opened it before.
-    const auto old = Bundle::bundleWithPath(copy);
-    if (old && old->infoDictionary())
-        logLine("replacing MenuExtra (V%@) at %@", old->stringForInfoDictionaryKey(kVersionKey),
-                copy);
+    // The version of a removed bundle is known only if this process has opened it before.
+    const auto removed = Bundle::bundleWithPath(copy);
+    if (hasInfoDictionary(removed))
+        logLine("replacing MenuExtra (V%@) at %@", removed->version(), copy);
     return true;
 }
 
-bool isReadable(const FileManager& files, const std::string& path) {
-    return files.fileExists(path) && files.isReadableFile(path);
+bool isReadable(const std::optional<std::string>& path) {
+    return path && fileManager().fileExists(*path) && fileManager().isReadableFile(*path);
+}
+
+void unloadIfLoaded(const std::string& identifier) {
+    if (HalvexMenuExtraTools::isExtraLoaded(identifier))
+        HalvexMenuExtraTools::removeExtra(identifier);
 }
 
 void removeObsolete(std::int32_t tag, const std::string& identifier) {
     const auto path = HalvexMenuExtraTools::menuExtraInstalledPaths(tag);
-    if (HalvexMenuExtraTools::isExtraLoaded(identifier))
-        HalvexMenuExtraTools::removeExtra(identifier);
+    unloadIfLoaded(identifier);
     if (!path || !fileManager().fileExists(*path))
         return;
     if (fileManager().removeItem(*path))
         logLine("removed old MenuExtra at %@", *path);
     else
         logLine("error removing old MenuExtra at %@", *path);
-}
-
-template <std::size_t count>
-void unloadLoaded(const std::array<const char*, count>& identifiers) {
-    for (const char* identifier : identifiers) {
-        if (HalvexMenuExtraTools::isExtraLoaded(identifier))
-            HalvexMenuExtraTools::removeExtra(identifier);
-    }
 }
 
 } // namespace
@@ -89,14 +87,14 @@ bool HalvexMenuExtraTools::installMenuExtra(const std::string& path) {
         logLine("installMenuExtra: no write access to install Menu Extra at %@", folder);
         return false;
     }
-    const auto name = copyName(path);
+    const auto name = installedName(path);
     if (!name || !files.fileExists(path)) {
         logLine("installMenuExtra: source %@ missing", path);
         return false;
     }
     const std::string copy = appendingPathComponent(folder, *name);
-    const bool isReplacing = !holds(files, copy, path) && deleteOldCopy(files, copy);
-    if (isThere(files, copy)) {
+    const bool isReplacing = !containsSource(files, copy, path) && removeOldCopy(files, copy);
+    if (entryExists(files, copy)) {
         logLine("installMenuExtra already installed at %@", copy);
         return true;
     }
@@ -114,9 +112,9 @@ bool HalvexMenuExtraTools::installMenuExtra(const std::string& path) {
 bool HalvexMenuExtraTools::removeMenuExtra(const std::string& path) {
     FileManager& files = fileManager();
     const std::string folder = installedFolder();
-    const auto name = copyName(path);
+    const auto name = installedName(path);
     if (!name) {
-        logLine("removeMenuExtra: no menu extra is named by %@", path);
+        logLine("removeMenuExtra: no menu extra name in \"%@\"", path);
         return false;
     }
     const std::string copy = appendingPathComponent(folder, *name);
@@ -136,19 +134,17 @@ bool HalvexMenuExtraTools::removeMenuExtra(const std::string& path) {
 bool HalvexMenuExtraTools::DoUpgradeIfNeeded(std::int32_t tag) {
     const auto installedPath = menuExtraInstalledPaths(tag);
     const auto shippedPath = menuExtraPaths(tag);
-    if (!installedPath || !shippedPath || !isReadable(fileManager(), *installedPath) ||
-        !isReadable(fileManager(), *shippedPath))
+    if (!isReadable(installedPath) || !isReadable(shippedPath))
         return false;
     const auto installed = Bundle::bundleWithPath(*installedPath);
     const auto shipped = Bundle::bundleWithPath(*shippedPath);
-    if (!installed || !shipped || !installed->infoDictionary() || !shipped->infoDictionary())
+    if (!hasInfoDictionary(installed) || !hasInfoDictionary(shipped))
         return false;
-    const auto installedVersion = installed->stringForInfoDictionaryKey(kVersionKey);
-    const auto shippedVersion = shipped->stringForInfoDictionaryKey(kVersionKey);
-    if (installedVersion && installedVersion == shippedVersion)
+    // Two missing versions count as different.
+    if (installed->version() && installed->version() == shipped->version())
         return false;
     logLine("Halvex Pro: Changing versions of Menu Extra (logout required): %@ != %@",
-            installedVersion, shippedVersion);
+            installed->version(), shipped->version());
     installMenuExtra(*shippedPath);
     return true;
 }
@@ -166,17 +162,21 @@ bool HalvexMenuExtraTools::DoUpgradeIfNeeded() {
 }
 
 bool HalvexMenuExtraTools::isHalvexV2Running() {
-    bool running = false;
+    bool isRunning = false;
     for (const char* identifier :
          {Halvex2MenuID, HalvexTodoID, HalvexProOldCalMenuID, Halvex2ASMid})
-        running = isExtraLoaded(identifier) || running;
-    return running;
+        isRunning = isExtraLoaded(identifier) || isRunning; // queries all four, even after a hit
+    return isRunning;
 }
 
 void HalvexMenuExtraTools::HalvexV2Remove() {
-    unloadLoaded(std::array{Halvex2MenuID, HalvexTodoID, Halvex2ASMid, HalvexProOldCalMenuID});
+    for (const char* identifier :
+         {Halvex2MenuID, HalvexTodoID, Halvex2ASMid, HalvexProOldCalMenuID})
+        unloadIfLoaded(identifier);
 }
 
 void HalvexMenuExtraTools::HalvexProRemove() {
-    unloadLoaded(std::array{HalvexMenuID, HalvexTimeOnlyMenuID, HalvexProCalMenuID, HalvexASMid});
+    for (const char* identifier :
+         {HalvexMenuID, HalvexTimeOnlyMenuID, HalvexProCalMenuID, HalvexASMid})
+        unloadIfLoaded(identifier);
 }

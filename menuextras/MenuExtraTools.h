@@ -4,84 +4,90 @@
 #include <optional>
 #include <string>
 
-/// The product's menu extras: which ones there are, their bundles on disk, and their coming and
-/// going in the running menu bar.
+/// The product's menu extras: lists them, installs and removes their bundles, and loads and unloads
+/// them in the running menu bar.
 ///
-/// A menu extra is known by a tag: 1 clock, 2 application switcher, 3 to-do, 4 wireless, 5 dates,
-/// 6 older calendar, 31 and 32 clock and switcher of the second generation, 33 time only. Its
-/// bundle is shipped in the preference pane, and runs from the copy that is installed in the
-/// user's "Menu Extras" folder. That folder is made when it is missing.
+/// A menu extra is identified by a tag: 1 clock, 2 application switcher, 3 to-do, 4 wireless,
+/// 5 dates, 6 older calendar, 31 and 32 second-generation clock and switcher, 33 time only. Its
+/// bundle is shipped in the preference pane, and is loaded from the installed copy in the user's
+/// "Menu Extras" folder. That folder is created if missing.
 ///
-/// Nothing is kept between calls, and nothing throws. What is logged stands beside each operation;
-/// an unknown tag is logged as "error tag not set". Each operation comes to its end on the thread
-/// that calls it, any that may block: those that load sleep for about 4 seconds in all, and a bar
-/// that hangs lets them wait 5 seconds more. Nothing is locked: of two processes that install the
-/// same menu extra at once one may log that it failed, but what is installed is whole.
+/// No operation keeps state or throws. An unknown tag is logged as "error tag
+/// not set". All operations are synchronous. Call them from a thread that may block: loading can
+/// take about 4 seconds, and 5 seconds more if the bar hangs. Nothing is locked: if two processes
+/// install the same menu extra at the same time, one may log a failure, but the installed copy is
+/// complete.
 class HalvexMenuExtraTools {
   public:
     HalvexMenuExtraTools() = delete;
 
-    // The catalogue
+    // Catalogue
 
-    /// Where the preference pane lies: the one that this process has loaded, else the one for all
-    /// users, else this user's; nothing when there is none. Nothing is logged.
+    /// Returns the path of the preference pane: of the one loaded in this process, else the one
+    /// installed for all users, else this user's. Returns std::nullopt if there is none. Logs
+    /// nothing.
     static std::optional<std::string> HalvexPrefsPanelPath();
-    /// The folder in the same pane that holds the shipped menu extras, and "MenuCracker.menu".
+    /// Returns the folder in this pane that contains the shipped menu extras and
+    /// "MenuCracker.menu".
     static std::optional<std::string> HalvexPrefsPlugins();
-    /// The tag of the menu extra with this very bundle identifier, or -1. Nothing is logged.
+    /// Returns the tag of the menu extra with this bundle identifier (case-sensitive), or -1. Logs
+    /// nothing.
     static std::int32_t menuExtraTagFromID(const std::string& identifier);
-    /// Where the shipped bundle of a tag belongs; nothing without a preference pane (not logged)
-    /// and for an unknown tag (logged). Whether it is there is not looked at.
+    /// Returns the path of the shipped bundle, whether or not it exists. Returns std::nullopt if
+    /// there is no preference pane (not logged) or the tag is unknown (logged).
     static std::optional<std::string> menuExtraPaths(std::int32_t tag);
-    /// Where the installed bundle of a tag belongs; nothing for an unknown tag (logged).
+    /// Returns the path of the installed copy, whether or not it exists. Returns std::nullopt if
+    /// the tag is unknown (logged).
     static std::optional<std::string> menuExtraInstalledPaths(std::int32_t tag);
 
-    // Installing, removing, upgrading
+    // Installation
 
-    /// Copies the bundle at @p path into the installed folder, in place of an older copy; all that
-    /// it does and each failure is logged. True when a copy of that name is there afterwards, which
-    /// is the old one when that cannot be removed. The old one goes first: when the copying fails
-    /// there is none. @p path may lie in the copy itself, which then
-    /// stays.
+    /// Copies the bundle at @p path to the installed folder and replaces an older copy of the same
+    /// name. Logs each step and each failure. Returns whether a copy exists afterwards, which is
+    /// the old one if it cannot be removed. The old copy is removed first: if copying fails, there
+    /// is none. If @p path is the installed copy or lies inside it, the copy is left unchanged.
     static bool installMenuExtra(const std::string& path);
-    /// Removes the installed copy that has the last component of @p path as its name, and nothing
-    /// else at @p path; one that cannot be deleted goes to the Trash (logged, whether
-    /// that takes it or not). False when there is
-    /// none (not logged), when it or its folder cannot be written (logged), when @p path names
-    /// nothing (logged), and when the Trash does not take it.
+    /// Removes the installed copy whose name is the last component of @p path; nothing else at
+    /// @p path is touched. A copy that cannot be deleted is moved to the Trash (logged, whether or
+    /// not that succeeds). Returns false if there is no such copy (not logged), if it or its folder
+    /// is not writable (logged), if @p path contains no name (logged), or if moving to the Trash
+    /// fails.
     static bool removeMenuExtra(const std::string& path);
-    /// Installs the shipped bundle of a tag when its CFBundleVersion is another one than the
-    /// installed one's (logged); whatever comes of that, the answer is true. False when either is
-    /// missing, cannot be read, or has no information dictionary.
+    /// Installs the shipped bundle if its CFBundleVersion differs from that of the installed copy,
+    /// and logs that it does. Returns true in this case, even if the installation fails. Returns
+    /// false if either bundle is missing, unreadable, or has no information dictionary.
     static bool DoUpgradeIfNeeded(std::int32_t tag);
-    /// Upgrades tags 1, 2 and 5. When any of them was, tags 31, 32 and 6 are taken out of the menu
-    /// bar and from the disk (logged), and the answer is true.
+    /// Upgrades tags 1, 2 and 5. If any of them was upgraded, unloads tags 31, 32 and 6, removes
+    /// their installed copies (logged), and returns true.
     static bool DoUpgradeIfNeeded();
-    /// Whether a menu extra of tag 31, 3, 6 or 32 is loaded.
+    /// Returns whether a menu extra with tag 31, 3, 6 or 32 is loaded.
     static bool isHalvexV2Running();
-    /// Unloads tags 31, 3, 32 and 6 where they are loaded. Files stay.
+    /// Unloads the loaded menu extras among tags 31, 3, 32 and 6. Leaves files alone.
     static void HalvexV2Remove();
-    /// Unloads tags 1, 33, 5 and 2 where they are loaded. Files stay.
+    /// Unloads the loaded menu extras among tags 1, 33, 5 and 2. Leaves files alone.
     static void HalvexProRemove();
 
-    // In the menu bar
+    // Loading
 
+    /// Returns whether the menu bar has loaded the menu extra with this bundle identifier.
     static bool isExtraLoaded(const std::string& identifier);
-    /// For tags 1 to 6, 31 and 32; any other is false and logged.
+    /// Same for a tag: 1 to 6, 31 or 32. Logs any other tag and returns false.
     static bool isHalvexExtraLoaded(std::int32_t tag);
-    /// Unloads a menu extra; one that is not loaded is logged.
+    /// Unloads a menu extra. Logs one that is not loaded.
     static void removeExtra(const std::string& identifier);
-    /// Logs what the bundle at a file URL has code for, and with myDebug whether the system's
-    /// loader would load it.
+    /// Logs the architectures of the bundle at a file URL, or why it is not a bundle with code. If
+    /// myDebug is set, also logs whether the system's loader accepts the code.
     static void checkPreflight(const std::string& url);
-    /// Has the menu bar load the bundle at a file URL, and waits until it is there: 2 seconds,
-    /// then, after having MenuCracker loaded if it is not, 2 seconds more. 0 when the item was
-    /// there before or comes in the first wait; -2 without a URL (logged); else the status of the
-    /// last request, and when the item never came (logged) at least not 0 but -1.
+    /// Asks the menu bar to load the bundle at a file URL, and waits up to 2 seconds until the menu
+    /// extra with the identifier @p withID is loaded. If it does not appear, loads MenuCracker
+    /// and repeats the request, unless MenuCracker is already loaded, and waits up to 2 seconds
+    /// more. Returns 0 if the menu extra was already loaded or appears within the first wait, -2
+    /// without a URL (logged), and otherwise the status of the last request. If the menu extra
+    /// never appears (logged), returns -1 instead of a status of 0.
     static std::int32_t loadExtraWithCrack(const std::optional<std::string>& url,
                                            const std::string& withID);
-    /// Installs and loads a menu extra (@p state not 0), or unloads it and removes the installed
-    /// copy; for tags 1 to 6 and 33. When the clock of tag 1 has just been loaded the system's own
-    /// is unloaded. What fails is logged, a missing preference pane and an exception also beep.
+    /// Installs and loads a menu extra (@p state is not 0), or unloads it and removes the installed
+    /// copy. Accepts tags 1 to 6 and 33. After a fresh load of tag 1, unloads the system's clock.
+    /// Failures are logged; a missing preference pane and an exception also beep.
     static void menuExtraToggle(std::int32_t tag, std::int32_t state);
 };

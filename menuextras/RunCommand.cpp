@@ -15,7 +15,7 @@ struct ClosePipe {
 using Pipe = std::unique_ptr<std::FILE, ClosePipe>;
 
 Pipe openPipe(const std::string& command) {
-    // "e": no process that another thread starts meanwhile holds the pipe open.
+    // "e" (close on exec): processes started by other threads do not keep the pipe open.
     Pipe pipe(::popen(command.c_str(), "re"));
     if (!pipe) {
         platform::logLine("Error opening pipe: %@", command);

@@ -5,7 +5,9 @@
 
 using platform::appendingPathComponent;
 
-void paths::makeHomeFolders(platform::FileManager& files) {
+namespace paths {
+
+void makeHomeFolders(platform::FileManager& files) {
     const std::string library = appendingPathComponent(files.homeDirectory(), "Library");
     for (const std::string& folder :
          {library, appendingPathComponent(library, "Application Support"),
@@ -14,3 +16,5 @@ void paths::makeHomeFolders(platform::FileManager& files) {
             files.createDirectory(folder);
     }
 }
+
+} // namespace paths

@@ -6,9 +6,9 @@ class FileManager;
 
 namespace paths {
 
-/// Makes the user's Library and in it "Application Support" and "Preferences", where they are
-/// missing. The system that this layout comes from puts them into every home folder; here a program
-/// that is going to write there does. Failures show when it writes.
+/// Creates the user's Library folder, and "Application Support" and "Preferences" in it, if they
+/// are missing. A program calls this before it writes there, because home folders on this system do
+/// not come with them. Failures are not reported: they show when the program writes.
 void makeHomeFolders(platform::FileManager& files);
 
 } // namespace paths

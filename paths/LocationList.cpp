@@ -1,4 +1,5 @@
 #include "menuextras/ExportedIdentifiers.h"
+#include "paths/Files.h"
 #include "paths/LocationRecords.h"
 #include "paths/PreferencePane.h"
 #include "paths/ovxPaths.h"
@@ -10,6 +11,7 @@
 
 #include <utility>
 
+using paths::isFile;
 using platform::appendingPathComponent;
 using platform::fileManager;
 using platform::logLine;
@@ -22,20 +24,16 @@ std::string inUserProductFolder(const char* name) {
     return appendingPathComponent(HalvexFilePaths::ovxGetUsersHalvexProSupportDir(), name);
 }
 
-bool isFile(const std::string& path) {
-    bool isDirectory = false;
-    return fileManager().fileExists(path, &isDirectory) && !isDirectory;
-}
-
-void moveFromOldPlaces(const std::string& firstOld, const std::string& secondOld,
-                       const std::string& path) {
+void migrateFromOldPaths(const std::string& firstOld, const std::string& secondOld,
+                         const std::string& path) {
     const std::string& old = isFile(firstOld) ? firstOld : secondOld;
-    // The line names the two old places, whichever was moved, and never the new one.
+    // The line names the two old paths, whichever was moved, and never the new one.
     if (isFile(old) && fileManager().moveFile(old, path))
         logLine("Moved Locations from Path = %@ to %@", firstOld, secondOld);
 }
 
-std::shared_ptr<platform::Bundle> preferencePaneOrLine() {
+/// Logs if the pane is not loaded in this process.
+std::shared_ptr<platform::Bundle> preferencePane() {
     if (auto loaded = paths::loadedPreferencePane())
         return loaded;
     logLine("LocationList  thisBundle nil");
@@ -43,7 +41,7 @@ std::shared_ptr<platform::Bundle> preferencePaneOrLine() {
 }
 
 std::optional<Array> defaultList() {
-    const auto pane = preferencePaneOrLine();
+    const auto pane = preferencePane();
     const auto resource = pane ? pane->pathForResource("LocationsConfig", "plist") : std::nullopt;
     if (!resource) {
         logLine("bug -- missing 'LocationsConfig.plist' in bundle %@",
@@ -58,7 +56,7 @@ std::optional<Array> defaultList() {
     return list;
 }
 
-bool writeOrBeep(const std::string& path, const Array& list) {
+bool writeList(const std::string& path, const Array& list) {
     if (propertyLists().writeArray(path, list))
         return true;
     logLine("Unable to write: %@", path);
@@ -73,14 +71,14 @@ std::optional<Array> HalvexFilePaths::HalvexLoadLocationFile() {
     const std::string secondOld = fileManager().resolvingSymbolicLinks(
         appendingPathComponent(ovxGetUserApplSupportFolder(), HalvexLocation));
     const std::string path = inUserProductFolder(HalvexLocation);
-    moveFromOldPlaces(firstOld, secondOld, path);
-    auto list = isFile(path) ? propertyLists().readArray(path) : std::nullopt;
+    migrateFromOldPaths(firstOld, secondOld, path);
+    auto list = propertyLists().readArray(path);
     return mergeNetLocation(list ? std::move(list) : defaultList());
 }
 
 std::optional<Array> HalvexFilePaths::mergeNetLocation(std::optional<Array> list) {
     const std::string path = inUserProductFolder(HalvexNetLocations);
-    auto cached = list && isFile(path) ? propertyLists().readArray(path) : std::nullopt;
+    auto cached = list ? propertyLists().readArray(path) : std::nullopt;
     if (!cached || cached->empty())
         return list;
     MergedRecords merged = mergeRecords(std::move(*list), std::move(*cached));
@@ -95,7 +93,7 @@ bool HalvexFilePaths::HalvexSaveLocationTable(Array list) {
     const SplitRecords records = splitRecords(std::move(list));
     if (!records.net.empty())
         HalvexSaveCacheNetLocation(records.net);
-    return writeOrBeep(path, records.own);
+    return writeList(path, records.own);
 }
 
 bool HalvexFilePaths::HalvexSaveCacheNetLocation(const Array& records) {
@@ -103,7 +101,7 @@ bool HalvexFilePaths::HalvexSaveCacheNetLocation(const Array& records) {
         return true;
     const std::string path = inUserProductFolder(HalvexNetLocations);
     logLine("Saving net locations cache: %@ (%d)", path, records.size());
-    return writeOrBeep(path, records);
+    return writeList(path, records);
 }
 
 bool HalvexFilePaths::HalvexExistsNetLocation() {

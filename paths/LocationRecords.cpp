@@ -22,82 +22,88 @@ namespace {
 constexpr std::size_t kIdentityFields = 5;
 constexpr std::size_t kNetFlag = 13;
 
-// A location's key is a string of bytes; two locations are the same exactly when their keys are.
-// Each value in it starts with a letter for its type and is as long as its first bytes say.
+// A location is identified by a key, a string of bytes that is equal for equal locations only. In
+// the key, each value starts with a letter for its type. What has no fixed length starts with its
+// length.
 
-void appendKey(std::string& key, const PropertyList& value);
+void appendValue(std::string& key, const PropertyList& value);
 
-void append(std::string& key, char type, std::uint64_t number) {
+void appendNumber(std::string& key, char type, std::uint64_t number) {
     key += type;
     key.append(reinterpret_cast<const char*>(&number), sizeof(number));
 }
 
-void append(std::string& key, char type, std::string_view bytes) {
-    append(key, type, bytes.size());
+void appendBytes(std::string& key, char type, std::string_view bytes) {
+    appendNumber(key, type, bytes.size());
     key += bytes;
 }
 
-/// An integer's key is the same whatever type holds it: 1, 1.0 and true are equal.
-void append(std::string& key, double real) {
-    constexpr double kTwo63 = 0x1p63;
-    if (std::isnan(real))
-        append(key, 'r', std::bit_cast<std::uint64_t>(std::numeric_limits<double>::quiet_NaN()));
-    else if (std::trunc(real) == real && real >= -kTwo63 && real < kTwo63)
-        append(key, 'i', static_cast<std::uint64_t>(static_cast<std::int64_t>(real)));
-    else if (std::trunc(real) == real && real >= kTwo63 && real < 2 * kTwo63)
-        append(key, 'u', static_cast<std::uint64_t>(real));
-    else
-        append(key, 'r', std::bit_cast<std::uint64_t>(real));
+void appendInteger(std::string& key, std::int64_t value) {
+    appendNumber(key, 'i', static_cast<std::uint64_t>(value));
 }
 
-void append(std::string& key, const Dictionary& dictionary) {
+/// An integral real has the key of the integer, so that 1.0 equals 1.
+void appendReal(std::string& key, double value) {
+    constexpr double kTwo63 = 0x1p63;
+    const bool isIntegral = std::trunc(value) == value;
+    if (isIntegral && value >= -kTwo63 && value < kTwo63)
+        return appendInteger(key, static_cast<std::int64_t>(value));
+    if (isIntegral && value >= kTwo63 && value < 2 * kTwo63)
+        return appendNumber(key, 'u', static_cast<std::uint64_t>(value));
+    if (std::isnan(value)) // all NaNs are equal here
+        value = std::numeric_limits<double>::quiet_NaN();
+    appendNumber(key, 'r', std::bit_cast<std::uint64_t>(value));
+}
+
+/// The order of the entries does not matter.
+void appendDictionary(std::string& key, const Dictionary& dictionary) {
     std::vector<const Dictionary::Entry*> entries;
     for (const Dictionary::Entry& entry : dictionary)
         entries.push_back(&entry);
     std::ranges::sort(entries, {}, &Dictionary::Entry::key);
-    append(key, 'm', entries.size());
+    appendNumber(key, 'm', entries.size());
     for (const Dictionary::Entry* entry : entries) {
-        append(key, 'k', entry->key);
-        appendKey(key, entry->value);
+        appendBytes(key, 'k', entry->key);
+        appendValue(key, entry->value);
     }
 }
 
-void appendKey(std::string& key, const PropertyList& value) {
+void appendValue(std::string& key, const PropertyList& value) {
     switch (value.type()) {
     case PropertyList::Type::String:
-        return append(key, 's', *value.string());
+        return appendBytes(key, 's', *value.string());
     case PropertyList::Type::Boolean:
-        return append(key, 'i', *value.boolean() ? 1 : 0);
+        return appendInteger(key, *value.boolean() ? 1 : 0);
     case PropertyList::Type::Integer:
         if (const auto integer = value.integer())
-            return append(key, 'i', static_cast<std::uint64_t>(*integer));
-        return append(key, 'u', *value.unsignedInteger());
+            return appendInteger(key, *integer);
+        return appendNumber(key, 'u', *value.unsignedInteger());
     case PropertyList::Type::Real:
-        return append(key, *value.real());
+        return appendReal(key, *value.real());
     case PropertyList::Type::Date:
-        return append(key, 'd', static_cast<std::uint64_t>(value.date()->seconds));
+        return appendNumber(key, 'd', static_cast<std::uint64_t>(value.date()->seconds));
     case PropertyList::Type::Data: {
         const auto& bytes = value.data()->bytes;
-        return append(key, 'b', {reinterpret_cast<const char*>(bytes.data()), bytes.size()});
+        return appendBytes(key, 'b', {reinterpret_cast<const char*>(bytes.data()), bytes.size()});
     }
     case PropertyList::Type::Array:
-        append(key, 'a', value.array()->size());
+        appendNumber(key, 'a', value.array()->size());
         for (const PropertyList& element : *value.array())
-            appendKey(key, element);
+            appendValue(key, element);
         return;
     case PropertyList::Type::Dictionary:
-        return append(key, *value.dictionary());
+        return appendDictionary(key, *value.dictionary());
     }
 }
 
-/// Sets @p key to the key of @p record. Returns false for a record without a location.
+/// Replaces @p key with the key of a record's location. Returns false if the record has none.
 bool makeKey(std::string& key, const PropertyList& record) {
     const Array* fields = record.array();
     if (!fields || fields->size() < kIdentityFields)
         return false;
     key.clear();
     for (const PropertyList& field : std::span(*fields).first(kIdentityFields))
-        appendKey(key, field);
+        appendValue(key, field);
     return true;
 }
 
@@ -105,9 +111,10 @@ std::unordered_set<std::string> locationKeys(const Array& records) {
     std::unordered_set<std::string> keys;
     keys.reserve(records.size());
     std::string key;
-    for (const PropertyList& record : records)
+    for (const PropertyList& record : records) {
         if (makeKey(key, record))
             keys.insert(key);
+    }
     return keys;
 }
 

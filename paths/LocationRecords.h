@@ -4,27 +4,29 @@
 
 #include <cstddef>
 
-/// How lists of world-clock locations are merged and split; no files. Both take time linear in the
-/// number of records. What is moved in is not copied. Any values are taken: a record that is no
-/// array is kept as it is, and one with fewer than five elements is no other's duplicate.
+// Merges and splits lists of world-clock location records. Both operations take time linear in the
+// number of records, and moved-in records are not copied. Lists may hold any values: a record that
+// is not an array is kept unchanged, and a record with fewer than five elements is never a
+// duplicate.
 
 struct MergedRecords {
     platform::PropertyList::Array records;
-    std::size_t duplicates = 0; ///< records of the cache that the list already had
+    std::size_t duplicates = 0; ///< number of cached records that were already in the list
 };
 
-/// @p list followed by those records of @p cached whose location it does not have, in their order;
-/// each of these then has at least 14 elements, the number 13 being true and what was missing
-/// before it "". Records of the cache are not compared with each other. Locations are the same when
-/// their elements 0 to 4 are equal: numbers and booleans by value (true, 1 and 1.0 are equal),
-/// strings by their bytes, and never a string with a number.
+/// Appends to @p list the records of @p cached whose locations it does not contain, in their order.
+/// Each of these is padded with "" to 13 elements if it is shorter, and its element 13 is set to
+/// true. Cached records are not compared with each other.
+///
+/// Two locations are the same if their elements 0 to 4 are equal. Numbers and booleans are compared
+/// by value (true, 1 and 1.0 are equal), strings by their bytes. A string never equals a number.
 MergedRecords mergeRecords(platform::PropertyList::Array list,
                            platform::PropertyList::Array cached);
 
 struct SplitRecords {
     platform::PropertyList::Array own;
-    platform::PropertyList::Array net; ///< those with more than 13 elements
+    platform::PropertyList::Array net; ///< records with more than 13 elements
 };
 
-/// The user's own records and the net records, each in their order.
+/// Splits a list into the user's own records and the net records. Preserves their order.
 SplitRecords splitRecords(platform::PropertyList::Array list);

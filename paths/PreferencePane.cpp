@@ -12,15 +12,16 @@ std::shared_ptr<Bundle> loadedPreferencePane() {
     return Bundle::bundleWithIdentifier(HalvexPrefsBundleID);
 }
 
-std::shared_ptr<Bundle> preferencePaneAt(const std::string& place) {
-    const std::string path = platform::expandingTildeInPath(place);
-    // Not one that has been removed, although this process may have seen it.
-    return platform::fileManager().fileExists(path) ? Bundle::bundleWithPath(path) : nullptr;
+std::shared_ptr<Bundle> preferencePaneAt(const std::string& path) {
+    const std::string expanded = platform::expandingTildeInPath(path);
+    // bundleWithPath also returns a bundle that was opened earlier and has been removed since.
+    return platform::fileManager().fileExists(expanded) ? Bundle::bundleWithPath(expanded)
+                                                        : nullptr;
 }
 
 std::shared_ptr<Bundle> installedPreferencePane() {
-    auto everybodys = preferencePaneAt(HalvexProPrefsAllUsers);
-    return everybodys ? everybodys : preferencePaneAt(HalvexProPrefsAUser);
+    auto forAllUsers = preferencePaneAt(HalvexProPrefsAllUsers);
+    return forAllUsers ? forAllUsers : preferencePaneAt(HalvexProPrefsAUser);
 }
 
 } // namespace paths

@@ -7,16 +7,16 @@
 
 namespace paths {
 
-/// The product's preference pane, in the places where it may be. Null when it is not there. Nothing
-/// is logged.
+// The product's preference pane. Each function returns null if there is no such pane, and logs
+// nothing.
 
-/// The one whose code this process has loaded.
+/// Returns the pane whose code this process has loaded.
 std::shared_ptr<platform::Bundle> loadedPreferencePane();
 
-/// The one at a path, whose leading tilde is the user's home folder.
-std::shared_ptr<platform::Bundle> preferencePaneAt(const std::string& place);
+/// Returns the pane at @p path, in which a leading tilde stands for the user's home folder.
+std::shared_ptr<platform::Bundle> preferencePaneAt(const std::string& path);
 
-/// The one that is installed for all users, else the one that is installed for this user.
+/// Returns the pane installed for all users, else the one installed for this user.
 std::shared_ptr<platform::Bundle> installedPreferencePane();
 
 } // namespace paths

@@ -1,4 +1,5 @@
 #include "menuextras/ExportedIdentifiers.h"
+#include "paths/Files.h"
 #include "paths/ovxPaths.h"
 #include "platform/FileManager.h"
 #include "platform/Log.h"
@@ -33,13 +34,13 @@ std::string localFolder(std::string_view name) {
     return appendingPathComponent(localMakerFolder(), name);
 }
 
-std::string made(std::string path) {
+std::string ensureFolder(std::string path) {
     ovxPaths::ovxMakeDirIfNeeded(path);
     return path;
 }
 
-/// Puts a link to the backgrounds into @p folder; false when that fails.
-bool linkBackgroundsInto(const std::string& folder) {
+/// Creates a link to the backgrounds folder in @p folder, if both exist. Returns false on failure.
+bool createBackgroundsLink(const std::string& folder) {
     const std::string backgrounds = ovxPaths::ovxGetDeskTopBackgroundsPath();
     if (!fileManager().fileExists(backgrounds) || !fileManager().fileExists(folder))
         return true;
@@ -47,10 +48,10 @@ bool linkBackgroundsInto(const std::string& folder) {
                                             backgrounds);
 }
 
-bool mayBeFrame(std::string_view name) {
-    constexpr std::array<std::string_view, 6> kOtherEndings{"zip", "sit", "gz",
-                                                            "ivc", "txt", "plist"};
-    return name != ".DS_Store" && std::ranges::none_of(kOtherEndings, [name](auto ending) {
+bool isFrameName(std::string_view name) {
+    constexpr std::array<std::string_view, 6> kExcludedEndings{"zip", "sit", "gz",
+                                                               "ivc", "txt", "plist"};
+    return name != ".DS_Store" && std::ranges::none_of(kExcludedEndings, [name](auto ending) {
                return name.ends_with(ending);
            });
 }
@@ -60,13 +61,13 @@ bool mayBeFrame(std::string_view name) {
 std::string
 HalvexFilePaths::ovxGetUserApplSupportFolder(const std::optional<std::string>& subfolder) {
     const std::string folder = appendingPathComponent(userLibrary(), "Application Support");
-    return subfolder ? made(appendingPathComponent(folder, *subfolder)) : folder;
+    return subfolder ? ensureFolder(appendingPathComponent(folder, *subfolder)) : folder;
 }
 
 std::string
 HalvexFilePaths::ovxGetUserQuorvaneSoftwareFolder(const std::optional<std::string>& subfolder) {
     const std::string folder = ovxGetUserApplSupportFolder(quorvaneSoftwareFolder);
-    return subfolder ? made(appendingPathComponent(folder, *subfolder)) : folder;
+    return subfolder ? ensureFolder(appendingPathComponent(folder, *subfolder)) : folder;
 }
 
 std::string HalvexFilePaths::ovxGetUsersHalvexProSupportDir() {
@@ -74,15 +75,16 @@ std::string HalvexFilePaths::ovxGetUsersHalvexProSupportDir() {
 }
 
 std::string HalvexFilePaths::ovxGetLocalQuorvaneSoftwareSupportDir() {
-    return made(localMakerFolder());
+    return ensureFolder(localMakerFolder());
 }
 
 std::string HalvexFilePaths::ovxGetLocalHalvexApplSupportFolder() {
-    return made(appendingPathComponent(ovxGetLocalQuorvaneSoftwareSupportDir(), kHalvexFolder));
+    return ensureFolder(
+        appendingPathComponent(ovxGetLocalQuorvaneSoftwareSupportDir(), kHalvexFolder));
 }
 
 std::string HalvexFilePaths::ovxGetLocalHalvexProSupportDir() {
-    return made(localFolder(HalvexProSupportFolder));
+    return ensureFolder(localFolder(HalvexProSupportFolder));
 }
 
 std::string HalvexFilePaths::HalvexOldPathLocationFile() {
@@ -105,7 +107,7 @@ std::string ovxGetLocalQuorvaneSoftwareSupportDir() {
 
 std::string ovxGetApplSupportFolder(const std::optional<std::string>& subfolder) {
     const std::string folder = HalvexFilePaths::ovxGetUserQuorvaneSoftwareFolder(kHalvexFolder);
-    return subfolder ? made(appendingPathComponent(folder, *subfolder)) : folder;
+    return subfolder ? ensureFolder(appendingPathComponent(folder, *subfolder)) : folder;
 }
 
 void ovxHalvexMakeUserSupportDir() {
@@ -115,18 +117,18 @@ void ovxHalvexMakeUserSupportDir() {
 
 void ovxHalvexMakeLocalSupportDir() {
     HalvexFilePaths::ovxGetLocalHalvexApplSupportFolder();
-    const std::string pictures = made(localFolder(kPicturesFolder));
+    const std::string pictures = ensureFolder(localFolder(kPicturesFolder));
     ovxMakeDirIfNeeded(localFolder(kHolidaysFolder));
     ovxMakeDirIfNeeded(localFolder(themesFolder));
-    if (!linkBackgroundsInto(pictures))
+    if (!createBackgroundsLink(pictures))
         platform::logLine("Error creating symbolic link at: %@", pictures);
 }
 
 void ovxGlimmerboxMakeSupportDir() {
     ovxMakeDirIfNeeded(HalvexFilePaths::ovxGetUserApplSupportFolder());
-    const std::string frames = made(ovxGetGlimmerboxSupportPath());
+    const std::string frames = ensureFolder(ovxGetGlimmerboxSupportPath());
     ovxMakeDirIfNeeded(ovxGetDeskTopBackgroundsPath());
-    if (!linkBackgroundsInto(frames))
+    if (!createBackgroundsLink(frames))
         platform::logLine("Error Creating SymbolicLink at: %@", frames);
 }
 
@@ -171,12 +173,10 @@ ovxGlimmerboxGetListFrames(const std::optional<std::vector<std::string>>& exclud
         excluded.insert(exclude->begin(), exclude->end());
     std::vector<std::string> frames;
     for (const std::string& relative : *listing) {
-        if (!mayBeFrame(platform::lastPathComponent(relative)))
+        if (!isFrameName(platform::lastPathComponent(relative)))
             continue;
         std::string path = appendingPathComponent(folder, relative);
-        bool isDirectory = false;
-        if (!excluded.contains(path) && fileManager().fileExists(path, &isDirectory) &&
-            !isDirectory)
+        if (!excluded.contains(path) && paths::isFile(path))
             frames.push_back(std::move(path));
     }
     return frames;
@@ -188,7 +188,7 @@ void ovxShowHalvexThemeFolder(const void*) {
 }
 
 void ovxShowSystemHalvexThemeFolder() {
-    platform::sharedWorkspace().openFile(made(localFolder(themesFolder)));
+    platform::sharedWorkspace().openFile(ensureFolder(localFolder(themesFolder)));
 }
 
 void ovxShowFramesFolder(const void*) {

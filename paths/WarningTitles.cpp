@@ -1,6 +1,6 @@
 #include "menuextras/ExportedIdentifiers.h"
+#include "paths/Files.h"
 #include "paths/ovxPaths.h"
-#include "platform/FileManager.h"
 #include "platform/Log.h"
 #include "platform/PropertyListService.h"
 #include "platform/base/PathStrings.h"
@@ -8,11 +8,12 @@
 #include <algorithm>
 #include <array>
 
+using platform::propertyLists;
 using Array = platform::PropertyList::Array;
 
 namespace {
 
-/// The folders are created by whoever asks for their paths, so each is asked for in its turn.
+/// Returns a folder's path and creates the folder, so a folder is not queried before its turn.
 using Folder = std::string (*)();
 
 std::string userFolder() {
@@ -21,31 +22,25 @@ std::string userFolder() {
 constexpr Folder kUserProductFolder = HalvexFilePaths::ovxGetUsersHalvexProSupportDir;
 constexpr Folder kLocalFolder = HalvexFilePaths::ovxGetLocalHalvexApplSupportFolder;
 
-/// The list's file in @p folder; nothing when none is there.
-std::optional<std::string> listFile(Folder folder, const std::string& name) {
-    std::string path = platform::appendingPathComponent(
-        folder(), platform::appendingPathExtension(name, plistFile));
-    bool isDirectory = false;
-    if (!platform::fileManager().fileExists(path, &isDirectory) || isDirectory)
-        return std::nullopt;
-    return path;
+std::string listPath(Folder folder, const std::string& name) {
+    return platform::appendingPathComponent(folder(),
+                                            platform::appendingPathExtension(name, plistFile));
 }
 
 } // namespace
 
 Array HalvexFilePaths::loadWarnMeTitles(const std::string& name, const std::string& defaultPath) {
-    // The second look at the product folder is meant, and does no harm.
+    // The product folder is deliberately tried twice; this does no harm.
     for (const Folder folder : {kUserProductFolder, Folder(userFolder), kUserProductFolder}) {
-        const auto file = listFile(folder, name);
-        if (auto list = file ? platform::propertyLists().readArray(*file) : std::nullopt)
+        if (auto list = propertyLists().readArray(listPath(folder, name)))
             return std::move(*list);
     }
-    if (const auto file = listFile(kLocalFolder, name)) {
-        if (auto list = platform::propertyLists().readArray(*file))
-            return std::move(*list);
+    const std::string localPath = listPath(kLocalFolder, name);
+    if (auto list = propertyLists().readArray(localPath))
+        return std::move(*list);
+    if (paths::isFile(localPath))
         platform::logLine("no global custom data loaded for system  %@", name);
-    }
-    if (auto list = platform::propertyLists().readArray(defaultPath))
+    if (auto list = propertyLists().readArray(defaultPath))
         return std::move(*list);
     platform::logLine("no default data loaded for %@", name);
     platform::logLine("no data loaded for %@", name);
@@ -54,6 +49,6 @@ Array HalvexFilePaths::loadWarnMeTitles(const std::string& name, const std::stri
 
 bool HalvexFilePaths::hasCustomWarnMeFile(const std::string& name) {
     constexpr std::array<Folder, 3> kFolders{userFolder, kUserProductFolder, kLocalFolder};
-    return std::ranges::any_of(kFolders,
-                               [&](Folder folder) { return listFile(folder, name).has_value(); });
+    return std::ranges::any_of(
+        kFolders, [&](Folder folder) { return paths::isFile(listPath(folder, name)); });
 }

@@ -6,126 +6,136 @@
 #include <string>
 #include <vector>
 
-/// The product's folders and data files: where each one is, and the readers and writers of the data
-/// files. Paths are UTF-8 and absolute, without a slash at their end. Folders are created one level
-/// at a time by ovxPaths::ovxMakeDirIfNeeded, which logs a failure; the path is given all the same.
-/// Nothing is kept between calls, and nothing throws. Any thread that may wait for the disk.
+/// The product's folders and data files. Returns their paths, creates the folders, and reads and
+/// writes the data files.
 ///
-/// "Application Support" is the one in the user's home folder, the maker folder "Quorvane Software"
-/// lies in it; the local ones are in /Library/Application Support.
+/// Paths are absolute, UTF-8 and have no trailing slash. "Created" means created if missing, with
+/// ovxPaths::ovxMakeDirIfNeeded: one level at a time, with a log line on failure; the path is
+/// returned either way. No operation keeps state or throws. Safe to call from any thread; calls
+/// block on the disk.
+///
+/// "Application Support" is the folder in the user's Library, and the maker folder is
+/// "Quorvane Software" in it. The local folders are those in /Library/Application Support.
 class HalvexFilePaths {
   public:
     HalvexFilePaths() = delete;
 
     // Folders
 
-    /// Application Support, of which nothing is created; or @p subfolder of it, created.
+    /// Returns Application Support, which is not created, or its @p subfolder, which is.
     static std::string
     ovxGetUserApplSupportFolder(const std::optional<std::string>& subfolder = {});
-    /// The user's maker folder, created; or @p subfolder of it, created as well.
+    /// Returns the user's maker folder or its @p subfolder. Both are created.
     static std::string
     ovxGetUserQuorvaneSoftwareFolder(const std::optional<std::string>& subfolder = {});
-    /// The user's product folder, "Halvex Pro" in the maker folder; both are created.
+    /// Returns the user's product folder, "Halvex Pro" in the maker folder. Both are created.
     static std::string ovxGetUsersHalvexProSupportDir();
-    /// The local maker folder, created.
+    /// Returns the local maker folder, which is created.
     static std::string ovxGetLocalQuorvaneSoftwareSupportDir();
-    /// The local product folder, "Halvex" in the local maker folder; both are created.
+    /// Returns the local product folder, "Halvex" in the local maker folder. Both are created.
     static std::string ovxGetLocalHalvexApplSupportFolder();
-    /// "Halvex Pro" in the local maker folder. Only that last level is created.
+    /// Returns "Halvex Pro" in the local maker folder. Only this last level is created.
     static std::string ovxGetLocalHalvexProSupportDir();
-    /// The oldest place of the location file, ~/Library/Halvex Locations, with symbolic links
-    /// resolved. Nothing is created.
+    /// Returns the oldest location of the location file, ~/Library/Halvex Locations, with symbolic
+    /// links resolved. Creates nothing.
     static std::string HalvexOldPathLocationFile();
 
-    // The list of world-clock locations. A record is an array; its elements 0 to 4 say which
-    // location it is, and one with more than 13 elements comes from a subscription: a net record.
-    // Net records are kept in a cache, a file of their own. paths/LocationRecords.h has the rules.
+    // World-clock locations
+    //
+    // A location record is an array. Its elements 0 to 4 identify the location. A record with more
+    // than 13 elements is a net record: it comes from a subscription and is stored in a file of its
+    // own, the net location cache.
 
-    /// Reads the list: from the location file, which is first moved here when it still lies in one
-    /// of its two old places (logged), else from the preference pane's default list (logged), else
-    /// an empty one (logged). The cached net records are merged into it. Nothing only when the
-    /// default list is there and cannot be read (logged). An unreadable location file counts as
-    /// missing, unlogged.
+    /// Reads the location list and merges the cached net records into it. The list is read from the
+    /// location file, after moving that file from one of its two old paths if necessary (logged).
+    /// If the file is missing or unreadable (not logged), the preference pane's default list is
+    /// used, and without one an empty list (both logged). Returns std::nullopt only if the default
+    /// list exists but cannot be read (logged).
     static std::optional<platform::PropertyList::Array> HalvexLoadLocationFile();
-    /// @p list with the cached net records behind its own, without those that it already has; how
-    /// many these are is logged. A cache that is missing, unreadable or empty leaves the list as it
-    /// is; without a list there is nothing to merge with, and nothing comes back.
+    /// Appends to @p list the cached net records whose locations it does not contain. Logs the
+    /// number of duplicates. Returns @p list unchanged if the cache is missing, unreadable or
+    /// empty, and std::nullopt if @p list is std::nullopt.
     static std::optional<platform::PropertyList::Array>
     mergeNetLocation(std::optional<platform::PropertyList::Array> list);
-    /// Writes the net records of @p list to the cache (unless there are none) and the others to the
-    /// location file, and logs both. Whether the location file was written; if not, that is logged
-    /// and the system beeps. A caller that is done with its list moves it here.
+    /// Writes the net records of @p list to the cache, unless there are none, and all others to the
+    /// location file. Logs both writes. Returns whether the location file was written. A failed
+    /// write is logged and beeps. Move the list in if it is no longer needed.
     static bool HalvexSaveLocationTable(platform::PropertyList::Array list);
-    /// Replaces the cache by @p records; no records leave it as it is. Logs, answers, and beeps as
-    /// HalvexSaveLocationTable does.
+    /// Replaces the contents of the cache with @p records. Without records the cache is left
+    /// unchanged. Returns whether that succeeded; a failed write is logged and beeps.
     static bool HalvexSaveCacheNetLocation(const platform::PropertyList::Array& records);
-    /// Whether the cache exists and is no folder.
+    /// Returns whether the cache exists. A folder in its place does not count.
     static bool HalvexExistsNetLocation();
-    /// Removes the cache. Whether there is none now (a folder in its place is none, and stays).
+    /// Removes the cache. Returns false if that fails, and true if there was none. A folder in its
+    /// place does not count and is left alone.
     static bool HalvexRemoveNetLocation();
 
-    // The lists of the timed warnings, arrays in files called @p name with the extension "plist"
+    // Timed warnings. Each list is an array in a file called @p name with the extension "plist".
 
-    /// Reads the first list there is: the one in the user's product folder, in Application Support,
-    /// in the local product folder, at @p defaultPath. Empty when there is none. What is unreadable
-    /// is passed over; a local list that is, and a missing default, are logged.
+    /// Reads the first readable list of: the user's product folder, Application Support, the local
+    /// product folder, @p defaultPath. Returns an empty array if there is none. Logs an unreadable
+    /// list in the local product folder and a missing or unreadable default; other unreadable lists
+    /// are skipped silently. Creates the user's product folder, and the local product folder if the
+    /// search gets that far.
     static platform::PropertyList::Array loadWarnMeTitles(const std::string& name,
                                                           const std::string& defaultPath);
-    /// Whether such a file is in one of the three folders, readable or not.
+    /// Returns whether such a file exists, readable or not, in one of the three folders.
     static bool hasCustomWarnMeFile(const std::string& name);
 };
 
-/// Operations on paths and lists of paths. Folders are created and failures logged as above.
+/// Operations on paths and lists of paths. "Created" has the same meaning as above.
 namespace ovxPaths {
 
-/// Creates one folder at @p path when nothing is there; its parent must exist. Whatever is there,
-/// a file or a dangling link too, stays. Logs "ovxMakeDirIfNeeded: Error creating path: …".
+/// Creates a folder at @p path, in a folder that exists. Does nothing if anything exists at
+/// @p path, including a file or a dangling symbolic link. Logs "ovxMakeDirIfNeeded: Error creating
+/// path: …" on failure.
 void ovxMakeDirIfNeeded(const std::string& path);
 
-/// As HalvexFilePaths has it.
+/// Same as HalvexFilePaths::ovxGetLocalQuorvaneSoftwareSupportDir.
 std::string ovxGetLocalQuorvaneSoftwareSupportDir();
-/// "Halvex" in the user's maker folder, or @p subfolder of it; all are created.
+/// Returns "Halvex" in the user's maker folder, or its @p subfolder. All are created.
 std::string ovxGetApplSupportFolder(const std::optional<std::string>& subfolder = {});
 
 /// Creates Application Support and "Halvex" in it.
 void ovxHalvexMakeUserSupportDir();
-/// Creates the local maker folder and its "Halvex", "Pictures", "Holidays" and "Themes", then links
-/// Glimmerbox's backgrounds, where they exist, into "Pictures". A link that cannot be made, as when
-/// it is there already, is logged.
+/// Creates the local maker folder with "Halvex", "Pictures", "Holidays" and "Themes" in it. If
+/// Glimmerbox's backgrounds folder exists, links to it from "Pictures". Logs a link that cannot be
+/// created, including one that already exists.
 void ovxHalvexMakeLocalSupportDir();
-/// Creates Application Support, Glimmerbox's frames folder and its backgrounds folder, and links
-/// the latter into the former. A link that cannot be made, as when it is there already, is logged.
+/// Creates Application Support, Glimmerbox's frames folder and its backgrounds folder, and links to
+/// the backgrounds from the frames folder. Logs a link that cannot be created, including one that
+/// already exists.
 void ovxGlimmerboxMakeSupportDir();
 
-// These create nothing.
+// The next three create nothing.
 
-/// Glimmerbox's backgrounds, in /Library/Desktop Pictures.
+/// Returns Glimmerbox's backgrounds folder, in /Library/Desktop Pictures.
 std::string ovxGetDeskTopBackgroundsPath();
-/// Glimmerbox's picture frames, in Application Support.
+/// Returns Glimmerbox's frames folder, in Application Support.
 std::string ovxGetGlimmerboxSupportPath();
-/// The user's albums, "~/Pictures/iPhoto Library/Albums".
+/// Returns the user's albums folder, ~/Pictures/iPhoto Library/Albums.
 std::string ovxGetiPhotoAlbumPath();
 
-/// The names of everything in the local themes folder, in the file system's order. Nothing, after
-/// creating the folder when it is missing, when it is no folder or cannot be read.
+/// Returns the names of all entries of the local themes folder, in file-system order. Returns
+/// std::nullopt if the folder is missing (it is then created), is not a folder, or cannot be read.
 std::optional<std::vector<std::string>> HalvexThemesList();
-/// The paths of everything below the local pictures folder, relative to it, folders included, in
-/// the file system's order. Nothing as for the themes.
+/// Returns the paths of everything below the local pictures folder, folders included, relative to
+/// it and in file-system order. Returns std::nullopt in the same cases as HalvexThemesList.
 std::optional<std::vector<std::string>> HalvexPicturesList();
-/// The full paths of the files below Glimmerbox's frames folder that may be frames, in the file
-/// system's order: not ".DS_Store", nothing whose name ends with "zip", "sit", "gz", "ivc", "txt"
-/// or "plist" (with or without a dot), and none of @p exclude. Nothing when there is no such
-/// folder.
+/// Returns the full paths of the files below Glimmerbox's frames folder, in file-system order.
+/// Leaves out ".DS_Store", names that end in "zip", "sit", "gz", "ivc", "txt" or "plist" (with or
+/// without a dot before it), and the paths in @p exclude. Returns std::nullopt if the folder does
+/// not exist or cannot be read.
 std::optional<std::vector<std::string>>
 ovxGlimmerboxGetListFrames(const std::optional<std::vector<std::string>>& exclude = {});
 
-// These show a folder with the workspace. The sender, where there is one, plays no part.
+// The next three open a folder with the workspace. They ignore the sender.
 
-/// The user's themes, "Themes" in Application Support, created.
+/// Opens the user's themes folder, "Themes" in Application Support, which is created.
 void ovxShowHalvexThemeFolder(const void* sender = nullptr);
-/// The local themes folder, created when its parent exists.
+/// Opens the local themes folder, which is created if the local maker folder exists.
 void ovxShowSystemHalvexThemeFolder();
-/// Glimmerbox's frames folder; nothing is created.
+/// Opens Glimmerbox's frames folder. Creates nothing.
 void ovxShowFramesFolder(const void* sender = nullptr);
 
 } // namespace ovxPaths

@@ -13,8 +13,8 @@ using platform::logLine;
 
 namespace {
 
-/// Fills the script's one place. The identifier stands in it as it is.
-std::string selectingScript(const std::string& paneIdentifier) {
+/// Inserts the identifier into the script unchanged, without quoting it.
+std::string scriptSelectingPane(const std::string& paneIdentifier) {
     return platform::formatLogLine("tell application \"System Preferences\"\n"
                                    "activate\n"
                                    "set the current pane to pane id \"%@\"\n"
@@ -27,9 +27,9 @@ std::string selectingScript(const std::string& paneIdentifier) {
 std::shared_ptr<platform::Bundle> HalvexPrefsTools::HalvexPrefsBundle() {
     if (auto loaded = paths::loadedPreferencePane())
         return loaded;
-    for (const char* place : {HalvexProPrefsAllUsers, "/Library/PreferencePanes/HalvexPro.prefPane",
-                              HalvexProPrefsAUser, "~/Library/PreferencePanes/HalvexPro.prefPane"})
-        if (auto pane = paths::preferencePaneAt(place))
+    for (const char* path : {HalvexProPrefsAllUsers, "/Library/PreferencePanes/HalvexPro.prefPane",
+                             HalvexProPrefsAUser, "~/Library/PreferencePanes/HalvexPro.prefPane"})
+        if (auto pane = paths::preferencePaneAt(path))
             return pane;
     return nullptr;
 }
@@ -57,7 +57,7 @@ void HalvexPrefsTools::openPrefsSelected(const std::string& paneIdentifier) {
 }
 
 void HalvexPrefsTools::openPrefsThread(const std::string& paneIdentifier) {
-    const std::string script = selectingScript(paneIdentifier);
+    const std::string script = scriptSelectingPane(paneIdentifier);
     if (const auto error = platform::scriptRunner().run(script))
         logLine("AppleScript:%@\n error: %@", script, error);
 }

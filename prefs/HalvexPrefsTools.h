@@ -8,35 +8,37 @@
 #include <string>
 
 /// Finds and opens the product's preference pane, and finds its background application, Halvex.app.
-/// Any thread.
+/// Safe to call from any thread.
 class HalvexPrefsTools {
   public:
     HalvexPrefsTools() = delete;
 
-    /// The pane: the one whose code this process has loaded, else the one for all users, else the
-    /// user's own; in each of the two folders "Halvex Pro.prefPane" comes before
-    /// "HalvexPro.prefPane". Null when there is none.
+    /// Returns the pane loaded in this process, else the one installed for all users, else the
+    /// user's own. In both folders, "Halvex Pro.prefPane" is preferred to "HalvexPro.prefPane".
+    /// Returns null if there is none.
     static std::shared_ptr<platform::Bundle> HalvexPrefsBundle();
 
-    /// The pane's path; nothing, after a log line, when there is no pane.
+    /// Returns the pane's path, or std::nullopt if there is no pane (logged).
     static std::optional<std::string> HalvexPrefsPath();
 
-    /// Has System Preferences open the pane and gives the pane's path, also when that failed; a log
-    /// line says which. Nothing, after a log line, when there is no pane.
+    /// Opens the pane with System Preferences and logs whether that succeeded. Returns the pane's
+    /// path in both cases, or std::nullopt if there is no pane (logged).
     static std::optional<std::string> HalvexOpenPrefs();
 
-    /// Has System Preferences select the pane with this identifier, from a thread of its own.
+    /// Selects the pane with this identifier in System Preferences. Returns immediately: runs
+    /// openPrefsThread on a detached thread.
     static void openPrefsSelected(const std::string& paneIdentifier);
-    /// What that thread does, which may take seconds. Failures are logged with the script.
+    /// Selects the pane with this identifier in System Preferences, which can take seconds. Logs a
+    /// failure together with the script.
     static void openPrefsThread(const std::string& paneIdentifier);
 
-    /// Where the background application is, whether it is there or not, in the pane that
-    /// HalvexMenuExtraTools::HalvexPrefsPlugins finds, which is none named "HalvexPro.prefPane".
-    /// Nothing, after a log line, when there is no such pane.
+    /// Returns the path of the background application, whether or not it exists. It is in the pane
+    /// that HalvexMenuExtraTools::HalvexPrefsPlugins finds, which never is "HalvexPro.prefPane".
+    /// Returns std::nullopt if there is no such pane (logged).
     static std::optional<std::string> getHalvexBGApplicationPath();
 
-    /// Whether the background application is running; which process it is goes to @p serialNumber
-    /// when that is not null and there is one. Each process of the older generation that is come
-    /// across is logged, and does not count.
+    /// Returns whether the background application is running. If so, stores its process in
+    /// @p serialNumber, which may be null. Processes of the older generation do not count; each one
+    /// found on the way is logged.
     static bool findHalvexBGProcess(platform::ProcessSerialNumber* serialNumber);
 };

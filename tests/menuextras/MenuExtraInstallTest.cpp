@@ -81,7 +81,7 @@ TEST_F(MenuExtraInstall, LosesNothingToAPathThatNamesTheInstalledFolderOrACopyIn
         EXPECT_FALSE(Tools::installMenuExtra(path));
         EXPECT_FALSE(Tools::removeMenuExtra(path));
         EXPECT_EQ(log(), "installMenuExtra: source " + path + " missing\n" +
-                             "removeMenuExtra: no menu extra is named by " + path);
+                             "removeMenuExtra: no menu extra name in \"" + path + "\"");
     }
     EXPECT_EQ(version("X.menu"), "1");
 }
