@@ -91,8 +91,7 @@ bool HalvexFilePaths::HalvexSaveLocationTable(Array list) {
     const std::string path = inUserProductFolder(HalvexLocation);
     logLine("Saving Halvex locations: %@ (%d)", path, list.size());
     const SplitRecords records = splitRecords(std::move(list));
-    if (!records.net.empty())
-        HalvexSaveCacheNetLocation(records.net);
+    HalvexSaveCacheNetLocation(records.net);
     return writeList(path, records.own);
 }
 

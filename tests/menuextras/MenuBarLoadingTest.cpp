@@ -12,11 +12,49 @@ namespace {
 constexpr const char* kSystemClock = "com.apple.menuextra.clock";
 constexpr const char* kCracker = "net.sourceforge.menucracker";
 
-/// Says of every file what the test says.
-class ScriptedLoader final : public platform::DynamicLoader {
+struct Kind {
+    std::int32_t tag;
+    std::string identifier, file;
+    bool isQueryable = true, isToggleable = true;
+};
+const Kind kKinds[] = {
+    {1, HalvexMenuID, "HalvexTimeMenu.menu"},
+    {2, HalvexASMid, "HalvexASMMenu.menu"},
+    {3, HalvexTodoID, "hxCALMenuExtra.menu"},
+    {4, HalvexNetMenuID, "hxWirelessMenu.menu"},
+    {5, HalvexProCalMenuID, "HalvexDateCalMenu.menu"},
+    {6, HalvexProOldCalMenuID, "qvCalendarMenu.menu"},
+    {31, Halvex2MenuID, "HalvexMenu.menu", true, false},
+    {32, Halvex2ASMid, "hxASMMenu.menu", true, false},
+    {33, HalvexTimeOnlyMenuID, "HalvexTimeOnlyMenuExtra.menu", false, true},
+};
+
+/// Returns the same status and reference for every identifier.
+class FixedMenuBar final : public platform::MenuExtraServer {
+  public:
+    std::int32_t status = 0;
+    platform::MenuExtraReference fixedReference = 0;
+
+    std::int32_t getMenuExtra(const std::string&,
+                              platform::MenuExtraReference& reference) override {
+        reference = fixedReference;
+        return status;
+    }
+    std::int32_t addMenuExtra(const std::string&, std::int32_t, std::int32_t, std::int32_t,
+                              std::int32_t, std::int32_t) override {
+        return 0;
+    }
+    std::int32_t removeMenuExtra(platform::MenuExtraReference, std::int32_t) override { return 0; }
+
+  private:
+    platform::ScopedService<platform::MenuExtraServer> service_{*this};
+};
+
+/// Returns the same architectures and preflight result for every file.
+class FixedLoader final : public platform::DynamicLoader {
   public:
     std::vector<int> architectures{16777223};
-    std::optional<std::string> fault; ///< none: the file passes
+    std::optional<std::string> fault; ///< std::nullopt: preflight succeeds
 
     std::vector<int> executableArchitectures(const std::string&) const override {
         return architectures;
@@ -39,53 +77,79 @@ class MenuBarLoading : public test::MenuExtraTree {
   protected:
     void SetUp() override { ship("HalvexTimeMenu.menu", "2"); }
 
-    /// What is asked for appears in the bar at once.
-    void loadsAtOnce(const std::string& identifier) {
+    void loadImmediately(const std::string& identifier) {
         bar.onAdd = [this, identifier](const auto&) {
             bar.loaded.push_back(identifier);
             return 0;
         };
     }
 
-    ScriptedLoader loader;
+    FixedLoader loader;
     const std::string url = "file:///Some%20where/X.menu";
-    const std::string once = "add file:///Some%20where/X.menu 999 0 0 0 0";
+    const std::string request = "add file:///Some%20where/X.menu 999 0 0 0 0";
 };
 
-TEST_F(MenuBarLoading, AnItemIsLoadedWithStatus0AndAReference) {
-    Tools::removeExtra("X");
-    EXPECT_EQ(log(), "Unable to remove menu extra \"X\", it is not loaded.");
-    bar.loaded = {"X", HalvexTimeOnlyMenuID, Halvex2ASMid};
-    EXPECT_TRUE(Tools::isExtraLoaded("X"));
-    EXPECT_TRUE(Tools::isHalvexExtraLoaded(32));
-    EXPECT_FALSE(Tools::isHalvexExtraLoaded(31));
+TEST_F(MenuBarLoading, EachTagHasAnIdentifierAndAFileAndMayHaveALoadedTest) {
+    for (const Kind& kind : kKinds) {
+        EXPECT_EQ(Tools::menuExtraTagFromID(kind.identifier), kind.tag);
+        EXPECT_EQ(Tools::menuExtraPaths(kind.tag), P + '/' + kind.file);
+        EXPECT_EQ(Tools::menuExtraInstalledPaths(kind.tag), F + '/' + kind.file);
+        bar.loaded = {kind.identifier};
+        for (const Kind& other : kKinds) {
+            EXPECT_EQ(Tools::isHalvexExtraLoaded(other.tag), &other == &kind && kind.isQueryable);
+            EXPECT_EQ(log(), other.isQueryable ? "" : "bad tag sent to isHalvexExtraLoaded:");
+        }
+    }
+    EXPECT_EQ(Tools::menuExtraTagFromID("com.quorvanesoftware.halvexpromenu"), -1);
+}
+
+TEST_F(MenuBarLoading, UnknownTagsAreLoggedUnlessThePaneIsMissing) {
+    for (const std::int32_t tag : {0, 7, -1}) {
+        EXPECT_EQ(Tools::menuExtraPaths(tag), std::nullopt);
+        EXPECT_EQ(Tools::menuExtraInstalledPaths(tag), std::nullopt);
+        EXPECT_FALSE(Tools::isHalvexExtraLoaded(tag));
+        EXPECT_EQ(log(), "error tag not set\nerror tag not set\n"
+                         "bad tag sent to isHalvexExtraLoaded:")
+            << tag;
+    }
+    std::filesystem::remove_all(tree.systemPath(kPane));
+    EXPECT_EQ(Tools::menuExtraPaths(7), std::nullopt);
     EXPECT_EQ(log(), "");
-    for (const std::int32_t tag : {33, 7}) {
-        EXPECT_FALSE(Tools::isHalvexExtraLoaded(tag)) << tag;
-        EXPECT_EQ(log(), "bad tag sent to isHalvexExtraLoaded:");
+}
+
+TEST_F(MenuBarLoading, AMenuExtraIsLoadedOnlyWithStatus0AndAReference) {
+    FixedMenuBar fixed;
+    for (const auto& [status, reference, isLoaded] :
+         {std::tuple(0, 5U, true), {0, 0U, false}, {-1, 5U, false}}) {
+        fixed.status = status;
+        fixed.fixedReference = reference;
+        EXPECT_EQ(Tools::isExtraLoaded("X"), isLoaded) << status << ' ' << reference;
+        Tools::removeExtra("X");
+        EXPECT_EQ(log(), isLoaded ? "" : "Unable to remove menu extra \"X\", it is not loaded.");
     }
 }
 
-TEST_F(MenuBarLoading, WaitsTwiceAndLoadsMenuCrackerInBetween) {
+TEST_F(MenuBarLoading, ALoadWaitsTwiceAndLoadsMenuCrackerInBetween) {
     const std::string nil = "checkPreflight extraBundle nil - /Some where/X.menu";
     const std::string unable =
         nil + "\nloadExtraWithCrack: unable to load Halvex menu extra " + url + " bundleid X - ";
-    const std::string withCracker = once + "\nadd file://P/MenuCracker.menu 0 0 0 0 0\n" + once;
+    const std::string withCracker =
+        request + "\nadd file://P/MenuCracker.menu 0 0 0 0 0\n" + request;
     const struct {
         std::size_t sleepsUntilLoaded; ///< 99: never
         bool hasCracker;
         std::string requests;
-        std::vector<std::int32_t> answers; ///< to the requests
+        std::vector<std::int32_t> statuses; ///< of the requests
         std::int32_t status;
         std::size_t sleeps;
         std::string log;
     } cases[] = {
-        {8, false, once, {-50}, 0, 8, nil},
+        {8, false, request, {-50}, 0, 8, nil},
         {9, false, withCracker, {-1, -2, 0}, 0, 9, nil},
         {16, false, withCracker, {-1, 7, -50}, -50, 16, nil},
-        {9, true, once, {-43}, -43, 9, nil},
+        {9, true, request, {-43}, -43, 9, nil},
         {99, false, withCracker, {5, 5, 0}, -1, 16, unable + "0\n"},
-        {99, true, once, {-43}, -43, 16, unable + "-43\n"},
+        {99, true, request, {-43}, -43, 16, unable + "-43\n"},
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(testing::Message() << c.sleepsUntilLoaded << ' ' << c.hasCracker);
@@ -97,8 +161,8 @@ TEST_F(MenuBarLoading, WaitsTwiceAndLoadsMenuCrackerInBetween) {
             if (clock.sleeps.size() == c.sleepsUntilLoaded)
                 bar.loaded.emplace_back("X");
         };
-        std::size_t answered = 0;
-        bar.onAdd = [&](const auto&) { return c.answers.at(answered++); };
+        std::size_t next = 0;
+        bar.onAdd = [&](const auto&) { return c.statuses.at(next++); };
         EXPECT_EQ(Tools::loadExtraWithCrack(url, "X"), c.status);
         EXPECT_EQ(requests(), c.requests);
         EXPECT_EQ(clock.sleeps, std::vector<std::uint64_t>(c.sleeps, 250'000));
@@ -106,7 +170,7 @@ TEST_F(MenuBarLoading, WaitsTwiceAndLoadsMenuCrackerInBetween) {
     }
 }
 
-TEST_F(MenuBarLoading, LoadsWithoutAURLOnlyWhatIsThereAlready) {
+TEST_F(MenuBarLoading, WithoutAURLOnlyALoadedMenuExtraSucceeds) {
     EXPECT_EQ(Tools::loadExtraWithCrack({}, "X"), -2);
     EXPECT_EQ(log(), "loadExtraWithCrack: invalid path: nil, id: X");
     bar.loaded = {"X"};
@@ -114,23 +178,23 @@ TEST_F(MenuBarLoading, LoadsWithoutAURLOnlyWhatIsThereAlready) {
     EXPECT_EQ(requests() + log(), "");
 }
 
-TEST_F(MenuBarLoading, AsksASecondTimeAlsoWithoutAMenuCrackerToAskFor) {
-    std::filesystem::remove_all(tree.place(kPane));
+TEST_F(MenuBarLoading, ALoadIsRepeatedEvenIfThereIsNoMenuCracker) {
+    std::filesystem::remove_all(tree.systemPath(kPane));
     Tools::loadExtraWithCrack(url, "X");
-    EXPECT_EQ(requests(), once + '\n' + once);
-    EXPECT_EQ(log().find("missing?"), std::string::npos) << "a missing pane is not logged";
+    EXPECT_EQ(requests(), request + '\n' + request);
+    EXPECT_THAT(log(), testing::Not(testing::HasSubstr("missing?"))) << "the pane is missing";
 
-    const auto nowhere = std::make_shared<platform::Bundle>(
+    const auto pane = std::make_shared<platform::Bundle>(
         "relative",
         platform::PropertyList::Dictionary{{"CFBundleIdentifier", HalvexPrefsBundleID}});
-    platform::Bundle::setCode(nowhere, platform::Bundle::Code::Loaded);
+    platform::Bundle::setCode(pane, platform::Bundle::Code::Loaded);
     Tools::loadExtraWithCrack(url, "X");
-    platform::Bundle::setCode(nowhere, platform::Bundle::Code::Unloaded);
-    EXPECT_EQ(requests(), once + '\n' + once);
+    platform::Bundle::setCode(pane, platform::Bundle::Code::Unloaded);
+    EXPECT_EQ(requests(), request + '\n' + request);
     EXPECT_THAT(log(), testing::HasSubstr("\nMenuCracker not loaded -- missing?\n"));
 }
 
-TEST_F(MenuBarLoading, LooksAtABundleBeforeItIsLoadedAndOnlyLogs) {
+TEST_F(MenuBarLoading, PreflightOnlyLogsAndNeverPreventsALoad) {
     const std::string path = F + "/X.menu";
     tree.write(tree.shown(path) + "/Contents/Info.plist", infoPlist("1", "X"));
     install("NoCode.menu", "1");
@@ -154,36 +218,39 @@ TEST_F(MenuBarLoading, LooksAtABundleBeforeItIsLoadedAndOnlyLogs) {
     EXPECT_EQ(logged(noCode), "checkPreflight: MenuExtra F/NoCode.menu arch ()\n"
                               "checkPreflight: executablePath nil");
     EXPECT_EQ(logged(x, {16777223}), host + "\nMenuExtra passed dlopen_preflight(F/X.menu)");
-    EXPECT_EQ(logged(x, {16777223}, "gone"), host + "\nMenuExtra Error: \r\tgone\r");
+    EXPECT_EQ(logged(x, {16777223}, "corrupt"), host + "\nMenuExtra Error: \r\tcorrupt\r");
     EXPECT_EQ(logged(x, {16777223}, ""), host + "\nMenuExtra Error: \r\tn/a\r");
-    loadsAtOnce("X");
-    loader.fault = "gone";
-    EXPECT_EQ(Tools::loadExtraWithCrack(url, "X"), 0) << "it is tried all the same";
+    loadImmediately("X");
+    loader.fault = "corrupt";
+    EXPECT_EQ(Tools::loadExtraWithCrack(url, "X"), 0);
 }
 
-TEST_F(MenuBarLoading, TogglingOnInstallsLoadsAndTakesTheSystemsClockOutForTheClockAlone) {
-    const std::pair<std::int32_t, std::pair<const char*, std::string>> cases[] = {
-        {1, {HalvexMenuID, "HalvexTimeMenu.menu"}},
-        {33, {HalvexTimeOnlyMenuID, "HalvexTimeOnlyMenuExtra.menu"}},
-    };
-    for (const auto& [tag, names] : cases) {
-        const auto& [identifier, file] = names;
+TEST_F(MenuBarLoading, AToggleInstallsAndLoadsThenUnloadsAndRemoves) {
+    for (const auto& [tag, identifier, file, isQueryable, isToggleable] : kKinds) {
+        SCOPED_TRACE(tag);
         ship(file, "2");
         bar.loaded = {kSystemClock};
-        loadsAtOnce(identifier);
+        loadImmediately(identifier);
         Tools::menuExtraToggle(tag, -7);
+        if (!isToggleable) {
+            Tools::menuExtraToggle(tag, 0);
+            const std::string refused =
+                "error tag not set\nHalvex Error: Menu Extra (null) - path: P/MenuCracker.menu";
+            EXPECT_EQ(requests() + version(file) + log(), refused + '\n' + refused);
+            continue;
+        }
         EXPECT_EQ(requests(), "add file://F/" + file + " 999 0 0 0 0" +
                                   (tag == 1 ? "\nremove com.apple.menuextra.clock 0" : ""));
         EXPECT_EQ(version(file), "2");
         EXPECT_EQ(log(), "installed MenuExtra F/" + file + "\ncheckPreflight: MenuExtra F/" + file +
                              " arch ()\ncheckPreflight: executablePath nil");
         Tools::menuExtraToggle(tag, 0);
-        EXPECT_EQ(requests(), std::string("remove ") + identifier + " 0");
+        EXPECT_EQ(requests(), "remove " + identifier + " 0");
         EXPECT_EQ(version(file) + log(), "");
     }
 }
 
-TEST_F(MenuBarLoading, TogglingOnWhatIsLoadedOrDoesNotLoadLeavesTheSystemsClock) {
+TEST_F(MenuBarLoading, TheSystemsClockStaysUnlessTheClockHasJustBeenLoaded) {
     bar.loaded = {HalvexMenuID, kSystemClock};
     Tools::menuExtraToggle(1, 1);
     EXPECT_EQ(requests(), "");
@@ -194,38 +261,20 @@ TEST_F(MenuBarLoading, TogglingOnWhatIsLoadedOrDoesNotLoadLeavesTheSystemsClock)
     EXPECT_EQ(requests(), "add file://F/HalvexTimeMenu.menu 999 0 0 0 0");
 }
 
-TEST_F(MenuBarLoading, ATagThatThereIsNotIsLogged) {
-    EXPECT_EQ(Tools::menuExtraInstalledPaths(4), F + "/hxWirelessMenu.menu");
-    for (const std::int32_t tag : {0, 7, -1}) {
-        EXPECT_EQ(Tools::menuExtraPaths(tag), std::nullopt);
-        EXPECT_EQ(Tools::menuExtraInstalledPaths(tag), std::nullopt);
-        EXPECT_EQ(log(), "error tag not set\nerror tag not set") << tag;
-    }
-    EXPECT_EQ(Tools::menuExtraTagFromID("com.quorvanesoftware.halvexpromenu"), -1);
-}
-
-TEST_F(MenuBarLoading, ATogglesFailuresAreLogged) {
-    const std::string cracker =
-        "error tag not set\nHalvex Error: Menu Extra (null) - path: P/MenuCracker.menu";
-    const std::string removal = "MenuExtra (com.quorvanesoftware.HalvexProMenu) removal failed.";
+TEST_F(MenuBarLoading, AToggleLogsWhyItFails) {
     install("HalvexTimeMenu.menu", "1");
-    for (const auto& [tag, state] : {std::pair(31, 1), {32, 0}, {7, 1}}) {
-        Tools::menuExtraToggle(tag, state);
-        EXPECT_EQ(log(), cracker);
-        EXPECT_EQ(version("HalvexTimeMenu.menu"), "1");
-    }
     Tools::menuExtraToggle(1, 0);
-    EXPECT_EQ(log(), removal);
+    EXPECT_EQ(log(), "MenuExtra (com.quorvanesoftware.HalvexProMenu) removal failed.");
     EXPECT_EQ(version("HalvexTimeMenu.menu"), "");
     EXPECT_EQ(tree.log.beeps(), 0);
-    std::filesystem::remove_all(tree.place(kPane));
+    std::filesystem::remove_all(tree.systemPath(kPane));
     Tools::menuExtraToggle(31, 1);
     EXPECT_EQ(log(), "MenuExtraTools - error halvex PrefsPluginPath nil");
     EXPECT_EQ(tree.log.beeps(), 1);
     EXPECT_EQ(requests(), "");
 }
 
-TEST_F(MenuBarLoading, ATogglePassesNoExceptionOn) {
+TEST_F(MenuBarLoading, AToggleLogsExceptionsAndDoesNotRethrowThem) {
     const std::pair<void (*)(), const char*> cases[] = {
         {[] { throw platform::Exception("Name", "why", "more"); },
          "name: Name   reason: why   userInfo: more"},

@@ -8,18 +8,18 @@ namespace {
 namespace fs = std::filesystem;
 
 struct Case {
-    std::string shipped, installed; ///< versions, empty: there is none
-    std::string refused;            ///< as StubbornFiles has it
+    std::string shipped, installed; ///< versions; empty: no such bundle
+    std::string refused;            ///< see RefusingFiles
     bool result;
     std::string log;
-    std::string after; ///< the version that is installed then
+    std::string after; ///< the installed version afterwards
 };
 
 class MenuExtraInstall : public test::MenuExtraTree {
   protected:
     void arrange(const Case& c, const std::string& file = "X.menu") {
         fs::remove_all(F);
-        fs::remove_all(tree.place(P));
+        fs::remove_all(tree.systemPath(P));
         fs::create_directories(F);
         if (!c.shipped.empty())
             ship(file, c.shipped);
@@ -27,7 +27,7 @@ class MenuExtraInstall : public test::MenuExtraTree {
             install(file, c.installed);
         const auto path = c.refused.find(' ') + 1;
         const std::string& folder = c.refused.substr(path, 1) == "F" ? F : P;
-        files.refused = {
+        tree.files.refused = {
             path == 0 ? "" : c.refused.substr(0, path) + folder + c.refused.substr(path + 1)};
     }
 
@@ -35,14 +35,14 @@ class MenuExtraInstall : public test::MenuExtraTree {
     const std::string S = P + "/X.menu";
 };
 
-TEST_F(MenuExtraInstall, InstallsOrSaysWhyNot) {
+TEST_F(MenuExtraInstall, InstallingReplacesTheOldCopyOrLogsWhyNot) {
     const Case cases[] = {
         {"2", "", "write F", false, "installMenuExtra: no write access to install Menu Extra at F",
          ""},
         {"", "1", "", false, "installMenuExtra: source P/X.menu missing", "1"},
         {"2", "", "", true, "installed MenuExtra F/X.menu", "2"},
         {"2", "", "copy P/X.menu", false, "failed to install MenuExtra F/X.menu", ""},
-        {"2", "1", "", true, "", "2"}, // nobody has opened the old one and knows its version
+        {"2", "1", "", true, "", "2"}, // the old version is unknown: it has not been opened
         {"2", "1", "remove F/X.menu", true,
          "error removing old MenuExtra at F/X.menu\ninstallMenuExtra already installed at F/X.menu",
          "1"},
@@ -61,22 +61,29 @@ TEST_F(MenuExtraInstall, InstallsOrSaysWhyNot) {
         EXPECT_EQ(log(), "replacing MenuExtra (V1) at F/X.menu" + more);
         EXPECT_EQ(version("X.menu"), "2");
     }
-    for (const std::string& target : {std::string("nowhere"), tree.place(S)}) {
+    for (const std::string& target : {std::string("nowhere"), tree.systemPath(S)}) {
         fs::remove_all(X);
         fs::create_symlink(target, X);
         EXPECT_TRUE(Tools::installMenuExtra(S));
-        EXPECT_FALSE(fs::is_symlink(X)) << "a link is in nobody's way, wherever it leads";
+        EXPECT_FALSE(fs::is_symlink(X)) << "a link is replaced like a copy";
         EXPECT_EQ(version("X.menu"), "2");
     }
 }
 
-TEST_F(MenuExtraInstall, LosesNothingToAPathThatNamesTheInstalledFolderOrACopyInIt) {
+TEST_F(MenuExtraInstall, ACopyIsNeverInstalledOverItself) {
     install("X.menu", "1");
     install("X.menu/Contents/PlugIns/X.menu", "1");
     for (const std::string& path : {X, X + "/", X + "/Contents/PlugIns/X.menu"}) {
         EXPECT_TRUE(Tools::installMenuExtra(path));
         EXPECT_EQ(log(), "installMenuExtra already installed at F/X.menu") << path;
     }
+    install("X.menu old/X.menu", "2");
+    EXPECT_TRUE(Tools::installMenuExtra(F + "/X.menu old/X.menu"));
+    EXPECT_EQ(version("X.menu") + log(), "2") << "the source only has a similar path";
+}
+
+TEST_F(MenuExtraInstall, APathWithoutANameIsRefused) {
+    install("X.menu", "1");
     for (const std::string path : {"", "/", "a/..", "."}) {
         EXPECT_FALSE(Tools::installMenuExtra(path));
         EXPECT_FALSE(Tools::removeMenuExtra(path));
@@ -86,7 +93,7 @@ TEST_F(MenuExtraInstall, LosesNothingToAPathThatNamesTheInstalledFolderOrACopyIn
     EXPECT_EQ(version("X.menu"), "1");
 }
 
-TEST_F(MenuExtraInstall, RemovesTheInstalledCopyAndNothingElse) {
+TEST_F(MenuExtraInstall, RemovingAffectsTheInstalledCopyOnly) {
     const std::string noAccess = "removeMenuExtra: no write access to F/X.menu";
     const std::string trashed = "Moved to trash Halvex file: F/X.menu";
     const Case cases[] = {
@@ -105,11 +112,11 @@ TEST_F(MenuExtraInstall, RemovesTheInstalledCopyAndNothingElse) {
         EXPECT_EQ(log(), c.log);
         EXPECT_EQ(version("X.menu"), c.after);
         EXPECT_EQ(shown(std::exchange(workspace.recycled, {})), c.log == trashed ? "F/X.menu" : "");
-        EXPECT_TRUE(tree.exists(S)) << "the shipped one is never touched";
+        EXPECT_TRUE(tree.exists(S));
     }
 }
 
-TEST_F(MenuExtraInstall, UpgradesATagWhenTheVersionsDifferAtAll) {
+TEST_F(MenuExtraInstall, AnUpgradeReplacesACopyWhoseVersionDiffers) {
     const std::string name = "HalvexASMMenu.menu";
     const std::string changing = "Halvex Pro: Changing versions of Menu Extra (logout required): ";
     const std::string noAccess = "\ninstallMenuExtra: no write access to install Menu Extra at F";
@@ -131,52 +138,67 @@ TEST_F(MenuExtraInstall, UpgradesATagWhenTheVersionsDifferAtAll) {
         EXPECT_EQ(log(), c.log);
         EXPECT_EQ(version(name), c.after);
     }
-    ship(name, "3");
-    fs::remove(tree.place(P + '/' + name) + "/Contents/Info.plist");
-    EXPECT_FALSE(Tools::DoUpgradeIfNeeded(2)) << "there is no dictionary";
-}
-
-TEST_F(MenuExtraInstall, UpgradesThreeTagsAndThenClearsTheObsoleteOnesAway) {
-    for (const char* name :
-         {"HalvexTimeMenu.menu", "HalvexASMMenu.menu", "HalvexDateCalMenu.menu"}) {
-        ship(name, "2");
-        install(name, "2");
+    for (const std::string& folder : {F, tree.systemPath(P)}) {
+        arrange({"3", "1", "", {}, {}, {}}, name);
+        fs::remove(folder + '/' + name + "/Contents/Info.plist");
+        EXPECT_FALSE(Tools::DoUpgradeIfNeeded(2)) << folder << " has no dictionary";
+        EXPECT_EQ(log(), "");
     }
-    for (const char* obsolete : {"HalvexMenu.menu", "hxASMMenu.menu", "qvCalendarMenu.menu"})
-        install(obsolete, "1");
-    bar.loaded = {HalvexProOldCalMenuID, Halvex2MenuID};
-    EXPECT_FALSE(Tools::DoUpgradeIfNeeded());
-    EXPECT_EQ(requests() + log() + version("HalvexMenu.menu"), "1");
-
-    install("HalvexTimeMenu.menu", "1");
-    install("HalvexDateCalMenu.menu", "1");
-    files.refused = {"remove " + F + "/qvCalendarMenu.menu"};
-    EXPECT_TRUE(Tools::DoUpgradeIfNeeded());
-    EXPECT_EQ(version("HalvexTimeMenu.menu"), "2");
-    EXPECT_EQ(version("HalvexDateCalMenu.menu"), "2") << "the second upgrade comes as well";
-    EXPECT_EQ(version("hxASMMenu.menu"), "");
-    EXPECT_EQ(requests(), "remove com.quorvanesoftware.HalvexMenu2 0\n"
-                          "remove com.quorvanesoftware.HalvexCalMenu 0");
-    EXPECT_THAT(log(), testing::EndsWith("V1) at F/HalvexDateCalMenu.menu\n"
-                                         "removed old MenuExtra at F/HalvexMenu.menu\n"
-                                         "removed old MenuExtra at F/hxASMMenu.menu\n"
-                                         "error removing old MenuExtra at F/qvCalendarMenu.menu"));
 }
 
-TEST_F(MenuExtraInstall, TakesOldAndNewGenerationsOutOfTheBarInTheirOrder) {
+TEST_F(MenuExtraInstall, UpgradingTag1Or2Or5RemovesTheObsoleteMenuExtras) {
+    const std::vector<std::string> upgradable{"HalvexTimeMenu.menu", "HalvexASMMenu.menu",
+                                              "HalvexDateCalMenu.menu"};
+    const std::pair<std::string, std::string> others[] = {
+        {"hxCALMenuExtra.menu", "1"}, {"hxWirelessMenu.menu", "1"},
+        {"qvCalendarMenu.menu", "1"}, {"HalvexTimeOnlyMenuExtra.menu", "1"},
+        {"HalvexMenu.menu", ""},      {"hxASMMenu.menu", ""},
+    };
+    tree.files.refused = {"remove " + F + "/qvCalendarMenu.menu"};
+    for (const auto& outdated : {{}, {upgradable[0]}, {upgradable[1]}, upgradable}) {
+        SCOPED_TRACE(testing::PrintToString(outdated));
+        for (const std::string& file : upgradable) {
+            ship(file, "2");
+            install(file, std::ranges::count(outdated, file) != 0 ? "1" : "2");
+        }
+        for (const auto& [file, after] : others) {
+            ship(file, "2");
+            install(file, "1");
+        }
+        bar.loaded = {HalvexProOldCalMenuID, Halvex2MenuID, HalvexMenuID};
+        EXPECT_EQ(Tools::DoUpgradeIfNeeded(), !outdated.empty());
+        for (const std::string& file : upgradable)
+            EXPECT_EQ(version(file), "2") << file;
+        for (const auto& [file, after] : others)
+            EXPECT_EQ(version(file), outdated.empty() ? "1" : after) << file;
+        EXPECT_EQ(requests(), outdated.empty() ? ""
+                                               : "remove com.quorvanesoftware.HalvexMenu2 0\n"
+                                                 "remove com.quorvanesoftware.HalvexCalMenu 0");
+        EXPECT_THAT(log(), testing::EndsWith(
+                               outdated.empty()
+                                   ? ""
+                                   : "\nremoved old MenuExtra at F/HalvexMenu.menu\n"
+                                     "removed old MenuExtra at F/hxASMMenu.menu\n"
+                                     "error removing old MenuExtra at F/qvCalendarMenu.menu"));
+    }
+}
+
+TEST_F(MenuExtraInstall, AGenerationIsFoundAndUnloadedWithoutTheOther) {
     const std::string prefix = "remove com.quorvanesoftware.Halvex";
-    const std::vector<std::string> second{HalvexProOldCalMenuID, Halvex2ASMid, HalvexTodoID,
-                                          Halvex2MenuID};
-    const auto current = {HalvexMenuID, HalvexTimeOnlyMenuID, HalvexProCalMenuID, HalvexASMid};
-    bar.loaded.assign(current.begin(), current.end());
+    const std::vector<std::string> old{HalvexProOldCalMenuID, Halvex2ASMid, HalvexTodoID,
+                                       Halvex2MenuID};
+    const std::vector<std::string> current{HalvexMenuID, HalvexTimeOnlyMenuID, HalvexProCalMenuID,
+                                           HalvexASMid};
+    bar.loaded = current;
     EXPECT_FALSE(Tools::isHalvexV2Running());
-    EXPECT_THAT(bar.asked, testing::ElementsAre(Halvex2MenuID, HalvexTodoID, HalvexProOldCalMenuID,
-                                                Halvex2ASMid));
-    for (const std::string& identifier : second) {
+    for (const std::string& identifier : old) {
         bar.loaded = {identifier};
+        bar.asked.clear();
         EXPECT_TRUE(Tools::isHalvexV2Running()) << identifier;
+        EXPECT_THAT(bar.asked, testing::ElementsAre(Halvex2MenuID, HalvexTodoID,
+                                                    HalvexProOldCalMenuID, Halvex2ASMid));
     }
-    bar.loaded = second;
+    bar.loaded = old;
     bar.loaded.insert(bar.loaded.begin(), current.begin(), current.end());
     Tools::HalvexV2Remove();
     EXPECT_EQ(requests(), prefix + "Menu2 0\n" + prefix + "CAL 0\n" + prefix + "ASM2 0\n" + prefix +
@@ -185,7 +207,8 @@ TEST_F(MenuExtraInstall, TakesOldAndNewGenerationsOutOfTheBarInTheirOrder) {
     EXPECT_EQ(requests(), prefix + "ProMenu 0\n" + prefix + "TimeOnlyMenuExtra 0\n" + prefix +
                               "DateCalMenu 0\n" + prefix + "ProASM 0");
     Tools::HalvexV2Remove();
-    EXPECT_EQ(requests() + log(), "") << "nothing that is not loaded is asked to go";
+    Tools::HalvexProRemove();
+    EXPECT_EQ(requests() + log(), "");
 }
 
 } // namespace

@@ -10,7 +10,6 @@ using namespace test;
 using platform::Bundle;
 using platform::PropertyList;
 using testing::ElementsAre;
-using testing::IsEmpty;
 using Array = PropertyList::Array;
 using Paths = HalvexFilePaths;
 namespace fs = std::filesystem;
@@ -26,7 +25,7 @@ const std::string kPaneForOne = "~/Library/PreferencePanes/Halvex Pro.prefPane";
 const std::string kResource = "/Contents/Resources/LocationsConfig.plist";
 const std::string kNoPane = "LocationList  thisBundle nil";
 
-// As values: braces around a lone array would copy it instead of holding it.
+// Returns a PropertyList: {array} would copy an Array instead of nesting it.
 PropertyList record(const char* name, std::size_t size = 13) {
     Array fields(size, "");
     fields[0] = name;
@@ -49,10 +48,6 @@ std::string xml(const Array& list) {
 
 class LocationList : public testing::Test {
   protected:
-    std::string moved(const std::string& from) const {
-        return "Moved Locations from Path = " + tree.path(from) + " to " + tree.path(kSecondOld);
-    }
-
     SupportTree tree{{kUser}};
     const std::string mine = xml({record("mine")});
     const std::string other = xml({record("other")});
@@ -98,50 +93,55 @@ TEST_F(LocationList, IsReadFromItsFileElseFromThePaneElseEmpty) {
         EXPECT_EQ(Paths::HalvexLoadLocationFile(), result);
         EXPECT_EQ(own.log.take(), lines);
         entries.insert({kUserMaker, kUserProduct});
-        EXPECT_EQ(own.entries(), entries) << "loading writes nothing back";
+        EXPECT_EQ(own.entries(), entries) << "loading writes no file";
     }
 }
 
-TEST_F(LocationList, TheLoadedPaneComesBeforeThoseOnTheDisk) {
-    const std::string place = "~/Pane.prefPane";
-    tree.write(place + kResource, mine);
+TEST_F(LocationList, PrefersTheLoadedPaneToInstalledPanes) {
+    const std::string path = "~/Pane.prefPane";
+    tree.write(path + kResource, mine);
     tree.write(kPaneForAll + kResource, other);
     const auto pane = std::make_shared<Bundle>(
-        tree.path(place), PropertyList::Dictionary{{"CFBundleIdentifier", HalvexPrefsBundleID}});
+        tree.path(path), PropertyList::Dictionary{{"CFBundleIdentifier", HalvexPrefsBundleID}});
     Bundle::setCode(pane, Bundle::Code::Loaded);
     EXPECT_EQ(Paths::HalvexLoadLocationFile(), Array{record("mine")});
-    fs::remove(tree.place(place + kResource));
+    fs::remove(tree.systemPath(path + kResource));
     EXPECT_EQ(Paths::HalvexLoadLocationFile(), Array());
     Bundle::setCode(pane, Bundle::Code::Unloaded);
     EXPECT_EQ(Paths::HalvexLoadLocationFile(), Array{record("other")});
-    EXPECT_THAT(tree.log.take(), ElementsAre("Default locations loaded", missing(tree.path(place)),
+    EXPECT_THAT(tree.log.take(), ElementsAre("Default locations loaded", missing(tree.path(path)),
                                              kNoPane, "Default locations loaded"));
 }
 
-TEST_F(LocationList, MovesHereFromOneOfItsOldPlaces) {
-    tree.write("~/real", mine);
-    fs::create_symlink("../real", tree.place(kFirstOld));
-    tree.write(kSecondOld, other);
+TEST_F(LocationList, IsMovedFromTheFirstOldPathElseFromTheSecond) {
+    const std::string moved = "Moved Locations from Path = ";
+    tree.write("~/first", mine);
+    tree.write("~/second", other);
+    fs::create_symlink("../first", tree.systemPath(kFirstOld));
+    fs::create_symlink("../../second", tree.systemPath(kSecondOld));
+    tree.files.refused = {"move " + tree.path("~/first")};
+    EXPECT_EQ(Paths::HalvexLoadLocationFile(), Array());
+    EXPECT_TRUE(tree.exists("~/second")) << "after a failed move the second path is not tried";
+    EXPECT_THAT(tree.log.take(), ElementsAre(kNoPane, missing("(null)")));
+
+    tree.files.refused.clear();
     EXPECT_EQ(Paths::HalvexLoadLocationFile(), Array{record("mine")});
-    EXPECT_THAT(tree.log.take(), ElementsAre(moved("~/real"))) << "what the link leads to";
-    EXPECT_FALSE(tree.exists("~/real"));
+    EXPECT_THAT(tree.log.take(),
+                ElementsAre(moved + tree.path("~/first") + " to " + tree.path("~/second")));
+    EXPECT_FALSE(tree.exists("~/first"));
     EXPECT_EQ(tree.read(kList), mine);
+    EXPECT_TRUE(tree.exists("~/second"));
 
-    fs::remove(tree.place(kFirstOld));
-    tree.write(kFirstOld, other);
-    EXPECT_EQ(Paths::HalvexLoadLocationFile(), Array{record("mine")});
-    EXPECT_THAT(tree.log.take(), IsEmpty()) << "a move that fails";
-    EXPECT_TRUE(tree.exists(kSecondOld));
-
-    fs::remove(tree.place(kList));
-    fs::remove(tree.place(kFirstOld));
+    fs::remove(tree.systemPath(kList));
+    fs::remove(tree.systemPath(kFirstOld));
     tree.make(kFirstOld);
     EXPECT_EQ(Paths::HalvexLoadLocationFile(), Array{record("other")});
-    EXPECT_THAT(tree.log.take(), ElementsAre(moved(kFirstOld)));
-    EXPECT_FALSE(tree.exists(kSecondOld));
+    EXPECT_THAT(tree.log.take(),
+                ElementsAre(moved + tree.path(kFirstOld) + " to " + tree.path("~/second")));
+    EXPECT_FALSE(tree.exists("~/second"));
 }
 
-TEST_F(LocationList, AFailedWriteIsLoggedAndBeepsAndTheOtherFileIsWrittenAllTheSame) {
+TEST_F(LocationList, SavingWritesBothFilesIndependentlyAndLogsAFailedWrite) {
     const std::string saving = "Saving Halvex locations: " + tree.path(kList) + " (2)";
     const std::string caching = "Saving net locations cache: " + tree.path(kCache) + " (1)";
     for (const std::string& blocked : {kCache, kList}) {
@@ -151,15 +151,23 @@ TEST_F(LocationList, AFailedWriteIsLoggedAndBeepsAndTheOtherFileIsWrittenAllTheS
                     ElementsAre(saving, caching, "Unable to write: " + tree.path(blocked)));
         EXPECT_EQ(tree.read(blocked == kCache ? kList : kCache),
                   blocked == kCache ? mine : xml({net("a")}));
-        fs::remove_all(tree.place(kUserProduct));
+        fs::remove_all(tree.systemPath(kUserProduct));
     }
     tree.make(kCache);
     EXPECT_FALSE(Paths::HalvexSaveCacheNetLocation({net("a")}));
-    EXPECT_TRUE(Paths::HalvexSaveCacheNetLocation({})) << "nothing is to be written";
     EXPECT_EQ(tree.log.beeps(), 3);
-    EXPECT_FALSE(Paths::HalvexExistsNetLocation()) << "a folder is no cache";
+    EXPECT_FALSE(Paths::HalvexExistsNetLocation()) << "a folder is not a cache";
     EXPECT_TRUE(Paths::HalvexRemoveNetLocation());
     EXPECT_TRUE(tree.exists(kCache));
+}
+
+TEST_F(LocationList, SavingWithoutNetRecordsKeepsTheCache) {
+    tree.write(kCache, other);
+    EXPECT_TRUE(Paths::HalvexSaveLocationTable({record("mine")}));
+    EXPECT_EQ(tree.read(kCache), other);
+    EXPECT_EQ(tree.log.take().size(), 1U) << "the cache is not mentioned";
+    EXPECT_TRUE(Paths::HalvexRemoveNetLocation());
+    EXPECT_FALSE(tree.exists(kCache));
 }
 
 } // namespace

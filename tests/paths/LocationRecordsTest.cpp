@@ -14,14 +14,14 @@ using Array = PropertyList::Array;
 
 namespace {
 
-// As values: braces around a lone array would copy it instead of holding it.
+// Returns a PropertyList: {array} would copy an Array instead of nesting it.
 PropertyList record(PropertyList first, std::size_t size = 13) {
     Array fields(size, "r");
     fields.front() = std::move(first);
     return fields;
 }
 
-/// What a record of the cache becomes in the list.
+/// The record as it is appended to the list.
 PropertyList flagged(const PropertyList& original) {
     Array fields = *original.array();
     while (fields.size() < 14)
@@ -30,12 +30,12 @@ PropertyList flagged(const PropertyList& original) {
     return fields;
 }
 
-TEST(LocationRecords, AreEqualByValueWhateverKindOfNumberHoldsIt) {
+TEST(LocationRecords, FieldsAreComparedByValueNotByType) {
     const std::int64_t two53 = std::int64_t{1} << 53;
     const auto two63 = std::uint64_t{1} << 63;
     const auto maximum = std::numeric_limits<std::uint64_t>::max();
     using Dictionary = PropertyList::Dictionary;
-    // Of each row all are the same, and of two rows none.
+    // Values in the same row are equal; values in different rows are not.
     const std::vector<Array> rows = {
         {true, 1, 1.0},
         {false, -0.0},
@@ -72,7 +72,7 @@ TEST(LocationRecords, AreEqualByValueWhateverKindOfNumberHoldsIt) {
             }
 }
 
-TEST(LocationRecords, TheCachesRecordsFollowWithoutThoseThatTheListHas) {
+TEST(LocationRecords, MergingAppendsTheCachedRecordsThatTheListLacks) {
     const PropertyList a = record("a");
     const PropertyList b = record("b");
     const PropertyList c = record("c");
@@ -94,18 +94,22 @@ TEST(LocationRecords, TheCachesRecordsFollowWithoutThoseThatTheListHas) {
     std::ranges::transform(lengths, flaggedLengths.begin(), flagged);
     const std::tuple<const char*, Array, Array, Array, std::size_t> cases[] = {
         {"order", {b, a}, {c, record("d")}, {b, a, flagged(c), flagged(record("d"))}, 0},
-        {"the list's own wins", {a}, {differingAt(5)}, {a}, 1},
-        {"each of five fields counts", variants, {a}, variantsAndA, 0},
-        {"doubles in the cache", {a}, {b, b, a}, {a, flagged(b), flagged(b)}, 1},
-        {"doubles in the list", {a, a}, {a}, {a, a}, 1},
+        {"the list's record wins", {a}, {differingAt(5)}, {a}, 1},
+        {"each of the five fields counts", variants, {a}, variantsAndA, 0},
+        {"duplicates in the cache", {a}, {b, b, a}, {a, flagged(b), flagged(b)}, 1},
+        {"duplicates in the list", {a, a}, {a}, {a, a}, 1},
         {"lengths", {}, lengths, flaggedLengths, 0},
-        {"a flagged one of the list", {flagged(a)}, {a, b}, {flagged(a), flagged(b)}, 1},
-        {"short ones",
+        {"a flagged record in the list", {flagged(a)}, {a, b}, {flagged(a), flagged(b)}, 1},
+        {"records of fewer than five fields",
          {shortOne},
          {shortOne, empty},
          {shortOne, flagged(shortOne), flagged(empty)},
          0},
-        {"no arrays", {"x", 1}, {"x", 1, dictionary}, {"x", 1, "x", 1, dictionary}, 0},
+        {"values that are not arrays",
+         {"x", 1},
+         {"x", 1, dictionary},
+         {"x", 1, "x", 1, dictionary},
+         0},
     };
     for (const auto& [name, list, cached, merged, duplicates] : cases) {
         const MergedRecords result = mergeRecords(list, cached);
@@ -114,19 +118,7 @@ TEST(LocationRecords, TheCachesRecordsFollowWithoutThoseThatTheListHas) {
     }
 }
 
-TEST(LocationRecords, AreToldApartInLongListsToo) {
-    Array list, cached, merged;
-    for (int i = 0; i < 3000; ++i) {
-        if (i < 2000)
-            list.push_back(record(i));
-        if (i >= 1000)
-            cached.push_back(record(i));
-        merged.push_back(i < 2000 ? list.back() : flagged(cached.back()));
-    }
-    EXPECT_EQ(mergeRecords(list, cached).records, merged);
-}
-
-TEST(LocationRecords, AreSplitByLengthAlone) {
+TEST(LocationRecords, SplittingDependsOnTheLengthAlone) {
     PropertyList fourteen = record("14", 14);
     fourteen.array()->back() = false;
     const SplitRecords split =

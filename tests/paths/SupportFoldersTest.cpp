@@ -22,8 +22,8 @@ const std::string kThemes = std::string(kLocalMaker) + "/Themes";
 const std::string kFrames = std::string(kUser) + "/Glimmerbox Frames";
 const std::string kBackgrounds = "/Library/Desktop Pictures/Glimmerbox Backgrounds";
 
-/// Paths separated by ", ", whose first part may be short: the Application Support folders of the
-/// user and of the machine, the maker's folders in them, the folder of frames, the backgrounds.
+/// Splits a list at ", " and expands the first letter of each path: U and L are the user's and the
+/// local Application Support, M and N the maker folders in them, F the frames, B the backgrounds.
 std::vector<std::string> paths(const std::string& shortened) {
     const std::map<char, std::string> names{{'U', kUser},   {'M', kUserMaker},
                                             {'L', kLocal},  {'N', kLocalMaker},
@@ -37,14 +37,14 @@ std::vector<std::string> paths(const std::string& shortened) {
     return result;
 }
 
-/// For operations whose result, if any, is no path.
+/// For operations that do not return a path.
 template <class Operation>
-std::string without(Operation operation) {
+std::string noPath(Operation operation) {
     operation();
     return {};
 }
 
-TEST(SupportFolders, AreWhereTheLayoutPutsThemAndOnlyWhatItSaysIsCreated) {
+TEST(SupportFolders, EachOperationReturnsItsPathAndCreatesOnlyItsFolders) {
     RecordingWorkspace workspace;
     std::vector<std::string> opened;
     const struct {
@@ -69,25 +69,25 @@ TEST(SupportFolders, AreWhereTheLayoutPutsThemAndOnlyWhatItSaysIsCreated) {
         {[] { return ovxPaths::ovxGetApplSupportFolder(); }, "M/Halvex", "M, M/Halvex"},
         {[] { return ovxPaths::ovxGetApplSupportFolder("S"); }, "M/Halvex/S",
          "M, M/Halvex, M/Halvex/S"},
-        {[] { return without(ovxPaths::ovxHalvexMakeUserSupportDir); }, "", "U, U/Halvex", ""},
-        {[] { return without(ovxPaths::ovxHalvexMakeLocalSupportDir); }, "",
+        {[] { return noPath(ovxPaths::ovxHalvexMakeUserSupportDir); }, "", "U, U/Halvex", ""},
+        {[] { return noPath(ovxPaths::ovxHalvexMakeLocalSupportDir); }, "",
          "N, N/Halvex, N/Pictures, N/Holidays, N/Themes"},
-        {[] { return without(ovxPaths::ovxHalvexMakeLocalSupportDir); }, "",
+        {[] { return noPath(ovxPaths::ovxHalvexMakeLocalSupportDir); }, "",
          "N, N/Halvex, N/Pictures, N/Pictures/Glimmerbox Backgrounds, N/Holidays, N/Themes",
          "L, B"},
-        {[] { return without(ovxPaths::ovxHalvexMakeLocalSupportDir); }, "", "", "B",
+        {[] { return noPath(ovxPaths::ovxHalvexMakeLocalSupportDir); }, "", "", "B",
          "N, N/Halvex, N/Pictures, N/Holidays, N/Themes"},
-        {[] { return without(ovxPaths::ovxGlimmerboxMakeSupportDir); }, "",
+        {[] { return noPath(ovxPaths::ovxGlimmerboxMakeSupportDir); }, "",
          "U, F, F/Glimmerbox Backgrounds, B", "/Library/Desktop Pictures"},
-        {[] { return without(ovxPaths::ovxGlimmerboxMakeSupportDir); }, "", "U, F", "", "B"},
+        {[] { return noPath(ovxPaths::ovxGlimmerboxMakeSupportDir); }, "", "U, F", "", "B"},
         {ovxPaths::ovxGetDeskTopBackgroundsPath, "B", ""},
         {ovxPaths::ovxGetGlimmerboxSupportPath, "F", ""},
         {ovxPaths::ovxGetiPhotoAlbumPath, "~/Pictures/iPhoto Library/Albums", ""},
-        {[] { return without(ovxPaths::HalvexThemesList); }, "", "N/Themes", "N"},
-        {[] { return without(ovxPaths::HalvexPicturesList); }, "", "", "L", "N/Pictures"},
-        {[] { return without([] { ovxPaths::ovxShowHalvexThemeFolder(); }); }, "", "U/Themes"},
-        {[] { return without(ovxPaths::ovxShowSystemHalvexThemeFolder); }, "", "N/Themes", "N"},
-        {[] { return without([] { ovxPaths::ovxShowFramesFolder(); }); }, "", ""},
+        {[] { return noPath(ovxPaths::HalvexThemesList); }, "", "N/Themes", "N"},
+        {[] { return noPath(ovxPaths::HalvexPicturesList); }, "", "", "L", "N/Pictures"},
+        {[] { return noPath([] { ovxPaths::ovxShowHalvexThemeFolder(); }); }, "", "U/Themes"},
+        {[] { return noPath(ovxPaths::ovxShowSystemHalvexThemeFolder); }, "", "N/Themes", "N"},
+        {[] { return noPath([] { ovxPaths::ovxShowFramesFolder(); }); }, "", ""},
     };
     for (const auto& [operation, result, created, existing, failures] : cases) {
         SCOPED_TRACE(testing::Message() << result << " creates " << created);
@@ -107,17 +107,17 @@ TEST(SupportFolders, AreWhereTheLayoutPutsThemAndOnlyWhatItSaysIsCreated) {
     EXPECT_EQ(opened, paths("U/Themes, N/Themes, F"));
 }
 
-TEST(SupportFolders, WhateverIsInAFoldersPlaceStaysAndIsNotLogged) {
+TEST(SupportFolders, AFileOrALinkInPlaceOfAFolderIsKept) {
     SupportTree tree({kUser, kLocalMaker});
     tree.write(kThemes, "a file");
-    fs::create_symlink("nowhere", tree.place(kUserMaker));
+    fs::create_symlink("nowhere", tree.systemPath(kUserMaker));
     EXPECT_EQ(ovxPaths::HalvexThemesList(), std::nullopt);
     EXPECT_EQ(tree.shown(Paths::ovxGetUserQuorvaneSoftwareFolder()), kUserMaker);
     EXPECT_THAT(tree.log.take(), IsEmpty());
-    EXPECT_TRUE(fs::is_symlink(tree.place(kUserMaker)));
+    EXPECT_TRUE(fs::is_symlink(tree.systemPath(kUserMaker)));
 }
 
-TEST(SupportFolders, LinksHoldTheBackgroundsPathAndASecondOneIsLoggedEachInItsOwnWords) {
+TEST(SupportFolders, LinksPointToTheBackgroundsAndAnExistingLinkIsLogged) {
     SupportTree tree({kLocal, kBackgrounds});
     for (int i = 0; i < 2; ++i) {
         ovxPaths::ovxHalvexMakeLocalSupportDir();
@@ -127,7 +127,8 @@ TEST(SupportFolders, LinksHoldTheBackgroundsPathAndASecondOneIsLoggedEachInItsOw
                 ElementsAre("Error creating symbolic link at: " + kPictures,
                             "Error Creating SymbolicLink at: " + tree.path(kFrames)));
     for (const std::string& folder : {kPictures, kFrames})
-        EXPECT_EQ(fs::read_symlink(tree.place(folder + "/Glimmerbox Backgrounds")), kBackgrounds);
+        EXPECT_EQ(fs::read_symlink(tree.systemPath(folder + "/Glimmerbox Backgrounds")),
+                  kBackgrounds);
 }
 
 } // namespace

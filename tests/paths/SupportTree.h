@@ -14,52 +14,84 @@
 
 namespace test {
 
-/// A home folder and a /Library of the test's own, with the real file manager on them. Paths are
-/// given and shown with "~" for the home folder.
+/// The real file manager, except for the operations that a test refuses. Permissions would not stop
+/// root.
+class RefusingFiles final : public platform::posix::PosixFileManager {
+  public:
+    using PosixFileManager::PosixFileManager;
+    std::set<std::string> refused; ///< "read", "write", "remove", "copy" or "move", a blank, a path
+
+    bool isWritableFile(const std::string& path) const override {
+        return !refused.contains("write " + path) && PosixFileManager::isWritableFile(path);
+    }
+    bool isReadableFile(const std::string& path) const override {
+        return !refused.contains("read " + path) && PosixFileManager::isReadableFile(path);
+    }
+    bool removeItem(const std::string& path) override {
+        return !refused.contains("remove " + path) && PosixFileManager::removeItem(path);
+    }
+    bool copyItem(const std::string& from, const std::string& to) override {
+        return !refused.contains("copy " + from) && PosixFileManager::copyItem(from, to);
+    }
+    bool moveFile(const std::string& from, const std::string& to) override {
+        return !refused.contains("move " + from) && PosixFileManager::moveFile(from, to);
+    }
+
+  private:
+    platform::ScopedService<platform::FileManager> service_{*this};
+};
+
+/// A temporary home folder and /Library. In the paths of a test, "~" stands for the home folder.
 class SupportTree {
   public:
     explicit SupportTree(const std::vector<std::string>& folders = {}) {
         platform::expat::install();
-        std::filesystem::create_directories(folder_.file("root/Library"));
-        std::filesystem::create_directories(folder_.file("home/Library"));
+        make("/Library");
+        make("~/Library");
         for (const std::string& folder : folders)
             make(folder);
     }
 
     RecordingLog log;
 
-    /// The path that the library takes and gives.
+    /// The path as the library sees it.
     std::string path(std::string_view shown) const {
         return shown.starts_with('~') ? home_ + std::string(shown.substr(1)) : std::string(shown);
     }
     std::string shown(const std::string& path) const {
         return path.starts_with(home_) ? '~' + path.substr(home_.size()) : path;
     }
-    /// Where it really lies.
-    std::string place(std::string_view shown) const {
-        return shown.starts_with('/') ? folder_.file("root") + std::string(shown) : path(shown);
+    /// The path in the real file system.
+    std::string systemPath(std::string_view shown) const {
+        return shown.starts_with('/') ? root_ + std::string(shown) : path(shown);
     }
-    void make(std::string_view shown) const { std::filesystem::create_directories(place(shown)); }
+    void make(std::string_view shown) const {
+        std::filesystem::create_directories(systemPath(shown));
+    }
     void write(std::string_view shown, std::string_view bytes) const {
-        folder_.write(place(shown), bytes);
+        folder_.write(systemPath(shown), bytes);
     }
-    std::string read(std::string_view shown) const { return contents(place(shown)); }
-    bool exists(std::string_view shown) const { return std::filesystem::exists(place(shown)); }
-    /// Everything below the two Library folders.
+    std::string read(std::string_view shown) const { return contents(systemPath(shown)); }
+    bool exists(std::string_view shown) const { return std::filesystem::exists(systemPath(shown)); }
+    /// The paths of everything below the two Library folders.
     std::set<std::string> entries() const {
         std::set<std::string> result;
-        for (const std::string base : {"~/Library", "/Library"})
-            for (const auto& entry : std::filesystem::recursive_directory_iterator(place(base)))
-                result.insert(base + entry.path().string().substr(place(base).size()));
+        for (const std::string base : {"~/Library", "/Library"}) {
+            const std::string root = systemPath(base);
+            for (const auto& entry : std::filesystem::recursive_directory_iterator(root))
+                result.insert(base + entry.path().string().substr(root.size()));
+        }
         return result;
     }
 
   private:
     TemporaryFolder folder_;
     std::string home_ = folder_.file("home");
+    std::string root_ = folder_.file("root");
     ScopedEnvironment environment_{"HOME", home_};
-    platform::posix::PosixFileManager files_{folder_.file("root")};
-    platform::ScopedService<platform::FileManager> service_{files_};
+
+  public:
+    RefusingFiles files{root_};
 };
 
 constexpr const char* kUser = "~/Library/Application Support";
