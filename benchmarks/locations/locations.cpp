@@ -1,6 +1,6 @@
-// Times what happens to the location list in the home folder that HOME names, and prints a line
-// "<what> <milliseconds>" for each step, then "peak <KiB>":
-// "locations steps" reads, merges and splits in memory, "locations operations" loads and saves.
+// Measures operations on the location list in the home folder $HOME. "locations steps" reads,
+// merges and splits it in memory; "locations operations" loads and saves it. Prints a line
+// "<step> <milliseconds>" for each step, then "peak <KiB>".
 
 #include "benchmarks/PeakMemory.h"
 #include "paths/LocationRecords.h"

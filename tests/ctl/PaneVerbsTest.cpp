@@ -57,7 +57,7 @@ TEST(PaneVerbs, RejectOtherBundlesAndKeepTheInstalledCopy) {
     shell.run(
         {{"halvexctl pane install first >path && ln -s \"$pane\" link", ""},
          {"halvexctl pane install missing", "", 1, "/missing: there is no such folder\n"},
-         {"halvexctl pane install broken", "", 1, "/broken: Info.plist: no dictionary\n"},
+         {"halvexctl pane install broken", "", 1, "/broken: Info.plist: not a dictionary\n"},
          {"halvexctl pane install other", "", 1,
           "/other: the bundle's identifier is not com.quorvanesoftware."},
          {"halvexctl pane install link", "", 1, "/link: this pane is already installed here\n"},

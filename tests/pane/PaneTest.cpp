@@ -15,13 +15,13 @@ using testing::HasSubstr;
 
 namespace {
 
-/// What the build installs, staged in a folder of the test's own.
+/// The build's installation, staged in a temporary folder.
 class Installation : public testing::Test {
   protected:
     void SetUp() override {
         run("DESTDIR=\"$PWD\" '" HALVEX_CMAKE "' --install '" HALVEX_BUILD "' --prefix /usr/local");
     }
-    /// A shell's command line in the staged root, where $pane is the installed pane.
+    /// Runs a shell command in the staged root. $pane is the installed pane.
     void run(const std::string& command) {
         const std::string script = "cd '" + stage.path().string() + "' && pane='" + pane +
                                    "' && { " + command + "\n} >output 2>&1";
@@ -29,15 +29,16 @@ class Installation : public testing::Test {
         output = test::contents(stage.path() / "output");
         ASSERT_EQ(status, 0) << output;
     }
-    /// A bar on a bus of its own, what it lists, which library its items have, and its end.
-    void expectBarWith(const std::string& item) {
+    /// Expects that a bar on a private bus loads the item. The output ends with the library that is
+    /// mapped, and with "exited normally" if the bar did.
+    void expectBarLoads(const std::string& item) {
         run("HOME=\"$PWD/home\" XDG_RUNTIME_DIR=\"$PWD\" dbus-run-session -- sh -c '"
             "usr/local/bin/halvex-menubar \"$0\" & bar=$!\n"
             "for try in $(seq 100); do sleep 0.1; dbus-send --session --print-reply"
             " --dest=com.quorvanesoftware.MenuBar /com/quorvanesoftware/MenuBar"
             " com.quorvanesoftware.MenuBar1.ListMenuExtras && break; done\n"
             "echo maps; grep -o /.*libHalvexTools.* /proc/$bar/maps | sort -u\n"
-            "kill $bar; wait $bar && echo ended well' '" +
+            "kill $bar; wait $bar && echo exited normally' '" +
             item + "'");
         EXPECT_THAT(output, HasSubstr("string \"" + item + "\""));
     }
@@ -47,11 +48,11 @@ class Installation : public testing::Test {
     const std::string pane = std::string(HALVEX_PANES_FOLDER).substr(1) + "/Halvex Pro.prefPane";
 };
 
-TEST_F(Installation, HasProgramsLibrariesAndThePaneThatItsProgramGivesToTheUser) {
+TEST_F(Installation, ContainsTheProgramsTheLibrariesAndThePane) {
     run("cd usr/local && ls bin/halvex-menubar bin/halvex-preferences bin/halvexctl "
         "lib/libHalvexTools.so.1 lib/libHalvexDesktop.so.1 "
         "lib/halvex/MenuExtras/Clock.menu/Contents/Linux/Clock");
-    // The application's program differs from the built one by where it looks for the libraries.
+    // Halvex is excluded: its run path differs from that of the built program.
     run("mkdir home && HOME=\"$PWD/home\" usr/local/bin/halvexctl --root . pane install >/dev/null "
         "&& diff -r --exclude=Halvex \"$pane\" '" HALVEX_PANE "' &&"
         " diff -r \"$pane\" 'home/Library/PreferencePanes/Halvex Pro.prefPane'");
@@ -64,15 +65,15 @@ TEST_F(Installation, HasABarThatLoadsItemsFromThePaneAndFromAHomeFolder) {
     const std::string plugIns = pane + "/Contents/PlugIns";
     run("mkdir home && cp -R '" + plugIns + "/" + kHalvexTimeExtraFile + "' home");
     for (const std::string& folder : {plugIns, std::string("home")}) {
-        expectBarWith(stage.file(folder + "/" + kHalvexTimeExtraFile));
+        expectBarLoads(stage.file(folder + "/" + kHalvexTimeExtraFile));
         EXPECT_THAT(output,
                     HasSubstr("maps\n" + stage.file("usr/local/lib/libHalvexTools.so.1.0.0") +
-                              "\nended well"));
+                              "\nexited normally"));
     }
 }
 
-TEST_F(Installation, BuildsTheItemOfTheGuideWithEveryPublicHeader) {
-    // The first blocks of code in the guide are the item's source and its CMakeLists.txt.
+TEST_F(Installation, CompilesTheGuidesItemTogetherWithEveryPublicHeader) {
+    // The guide's first C++ block is the item's source, and its first CMake block the build file.
     run("mkdir home item && cd item && (cd ../usr/local/include/HalvexTools && find -name '*.h') |"
         " sed 's/.*/#include \"&\"/' >Load.cpp\n"
         "block() { sed -n \"/^\\`\\`\\`$1/,/^\\`\\`\\`/p\" '" HALVEX_GUIDE "' |"
@@ -80,29 +81,29 @@ TEST_F(Installation, BuildsTheItemOfTheGuideWithEveryPublicHeader) {
         "block cpp >>Load.cpp; block cmake >CMakeLists.txt\n"
         "CXX='" HALVEX_CXX "' '" HALVEX_CMAKE "' -DCMAKE_PREFIX_PATH=\"$OLDPWD/usr/local\""
         " -G Ninja -B build && '" HALVEX_CMAKE "' --build build");
-    expectBarWith(stage.file("item/build/extras/Load.menu"));
+    expectBarLoads(stage.file("item/build/extras/Load.menu"));
 }
 
 std::string text(const PropertyList::Array& record, std::size_t element) {
     return std::string(record.at(element).string().value_or(""));
 }
 
-/// What is wrong with a location; empty when nothing is.
-std::string faultOf(const PropertyList& location) {
+/// Returns an empty string for a valid location.
+std::string faultIn(const PropertyList& location) {
     const PropertyList::Array* record = location.array();
     if (!record || record->size() != 6)
-        return "no record of six elements";
+        return "not a record of six elements";
     for (const std::size_t name : {0U, 1U})
         if (text(*record, name).empty() || text(*record, name).find('_') != std::string::npos)
             return "no readable name at " + std::to_string(name);
     if (!std::filesystem::is_regular_file("/usr/share/zoneinfo/" + text(*record, 2)))
-        return "the system does not know the zone";
+        return "unknown time zone";
     if (!testing::Matches(testing::MatchesRegex("[A-Z][A-Z]"))(text(*record, 5)))
         return "no country code";
     return {};
 }
 
-TEST(Pane, HasWellFormedLocationsThatCanBeToldApartAndLieWhereTheyAre) {
+TEST(Pane, ListsValidLocationsWithUniqueNamesAndCorrectCoordinates) {
     platform::expat::install();
     const auto pane = platform::Bundle::bundleWithPath(HALVEX_PANE);
     ASSERT_TRUE(pane);
@@ -111,13 +112,13 @@ TEST(Pane, HasWellFormedLocationsThatCanBeToldApartAndLieWhereTheyAre) {
     ASSERT_TRUE(locations);
     std::map<std::string, const PropertyList::Array*> found;
     for (const PropertyList& location : *locations) {
-        ASSERT_EQ(faultOf(location), "") << found.size();
+        ASSERT_EQ(faultIn(location), "") << found.size();
         const std::string name = text(*location.array(), 0) + ", " + text(*location.array(), 1);
         EXPECT_TRUE(found.emplace(name, location.array()).second) << name;
     }
     EXPECT_GE(found.size(), 100U);
 
-    // One in each quarter of the globe, with and without seconds in the table.
+    // One per quadrant of the globe, with and without seconds in the table.
     for (const auto& [name, zone, latitude, longitude] :
          {std::tuple("Tokyo, Japan", "Asia/Tokyo", 35.65, 139.75),
           {"New York, United States", "America/New_York", 40.71, -74.01},

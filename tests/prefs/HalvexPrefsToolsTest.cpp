@@ -17,17 +17,17 @@ using Tools = HalvexPrefsTools;
 
 namespace {
 
-/// Says what the test wants, and on which thread it was asked.
-class Scripts final : public platform::ScriptRunner {
+/// Returns the given error, and reports the script and the thread that ran it.
+class FakeScripts final : public platform::ScriptRunner {
   public:
     std::optional<std::string> error;
-    std::promise<std::pair<std::string, std::thread::id>> asked;
+    std::promise<std::pair<std::string, std::thread::id>> ran;
 
     std::optional<std::string> run(const std::string& script) override {
-        const auto answer = error;
-        auto promise = std::move(asked); // this object may go once the promise is kept
+        const auto result = error;
+        auto promise = std::move(ran); // set_value lets the test destroy this object
         promise.set_value({script, std::this_thread::get_id()});
-        return answer;
+        return result;
     }
 
   private:
@@ -40,17 +40,18 @@ class PrefsTools : public testing::Test {
     test::HandOverDesk desk;
 };
 
-TEST_F(PrefsTools, FindThePaneInFourPlacesTheComputersFirst) {
-    const std::string places[] = {
+TEST_F(PrefsTools, FindThePaneAtFourPathsOfWhichTheLocalOnesComeFirst) {
+    const std::string paths[] = {
+        // each one is preferred to those before it
         "~/Library/PreferencePanes/HalvexPro.prefPane",
         "~/Library/PreferencePanes/Halvex Pro.prefPane",
         "/Library/PreferencePanes/HalvexPro.prefPane",
         "/Library/PreferencePanes/Halvex Pro.prefPane",
     };
     EXPECT_EQ(Tools::HalvexPrefsBundle(), nullptr);
-    for (const std::string& place : places) { // each one goes before those that are there
-        tree.make(place);
-        EXPECT_EQ(Tools::HalvexPrefsPath(), tree.path(place));
+    for (const std::string& path : paths) {
+        tree.make(path);
+        EXPECT_EQ(Tools::HalvexPrefsPath(), tree.path(path));
     }
     const auto loaded = std::make_shared<Bundle>(
         "/Loaded", platform::PropertyList::Dictionary{{"CFBundleIdentifier", HalvexPrefsBundleID}});
@@ -60,19 +61,19 @@ TEST_F(PrefsTools, FindThePaneInFourPlacesTheComputersFirst) {
     Bundle::setCode(loaded, Bundle::Code::Unloaded);
 }
 
-TEST_F(PrefsTools, OpenThePaneAndGiveItsPathAlsoWhenThatFails) {
+TEST_F(PrefsTools, OpenThePaneAndReturnItsPathEvenIfOpeningFails) {
     tree.make("~/Library/PreferencePanes/HalvexPro.prefPane");
     const std::string path = tree.path("~/Library/PreferencePanes/HalvexPro.prefPane");
     EXPECT_EQ(Tools::HalvexOpenPrefs(), path);
     desk.opens = false;
     EXPECT_EQ(Tools::HalvexOpenPrefs(), path);
-    const std::string asked = "open " + path + " with System Preferences";
-    EXPECT_THAT(desk.journal(), ElementsAre(asked, asked));
+    const std::string request = "open " + path + " with System Preferences";
+    EXPECT_THAT(desk.journal(), ElementsAre(request, request));
     EXPECT_THAT(tree.log.take(), ElementsAre("Halvex Prefs opened at: " + path,
                                              "Halvex Prefs failed to open " + path));
 }
 
-TEST_F(PrefsTools, SayThatThereIsNoPane) {
+TEST_F(PrefsTools, LogAMissingPane) {
     EXPECT_EQ(Tools::HalvexOpenPrefs(), std::nullopt);
     EXPECT_EQ(Tools::getHalvexBGApplicationPath(), std::nullopt);
     EXPECT_THAT(tree.log.take(), ElementsAre("Halvex Pref bundle not found.",
@@ -83,25 +84,25 @@ TEST_F(PrefsTools, SayThatThereIsNoPane) {
 TEST_F(PrefsTools, SelectAPaneWithAScriptOnAnotherThread) {
     const std::string script = "tell application \"System Preferences\"\nactivate\n"
                                "set the current pane to pane id \"com.example.a%@b\"\nend tell\n";
-    Scripts scripts;
-    auto asked = scripts.asked.get_future();
+    FakeScripts scripts;
+    auto ran = scripts.ran.get_future();
     Tools::openPrefsSelected("com.example.a%@b");
-    const auto [text, thread] = asked.get();
+    const auto [text, thread] = ran.get();
     EXPECT_EQ(text, script);
     EXPECT_NE(thread, std::this_thread::get_id());
 
-    Scripts failing;
+    FakeScripts failing;
     failing.error = "no such pane";
     Tools::openPrefsThread("com.example.a%@b");
     EXPECT_THAT(tree.log.take(), ElementsAre("AppleScript:" + script + "\n error: no such pane"));
 }
 
-TEST_F(PrefsTools, TakeTheFirstBackgroundApplicationAndNoOlderOne) {
+TEST_F(PrefsTools, FindTheFirstBackgroundApplicationOfThisGeneration) {
     const std::string old = "old Halvex 2 version running";
     const struct {
         std::vector<std::string> running;
-        platform::ProcessSerialNumber found; // 9 for none
-        std::size_t oldOnes;
+        platform::ProcessSerialNumber found; // 9: not found
+        std::size_t oldLines;
     } cases[] = {
         {{}, 9, 0},
         {{"halvex", "Halvex.app", " Halvex"}, 9, 0},
@@ -109,12 +110,12 @@ TEST_F(PrefsTools, TakeTheFirstBackgroundApplicationAndNoOlderOne) {
         {{"Halvex 2", "Halvex", "Halvex"}, 2, 1},
         {{"a", "b", "Halvex", "Halvex 2"}, 3, 0},
     };
-    for (const auto& [running, found, oldOnes] : cases) {
+    for (const auto& [running, found, oldLines] : cases) {
         desk.running = running;
         platform::ProcessSerialNumber process = 9;
         EXPECT_EQ(Tools::findHalvexBGProcess(&process), found != 9);
         EXPECT_EQ(process, found);
-        EXPECT_EQ(tree.log.take(), std::vector(oldOnes, old));
+        EXPECT_EQ(tree.log.take(), std::vector(oldLines, old));
         EXPECT_EQ(Tools::findHalvexBGProcess(nullptr), found != 9);
         tree.log.take();
     }
