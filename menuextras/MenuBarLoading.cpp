@@ -78,7 +78,7 @@ void logArchitectures(const platform::Bundle& bundle) {
 
 void turnOn(const MenuExtraKind& kind, const std::string& shipped, const std::string& folder) {
     HalvexMenuExtraTools::installMenuExtra(shipped);
-    // The system's clock is unloaded only after a fresh load, so that a user can add it back.
+    // The system's clock is unloaded only after a fresh load, so that users can add it back.
     if (HalvexMenuExtraTools::isExtraLoaded(kind.identifier))
         return;
     const std::string installed =

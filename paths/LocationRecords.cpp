@@ -22,9 +22,9 @@ namespace {
 constexpr std::size_t kIdentityFields = 5;
 constexpr std::size_t kNetFlag = 13;
 
-// A location is identified by a key, a string of bytes that is equal for equal locations only. In
-// the key, each value starts with a letter for its type. What has no fixed length starts with its
-// length.
+// Locations are compared by key: a byte string that two records share only if they have the same
+// location. In a key, each value starts with a letter for its type, followed by its length if the
+// length varies.
 
 void appendValue(std::string& key, const PropertyList& value);
 
@@ -55,7 +55,7 @@ void appendReal(std::string& key, double value) {
     appendNumber(key, 'r', std::bit_cast<std::uint64_t>(value));
 }
 
-/// The order of the entries does not matter.
+/// Sorts the entries, because their order does not matter.
 void appendDictionary(std::string& key, const Dictionary& dictionary) {
     std::vector<const Dictionary::Entry*> entries;
     for (const Dictionary::Entry& entry : dictionary)

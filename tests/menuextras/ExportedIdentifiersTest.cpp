@@ -8,14 +8,14 @@
 
 namespace {
 
-/// The address of a name in the shared library itself, not in this program.
+/// Returns the address of a symbol in the shared library, not of a copy in this program.
 const void* exported(const char* name) {
     static void* const library = dlopen("libHalvexTools.so.1", RTLD_LAZY);
     EXPECT_NE(library, nullptr) << dlerror();
     return dlsym(library, name);
 }
 
-TEST(ExportedIdentifiers, ConstantsAndFlagsAreExportedUnderTheirOwnNamesWithTheirValues) {
+TEST(ExportedIdentifiers, AreExportedUnderTheirNamesWithTheirValues) {
     const std::vector<std::pair<const char*, std::string>> constants{
         {"HalvexMenuID", "com.quorvanesoftware.HalvexProMenu"},
         {"HalvexASMid", "com.quorvanesoftware.HalvexProASM"},

@@ -89,7 +89,7 @@ class MenuBarLoading : public test::MenuExtraTree {
     const std::string request = "add file:///Some%20where/X.menu 999 0 0 0 0";
 };
 
-TEST_F(MenuBarLoading, EachTagHasAnIdentifierAndAFileAndMayHaveALoadedTest) {
+TEST_F(MenuBarLoading, MapsEachTagToItsIdentifierAndFile) {
     for (const Kind& kind : kKinds) {
         EXPECT_EQ(Tools::menuExtraTagFromID(kind.identifier), kind.tag);
         EXPECT_EQ(Tools::menuExtraPaths(kind.tag), P + '/' + kind.file);
@@ -103,7 +103,7 @@ TEST_F(MenuBarLoading, EachTagHasAnIdentifierAndAFileAndMayHaveALoadedTest) {
     EXPECT_EQ(Tools::menuExtraTagFromID("com.quorvanesoftware.halvexpromenu"), -1);
 }
 
-TEST_F(MenuBarLoading, UnknownTagsAreLoggedUnlessThePaneIsMissing) {
+TEST_F(MenuBarLoading, LogsUnknownTagsUnlessThePaneIsMissing) {
     for (const std::int32_t tag : {0, 7, -1}) {
         EXPECT_EQ(Tools::menuExtraPaths(tag), std::nullopt);
         EXPECT_EQ(Tools::menuExtraInstalledPaths(tag), std::nullopt);
@@ -117,7 +117,7 @@ TEST_F(MenuBarLoading, UnknownTagsAreLoggedUnlessThePaneIsMissing) {
     EXPECT_EQ(log(), "");
 }
 
-TEST_F(MenuBarLoading, AMenuExtraIsLoadedOnlyWithStatus0AndAReference) {
+TEST_F(MenuBarLoading, CountsAMenuExtraAsLoadedOnlyWithStatus0AndAReference) {
     FixedMenuBar fixed;
     for (const auto& [status, reference, isLoaded] :
          {std::tuple(0, 5U, true), {0, 0U, false}, {-1, 5U, false}}) {
@@ -129,7 +129,7 @@ TEST_F(MenuBarLoading, AMenuExtraIsLoadedOnlyWithStatus0AndAReference) {
     }
 }
 
-TEST_F(MenuBarLoading, ALoadWaitsTwiceAndLoadsMenuCrackerInBetween) {
+TEST_F(MenuBarLoading, WaitsForALoadAndRepeatsItWithMenuCracker) {
     const std::string nil = "checkPreflight extraBundle nil - /Some where/X.menu";
     const std::string unable =
         nil + "\nloadExtraWithCrack: unable to load Halvex menu extra " + url + " bundleid X - ";
@@ -170,7 +170,7 @@ TEST_F(MenuBarLoading, ALoadWaitsTwiceAndLoadsMenuCrackerInBetween) {
     }
 }
 
-TEST_F(MenuBarLoading, WithoutAURLOnlyALoadedMenuExtraSucceeds) {
+TEST_F(MenuBarLoading, ReportsAMissingURLUnlessTheMenuExtraIsLoaded) {
     EXPECT_EQ(Tools::loadExtraWithCrack({}, "X"), -2);
     EXPECT_EQ(log(), "loadExtraWithCrack: invalid path: nil, id: X");
     bar.loaded = {"X"};
@@ -178,7 +178,7 @@ TEST_F(MenuBarLoading, WithoutAURLOnlyALoadedMenuExtraSucceeds) {
     EXPECT_EQ(requests() + log(), "");
 }
 
-TEST_F(MenuBarLoading, ALoadIsRepeatedEvenIfThereIsNoMenuCracker) {
+TEST_F(MenuBarLoading, RepeatsALoadEvenWithoutMenuCracker) {
     std::filesystem::remove_all(tree.systemPath(kPane));
     Tools::loadExtraWithCrack(url, "X");
     EXPECT_EQ(requests(), request + '\n' + request);
@@ -194,7 +194,7 @@ TEST_F(MenuBarLoading, ALoadIsRepeatedEvenIfThereIsNoMenuCracker) {
     EXPECT_THAT(log(), testing::HasSubstr("\nMenuCracker not loaded -- missing?\n"));
 }
 
-TEST_F(MenuBarLoading, PreflightOnlyLogsAndNeverPreventsALoad) {
+TEST_F(MenuBarLoading, LogsThePreflightResultAndLoadsAnyway) {
     const std::string path = F + "/X.menu";
     tree.write(tree.shown(path) + "/Contents/Info.plist", infoPlist("1", "X"));
     install("NoCode.menu", "1");
@@ -225,7 +225,7 @@ TEST_F(MenuBarLoading, PreflightOnlyLogsAndNeverPreventsALoad) {
     EXPECT_EQ(Tools::loadExtraWithCrack(url, "X"), 0);
 }
 
-TEST_F(MenuBarLoading, AToggleInstallsAndLoadsThenUnloadsAndRemoves) {
+TEST_F(MenuBarLoading, TogglingInstallsAndLoadsThenUnloadsAndRemoves) {
     for (const auto& [tag, identifier, file, isQueryable, isToggleable] : kKinds) {
         SCOPED_TRACE(tag);
         ship(file, "2");
@@ -250,7 +250,7 @@ TEST_F(MenuBarLoading, AToggleInstallsAndLoadsThenUnloadsAndRemoves) {
     }
 }
 
-TEST_F(MenuBarLoading, TheSystemsClockStaysUnlessTheClockHasJustBeenLoaded) {
+TEST_F(MenuBarLoading, UnloadsTheSystemsClockOnlyAfterAFreshLoad) {
     bar.loaded = {HalvexMenuID, kSystemClock};
     Tools::menuExtraToggle(1, 1);
     EXPECT_EQ(requests(), "");
@@ -261,7 +261,7 @@ TEST_F(MenuBarLoading, TheSystemsClockStaysUnlessTheClockHasJustBeenLoaded) {
     EXPECT_EQ(requests(), "add file://F/HalvexTimeMenu.menu 999 0 0 0 0");
 }
 
-TEST_F(MenuBarLoading, AToggleLogsWhyItFails) {
+TEST_F(MenuBarLoading, LogsWhyAToggleFails) {
     install("HalvexTimeMenu.menu", "1");
     Tools::menuExtraToggle(1, 0);
     EXPECT_EQ(log(), "MenuExtra (com.quorvanesoftware.HalvexProMenu) removal failed.");
@@ -274,7 +274,7 @@ TEST_F(MenuBarLoading, AToggleLogsWhyItFails) {
     EXPECT_EQ(requests(), "");
 }
 
-TEST_F(MenuBarLoading, AToggleLogsExceptionsAndDoesNotRethrowThem) {
+TEST_F(MenuBarLoading, LogsExceptionsInAToggleAndDoesNotRethrowThem) {
     const std::pair<void (*)(), const char*> cases[] = {
         {[] { throw platform::Exception("Name", "why", "more"); },
          "name: Name   reason: why   userInfo: more"},

@@ -35,14 +35,14 @@ class MenuExtraInstall : public test::MenuExtraTree {
     const std::string S = P + "/X.menu";
 };
 
-TEST_F(MenuExtraInstall, InstallingReplacesTheOldCopyOrLogsWhyNot) {
+TEST_F(MenuExtraInstall, ReplacesTheOldCopyOrLogsWhyNot) {
     const Case cases[] = {
         {"2", "", "write F", false, "installMenuExtra: no write access to install Menu Extra at F",
          ""},
         {"", "1", "", false, "installMenuExtra: source P/X.menu missing", "1"},
         {"2", "", "", true, "installed MenuExtra F/X.menu", "2"},
         {"2", "", "copy P/X.menu", false, "failed to install MenuExtra F/X.menu", ""},
-        {"2", "1", "", true, "", "2"}, // the old version is unknown: it has not been opened
+        {"2", "1", "", true, "", "2"}, // its version is not logged: it has not been opened
         {"2", "1", "remove F/X.menu", true,
          "error removing old MenuExtra at F/X.menu\ninstallMenuExtra already installed at F/X.menu",
          "1"},
@@ -55,7 +55,7 @@ TEST_F(MenuExtraInstall, InstallingReplacesTheOldCopyOrLogsWhyNot) {
     }
     for (const std::string more : {"", "\ncopying MenuExtra to F/X.menu"}) {
         arrange({"2", "1", "", {}, {}, {}});
-        ASSERT_TRUE(platform::Bundle::bundleWithPath(X)) << "opened before";
+        ASSERT_TRUE(platform::Bundle::bundleWithPath(X)); // so that the old version is known
         myDebug = more.empty() ? 0 : 1;
         EXPECT_TRUE(Tools::installMenuExtra(S));
         EXPECT_EQ(log(), "replacing MenuExtra (V1) at F/X.menu" + more);
@@ -70,7 +70,7 @@ TEST_F(MenuExtraInstall, InstallingReplacesTheOldCopyOrLogsWhyNot) {
     }
 }
 
-TEST_F(MenuExtraInstall, ACopyIsNeverInstalledOverItself) {
+TEST_F(MenuExtraInstall, NeverReplacesACopyThatContainsTheSource) {
     install("X.menu", "1");
     install("X.menu/Contents/PlugIns/X.menu", "1");
     for (const std::string& path : {X, X + "/", X + "/Contents/PlugIns/X.menu"}) {
@@ -82,7 +82,7 @@ TEST_F(MenuExtraInstall, ACopyIsNeverInstalledOverItself) {
     EXPECT_EQ(version("X.menu") + log(), "2") << "the source only has a similar path";
 }
 
-TEST_F(MenuExtraInstall, APathWithoutANameIsRefused) {
+TEST_F(MenuExtraInstall, RefusesAPathWithoutAName) {
     install("X.menu", "1");
     for (const std::string path : {"", "/", "a/..", "."}) {
         EXPECT_FALSE(Tools::installMenuExtra(path));
@@ -93,7 +93,7 @@ TEST_F(MenuExtraInstall, APathWithoutANameIsRefused) {
     EXPECT_EQ(version("X.menu"), "1");
 }
 
-TEST_F(MenuExtraInstall, RemovingAffectsTheInstalledCopyOnly) {
+TEST_F(MenuExtraInstall, RemovesOnlyTheInstalledCopy) {
     const std::string noAccess = "removeMenuExtra: no write access to F/X.menu";
     const std::string trashed = "Moved to trash Halvex file: F/X.menu";
     const Case cases[] = {
@@ -101,7 +101,7 @@ TEST_F(MenuExtraInstall, RemovingAffectsTheInstalledCopyOnly) {
         {"2", "", "write F", false, "", ""},
         {"2", "1", "write F", false, noAccess, "1"},
         {"2", "1", "write F/X.menu", false, noAccess, "1"},
-        {"2", "1", "remove F/X.menu", true, trashed, "1"}, // the Trash takes it
+        {"2", "1", "remove F/X.menu", true, trashed, "1"}, // and moved to the Trash
         {"2", "1", "remove F/X.menu", false, trashed, "1"},
     };
     for (const Case& c : cases) {
@@ -116,7 +116,7 @@ TEST_F(MenuExtraInstall, RemovingAffectsTheInstalledCopyOnly) {
     }
 }
 
-TEST_F(MenuExtraInstall, AnUpgradeReplacesACopyWhoseVersionDiffers) {
+TEST_F(MenuExtraInstall, UpgradesACopyWhoseVersionDiffers) {
     const std::string name = "HalvexASMMenu.menu";
     const std::string changing = "Halvex Pro: Changing versions of Menu Extra (logout required): ";
     const std::string noAccess = "\ninstallMenuExtra: no write access to install Menu Extra at F";
@@ -146,7 +146,7 @@ TEST_F(MenuExtraInstall, AnUpgradeReplacesACopyWhoseVersionDiffers) {
     }
 }
 
-TEST_F(MenuExtraInstall, UpgradingTag1Or2Or5RemovesTheObsoleteMenuExtras) {
+TEST_F(MenuExtraInstall, RemovesObsoleteMenuExtrasAfterAnUpgrade) {
     const std::vector<std::string> upgradable{"HalvexTimeMenu.menu", "HalvexASMMenu.menu",
                                               "HalvexDateCalMenu.menu"};
     const std::pair<std::string, std::string> others[] = {
@@ -183,7 +183,7 @@ TEST_F(MenuExtraInstall, UpgradingTag1Or2Or5RemovesTheObsoleteMenuExtras) {
     }
 }
 
-TEST_F(MenuExtraInstall, AGenerationIsFoundAndUnloadedWithoutTheOther) {
+TEST_F(MenuExtraInstall, FindsAndUnloadsEachGenerationSeparately) {
     const std::string prefix = "remove com.quorvanesoftware.Halvex";
     const std::vector<std::string> old{HalvexProOldCalMenuID, Halvex2ASMid, HalvexTodoID,
                                        Halvex2MenuID};

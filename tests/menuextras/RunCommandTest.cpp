@@ -9,14 +9,14 @@
 
 namespace {
 
-TEST(RunCommand, SaysSoAndBeepsWithoutAPipe) {
+TEST(RunCommand, LogsAndBeepsIfNoPipeCanBeOpened) {
     test::RecordingLog log;
     const test::TemporaryFolder folder;
     const std::string command = "echo 100%@ >" + folder.file("done");
     rlimit previous{};
     getrlimit(RLIMIT_NOFILE, &previous);
     const rlimit none{.rlim_cur = 3, .rlim_max = previous.rlim_max};
-    setrlimit(RLIMIT_NOFILE, &none); // no further file can be opened
+    setrlimit(RLIMIT_NOFILE, &none); // opening any file now fails
     EXPECT_EQ(HalvexRunCommand::HalvexUtilGetPipeData(command), std::nullopt);
     HalvexRunCommand::HalvexRunNoOutput(command);
     setrlimit(RLIMIT_NOFILE, &previous);

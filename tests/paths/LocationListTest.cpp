@@ -53,7 +53,7 @@ class LocationList : public testing::Test {
     const std::string other = xml({record("other")});
 };
 
-TEST_F(LocationList, IsReadFromItsFileElseFromThePaneElseEmpty) {
+TEST_F(LocationList, FallsBackToThePanesListAndThenToAnEmptyOne) {
     using File = std::pair<std::string, std::string>;
     using Lines = std::vector<std::string>;
     const File list{kList, xml({record("list")})};
@@ -113,7 +113,7 @@ TEST_F(LocationList, PrefersTheLoadedPaneToInstalledPanes) {
                                              kNoPane, "Default locations loaded"));
 }
 
-TEST_F(LocationList, IsMovedFromTheFirstOldPathElseFromTheSecond) {
+TEST_F(LocationList, IsMovedFromTheFirstOldPathOrElseTheSecond) {
     const std::string moved = "Moved Locations from Path = ";
     tree.write("~/first", mine);
     tree.write("~/second", other);
@@ -141,7 +141,7 @@ TEST_F(LocationList, IsMovedFromTheFirstOldPathElseFromTheSecond) {
     EXPECT_FALSE(tree.exists("~/second"));
 }
 
-TEST_F(LocationList, SavingWritesBothFilesIndependentlyAndLogsAFailedWrite) {
+TEST_F(LocationList, SavesOneFileEvenIfTheOtherCannotBeWritten) {
     const std::string saving = "Saving Halvex locations: " + tree.path(kList) + " (2)";
     const std::string caching = "Saving net locations cache: " + tree.path(kCache) + " (1)";
     for (const std::string& blocked : {kCache, kList}) {
@@ -161,7 +161,7 @@ TEST_F(LocationList, SavingWritesBothFilesIndependentlyAndLogsAFailedWrite) {
     EXPECT_TRUE(tree.exists(kCache));
 }
 
-TEST_F(LocationList, SavingWithoutNetRecordsKeepsTheCache) {
+TEST_F(LocationList, KeepsTheCacheIfThereAreNoNetRecordsToSave) {
     tree.write(kCache, other);
     EXPECT_TRUE(Paths::HalvexSaveLocationTable({record("mine")}));
     EXPECT_EQ(tree.read(kCache), other);

@@ -30,7 +30,7 @@ PropertyList flagged(const PropertyList& original) {
     return fields;
 }
 
-TEST(LocationRecords, FieldsAreComparedByValueNotByType) {
+TEST(LocationRecords, AreComparedByValueNotByType) {
     const std::int64_t two53 = std::int64_t{1} << 53;
     const auto two63 = std::uint64_t{1} << 63;
     const auto maximum = std::numeric_limits<std::uint64_t>::max();
@@ -72,7 +72,7 @@ TEST(LocationRecords, FieldsAreComparedByValueNotByType) {
             }
 }
 
-TEST(LocationRecords, MergingAppendsTheCachedRecordsThatTheListLacks) {
+TEST(LocationRecords, MergeAppendsTheCachedRecordsThatTheListLacks) {
     const PropertyList a = record("a");
     const PropertyList b = record("b");
     const PropertyList c = record("c");
@@ -118,7 +118,7 @@ TEST(LocationRecords, MergingAppendsTheCachedRecordsThatTheListLacks) {
     }
 }
 
-TEST(LocationRecords, SplittingDependsOnTheLengthAlone) {
+TEST(LocationRecords, AreSplitByLengthAlone) {
     PropertyList fourteen = record("14", 14);
     fourteen.array()->back() = false;
     const SplitRecords split =

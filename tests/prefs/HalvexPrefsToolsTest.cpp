@@ -40,7 +40,7 @@ class PrefsTools : public testing::Test {
     test::HandOverDesk desk;
 };
 
-TEST_F(PrefsTools, FindThePaneAtFourPathsOfWhichTheLocalOnesComeFirst) {
+TEST_F(PrefsTools, FindALocalPaneBeforeTheUsers) {
     const std::string paths[] = {
         // each one is preferred to those before it
         "~/Library/PreferencePanes/HalvexPro.prefPane",
