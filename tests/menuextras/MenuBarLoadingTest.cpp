@@ -1,4 +1,3 @@
-#include "platform/Bundle.h"
 #include "platform/DynamicLoader.h"
 #include "tests/menuextras/MenuExtraTree.h"
 
@@ -184,12 +183,8 @@ TEST_F(MenuBarLoading, RepeatsALoadEvenWithoutMenuCracker) {
     EXPECT_EQ(requests(), request + '\n' + request);
     EXPECT_THAT(log(), testing::Not(testing::HasSubstr("missing?"))) << "the pane is missing";
 
-    const auto pane = std::make_shared<platform::Bundle>(
-        "relative",
-        platform::PropertyList::Dictionary{{"CFBundleIdentifier", HalvexPrefsBundleID}});
-    platform::Bundle::setCode(pane, platform::Bundle::Code::Loaded);
+    const test::LoadedPane pane("relative");
     Tools::loadExtraWithCrack(url, "X");
-    platform::Bundle::setCode(pane, platform::Bundle::Code::Unloaded);
     EXPECT_EQ(requests(), request + '\n' + request);
     EXPECT_THAT(log(), testing::HasSubstr("\nMenuCracker not loaded -- missing?\n"));
 }

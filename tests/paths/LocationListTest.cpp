@@ -1,13 +1,10 @@
-#include "menuextras/ExportedIdentifiers.h"
 #include "paths/ovxPaths.h"
-#include "platform/Bundle.h"
 #include "platform/PropertyListService.h"
 #include "tests/paths/SupportTree.h"
 
 #include <gmock/gmock.h>
 
 using namespace test;
-using platform::Bundle;
 using platform::PropertyList;
 using testing::ElementsAre;
 using Array = PropertyList::Array;
@@ -101,13 +98,12 @@ TEST_F(LocationList, PrefersTheLoadedPaneToInstalledPanes) {
     const std::string path = "~/Pane.prefPane";
     tree.write(path + kResource, mine);
     tree.write(kPaneForAll + kResource, other);
-    const auto pane = std::make_shared<Bundle>(
-        tree.path(path), PropertyList::Dictionary{{"CFBundleIdentifier", HalvexPrefsBundleID}});
-    Bundle::setCode(pane, Bundle::Code::Loaded);
-    EXPECT_EQ(Paths::HalvexLoadLocationFile(), Array{record("mine")});
-    fs::remove(tree.systemPath(path + kResource));
-    EXPECT_EQ(Paths::HalvexLoadLocationFile(), Array());
-    Bundle::setCode(pane, Bundle::Code::Unloaded);
+    {
+        const LoadedPane pane(tree.path(path));
+        EXPECT_EQ(Paths::HalvexLoadLocationFile(), Array{record("mine")});
+        fs::remove(tree.systemPath(path + kResource));
+        EXPECT_EQ(Paths::HalvexLoadLocationFile(), Array());
+    }
     EXPECT_EQ(Paths::HalvexLoadLocationFile(), Array{record("other")});
     EXPECT_THAT(tree.log.take(), ElementsAre("Default locations loaded", missing(tree.path(path)),
                                              kNoPane, "Default locations loaded"));

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "menuextras/ExportedIdentifiers.h"
+#include "platform/Bundle.h"
 #include "platform/expat/ExpatPropertyLists.h"
 #include "platform/posix/PosixFileManager.h"
 #include "tests/support/RecordingLog.h"
@@ -7,9 +9,11 @@
 #include "tests/support/TemporaryFolder.h"
 
 #include <filesystem>
+#include <memory>
 #include <set>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 namespace test {
@@ -92,6 +96,19 @@ class SupportTree {
 
   public:
     RefusingFiles files{root_};
+};
+
+/// A preference pane whose code counts as loaded in this process while the object exists.
+struct LoadedPane : platform::NonCopyable {
+    explicit LoadedPane(std::string path)
+        : bundle(std::make_shared<platform::Bundle>(
+              std::move(path),
+              platform::PropertyList::Dictionary{{"CFBundleIdentifier", HalvexPrefsBundleID}})) {
+        platform::Bundle::setCode(bundle, platform::Bundle::Code::Loaded);
+    }
+    ~LoadedPane() { platform::Bundle::setCode(bundle, platform::Bundle::Code::Unloaded); }
+
+    const std::shared_ptr<platform::Bundle> bundle;
 };
 
 constexpr const char* kUser = "~/Library/Application Support";

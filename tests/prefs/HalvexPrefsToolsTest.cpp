@@ -1,6 +1,5 @@
 #include "prefs/HalvexPrefsTools.h"
 
-#include "menuextras/ExportedIdentifiers.h"
 #include "platform/ScriptRunner.h"
 #include "tests/paths/SupportTree.h"
 #include "tests/support/HandOverDesk.h"
@@ -11,7 +10,6 @@
 #include <future>
 #include <thread>
 
-using platform::Bundle;
 using testing::ElementsAre;
 using Tools = HalvexPrefsTools;
 
@@ -53,12 +51,9 @@ TEST_F(PrefsTools, FindALocalPaneBeforeTheUsers) {
         tree.make(path);
         EXPECT_EQ(Tools::HalvexPrefsPath(), tree.path(path));
     }
-    const auto loaded = std::make_shared<Bundle>(
-        "/Loaded", platform::PropertyList::Dictionary{{"CFBundleIdentifier", HalvexPrefsBundleID}});
-    Bundle::setCode(loaded, Bundle::Code::Loaded);
-    EXPECT_EQ(Tools::HalvexPrefsBundle(), loaded);
+    const test::LoadedPane loaded("/Loaded");
+    EXPECT_EQ(Tools::HalvexPrefsBundle(), loaded.bundle);
     EXPECT_EQ(Tools::getHalvexBGApplicationPath(), "/Loaded/Contents/PlugIns/Halvex.app");
-    Bundle::setCode(loaded, Bundle::Code::Unloaded);
 }
 
 TEST_F(PrefsTools, OpenThePaneAndReturnItsPathEvenIfOpeningFails) {
