@@ -79,11 +79,12 @@ TEST(LocationRecords, MergeAppendsTheCachedRecordsThatTheListLacks) {
     const PropertyList shortOne = record("s", 4);
     const PropertyList empty = Array();
     const PropertyList dictionary = PropertyList::Dictionary();
-    const auto differingAt = [&](std::size_t position) {
+    const auto differingAt = [&](std::size_t position, const char* text = "other") {
         PropertyList fields = a;
-        (*fields.array())[position] = "other";
+        (*fields.array())[position] = text;
         return fields;
     };
+    const PropertyList asr = record("asr"), rsr = differingAt(1, "rsr");
     Array variants, lengths;
     for (std::size_t position = 0; position < 5; ++position)
         variants.push_back(differingAt(position));
@@ -96,6 +97,7 @@ TEST(LocationRecords, MergeAppendsTheCachedRecordsThatTheListLacks) {
         {"order", {b, a}, {c, record("d")}, {b, a, flagged(c), flagged(record("d"))}, 0},
         {"the list's record wins", {a}, {differingAt(5)}, {a}, 1},
         {"each of the five fields counts", variants, {a}, variantsAndA, 0},
+        {"the same text in other fields", {asr}, {rsr}, {asr, flagged(rsr)}, 0},
         {"duplicates in the cache", {a}, {b, b, a}, {a, flagged(b), flagged(b)}, 1},
         {"duplicates in the list", {a, a}, {a}, {a, a}, 1},
         {"lengths", {}, lengths, flaggedLengths, 0},
