@@ -19,28 +19,29 @@ namespace {
 
 constexpr CommandLine kCommandLine{
     R"(Usage: Halvex [--appearance desktop|light|dark]
-Waits in the background for what menu extras ask of it, such as the calculator. Each session has one:
-a second start brings its window to the front.
+Run in the background and show the calculator when a menu extra requests it. One process runs per
+session: a second start brings the first one's window to the front.
 
-  --appearance    the desktop's colours (as it is without the option), light or dark ones
-  --help, --version
+  --appearance    Use the desktop's colours (the default), light or dark ones.
+  --help          Show this help.
+  --version       Show the version.
 )"};
 constexpr const char* kBusName = "com.quorvanesoftware.Halvex";
 constexpr const char* kName = "Halvex";
 constexpr const char* kShowCalculator = "HalvexShowCalculatorNotification";
 
-SessionApplication::Handlers handlersOf(CalculatorWindow& calculator) {
+SessionApplication::Handlers makeHandlers(CalculatorWindow& calculator) {
     return {.activate =
                 [&calculator] {
                     if (calculator.isVisible())
-                        calculator.present();
+                        bringToFront(calculator);
                 },
-            .open = [](const QStringList&) { return QString("Halvex opens no files"); },
-            .act =
+            .open = [](const QStringList&) { return QString("Halvex cannot open files"); },
+            .runAction =
                 [&calculator](const QString& action, const QVariantList&) {
                     if (action != "calculator")
-                        return QString("Halvex has no action \"%1\"").arg(action);
-                    calculator.present();
+                        return QString("unknown action \"%1\": use \"calculator\"").arg(action);
+                    bringToFront(calculator);
                     return QString();
                 }};
 }
@@ -48,24 +49,24 @@ SessionApplication::Handlers handlersOf(CalculatorWindow& calculator) {
 int runInBackground(const WindowOptions& options) {
     QApplication::setQuitOnLastWindowClosed(false);
     CalculatorWindow calculator;
-    SessionApplication application(kBusName, handlersOf(calculator));
+    SessionApplication application(kBusName, makeHandlers(calculator));
     new WindowService(application, calculator);
     switch (application.claim()) {
-    case SessionApplication::Claim::Second:
-        return application.askFirst("Activate") ? 0 : 1;
-    case SessionApplication::Claim::NoBus:
-        logLine("no session bus: nobody can ask anything of Halvex");
+    case BusName::Claim::Taken:
+        return application.callRunningInstance("Activate") ? 0 : 1;
+    case BusName::Claim::NoBus:
+        logLine("Halvex cannot start: there is no session bus");
         return 1;
-    case SessionApplication::Claim::First:
+    case BusName::Claim::Acquired:
         break;
     }
     const QuitOnSignals quitOnSignals;
     const ProgramAppearance appearance(options.appearance);
-    const auto observer = std::make_shared<int>(); // hears as long as this function runs
+    const auto observer = std::make_shared<int>(); // removes the handler when this function returns
     platform::distributedNotificationCenter().addObserver(
         observer, kShowCalculator,
-        [&calculator](const platform::Notification&) { calculator.present(); });
-    platform::announceLaunch(kName); // from now on it can be asked for something
+        [&calculator](const platform::Notification&) { bringToFront(calculator); });
+    platform::announceLaunch(kName); // requests are handled from here on
     return QApplication::exec();
 }
 

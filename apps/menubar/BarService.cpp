@@ -2,12 +2,9 @@
 
 #include "apps/menubar/ItemRegistry.h"
 #include "apps/menubar/MenuBar.h"
-#include "platform/Log.h"
 #include "platform/qt/BarNames.h"
 #include "platform/qt/Strings.h"
 
-#include <QCoreApplication>
-#include <QDBusConnection>
 #include <QDBusMetaType>
 
 using platform::qt::BarItem;
@@ -18,7 +15,7 @@ using platform::qt::qString;
 namespace apps {
 
 BarService::BarService(MenuBar& menuBar, ItemRegistry& registry)
-    : QDBusAbstractAdaptor(&menuBar), menuBar_(menuBar), registry_(registry) {
+    : QDBusAbstractAdaptor(&menuBar), menuBar_(menuBar), registry_(registry), busName_(kBarBusName) {
     qDBusRegisterMetaType<BarItem>();
     qDBusRegisterMetaType<QList<BarItem>>();
     connect(&menuBar.items(), &ItemCollection::added, this,
@@ -28,18 +25,8 @@ BarService::BarService(MenuBar& menuBar, ItemRegistry& registry)
     });
 }
 
-BarService::Registration BarService::registerOnBus() {
-    auto bus = QDBusConnection::sessionBus();
-    if (!bus.isConnected() || !bus.registerObject(kBarObjectPath, &menuBar_))
-        return Registration::NoBus;
-    bus.connect("", "/org/freedesktop/DBus/Local", "org.freedesktop.DBus.Local", "Disconnected",
-                this, SLOT(endSession()));
-    return bus.registerService(kBarBusName) ? Registration::Done : Registration::TakenByAnother;
-}
-
-void BarService::endSession() {
-    platform::logLine("the session bus has gone, and the menu bar with it");
-    QCoreApplication::quit();
+BusName::Claim BarService::registerOnBus() {
+    return busName_.claim(kBarObjectPath, menuBar_);
 }
 
 int BarService::GetMenuExtra(const QString& identifier, uint& reference) {

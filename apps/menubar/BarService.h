@@ -1,5 +1,6 @@
 #pragma once
 
+#include "apps/support/BusName.h"
 #include "platform/qt/BarItem.h"
 
 #include <QDBusAbstractAdaptor>
@@ -18,14 +19,11 @@ class BarService final : public QDBusAbstractAdaptor {
     Q_CLASSINFO("D-Bus Interface", "com.quorvanesoftware.MenuBar1")
 
   public:
-    enum class Registration { Done, TakenByAnother, NoBus };
-
     /// Requests for adding, removing and finding items go to @p registry, all others to @p menuBar.
     BarService(MenuBar& menuBar, ItemRegistry& registry);
 
-    /// Takes the well-known name; TakenByAnother when another bar has it. The session is over for
-    /// the bar when this bus goes: it then ends the main loop, for it could not be told to.
-    Registration registerOnBus();
+    /// Claims the bar's well-known name and object path (see BusName::claim).
+    BusName::Claim registerOnBus();
 
   public slots:
     int GetMenuExtra(const QString& identifier, uint& reference);
@@ -39,12 +37,10 @@ class BarService final : public QDBusAbstractAdaptor {
     void MenuExtraLoaded(const QString& identifier);
     void MenuExtraUnloaded(const QString& identifier);
 
-  private slots:
-    void endSession();
-
   private:
     MenuBar& menuBar_;
     ItemRegistry& registry_;
+    BusName busName_;
 };
 
 } // namespace apps

@@ -25,13 +25,13 @@ int runBar(const Options& options) {
     ItemRegistry registry(menuBar.items(), journal, Admission(options.admit, ownItemsFolder()));
     BarService service(menuBar, registry);
     switch (service.registerOnBus()) {
-    case BarService::Registration::TakenByAnother:
+    case BusName::Claim::Taken:
         logLine("another menu bar is running on this session bus");
         return 1;
-    case BarService::Registration::NoBus:
+    case BusName::Claim::NoBus:
         logLine("no session bus: nobody can talk to this menu bar");
         break;
-    case BarService::Registration::Done:
+    case BusName::Claim::Acquired:
         break;
     }
     const QuitOnSignals quitOnSignals; // before items load: a signal must not look like their crash

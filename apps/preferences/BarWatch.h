@@ -5,8 +5,7 @@
 
 namespace apps {
 
-/// Tells when the menu bar may have other items than before: when it says so, comes, or goes. Main
-/// thread.
+/// Watches the menu bar on the session bus. Main thread only.
 class BarWatch final : public QObject {
     Q_OBJECT
 
@@ -14,6 +13,7 @@ class BarWatch final : public QObject {
     BarWatch();
 
   signals:
+    /// The bar has loaded or unloaded an item, started or exited.
     void changed();
 
   private slots:

@@ -5,6 +5,7 @@
 #include "platform/FileManager.h"
 #include "platform/MainThread.h"
 #include "platform/base/PathStrings.h"
+#include "platform/qt/Strings.h"
 
 #include <QCheckBox>
 #include <QEvent>
@@ -15,14 +16,15 @@
 #include <utility>
 
 using platform::Bundle;
+using platform::qt::qString;
 
 namespace apps {
 namespace {
 
 constexpr int kUnknownTag = -1;
-constexpr int kLighter = 280; // percent
+constexpr int kBoxLightness = 280; // percent of the window colour
 
-/// The menu extras that a pane ships, by file name.
+/// Returns the menu extras in a pane, sorted by file name.
 std::vector<std::shared_ptr<Bundle>> shippedExtras(const Bundle& pane) {
     std::vector<std::shared_ptr<Bundle>> extras;
     const std::string folder = pane.builtInPlugInsPath();
@@ -49,11 +51,11 @@ MenuExtraSwitches::MenuExtraSwitches(const Bundle& pane, std::function<bool()> i
     for (const auto& extra : shippedExtras(pane))
         addSwitch(*extra);
     if (switches_.empty())
-        column->addWidget(new QLabel("This pane ships no menu extras."));
+        column->addWidget(new QLabel("This pane contains no menu extras."));
     message_->setWordWrap(true);
     column->addWidget(message_);
     column->addStretch();
-    colourBoxes();
+    updateBoxColours();
     refresh();
 }
 
@@ -68,11 +70,11 @@ void MenuExtraSwitches::addSwitch(const Bundle& extra) {
     if (tag == kUnknownTag)
         return;
     const std::string name = platform::lastPathComponent(extra.bundlePath());
-    auto* const box = new QCheckBox(
-        QString::fromStdString(extra.stringForInfoDictionaryKey("CFBundleName").value_or(name)));
-    box->setEnabled(false); // until the bar has been asked
+    auto* const box =
+        new QCheckBox(qString(extra.stringForInfoDictionaryKey("CFBundleName").value_or(name)));
+    box->setEnabled(false); // until the bar has replied
     connect(box, &QCheckBox::clicked, this,
-            [this, index = switches_.size()](bool on) { turn(index, on); });
+            [this, index = switches_.size()](bool on) { toggle(index, on); });
     layout()->addWidget(box);
     switches_.push_back({tag, identifier, box});
 }
@@ -80,23 +82,23 @@ void MenuExtraSwitches::addSwitch(const Bundle& extra) {
 void MenuExtraSwitches::changeEvent(QEvent* event) {
     QWidget::changeEvent(event);
     if (event->type() == QEvent::PaletteChange)
-        colourBoxes();
+        updateBoxColours();
 }
 
-/// On a dark ground the style's boxes can hardly be seen.
-void MenuExtraSwitches::colourBoxes() {
+/// Makes the boxes visible on a dark background, where the style draws them too dark.
+void MenuExtraSwitches::updateBoxColours() {
     QPalette colours = palette();
     const QColor window = colours.color(QPalette::Window);
     if (window.lightness() < 128)
-        colours.setColor(QPalette::Base, window.lighter(kLighter));
+        colours.setColor(QPalette::Base, window.lighter(kBoxLightness));
     for (const Switch& entry : switches_)
         entry.box->setPalette(colours);
 }
 
 void MenuExtraSwitches::refresh() {
     for (const Switch& entry : switches_) {
-        later([this, box = entry.box, identifier = entry.identifier] {
-            showLater([this, box, loaded = isLoaded(identifier)] {
+        runOnWorker([this, box = entry.box, identifier = entry.identifier] {
+            runOnMainThread([this, box, loaded = isLoaded(identifier)] {
                 const auto found = std::ranges::find(switches_, box, &Switch::box);
                 if (found->isBusy)
                     return;
@@ -107,43 +109,45 @@ void MenuExtraSwitches::refresh() {
     }
 }
 
-void MenuExtraSwitches::turn(std::size_t index, bool on) {
+void MenuExtraSwitches::toggle(std::size_t index, bool on) {
     Switch& entry = switches_[index];
     entry.isBusy = true;
     entry.box->setEnabled(false);
     message_->setText(QString(on ? "Turning on %1 …" : "Turning off %1 …").arg(entry.box->text()));
-    later([this, index, on, tag = entry.tag, identifier = entry.identifier] {
+    runOnWorker([this, index, on, tag = entry.tag, identifier = entry.identifier] {
         paths::makeHomeFolders(platform::fileManager());
         HalvexMenuExtraTools::menuExtraToggle(tag, on ? 1 : 0);
-        showLater([this, index, on, loaded = isLoaded(identifier)] { turned(index, on, loaded); });
+        runOnMainThread([this, index, on, loaded = isLoaded(identifier)] {
+            showToggleResult(index, on, loaded);
+        });
     });
 }
 
-void MenuExtraSwitches::turned(std::size_t index, bool wanted, bool loaded) {
+void MenuExtraSwitches::showToggleResult(std::size_t index, bool requested, bool loaded) {
     Switch& entry = switches_[index];
     entry.isBusy = false;
     entry.box->setChecked(loaded);
     entry.box->setEnabled(true);
-    entry.box->setFocus(); // disabling it has taken the focus away
-    const QString failure = wanted ? "%1 could not be turned on; the system log says why."
-                                   : "%1 could not be turned off; the system log says why.";
-    message_->setText(loaded == wanted ? QString() : failure.arg(entry.box->text()));
+    entry.box->setFocus(); // disabling it moved the focus
+    const QString failure = requested ? "%1 could not be turned on. See the system log."
+                                      : "%1 could not be turned off. See the system log.";
+    message_->setText(loaded == requested ? QString() : failure.arg(entry.box->text()));
 }
 
 bool MenuExtraSwitches::isLoaded(const std::string& identifier) const {
     return isBarRunning_() && HalvexMenuExtraTools::isExtraLoaded(identifier);
 }
 
-void MenuExtraSwitches::later(std::function<void()> work) {
+void MenuExtraSwitches::runOnWorker(std::function<void()> work) {
     worker_.start(std::move(work));
 }
 
-void MenuExtraSwitches::showLater(std::function<void()> code) {
-    const auto unlessGone = [self = QPointer(this), code = std::move(code)] {
+void MenuExtraSwitches::runOnMainThread(std::function<void()> work) {
+    const auto unlessDestroyed = [self = QPointer(this), work = std::move(work)] {
         if (self)
-            code();
+            work();
     };
-    platform::mainThread().perform(unlessGone, platform::MainThread::Wait::No);
+    platform::mainThread().perform(unlessDestroyed, platform::MainThread::Wait::No);
 }
 
 } // namespace apps

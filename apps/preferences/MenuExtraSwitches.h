@@ -14,19 +14,21 @@ class QCheckBox;
 
 namespace apps {
 
-/// The interface of the product's pane: a check box for each menu extra that it ships, checked
-/// while the menu bar has it. The pane is to be the one that the process has loaded, for the
-/// library turns on what that one ships.
+/// The page of the product's own preference pane: one check box per menu extra in the pane, checked
+/// while the menu bar has loaded the item. Toggling a box installs and loads the item, or unloads
+/// and removes it. Main thread only.
 class MenuExtraSwitches final : public QWidget {
     Q_OBJECT
 
   public:
-    /// @p isBarRunning is asked on another thread before the bar is, so that looking starts none.
+    /// @p pane must be the pane that this process has loaded (Bundle::setCode), because items are
+    /// installed from that one. @p isBarRunning is called on another thread before each query, so
+    /// that a query does not start the bar.
     MenuExtraSwitches(const platform::Bundle& pane, std::function<bool()> isBarRunning);
-    /// Waits for what is being turned on or off, for some seconds at most.
+    /// Waits for the current operation on an item, which may take several seconds.
     ~MenuExtraSwitches() override;
 
-    /// Asks the bar anew; what it says is shown later.
+    /// Queries the bar on another thread and updates the boxes when it has replied.
     void refresh();
 
   protected:
@@ -37,18 +39,19 @@ class MenuExtraSwitches final : public QWidget {
         std::int32_t tag = 0;
         std::string identifier;
         QCheckBox* box = nullptr;
-        bool isBusy = false; ///< being turned on or off
+        bool isBusy = false; ///< being toggled
     };
 
     void addSwitch(const platform::Bundle& extra);
-    void colourBoxes();
-    void turn(std::size_t index, bool on);
-    void turned(std::size_t index, bool wanted, bool loaded);
+    void updateBoxColours();
+    void toggle(std::size_t index, bool on);
+    void showToggleResult(std::size_t index, bool requested, bool loaded);
     bool isLoaded(const std::string& identifier) const;
-    /// Runs on the one worker thread: the bar may take seconds.
-    void later(std::function<void()> work);
-    /// Runs on the main thread, unless this is gone by then. Worker thread.
-    void showLater(std::function<void()> code);
+    /// Queues @p work for the worker thread, because calls to the bar may block for seconds.
+    void runOnWorker(std::function<void()> work);
+    /// Queues @p work for the main thread. It is dropped if this object has been destroyed by then.
+    /// Worker thread only.
+    void runOnMainThread(std::function<void()> work);
 
     const std::function<bool()> isBarRunning_;
     std::vector<Switch> switches_;

@@ -3,6 +3,7 @@
 #include "apps/preferences/MenuExtraSwitches.h"
 #include "menuextras/ExportedIdentifiers.h"
 #include "platform/Log.h"
+#include "platform/qt/Strings.h"
 
 #include <QAction>
 #include <QLabel>
@@ -11,18 +12,19 @@
 #include <utility>
 
 using platform::Bundle;
+using platform::qt::qString;
 
 namespace apps {
 namespace {
 
 constexpr QSize kSize(440, 230);
 constexpr int kMargin = 20;
-constexpr double kHeadline = 1.5; // of the font's size
+constexpr double kHeadlineScale = 1.5; // relative to the font size
 
 QLabel* headline(const QString& text) {
     auto* const label = new QLabel(text);
     QFont face = label->font();
-    face.setPointSizeF(face.pointSizeF() * kHeadline);
+    face.setPointSizeF(face.pointSizeF() * kHeadlineScale);
     face.setBold(true);
     label->setFont(face);
     label->setWordWrap(true);
@@ -44,7 +46,7 @@ bool isSame(const Bundle& one, const Bundle& other) {
 
 QString versionText(const Bundle& pane) {
     const auto version = pane.stringForInfoDictionaryKey("CFBundleShortVersionString");
-    return version ? "Version " + QString::fromStdString(*version) : QString();
+    return version ? "Version " + qString(*version) : QString();
 }
 
 } // namespace
@@ -54,29 +56,29 @@ PreferencesWindow::PreferencesWindow(std::function<bool()> isBarRunning)
     auto* const column = new QVBoxLayout(this);
     column->setContentsMargins(kMargin, kMargin, kMargin, kMargin);
     resize(kSize);
-    auto* const closing = new QAction(this);
-    closing->setShortcuts({QKeySequence(QKeySequence::Close), QKeySequence(Qt::Key_Escape)});
-    connect(closing, &QAction::triggered, this, &QWidget::close);
-    addAction(closing);
+    auto* const closeAction = new QAction(this);
+    closeAction->setShortcuts({QKeySequence(QKeySequence::Close), QKeySequence(Qt::Key_Escape)});
+    connect(closeAction, &QAction::triggered, this, &QWidget::close);
+    addAction(closeAction);
 }
 
 PreferencesWindow::~PreferencesWindow() {
     delete page_;
-    open(nullptr);
+    setPane(nullptr);
 }
 
-void PreferencesWindow::show(const PaneChoice& choice) {
-    if (pane_ && choice.pane && isSame(*pane_, *choice.pane))
+void PreferencesWindow::showPane(const PaneLookup& lookup) {
+    if (pane_ && lookup.pane && isSame(*pane_, *lookup.pane))
         return;
     QVBoxLayout& column = newPage();
-    open(choice.pane);
+    setPane(lookup.pane);
     if (pane_)
-        showPane(column);
+        fillPanePage(column);
     else
-        showReason(choice, column);
+        fillErrorPage(lookup, column);
 }
 
-void PreferencesWindow::open(std::shared_ptr<Bundle> pane) {
+void PreferencesWindow::setPane(std::shared_ptr<Bundle> pane) {
     if (pane_)
         Bundle::setCode(pane_, Bundle::Code::Unloaded);
     pane_ = std::move(pane);
@@ -84,8 +86,8 @@ void PreferencesWindow::open(std::shared_ptr<Bundle> pane) {
         Bundle::setCode(pane_, Bundle::Code::Loaded);
 }
 
-void PreferencesWindow::showPane(QVBoxLayout& column) {
-    const QString name = QString::fromStdString(paneName(*pane_));
+void PreferencesWindow::fillPanePage(QVBoxLayout& column) {
+    const QString name = qString(paneName(*pane_));
     setWindowTitle(name);
     column.addWidget(headline(name));
     column.addWidget(new QLabel(versionText(*pane_)));
@@ -95,16 +97,16 @@ void PreferencesWindow::showPane(QVBoxLayout& column) {
         column.addWidget(switches_, 1);
         return;
     }
-    column.addWidget(paragraph("This pane has no settings that can be shown here."), 1);
+    column.addWidget(paragraph("This pane has no settings that this program can show."), 1);
 }
 
-void PreferencesWindow::showReason(const PaneChoice& choice, QVBoxLayout& column) {
-    platform::logLine("preference pane %@ cannot be shown: %@", choice.wanted, choice.reason);
+void PreferencesWindow::fillErrorPage(const PaneLookup& lookup, QVBoxLayout& column) {
+    platform::logLine("preference pane %@ cannot be shown: %@", lookup.request, lookup.error);
     setWindowTitle("Preferences");
     column.addWidget(headline("This preference pane cannot be shown"));
     column.addSpacing(kMargin / 2);
-    column.addWidget(paragraph(QString::fromStdString(choice.wanted)));
-    column.addWidget(paragraph(QString::fromStdString(choice.reason)));
+    column.addWidget(paragraph(qString(lookup.request)));
+    column.addWidget(paragraph(qString(lookup.error)));
     column.addStretch();
 }
 
@@ -116,13 +118,6 @@ QVBoxLayout& PreferencesWindow::newPage() {
     auto* const column = new QVBoxLayout(page_);
     column->setContentsMargins(0, 0, 0, 0);
     return *column;
-}
-
-void PreferencesWindow::present() {
-    setWindowState(windowState() & ~Qt::WindowMinimized);
-    QWidget::show();
-    raise();
-    activateWindow();
 }
 
 void PreferencesWindow::refresh() {

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "apps/preferences/PaneChoice.h"
+#include "apps/preferences/PaneLookup.h"
 
 #include <QWidget>
 
@@ -12,35 +12,34 @@ namespace apps {
 
 class MenuExtraSwitches;
 
-/// The window of the preferences: one pane at a time, or why there is none.
+/// The window that shows one preference pane at a time, or why it cannot be shown.
 class PreferencesWindow final : public QWidget {
     Q_OBJECT
 
   public:
-    /// @p isBarRunning may be called on any thread.
+    /// @p isBarRunning is called on any thread.
     explicit PreferencesWindow(std::function<bool()> isBarRunning);
     ~PreferencesWindow() override;
 
-    /// Shows a pane in the place of the one before. Why it cannot be shown is logged, too.
-    void show(const PaneChoice& choice);
-    /// Shows the window, in front of the others.
-    void present();
-    /// The bar may have other items than before.
+    /// Replaces the pane. Does nothing if the same pane is shown already. If the lookup failed,
+    /// shows and logs its error. Does not show the window itself.
+    void showPane(const PaneLookup& lookup);
+    /// Reads again which items the bar has loaded, and updates the page later.
     void refresh();
-    /// Null when none is open.
+    /// Null if no pane is shown.
     const std::shared_ptr<platform::Bundle>& pane() const { return pane_; }
 
   private:
-    void open(std::shared_ptr<platform::Bundle> pane);
-    void showPane(QVBoxLayout& column);
-    void showReason(const PaneChoice& choice, QVBoxLayout& column);
-    /// An empty page in the place of the one before.
+    void setPane(std::shared_ptr<platform::Bundle> pane);
+    void fillPanePage(QVBoxLayout& column);
+    void fillErrorPage(const PaneLookup& lookup, QVBoxLayout& column);
+    /// Replaces the page by an empty one and returns its layout.
     QVBoxLayout& newPage();
 
     const std::function<bool()> isBarRunning_;
     std::shared_ptr<platform::Bundle> pane_;
     QWidget* page_ = nullptr;
-    MenuExtraSwitches* switches_ = nullptr; ///< null when the page has none
+    MenuExtraSwitches* switches_ = nullptr; ///< null if the page has none
 };
 
 } // namespace apps

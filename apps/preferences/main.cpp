@@ -21,58 +21,59 @@ namespace {
 constexpr CommandLine kCommandLine{
     .help = R"(Usage: halvex-preferences [--appearance desktop|light|dark] [PANE.prefPane]
        halvex-preferences [--appearance desktop|light|dark] --select IDENTIFIER
-Shows a preference pane, the product's own when none is named. Each session has one window: a second
+Show a preference pane, by default the one of Halvex Pro. One window is open per session: a second
 start shows its pane there.
 
-  PANE.prefPane   the pane in a folder
-  --select        the pane with an identifier, among those that are installed
-  --appearance    the desktop's colours (as it is without the option), light or dark ones
-  --help, --version
+  PANE.prefPane   Show the pane in this folder.
+  --select        Show the installed pane with this bundle identifier.
+  --appearance    Use the desktop's colours (the default), light or dark ones.
+  --help          Show this help.
+  --version       Show the version.
 )",
-    .mostArguments = 1,
+    .maxArguments = 1,
     .hasSelect = true};
 constexpr const char* kBusName = "com.quorvanesoftware.Preferences";
 constexpr const char* kSelect = "select";
 
-using apps::absolutePath;
-
-void showPane(PreferencesWindow& window, const PaneChoice& choice) {
-    window.show(choice);
-    window.present();
+void showPane(PreferencesWindow& window, const PaneLookup& lookup) {
+    window.showPane(lookup);
+    bringToFront(window);
 }
 
 void select(PreferencesWindow& window, const std::string& identifier) {
-    showPane(window, paneWithIdentifier(identifier, window.pane()));
+    showPane(window, findPaneWithIdentifier(identifier, window.pane()));
 }
 
 QString open(PreferencesWindow& window, const QStringList& uris) {
     for (const QString& uri : uris) {
         const auto path = platform::pathOfFileURL(uri.toStdString());
         if (!path)
-            return QString("\"%1\" is not a file URL").arg(uri);
-        showPane(window, paneAtPath(absolutePath(*path)));
+            return QString("cannot open \"%1\": not a file URL").arg(uri);
+        showPane(window, findPaneAtPath(absolutePath(*path)));
     }
     return {};
 }
 
-QString act(PreferencesWindow& window, const QString& action, const QVariantList& parameters) {
+QString runAction(PreferencesWindow& window, const QString& action,
+                  const QVariantList& parameters) {
     if (action != kSelect)
-        return QString("there is no action \"%1\"").arg(action);
+        return QString("unknown action \"%1\": use \"select\"").arg(action);
     if (parameters.size() != 1 || parameters[0].toString().isEmpty())
-        return "the action \"select\" takes an identifier";
+        return "the action \"select\" needs one parameter, the identifier of a pane";
     select(window, parameters[0].toString().toStdString());
     return {};
 }
 
-/// What the command line asks for, asked of the process that has the window.
-bool handOver(const SessionApplication& application, const WindowOptions& options) {
+/// Sends the command line to the process that owns the window.
+bool forwardOptions(const SessionApplication& application, const WindowOptions& options) {
     if (options.select)
-        return application.askFirst(
+        return application.callRunningInstance(
             "ActivateAction", {kSelect, QVariantList{QString::fromStdString(*options.select)}});
     if (options.arguments.empty())
-        return application.askFirst("Activate");
+        return application.callRunningInstance("Activate");
     const QString path = QString::fromStdString(absolutePath(options.arguments[0]));
-    return application.askFirst("Open", {QStringList(QUrl::fromLocalFile(path).toString())});
+    return application.callRunningInstance("Open",
+                                           {QStringList(QUrl::fromLocalFile(path).toString())});
 }
 
 int runWindow(const WindowOptions& options) {
@@ -80,20 +81,20 @@ int runWindow(const WindowOptions& options) {
     const platform::ScopedService<platform::MenuExtraServer> server(bar);
     PreferencesWindow window([&bar] { return bool(bar.processIdentifier()); });
     SessionApplication application(
-        kBusName, {.activate = [&window] { window.present(); },
+        kBusName, {.activate = [&window] { bringToFront(window); },
                    .open = [&window](const QStringList& uris) { return open(window, uris); },
-                   .act =
+                   .runAction =
                        [&window](const QString& action, const QVariantList& parameters) {
-                           return act(window, action, parameters);
+                           return runAction(window, action, parameters);
                        }});
     new WindowService(application, window);
     switch (application.claim()) {
-    case SessionApplication::Claim::Second:
-        return handOver(application, options) ? 0 : 1;
-    case SessionApplication::Claim::NoBus:
-        platform::logLine("no session bus: the menu bar cannot be reached");
+    case BusName::Claim::Taken:
+        return forwardOptions(application, options) ? 0 : 1;
+    case BusName::Claim::NoBus:
+        platform::logLine("cannot reach the menu bar: there is no session bus");
         break;
-    case SessionApplication::Claim::First:
+    case BusName::Claim::Acquired:
         break;
     }
     const QuitOnSignals quitOnSignals;
@@ -103,7 +104,7 @@ int runWindow(const WindowOptions& options) {
     if (options.arguments.empty())
         select(window, options.select.value_or(HalvexPrefsBundleID));
     else
-        showPane(window, paneAtPath(absolutePath(options.arguments[0])));
+        showPane(window, findPaneAtPath(absolutePath(options.arguments[0])));
     return QApplication::exec();
 }
 

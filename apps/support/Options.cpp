@@ -6,8 +6,24 @@
 
 namespace apps {
 namespace {
+
 constexpr int kWrongUsage = 2;
+
+bool readAppearance(const char* program, const char* name, Appearance& appearance) {
+    const auto parsed = appearanceOfName(name);
+    if (!parsed)
+        std::fprintf(stderr, "%s: unknown appearance '%s'\n", program, name);
+    appearance = parsed.value_or(appearance);
+    return parsed.has_value();
 }
+
+bool areArgumentsAccepted(const WindowOptions& options, const CommandLine& commandLine) {
+    if (options.select)
+        return commandLine.hasSelect && options.arguments.empty();
+    return options.arguments.size() <= commandLine.maxArguments;
+}
+
+} // namespace
 
 std::optional<WindowOptions> readWindowOptions(int argc, char** argv,
                                                const CommandLine& commandLine, int& status) {
@@ -17,28 +33,28 @@ std::optional<WindowOptions> readWindowOptions(int argc, char** argv,
                                        {"select", required_argument, nullptr, 's'},
                                        {nullptr, 0, nullptr, 0}}};
     WindowOptions options;
-    bool isWrong = false;
+    bool isValid = true;
     status = 0;
     for (int found = 0; (found = getopt_long(argc, argv, "h", known.data(), nullptr)) != -1;) {
-        if (found == 'h') {
+        switch (found) {
+        case 'h':
             std::fputs(commandLine.help, stdout);
             return std::nullopt;
-        }
-        if (found == 'v') {
+        case 'v':
             std::puts(HALVEX_VERSION);
             return std::nullopt;
-        }
-        const auto appearance =
-            found == 'a' ? appearanceOfName(optarg) : std::optional(options.appearance);
-        if (found == 's')
+        case 'a':
+            isValid = readAppearance(argv[0], optarg, options.appearance) && isValid;
+            break;
+        case 's':
             options.select = optarg;
-        isWrong = isWrong || found == '?' || !appearance;
-        options.appearance = appearance.value_or(options.appearance);
+            break;
+        default:
+            isValid = false;
+        }
     }
     options.arguments.assign(argv + optind, argv + argc);
-    isWrong = isWrong || options.arguments.size() > commandLine.mostArguments ||
-              (options.select && (!commandLine.hasSelect || !options.arguments.empty()));
-    if (!isWrong)
+    if (isValid && areArgumentsAccepted(options, commandLine))
         return options;
     std::fputs(commandLine.help, stderr);
     status = kWrongUsage;

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "apps/support/StartUp.h"
+#include "apps/support/Appearance.h"
 
 #include <optional>
 #include <string>
@@ -8,23 +8,23 @@
 
 namespace apps {
 
-/// The command line of a program with a window: its own arguments, the colours, and perhaps one
-/// option more.
+/// The parsed command line of a program with a window.
 struct WindowOptions {
     std::vector<std::string> arguments;
     Appearance appearance = Appearance::Desktop;
-    std::optional<std::string> select; ///< --select, where the program has it
+    std::optional<std::string> select; ///< the value of --select
 };
 
-/// What a program says of itself and takes.
+/// The command line that a program accepts. All programs accept --appearance, --help and --version.
 struct CommandLine {
     const char* help;
-    std::size_t mostArguments = 0;
-    bool hasSelect = false;
+    std::size_t maxArguments = 0;
+    bool hasSelect = false; ///< accepts --select instead of arguments
 };
 
-/// Reads the command line. When there is nothing more to do, for --help, --version or wrong usage,
-/// which are answered here, gives nothing and writes the program's status to @p status.
+/// Parses the command line. Returns std::nullopt if the program should exit with @p status: 0 after
+/// --help or --version, whose text has been printed, and 2 after wrong usage, for which the help
+/// has been printed to standard error.
 std::optional<WindowOptions> readWindowOptions(int argc, char** argv,
                                                const CommandLine& commandLine, int& status);
 

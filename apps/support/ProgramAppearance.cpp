@@ -17,8 +17,8 @@ constexpr const char* kGroup = "org.freedesktop.appearance";
 constexpr const char* kKey = "color-scheme";
 constexpr uint kPreferDark = 1;
 
-/// The portal wraps the value of a setting once or twice.
-uint unwrapped(const QVariant& value) {
+/// The portal wraps a setting's value in one or two variants.
+uint unwrapVariant(const QVariant& value) {
     QVariant inner = value;
     while (inner.canConvert<QDBusVariant>())
         inner = inner.value<QDBusVariant>().variant();
@@ -27,14 +27,14 @@ uint unwrapped(const QVariant& value) {
 
 } // namespace
 
-ProgramAppearance::ProgramAppearance(Appearance wanted) {
-    if (wanted == Appearance::Desktop)
-        askDesktop();
+ProgramAppearance::ProgramAppearance(Appearance appearance) {
+    if (appearance == Appearance::Desktop)
+        followDesktop();
     else
-        applyAppearance(wanted);
+        applyAppearance(appearance);
 }
 
-void ProgramAppearance::askDesktop() {
+void ProgramAppearance::followDesktop() {
     auto bus = QDBusConnection::sessionBus();
     if (!bus.isConnected())
         return;
@@ -47,7 +47,7 @@ void ProgramAppearance::askDesktop() {
     connect(call, &QDBusPendingCallWatcher::finished, this, [call] {
         const QDBusPendingReply<QDBusVariant> reply = *call;
         if (reply.isValid())
-            follow(unwrapped(reply.value().variant()));
+            applyColorScheme(unwrapVariant(reply.value().variant()));
         call->deleteLater();
     });
 }
@@ -55,10 +55,10 @@ void ProgramAppearance::askDesktop() {
 void ProgramAppearance::settingChanged(const QDBusMessage& message) {
     const QVariantList arguments = message.arguments(); // group, key, value
     if (arguments.size() == 3 && arguments[0] == kGroup && arguments[1] == kKey)
-        follow(unwrapped(arguments[2]));
+        applyColorScheme(unwrapVariant(arguments[2]));
 }
 
-void ProgramAppearance::follow(uint scheme) {
+void ProgramAppearance::applyColorScheme(uint scheme) {
     applyAppearance(Appearance::Desktop);
     const bool isDark = QApplication::palette().color(QPalette::Window).lightness() < 128;
     if (scheme == kPreferDark && !isDark)

@@ -1,29 +1,29 @@
 #pragma once
 
-#include "apps/support/StartUp.h"
+#include "apps/support/Appearance.h"
 
 #include <QDBusMessage>
 #include <QObject>
 
 namespace apps {
 
-/// Gives the program its colours. When those are the desktop's, keeps it as light or dark as the
-/// desktop says it wants to be (the setting "color-scheme" of the settings portal), now and
-/// whenever that changes. Qt's own platform themes are heard first: a palette that is dark already
-/// stays. Does nothing where there is no portal; starts none. Main thread.
+/// Applies an appearance to the program. With Appearance::Desktop, follows the desktop's
+/// "color-scheme" setting, read from the settings portal, until this object is destroyed. A dark
+/// palette from Qt's platform theme is kept as it is. Without a portal the palette stays unchanged;
+/// the portal is not started. Main thread only.
 class ProgramAppearance final : public QObject {
     Q_OBJECT
 
   public:
-    /// The desktop is asked; its answer comes with the main loop.
-    explicit ProgramAppearance(Appearance wanted);
+    /// Returns immediately. The desktop's setting is applied once the main loop runs.
+    explicit ProgramAppearance(Appearance appearance);
 
   private slots:
     void settingChanged(const QDBusMessage& message);
 
   private:
-    void askDesktop();
-    static void follow(uint scheme);
+    void followDesktop();
+    static void applyColorScheme(uint scheme);
 };
 
 } // namespace apps

@@ -2,9 +2,11 @@
 
 #include "platform/Log.h"
 
-#include <QCoreApplication>
+#include <QDBusAbstractAdaptor>
 #include <QDBusConnection>
 #include <QDBusError>
+#include <QDBusMessage>
+#include <QVariantMap>
 
 #include <utility>
 
@@ -12,64 +14,71 @@ namespace apps {
 namespace {
 
 constexpr const char* kInterface = "org.freedesktop.Application";
-constexpr int kPatience = 5000; // milliseconds
+constexpr int kCallTimeout = 5000; // milliseconds
 
 void replyWithError(const QDBusMessage& message, const QString& error) {
     if (error.isEmpty())
         return;
-    message.setDelayedReply(true); // else the empty reply would follow
+    message.setDelayedReply(true); // otherwise an empty reply follows
     QDBusConnection::sessionBus().send(message.createErrorReply(QDBusError::InvalidArgs, error));
+}
+
+class ApplicationAdaptor final : public QDBusAbstractAdaptor {
+    Q_OBJECT
+    Q_CLASSINFO("D-Bus Interface", "org.freedesktop.Application")
+
+  public:
+    ApplicationAdaptor(QObject& parent, SessionApplication::Handlers handlers)
+        : QDBusAbstractAdaptor(&parent), handlers_(std::move(handlers)) {}
+
+  public slots:
+    void Activate(const QVariantMap& platformData);
+    void Open(const QStringList& uris, const QVariantMap& platformData,
+              const QDBusMessage& message);
+    void ActivateAction(const QString& action, const QVariantList& parameters,
+                        const QVariantMap& platformData, const QDBusMessage& message);
+
+  private:
+    const SessionApplication::Handlers handlers_;
+};
+
+void ApplicationAdaptor::Activate(const QVariantMap&) {
+    handlers_.activate();
+}
+
+void ApplicationAdaptor::Open(const QStringList& uris, const QVariantMap&,
+                              const QDBusMessage& message) {
+    replyWithError(message, handlers_.open(uris));
+}
+
+void ApplicationAdaptor::ActivateAction(const QString& action, const QVariantList& parameters,
+                                        const QVariantMap&, const QDBusMessage& message) {
+    replyWithError(message, handlers_.runAction(action, parameters));
 }
 
 } // namespace
 
-SessionApplication::SessionApplication(QString busName, Handlers handlers)
-    : busName_(std::move(busName)), objectPath_('/' + QString(busName_).replace('.', '/')),
-      handlers_(std::move(handlers)) {
-    new SessionApplicationAdaptor(*this);
+SessionApplication::SessionApplication(const QString& busName, Handlers handlers)
+    : busName_(busName), objectPath_('/' + QString(busName).replace('.', '/')) {
+    new ApplicationAdaptor(*this, std::move(handlers));
 }
 
-SessionApplication::Claim SessionApplication::claim() {
-    auto bus = QDBusConnection::sessionBus();
-    if (!bus.isConnected() || !bus.registerObject(objectPath_, this))
-        return Claim::NoBus;
-    bus.connect("", "/org/freedesktop/DBus/Local", "org.freedesktop.DBus.Local", "Disconnected",
-                this, SLOT(endSession()));
-    return bus.registerService(busName_) ? Claim::First : Claim::Second;
+BusName::Claim SessionApplication::claim() {
+    return busName_.claim(objectPath_, *this);
 }
 
-bool SessionApplication::askFirst(const QString& member, const QVariantList& arguments) const {
-    auto message = QDBusMessage::createMethodCall(busName_, objectPath_, kInterface, member);
+bool SessionApplication::callRunningInstance(const QString& member,
+                                             const QVariantList& arguments) const {
+    auto message = QDBusMessage::createMethodCall(busName_.name(), objectPath_, kInterface, member);
     message.setArguments(arguments + QVariantList{QVariantMap()});
-    const QDBusMessage reply = QDBusConnection::sessionBus().call(message, QDBus::Block, kPatience);
+    const auto reply = QDBusConnection::sessionBus().call(message, QDBus::Block, kCallTimeout);
     if (reply.type() == QDBusMessage::ReplyMessage)
         return true;
-    platform::logLine("%@ runs already and does not answer: %@", busName_.toStdString(),
-                      reply.errorMessage().toStdString());
+    platform::logLine("%@ failed in the running %@: %@", member.toStdString(),
+                      busName_.name().toStdString(), reply.errorMessage().toStdString());
     return false;
 }
 
-void SessionApplication::endSession() {
-    platform::logLine("the session bus has gone, and %@ with it", busName_.toStdString());
-    QCoreApplication::quit();
-}
-
-SessionApplicationAdaptor::SessionApplicationAdaptor(SessionApplication& application)
-    : QDBusAbstractAdaptor(&application), application_(application) {}
-
-void SessionApplicationAdaptor::Activate(const QVariantMap&) {
-    application_.handlers_.activate();
-}
-
-void SessionApplicationAdaptor::Open(const QStringList& uris, const QVariantMap&,
-                                     const QDBusMessage& message) {
-    replyWithError(message, application_.handlers_.open(uris));
-}
-
-void SessionApplicationAdaptor::ActivateAction(const QString& action,
-                                               const QVariantList& parameters, const QVariantMap&,
-                                               const QDBusMessage& message) {
-    replyWithError(message, application_.handlers_.act(action, parameters));
-}
-
 } // namespace apps
+
+#include "SessionApplication.moc"

@@ -1,69 +1,44 @@
 #pragma once
 
-#include <QDBusAbstractAdaptor>
-#include <QDBusMessage>
+#include "apps/support/BusName.h"
+
 #include <QObject>
 #include <QStringList>
 #include <QVariantList>
-#include <QVariantMap>
 
 #include <functional>
 
 namespace apps {
 
-/// A program of which each session has one, found on the session bus by its name there and asked
-/// through org.freedesktop.Application. Ends the main loop when the bus goes, for the session is
-/// over then. Main thread.
+/// A program that runs once per session. It owns a name on the session bus and implements the
+/// interface org.freedesktop.Application there; a second process forwards its command line to the
+/// first. Main thread only.
 class SessionApplication final : public QObject {
     Q_OBJECT
 
   public:
-    /// What is asked of the program. An answer that is not empty is an error, for people.
+    /// Implement the members of the interface. A non-empty result is a user-visible message, which
+    /// is sent as the error reply to the call.
     struct Handlers {
-        std::function<void()> activate; ///< bring what there is to the front
+        std::function<void()> activate; ///< brings the program's windows to the front
         std::function<QString(const QStringList& uris)> open;
-        std::function<QString(const QString& action, const QVariantList& parameters)> act;
+        std::function<QString(const QString& action, const QVariantList& parameters)> runAction;
     };
-    enum class Claim { First, Second, NoBus };
 
-    /// @p busName is the well-known name; the object's path has its words between slashes.
-    SessionApplication(QString busName, Handlers handlers);
+    /// @p busName is the well-known name. The object path is the same name with slashes for dots.
+    SessionApplication(const QString& busName, Handlers handlers);
 
-    /// Makes the program answer and takes the name; Second when another process has it. What is
-    /// asked before the main loop runs is answered then.
-    Claim claim();
-    /// Asks the process that has the name for one of the interface's members, and waits five
-    /// seconds at most; false, with the reason logged, when it does not answer well.
-    bool askFirst(const QString& member, const QVariantList& arguments = {}) const;
+    /// Registers this object and requests the name (see BusName::claim).
+    BusName::Claim claim();
 
-  private slots:
-    void endSession();
+    /// Calls @p member of the interface in the process that owns the name, and blocks for up to
+    /// five seconds. Returns false, with the error logged, if that process replies with an error or
+    /// not at all.
+    bool callRunningInstance(const QString& member, const QVariantList& arguments = {}) const;
 
   private:
-    friend class SessionApplicationAdaptor;
-
-    const QString busName_;
+    BusName busName_;
     const QString objectPath_;
-    const Handlers handlers_;
-};
-
-/// The interface. An error is sent as the reply to the call that made it.
-class SessionApplicationAdaptor final : public QDBusAbstractAdaptor {
-    Q_OBJECT
-    Q_CLASSINFO("D-Bus Interface", "org.freedesktop.Application")
-
-  public:
-    explicit SessionApplicationAdaptor(SessionApplication& application);
-
-  public slots:
-    void Activate(const QVariantMap& platformData);
-    void Open(const QStringList& uris, const QVariantMap& platformData,
-              const QDBusMessage& message);
-    void ActivateAction(const QString& action, const QVariantList& parameters,
-                        const QVariantMap& platformData, const QDBusMessage& message);
-
-  private:
-    SessionApplication& application_;
 };
 
 } // namespace apps

@@ -17,22 +17,21 @@ namespace {
 constexpr std::array kSignals{SIGINT, SIGTERM, SIGHUP};
 std::array<int, 2> pipeEnds{-1, -1};
 
-// A signal handler may do little more than write a byte.
-void tellMainLoop(int) {
-    const int before = errno;
+// Writing a byte is one of the few operations that are allowed in a signal handler.
+void wakeMainLoop(int) {
+    const int savedErrno = errno;
     [[maybe_unused]] const auto ignored = write(pipeEnds[1], "", 1);
-    errno = before;
+    errno = savedErrno;
 }
 
-/// But for those that whoever started the program has it ignore, as nohup does.
-void handleSignals(void (*handler)(int)) {
+void setHandler(void (*handler)(int)) {
     struct sigaction action {};
     action.sa_handler = handler;
     action.sa_flags = SA_RESTART;
     for (const int signal : kSignals) {
-        struct sigaction before {};
-        sigaction(signal, nullptr, &before);
-        if (before.sa_handler != SIG_IGN)
+        struct sigaction current {};
+        sigaction(signal, nullptr, &current);
+        if (current.sa_handler != SIG_IGN)
             sigaction(signal, &action, nullptr);
     }
 }
@@ -47,15 +46,16 @@ void quit() {
 
 QuitOnSignals::QuitOnSignals() {
     if (pipe2(pipeEnds.data(), O_CLOEXEC | O_NONBLOCK) != 0) {
-        platform::logLine("no pipe for signals: %@", std::strerror(errno));
+        platform::logLine("cannot handle SIGINT, SIGTERM and SIGHUP: pipe: %@",
+                          std::strerror(errno));
         return;
     }
     watch_ = platform::mainThread().watchReadable(pipeEnds[0], quit);
-    handleSignals(tellMainLoop);
+    setHandler(wakeMainLoop);
 }
 
 QuitOnSignals::~QuitOnSignals() {
-    handleSignals(SIG_DFL);
+    setHandler(SIG_DFL);
     watch_.reset();
     for (int& end : pipeEnds)
         close(end);

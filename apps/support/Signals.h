@@ -7,11 +7,14 @@
 
 namespace apps {
 
-/// Ends the main loop when the program is asked to end (SIGINT, SIGTERM, SIGHUP), so that every
-/// item is unloaded in order. One at a time, while the QApplication lives.
+/// Quits the main loop on SIGINT, SIGTERM and SIGHUP, so that items are unloaded in order. A signal
+/// that is ignored already, as under nohup, stays ignored. If the signals cannot be handled, that
+/// is logged and they end the program as usual. At most one instance at a time, and only while a
+/// QApplication exists. Main thread only.
 class QuitOnSignals : platform::NonCopyable {
   public:
     QuitOnSignals();
+    /// Restores the default action of the signals.
     ~QuitOnSignals();
 
   private:

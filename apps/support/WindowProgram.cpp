@@ -1,9 +1,11 @@
 #include "apps/support/WindowProgram.h"
 
+#include "apps/support/StartUp.h"
 #include "platform/expat/ExpatPropertyLists.h"
 #include "platform/qt/Desktop.h"
 
 #include <QApplication>
+#include <QWidget>
 
 namespace apps {
 
@@ -17,6 +19,13 @@ int runWindowProgram(int argc, char** argv, const char* name, const CommandLine&
     platform::expat::install();
     platform::qt::install();
     return run(*options);
+}
+
+void bringToFront(QWidget& window) {
+    window.setWindowState(window.windowState() & ~Qt::WindowMinimized);
+    window.show();
+    window.raise();
+    window.activateWindow();
 }
 
 } // namespace apps

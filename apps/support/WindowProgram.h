@@ -2,12 +2,17 @@
 
 #include "apps/support/Options.h"
 
+class QWidget;
+
 namespace apps {
 
-/// What main does in a program with a window: reads the command line, makes the application object,
-/// puts the desktop's services in place, and gives what @p run gives, or the status that the
-/// command line leads to.
+/// The body of main() for a program with a window. Parses the command line, creates the application
+/// object, installs the desktop services and returns the result of @p run, or the exit status of
+/// readWindowOptions if that says to exit.
 int runWindowProgram(int argc, char** argv, const char* name, const CommandLine& commandLine,
                      int (*run)(const WindowOptions& options));
+
+/// Shows @p window, restores it if it is minimized, and raises it above other windows.
+void bringToFront(QWidget& window);
 
 } // namespace apps

@@ -13,10 +13,10 @@ WindowService::WindowService(QObject& busObject, QWidget& window)
 
 bool WindowService::eventFilter(QObject* watched, QEvent* event) {
     if (event->type() == QEvent::Show)
-        isAwaited_ = true;
-    if (event->type() == QEvent::Paint && isAwaited_) {
-        isAwaited_ = false;
-        // Once all of the window is drawn, and what was drawn is handed over.
+        isFirstPaintPending_ = true;
+    if (event->type() == QEvent::Paint && isFirstPaintPending_) {
+        isFirstPaintPending_ = false;
+        // After the child widgets are painted too and the image is flushed.
         QTimer::singleShot(0, this, &WindowService::Drawn);
     }
     return QDBusAbstractAdaptor::eventFilter(watched, event);

@@ -6,30 +6,31 @@
 
 namespace apps {
 
-/// A program's window on the session bus, for those who want to see what it shows: tests,
-/// benchmarks and scripts. Part of the object that the program has there.
+/// Exports a window on the session bus as com.quorvanesoftware.Window1, so that tests, benchmarks
+/// and scripts can see what it shows. An adaptor of the object that the program registers there.
+/// Main thread only.
 class WindowService final : public QDBusAbstractAdaptor {
     Q_OBJECT
     Q_CLASSINFO("D-Bus Interface", "com.quorvanesoftware.Window1")
 
   public:
-    /// @p window is the one that is meant, whether it is on the screen or not.
+    /// Owned by @p busObject. @p window must outlive it; it need not be visible.
     WindowService(QObject& busObject, QWidget& window);
 
     bool eventFilter(QObject* watched, QEvent* event) override;
 
   public slots:
-    /// Writes the window as PNG to an absolute path; false when it is not on the screen, or when
-    /// that cannot be written.
+    /// Saves an image of the window as PNG. Returns false if the window is hidden, @p path is
+    /// relative or the file cannot be written.
     bool Snapshot(const QString& path);
 
   signals:
-    /// The window has come to the screen, and its first picture is drawn.
+    /// The window has been shown and painted for the first time since.
     void Drawn();
 
   private:
     QWidget& window_;
-    bool isAwaited_ = false; ///< the first picture
+    bool isFirstPaintPending_ = false; ///< shown but not painted yet
 };
 
 } // namespace apps

@@ -37,7 +37,7 @@ TEST(Bar, ExitsWhenItsSessionBusDisconnects) {
     BarProcess bar(bus, {});
     bus->kill();
     EXPECT_EQ(bar.waitForExit(), 0);
-    EXPECT_TRUE(bar.logs("the session bus has gone, and the menu bar with it"));
+    EXPECT_TRUE(bar.logs("com.quorvanesoftware.MenuBar quits: the session bus disconnected"));
 }
 
 TEST(Bar, OpensAndClosesTheMenuOfAClickedItem) {

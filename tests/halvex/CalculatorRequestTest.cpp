@@ -14,8 +14,8 @@ namespace {
 
 constexpr const char* kName = "com.quorvanesoftware.Halvex";
 
-/// The bar with the product's clock, on a screen of its own, and the application that its menu asks
-/// for the calculator.
+/// The bar with the product's clock on a private X server. Its menu requests the calculator from
+/// the background application.
 class CalculatorRequest : public testing::Test {
   protected:
     ~CalculatorRequest() override {
@@ -29,14 +29,14 @@ class CalculatorRequest : public testing::Test {
         return halvex.bus.connection().interface()->servicePid(kName).value();
     }
     static fs::path program(uint process) {
-        std::error_code gone;
-        return fs::read_symlink("/proc/" + std::to_string(process) + "/exe", gone);
+        std::error_code ignored; // the process may have exited
+        return fs::read_symlink("/proc/" + std::to_string(process) + "/exe", ignored);
     }
     void chooseCalculator() const {
         const int clock = 63 + 12 + 4; // about as wide as the bar's own clock
         x.act({"mousemove", QString::number(test::kScreenWidth - clock - 20), "10"});
         x.act({"click", "1"});
-        x.act({"key", "Up"}); // from below: the preferences
+        x.act({"key", "Up"}); // the last entry, which opens the preferences
         x.act({"key", "Up"});
         x.act({"key", "Return"});
     }
@@ -51,7 +51,7 @@ class CalculatorRequest : public testing::Test {
                    {{"QT_QPA_PLATFORM", "xcb"}, {"DISPLAY", x.display}}};
 };
 
-TEST_F(CalculatorRequest, StartsTheApplicationOfTheInstalledPaneAndLaterShowsTheSameOneAtOnce) {
+TEST_F(CalculatorRequest, StartsTheApplicationInTheInstalledPaneOnceAndReusesItsProcess) {
     const auto pane = bar.home() / "Library/PreferencePanes/Halvex Pro.prefPane";
     fs::create_directories(pane.parent_path());
     fs::copy(HALVEX_PANE, pane, fs::copy_options::recursive);
@@ -67,12 +67,12 @@ TEST_F(CalculatorRequest, StartsTheApplicationOfTheInstalledPaneAndLaterShowsThe
     EXPECT_EQ(bar.stop(), 0) << bar.log();
 }
 
-TEST_F(CalculatorRequest, AsksTheWindowManagerForAnApplicationThatIsNotOnTheBus) {
+TEST_F(CalculatorRequest, ActivatesTheWindowOfARunningApplicationThatOwnsNoBusName) {
     const auto folder = bar.home() / "Halvex.app/Contents";
     fs::create_directories(folder / "Linux");
     fs::copy("/bin/sleep", folder / "Linux/Program");
     std::ofstream(folder / "Info.plist") << "<plist><dict><key>CFBundleIdentifier</key>"
-                                            "<string>test.nobody</string></dict></plist>";
+                                            "<string>test.unregistered</string></dict></plist>";
     QProcess application;
     application.start(QString::fromStdString(folder / "Linux/Program"), {"60"});
     ASSERT_TRUE(application.waitForStarted());

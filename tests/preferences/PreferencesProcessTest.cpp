@@ -4,7 +4,6 @@
 #include <gtest/gtest.h>
 
 using test::BarProcess;
-using test::WindowProcess;
 
 namespace {
 
@@ -12,28 +11,27 @@ constexpr const char* kOwn = "own.pane";
 
 class PreferencesProcess : public testing::Test {
   protected:
-    /// A pane for this user.
     void install(const std::string& file, const std::string& identifier) const {
         preferences.folder.write(
             "Library/PreferencePanes/" + file + "/Contents/Info.plist",
             "<plist version=\"1.0\"><dict><key>CFBundleIdentifier</key><string>" + identifier +
                 "</string></dict></plist>");
     }
-    bool shows(const std::function<bool(const QImage&)>& isRight) {
+    bool shows(const std::function<bool(const QImage&)>& predicate) {
         return BarProcess::eventually([&] {
             const QImage picture = preferences.picture();
-            return !picture.isNull() && isRight(picture);
+            return !picture.isNull() && predicate(picture);
         });
     }
 
-    WindowProcess preferences{HALVEX_PREFERENCES, "com.quorvanesoftware.Preferences"};
+    test::WindowProcess preferences{HALVEX_PREFERENCES, "com.quorvanesoftware.Preferences"};
 };
 
-TEST_F(PreferencesProcess, ShowsThePaneAndTakesOverWhatALaterStartAsksFor) {
+TEST_F(PreferencesProcess, ShowsThePaneThatALaterStartRequests) {
     install("Own.prefPane", kOwn);
     preferences.start({HALVEX_PANE});
     ASSERT_TRUE(BarProcess::eventually([this] { return !preferences.picture().isNull(); }));
-    const QImage products = preferences.picture();
+    const QImage productsPane = preferences.picture();
     EXPECT_EQ(preferences.startAgain({HALVEX_PANE}), 0);
     EXPECT_EQ(preferences.startAgain(), 0);
     EXPECT_FALSE(preferences.picture().isNull());
@@ -41,9 +39,9 @@ TEST_F(PreferencesProcess, ShowsThePaneAndTakesOverWhatALaterStartAsksFor) {
     EXPECT_EQ(preferences.startAgain({"--select", kOwn}), 0);
     const QImage own = preferences.picture();
     EXPECT_FALSE(own.isNull());
-    EXPECT_NE(own, products);
-    EXPECT_EQ(preferences.startAgain({"--select", "nobodys.pane"}), 0);
-    EXPECT_TRUE(preferences.logs("preference pane nobodys.pane cannot be shown: "));
+    EXPECT_NE(own, productsPane);
+    EXPECT_EQ(preferences.startAgain({"--select", "missing.pane"}), 0);
+    EXPECT_TRUE(preferences.logs("preference pane missing.pane cannot be shown: "));
     EXPECT_EQ(preferences.startAgain({"/nowhere/A B.prefPane"}), 0);
     EXPECT_TRUE(preferences.logs("preference pane /nowhere/A B.prefPane cannot be shown: "));
     EXPECT_EQ(preferences.startAgain({"--select", kOwn}), 0);
@@ -51,7 +49,7 @@ TEST_F(PreferencesProcess, ShowsThePaneAndTakesOverWhatALaterStartAsksFor) {
     EXPECT_EQ(preferences.stop(), 0) << preferences.log();
 }
 
-TEST_F(PreferencesProcess, ShowsWhatOtherProgramsOpenWithItOrSelectByAScript) {
+TEST_F(PreferencesProcess, ShowsThePaneThatHalvexctlOpensOrSelects) {
     install("Own.prefPane", kOwn);
     install("Halvex Pro.prefPane", HalvexPrefsBundleID);
     preferences.start({"--select", kOwn});
@@ -64,7 +62,7 @@ TEST_F(PreferencesProcess, ShowsWhatOtherProgramsOpenWithItOrSelectByAScript) {
     EXPECT_TRUE(preferences.isRunning());
 }
 
-TEST_F(PreferencesProcess, RefusesWhatItCannotUnderstand) {
+TEST_F(PreferencesProcess, RejectsWrongArgumentsAndUnknownRequests) {
     for (const QStringList& arguments : std::initializer_list<QStringList>{
              {"one", "two"}, {"--select"}, {"--select", "x", "y"}, {"--appearance", "red"}})
         EXPECT_EQ(preferences.startAgain(arguments), 2) << arguments.join(' ').toStdString();
@@ -72,11 +70,12 @@ TEST_F(PreferencesProcess, RefusesWhatItCannotUnderstand) {
     const auto request = [this](const QString& member, const QVariantList& arguments) {
         return preferences.ask(member, arguments).errorMessage().toStdString();
     };
-    EXPECT_EQ(request("ActivateAction", {"dance", QVariantList()}), "there is no action \"dance\"");
+    EXPECT_EQ(request("ActivateAction", {"dance", QVariantList()}),
+              "unknown action \"dance\": use \"select\"");
     EXPECT_EQ(request("ActivateAction", {"select", QVariantList()}),
-              "the action \"select\" takes an identifier");
+              "the action \"select\" needs one parameter, the identifier of a pane");
     EXPECT_EQ(request("Open", {QStringList("http://a/b.prefPane")}),
-              "\"http://a/b.prefPane\" is not a file URL");
+              "cannot open \"http://a/b.prefPane\": not a file URL");
 }
 
 } // namespace

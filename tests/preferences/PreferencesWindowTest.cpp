@@ -29,7 +29,7 @@ std::string info(const std::string& identifier, const std::string& name) {
            "</string><key>CFBundleShortVersionString</key><string>4.5</string></dict></plist>";
 }
 
-class Preferences : public testing::Test {
+class PreferencesWindowTest : public testing::Test {
   protected:
     void SetUp() override {
         tree.write(file("Halvex Pro.prefPane"), info(HalvexPrefsBundleID, "Halvex Pro"));
@@ -37,11 +37,11 @@ class Preferences : public testing::Test {
              {std::pair("HalvexTimeMenu", HalvexMenuID), std::pair("Other", "some.other.item")})
             tree.write(plugIn(name), info(identifier, name));
         tree.write(file("Foreign.prefPane"), info("foreign.pane", "Foreign"));
-        tree.write(file("Nameless.prefPane"), "<plist version=\"1.0\"><dict/></plist>");
-        tree.write(file("Spoilt.prefPane"), "<plist version=\"1.0\"><dict>");
+        tree.write(file("NoIdentifier.prefPane"), "<plist version=\"1.0\"><dict/></plist>");
+        tree.write(file("Truncated.prefPane"), "<plist version=\"1.0\"><dict>");
         tree.write(file("Folder"), info("foreign.pane", "Foreign"));
     }
-    /// A program has one to its end.
+    /// Shared by the tests, because its queue is never destroyed.
     static platform::qt::QtMainThread& mainLoop() {
         static platform::qt::QtMainThread loop;
         return loop;
@@ -61,8 +61,7 @@ class Preferences : public testing::Test {
         return all;
     }
     QCheckBox* box() const { return window.findChild<QCheckBox*>(); }
-    /// Once the bar has been asked.
-    bool isReady() const {
+    bool waitForTheBar() const {
         return QTest::qWaitFor([this] { return box() && box()->isEnabled(); });
     }
 
@@ -75,74 +74,74 @@ class Preferences : public testing::Test {
     PreferencesWindow window{[this] { return isBarRunning.load(); }};
 };
 
-TEST_F(Preferences, SayWhyAPaneCannotBeShown) {
+TEST_F(PreferencesWindowTest, ShowsAndLogsWhyAPaneCannotBeShown) {
     const std::pair<const char*, const char*> cases[] = {
-        {"Missing.prefPane", "There is nothing at this place."},
-        {"Folder", "It is no preference pane: its name does not end in \".prefPane\"."},
-        {"Nameless.prefPane", "Its Info.plist gives no identifier."},
-        {"Spoilt.prefPane", "It cannot be read (Info.plist: "},
+        {"Missing.prefPane", "It does not exist. Check the path."},
+        {"Folder", "It is not a preference pane: its name must end in \".prefPane\"."},
+        {"NoIdentifier.prefPane", "Its Info.plist has no CFBundleIdentifier. Install it again."},
+        {"Truncated.prefPane", "It cannot be read (Info.plist: "},
     };
-    for (const auto& [pane, reason] : cases) {
-        window.show(paneAtPath(path("Foreign.prefPane")));
+    for (const auto& [pane, error] : cases) {
+        window.showPane(findPaneAtPath(path("Foreign.prefPane")));
         EXPECT_EQ(window.windowTitle(), "Foreign");
-        window.show(paneAtPath(path(pane)));
+        window.showPane(findPaneAtPath(path(pane)));
         EXPECT_FALSE(window.pane()) << pane;
         EXPECT_THAT(texts(), Contains(path(pane)));
-        EXPECT_THAT(texts(), Contains(HasSubstr(reason)));
-        EXPECT_THAT(tree.log.take(), Contains(HasSubstr(reason))) << pane;
+        EXPECT_THAT(texts(), Contains(HasSubstr(error)));
+        EXPECT_THAT(tree.log.take(), Contains(HasSubstr(error))) << pane;
     }
 }
 
-TEST_F(Preferences, FindPanesByTheirIdentifier) {
-    window.show(paneWithIdentifier("foreign.pane", window.pane()));
+TEST_F(PreferencesWindowTest, ShowsAPaneByIdentifierPreferringTheOpenOneThenTheSystemFolder) {
+    window.showPane(findPaneWithIdentifier("foreign.pane", window.pane()));
     ASSERT_TRUE(window.pane());
     EXPECT_EQ(window.pane()->bundlePath(), path("Foreign.prefPane"));
     EXPECT_THAT(texts(), Contains("Version 4.5"));
 
     tree.write("/Library/PreferencePanes/Z.prefPane/Contents/Info.plist",
-               info("foreign.pane", "Everybody's"));
-    EXPECT_EQ(paneWithIdentifier("foreign.pane", window.pane()).pane, window.pane());
-    EXPECT_EQ(paneWithIdentifier("foreign.pane", nullptr).pane->bundlePath(),
+               info("foreign.pane", "Shared"));
+    EXPECT_EQ(findPaneWithIdentifier("foreign.pane", window.pane()).pane, window.pane());
+    EXPECT_EQ(findPaneWithIdentifier("foreign.pane", nullptr).pane->bundlePath(),
               "/Library/PreferencePanes/Z.prefPane");
-    EXPECT_EQ(paneWithIdentifier("foreign", nullptr).reason,
-              "No preference pane with this identifier is installed.");
+    EXPECT_EQ(
+        findPaneWithIdentifier("foreign", nullptr).error,
+        "No pane with this identifier is installed. Install it in ~/Library/PreferencePanes.");
 }
 
-TEST_F(Preferences, TurnMenuExtrasOnAndOff) {
+TEST_F(PreferencesWindowTest, InstallsAndLoadsAMenuExtraOrRemovesItWhenItsBoxIsToggled) {
     bar.onAdd = [this](const std::string&) {
         bar.loaded.emplace_back(HalvexMenuID);
         return 0;
     };
-    window.show(paneAtPath(path("Halvex Pro.prefPane")));
-    EXPECT_EQ(window.findChildren<QCheckBox*>().size(), 1) << "an unknown item has no switch";
-    ASSERT_TRUE(isReady());
+    window.showPane(findPaneAtPath(path("Halvex Pro.prefPane")));
+    EXPECT_EQ(window.findChildren<QCheckBox*>().size(), 1) << "an unknown item has no box";
+    ASSERT_TRUE(waitForTheBar());
     EXPECT_EQ(box()->text(), "HalvexTimeMenu");
     EXPECT_FALSE(box()->isChecked());
 
     QTest::keyClick(box(), Qt::Key_Space);
-    ASSERT_TRUE(isReady());
+    ASSERT_TRUE(waitForTheBar());
     EXPECT_TRUE(box()->isChecked());
     EXPECT_TRUE(tree.exists(std::string(test::kUserMaker) + "/Menu Extras/HalvexTimeMenu.menu"));
 
     QTest::keyClick(box(), Qt::Key_Space);
-    ASSERT_TRUE(isReady());
+    ASSERT_TRUE(waitForTheBar());
     EXPECT_FALSE(box()->isChecked());
     EXPECT_FALSE(tree.exists(std::string(test::kUserMaker) + "/Menu Extras/HalvexTimeMenu.menu"));
 }
 
-TEST_F(Preferences, ShowWhatTheBarHasAndSayWhatItRefuses) {
+TEST_F(PreferencesWindowTest, ShowsTheBarsItemsWithoutStartingItAndReportsFailures) {
     bar.onAdd = [](const std::string&) { return -2; };
     isBarRunning = false;
-    window.show(paneAtPath(path("Halvex Pro.prefPane")));
-    ASSERT_TRUE(isReady());
-    EXPECT_THAT(bar.asked, testing::IsEmpty()) << "looking starts no bar";
+    window.showPane(findPaneAtPath(path("Halvex Pro.prefPane")));
+    ASSERT_TRUE(waitForTheBar());
+    EXPECT_THAT(bar.asked, testing::IsEmpty()) << "a query does not start the bar";
 
     isBarRunning = true;
     QTest::keyClick(box(), Qt::Key_Space);
-    ASSERT_TRUE(isReady());
+    ASSERT_TRUE(waitForTheBar());
     EXPECT_FALSE(box()->isChecked());
-    EXPECT_THAT(texts(),
-                Contains("HalvexTimeMenu could not be turned on; the system log says why."));
+    EXPECT_THAT(texts(), Contains("HalvexTimeMenu could not be turned on. See the system log."));
 
     bar.loaded.emplace_back(HalvexMenuID);
     window.refresh();

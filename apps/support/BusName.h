@@ -1,0 +1,35 @@
+#pragma once
+
+#include <QObject>
+#include <QString>
+
+namespace apps {
+
+/// A well-known name on the session bus, which one process at a time owns. Main thread only.
+class BusName final : public QObject {
+    Q_OBJECT
+
+  public:
+    enum class Claim {
+        Acquired,
+        Taken, ///< another process owns the name
+        NoBus, ///< there is no session bus, or the object cannot be registered on it
+    };
+
+    explicit BusName(QString name);
+
+    const QString& name() const { return name_; }
+
+    /// Registers @p object with its adaptors at @p objectPath and requests the name. Calls that
+    /// arrive before the main loop runs are answered once it runs. From then on the end of the bus
+    /// is the end of the session: it is logged and ends the main loop.
+    Claim claim(const QString& objectPath, QObject& object);
+
+  private slots:
+    void endSession();
+
+  private:
+    const QString name_;
+};
+
+} // namespace apps
