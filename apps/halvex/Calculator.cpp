@@ -5,56 +5,63 @@
 namespace apps {
 namespace {
 
-const Decimal kCancelled{"1e-45"};
+const Decimal kCancellation{"1e-45"};
 
-bool isDigit(char key) {
-    return key >= '0' && key <= '9';
+char digitOf(Calculator::Key key) {
+    return static_cast<char>('0' + static_cast<int>(key));
+}
+
+bool isDigitCharacter(char character) {
+    return character >= '0' && character <= '9';
+}
+
+bool endsFault(Calculator::Key key) {
+    using Key = Calculator::Key;
+    return Calculator::isDigit(key) || key == Key::Point || key == Key::Clear ||
+           key == Key::Backspace || key == Key::MemoryRecall;
 }
 
 Decimal sum(const Decimal& left, const Decimal& right) {
     const Decimal result = left + right;
-    return abs(result) < std::max(abs(left), abs(right)) * kCancelled ? Decimal(0) : result;
+    const Decimal largest = std::max(abs(left), abs(right));
+    return abs(result) < largest * kCancellation ? Decimal(0) : result;
 }
 
 } // namespace
 
 void Calculator::press(Key key) {
-    const char sign = static_cast<char>(key);
-    if (fault_ != Fault::None) {
-        const bool begins = isDigit(sign) || key == Key::Point || key == Key::Clear ||
-                            key == Key::Backspace || key == Key::MemoryRecall;
-        if (!begins && key != Key::MemoryClear)
+    if (fault_ != Fault::None && key != Key::MemoryClear) {
+        if (!endsFault(key))
             return;
-        if (begins)
-            clear();
+        clear();
     }
-    if (isDigit(sign))
-        return typeDigit(sign);
+    if (isDigit(key))
+        return typeDigit(key);
     switch (key) {
     case Key::Point:
         return typePoint();
     case Key::Backspace:
-        return takeBack();
+        return removeLastCharacter();
     case Key::Clear:
         return clear();
     case Key::Add:
     case Key::Subtract:
     case Key::Multiply:
     case Key::Divide:
-        return operate(key);
+        return pressOperator(key);
     case Key::Equals:
-        return equals();
+        return pressEquals();
     case Key::Percent:
-        return percent();
+        return pressPercent();
     case Key::Sign:
         return changeSign();
     default:
-        return changeMemory(key);
+        return pressMemoryKey(key);
     }
 }
 
 bool Calculator::enter(std::string_view number) {
-    const auto value = decimalOf(number);
+    const auto value = parseDecimal(number);
     if (!value)
         return false;
     if (fault_ != Fault::None)
@@ -63,96 +70,96 @@ bool Calculator::enter(std::string_view number) {
     return true;
 }
 
-std::string Calculator::shown() const {
-    return entry_.empty() ? decimalText(value_) : entry_;
+std::string Calculator::display() const {
+    return typed_.empty() ? formatDecimal(result_) : typed_;
 }
 
 std::optional<Calculator::Pending> Calculator::pending() const {
     if (!pending_)
         return std::nullopt;
-    return Pending{decimalText(pending_->number), pending_->operation};
+    return Pending{formatDecimal(pending_->operand), pending_->operation};
 }
 
-void Calculator::typeDigit(char digit) {
-    if (entry_ == "0" || entry_ == "-0")
-        entry_.pop_back();
-    if (std::ranges::count_if(entry_, isDigit) < kShownDigits)
-        entry_ += digit;
-    hasOperand_ = true;
+void Calculator::typeDigit(Key key) {
+    if (typed_ == "0" || typed_ == "-0")
+        typed_.pop_back();
+    if (std::ranges::count_if(typed_, isDigitCharacter) < kDisplayDigits)
+        typed_ += digitOf(key);
+    hasNewOperand_ = true;
 }
 
 void Calculator::typePoint() {
-    if (entry_.empty())
-        entry_ = "0";
-    if (entry_.find('.') == std::string::npos)
-        entry_ += '.';
-    hasOperand_ = true;
+    if (typed_.empty())
+        typed_ = "0";
+    if (typed_.find('.') == std::string::npos)
+        typed_ += '.';
+    hasNewOperand_ = true;
 }
 
-void Calculator::takeBack() {
-    if (entry_.empty())
+void Calculator::removeLastCharacter() {
+    if (typed_.empty())
         return;
-    entry_.pop_back();
-    if (entry_.empty() || entry_ == "-")
-        entry_ = "0";
+    typed_.pop_back();
+    if (typed_.empty() || typed_ == "-")
+        typed_ = "0";
 }
 
 void Calculator::clear() {
-    const bool entryAlone = clearsEntry();
+    const bool onlyTyped = isTyping();
     show(0);
-    hasOperand_ = false;
-    if (entryAlone)
+    hasNewOperand_ = false;
+    if (onlyTyped)
         return;
     pending_.reset();
-    repeated_.reset();
+    repeatable_.reset();
     fault_ = Fault::None;
 }
 
-void Calculator::operate(Key operation) {
-    std::optional<Decimal> left = current();
+void Calculator::pressOperator(Key operation) {
+    std::optional<Decimal> left = displayedNumber();
     if (pending_)
-        left = hasOperand_ ? calculated(pending_->number, pending_->operation, *left)
-                           : pending_->number;
+        left = hasNewOperand_ ? evaluate(pending_->operand, pending_->operation, *left)
+                              : pending_->operand;
     if (!left)
         return;
     show(*left);
     pending_ = {operation, *left};
-    repeated_.reset();
-    hasOperand_ = false;
+    repeatable_.reset();
+    hasNewOperand_ = false;
 }
 
-void Calculator::equals() {
-    const Decimal shown = current();
-    const auto step = pending_ ? Step{pending_->operation, shown} : repeated_;
+void Calculator::pressEquals() {
+    const Decimal displayed = displayedNumber();
+    const Decimal left = pending_ ? pending_->operand : displayed;
+    const auto operation = pending_ ? Operation{pending_->operation, displayed} : repeatable_;
     const auto result =
-        step ? calculated(pending_ ? pending_->number : shown, step->operation, step->number)
-             : shown;
+        operation ? evaluate(left, operation->operation, operation->operand) : displayed;
     if (!result)
         return;
     show(*result);
-    repeated_ = step;
+    repeatable_ = operation;
     pending_.reset();
-    hasOperand_ = false;
+    hasNewOperand_ = false;
 }
 
-void Calculator::percent() {
+void Calculator::pressPercent() {
     const bool isShare =
         pending_ && (pending_->operation == Key::Add || pending_->operation == Key::Subtract);
-    const Decimal hundredths = current() / 100;
-    if (const auto result = held(isShare ? pending_->number * hundredths : hundredths))
+    const Decimal hundredths = displayedNumber() / 100;
+    if (const auto result = checkRange(isShare ? pending_->operand * hundredths : hundredths))
         showOperand(*result);
 }
 
 void Calculator::changeSign() {
-    if (entry_.empty())
-        return showOperand(value_ == 0 ? value_ : Decimal(-value_));
-    if (entry_[0] == '-')
-        entry_.erase(0, 1);
+    if (typed_.empty())
+        return showOperand(result_ == 0 ? result_ : Decimal(-result_));
+    if (typed_[0] == '-')
+        typed_.erase(0, 1);
     else
-        entry_.insert(0, 1, '-');
+        typed_.insert(0, 1, '-');
 }
 
-void Calculator::changeMemory(Key key) {
+void Calculator::pressMemoryKey(Key key) {
     if (key == Key::MemoryClear)
         return memory_.reset();
     if (key == Key::MemoryRecall) {
@@ -160,59 +167,60 @@ void Calculator::changeMemory(Key key) {
             showOperand(*memory_);
         return;
     }
-    const Decimal change = key == Key::MemoryAdd ? current() : Decimal(-current());
-    const auto result = held(sum(memory_.value_or(0), change));
+    const Decimal displayed = displayedNumber();
+    const Decimal change = key == Key::MemoryAdd ? displayed : Decimal(-displayed);
+    const auto result = checkRange(sum(memory_.value_or(0), change));
     if (!result)
         return;
-    show(current());
+    show(displayed);
     memory_ = result;
 }
 
-Decimal Calculator::current() const {
-    return entry_.empty() ? value_ : decimalOf(entry_).value_or(0);
+Decimal Calculator::displayedNumber() const {
+    return typed_.empty() ? result_ : parseDecimal(typed_).value_or(0);
 }
 
 void Calculator::show(const Decimal& number) {
-    entry_.clear();
-    value_ = number;
+    typed_.clear();
+    result_ = number;
 }
 
 void Calculator::showOperand(const Decimal& number) {
     show(number);
-    hasOperand_ = true;
+    hasNewOperand_ = true;
 }
 
-std::optional<Decimal> Calculator::calculated(const Decimal& left, Key operation,
-                                              const Decimal& right) {
+std::optional<Decimal> Calculator::evaluate(const Decimal& left, Key operation,
+                                            const Decimal& right) {
     switch (operation) {
     case Key::Add:
-        return held(sum(left, right));
+        return checkRange(sum(left, right));
     case Key::Subtract:
-        return held(sum(left, -right));
+        return checkRange(sum(left, -right));
     case Key::Multiply:
-        return held(left * right);
+        return checkRange(left * right);
     default:
         break;
     }
     if (right != 0)
-        return held(left / right);
+        return checkRange(left / right);
     fail(Fault::DivisionByZero);
     return std::nullopt;
 }
 
-std::optional<Decimal> Calculator::held(const Decimal& number) {
-    if (isTooLarge(number)) {
-        fail(Fault::TooLarge);
+std::optional<Decimal> Calculator::checkRange(const Decimal& number) {
+    if (overflows(number)) {
+        fail(Fault::Overflow);
         return std::nullopt;
     }
-    return isTooSmall(number) ? Decimal(0) : number;
+    return underflows(number) ? Decimal(0) : number;
 }
 
 void Calculator::fail(Fault fault) {
     show(0);
     pending_.reset();
-    repeated_.reset();
-    hasOperand_ = false;
+    repeatable_.reset();
+    hasNewOperand_ = false;
     fault_ = fault;
 }
 

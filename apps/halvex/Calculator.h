@@ -8,86 +8,102 @@
 
 namespace apps {
 
-/// A desk calculator without its case: keys go in, the number that it shows comes out.
+/// The state of a desk calculator: takes key presses and provides the text of the display.
 ///
-/// What is typed is calculated from left to right, without precedence: 2 + 3 × 4 = 20.
-/// - An operator calculates what is pending first; of two in a row the later one counts.
-/// - Equals without a second number takes the one that is shown: 5 × = is 25. Pressed again, or
-///   after another number, it repeats the last operator with its second number: 2 + 3 = = is 8.
-/// - Percent of a number to be added or subtracted is that many hundredths of the first one:
-///   200 + 10 % = is 220. Everywhere else it divides by 100.
-/// - Clear takes back the number that is being typed; when there is none, everything but the
-///   memory.
-/// - What is wrong (see Fault) stays until it is cleared, or a new number begins.
-/// A difference that is smaller by 45 digits than what it is of is 0, so that 1 ÷ 3 × 3 - 1 is.
+/// Keys are evaluated from left to right, without precedence: 2 + 3 × 4 = 20.
+/// - An operator first evaluates the pending operation. If two operators follow one another, the
+///   second replaces the first.
+/// - Equals without a second operand uses the displayed number: 5 × = is 25. Pressed again, or
+/// after
+///   a new number, it repeats the last operation: 2 + 3 = = is 8.
+/// - Percent of the second operand of an addition or subtraction is a percentage of the first:
+///   200 + 10 % = is 220. Anywhere else it divides by 100.
+/// - Clear removes the number being typed, or, if there is none, everything except the memory.
+/// - A fault stays until Clear is pressed or a new number begins.
+///
+/// A sum or difference below 10^-45 of its larger operand is rounded to 0, so that 1 ÷ 3 × 3 - 1
+/// is 0.
 class Calculator {
   public:
-    enum class Key : char {
-        Digit0 = '0', // and so on to '9'
-        Point = '.',
-        Add = '+',
-        Subtract = '-',
-        Multiply = '*',
-        Divide = '/',
-        Equals = '=',
-        Percent = '%',
-        Sign = 'n',
-        Clear = 'c',
-        Backspace = '<',
-        MemoryClear = 'C',
-        MemoryRecall = 'R',
-        MemoryAdd = 'A',
-        MemorySubtract = 'S',
+    enum class Key {
+        Digit0,
+        Digit1,
+        Digit2,
+        Digit3,
+        Digit4,
+        Digit5,
+        Digit6,
+        Digit7,
+        Digit8,
+        Digit9,
+        Point,
+        Add,
+        Subtract,
+        Multiply,
+        Divide,
+        Equals,
+        Percent,
+        Sign,
+        Clear,
+        Backspace,
+        MemoryClear,
+        MemoryRecall,
+        MemoryAdd,
+        MemorySubtract,
     };
-    enum class Fault { None, DivisionByZero, TooLarge };
-    /// The first number and the operator, while the second number is awaited.
+    enum class Fault { None, DivisionByZero, Overflow };
+    /// An operator whose second operand has not been completed.
     struct Pending {
         std::string left;
         Key operation;
     };
 
+    static constexpr bool isDigit(Key key) { return key <= Key::Digit9; }
+
     void press(Key key);
-    /// Takes a number (see decimalOf) as if it had been typed. False, and nothing is changed, when
-    /// it is none.
+    /// Displays @p number (see parseDecimal) as if it had been typed and completed. Returns false
+    /// and changes nothing if it cannot be parsed.
     bool enter(std::string_view number);
 
-    /// What is typed, else the last result as decimalText writes it; "0" with a fault.
-    std::string shown() const;
+    /// Returns the number being typed, or else the last result as formatted by formatDecimal. "0"
+    /// while there is a fault.
+    std::string display() const;
     Fault fault() const { return fault_; }
     std::optional<Pending> pending() const;
     bool hasMemory() const { return memory_.has_value(); }
-    /// Whether Clear takes back a number alone.
-    bool clearsEntry() const { return !entry_.empty(); }
+    /// Whether a number is being typed. Clear then removes only that number.
+    bool isTyping() const { return !typed_.empty(); }
 
   private:
-    struct Step {
+    struct Operation {
         Key operation;
-        Decimal number;
+        Decimal operand;
     };
 
-    void typeDigit(char digit);
+    void typeDigit(Key key);
     void typePoint();
-    void takeBack();
+    void removeLastCharacter();
     void clear();
-    void operate(Key operation);
-    void equals();
-    void percent();
+    void pressOperator(Key operation);
+    void pressEquals();
+    void pressPercent();
     void changeSign();
-    void changeMemory(Key key);
+    void pressMemoryKey(Key key);
 
-    Decimal current() const;
+    Decimal displayedNumber() const;
     void show(const Decimal& number);
     void showOperand(const Decimal& number);
-    std::optional<Decimal> calculated(const Decimal& left, Key operation, const Decimal& right);
-    /// The number when it can be held; else nothing, and the fault is noted.
-    std::optional<Decimal> held(const Decimal& number);
+    std::optional<Decimal> evaluate(const Decimal& left, Key operation, const Decimal& right);
+    /// Returns @p number, or 0 if it underflows. If it overflows, sets the fault and returns
+    /// std::nullopt.
+    std::optional<Decimal> checkRange(const Decimal& number);
     void fail(Fault fault);
 
-    std::string entry_; ///< what is being typed; empty when nothing is
-    Decimal value_ = 0; ///< what is shown when nothing is
-    std::optional<Step> pending_;
-    bool hasOperand_ = false; ///< whether the second number of what is pending was given
-    std::optional<Step> repeated_;
+    std::string typed_;  ///< the number being typed, or empty
+    Decimal result_ = 0; ///< displayed while no number is being typed
+    std::optional<Operation> pending_;
+    bool hasNewOperand_ = false; ///< a number was entered since the last operator or result
+    std::optional<Operation> repeatable_; ///< what Equals repeats
     std::optional<Decimal> memory_;
     Fault fault_ = Fault::None;
 };

@@ -3,24 +3,21 @@
 #include <QKeyEvent>
 
 #include <algorithm>
-#include <string_view>
+#include <utility>
 
 namespace apps {
 
 using Key = Calculator::Key;
+
 namespace {
 
-constexpr Key digit(char character) {
-    return static_cast<Key>(character);
-}
-
-struct KeyboardKey {
-    int key;
+struct Shortcut {
+    int keyboardKey;
     Qt::KeyboardModifiers modifiers;
-    Key meaning;
+    Key key;
 };
 
-const KeyboardKey kKeyboardKeys[] = {
+const Shortcut kShortcuts[] = {
     {Qt::Key_Return, Qt::NoModifier, Key::Equals},
     {Qt::Key_Enter, Qt::NoModifier, Key::Equals},
     {Qt::Key_Escape, Qt::NoModifier, Key::Clear},
@@ -33,7 +30,6 @@ const KeyboardKey kKeyboardKeys[] = {
     {Qt::Key_P, Qt::ControlModifier | Qt::ShiftModifier, Key::MemorySubtract},
 };
 
-constexpr std::u16string_view kDigits = u"0123456789";
 constexpr std::pair<char16_t, Key> kCharacters[] = {
     {u'.', Key::Point},    {u',', Key::Point},         {u'+', Key::Add},
     {u'-', Key::Subtract}, {u'\u2212', Key::Subtract}, {u'*', Key::Multiply},
@@ -53,34 +49,34 @@ const std::array<CalculatorKey, 23> kCalculatorKeys{{
     {Key::Sign, "±", "Change sign", 1, 1},
     {Key::Percent, "%", "Percent", 1, 2},
     {Key::Divide, "÷", "Divide", 1, 3},
-    {digit('7'), "7", "7", 2, 0},
-    {digit('8'), "8", "8", 2, 1},
-    {digit('9'), "9", "9", 2, 2},
+    {Key::Digit7, "7", "7", 2, 0},
+    {Key::Digit8, "8", "8", 2, 1},
+    {Key::Digit9, "9", "9", 2, 2},
     {Key::Multiply, "×", "Multiply", 2, 3},
-    {digit('4'), "4", "4", 3, 0},
-    {digit('5'), "5", "5", 3, 1},
-    {digit('6'), "6", "6", 3, 2},
+    {Key::Digit4, "4", "4", 3, 0},
+    {Key::Digit5, "5", "5", 3, 1},
+    {Key::Digit6, "6", "6", 3, 2},
     {Key::Subtract, "−", "Subtract", 3, 3},
-    {digit('1'), "1", "1", 4, 0},
-    {digit('2'), "2", "2", 4, 1},
-    {digit('3'), "3", "3", 4, 2},
+    {Key::Digit1, "1", "1", 4, 0},
+    {Key::Digit2, "2", "2", 4, 1},
+    {Key::Digit3, "3", "3", 4, 2},
     {Key::Add, "+", "Add", 4, 3},
-    {digit('0'), "0", "0", 5, 0, 2},
-    {Key::Point, ".", "Decimal sign", 5, 2},
+    {Key::Digit0, "0", "0", 5, 0, 2},
+    {Key::Point, ".", "Decimal point", 5, 2},
     {Key::Equals, "=", "Equals", 5, 3},
 }};
 
 std::optional<Key> calculatorKey(const QKeyEvent& event) {
     const auto modifiers = event.modifiers() & ~Qt::KeypadModifier;
-    for (const KeyboardKey& candidate : kKeyboardKeys)
-        if (candidate.key == event.key() && candidate.modifiers == modifiers)
-            return candidate.meaning;
+    for (const Shortcut& shortcut : kShortcuts)
+        if (shortcut.keyboardKey == event.key() && shortcut.modifiers == modifiers)
+            return shortcut.key;
     const QString text = event.text();
     if (text.size() != 1 || (modifiers & ~Qt::ShiftModifier))
         return std::nullopt;
     const char16_t character = text[0].unicode();
-    if (kDigits.find(character) != kDigits.npos)
-        return digit(static_cast<char>(character));
+    if (character >= u'0' && character <= u'9')
+        return static_cast<Key>(character - u'0');
     const auto* const found =
         std::ranges::find(kCharacters, character, &std::pair<char16_t, Key>::first);
     if (found == std::end(kCharacters))

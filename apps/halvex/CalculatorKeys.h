@@ -8,19 +8,19 @@ class QKeyEvent;
 
 namespace apps {
 
-/// A key of the calculator's: what it says, what screen readers say, and where it is.
+/// A button of the calculator window and its place in the grid.
 struct CalculatorKey {
     Calculator::Key key;
     const char* label;
-    const char* name;
+    const char* accessibleName; ///< for screen readers
     int row, column;
-    int columns = 1;
+    int columns = 1; ///< column span
 };
 
 extern const std::array<CalculatorKey, 23> kCalculatorKeys;
 
-/// The calculator's key for one of the keyboard; nothing for any other. Both the point and the
-/// comma are the decimal sign.
+/// Returns the calculator key for a key press on the keyboard, or std::nullopt if it has no
+/// meaning. Point and comma are both the decimal separator.
 std::optional<Calculator::Key> calculatorKey(const QKeyEvent& event);
 
 } // namespace apps

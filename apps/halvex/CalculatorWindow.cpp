@@ -18,14 +18,14 @@
 
 namespace apps {
 
+using Fault = Calculator::Fault;
 using Key = Calculator::Key;
 
-using Fault = Calculator::Fault;
 namespace {
 
 constexpr int kMargin = 12;
 constexpr int kGap = 4;
-constexpr int kShownPixels = 38;
+constexpr int kDisplayFontSize = 38;
 constexpr std::array kOperators{Key::Divide, Key::Multiply, Key::Subtract, Key::Add};
 
 bool isOperator(Key key) {
@@ -35,9 +35,8 @@ bool isOperator(Key key) {
 KeyButton::Kind kindOf(Key key) {
     if (isOperator(key) || key == Key::Equals)
         return KeyButton::Kind::Operator;
-    const char sign = static_cast<char>(key);
-    const bool types = (sign >= '0' && sign <= '9') || key == Key::Point;
-    return types ? KeyButton::Kind::Digit : KeyButton::Kind::Function;
+    return Calculator::isDigit(key) || key == Key::Point ? KeyButton::Kind::Digit
+                                                         : KeyButton::Kind::Function;
 }
 
 QString labelOf(Key key) {
@@ -56,7 +55,7 @@ CalculatorWindow::CalculatorWindow(const QLocale& locale) : locale_(locale) {
     addKeys(*column);
     addActions();
     setFocusPolicy(Qt::StrongFocus);
-    setFocus(); // no key of its own is marked until somebody goes there
+    setFocus(); // no button has the focus until the user presses Tab
     refresh();
 }
 
@@ -69,8 +68,8 @@ void CalculatorWindow::addDisplay(QVBoxLayout& column) {
     line->addWidget(memory_);
     line->addWidget(pending_, 1);
     column.addLayout(line);
-    shown_ = new FittingLabel(kShownPixels);
-    column.addWidget(shown_);
+    display_ = new FittingLabel(kDisplayFontSize);
+    column.addWidget(display_);
 }
 
 void CalculatorWindow::addKeys(QVBoxLayout& column) {
@@ -78,20 +77,21 @@ void CalculatorWindow::addKeys(QVBoxLayout& column) {
     grid->setSpacing(kGap);
     for (const CalculatorKey& key : kCalculatorKeys) {
         auto* const button = new KeyButton(QString::fromUtf8(key.label), kindOf(key.key));
-        button->setAccessibleName(key.name);
+        button->setAccessibleName(key.accessibleName);
         button->setCheckable(isOperator(key.key));
         connect(button, &KeyButton::clicked, this, [this, pressed = key.key] { press(pressed); });
         grid->addWidget(button, key.row, key.column, 1, key.columns);
-        keys_[key.key] = button;
+        buttons_[key.key] = button;
     }
-    keys_.at(Key::Point)->setText(locale_.decimalPoint());
+    buttons_.at(Key::Point)->setText(locale_.decimalPoint());
     column.addLayout(grid, 1);
 }
 
 void CalculatorWindow::addActions() {
-    const auto add = [this](const QString& text, QKeySequence::StandardKey keys, auto&& action) {
+    const auto add = [this](const QString& text, QKeySequence::StandardKey shortcut,
+                            auto&& action) {
         auto* const added = new QAction(text, this);
-        added->setShortcut(keys);
+        added->setShortcut(shortcut);
         connect(added, &QAction::triggered, this, action);
         addAction(added);
     };
@@ -101,20 +101,13 @@ void CalculatorWindow::addActions() {
     setContextMenuPolicy(Qt::ActionsContextMenu);
 }
 
-void CalculatorWindow::present() {
-    setWindowState(windowState() & ~Qt::WindowMinimized);
-    show();
-    raise();
-    activateWindow();
-}
-
 void CalculatorWindow::copy() const {
     if (calculator_.fault() == Fault::None)
-        QApplication::clipboard()->setText(copiedNumber(calculator_.shown(), locale_));
+        QApplication::clipboard()->setText(formatForClipboard(calculator_.display(), locale_));
 }
 
 void CalculatorWindow::paste() {
-    if (calculator_.enter(readNumber(QApplication::clipboard()->text(), locale_)))
+    if (calculator_.enter(normalizeNumber(QApplication::clipboard()->text(), locale_)))
         refresh();
     else
         QApplication::beep();
@@ -124,7 +117,7 @@ void CalculatorWindow::keyPressEvent(QKeyEvent* event) {
     const auto key = calculatorKey(*event);
     if (!key)
         return QWidget::keyPressEvent(event);
-    if (const auto button = keys_.find(*key); button != keys_.end())
+    if (const auto button = buttons_.find(*key); button != buttons_.end())
         button->second->flash();
     press(*key);
 }
@@ -135,35 +128,35 @@ void CalculatorWindow::press(Key key) {
 }
 
 void CalculatorWindow::refresh() {
-    shown_->showText(shownText());
+    display_->showText(displayText());
     pending_->setText(pendingText());
     memory_->setText(calculator_.hasMemory() ? "M" : "");
-    keys_.at(Key::Clear)->setText(calculator_.clearsEntry() ? "C" : "AC");
+    buttons_.at(Key::Clear)->setText(calculator_.isTyping() ? "C" : "AC");
     for (const Key memory : {Key::MemoryClear, Key::MemoryRecall})
-        keys_.at(memory)->setEnabled(calculator_.hasMemory());
+        buttons_.at(memory)->setEnabled(calculator_.hasMemory());
     const auto pending = calculator_.pending();
     for (const Key key : kOperators)
-        keys_.at(key)->setChecked(pending && pending->operation == key &&
-                                  !calculator_.clearsEntry());
+        buttons_.at(key)->setChecked(pending && pending->operation == key &&
+                                     !calculator_.isTyping());
 }
 
-QString CalculatorWindow::shownText() const {
+QString CalculatorWindow::displayText() const {
     switch (calculator_.fault()) {
     case Fault::DivisionByZero:
         return "Cannot divide by zero";
-    case Fault::TooLarge:
+    case Fault::Overflow:
         return "Number too large";
     case Fault::None:
         break;
     }
-    return shownNumber(calculator_.shown(), locale_);
+    return formatForDisplay(calculator_.display(), locale_);
 }
 
 QString CalculatorWindow::pendingText() const {
     const auto pending = calculator_.pending();
     if (!pending)
         return {};
-    return shownNumber(pending->left, locale_) + ' ' + labelOf(pending->operation);
+    return formatForDisplay(pending->left, locale_) + ' ' + labelOf(pending->operation);
 }
 
 } // namespace apps

@@ -15,17 +15,16 @@ namespace apps {
 class FittingLabel;
 class KeyButton;
 
-/// The calculator on the screen. Closing it hides it; what it shows stays.
+/// The window of the calculator. Closing hides it and keeps the calculator's state.
 class CalculatorWindow final : public QWidget {
     Q_OBJECT
 
   public:
     explicit CalculatorWindow(const QLocale& locale = QLocale());
 
-    /// Shows the window, in front of the others.
-    void present();
+    /// Copies the displayed number to the clipboard. Does nothing while there is a fault.
     void copy() const;
-    /// Takes the number on the clipboard; beeps when there is none.
+    /// Enters the number on the clipboard, or beeps if there is none.
     void paste();
 
   protected:
@@ -36,17 +35,17 @@ class CalculatorWindow final : public QWidget {
     void addKeys(QVBoxLayout& column);
     void addActions();
     void press(Calculator::Key key);
-    /// Shows what the calculator shows.
+    /// Updates the widgets from the calculator.
     void refresh();
-    QString shownText() const;
+    QString displayText() const;
     QString pendingText() const;
 
     const QLocale locale_;
     Calculator calculator_;
     QLabel* memory_ = nullptr;
     QLabel* pending_ = nullptr;
-    FittingLabel* shown_ = nullptr;
-    std::map<Calculator::Key, KeyButton*> keys_;
+    FittingLabel* display_ = nullptr;
+    std::map<Calculator::Key, KeyButton*> buttons_;
 };
 
 } // namespace apps

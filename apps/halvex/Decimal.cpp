@@ -6,15 +6,15 @@
 namespace apps {
 namespace {
 
-constexpr int kZerosBehindPoint = 6;
-constexpr std::size_t kLongestText = 1000;
+constexpr int kMaxLeadingZeros = 6;
+constexpr std::size_t kMaxTextLength = 1000;
 
 std::string withoutTrailingZeros(std::string digits) {
     digits.erase(digits.find_last_not_of('0') + 1);
     return digits;
 }
 
-std::string plain(const std::string& digits, int exponent) {
+std::string formatPlain(const std::string& digits, int exponent) {
     if (exponent < 0)
         return "0." + std::string(static_cast<std::size_t>(-exponent - 1), '0') + digits;
     const auto whole = static_cast<std::size_t>(exponent) + 1;
@@ -23,7 +23,7 @@ std::string plain(const std::string& digits, int exponent) {
     return digits.substr(0, whole) + '.' + digits.substr(whole);
 }
 
-std::string scientific(const std::string& digits, int exponent) {
+std::string formatScientific(const std::string& digits, int exponent) {
     const std::string fraction = digits.size() > 1 ? '.' + digits.substr(1) : "";
     return digits.substr(0, 1) + fraction + (exponent < 0 ? "e-" : "e+") +
            std::to_string(std::abs(exponent));
@@ -33,7 +33,7 @@ std::size_t skipDigits(std::string_view text, std::size_t at) {
     return std::min(text.find_first_not_of("0123456789", at), text.size());
 }
 
-int exponentOf(std::string_view text) {
+int parseExponent(std::string_view text) {
     int exponent = 0;
     std::from_chars(text.data(), text.data() + text.size(), exponent);
     return exponent;
@@ -61,34 +61,37 @@ bool isNumber(std::string_view text) {
 
 } // namespace
 
-bool isTooLarge(const Decimal& number) {
-    return number.backend().order() > kLargestExponent;
+bool overflows(const Decimal& number) {
+    return number.backend().order() > kMaxExponent;
 }
 
-bool isTooSmall(const Decimal& number) {
-    return number.backend().order() < -kLargestExponent;
+bool underflows(const Decimal& number) {
+    return number.backend().order() < -kMaxExponent;
 }
 
-std::string decimalText(const Decimal& number) {
+std::string formatDecimal(const Decimal& number) {
     if (number == 0)
         return "0";
-    // "d.dddde+XX"
-    const std::string text = Decimal(abs(number)).str(kShownDigits - 1, std::ios_base::scientific);
-    const std::size_t mark = text.find('e');
-    const int exponent = exponentOf(text.substr(mark + (text[mark + 1] == '+' ? 2 : 1)));
-    const std::string digits = withoutTrailingZeros(text.substr(0, 1) + text.substr(2, mark - 2));
-    const bool isPlain = exponent < kShownDigits && exponent >= -1 - kZerosBehindPoint;
+    // Boost formats it as "d.dddde+XX".
+    const std::string text =
+        Decimal(abs(number)).str(kDisplayDigits - 1, std::ios_base::scientific);
+    const std::size_t exponentMark = text.find('e');
+    const int exponent =
+        parseExponent(text.substr(exponentMark + (text[exponentMark + 1] == '+' ? 2 : 1)));
+    const std::string digits =
+        withoutTrailingZeros(text.substr(0, 1) + text.substr(2, exponentMark - 2));
+    const bool fitsPlain = exponent < kDisplayDigits && exponent >= -1 - kMaxLeadingZeros;
     return (number < 0 ? "-" : "") +
-           (isPlain ? plain(digits, exponent) : scientific(digits, exponent));
+           (fitsPlain ? formatPlain(digits, exponent) : formatScientific(digits, exponent));
 }
 
-std::optional<Decimal> decimalOf(std::string_view text) {
-    if (text.size() > kLongestText || !isNumber(text))
+std::optional<Decimal> parseDecimal(std::string_view text) {
+    if (text.size() > kMaxTextLength || !isNumber(text))
         return std::nullopt;
     const Decimal number{std::string(text)};
-    if (isTooLarge(number))
+    if (overflows(number))
         return std::nullopt;
-    return isTooSmall(number) ? Decimal(0) : number;
+    return underflows(number) ? Decimal(0) : number;
 }
 
 } // namespace apps

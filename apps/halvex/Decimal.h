@@ -8,26 +8,25 @@
 
 namespace apps {
 
-/// Numbers as people write them: decimal, with 50 digits to calculate with, of which 16 are shown.
+/// A decimal floating-point number. Calculations keep 50 digits, of which 16 are displayed.
 using Decimal = boost::multiprecision::number<boost::multiprecision::cpp_dec_float<50>,
                                               boost::multiprecision::et_off>;
 
-inline constexpr int kShownDigits = 16;
-/// Numbers of 10^1000 and more are too large, smaller ones than 10^-999 are 0.
-inline constexpr int kLargestExponent = 999;
+inline constexpr int kDisplayDigits = 16;
+/// Numbers of 10^1000 and above overflow; numbers below 10^-999 underflow to 0.
+inline constexpr int kMaxExponent = 999;
 
-/// Whether the number is too large for this calculator.
-bool isTooLarge(const Decimal& number);
-/// Whether the number is too close to 0 to be told from it.
-bool isTooSmall(const Decimal& number);
+bool overflows(const Decimal& number);
+bool underflows(const Decimal& number);
 
-/// The number in 16 digits, rounded half away from zero: "-1234.5", or "1.5e+20" when it has more
-/// than 16 digits before the point, or more than six zeros behind it before the first other digit.
-std::string decimalText(const Decimal& number);
+/// Formats @p number with 16 digits, rounded half away from zero: "-1234.5". Uses an exponent
+/// ("1.5e+20") if there are more than 16 digits before the decimal point, or more than six zeros
+/// between the point and the first other digit.
+std::string formatDecimal(const Decimal& number);
 
-/// What is written: digits with at most one point, a minus sign before them, an exponent ("e-7")
-/// behind them. Nothing for any other text, for one of more than 1000 characters and for a number
-/// that is too large.
-std::optional<Decimal> decimalOf(std::string_view text);
+/// Parses digits with at most one point, an optional leading minus sign and an optional exponent
+/// ("e-7"). Returns std::nullopt for any other text, for text of more than 1000 characters and for
+/// a number that overflows.
+std::optional<Decimal> parseDecimal(std::string_view text);
 
 } // namespace apps

@@ -4,13 +4,13 @@
 
 namespace apps {
 namespace {
-constexpr int kSmallest = 9; // pixels
+constexpr int kMinFontSize = 9; // pixels
 }
 
-FittingLabel::FittingLabel(int pixels) : pixels_(pixels) {
+FittingLabel::FittingLabel(int maxFontSize) : maxFontSize_(maxFontSize) {
     setAlignment(Qt::AlignRight | Qt::AlignVCenter);
     setTextFormat(Qt::PlainText);
-    setFixedHeight(pixels * 3 / 2);
+    setFixedHeight(maxFontSize * 3 / 2);
     setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Fixed);
 }
 
@@ -30,10 +30,10 @@ void FittingLabel::resizeEvent(QResizeEvent* event) {
 
 void FittingLabel::fit() {
     QFont face = font();
-    int size = pixels_;
+    int size = maxFontSize_;
     do
         face.setPixelSize(size);
-    while (QFontMetrics(face).horizontalAdvance(text()) > width() - 4 && --size > kSmallest);
+    while (QFontMetrics(face).horizontalAdvance(text()) > width() - 4 && --size > kMinFontSize);
     setFont(face);
 }
 

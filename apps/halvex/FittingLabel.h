@@ -4,14 +4,15 @@
 
 namespace apps {
 
-/// A line of text at the right, as large as fits.
+/// A right-aligned line of plain text, scaled down to the label's width.
 class FittingLabel final : public QLabel {
     Q_OBJECT
 
   public:
-    /// @p pixels is the largest size of the text.
-    explicit FittingLabel(int pixels);
+    /// @p maxFontSize is in pixels.
+    explicit FittingLabel(int maxFontSize);
 
+    /// Sets the text and its size. Call this instead of setText().
     void showText(const QString& text);
     QSize minimumSizeHint() const override;
 
@@ -21,7 +22,7 @@ class FittingLabel final : public QLabel {
   private:
     void fit();
 
-    const int pixels_;
+    const int maxFontSize_;
 };
 
 } // namespace apps

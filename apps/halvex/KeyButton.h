@@ -4,7 +4,8 @@
 
 namespace apps {
 
-/// A key: a rounded field with a label, in the palette's colours. A checked one is inverted.
+/// A button drawn as a rounded field in the colours of the palette. A checked button is drawn with
+/// background and label colours swapped.
 class KeyButton final : public QAbstractButton {
     Q_OBJECT
 
@@ -13,7 +14,7 @@ class KeyButton final : public QAbstractButton {
 
     KeyButton(const QString& label, Kind kind);
 
-    /// Shows for a moment that the key was pressed on the keyboard.
+    /// Draws the button as pressed for a moment, without clicking it.
     void flash();
 
     QSize sizeHint() const override;
@@ -25,7 +26,8 @@ class KeyButton final : public QAbstractButton {
     void leaveEvent(QEvent* event) override;
 
   private:
-    QColor ground() const;
+    QColor backgroundColour() const;
+    QColor labelColour() const;
 
     const Kind kind_;
 };

@@ -11,21 +11,21 @@ using platform::qt::qString;
 namespace apps {
 namespace {
 
-constexpr QChar kMinus(0x2212);
+constexpr QChar kMinusSign(0x2212);
 
-/// Digits of any script as 0 to 9, and every minus sign as the plain one.
-QString plainCharacters(const QString& text) {
+/// Replaces the digits of any script by 0 to 9, and U+2212 by an ASCII hyphen.
+QString withAsciiDigits(const QString& text) {
     QString plain;
     for (const QChar character : text) {
         if (character.isDigit())
             plain += QChar('0' + character.digitValue());
         else
-            plain += character == kMinus ? QChar('-') : character;
+            plain += character == kMinusSign ? QChar('-') : character;
     }
     return plain;
 }
 
-/// Spaces of any width part groups where one of them does.
+/// In a locale that separates groups by a space, a space of any width does.
 QString groupPattern(const QString& separator) {
     const bool isSpace = !separator.isEmpty() && separator[0].isSpace();
     return isSpace ? QString("[\\x{20}\\x{a0}\\x{202f}\\x{2009}]")
@@ -57,25 +57,25 @@ QString grouped(const QString& whole, const QLocale& locale) {
 
 } // namespace
 
-QString shownNumber(std::string_view number, const QLocale& locale) {
+QString formatForDisplay(std::string_view number, const QLocale& locale) {
     const std::size_t begin = number.starts_with('-') ? 1 : 0;
-    const std::size_t mark = std::min(number.find('e'), number.size());
-    const std::size_t point = std::min(number.find('.'), mark);
-    QString shown = begin > 0 ? QString(kMinus) : QString();
-    shown += grouped(qString(number.substr(begin, point - begin)), locale);
-    if (point < mark)
-        shown += locale.decimalPoint() +
-                 localDigits(qString(number.substr(point + 1, mark - point - 1)), locale);
-    QString exponent = qString(number.substr(mark));
-    return shown + exponent.remove('+').replace('-', kMinus);
+    const std::size_t exponentMark = std::min(number.find('e'), number.size());
+    const std::size_t point = std::min(number.find('.'), exponentMark);
+    QString text = begin > 0 ? QString(kMinusSign) : QString();
+    text += grouped(qString(number.substr(begin, point - begin)), locale);
+    if (point < exponentMark)
+        text += locale.decimalPoint() +
+                localDigits(qString(number.substr(point + 1, exponentMark - point - 1)), locale);
+    QString exponent = qString(number.substr(exponentMark));
+    return text + exponent.remove('+').replace('-', kMinusSign);
 }
 
-QString copiedNumber(std::string_view number, const QLocale& locale) {
+QString formatForClipboard(std::string_view number, const QLocale& locale) {
     return qString(number).replace('.', locale.decimalPoint()).remove('+');
 }
 
-std::string readNumber(const QString& text, const QLocale& locale) {
-    const QString plain = plainCharacters(text.trimmed());
+std::string normalizeNumber(const QString& text, const QLocale& locale) {
+    const QString plain = withAsciiDigits(text.trimmed());
     const auto match = numberPattern(locale).match(plain);
     if (!match.hasMatch())
         return plain.toStdString();

@@ -8,18 +8,19 @@
 
 namespace apps {
 
-/// Numbers as decimalText writes them, in the ways of a locale: its decimal sign, its digits, its
-/// groups of thousands.
+// Conversions between numbers as Calculator::display returns them and text in the notation of a
+// locale: its decimal separator, group separator and digits.
 
-/// For the eye: with groups and a true minus sign.
-QString shownNumber(std::string_view number, const QLocale& locale);
+/// Formats a number for the display, with group separators and the minus sign U+2212.
+QString formatForDisplay(std::string_view number, const QLocale& locale);
 
-/// For other programs: without groups, with a plain minus sign.
-QString copiedNumber(std::string_view number, const QLocale& locale);
+/// Formats a number for other programs, without group separators and with an ASCII hyphen.
+QString formatForClipboard(std::string_view number, const QLocale& locale);
 
-/// What people copy elsewhere, for decimalOf, which judges it. Groups are heard where they are
-/// groups; what is no number of the locale's is taken as one with a point: "0.5" is a half
-/// everywhere, "1.234" is more than a thousand where the point parts groups.
-std::string readNumber(const QString& text, const QLocale& locale);
+/// Converts text from another program into the form that parseDecimal expects; invalid text stays
+/// invalid. Group separators are removed if they are where the locale puts them. Text that is not a
+/// number in the locale's notation is taken as one with a decimal point: "0.5" is one half in every
+/// locale, but "1.234" is more than a thousand where the point separates groups.
+std::string normalizeNumber(const QString& text, const QLocale& locale);
 
 } // namespace apps

@@ -20,18 +20,18 @@ const QLocale kGerman(QLocale::German, QLocale::Germany);
 const QLocale kEnglish(QLocale::English, QLocale::UnitedStates);
 const QLocale kFrench(QLocale::French, QLocale::France);
 
-std::string shown(const QWidget& window) {
+std::string display(const QWidget& window) {
     return window.findChild<FittingLabel*>()->text().toStdString();
 }
 
-KeyButton* keyNamed(const QWidget& window, const QString& name) {
-    for (KeyButton* key : window.findChildren<KeyButton*>())
-        if (key->accessibleName() == name)
-            return key;
+KeyButton* button(const QWidget& window, const QString& name) {
+    for (KeyButton* found : window.findChildren<KeyButton*>())
+        if (found->accessibleName() == name)
+            return found;
     return nullptr;
 }
 
-TEST(CalculatorWindow, IsWorkedWithTheKeyboard) {
+TEST(CalculatorWindow, CalculatesWhatIsTypedOnTheKeyboard) {
     const std::tuple<const char*, Qt::Key, const char*> cases[] = {
         {"1,5+2", Qt::Key_Return, "3,5"},
         {"1.5*4", Qt::Key_Enter, "6"},
@@ -47,66 +47,66 @@ TEST(CalculatorWindow, IsWorkedWithTheKeyboard) {
         CalculatorWindow window(kGerman);
         QTest::keyClicks(&window, typed);
         QTest::keyClick(&window, last);
-        EXPECT_EQ(shown(window), result) << typed;
+        EXPECT_EQ(display(window), result) << typed;
     }
     CalculatorWindow window(kGerman);
     QTest::keyClicks(&window, "5");
     QTest::keyClick(&window, Qt::Key_P, Qt::ControlModifier);
     QTest::keyClicks(&window, "7");
     QTest::keyClick(&window, Qt::Key_R, Qt::ControlModifier);
-    EXPECT_EQ(shown(window), "5");
+    EXPECT_EQ(display(window), "5");
 }
 
-TEST(CalculatorWindow, HasANamedKeyForEverythingThatCanBeClicked) {
+TEST(CalculatorWindow, HasAButtonWithAnAccessibleNameOfItsOwnForEveryKey) {
     CalculatorWindow window(kGerman);
     std::set<QString> names;
     for (const KeyButton* key : window.findChildren<KeyButton*>())
         EXPECT_TRUE(names.insert(key->accessibleName()).second) << key->text().toStdString();
-    const QStringList clicks{"1",           "0",   "Decimal sign",  "5",
+    const QStringList clicks{"1",           "0",   "Decimal point", "5",
                              "Multiply",    "2",   "Equals",        "Memory add",
                              "Change sign", "Add", "Memory recall", "Equals"};
     for (const QString& name : clicks) {
         ASSERT_TRUE(names.contains(name)) << name.toStdString();
-        QTest::mouseClick(keyNamed(window, name), Qt::LeftButton);
+        QTest::mouseClick(button(window, name), Qt::LeftButton);
     }
-    EXPECT_EQ(shown(window), "0");
-    EXPECT_EQ(keyNamed(window, "Decimal sign")->text(), ",");
+    EXPECT_EQ(display(window), "0");
+    EXPECT_EQ(button(window, "Decimal point")->text(), ",");
 }
 
-TEST(CalculatorWindow, MarksTheOperatorThatWaitsAndOffersTheMemoryThatThereIs) {
+TEST(CalculatorWindow, ChecksThePendingOperatorAndEnablesMemoryRecallWhenTheMemoryIsSet) {
     CalculatorWindow window(kEnglish);
-    const KeyButton* recall = keyNamed(window, "Memory recall");
-    const KeyButton* multiply = keyNamed(window, "Multiply");
+    const KeyButton* recall = button(window, "Memory recall");
+    const KeyButton* multiply = button(window, "Multiply");
     EXPECT_FALSE(recall->isEnabled());
     QTest::keyClicks(&window, "6*");
     EXPECT_TRUE(multiply->isChecked());
-    QTest::mouseClick(keyNamed(window, "Multiply"), Qt::LeftButton);
-    EXPECT_TRUE(multiply->isChecked()) << "a click does not take the mark away";
+    QTest::mouseClick(button(window, "Multiply"), Qt::LeftButton);
+    EXPECT_TRUE(multiply->isChecked()) << "a click leaves it checked";
     QTest::keyClicks(&window, "7");
     EXPECT_FALSE(multiply->isChecked());
-    EXPECT_EQ(keyNamed(window, "Clear")->text(), "C");
-    QTest::mouseClick(keyNamed(window, "Memory add"), Qt::LeftButton);
+    EXPECT_EQ(button(window, "Clear")->text(), "C");
+    QTest::mouseClick(button(window, "Memory add"), Qt::LeftButton);
     EXPECT_TRUE(recall->isEnabled());
-    EXPECT_EQ(keyNamed(window, "Clear")->text(), "AC");
+    EXPECT_EQ(button(window, "Clear")->text(), "AC");
 }
 
-TEST(CalculatorWindow, CopiesAndPastesByTheLocalesSign) {
+TEST(CalculatorWindow, CopiesAndPastesNumbersInTheLocalesNotation) {
     CalculatorWindow window(kGerman);
     QClipboard* clipboard = QApplication::clipboard();
     clipboard->setText(" 1.234,5\n");
     window.paste();
-    EXPECT_EQ(shown(window), "1.234,5");
+    EXPECT_EQ(display(window), "1.234,5");
     clipboard->setText("twelve");
     window.paste();
-    EXPECT_EQ(shown(window), "1.234,5") << "what is no number changes nothing";
+    EXPECT_EQ(display(window), "1.234,5") << "other text changes nothing";
     QTest::keyClicks(&window, "-2000=");
     window.copy();
     EXPECT_EQ(clipboard->text(), "-765,5");
 }
 
-TEST(NumberText, IsReadAndWrittenInTheLocalesWay) {
+TEST(NumberText, ConvertsBetweenTheCalculatorsAndTheLocalesNotation) {
     using Case = std::tuple<QLocale, QString, const char*>;
-    const Case read[] = {
+    const Case pasted[] = {
         {kGerman, "0.5", "0.5"},
         {kGerman, "1.234.567,25", "1234567.25"},
         {kGerman, "-,5", "-.5"},
@@ -114,15 +114,15 @@ TEST(NumberText, IsReadAndWrittenInTheLocalesWay) {
         {kFrench, "1\u00a0234\u202f567", "1234567"},
         {kEnglish, "\u0661\u0662", "12"},
     };
-    for (const auto& [locale, text, number] : read)
-        EXPECT_EQ(readNumber(text, locale), number) << text.toStdString();
-    const Case written[] = {
+    for (const auto& [locale, text, number] : pasted)
+        EXPECT_EQ(normalizeNumber(text, locale), number) << text.toStdString();
+    const Case displayed[] = {
         {kGerman, "\u22121.234.567,0625", "-1234567.0625"},
         {kEnglish, "1,234,567.", "1234567."},
         {kGerman, "1,5e\u221220", "1.5e-20"},
     };
-    for (const auto& [locale, text, number] : written)
-        EXPECT_EQ(shownNumber(number, locale).toStdString(), text.toStdString());
+    for (const auto& [locale, text, number] : displayed)
+        EXPECT_EQ(formatForDisplay(number, locale).toStdString(), text.toStdString());
 }
 
 } // namespace
