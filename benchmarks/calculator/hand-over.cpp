@@ -1,7 +1,8 @@
-// hand-over ROUNDS
-// Asks the running background application for the calculator, as an item in the bar does, and
-// prints for each time how many milliseconds later the notification is heard, on a connection to
-// the bus of its own, like the application's.
+// Usage: hand-over ROUNDS
+//
+// Requests the calculator from the running background application, as an item in the bar does, and
+// prints per request the milliseconds until the notification arrives at another connection to the
+// bus. Exits with 1 if the application is not running.
 
 #include "menubar/HalvexMenuExtraBase.h"
 #include "platform/expat/ExpatPropertyLists.h"
@@ -28,21 +29,21 @@ int main(int argc, char** argv) {
         return 1;
     qt::QtMainThread mainLoop;
     qt::QtWorkspace workspace;
-    qt::BusNotifications posting, hearing;
-    const ScopedService<MainThread> mainLoopInPlace(mainLoop);
-    const ScopedService<Workspace> workspaceInPlace(workspace);
-    const ScopedService<DistributedNotificationCenter> postingInPlace(posting);
+    qt::BusNotifications sender, receiver;
+    const ScopedService<MainThread> mainThreadService(mainLoop);
+    const ScopedService<Workspace> workspaceService(workspace);
+    const ScopedService<DistributedNotificationCenter> notificationService(sender);
 
-    QEventLoop untilHeard;
-    const auto listener = std::make_shared<int>();
-    hearing.addObserver(listener, "HalvexShowCalculatorNotification",
-                        [&](const Notification&) { untilHeard.quit(); });
-    hearing.flush(); // the bus knows of it
+    QEventLoop waiting;
+    const auto observer = std::make_shared<int>();
+    receiver.addObserver(observer, "HalvexShowCalculatorNotification",
+                         [&](const Notification&) { waiting.quit(); });
+    receiver.flush(); // the bus has registered the observer
     const auto item = std::make_shared<HalvexMenuExtraBase>();
     for (int round = 0; round < rounds; ++round) {
         const auto begin = std::chrono::steady_clock::now();
         item->OpenCalculator(nullptr);
-        untilHeard.exec();
+        waiting.exec();
         const std::chrono::duration<double, std::milli> took =
             std::chrono::steady_clock::now() - begin;
         std::printf("%.3f\n", took.count());
