@@ -14,7 +14,6 @@ namespace {
 class Halvex : public testing::Test {
   protected:
     void SetUp() override { platform::expat::install(); }
-    void post(const std::string& name) { notifications.post({name, {}, {}}); }
     bool isShown() { return !halvex.picture().isNull(); }
 
     test::WindowProcess halvex{HALVEX_APPLICATION, "com.quorvanesoftware.Halvex"};
@@ -32,10 +31,10 @@ TEST_F(Halvex, AnnouncesItsLaunchAndShowsTheCalculatorWhenItIsNotified) {
     halvex.start();
     EXPECT_TRUE(BarProcess::eventually([&] { return launched == "Halvex"; })) << launched;
     EXPECT_FALSE(isShown());
-    post("HalvexShowSomethingElseNotification");
+    notifications.post({"HalvexShowSomethingElseNotification", {}, {}});
     QThread::msleep(300);
     EXPECT_FALSE(isShown());
-    post("HalvexShowCalculatorNotification");
+    notifications.post({"HalvexShowCalculatorNotification", {}, {}});
     ASSERT_TRUE(BarProcess::eventually([this] { return isShown(); }));
     const QImage picture = halvex.picture();
     EXPECT_GT(picture.height(), picture.width()) << "the calculator is taller than wide";
