@@ -25,7 +25,7 @@ class WindowService final : public QDBusAbstractAdaptor {
     bool Snapshot(const QString& path);
 
   signals:
-    /// The window has been shown and painted for the first time since.
+    /// Emitted after the window has been shown and its first image has been painted.
     void Drawn();
 
   private:

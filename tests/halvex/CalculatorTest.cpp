@@ -91,7 +91,8 @@ TEST(Calculator, DisplaysTheResultOfEachKeySequence) {
 
 TEST(Calculator, KeepsTheMemoryWhenAddingToItOverflows) {
     Calculator calculator;
-    ASSERT_TRUE(calculator.enter("9e999"));
+    press(calculator, "1 / 0 =");
+    ASSERT_TRUE(calculator.enter("9e999")); // ends the fault
     press(calculator, "+ M+ M+");
     EXPECT_EQ(outcome(calculator), "overflow");
     EXPECT_FALSE(calculator.pending());
