@@ -21,8 +21,8 @@ class BusName final : public QObject {
     const QString& name() const { return name_; }
 
     /// Registers @p object with its adaptors at @p objectPath and requests the name. Calls that
-    /// arrive before the main loop runs are answered once it runs. If the bus disconnects later, the
-    /// session is over: that is logged and the main loop quits.
+    /// arrive before the main loop runs are answered once it runs. If the bus disconnects later,
+    /// the session is over: that is logged and the main loop quits.
     Claim claim(const QString& objectPath, QObject& object);
 
   private slots:

@@ -5,7 +5,6 @@
 #include <map>
 #include <sstream>
 #include <string>
-#include <utility>
 #include <vector>
 
 using namespace apps;
@@ -48,7 +47,8 @@ struct Rule {
 const Rule kRules[] = {
     {"Digits, the point and the sign form a number of at most 16 digits",
      {"007 → 7", ".5 → 0.5", "1.2.3 → 1.23", "12345678901234567 → 1234567890123456", "0.00 → 0.00",
-      "1 Back Back → 0", "5 +/- 3 → -53", "5 +/- +/- → 5", "0 +/- 5 → -5"}},
+      "1 Back Back → 0", "5 +/- Back → 0", "2 + 3 = 7 Back → 0", "5 +/- 3 → -53", "5 +/- +/- → 5",
+      "0 +/- 5 → -5"}},
     {"Arithmetic is decimal, and 16 digits are displayed",
      {"0.1 + 0.2 = → 0.3", "4.35 * 100 = → 435", "2 / 3 = → 0.6666666666666667", "1 / 3 * 3 = → 1",
       "1 / 3 * 3 - 1 = → 0", "9999999999999999 + 0.5 = → 1e+16",
@@ -63,7 +63,8 @@ const Rule kRules[] = {
      {"200 + 10 % = → 220", "200 * 10 % = → 20", "200 / 10 % = → 2000", "200 + % = → 600",
       "50 % → 0.5", "200 + 10 % + 1 = → 221"}},
     {"Clear removes the number being typed, then everything but the memory",
-     {"5 + 3 C → 0", "5 + 3 C 4 = → 9", "5 + 3 C C → 0", "5 + 3 = C → 0"}},
+     {"5 + 3 C → 0", "5 + 3 C 4 = → 9", "5 * 3 C + 4 = → 9", "5 + 3 C C 4 = → 4",
+      "5 + 3 = C 4 = → 4"}},
     {"A division by zero and an overflow are faults; an underflow is 0",
      {"1 / 0 = → division by zero", "1 / 0 + → division by zero",
       "9999999999999999 * = * = * = * = * = * = → overflow",
