@@ -2,50 +2,55 @@
 
 #include "platform/Log.h"
 
+#include <algorithm>
 #include <optional>
 #include <utility>
+#include <vector>
 
 namespace {
 
-constexpr std::size_t kMostBroughtIn = 16 << 20;
+constexpr std::size_t kMaximumInserted = 16 << 20;
 
-/// Only such a value can make more placeholders than it has replaced.
-bool canFeedItself(std::string_view value, char letter) {
-    return value.starts_with(letter) && value.ends_with('%');
+/// Returns whether inserting @p value can create more placeholders than it replaces: one with the
+/// "%" before it and one with the letter after it.
+bool canMultiply(std::string_view value, std::string_view placeholder) {
+    return value.starts_with(placeholder.back()) && value.ends_with(placeholder.front());
 }
 
-/// @p format without placeholders; nothing when there is no end to them.
-std::optional<std::string> filled(std::string_view format, char letter, std::string_view value) {
-    const std::string reversed(value.rbegin(), value.rend());
-    const bool limited = canFeedItself(value, letter);
-    std::size_t broughtIn = 0;
-    // What is done never holds a placeholder, so the next one to appear at its end is the leftmost.
-    // The rest is kept back to front, for what is brought in goes before it.
-    std::string done;
-    std::string rest(format.rbegin(), format.rend());
-    while (!rest.empty()) {
-        const char next = rest.back();
-        rest.pop_back();
-        if (next != letter || !done.ends_with('%')) {
-            done += next;
+/// Returns @p format with every placeholder replaced, or std::nullopt if that would not end.
+std::optional<std::string> replaceAll(std::string_view format, std::string_view placeholder,
+                                      std::string_view value) {
+    if (value.find(placeholder) != std::string_view::npos)
+        return std::nullopt;
+    const bool limited = canMultiply(value, placeholder);
+    std::size_t inserted = 0;
+    // The result never contains a placeholder, so the next one to appear at its end is the leftmost
+    // of all. A replacement is read before the text that follows it.
+    std::string result;
+    std::vector<std::string_view> unread{format};
+    while (!unread.empty()) {
+        std::string_view& text = unread.back();
+        if (text.empty()) {
+            unread.pop_back();
             continue;
         }
-        done.pop_back();
-        rest += reversed;
-        broughtIn += reversed.size();
-        if (limited && broughtIn > kMostBroughtIn)
+        const std::size_t length = std::min(text.find(placeholder.back()), text.size() - 1) + 1;
+        result += text.substr(0, length);
+        text.remove_prefix(length);
+        if (!result.ends_with(placeholder))
+            continue;
+        result.resize(result.size() - placeholder.size());
+        unread.push_back(value);
+        inserted += value.size();
+        if (limited && inserted > kMaximumInserted)
             return std::nullopt;
     }
-    return done;
+    return result;
 }
 
-std::string& fix(std::string& format, char letter, std::string_view value) {
-    const std::string placeholder{'%', letter};
-    std::optional<std::string> result;
-    if (value.find(placeholder) == std::string_view::npos)
-        result = filled(format, letter, value);
-    if (result)
-        format = *std::move(result);
+std::string& fill(std::string& format, std::string_view placeholder, std::string_view value) {
+    if (auto filled = replaceAll(format, placeholder, value))
+        format = *std::move(filled);
     else
         platform::logLine("value \"%@\" would replace %@ without end", value, placeholder);
     return format;
@@ -56,11 +61,11 @@ std::string& fix(std::string& format, char letter, std::string_view value) {
 namespace HalvexDateFormat {
 
 std::string& fixWeekNum(std::string& format, std::string_view week) {
-    return fix(format, 'W', week);
+    return fill(format, "%W", week);
 }
 
 std::string& fixTimeZone(std::string& format, std::string_view tzAbr) {
-    return fix(format, 'Z', tzAbr);
+    return fill(format, "%Z", tzAbr);
 }
 
 } // namespace HalvexDateFormat
