@@ -1,5 +1,5 @@
-// How a menu extra hands the background application a request: it finds or starts the application
-// on a thread of its own, and notifies it from the main thread.
+// Hands requests to the background application: finds or starts it on a worker thread, then
+// notifies it on the main thread.
 
 #include "menubar/HalvexMenuExtraBase.h"
 #include "menuextras/ExportedIdentifiers.h"
@@ -18,10 +18,10 @@ using namespace platform;
 
 namespace {
 
-constexpr int kSleeps = 200;
+constexpr int kMaximumSleeps = 200;
 constexpr std::uint64_t kSleepMicroseconds = 250'000;
 
-// The flag is an exported integer, read and written from several threads.
+// gHalvexisrunning is an exported plain integer that several threads read and write.
 void setRunning(bool running) {
     std::atomic_ref(gHalvexisrunning).store(running ? 1 : 0);
 }
@@ -31,11 +31,11 @@ bool isRunning() {
 }
 
 void waitUntilRunning() {
-    for (int left = kSleeps; !isRunning() && left > 0; --left)
+    for (int left = kMaximumSleeps; !isRunning() && left > 0; --left)
         systemClock().sleep(kSleepMicroseconds);
 }
 
-/// Which process it is that has just been started is only known from a new search.
+/// Searches again, because opening the application does not return its process.
 void bringBackgroundApplicationToFront() {
     ProcessSerialNumber process = 0;
     if (HalvexPrefsTools::findHalvexBGProcess(&process))
@@ -59,7 +59,7 @@ void HalvexMenuExtraBase::HalvexPrefs(const MenuItem*) {
 void HalvexMenuExtraBase::OpenCalculator(const MenuItem*) {
     detachThread([self = sharedSelf()]() mutable {
         self->HalvexLaunchThread("HalvexShowCalculatorNotification");
-        // An item whose last holder this is goes on the main thread, like any other.
+        // If this is the last reference, the item must be destroyed on the main thread.
         mainThread().perform([last = std::move(self)] {}, MainThread::Wait::No);
     });
 }
@@ -98,7 +98,7 @@ void HalvexMenuExtraBase::HalvexLaunched(const Notification& notification) {
 }
 
 void HalvexMenuExtraBase::observeLaunches() {
-    // The centres keep an observer while they call it, so the item itself need not be held here.
+    // The notification centers keep the observer alive during the call, so capturing this is safe.
     const auto launched = [this](const Notification& notification) {
         HalvexLaunched(notification);
     };

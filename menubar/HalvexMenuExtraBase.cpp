@@ -10,7 +10,8 @@
 #include <sstream>
 #include <utility>
 
-// Bundles link the library weakly: an older library than the bundle was built for may lack it.
+// Bundles link the library weakly. An older library than the one a bundle was built against may
+// lack this symbol.
 extern "C" [[gnu::weak]] const char* const WarnMeTimesFile;
 
 using namespace platform;
@@ -18,18 +19,18 @@ using namespace platform;
 namespace {
 
 #if defined(__x86_64__)
-constexpr const char* kStarting = "starting %@ Menu Extra for Intel 64Bit %@";
+constexpr const char* kStartingFormat = "starting %@ Menu Extra for Intel 64Bit %@";
 #elif defined(__i386__)
-constexpr const char* kStarting = "starting %@ Menu Extra for Intel %@";
+constexpr const char* kStartingFormat = "starting %@ Menu Extra for Intel %@";
 #elif defined(__powerpc__)
-constexpr const char* kStarting = "starting %@ Menu Extra for PPC %@";
+constexpr const char* kStartingFormat = "starting %@ Menu Extra for PPC %@";
 #elif defined(__aarch64__)
-constexpr const char* kStarting = "starting %@ Menu Extra for ARM 64Bit %@";
+constexpr const char* kStartingFormat = "starting %@ Menu Extra for ARM 64Bit %@";
 #else
-constexpr const char* kStarting = "starting %@ Menu Extra %@";
+constexpr const char* kStartingFormat = "starting %@ Menu Extra %@";
 #endif
 
-/// An object as log lines name it.
+/// Returns how log lines name @p extra.
 std::string description(const HalvexMenuExtraBase& extra) {
     std::ostringstream text;
     text << "<HalvexMenuExtraBase: " << static_cast<const void*>(&extra) << '>';
@@ -47,9 +48,9 @@ HalvexMenuExtraBase::~HalvexMenuExtraBase() {
 }
 
 bool HalvexMenuExtraBase::OptionDown() {
-    const auto answer =
+    const auto narrowed =
         static_cast<std::uint8_t>(eventSource().currentEvent().modifierFlags & kOptionKeyMask);
-    return answer != 0;
+    return narrowed != 0;
 }
 
 std::shared_ptr<MenuExtra> HalvexMenuExtraBase::initWithBundle(std::shared_ptr<Bundle> bundle) {
@@ -58,7 +59,7 @@ std::shared_ptr<MenuExtra> HalvexMenuExtraBase::initWithBundle(std::shared_ptr<B
         return nullptr;
     }
     const Bundle& info = *this->bundle();
-    logLine(kStarting, info.stringForInfoDictionaryKey("CFBundleName"),
+    logLine(kStartingFormat, info.stringForInfoDictionaryKey("CFBundleName"),
             info.stringForInfoDictionaryKey("CFBundleShortVersionString"));
     if (&WarnMeTimesFile == nullptr)
         logLine("\n\nHalvexMenuExtraBase mising Halvex Library\n\n");
@@ -66,7 +67,7 @@ std::shared_ptr<MenuExtra> HalvexMenuExtraBase::initWithBundle(std::shared_ptr<B
     std::atomic_ref(myDebug).store(OptionDown() ? 2 : 0, std::memory_order_relaxed);
     extraHeight_ = static_cast<float>(menuExtraHost().statusBarThickness() - 1.0);
     try {
-        makeView();
+        createView();
     } catch (const Exception& exception) {
         logLine("HalvexMenuExtraBase setView exception name: %@   reason: %@   userInfo: %@",
                 exception.name(), exception.reason(), exception.userInfo());
@@ -77,7 +78,7 @@ std::shared_ptr<MenuExtra> HalvexMenuExtraBase::initWithBundle(std::shared_ptr<B
     return shared_from_this();
 }
 
-void HalvexMenuExtraBase::makeView() {
+void HalvexMenuExtraBase::createView() {
     view_ = std::make_shared<HalvexMenuViewBase>()->initWithFrame(MenuExtra::view()->frame(), this);
     if (view_)
         view_->setClickCount(2);
@@ -86,7 +87,11 @@ void HalvexMenuExtraBase::makeView() {
     recalWidth();
 }
 
-void HalvexMenuExtraBase::markForRedisplay() {
+bool HalvexMenuExtraBase::drawsShadow() const {
+    return view_ && view_->drawShadow();
+}
+
+void HalvexMenuExtraBase::requestRedisplay() {
     if (view_)
         view_->setNeedsDisplay(true);
 }
@@ -95,14 +100,14 @@ void HalvexMenuExtraBase::setTitle(const std::optional<std::string>& title) {
     const auto previous = appText_;
     if (title) {
         appText_ = std::make_shared<AttributedString>(*title);
-        if (view_ && view_->drawShadow())
+        if (drawsShadow())
             appText_->addShadow(kTitleShadow, 0, appText_->length());
     } else {
         appText_ = nullptr;
     }
     const bool sameText = title && previous && *title == previous->string();
     if (!sameText)
-        markForRedisplay();
+        requestRedisplay();
     recalWidth();
 }
 
@@ -134,7 +139,7 @@ std::shared_ptr<Menu> HalvexMenuExtraBase::menu() const {
 }
 
 void HalvexMenuExtraBase::recalWidth() {
-    const float shadow = view_ && view_->drawShadow() ? 2.5F : 0.0F;
+    const float shadow = drawsShadow() ? 2.5F : 0.0F;
     const float icon = icon_ ? static_cast<float>(icon_->size().width) : 0.0F;
     const float text = appText_ ? static_cast<float>(graphics().sizeOfText(*appText_).width) : 0.0F;
     SetViewWidth(text + (icon + 2.0F) + shadow);
@@ -147,7 +152,7 @@ void HalvexMenuExtraBase::SetViewWidth(float width) {
     if (view_)
         view_->setFrameSize({width, view_->frame().size.height});
     setLength(width);
-    markForRedisplay();
+    requestRedisplay();
 }
 
 bool HalvexMenuExtraBase::CheckForSecFormat(const std::optional<std::string>& format) const {

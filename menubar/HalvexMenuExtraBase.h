@@ -8,34 +8,37 @@
 #include <optional>
 #include <string>
 
-/// The class that every menu extra of the product derives from. It holds what the bar shows (a
-/// title and an icon), keeps the item as wide as that, and turns clicks into four operations. A
-/// subclass sets title and icon, gives the menu (menu_), and overrides the clicks that it wants to
-/// handle. Main thread.
+/// Base class of the product's menu extras. Holds the title and the icon that the bar shows, keeps
+/// the item's width in step with them, and dispatches clicks to four overridable operations.
+/// Subclasses set the title and the icon, assign menu_ and override the clicks they handle.
+/// Main thread, except where noted.
 class HalvexMenuExtraBase : public platform::MenuExtra {
   public:
-    /// When myDebug is not 0, logs that it goes.
+    /// Logs the destruction if myDebug is not 0.
     ~HalvexMenuExtraBase() override;
 
-    /// NO, whatever keys are held: the Option flag is lost when the flags are narrowed to the
-    /// answer. Kept, so that initWithBundle always leaves myDebug at 0.
+    /// Returns false, whichever keys are held: the Option flag is lost when the event's flags are
+    /// narrowed to 8 bits. Kept for compatibility; initWithBundle relies on it to reset myDebug.
     static bool OptionDown();
 
-    /// Makes the view, sets the title "-" and computes the width; logs "starting …" with the
-    /// bundle's name and version. Gives the item itself, or null (logged) when the platform's class
-    /// does. A platform::Exception while the view is made and installed is logged, and the item is
-    /// given all the same; exceptions of other kinds go on to the caller. Resets myDebug.
+    /// Creates the view, sets the title "-" and computes the width. Logs "starting …" with the
+    /// bundle's name and version, and resets myDebug to 0.
+    ///
+    /// Returns this item, or null if MenuExtra::initWithBundle fails, which is logged. A
+    /// platform::Exception thrown while the view is created or installed is logged and the item is
+    /// returned all the same; other exceptions propagate.
     std::shared_ptr<platform::MenuExtra>
     initWithBundle(std::shared_ptr<platform::Bundle> bundle) override;
 
-    /// Shows plain text in the platform's font, with a shadow of its own when the view draws
-    /// shadows; nothing shows none. The same text again asks for no redisplay.
+    /// Shows plain text in the platform's default font, with a shadow if the view draws shadows.
+    /// std::nullopt removes the title. Requests a redisplay unless the text is unchanged.
     virtual void setTitle(const std::optional<std::string>& title);
-    /// Shows a copy of @p title. The very object already held changes nothing. Only another width
-    /// asks for a redisplay; else it is the caller's to ask the view for one.
+    /// Shows a copy of @p title; null removes the title. Does nothing if @p title is the instance
+    /// already held. A redisplay is requested only if the width changes; otherwise call
+    /// setNeedsDisplay on the view.
     virtual void setAttributedTitle(const std::shared_ptr<platform::AttributedString>& title);
-    /// Shows @p image left of the title. The very object already held changes nothing. Redisplay
-    /// as above.
+    /// Shows @p image left of the title; null removes it. Does nothing if @p image is the instance
+    /// already held. Requests a redisplay only if the width changes, like setAttributedTitle.
     virtual void setImage(const std::shared_ptr<platform::Image>& image);
 
     std::shared_ptr<platform::AttributedString> attributedTitle() const override;
@@ -43,61 +46,68 @@ class HalvexMenuExtraBase : public platform::MenuExtra {
     std::shared_ptr<platform::Image> alternateImage() const override;
     std::shared_ptr<platform::Menu> menu() const override;
 
-    /// Fits the width to title and icon: their widths, 2 points, and 2.5 for a shadow.
+    /// Sets the width to that of the title and the icon, plus 2 points, plus 2.5 points if the view
+    /// draws shadows.
     virtual void recalWidth();
-    /// Makes item and view @p width points wide and redraws them; nothing when they are already.
+    /// Sets the width of the item and its view to @p width points and requests a redisplay. Does
+    /// nothing if the width is unchanged.
     virtual void SetViewWidth(float width);
 
-    /// Whether a clock format shows seconds: whether it contains "%S".
+    /// Returns true if a clock format shows seconds, that is, contains "%S".
     virtual bool CheckForSecFormat(const std::optional<std::string>& format) const;
 
-    /// A click, with the key that was held. YES when it is handled: the menu then stays closed.
-    /// NO here.
+    // Called by the view for a click, depending on the modifier keys held. Return true if the click
+    // was handled; otherwise the menu opens. The base class returns false.
+
     virtual bool clicked();
     virtual bool clickWithAltKey();
     virtual bool clickWithShiftKey();
     virtual bool clickWithCtrlKey();
 
-    /// YES always, unless a subclass says otherwise.
+    /// Returns true. Override it to disable menu items.
     bool validateMenuItem(const platform::MenuItem& item) override;
     void willUnload() override;
 
-    // The preference pane and the background application (Halvex.app). What a menu item's action
-    // calls ignores its sender, which may be null.
+    // The preference pane and the background application (Halvex.app). Operations that serve as
+    // menu actions ignore their sender, which may be null.
 
-    /// Opens the preference pane (HalvexPrefsTools::HalvexOpenPrefs). Main thread.
+    /// Opens the preference pane; see HalvexPrefsTools::HalvexOpenPrefs.
     virtual void HalvexPrefs(const platform::MenuItem* sender);
-    /// Asks the background application for its calculator, from a thread of its own. The item stays
-    /// until that thread has ended. Main thread.
+    /// Asks the background application to show its calculator. Runs HalvexLaunchThread on a new
+    /// thread, which keeps this item alive until it ends.
     virtual void OpenCalculator(const platform::MenuItem* sender);
-    /// Hands the background application a request, which is a notification's name; without one it
-    /// only comes to the front. What OpenCalculator's thread does, for a thread that may wait.
+    /// Brings the background application to the front, starting it if necessary, and posts it the
+    /// request @p notificationName. With std::nullopt nothing is posted. Blocks for up to
+    /// 50 seconds: call it on a worker thread.
     ///
-    /// A running application is brought to the front and notified without waiting for that. One
-    /// that is not is started (the path is logged when that fails or myDebug is not 0), waited for
-    /// until an announced launch tells that it runs, 50 seconds at most, and then notified in any
-    /// case; this returns when the notification is posted. Launches stay observed after a wait in
-    /// vain. gHalvexisrunning is 0 at first, and 1 as soon as the application is known to run.
+    /// If the application is running, the notification is queued for the main thread and this
+    /// returns immediately. Otherwise the application is opened (its path is logged if that fails
+    /// or myDebug is not 0); this waits until its launch is announced, 50 seconds at most, and
+    /// returns when the notification has been posted, which it is even after a timeout. Launches
+    /// are still observed after a timeout.
+    ///
+    /// gHalvexisrunning is set to 0 at the start, and to 1 once the application is known to run.
     virtual void HalvexLaunchThread(const std::optional<std::string>& notificationName);
-    /// Posts a notification of this name for the background application; nothing for none. Any
-    /// thread; HalvexLaunchThread calls it on the main thread.
+    /// Posts a distributed notification for the background application. Does nothing for
+    /// std::nullopt. Thread-safe; HalvexLaunchThread calls it on the main thread.
     virtual void notifyHalvex2(const std::optional<std::string>& notificationName);
-    /// Hears of an application's launch. When it is the background application's, or that is found
-    /// to run, the wait is over and launches are no longer observed. Any thread.
+    /// Observer of application launches. If the application launched is the background application,
+    /// or that is found running, sets gHalvexisrunning and stops observing launches. Thread-safe.
     virtual void HalvexLaunched(const platform::Notification& notification);
 
   protected:
     std::shared_ptr<HalvexMenuViewBase> view_;
     std::shared_ptr<platform::AttributedString> appText_;
-    float extraHeight_ = 0; ///< points; the bar's thickness less 1
-    float extraWidth_ = 0;  ///< points; the width last given to the item
+    float extraHeight_ = 0; ///< points; the thickness of the bar minus 1
+    float extraWidth_ = 0;  ///< points; the last width set
     std::shared_ptr<platform::Image> icon_;
-    std::shared_ptr<platform::Image> iconSelected_; ///< for subclasses to set
-    std::shared_ptr<platform::Menu> menu_;          ///< for subclasses to set
+    std::shared_ptr<platform::Image> iconSelected_; ///< set by subclasses
+    std::shared_ptr<platform::Menu> menu_;          ///< set by subclasses
 
   private:
-    void makeView();
-    void markForRedisplay();
+    void createView();
+    bool drawsShadow() const;
+    void requestRedisplay();
     void observeLaunches();
     std::shared_ptr<HalvexMenuExtraBase> sharedSelf();
 };

@@ -13,13 +13,14 @@ using namespace platform;
 
 namespace {
 
-constexpr std::int32_t kControlClickButton = 3; // not the right button, which is number 1
+/// Treated like a Control-click. The right button is number 1.
+constexpr std::int32_t kControlClickButton = 3;
 
-bool holds(const Event& event, std::uint32_t mask) {
+bool hasModifiers(const Event& event, std::uint32_t mask) {
     return (event.modifierFlags & mask) == mask;
 }
 
-void logVerbosely(const char* line) {
+void logIfVerbose(const char* line) {
     if (myDebugME != 0)
         logLine(line);
 }
@@ -39,37 +40,37 @@ bool HalvexMenuViewBase::acceptsFirstMouse(const Event&) const {
 }
 
 void HalvexMenuViewBase::mouseDown(const Event& event) {
-    if (holds(event, kOptionKeyMask | kControlKeyMask)) {
-        if (switchDebug())
+    if (hasModifiers(event, kOptionKeyMask | kControlKeyMask)) {
+        if (toggleVerboseLogging())
             return;
     } else if (myDebugME != 0) {
         logLine("mouse down flags: %016x, Double click %d buttonNum=%d", event.modifierFlags,
                 event.clickCount, event.buttonNumber);
     }
-    if (!handleClick(event))
+    if (!dispatchClick(event))
         MenuExtraView::mouseDown(event);
 }
 
-bool HalvexMenuViewBase::switchDebug() const {
+bool HalvexMenuViewBase::toggleVerboseLogging() const {
     myDebugME = 1 - myDebugME;
     logLine("CTRL+Option/Alt key pressed - myDebug %d", myDebugME);
     if (myDebugME == 0)
         return false;
-    sharedWorkspace().selectFile(HalvexPreferencesFile(), "");
+    sharedWorkspace().selectFile(menubar::preferencesFile(), "");
     return true;
 }
 
-bool HalvexMenuViewBase::handleClick(const Event& event) const {
-    if (holds(event, kControlKeyMask) || event.buttonNumber == kControlClickButton) {
-        logVerbosely("ControlKeyMask");
+bool HalvexMenuViewBase::dispatchClick(const Event& event) const {
+    if (hasModifiers(event, kControlKeyMask) || event.buttonNumber == kControlClickButton) {
+        logIfVerbose("ControlKeyMask");
         return menuExtra_->clickWithCtrlKey();
     }
-    if (holds(event, kShiftKeyMask)) {
-        logVerbosely("ShiftKeyMask");
+    if (hasModifiers(event, kShiftKeyMask)) {
+        logIfVerbose("ShiftKeyMask");
         return menuExtra_->clickWithShiftKey();
     }
-    if (holds(event, kOptionKeyMask)) {
-        logVerbosely("AlttKeyMask");
+    if (hasModifiers(event, kOptionKeyMask)) {
+        logIfVerbose("AlttKeyMask");
         return menuExtra_->clickWithAltKey();
     }
     return menuExtra_->clicked();
@@ -106,8 +107,8 @@ void HalvexMenuViewBase::drawTitle(const AttributedString& title, double x, doub
 
 void HalvexMenuViewBase::drawImage(const Image& image, double height) const {
     const Size size = image.size();
-    const Rect place{{0, std::trunc((height - size.height) * 0.5)}, size};
+    const Rect target{{0, std::trunc((height - size.height) * 0.5)}, size};
     const auto operation =
         menuExtra_->isMenuDown() ? CompositingOperation::XOR : CompositingOperation::Copy;
-    graphics().currentContext().drawImage(image, place, {{}, size}, operation, 1.0);
+    graphics().currentContext().drawImage(image, target, {{}, size}, operation, 1.0);
 }

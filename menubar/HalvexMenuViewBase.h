@@ -7,40 +7,46 @@
 
 class HalvexMenuExtraBase;
 
-/// Shows a menu extra in the bar: its icon at the left, its title to the right of that, both
-/// centred vertically. Turns a press of the mouse into one of the menu extra's click operations.
-/// Main thread.
+/// Draws a menu extra in the bar: the icon at the left, the title to its right, both centred
+/// vertically. Dispatches mouse clicks to the menu extra. Main thread only.
 class HalvexMenuViewBase : public platform::MenuExtraView {
   public:
     using platform::MenuExtraView::initWithFrame;
-    /// Gives the view itself, or null when the platform's class gives null. @p menuExtra stays the
-    /// caller's and outlives the view's use.
+    /// Returns this view, or null if MenuExtraView::initWithFrame fails. @p menuExtra is not owned
+    /// and must outlive the view.
     virtual std::shared_ptr<HalvexMenuViewBase> initWithFrame(const platform::Rect& frame,
                                                               HalvexMenuExtraBase* menuExtra);
 
-    /// Kept for subclasses; nothing here reads it.
+    /// A click count for subclasses; this class does not read it. 0 by default, set to 2 by
+    /// HalvexMenuExtraBase.
     std::int32_t clickCount() const { return clickCount_; }
     void setClickCount(std::int32_t count) { clickCount_ = count; }
 
-    /// Whether the title has a shadow. NO unless a subclass sets it.
+    /// Whether the title is drawn with a shadow. False by default.
     bool drawShadow() const { return drawShadow_; }
     void setDrawShadow(bool draw) { drawShadow_ = draw; }
 
-    /// YES: a click counts even while another program is active.
+    /// Returns true: clicks are handled even while another program is active.
     bool acceptsFirstMouse(const platform::Event& event) const override;
 
-    /// Calls, first match wins, clickWithCtrlKey for Control or button 3, clickWithShiftKey for
-    /// Shift, clickWithAltKey for Option, else clicked; unless that answers YES, the menu opens.
-    /// Option and Control together switch the verbose log lines of the view on (the preferences
-    /// file is then shown and nothing else happens) and off again.
+    /// Calls the first operation that matches: clickWithCtrlKey for Control or button 3,
+    /// clickWithShiftKey for Shift, clickWithAltKey for Option, clicked otherwise. Opens the menu
+    /// if the operation returns false.
+    ///
+    /// Control and Option together toggle the view's verbose logging (myDebugME). Turning it on
+    /// also reveals the preferences file, and the click goes no further; turning it off handles the
+    /// click as a Control-click.
     void mouseDown(const platform::Event& event) override;
 
-    /// Draws the title, then the image. Only the height of @p rect counts.
+    /// Draws the title, then the image. Only the height of @p rect is used. Logs
+    /// "CalendarMenuView both nil" if there is neither.
     void drawRect(const platform::Rect& rect) override;
 
   private:
-    bool switchDebug() const; ///< between 0 and 1; whether it is on now
-    bool handleClick(const platform::Event& event) const;
+    /// Returns whether verbose logging is now on.
+    bool toggleVerboseLogging() const;
+    /// Returns whether the menu extra handled the click.
+    bool dispatchClick(const platform::Event& event) const;
     void drawTitle(const platform::AttributedString& title, double x, double height) const;
     void drawImage(const platform::Image& image, double height) const;
 

@@ -2,9 +2,12 @@
 
 #include "menuextras/ExportedIdentifiers.h"
 #include "platform/FileManager.h"
-#include "platform/base/PathStrings.h"
 
-std::string HalvexPreferencesFile() {
+namespace menubar {
+
+std::string preferencesFile() {
     return platform::expandingTildeInPath(std::string("~/Library/Preferences/") + appHalvex4Prefs +
                                           ".plist");
 }
+
+} // namespace menubar

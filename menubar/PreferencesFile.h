@@ -2,6 +2,10 @@
 
 #include <string>
 
-/// The path of the property list that holds the product's preferences, in the user's home folder.
-/// Nothing is created.
-std::string HalvexPreferencesFile();
+namespace menubar {
+
+/// Returns the path of the product's preferences, a property list in the user's home folder. The
+/// file may not exist.
+std::string preferencesFile();
+
+} // namespace menubar
