@@ -20,7 +20,7 @@ BezierPath bodyPath(Size size) {
     path.appendArcFromPoint({right, 0}, {right, halfway}, kCornerRadius);
     path.lineToPoint({right, top});
     path.lineToPoint({0, top});
-    // From where the path already is: the corner under the title bar stays square.
+    // This arc starts at the current point and adds no curve: the corner stays square.
     path.appendArcFromPoint({0, top}, {0, halfway}, kCornerRadius);
     path.appendArcFromPoint({0, 0}, {middle, 0}, kCornerRadius);
     path.closePath();
@@ -61,11 +61,11 @@ void drawTitle(GraphicsContext& context, const AttributedString& title, Size siz
 
 void drawHUDBackground(GraphicsContext& context, Size size, const std::string& title,
                        HUDPart part) {
-    const auto over = CompositingOperation::SourceOver;
+    const auto operation = CompositingOperation::SourceOver;
     if (part != HUDPart::TitleBar)
-        context.fillPath(bodyPath(size), calibratedWhite(0.1, 0.75), over);
+        context.fillPath(bodyPath(size), calibratedWhite(0.1, 0.75), operation);
     if (part == HUDPart::Body)
         return;
-    context.fillPath(titleBarPath(size), calibratedWhite(0.25, 0.75), over);
+    context.fillPath(titleBarPath(size), calibratedWhite(0.25, 0.75), operation);
     drawTitle(context, titleText(title), size);
 }

@@ -11,23 +11,23 @@ using namespace platform;
 
 namespace {
 
-constexpr double kButtonSide = 13.0;
-constexpr double kButtonDistance = 16.0; // from the far edges to the button's origin
-constexpr const char* kButtonImage = "white_i";
+constexpr double kButtonSize = 13.0;
+constexpr double kButtonInset = 16.0; // from the top and right edges to the button's origin
+constexpr const char* kButtonImageName = "white_i";
 
 constexpr std::uint32_t kStyleMask = kTitledWindowMask | kClosableWindowMask |
                                      kMiniaturizableWindowMask | kResizableWindowMask |
                                      kUtilityWindowMask | kHUDWindowMask;
 
-/// The button's image: the program's own of that name, or that of the bundle of @p type.
+/// Returns the program's image for the button, or else the one in the bundle that holds @p type.
 std::shared_ptr<Image> buttonImage(const std::type_info& type) {
-    if (auto image = graphics().imageNamed(kButtonImage))
+    if (auto image = graphics().imageNamed(kButtonImageName))
         return image;
     const auto bundle = Bundle::bundleForClass(type);
-    if (const auto path = bundle->pathForResource(kButtonImage, "png"))
+    if (const auto path = bundle->pathForResource(kButtonImageName, "png"))
         return graphics().imageWithContentsOfFile(*path);
     logLine("bundle %@ (%@) missing image %@", bundle->description(), bundle->bundlePath(),
-            kButtonImage);
+            kButtonImageName);
     return nullptr;
 }
 
@@ -98,8 +98,8 @@ void HUDWindow::makeButtonWhite(Button& button) const {
 void HUDWindow::addiButton(const Rect& rect, std::weak_ptr<ActionTarget> target,
                            Selector selector) {
     const auto button = std::make_shared<Button>(
-        Rect{{rect.size.width - kButtonDistance, rect.size.height - kButtonDistance},
-             {kButtonSide, kButtonSide}});
+        Rect{{rect.size.width - kButtonInset, rect.size.height - kButtonInset},
+             {kButtonSize, kButtonSize}});
     contentView().addButton(button);
     button->setBezelStyle(BezelStyle::Rounded);
     button->setButtonType(ButtonType::MomentaryChange);

@@ -4,54 +4,58 @@
 
 #include <memory>
 
-/// A dark, translucent panel with a rounded title bar, which paints its own ground at each size. It
-/// can carry an "i" button, and tells a target when the user releases the mouse in it. Main thread.
+/// A dark, translucent panel with a rounded title bar. It paints its own background, repaints it on
+/// every resize, can show an "i" button, and sends an action when the mouse is released in it.
+/// Main thread only.
 class HUDWindow : public platform::Panel {
   public:
     HUDWindow();
     ~HUDWindow() override;
 
-    /// Gives the panel itself, or null when the desktop makes no window. Whatever @p styleMask
-    /// says, the panel is titled, closable, miniaturisable, resizable, a utility and a HUD window.
+    /// Returns this panel, or null if the desktop cannot create a window. @p styleMask is ignored:
+    /// the panel is always a titled, closable, miniaturizable and resizable utility and HUD window.
     std::shared_ptr<platform::Panel> initWithContentRect(const platform::Rect& contentRect,
                                                          std::uint32_t styleMask,
                                                          platform::BackingStore backing,
                                                          bool defer) override;
 
-    /// YES, although it is a utility panel.
+    /// Returns true, although this is a utility panel.
     bool canBecomeKeyWindow() const override;
-    /// The panel itself, for whoever takes anything that has a window.
+    /// Returns this panel, so that it can stand in for an object that has a window.
     HUDWindow& window() { return *this; }
 
-    /// The ground at the size of the frame, with the title, as a pattern colour: a new one each
-    /// time. Corners are 6 points round; a title that does not fit ends in an ellipsis.
+    /// Returns the background as a pattern colour: a new image of the size of the frame, with the
+    /// title. The corner radius is 6 points. A title that does not fit ends in an ellipsis.
     platform::Color sizedHUDBackground() const;
 
-    /// Paints the ground anew, and shows it at once while setFrame is at work.
+    /// Repaints the background. Displays it immediately if called during setFrame.
     void windowDidResize();
     void setFrame(const platform::Rect& frame, bool display, bool animate) override;
     void setTitle(std::string title) override;
 
-    /// Who is sent the action when the mouse is released in the panel, with the panel as its
-    /// sender; held weakly.
+    /// The target and the action sent to it when the mouse is released in the panel, with the panel
+    /// as the sender. The target is held weakly. Nothing is sent if the target has been destroyed
+    /// or does not respond to the action.
     std::shared_ptr<platform::ActionTarget> target() const { return target_.lock(); }
     void setTarget(std::weak_ptr<platform::ActionTarget> target) { target_ = std::move(target); }
     const platform::Selector& action() const { return action_; }
     void setAction(platform::Selector action) { action_ = std::move(action); }
     void mouseUp(const platform::Event& event) override;
 
-    /// Makes a button's title white, in the attributes of its first character otherwise. An empty
-    /// title stays as it is.
+    /// Makes the title of @p button white. The whole title gets the other attributes of its first
+    /// character. Does nothing if the title is empty.
     void makeButtonWhite(platform::Button& button) const;
 
-    /// Adds the "i" button, 13 x 13 points, 3 points inside of the upper right corner of a
-    /// rectangle of the size of @p rect at the content view's origin; it keeps its distance to the
-    /// top and to the right. Without its image, which is logged as "bundle %@ (%@) missing image
-    /// %@" with the bundle of the panel's class, it is an empty button.
+    /// Adds the "i" button to the content view. It measures 13 x 13 points, and its origin lies
+    /// 16 points left of and below the top right corner of a rectangle of the size of @p rect; the
+    /// origin of @p rect is ignored. The button keeps its distance to the top and right edges.
+    ///
+    /// The image is the program's "white_i", or else that of the bundle of the panel's class.
+    /// Without one, the button is empty and "bundle %@ (%@) missing image %@" is logged.
     void addiButton(const platform::Rect& rect, std::weak_ptr<platform::ActionTarget> target,
                     platform::Selector selector);
 
-    /// Adds nothing: the panel closes without a button.
+    /// Does nothing: the panel has no close button of its own.
     void addCloseButton(const std::shared_ptr<platform::ActionTarget>& target);
 
   private:

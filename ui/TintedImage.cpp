@@ -4,13 +4,13 @@ using namespace platform;
 
 namespace {
 
-constexpr double kStrengthOfOpaqueColors = 0.25;
+constexpr double kAlphaOfOpaqueTint = 0.25;
 
 Color translucent(const Color& color) {
     const auto rgb = inCalibratedRGB(color);
     if (!rgb)
         return color;
-    return {rgb->red, rgb->green, rgb->blue, kStrengthOfOpaqueColors};
+    return {rgb->red, rgb->green, rgb->blue, kAlphaOfOpaqueTint};
 }
 
 } // namespace
@@ -24,10 +24,10 @@ std::shared_ptr<Image> tintedImageWithColor(const Image& image, const Color& col
 
 std::shared_ptr<Image> tintedImageWithColor(const Image& image, const Color& color,
                                             CompositingOperation operation) {
-    const Rect whole{{}, image.size()};
-    return graphics().imageByDrawing(whole.size, [&](GraphicsContext& context) {
-        context.drawImage(image, whole, whole, CompositingOperation::SourceOver, 1.0);
-        context.fillRect(whole, color, operation);
+    const Rect bounds{{}, image.size()};
+    return graphics().imageByDrawing(bounds.size, [&](GraphicsContext& context) {
+        context.drawImage(image, bounds, bounds, CompositingOperation::SourceOver, 1.0);
+        context.fillRect(bounds, color, operation);
     });
 }
 

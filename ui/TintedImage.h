@@ -4,17 +4,17 @@
 
 #include <memory>
 
-/// Images in other colours. Each operation gives a new image of the size of @p image, which it does
-/// not change. Main thread.
+/// Tinting of images. Each operation returns a new image of the size of @p image and leaves
+/// @p image unchanged. Main thread only.
 namespace HalvexTintedImage {
 
-/// @p image with @p color over what is painted in it; what is transparent stays so. An opaque
-/// colour tints by a quarter, one with an alpha of its own by that. A pattern colour has no
-/// components, and tints nothing.
+/// Tints the painted parts of @p image with @p color; transparent parts stay transparent. An opaque
+/// colour is applied with an alpha of 0.25, any other with its own alpha. A pattern colour has no
+/// colour components and tints nothing.
 std::shared_ptr<platform::Image> tintedImageWithColor(const platform::Image& image,
                                                       const platform::Color& color);
 
-/// @p image with all of its area filled with @p color by @p operation.
+/// Draws @p image and fills its whole area with @p color, composited with @p operation.
 std::shared_ptr<platform::Image> tintedImageWithColor(const platform::Image& image,
                                                       const platform::Color& color,
                                                       platform::CompositingOperation operation);

@@ -18,7 +18,7 @@ namespace {
 #ifdef __i386__
 constexpr std::string_view kProcessor = "Intel";
 #else
-// Every other processor goes by this label, whatever it is.
+// All other processors share this label, for compatibility.
 constexpr std::string_view kProcessor = "PPC";
 #endif
 
@@ -27,7 +27,7 @@ constexpr std::string_view kMessage =
     "My Local Time Zone: %@ [%@, GMT: %@]\nQuickTime Version: %@"
     "\n\nFeedback / Bug Report:\n\n";
 
-/// @p version in the coding of SystemFact::SystemVersion.
+/// Formats a version that is encoded like SystemFact::SystemVersion.
 std::string versionText(std::uint32_t version) {
     return platform::formatLogLine("%x.%d.%d",
                                    {version >> 8 & 0xFF, (version & 0xFF) >> 4, version & 0x0F});
@@ -35,7 +35,7 @@ std::string versionText(std::uint32_t version) {
 
 std::string systemVersion(const SystemInfo& system) {
     const std::uint32_t version = system.query(SystemFact::SystemVersion).value_or(0);
-    // Asked in one go with the version, though the mail has no place for them.
+    // Queried for compatibility; the mail does not use them.
     for (const SystemFact fact : {SystemFact::BusClock, SystemFact::ProcessorClock,
                                   SystemFact::LogicalMemory, SystemFact::PhysicalMemory})
         system.query(fact);
@@ -46,7 +46,7 @@ std::string mediaVersion(const SystemInfo& system) {
     return versionText(system.query(SystemFact::MediaVersion).value_or(0) >> 16);
 }
 
-/// Two places after a point, whatever the user's language writes there.
+/// Formats @p seconds as hours with two decimals, independently of the locale.
 std::string hoursText(std::int32_t seconds) {
     const double hours = static_cast<double>(static_cast<float>(seconds)) / 3600.0;
     std::array<char, 32> text{};
@@ -92,17 +92,17 @@ bool isHexadecimal(char character) {
            (character >= 'a' && character <= 'f');
 }
 
-bool mayStandInURL(char character) {
-    constexpr std::string_view kMarks = "-._~:/?#[]@!$&'()*+,;=";
+bool isAllowedInURL(char character) {
+    constexpr std::string_view kPunctuation = "-._~:/?#[]@!$&'()*+,;=";
     return (character >= '0' && character <= '9') || (character >= 'A' && character <= 'Z') ||
            (character >= 'a' && character <= 'z') ||
-           kMarks.find(character) != std::string_view::npos;
+           kPunctuation.find(character) != std::string_view::npos;
 }
 
-bool isURL(std::string_view text) {
+bool isValidURL(std::string_view text) {
     for (std::size_t i = 0; i < text.size(); ++i) {
         if (text[i] != '%') {
-            if (!mayStandInURL(text[i]))
+            if (!isAllowedInURL(text[i]))
                 return false;
             continue;
         }
@@ -124,7 +124,7 @@ void ovxSendFeedBackViaMail(const std::shared_ptr<platform::Bundle>& bundle,
         version = bundle->stringForInfoDictionaryKey("CFBundleShortVersionString");
     const std::string address =
         "mailto:" HALVEX_SUPPORT_ADDRESS + escaped(messageText(version, product));
-    if (!isURL(address)) {
+    if (!isValidURL(address)) {
         platform::logLine("Bad feedback URL: %@", address);
         return;
     }
