@@ -9,23 +9,27 @@
 
 #include <memory>
 #include <string>
+#include <string_view>
 #include <utility>
 
 using namespace platform;
+using extras::ClockItem;
+namespace clock_format = extras::clock_format;
 
 namespace {
 
 constexpr const char* kFormatKey = "MenuClockFormat";
 
-/// The product's clock. Its format is the string "MenuClockFormat" in the preferences file, which
-/// is followed while the clock runs.
+/// The product's clock. Its format is the string "MenuClockFormat" in the preferences file. Changes
+/// to the file take effect immediately.
 class HalvexTimeMenu final : public ClockItem {
   public:
     std::shared_ptr<MenuExtra> initWithBundle(std::shared_ptr<Bundle> bundle) override {
         if (!ClockItem::initWithBundle(std::move(bundle)))
             return nullptr;
         addActions();
-        preferencesWatch_ = fileManager().watchFile(HalvexPreferencesFile(), [this] { restart(); });
+        preferencesWatch_ =
+            fileManager().watchFile(menubar::preferencesFile(), [this] { reloadFormat(); });
         return shared_from_this();
     }
 
@@ -44,25 +48,24 @@ class HalvexTimeMenu final : public ClockItem {
     }
 
     std::string preferredFormat() override {
-        const std::string file = HalvexPreferencesFile();
+        const std::string file = menubar::preferencesFile();
         if (!fileManager().fileExists(file))
             return clock_format::longDefault();
         const auto preferences = propertyLists().read(file);
         if (!preferences)
-            return defaultAfter(file, preferences.error.reason);
-        const auto* dictionary = preferences.value->dictionary();
-        if (!dictionary)
-            return defaultAfter(file, "its root is no dictionary");
-        const PropertyList* format = dictionary->find(kFormatKey);
-        if (!format)
+            return defaultAfterError(file, preferences.error.text());
+        if (!preferences.value->dictionary())
+            return defaultAfterError(file, "the root is not a dictionary");
+        if (!preferences.value->find(kFormatKey))
             return clock_format::longDefault();
-        if (!format->string() || !clock_format::isUsable(*format->string()))
-            return defaultAfter(file, "it is no format that shows anything");
-        return std::string(*format->string());
+        const std::string_view format = preferences.value->stringAt(kFormatKey);
+        if (!clock_format::isUsable(format))
+            return defaultAfterError(file, "MenuClockFormat is not a usable format");
+        return std::string(format);
     }
 
-    static std::string defaultAfter(const std::string& file, const std::string& reason) {
-        logLine("no clock format taken from %@: %@", file, reason);
+    static std::string defaultAfterError(const std::string& file, const std::string& reason) {
+        logLine("cannot read the clock format from %@: %@", file, reason);
         return clock_format::longDefault();
     }
 

@@ -2,8 +2,7 @@
 
 namespace {
 
-/// An item that shows nothing, takes no room and has no menu. That it is loaded is all there is to
-/// it: the bar then admits the items of others.
+/// An empty item of width 0. While it is loaded, the bar admits third-party items.
 class MenuCracker final : public platform::MenuExtra {};
 
 } // namespace

@@ -4,9 +4,9 @@
 
 namespace {
 
-/// The bar's own clock: weekday and time, as the locale writes them.
-class SystemClock final : public ClockItem {
-    std::string preferredFormat() override { return clock_format::shortDefault(); }
+/// The bar's own clock: weekday and time in the locale's format.
+class SystemClock final : public extras::ClockItem {
+    std::string preferredFormat() override { return extras::clock_format::shortDefault(); }
 };
 
 } // namespace

@@ -9,14 +9,14 @@
 #include <locale.h>
 #include <utility>
 
-namespace clock_format {
+namespace extras::clock_format {
 namespace {
 
-constexpr std::size_t kMaximumFormat = 256;
-constexpr std::size_t kMaximumText = 16384;
+constexpr std::size_t kMaximumFormatBytes = 256;
+constexpr std::size_t kTextBufferBytes = 16384;
 
-/// The language of the environment; one that is not installed gives the plain one. Freed when the
-/// bundle's code is unloaded.
+/// The locale of the environment, or "C" if it is not installed. Freed when the bundle's code is
+/// unloaded.
 class UserLocale : platform::NonCopyable {
   public:
     UserLocale() : locale_(newlocale(LC_ALL_MASK, "", nullptr)) {
@@ -36,35 +36,41 @@ locale_t userLocale() {
     return locale.get();
 }
 
-std::string_view fromLocale(nl_item item) {
+std::string_view localeInfo(nl_item item) {
     return nl_langinfo_l(item, userLocale());
 }
 
-bool hasTwelveHours() {
-    const std::string_view time = fromLocale(T_FMT);
+bool usesTwelveHourTime() {
+    const std::string_view time = localeInfo(T_FMT);
     return std::any_of(time.begin(), time.end(),
                        [](char c) { return c == 'r' || c == 'I' || c == 'l' || c == 'p'; });
 }
 
-bool hasMonthFirst() {
-    const std::string_view date = fromLocale(D_FMT);
+bool putsMonthFirst() {
+    const std::string_view date = localeInfo(D_FMT);
     return date.find("%m") < date.find("%d");
 }
 
-std::string time() {
-    return hasTwelveHours() ? "%-I:%M %p" : "%H:%M";
+std::string timeFormat() {
+    return usesTwelveHourTime() ? "%-I:%M %p" : "%H:%M";
 }
 
-std::string expanded(std::string_view format, int depth) {
-    // Some locales define one of these by another; no chain is longer than two.
-    constexpr int kDeepest = 3;
+/// Returns what a composite conversion stands for, or an empty string for any other.
+std::string_view expansion(char conversion) {
     const std::array<std::pair<char, std::string_view>, 5> table{{
         {'T', "%H:%M:%S"},
         {'R', "%H:%M"},
-        {'r', fromLocale(T_FMT_AMPM)},
-        {'X', fromLocale(T_FMT)},
-        {'c', fromLocale(D_T_FMT)},
+        {'r', localeInfo(T_FMT_AMPM)},
+        {'X', localeInfo(T_FMT)},
+        {'c', localeInfo(D_T_FMT)},
     }};
+    const auto* entry = std::ranges::find(table, conversion, &decltype(table)::value_type::first);
+    return entry == table.end() ? std::string_view() : entry->second;
+}
+
+std::string expanded(std::string_view format, int depth) {
+    // Some locales define one composite by another; no chain is longer than two.
+    constexpr int kMaximumDepth = 3;
     std::string result;
     for (std::size_t i = 0; i < format.size(); ++i) {
         if (format[i] != '%' || i + 1 == format.size()) {
@@ -72,18 +78,16 @@ std::string expanded(std::string_view format, int depth) {
             continue;
         }
         const char conversion = format[++i];
-        const auto* entry = std::find_if(table.begin(), table.end(), [&](const auto& candidate) {
-            return candidate.first == conversion;
-        });
-        if (entry != table.end() && !entry->second.empty() && depth < kDeepest)
-            result += expanded(entry->second, depth + 1);
+        const std::string_view replacement = expansion(conversion);
+        if (!replacement.empty() && depth < kMaximumDepth)
+            result += expanded(replacement, depth + 1);
         else
             result.append({'%', conversion});
     }
     return result;
 }
 
-/// Whether bytes are well-formed UTF-8 without control characters.
+/// Returns whether @p bytes are UTF-8 sequences without control characters.
 bool isPlainText(std::string_view bytes) {
     for (std::size_t i = 0; i < bytes.size();) {
         const auto lead = static_cast<unsigned char>(bytes[i]);
@@ -101,9 +105,8 @@ bool isPlainText(std::string_view bytes) {
     return true;
 }
 
-/// What strftime makes of @p format.
-std::string conversion(const std::string& format, const std::tm& moment) {
-    std::array<char, kMaximumText> buffer; // NOLINT: what is read of it was written
+std::string formatted(const std::string& format, const std::tm& moment) {
+    std::array<char, kTextBufferBytes> buffer; // NOLINT: only the bytes written are read
     const std::size_t length =
         strftime_l(buffer.data(), buffer.size(), format.c_str(), &moment, userLocale());
     return {buffer.data(), length};
@@ -112,15 +115,15 @@ std::string conversion(const std::string& format, const std::tm& moment) {
 } // namespace
 
 std::string shortDefault() {
-    return "%a " + time();
+    return "%a " + timeFormat();
 }
 
 std::string longDefault() {
-    return (hasMonthFirst() ? "%a %b %-d " : "%a %-d %b ") + time();
+    return (putsMonthFirst() ? "%a %b %-d " : "%a %-d %b ") + timeFormat();
 }
 
 std::string fullDate() {
-    return hasMonthFirst() ? "%A, %B %-d, %Y" : "%A, %-d %B %Y";
+    return putsMonthFirst() ? "%A, %B %-d, %Y" : "%A, %-d %B %Y";
 }
 
 std::string fullTime() {
@@ -137,7 +140,7 @@ std::string bare(std::string_view format) {
         result += format[i];
         if (format[i] != '%')
             continue;
-        // Flags, a width, and the locale's other digits or era.
+        // Skip flags, the width and the modifiers for alternative digits and eras.
         i = format.find_first_not_of("_-^#+0123456789EO", i + 1);
         if (i == std::string_view::npos)
             break;
@@ -147,7 +150,7 @@ std::string bare(std::string_view format) {
 }
 
 bool isUsable(std::string_view format) {
-    if (format.empty() || format.size() > kMaximumFormat || !isPlainText(format))
+    if (format.empty() || format.size() > kMaximumFormatBytes || !isPlainText(format))
         return false;
     std::tm moment{};
     moment.tm_mday = 1;
@@ -157,9 +160,9 @@ bool isUsable(std::string_view format) {
 }
 
 std::string text(std::string format, const std::tm& moment) {
-    HalvexDateFormat::fixWeekNum(format, conversion("%V", moment));
-    HalvexDateFormat::fixTimeZone(format, conversion("%Z", moment));
-    return conversion(format, moment);
+    HalvexDateFormat::fixWeekNum(format, formatted("%V", moment));
+    HalvexDateFormat::fixTimeZone(format, formatted("%Z", moment));
+    return formatted(format, moment);
 }
 
-} // namespace clock_format
+} // namespace extras::clock_format

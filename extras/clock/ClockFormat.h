@@ -4,32 +4,32 @@
 #include <string>
 #include <string_view>
 
-/// Formats for clocks, as strftime knows them, in the language that the environment asks for; but
-/// "%W" is the ISO week ("01" to "53"), and neither it nor "%Z" can be escaped by "%%".
-/// Safe from any thread.
-namespace clock_format {
+/// Clock formats: strftime formats in the user's locale, except that "%W" is the ISO week ("01" to
+/// "53") and that "%%" does not escape "%W" and "%Z". Thread-safe.
+namespace extras::clock_format {
 
 /// Weekday and time: "Sun 22:05" or "Sun 10:05 PM".
 std::string shortDefault();
 /// Weekday, day and time: "Sun 22 Nov 22:05" or "Sun Nov 22 10:05 PM".
 std::string longDefault();
-/// The whole date in words, and the time with seconds and zone.
+/// The full date in words.
 std::string fullDate();
+/// The time with seconds and time zone.
 std::string fullTime();
 
-/// @p format with the conversions that stand for several others ("%T", "%R", "%r", "%X", "%c")
-/// written out, so that what it shows can be seen in it. "%%" stays what it is.
+/// Returns @p format with composite conversions ("%T", "%R", "%r", "%X", "%c") replaced by the
+/// conversions they stand for. "%%" stays unchanged.
 std::string expanded(std::string_view format);
 
-/// @p format with no more of each conversion than its letter, "%-S" as "%S", and the seconds since
-/// 1970, "%s", as seconds, too: what it shows, but not how.
+/// Returns @p format without flags, widths and modifiers, so that "%-S" becomes "%S". "%s", the
+/// seconds since 1970, also becomes "%S". The result tells which units a format shows, not how.
 std::string bare(std::string_view format);
 
-/// Whether a clock can show @p format: at most 256 bytes of UTF-8 without control characters that
-/// give a text that is not blank.
+/// Returns whether a clock can show @p format: at most 256 bytes of UTF-8 without control
+/// characters that produce a non-blank text.
 bool isUsable(std::string_view format);
 
-/// The moment as @p format shows it; empty when that is longer than 16383 bytes.
+/// Formats @p moment. Returns an empty string if the result exceeds 16383 bytes.
 std::string text(std::string format, const std::tm& moment);
 
-} // namespace clock_format
+} // namespace extras::clock_format

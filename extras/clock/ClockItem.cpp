@@ -6,9 +6,8 @@
 #include <utility>
 
 using namespace platform;
-using clock_format::bare;
-using clock_format::expanded;
 
+namespace extras {
 namespace {
 
 void copyTitle(const MenuItem& item) {
@@ -25,23 +24,24 @@ std::shared_ptr<MenuExtra> ClockItem::initWithBundle(std::shared_ptr<Bundle> bun
     timeItem_ = std::make_shared<MenuItem>("", copyTitle, weak_from_this());
     menu_->addItem(dateItem_);
     menu_->addItem(timeItem_);
-    restart();
+    reloadFormat();
     return shared_from_this();
 }
 
-void ClockItem::restart() {
-    format_ = expanded(preferredFormat());
-    keepTicking();
-    showTime();
+void ClockItem::reloadFormat() {
+    format_ = clock_format::expanded(preferredFormat());
+    scheduleTicks();
+    updateTexts();
 }
 
-void ClockItem::keepTicking() {
-    const bool seconds = menuOpen_ || CheckForSecFormat(expanded(bare(format_)));
-    ticks_ = systemClock().tick(seconds ? TickInterval::Second : TickInterval::Minute,
-                                [this] { showTime(); });
+void ClockItem::scheduleTicks() {
+    const bool showsSeconds =
+        menuOpen_ || CheckForSecFormat(clock_format::expanded(clock_format::bare(format_)));
+    ticks_ = systemClock().tick(showsSeconds ? TickInterval::Second : TickInterval::Minute,
+                                [this] { updateTexts(); });
 }
 
-void ClockItem::showTime() {
+void ClockItem::updateTexts() {
     const std::tm moment = systemClock().localTime(systemClock().now());
     setTitle(clock_format::text(format_, moment));
     if (!menuOpen_)
@@ -52,16 +52,18 @@ void ClockItem::showTime() {
 
 void ClockItem::menuWillOpen() {
     menuOpen_ = true;
-    keepTicking();
-    showTime();
+    scheduleTicks();
+    updateTexts();
 }
 
 void ClockItem::menuDidClose() {
     menuOpen_ = false;
-    keepTicking();
+    scheduleTicks();
 }
 
 void ClockItem::willUnload() {
     ticks_.reset();
     HalvexMenuExtraBase::willUnload();
 }
+
+} // namespace extras

@@ -6,9 +6,12 @@
 #include <memory>
 #include <string>
 
-/// A clock in the bar. It is woken once a second when its format shows seconds or its menu is open,
-/// else once a minute, and when the clock is set, the machine wakes up or the time zone changes.
-/// Its menu shows the full date and time, and copies the one that is chosen. Main thread.
+namespace extras {
+
+/// A clock in the bar. It updates once a second while its format shows seconds or its menu is open,
+/// otherwise once a minute, and whenever the system time or the time zone changes or the machine
+/// resumes. Its menu shows the full date and the full time; choosing one copies it. Main thread
+/// only.
 class ClockItem : public HalvexMenuExtraBase {
   public:
     std::shared_ptr<platform::MenuExtra>
@@ -19,15 +22,15 @@ class ClockItem : public HalvexMenuExtraBase {
     void willUnload() override;
 
   protected:
-    /// The format to show, asked for at the start and at each restart.
+    /// Returns the format to show. Called by initWithBundle and reloadFormat.
     virtual std::string preferredFormat() = 0;
 
-    /// Takes the format anew and shows the time in it.
-    void restart();
+    /// Reads the preferred format again and updates the title.
+    void reloadFormat();
 
   private:
-    void keepTicking();
-    void showTime();
+    void scheduleTicks();
+    void updateTexts();
 
     std::string format_;
     bool menuOpen_ = false;
@@ -35,3 +38,5 @@ class ClockItem : public HalvexMenuExtraBase {
     std::shared_ptr<platform::MenuItem> dateItem_;
     std::shared_ptr<platform::MenuItem> timeItem_;
 };
+
+} // namespace extras

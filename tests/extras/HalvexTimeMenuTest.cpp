@@ -20,6 +20,7 @@
 using namespace platform;
 using testing::ElementsAre;
 using namespace std::chrono_literals;
+namespace clock_format = extras::clock_format;
 
 namespace {
 
@@ -96,8 +97,10 @@ TEST_F(HalvexTimeMenu, FollowsThePreferencesFileFromNothingToBadAndBack) {
     EXPECT_TRUE(becomes("2026"));
     log.take();
     const std::pair<std::string, std::string> bad[] = {
-        {"<key>MenuClockFormat</key><integer>5</integer>", "no format that shows anything"},
-        {"<unclosed>", "no clock format taken from"},
+        {"<key>MenuClockFormat</key><integer>5</integer>",
+         "MenuClockFormat is not a usable format"},
+        {"<unclosed>",
+         "cannot read the clock format from " + folder.file(kPreferences) + ": line "},
     };
     for (const auto& [value, line] : bad) {
         setFormat(value);
