@@ -26,7 +26,7 @@ namespace {
 
 constexpr std::int64_t kSunday = 1795387287; // 2026-11-22 22:41:27 UTC
 
-/// The shipped bundle's own code in a program of fakes.
+/// Runs the code of the shipped bundle with fake services.
 class HalvexTimeMenu : public testing::Test {
   protected:
     void SetUp() override {
@@ -68,11 +68,11 @@ class HalvexTimeMenu : public testing::Test {
     test::RecordingPasteboard pasteboard;
     test::PollingMainThread loop;
     test::ManualClock clock;
-    std::unique_ptr<LoadedCode> code; // goes after what it made
+    std::unique_ptr<LoadedCode> code; // destroyed after the objects it created
     std::shared_ptr<MenuExtra> extra;
 };
 
-TEST_F(HalvexTimeMenu, TicksAsOftenAsItsFormatNeedsAndShowsTheIsoWeekAndTheZone) {
+TEST_F(HalvexTimeMenu, UpdatesAsOftenAsItsFormatNeedsAndShowsTheIsoWeekAndTheZone) {
     setFormat(format("%H:%M"));
     start();
     EXPECT_EQ(title(), "22:41");
@@ -87,12 +87,12 @@ TEST_F(HalvexTimeMenu, TicksAsOftenAsItsFormatNeedsAndShowsTheIsoWeekAndTheZone)
     EXPECT_TRUE(becomes("47 GMT"));
     EXPECT_THAT(clock.intervals(), ElementsAre(TickInterval::Minute));
     clock.moveTo(1609459200); // 2021-01-01, a Friday
-    EXPECT_EQ(title(), "53 GMT") << "the week belongs to the year before";
+    EXPECT_EQ(title(), "53 GMT") << "the ISO week of the year before";
 }
 
-TEST_F(HalvexTimeMenu, FollowsThePreferencesFileFromNothingToBadAndBack) {
+TEST_F(HalvexTimeMenu, ReloadsItsFormatWhenThePreferencesFileChanges) {
     start();
-    EXPECT_EQ(title(), "Sun Nov 22 22:41") << "the locale's default";
+    EXPECT_EQ(title(), "Sun Nov 22 22:41") << "the default of the locale";
     setFormat(format("%Y"));
     EXPECT_TRUE(becomes("2026"));
     log.take();
@@ -111,7 +111,7 @@ TEST_F(HalvexTimeMenu, FollowsThePreferencesFileFromNothingToBadAndBack) {
     }
 }
 
-TEST_F(HalvexTimeMenu, ItsMenuShowsDateAndTimeAndCopiesTheOneThatIsChosen) {
+TEST_F(HalvexTimeMenu, ShowsDateAndTimeInItsMenuAndCopiesTheOneChosen) {
     start();
     extra->menuWillOpen();
     EXPECT_THAT(clock.intervals(), ElementsAre(TickInterval::Second));
@@ -129,7 +129,7 @@ TEST_F(HalvexTimeMenu, ItsMenuShowsDateAndTimeAndCopiesTheOneThatIsChosen) {
     EXPECT_THAT(clock.intervals(), ElementsAre(TickInterval::Minute));
 }
 
-TEST_F(HalvexTimeMenu, ItsMenuOpensThePaneAndAsksForTheCalculator) {
+TEST_F(HalvexTimeMenu, OpensThePaneAndTheCalculatorFromItsMenu) {
     test::HandOverDesk desk;
     desk.running = {"Halvex"};
     const auto pane = std::make_shared<Bundle>(
@@ -146,11 +146,11 @@ TEST_F(HalvexTimeMenu, ItsMenuOpensThePaneAndAsksForTheCalculator) {
     EXPECT_TRUE(items.at(3)->perform());
     while (std::ranges::count(desk.journal(), "front 1") == 0)
         std::this_thread::yield();
-    while (extra.use_count() > 1) // the other thread's part is over
+    while (extra.use_count() > 1) // until the worker thread has released the item
         desk.runMainThread();
 }
 
-TEST_F(HalvexTimeMenu, ComesToRestWhenItIsUnloaded) {
+TEST_F(HalvexTimeMenu, StopsUpdatingWhenItIsUnloaded) {
     start();
     extra->willUnload();
     EXPECT_THAT(clock.intervals(), ElementsAre());
@@ -161,7 +161,7 @@ TEST_F(HalvexTimeMenu, ComesToRestWhenItIsUnloaded) {
     loop.runUntil([] { return false; }, 100ms);
 }
 
-TEST(ClockFormat, WritesOutConversionsThatHideSeconds) {
+TEST(ClockFormat, ExpandsCompositeConversionsAndStripsModifiers) {
     const std::pair<const char*, const char*> cases[] = {
         {"%T", "%H:%M:%S"}, {"%a %R", "%a %H:%M"}, {"%r", "%I:%M:%S %p"},
         {"%%T", "%%T"},     {"100%", "100%"},      {"%c", "%a %b %e %H:%M:%S %Y"}};
@@ -170,7 +170,7 @@ TEST(ClockFormat, WritesOutConversionsThatHideSeconds) {
     EXPECT_EQ(clock_format::bare("%-S %_5OS %s %EX %%-S 5%"), "%S %S %S %X %%-S 5%");
 }
 
-TEST(ClockFormat, IsUsableWhenItShowsSomethingThatCanBeDrawn) {
+TEST(ClockFormat, IsUsableIfItProducesVisibleText) {
     for (const std::string& format :
          {std::string("%Z"), std::string("\xC3\x9Chr %H"), std::string(256, 'x')})
         EXPECT_TRUE(clock_format::isUsable(format)) << format;

@@ -53,7 +53,7 @@ TEST_F(BackgroundHandOver, NotifiesARunningApplicationWithoutWaiting) {
     EXPECT_THAT(log.take(), IsEmpty());
 }
 
-TEST_F(BackgroundHandOver, StartsAnAbsentApplicationAndWaitsForItsAnnouncement) {
+TEST_F(BackgroundHandOver, StartsAnAbsentApplicationAndWaitsForItsLaunchAnnouncement) {
     std::pair observedBefore{false, false};
     desk.onOpen = [&] {
         observedBefore = desk.observesLaunches();
@@ -72,7 +72,7 @@ TEST_F(BackgroundHandOver, StartsAnAbsentApplicationAndWaitsForItsAnnouncement) 
     EXPECT_THAT(log.take(), IsEmpty());
 }
 
-TEST_F(BackgroundHandOver, LogsALaunchThatFailsOrIsWatchedAndPostsAfterFiftySecondsAllTheSame) {
+TEST_F(BackgroundHandOver, LogsTheLaunchOnFailureOrWhenVerboseAndPostsEvenAfterATimeout) {
     const struct {
         bool opens;
         std::int32_t debug;
@@ -91,22 +91,22 @@ TEST_F(BackgroundHandOver, LogsALaunchThatFailsOrIsWatchedAndPostsAfterFiftySeco
         EXPECT_EQ(desk.observesLaunches(), std::pair(true, true));
     }
     desk.announce("Halvex");
-    EXPECT_EQ(gHalvexisrunning, 1) << "it is still listened for";
+    EXPECT_EQ(gHalvexisrunning, 1) << "launches are observed after the timeout";
     EXPECT_EQ(desk.observesLaunches(), std::pair(false, false));
 }
 
-TEST_F(BackgroundHandOver, OpensNothingWithoutAPane) {
+TEST_F(BackgroundHandOver, OpensNothingIfThereIsNoPane) {
     Bundle::setCode(pane, Bundle::Code::Unloaded);
     const test::TemporaryFolder empty;
     const test::ScopedEnvironment home("HOME", empty.path().string());
     posix::PosixFileManager files(empty.path().string());
-    const ScopedService<FileManager> filesInPlace(files);
+    const ScopedService<FileManager> filesService(files);
     extra->HalvexLaunchThread(std::nullopt);
     EXPECT_THAT(desk.journal(), ElementsAre("search"));
     EXPECT_THAT(log.take(), Contains("Halvex Time - launching Halvex.app - (null)"));
 }
 
-TEST_F(BackgroundHandOver, PostsNothingForNoName) {
+TEST_F(BackgroundHandOver, PostsNothingWithoutAName) {
     extra->notifyHalvex2(std::nullopt);
     desk.running = {"Halvex"};
     extra->HalvexLaunchThread(std::nullopt);
@@ -114,7 +114,7 @@ TEST_F(BackgroundHandOver, PostsNothingForNoName) {
     EXPECT_THAT(desk.journal(), ElementsAre("search", "front 1", "main"));
 }
 
-TEST_F(BackgroundHandOver, OtherLaunchesCountOnlyWhenTheApplicationIsFound) {
+TEST_F(BackgroundHandOver, IgnoresOtherLaunchesUnlessTheApplicationIsFoundRunning) {
     desk.opens = false;
     extra->HalvexLaunchThread(std::nullopt);
     for (const char* other : {"Halvex 2", "halvex", "", "Editor"}) {
@@ -130,13 +130,13 @@ TEST_F(BackgroundHandOver, OtherLaunchesCountOnlyWhenTheApplicationIsFound) {
     EXPECT_EQ(desk.observesLaunches(), std::pair(false, false));
 }
 
-TEST_F(BackgroundHandOver, HearsTheWorkspacesOwnAnnouncements) {
+TEST_F(BackgroundHandOver, ObservesLaunchesAnnouncedOnTheWorkspacesCenter) {
     desk.onOpen = [] { announceLaunch("Halvex"); };
     extra->HalvexLaunchThread("Request");
-    EXPECT_THAT(clock.sleeps, IsEmpty()) << "the key is the one that the exported name holds";
+    EXPECT_THAT(clock.sleeps, IsEmpty()) << "the name is read under hxNSApplicationName";
 }
 
-TEST_F(BackgroundHandOver, AnItemThatHasGoneHearsNothing) {
+TEST_F(BackgroundHandOver, StopsObservingLaunchesWhenTheItemIsDestroyed) {
     desk.opens = false;
     extra->HalvexLaunchThread(std::nullopt);
     gHalvexisrunning = 0;
@@ -146,7 +146,7 @@ TEST_F(BackgroundHandOver, AnItemThatHasGoneHearsNothing) {
     EXPECT_EQ(desk.observesLaunches(), std::pair(false, false));
 }
 
-TEST_F(BackgroundHandOver, OfTheCalculatorKeepsTheItemAndEndsItOnTheMainThread) {
+TEST_F(BackgroundHandOver, KeepsTheItemAliveAndDestroysItOnTheMainThread) {
     std::atomic<bool> sleeping = false;
     std::atomic<bool> awake = false;
     clock.duringSleep = [&] {
@@ -160,7 +160,7 @@ TEST_F(BackgroundHandOver, OfTheCalculatorKeepsTheItemAndEndsItOnTheMainThread) 
     while (!sleeping)
         std::this_thread::yield();
     EXPECT_FALSE(watched.expired());
-    desk.announce("Halvex"); // while the other thread reads the flag
+    desk.announce("Halvex"); // concurrently with the worker thread reading the flag
     awake = true;
     std::vector<std::string> journal;
     while (journal.empty() || journal.back() != "main") {
@@ -169,9 +169,9 @@ TEST_F(BackgroundHandOver, OfTheCalculatorKeepsTheItemAndEndsItOnTheMainThread) 
         std::this_thread::yield();
     }
     EXPECT_THAT(journal, Contains("post HalvexShowCalculatorNotification"));
-    EXPECT_FALSE(watched.expired()) << "until the main thread lets go";
+    EXPECT_FALSE(watched.expired()) << "the main thread still holds the item";
     while (!watched.expired()) {
-        desk.runMainThread(); // the journal is written before the queue
+        desk.runMainThread(); // the journal is written before the work is queued
         std::this_thread::yield();
     }
 }

@@ -62,13 +62,13 @@ constexpr const char* kStartingLine = "starting Test Clock Menu Extra for Intel 
 constexpr const char* kStartingLine = "starting Test Clock Menu Extra for ARM 64Bit 3.1";
 #endif
 
-TEST_F(MenuExtraBase, StartsWithItsOwnViewTheTitleDashAndTheWidthOfIt) {
+TEST_F(MenuExtraBase, StartsWithItsViewAndADashAsTitle) {
     events.event.modifierFlags = kOptionKeyMask;
     myDebug = 7;
     const auto extra = std::make_shared<TestExtra>();
     EXPECT_EQ(extra->initWithBundle(bundle), extra);
     EXPECT_THAT(log.take(), ElementsAre(kStartingLine));
-    EXPECT_EQ(myDebug, 0) << "the Option key never counts";
+    EXPECT_EQ(myDebug, 0) << "the Option key is ignored";
     EXPECT_EQ(extra->view(), extra->view_);
     EXPECT_EQ(extra->view_->clickCount(), 2);
     EXPECT_EQ(extra->extraHeight_, 21.0F);
@@ -77,26 +77,26 @@ TEST_F(MenuExtraBase, StartsWithItsOwnViewTheTitleDashAndTheWidthOfIt) {
     EXPECT_EQ(extra->view()->frame().size, (Size{9, 22}));
 }
 
-TEST_F(MenuExtraBase, WithoutABundleThereIsNoItem) {
+TEST_F(MenuExtraBase, FailsToInitializeWithoutABundle) {
     EXPECT_EQ(std::make_shared<TestExtra>()->initWithBundle(nullptr), nullptr);
     EXPECT_THAT(log.take(), ElementsAre("HalvexMenuExtraBase super initWithBundle failed"));
 }
 
-TEST_F(MenuExtraBase, PlatformExceptionsWhileTheViewIsInstalledAreLoggedAndOthersGoOn) {
+TEST_F(MenuExtraBase, LogsPlatformExceptionsFromSetViewAndPropagatesOthers) {
     const auto extra = std::make_shared<TestExtra>();
-    extra->onSetView = [] { throw Exception("ViewTrouble", "no room"); };
+    extra->onSetView = [] { throw Exception("ViewError", "no room"); };
     EXPECT_EQ(extra->initWithBundle(bundle), extra);
-    EXPECT_EQ(log.take().back(), "HalvexMenuExtraBase setView exception name: ViewTrouble   "
+    EXPECT_EQ(log.take().back(), "HalvexMenuExtraBase setView exception name: ViewError   "
                                  "reason: no room   userInfo: (null)");
-    EXPECT_EQ(extra->attributedTitle(), nullptr) << "the title comes after the view";
-    EXPECT_NE(extra->view(), nullptr) << "the platform's own view stays";
+    EXPECT_EQ(extra->attributedTitle(), nullptr) << "the title is set after the view";
+    EXPECT_NE(extra->view(), nullptr) << "the platform's view is kept";
 
     const auto other = std::make_shared<TestExtra>();
-    other->onSetView = [] { throw std::runtime_error("another kind"); };
+    other->onSetView = [] { throw std::runtime_error("not a platform exception"); };
     EXPECT_THROW(other->initWithBundle(bundle), std::runtime_error);
 }
 
-TEST_F(MenuExtraBase, WhenVerboseTheTeardownIsLogged) {
+TEST_F(MenuExtraBase, LogsItsDestructionWhenVerbose) {
     auto extra = started();
     myDebug = 1;
     extra.reset();
@@ -105,7 +105,7 @@ TEST_F(MenuExtraBase, WhenVerboseTheTeardownIsLogged) {
                                 "dealloc HalvexMenuExtraBase <HalvexMenuExtraBase: 0x.*> 0")));
 }
 
-TEST_F(MenuExtraBase, ATitleIsRedrawnOnlyWhenItsTextChanges) {
+TEST_F(MenuExtraBase, RedrawsTheTitleOnlyWhenItsTextChanges) {
     const auto extra = started();
     struct Case {
         std::optional<std::string> title;
@@ -117,14 +117,14 @@ TEST_F(MenuExtraBase, ATitleIsRedrawnOnlyWhenItsTextChanges) {
           Case{std::nullopt, 1, 2}, Case{std::nullopt, 1, 2}, Case{"", 1, 2}}) {
         host.redisplays = 0;
         extra->setTitle(title);
-        EXPECT_EQ(host.redisplays, redisplays) << title.value_or("nothing");
+        EXPECT_EQ(host.redisplays, redisplays) << title.value_or("no title");
         EXPECT_EQ(extra->length(), width);
         EXPECT_EQ(extra->attributedTitle() != nullptr, title.has_value());
     }
     EXPECT_EQ(extra->recalculations, 7);
 }
 
-TEST_F(MenuExtraBase, ATitleHasAShadowOfItsOwnWhenTheViewDrawsShadows) {
+TEST_F(MenuExtraBase, AddsAShadowToTheTitleIfTheViewDrawsShadows) {
     const auto extra = started();
     extra->view_->setDrawShadow(true);
     extra->setTitle("abc");
@@ -134,20 +134,20 @@ TEST_F(MenuExtraBase, ATitleHasAShadowOfItsOwnWhenTheViewDrawsShadows) {
     EXPECT_EQ(extra->length(), 21 + 2 + 2.5F);
 }
 
-TEST_F(MenuExtraBase, AnAttributedTitleIsCopiedAndOnlyItsWidthAsksForRedisplay) {
+TEST_F(MenuExtraBase, CopiesAttributedTitlesAndRedrawsOnlyIfTheWidthChanges) {
     const auto extra = started();
     const auto title = std::make_shared<AttributedString>("x");
     extra->setAttributedTitle(title);
     EXPECT_NE(extra->attributedTitle(), title);
     EXPECT_EQ(*extra->attributedTitle(), *title);
-    EXPECT_EQ(host.redisplays, 0) << "as wide as the dash before";
+    EXPECT_EQ(host.redisplays, 0) << "as wide as the dash";
     extra->setAttributedTitle(extra->attributedTitle());
-    EXPECT_EQ(extra->recalculations, 1) << "the very object held changes nothing";
+    EXPECT_EQ(extra->recalculations, 1) << "the instance already held is ignored";
     extra->setAttributedTitle(nullptr);
     EXPECT_EQ(extra->length(), 2.0F);
 }
 
-TEST_F(MenuExtraBase, WidthsAreSummedInSinglePrecisionAndToldWhenTheyChange) {
+TEST_F(MenuExtraBase, SumsWidthsInSinglePrecisionAndReportsOnlyChanges) {
     const auto extra = started();
     const auto icon = std::make_shared<test::BlankImage>(15.6, 16);
     extra->setImage(icon);
@@ -155,14 +155,14 @@ TEST_F(MenuExtraBase, WidthsAreSummedInSinglePrecisionAndToldWhenTheyChange) {
     EXPECT_EQ(extra->recalculations, 1);
     EXPECT_EQ(extra->length(), 7.0F + (15.6F + 2.0F) + 0.0F);
     extra->setImage(std::make_shared<test::BlankImage>(16777216.0, 16)); // 2^24
-    EXPECT_EQ(extra->length(), 16777224.0F) << "exactly it would be 16777225";
+    EXPECT_EQ(extra->length(), 16777224.0F) << "16777225 in double precision";
     extra->SetViewWidth(16777224.0F);
     EXPECT_EQ(host.lengthChanges, 2);
     extra->SetViewWidth(std::numeric_limits<float>::quiet_NaN());
-    EXPECT_EQ(extra->length(), 0.0F) << "the bar never sees a width that is no number";
+    EXPECT_EQ(extra->length(), 0.0F) << "NaN becomes 0";
 }
 
-TEST_F(MenuExtraBase, SecondsAreInAFormatThatHoldsCapitalS) {
+TEST_F(MenuExtraBase, DetectsSecondsInAFormatByCapitalS) {
     const auto extra = started();
     for (const char* format : {"%H:%M:%S", "%%S"})
         EXPECT_TRUE(extra->CheckForSecFormat(format)) << format;

@@ -15,21 +15,23 @@ using testing::IsEmpty;
 
 namespace {
 
-/// Remembers which click it got, and answers as told.
-class ClickedExtra final : public HalvexMenuExtraBase {
+using Base = HalvexMenuExtraBase;
+
+/// Records the clicks it receives. Returns the base class's result unless told to handle them.
+class ClickedExtra final : public Base {
   public:
     std::string clicks;
-    bool answer = true;
+    bool handlesClicks = true;
 
-    bool clicked() override { return note("plain"); }
-    bool clickWithAltKey() override { return note("alt"); }
-    bool clickWithShiftKey() override { return note("shift"); }
-    bool clickWithCtrlKey() override { return note("ctrl"); }
+    bool clicked() override { return record("plain", Base::clicked()); }
+    bool clickWithAltKey() override { return record("alt", Base::clickWithAltKey()); }
+    bool clickWithShiftKey() override { return record("shift", Base::clickWithShiftKey()); }
+    bool clickWithCtrlKey() override { return record("ctrl", Base::clickWithCtrlKey()); }
 
   private:
-    bool note(const char* kind) {
+    bool record(const char* kind, bool baseResult) {
         clicks += kind;
-        return answer;
+        return handlesClicks || baseResult;
     }
 };
 
@@ -58,7 +60,7 @@ class MenuView : public testing::Test {
     std::shared_ptr<HalvexMenuViewBase> view;
 };
 
-TEST_F(MenuView, ModifiersAndButtonsChooseTheClickInTheirOrder) {
+TEST_F(MenuView, ChoosesTheClickByModifiersAndButtonInOrderOfPrecedence) {
     const std::tuple<std::uint32_t, std::int32_t, const char*, const char*> cases[] = {
         {0, 2, "plain", nullptr},
         {0, 3, "ctrl", "ControlKeyMask"},
@@ -68,7 +70,7 @@ TEST_F(MenuView, ModifiersAndButtonsChooseTheClickInTheirOrder) {
         {kOptionKeyMask, 0, "alt", "AlttKeyMask"},
         {kControlKeyMask | kShiftKeyMask, 0, "ctrl", "ControlKeyMask"},
         {kShiftKeyMask | kOptionKeyMask, 0, "shift", "ShiftKeyMask"},
-        {0x80100000, 1, "plain", nullptr}, // keys that mean nothing here
+        {0x80100000, 1, "plain", nullptr}, // modifiers without a meaning here
     };
     for (const auto& [flags, button, kind, logged] : cases) {
         myDebugME = 0;
@@ -82,19 +84,20 @@ TEST_F(MenuView, ModifiersAndButtonsChooseTheClickInTheirOrder) {
             lines.emplace_back(logged);
         EXPECT_EQ(log.take(), lines);
     }
-    EXPECT_EQ(host.menuToggles, 0) << "handled clicks open no menu";
-    extra->answer = false;
+    EXPECT_EQ(host.menuToggles, 0) << "a handled click does not open the menu";
+    extra->handlesClicks = false;
     for (const std::uint32_t flags : {0U, kShiftKeyMask, kControlKeyMask, kOptionKeyMask})
         click(flags);
-    EXPECT_EQ(host.menuToggles, 4) << "those that nobody handles do";
+    EXPECT_EQ(host.menuToggles, 4) << "an unhandled click opens the menu";
+    EXPECT_TRUE(view->acceptsFirstMouse({}));
 }
 
-TEST_F(MenuView, ControlAndOptionSwitchVerboseLogLinesOnAndOff) {
-    const test::ScopedEnvironment home("HOME", "/home/somebody");
-    EXPECT_EQ(click(kControlKeyMask | kOptionKeyMask), "") << "the click goes no further";
+TEST_F(MenuView, TogglesVerboseLoggingOnAControlOptionClick) {
+    const test::ScopedEnvironment home("HOME", "/home/user");
+    EXPECT_EQ(click(kControlKeyMask | kOptionKeyMask), "") << "no click operation is called";
     EXPECT_EQ(myDebugME, 1);
     EXPECT_THAT(log.take(), ElementsAre("CTRL+Option/Alt key pressed - myDebug 1"));
-    EXPECT_THAT(workspace.selected, ElementsAre("/home/somebody/Library/Preferences/"
+    EXPECT_THAT(workspace.selected, ElementsAre("/home/user/Library/Preferences/"
                                                 "com.quorvanesoftware.HalvexPro.plist|"));
     EXPECT_EQ(host.menuToggles, 0);
 
@@ -104,10 +107,10 @@ TEST_F(MenuView, ControlAndOptionSwitchVerboseLogLinesOnAndOff) {
     EXPECT_EQ(workspace.selected.size(), 1U);
 }
 
-TEST_F(MenuView, DrawsTheTitleAndThenTheImage) {
+TEST_F(MenuView, DrawsTheTitleThenTheImage) {
     struct Case {
-        const char* title; // 15 points high; null: none
-        double imageWidth; // 0: no image
+        const char* title; // 15 points high; null for no title
+        double imageWidth; // 0 for no image
         double imageHeight;
         double height;
         const char* text;
@@ -134,22 +137,28 @@ TEST_F(MenuView, DrawsTheTitleAndThenTheImage) {
         if (image)
             expected.push_back(std::string("image ") + image + " operation 1 fraction 1");
         EXPECT_EQ(graphics.drawn, expected);
+        EXPECT_THAT(log.take(), IsEmpty());
     }
 }
 
-TEST_F(MenuView, WhileTheMenuIsOpenBothAreDrawnWithXor) {
+TEST_F(MenuView, DrawsShadowsAlwaysButXorOnlyWhileTheMenuIsOpen) {
     extra->setImage(std::make_shared<test::BlankImage>(16, 16));
     view->setDrawShadow(true);
-    extra->setMenuDown(true);
-    graphics.drawn.clear();
-    view->drawRect({{}, {60, 22}});
-    EXPECT_THAT(graphics.drawn,
-                ElementsAre("save", "no smoothing", "text mode 0", "operation 10",
-                            "shadow 1 -1 blur 5", "text - at 19 5", "restore",
-                            "image 0 0 16 16 into 0 3 16 16 operation 10 fraction 1"));
+    for (const bool open : {false, true}) {
+        extra->setMenuDown(open);
+        graphics.drawn.clear();
+        view->drawRect({{}, {60, 22}});
+        std::vector<std::string> expected{"save", "no smoothing", "text mode 0"};
+        if (open)
+            expected.emplace_back("operation 10");
+        expected.insert(expected.end(), {"shadow 1 -1 blur 5", "text - at 19 5", "restore"});
+        expected.push_back(std::string("image 0 0 16 16 into 0 3 16 16 operation ") +
+                           (open ? "10" : "1") + " fraction 1");
+        EXPECT_EQ(graphics.drawn, expected);
+    }
 }
 
-TEST_F(MenuView, LogsWhatItDrawsOnlyWhenVerboseButAlwaysThatThereIsNothing) {
+TEST_F(MenuView, LogsTheTitleOnlyWhenVerboseAndAnEmptyItemAlways) {
     for (const bool verbose : {false, true}) {
         myDebugME = verbose;
         extra->setTitle("-");

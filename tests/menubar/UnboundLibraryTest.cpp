@@ -6,7 +6,7 @@
 
 namespace {
 
-TEST(UnboundLibrary, IsLoggedAndTheItemStartsAllTheSame) {
+TEST(UnboundLibrary, IsLoggedAndDoesNotStopTheItem) {
     test::RecordingLog log;
     test::RecordingHost host;
     test::RecordingGraphics graphics;

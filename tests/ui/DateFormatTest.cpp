@@ -10,8 +10,8 @@ using namespace HalvexDateFormat;
 
 namespace {
 
-TEST(DateFormat, FillsEveryPlaceholderOfItsOwnKindAndRefusesAValueThatWouldNeverEnd) {
-    // None is filled where nothing changes but the log.
+TEST(DateFormat, FillsItsOwnPlaceholdersAndRefusesValuesThatWouldNeverEnd) {
+    // std::nullopt where the value is refused and the format stays unchanged.
     const std::tuple<std::string, std::string, std::optional<std::string>> weeks[] = {
         {"Week %W of %Y", "07", "Week 07 of %Y"},
         {"%w %Z W%", "5", "%w %Z W%"},
@@ -31,17 +31,17 @@ TEST(DateFormat, FillsEveryPlaceholderOfItsOwnKindAndRefusesAValueThatWouldNever
         EXPECT_EQ(log.contains("value \"" + value + "\" would replace %W without end"), !filled);
     }
     std::string time = "%H:%M %Z, %z %W";
-    EXPECT_EQ(fixTimeZone(time, "%W"), "%H:%M %W, %z %W") << "another's placeholder is plain text";
+    EXPECT_EQ(fixTimeZone(time, "%W"), "%H:%M %W, %z %W") << "the other placeholder is plain text";
 }
 
-/// The plainest way to say what comes out: look from the start again after each replacement.
-std::string searchedAgainAndAgain(std::string format, const std::string& value) {
+/// The reference: searches from the start after each replacement.
+std::string filledBySearchingFromTheStart(std::string format, const std::string& value) {
     for (auto at = format.find("%Z"); at != std::string::npos; at = format.find("%Z"))
         format.replace(at, 2, value);
     return format;
 }
 
-TEST(DateFormat, FindsWhatReplacementsFormWithTheirNeighbours) {
+TEST(DateFormat, ReplacesPlaceholdersThatValuesFormWithTheirNeighbours) {
     std::mt19937 random(5);
     const auto pick = [&](std::string_view letters, std::size_t length) {
         std::string text;
@@ -53,8 +53,8 @@ TEST(DateFormat, FindsWhatReplacementsFormWithTheirNeighbours) {
         std::string format = pick("%Z%Za", random() % 12);
         const std::string value = pick("%Za", random() % 4);
         if (value.find("%Z") != std::string::npos)
-            continue; // without end; what needs four letters more cannot come up
-        const std::string expected = searchedAgainAndAgain(format, value);
+            continue; // never ends; longer values that do not end are not generated
+        const std::string expected = filledBySearchingFromTheStart(format, value);
         ASSERT_EQ(fixTimeZone(format, value), expected) << value;
     }
 }

@@ -15,7 +15,7 @@ using testing::IsEmpty;
 
 namespace {
 
-/// Answers to "click:" alone and counts by sender.
+/// Responds only to "click:" and records the senders.
 class Target final : public ActionTarget {
   public:
     std::vector<ActionSender*> senders;
@@ -32,7 +32,7 @@ class HUDPanel : public testing::Test {
   protected:
     HUDPanel() { platform::expat::install(); }
 
-    /// A panel whose frame has this size.
+    /// Creates a panel with this frame size.
     std::shared_ptr<HUDWindow> panelOfSize(double width, double height) {
         auto panel = std::make_shared<HUDWindow>();
         panel->initWithContentRect({{}, {width, height - kPanelTitleBarHeight}}, 0,
@@ -45,7 +45,7 @@ class HUDPanel : public testing::Test {
     test::RecordingLog log;
 };
 
-TEST_F(HUDPanel, IsSetUpStepByStepInItsOwnStyle) {
+TEST_F(HUDPanel, IgnoresTheStyleMaskAndSetsUpItsWindowInOrder) {
     const auto panel = std::make_shared<HUDWindow>();
     constexpr std::uint32_t kBorderless = 0;
     EXPECT_EQ(panel->initWithContentRect({{10, 20}, {320, 200}}, kBorderless,
@@ -68,8 +68,8 @@ TEST_F(HUDPanel, IsSetUpStepByStepInItsOwnStyle) {
     EXPECT_THAT(panels.calls, ElementsAre("window 8223"));
 }
 
-std::vector<std::string> ground(const std::string& canvas, const std::vector<std::string>& body,
-                                const std::vector<std::string>& bar, const std::string& text) {
+std::vector<std::string> background(const std::string& canvas, const std::vector<std::string>& body,
+                                    const std::vector<std::string>& bar, const std::string& text) {
     std::vector<std::string> all{"canvas " + canvas,
                                  "path with 0.1 0.1 0.1 0.75 space 2 operation 2"};
     all.insert(all.end(), body.begin(), body.end());
@@ -79,23 +79,23 @@ std::vector<std::string> ground(const std::string& canvas, const std::vector<std
     return all;
 }
 
-TEST_F(HUDPanel, PaintsItsGroundElementByElement) {
+TEST_F(HUDPanel, PaintsItsBodyTitleBarAndTitle) {
     const std::pair<Size, std::vector<std::string>> cases[] = {
         {{101.7, 50.5},
-         ground("101.7 50.5",
-                {"move 50 0", "arc 101 0 to 101 15 radius 6", "line 101 31", "line 0 31",
-                 "arc 0 31 to 0 15 radius 6", "arc 0 0 to 50 0 radius 6"},
-                {"move 0 31", "line 101 31", "arc 101 50 to 50 50 radius 6",
-                 "arc 0 50 to 0 31 radius 6"},
-                "19 33.5 63.7 15")},
-        // Lower than the title bar, and narrower than the title's margins.
+         background("101.7 50.5",
+                    {"move 50 0", "arc 101 0 to 101 15 radius 6", "line 101 31", "line 0 31",
+                     "arc 0 31 to 0 15 radius 6", "arc 0 0 to 50 0 radius 6"},
+                    {"move 0 31", "line 101 31", "arc 101 50 to 50 50 radius 6",
+                     "arc 0 50 to 0 31 radius 6"},
+                    "19 33.5 63.7 15")},
+        // Lower than the title bar and narrower than the margins of the title.
         {{30, 15.5},
-         ground("30 15.5",
-                {"move 15 0", "arc 30 0 to 30 -1 radius 6", "line 30 -3", "line 0 -3",
-                 "arc 0 -3 to 0 -1 radius 6", "arc 0 0 to 15 0 radius 6"},
-                {"move 0 -3", "line 30 -3", "arc 30 15 to 15 15 radius 6",
-                 "arc 0 15 to 0 -3 radius 6"},
-                "19 -1.5 -8 15")},
+         background("30 15.5",
+                    {"move 15 0", "arc 30 0 to 30 -1 radius 6", "line 30 -3", "line 0 -3",
+                     "arc 0 -3 to 0 -1 radius 6", "arc 0 0 to 15 0 radius 6"},
+                    {"move 0 -3", "line 30 -3", "arc 30 15 to 15 15 radius 6",
+                     "arc 0 15 to 0 -3 radius 6"},
+                    "19 -1.5 -8 15")},
     };
     for (const auto& [size, drawn] : cases) {
         const auto panel = panelOfSize(100, 50);
@@ -114,7 +114,7 @@ TEST_F(HUDPanel, PaintsItsGroundElementByElement) {
               (ParagraphStyle{TextAlignment::Center, LineBreakMode::TruncatingTail}));
 }
 
-TEST_F(HUDPanel, PaintsAnewWhenItIsResizedOrNamedAndAtOnceWhileItsFrameIsSet) {
+TEST_F(HUDPanel, RepaintsWhenResizedOrRetitledAndDisplaysImmediatelyDuringSetFrame) {
     const auto panel = panelOfSize(100, 50);
     const std::string look = "pattern alpha 1 shadow movable indicator";
     panels.calls.clear();
@@ -136,15 +136,15 @@ TEST_F(HUDPanel, PaintsAnewWhenItIsResizedOrNamedAndAtOnceWhileItsFrameIsSet) {
     EXPECT_EQ(graphics.drawn.back(), "text New in 19 73 172 15");
 }
 
-TEST_F(HUDPanel, SendsItselfToATargetThatIsThereAndAnswers) {
+TEST_F(HUDPanel, SendsItsActionOnlyToALiveTargetThatResponds) {
     const auto panel = panelOfSize(100, 50);
     auto target = std::make_shared<Target>();
     panel->mouseUp({});
     panel->setAction("click:");
     panel->mouseUp({});
     panel->setTarget(target);
-    for (const char* unheard : {"", "other:"}) {
-        panel->setAction(unheard);
+    for (const char* unknown : {"", "other:"}) {
+        panel->setAction(unknown);
         panel->mouseUp({});
     }
     EXPECT_THAT(target->senders, IsEmpty());
@@ -153,11 +153,11 @@ TEST_F(HUDPanel, SendsItselfToATargetThatIsThereAndAnswers) {
     EXPECT_THAT(target->senders, ElementsAre(panel.get()));
     EXPECT_EQ(panel->target(), target);
     target.reset();
-    EXPECT_EQ(panel->target(), nullptr) << "not kept";
+    EXPECT_EQ(panel->target(), nullptr) << "held weakly";
     panel->mouseUp({});
 }
 
-TEST_F(HUDPanel, PutsTheButtonIntoTheCornerOfTheSizeItIsGivenAndKeepsItThere) {
+TEST_F(HUDPanel, KeepsTheButtonInTheTopRightCorner) {
     const auto panel = panelOfSize(200, 119);
     const auto target = std::make_shared<Target>();
     panel->addiButton({{50, 50}, {200, 100}}, target, "click:");
@@ -173,7 +173,7 @@ TEST_F(HUDPanel, PutsTheButtonIntoTheCornerOfTheSizeItIsGivenAndKeepsItThere) {
     EXPECT_EQ(button.autoresizingMask(), 9U);
     EXPECT_EQ(button.title(), "");
     EXPECT_NE(button.accessibilityLabel(), "");
-    ASSERT_TRUE(look.image) << "the library's own";
+    ASSERT_TRUE(look.image) << "found in the library's bundle";
     EXPECT_EQ(look.image->size(), (Size{13, 13}));
     EXPECT_THAT(log.take(), IsEmpty());
     button.performClick();
@@ -190,7 +190,7 @@ TEST_F(HUDPanel, PutsTheButtonIntoTheCornerOfTheSizeItIsGivenAndKeepsItThere) {
     EXPECT_EQ(panel->contentView().buttons().size(), 2U);
 }
 
-TEST_F(HUDPanel, LooksForTheImageInTheBundleOfItsRealClass) {
+TEST_F(HUDPanel, LoadsTheButtonImageFromTheBundleOfItsDynamicClass) {
     std::string reason;
     const std::string bundle = HALVEX_PANEL_PLUG_IN;
     const auto code = dynamicLoader().load(bundle + "/Contents/Linux/PanelPlugIn", reason);
@@ -203,7 +203,7 @@ TEST_F(HUDPanel, LooksForTheImageInTheBundleOfItsRealClass) {
     EXPECT_EQ(Bundle::bundleForClass(typeid(*extra))->bundleIdentifier(), "test.panel");
 }
 
-TEST_F(HUDPanel, MakesTitlesWhiteInTheAttributesOfTheirFirstCharacter) {
+TEST_F(HUDPanel, MakesTitlesWhiteWithTheAttributesOfTheirFirstCharacter) {
     const auto panel = panelOfSize(100, 50);
     TextAttributes first;
     first.font = Font{"Serif", 20, true};
@@ -221,7 +221,7 @@ TEST_F(HUDPanel, MakesTitlesWhiteInTheAttributesOfTheirFirstCharacter) {
     EXPECT_EQ(button.attributedTitle(), AttributedString());
 }
 
-TEST(Autoresizing, SharesTheChangeAmongWhatIsFlexible) {
+TEST(Autoresizing, DistributesTheSizeChangeAmongFlexibleParts) {
     using namespace Autoresizing;
     const std::pair<std::uint32_t, Rect> cases[] = {
         {0, {{10, 20}, {30, 40}}},

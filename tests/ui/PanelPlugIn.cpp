@@ -4,15 +4,15 @@
 
 namespace {
 
-class OwnPanel final : public HUDWindow {};
+class PlugInPanel final : public HUDWindow {};
 
 } // namespace
 
-/// When it is made, adds the "i" button to a panel of its own class.
+/// On construction, adds the "i" button to a panel whose class lives in this bundle.
 class PanelPlugIn final : public platform::MenuExtra {
   public:
     PanelPlugIn() {
-        const auto panel = std::make_shared<OwnPanel>();
+        const auto panel = std::make_shared<PlugInPanel>();
         panel->initWithContentRect({{}, {100, 100}}, 0, platform::BackingStore::Buffered, false);
         panel->addiButton({{}, {100, 100}}, {}, "");
     }

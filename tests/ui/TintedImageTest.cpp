@@ -8,7 +8,7 @@ using namespace platform;
 using HalvexTintedImage::tintedImageWithColor;
 using testing::ElementsAre;
 
-TEST(TintedImage, TakesAQuarterOfOpaqueColorsAndOthersAsTheyAre) {
+TEST(TintedImage, AppliesOpaqueColorsAtAQuarterAndOthersAtTheirOwnAlpha) {
     const struct {
         Color color;
         const char* filled;
