@@ -29,7 +29,7 @@ BusConnection::~BusConnection() {
         QDBusConnection::disconnectFromBus(qString(name_));
 }
 
-/// Of one attempt to connect, which may outlive the object that wants it.
+/// The state of one attempt to connect. May outlive the BusConnection.
 class BusConnection::Attempt {
   public:
     void end() {
@@ -52,11 +52,11 @@ class BusConnection::Attempt {
     bool hasEnded_ = false;
 };
 
-// Qt waits for the bus's first word as long as it takes, so that is a thread's affair.
+// Qt waits for the first reply of the bus without a limit, so a thread of its own does.
 void BusConnection::connect() {
     name_ = uniqueName(purpose_);
     attempt_ = std::make_shared<Attempt>();
-    // Goes with the work, also when there can be no thread for it.
+    // Destroyed with the work, also if no thread can be started for it.
     std::shared_ptr<void> ending(nullptr, [attempt = attempt_](void*) { attempt->end(); });
     detachThread(
         [ending = std::move(ending), name = qString(name_), address = qString(busAddress_)] {
@@ -65,10 +65,9 @@ void BusConnection::connect() {
             else
                 QDBusConnection::connectToBus(address, name);
         });
-    attempt_->waitFor(kPatience);
+    attempt_->waitFor(kTimeout);
 }
 
-// A bus that has gone may be back under the same address.
 QDBusConnection BusConnection::get() {
     const std::lock_guard lock(mutex_);
     if (name_.empty()) {

@@ -11,22 +11,24 @@ class QDBusConnection;
 
 namespace platform::qt {
 
-/// A connection of one's own to a bus, made when it is first asked for: the process's shared one
-/// wants an application object. Any thread.
+/// A private connection to a bus, opened on first use. Unlike Qt's shared one, it needs no
+/// application object. Thread-safe.
 class BusConnection : NonCopyable {
   public:
-    /// @p busAddress is empty for the session bus. @p purpose is part of Qt's name for it.
+    /// @p busAddress is empty for the session bus. @p purpose becomes part of Qt's name for the
+    /// connection.
     BusConnection(std::string busAddress, std::string purpose);
     ~BusConnection();
 
-    /// Connects, again when the bus has gone in the meantime. Whether that succeeded is to be
-    /// asked of the answer. A bus that takes the connection and says nothing is waited for once and
-    /// kPatience long; from then on there is none until it speaks.
+    /// Returns the connection, and opens it if necessary, also after the bus has restarted. The
+    /// result is disconnected if that fails. Waits at most kTimeout for a bus that accepts the
+    /// connection but does not reply. Such a bus is not waited for again: the result is
+    /// disconnected until it replies.
     QDBusConnection get();
 
   private:
     class Attempt;
-    static constexpr std::chrono::seconds kPatience{5};
+    static constexpr std::chrono::seconds kTimeout{5};
 
     void connect();
     bool isConnecting() const;
@@ -34,7 +36,7 @@ class BusConnection : NonCopyable {
     const std::string busAddress_;
     const std::string purpose_;
     std::mutex mutex_;
-    std::string name_; // of Qt's; empty before the first time
+    std::string name_; ///< Qt's name for the connection; empty before the first use
     std::shared_ptr<Attempt> attempt_;
 };
 

@@ -1,8 +1,8 @@
 #pragma once
 
-/// How programs tell one another of notifications on the session bus: a signal of three strings,
-/// the notification's name, its object (empty for none) and its user information, a dictionary as
-/// an XML property list.
+/// Distributed notifications on the session bus. Each is a signal with three strings: the name, the
+/// object (empty for none), and the user information as an XML property list with a dictionary as
+/// its root.
 namespace platform {
 
 inline constexpr const char* kNotificationPath = "/com/quorvanesoftware/Notifications";

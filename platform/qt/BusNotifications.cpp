@@ -17,13 +17,13 @@
 namespace platform::qt {
 namespace {
 
-// The bus would break the connection of who sends more.
+// The bus disconnects clients that send larger messages.
 constexpr std::size_t kMaximumUserInfoBytes = std::size_t{16} << 20;
 
-constexpr int kFlushLimit = 1000; // milliseconds
+constexpr int kFlushTimeout = 1000; // milliseconds
 
-/// Nothing when the user information cannot be carried.
-std::optional<QDBusMessage> signalFor(const Notification& notification) {
+/// Returns std::nullopt if the user information cannot be sent.
+std::optional<QDBusMessage> encoded(const Notification& notification) {
     const auto userInfo = propertyLists().serialize(PropertyList(notification.userInfo));
     if (!userInfo || userInfo->size() > kMaximumUserInfoBytes)
         return std::nullopt;
@@ -34,17 +34,17 @@ std::optional<QDBusMessage> signalFor(const Notification& notification) {
     return message;
 }
 
-/// Nothing, with a reason, when the signal is none of ours.
-std::optional<Notification> notificationIn(const QDBusMessage& message, std::string& reason) {
+/// Returns std::nullopt and sets @p reason if the signal is malformed.
+std::optional<Notification> decoded(const QDBusMessage& message, std::string& reason) {
     if (message.signature() != kNotificationSignature) {
         reason = "its signature is \"" + message.signature().toStdString() + '"';
         return std::nullopt;
     }
-    const auto text = [&](int place) { return message.arguments().at(place).toString(); };
+    const auto text = [&](int index) { return message.arguments().at(index).toString(); };
     const auto parsed = propertyLists().parse(text(2).toStdString());
     const auto* userInfo = parsed ? parsed.value->dictionary() : nullptr;
     if (!userInfo) {
-        reason = parsed ? "its user information is no dictionary" : parsed.error.reason;
+        reason = parsed ? "its user information is not a dictionary" : parsed.error.reason;
         return std::nullopt;
     }
     Notification notification{.name = text(0).toStdString(), .object = {}, .userInfo = *userInfo};
@@ -65,17 +65,17 @@ void BusNotifications::addObserver(const std::weak_ptr<const void>& observer,
     observers_.add(observer, name, std::move(handler));
     QDBusConnection bus = connection_.get();
     const std::lock_guard lock(mutex_);
-    if (connect(bus))
-        listen(bus, name);
+    if (ensureSubscribed(bus))
+        subscribe(bus, name);
 }
 
 void BusNotifications::removeObserver(const std::weak_ptr<const void>& observer,
                                       const std::string& name) {
     observers_.remove(observer, name);
     const std::lock_guard lock(mutex_);
-    if (observers_.observes(name) || heard_.erase(name) == 0)
+    if (observers_.observes(name) || subscribedNames_.erase(name) == 0)
         return;
-    QDBusConnection bus(qString(heardOn_));
+    QDBusConnection bus(qString(connectionName_));
     bus.disconnect(QString(), kNotificationPath, kNotificationInterface, kNotificationSignal,
                    {qString(name)}, QString(), receiver_.get(), SLOT(receive(QDBusMessage)));
 }
@@ -85,64 +85,65 @@ void BusNotifications::forgetGoneObservers() {
 }
 
 void BusNotifications::post(const Notification& notification) {
-    const auto message = signalFor(notification);
+    const auto message = encoded(notification);
     if (!message) {
-        logLine("notification %@ is lost: its user information cannot be sent", notification.name);
+        logLine("notification %@ not sent: its user information is not valid XML or exceeds 16 MiB",
+                notification.name);
         return;
     }
     QDBusConnection bus = connection_.get();
     const std::lock_guard lock(mutex_);
-    if (connect(bus) && !bus.send(*message))
-        logLine("notification %@ is lost: %@", notification.name,
+    if (ensureSubscribed(bus) && !bus.send(*message))
+        logLine("notification %@ not sent: %@", notification.name,
                 bus.lastError().message().toStdString());
 }
 
 void BusNotifications::flush() {
     std::unique_lock lock(mutex_);
-    const QDBusConnection bus(qString(heardOn_));
+    const QDBusConnection bus(qString(connectionName_));
     lock.unlock();
     if (bus.isConnected())
         bus.call(QDBusMessage::createMethodCall("org.freedesktop.DBus", "/org/freedesktop/DBus",
                                                 "org.freedesktop.DBus", "GetId"),
-                 QDBus::Block, kFlushLimit);
+                 QDBus::Block, kFlushTimeout);
 }
 
-/// Whether there is a bus; after one that has gone and come back it is asked for all names anew.
-bool BusNotifications::connect(QDBusConnection& bus) {
+/// Returns whether the bus is connected. Subscribes again to all observed names if the connection
+/// is a new one.
+bool BusNotifications::ensureSubscribed(QDBusConnection& bus) {
     if (!bus.isConnected()) {
-        if (!saidThatThereIsNoBus_.exchange(true))
-            logLine("no session bus: notifications reach no other program");
+        if (!hasLoggedMissingBus_.exchange(true))
+            logLine("notifications do not reach other programs: there is no session bus");
         return false;
     }
     const std::string name = bus.name().toStdString();
-    if (heardOn_ == name)
+    if (connectionName_ == name)
         return true;
-    heardOn_ = name;
-    heard_.clear();
+    connectionName_ = name;
+    subscribedNames_.clear();
     for (const std::string& observed : observers_.names())
-        listen(bus, observed);
+        subscribe(bus, observed);
     return true;
 }
 
-void BusNotifications::listen(QDBusConnection& bus, const std::string& name) {
+void BusNotifications::subscribe(QDBusConnection& bus, const std::string& name) {
     if (!receiver_) {
         receiver_ = std::make_unique<SignalReceiver>(
-            [this](const QDBusMessage& message) { received(message); });
+            [this](const QDBusMessage& message) { receive(message); });
         if (const auto* application = QCoreApplication::instance())
             receiver_->moveToThread(application->thread());
     }
-    if (heard_.insert(name).second)
+    if (subscribedNames_.insert(name).second)
         bus.connect(QString(), kNotificationPath, kNotificationInterface, kNotificationSignal,
                     {qString(name)}, QString(), receiver_.get(), SLOT(receive(QDBusMessage)));
 }
 
-void BusNotifications::received(const QDBusMessage& message) {
+void BusNotifications::receive(const QDBusMessage& message) {
     std::string reason;
-    if (const auto notification = notificationIn(message, reason))
+    if (const auto notification = decoded(message, reason))
         observers_.deliver(*notification);
     else
-        logLine("a notification from %@ makes no sense: %@", message.service().toStdString(),
-                reason);
+        logLine("notification from %@ ignored: %@", message.service().toStdString(), reason);
 }
 
 } // namespace platform::qt

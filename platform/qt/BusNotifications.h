@@ -16,13 +16,15 @@ namespace platform::qt {
 
 class SignalReceiver;
 
-/// The distributed centre over the session bus, as BusNames.h says. It connects with the
-/// first post or observer, and is woken by the names alone that somebody here observes. Handlers
-/// run where the application object lives, which there must be to observe, and none to post.
+/// The distributed notification center over the session bus, with the signals of BusNames.h.
+/// Connects at the first post or observer, and receives only notifications with observed names.
+/// Handlers run in the thread of the application object. Observing needs one; posting does not.
 ///
-/// Without a bus, or when the user information is nothing that XML can hold, what is posted is
-/// lost; that there is no bus is logged once, the latter each time, and so is a signal that makes
-/// no sense.
+/// Failures are logged, and the notification is lost:
+///   "notifications do not reach other programs: there is no session bus" (once),
+///   "notification %@ not sent: its user information is not valid XML or exceeds 16 MiB",
+///   "notification %@ not sent: %@" with the error of the bus,
+///   "notification from %@ ignored: %@" for a malformed signal.
 class BusNotifications final : public DistributedNotificationCenter {
   public:
     /// @p busAddress is empty for the session bus.
@@ -36,22 +38,22 @@ class BusNotifications final : public DistributedNotificationCenter {
     void forgetGoneObservers() override;
     void post(const Notification& notification) override;
 
-    /// Waits, a second at most, until the bus has all that was posted here: for a program that is
-    /// about to end.
+    /// Waits until the bus has received everything posted here, for at most 1 s. To be called
+    /// before a program exits.
     void flush();
 
   private:
-    bool connect(QDBusConnection& bus);
-    void listen(QDBusConnection& bus, const std::string& name);
-    void received(const QDBusMessage& message);
+    bool ensureSubscribed(QDBusConnection& bus);
+    void subscribe(QDBusConnection& bus, const std::string& name);
+    void receive(const QDBusMessage& message);
 
     ObserverList observers_;
     BusConnection connection_;
-    std::mutex mutex_; // guards the three below
+    std::mutex mutex_; // guards the next three members
     std::unique_ptr<SignalReceiver> receiver_;
-    std::string heardOn_;         // the connection, by Qt's name; empty before the first one
-    std::set<std::string> heard_; // the names that the bus has been asked for
-    std::atomic<bool> saidThatThereIsNoBus_ = false;
+    std::string connectionName_; ///< of the subscriptions; empty before the first connection
+    std::set<std::string> subscribedNames_;
+    std::atomic<bool> hasLoggedMissingBus_ = false;
 };
 
 } // namespace platform::qt

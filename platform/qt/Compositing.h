@@ -1,45 +1,38 @@
 #pragma once
 
 #include "platform/Graphics.h"
+#include "platform/qt/Mask.h"
 
 #include <QColor>
 #include <QImage>
 #include <QPoint>
 #include <QRect>
 
-#include <vector>
-
 namespace platform::qt {
 
-// The numbered compositing operations on pixels. Targets and layers are premultiplied ARGB images,
-// geometry is in device pixels with y downwards. Each operation is computed without rounding, in
-// proportion to how much of a pixel the shape covers, and rounded once when it is stored; a pixel
-// that the shape does not touch stays as it is. What lies outside of the target is left out.
+// The numbered compositing operations on premultiplied ARGB images. Geometry is in pixels, with y
+// down, and is clipped to the target. Results are computed in floating point, weighted by how much
+// of a pixel the shape covers, and rounded once. Pixels outside of the shape do not change. Unknown
+// operations draw nothing.
 
-/// How much of each pixel of an area is covered, 0 to 1, row by row.
-struct Mask {
-    QRect area;
-    std::vector<float> coverage;
-
-    float* row(int y);
-    const float* row(int y) const;
-};
+/// Whether QPainter's default composition mode computes @p operation.
+bool isSourceOver(CompositingOperation operation);
 
 /// Fills a rectangle with a colour.
 void compositeRect(QImage& target, const QRectF& shape, const QColor& color,
                    CompositingOperation operation);
 
-/// Lays the pixels of @p layer, whose top left pixel is at @p origin, times @p fraction of their
-/// opacity, into the rectangle @p shape. The layer covers all of the shape that is in the target.
+/// Draws @p layer, whose top left pixel is at @p origin, inside the rectangle @p shape. The layer's
+/// opacity is multiplied by @p fraction. The layer has to contain the visible part of the shape.
 void compositeImage(QImage& target, const QRectF& shape, const QImage& layer, QPoint origin,
                     double fraction, CompositingOperation operation);
 
-/// Colours what a mask covers.
+/// Fills the covered area of a mask with a colour.
 void compositeMask(QImage& target, const Mask& mask, const QColor& color,
                    CompositingOperation operation);
 
-/// Lays @p glyphs at @p origin: drawn glyphs on a transparent ground, and @p coverage, the same
-/// ones drawn opaque, so that its alpha is their shape.
+/// Draws @p glyphs, a transparent layer with glyphs on it, at @p origin. @p coverage is a layer
+/// with the same glyphs drawn opaque: its alpha is their shape.
 void compositeGlyphs(QImage& target, const QImage& glyphs, const QImage& coverage, QPoint origin,
                      CompositingOperation operation);
 

@@ -4,7 +4,7 @@
 #include "platform/qt/BusNotifications.h"
 #include "platform/qt/QtGraphics.h"
 #include "platform/qt/QtMainThread.h"
-#include "platform/qt/QtPanel.h"
+#include "platform/qt/QtPanelService.h"
 #include "platform/qt/QtPasteboard.h"
 #include "platform/qt/QtWorkspace.h"
 
@@ -13,7 +13,7 @@
 namespace platform::qt {
 namespace {
 
-/// Lines go where they went before; the alert is the desktop's.
+/// Writes lines to the previous log; beeps by the desktop's alert sound.
 class DesktopLog final : public Log {
   public:
     explicit DesktopLog(Log& lines) : lines_(lines) {}
@@ -29,7 +29,7 @@ struct Desktop {
     BusNotifications notifications;
     QtGraphics graphics;
     QtMainThread mainThread;
-    QtPanels panels;
+    QtPanelService panels;
     QtPasteboard pasteboard;
     QtWorkspace workspace;
 };
@@ -37,7 +37,7 @@ struct Desktop {
 } // namespace
 
 QtGraphics& install() {
-    // Never destroyed: what outlives main may still log.
+    // Never destroyed: code that outlives main may still log.
     static auto* const desktop = new Desktop;
     exchangeService<Log>(&desktop->log);
     exchangeService<DistributedNotificationCenter>(&desktop->notifications);

@@ -4,9 +4,9 @@ namespace platform::qt {
 
 class QtGraphics;
 
-/// Puts the desktop's services in place, Graphics, MainThread, PanelService, Pasteboard, Workspace,
-/// the distributed notifications and the alert sound, for the rest of the program. Once, at the top
-/// of main, after the QApplication is made. Gives the graphics, which the host also draws with.
+/// Installs the desktop services for the rest of the program: Graphics, MainThread, PanelService,
+/// Pasteboard, Workspace, DistributedNotificationCenter, and the alert sound. Call it once, at the
+/// top of main, after creating the QApplication. Returns the graphics, for the host's own drawing.
 QtGraphics& install();
 
 } // namespace platform::qt

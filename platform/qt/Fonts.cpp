@@ -1,9 +1,9 @@
 #include "platform/qt/Fonts.h"
 
 #include "platform/Log.h"
+#include "platform/qt/Strings.h"
 
 #include <QFontInfo>
-#include <QString>
 #include <QStringList>
 
 #include <algorithm>
@@ -13,13 +13,13 @@
 namespace platform::qt {
 namespace {
 
-constexpr double kLargestSize = 1024;
+constexpr double kMaximumSize = 1024;
 
-/// Names that mean "whatever there is of that kind": another name in their place is no fault.
-constexpr std::array kKindsOfFamily = {"sans",      "sans-serif", "sans serif", "serif",
-                                       "monospace", "mono",       "system-ui"};
+/// Names of generic families: any font found for them is right.
+constexpr std::array kGenericFamilies = {"sans",      "sans-serif", "sans serif", "serif",
+                                         "monospace", "mono",       "system-ui"};
 
-/// Fontconfig's spelling of a family with its foundry, "Nimbus Sans [urw]", without the latter.
+/// Removes the foundry that Fontconfig may append, as in "Nimbus Sans [urw]".
 QString withoutFoundry(const QString& family) {
     return family.left(family.indexOf(QLatin1String(" [")));
 }
@@ -28,9 +28,9 @@ bool sameFamily(const QString& one, const QString& other) {
     return withoutFoundry(one).compare(withoutFoundry(other), Qt::CaseInsensitive) == 0;
 }
 
-bool isKindOfFamily(const QString& family) {
-    return std::any_of(kKindsOfFamily.begin(), kKindsOfFamily.end(), [&](const char* kind) {
-        return family.compare(QLatin1String(kind), Qt::CaseInsensitive) == 0;
+bool isGenericFamily(const QString& family) {
+    return std::any_of(kGenericFamilies.begin(), kGenericFamilies.end(), [&](const char* name) {
+        return family.compare(QLatin1String(name), Qt::CaseInsensitive) == 0;
     });
 }
 
@@ -39,13 +39,13 @@ bool isKindOfFamily(const QString& family) {
 QFont Fonts::font(const Font& description, const QFont& fallback, FontSmoothing smoothing) {
     QFont font = fallback;
     if (!description.family.empty())
-        font.setFamilies({QString::fromStdString(description.family)});
+        font.setFamilies({qString(description.family)});
     if (std::isfinite(description.size) && description.size > 0)
         font.setPixelSize(
-            static_cast<int>(std::lround(std::clamp(description.size, 1.0, kLargestSize))));
+            static_cast<int>(std::lround(std::clamp(description.size, 1.0, kMaximumSize))));
     if (description.bold)
         font.setBold(true);
-    // Full hinting rounds advances to whole pixels: the box would depend on the scale.
+    // Full hinting rounds advances to whole pixels: the size of text would depend on the scale.
     if (font.hintingPreference() == QFont::PreferFullHinting ||
         font.hintingPreference() == QFont::PreferDefaultHinting)
         font.setHintingPreference(QFont::PreferVerticalHinting);
@@ -53,21 +53,21 @@ QFont Fonts::font(const Font& description, const QFont& fallback, FontSmoothing 
         font.setStyleStrategy(
             static_cast<QFont::StyleStrategy>(font.styleStrategy() | QFont::NoSubpixelAntialias));
     if (checkedFamilies_.insert(description.family).second)
-        check(font, description.family);
+        logMissing(font, description.family);
     return font;
 }
 
-void Fonts::check(const QFont& font, const std::string& family) {
+void Fonts::logMissing(const QFont& font, const std::string& family) {
     const QString found = QFontInfo(font).family();
     if (found.isEmpty()) {
-        if (!missesAllFonts_)
-            logLine("no font is installed, text is drawn as boxes");
-        missesAllFonts_ = true;
+        if (!hasLoggedNoFonts_)
+            logLine("text is drawn as boxes: no font is installed");
+        hasLoggedNoFonts_ = true;
         return;
     }
-    const QString wanted = QString::fromStdString(family);
-    if (!wanted.isEmpty() && !isKindOfFamily(wanted) && !sameFamily(wanted, found))
-        logLine("font %@ is missing, drawing with %@", family, found.toStdString());
+    const QString wanted = qString(family);
+    if (!wanted.isEmpty() && !isGenericFamily(wanted) && !sameFamily(wanted, found))
+        logLine("font %@ not found: using %@", family, found.toStdString());
 }
 
 } // namespace platform::qt

@@ -9,23 +9,23 @@
 
 namespace platform::qt {
 
-/// Whether text may be drawn with colour fringes.
+/// Greyscale or subpixel antialiasing of text.
 enum class FontSmoothing { Greyscale, Subpixel };
 
-/// Finds the font that a description means. Main thread.
+/// Finds fonts by their description. Main thread.
 class Fonts {
   public:
-    /// @p description on the ground of @p fallback, which gives whatever is left open. Sizes are
-    /// points, one pixel each before the context's scale, rounded to a whole one from 1 to 1024.
-    /// A family that is not there is logged once, "font %@ is missing, drawing with %@"; that there
-    /// is no font at all, too.
+    /// Returns the font for @p description. Properties that it does not specify are those of
+    /// @p fallback. Sizes are in points and rounded to an integer from 1 to 1024; a point is 1
+    /// pixel before the context's scale. Logs once per family "font %@ not found: using %@", and
+    /// once "text is drawn as boxes: no font is installed".
     QFont font(const Font& description, const QFont& fallback, FontSmoothing smoothing);
 
   private:
-    void check(const QFont& font, const std::string& family);
+    void logMissing(const QFont& font, const std::string& family);
 
     std::set<std::string> checkedFamilies_;
-    bool missesAllFonts_ = false;
+    bool hasLoggedNoFonts_ = false;
 };
 
 } // namespace platform::qt

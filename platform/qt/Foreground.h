@@ -4,10 +4,10 @@
 
 namespace platform::qt {
 
-/// Brings an application to the front. The program of an application bundle is asked over the bus
-/// to activate itself, under the bundle's identifier, which X11 and Wayland both allow; when that
-/// is not possible, X11's window manager is asked to activate the process's topmost window. Main
-/// thread; waits for nobody.
+/// Brings an application to the front. Calls org.freedesktop.Application.Activate on the session
+/// bus, with the identifier of the application's bundle as the bus name; both X11 and Wayland allow
+/// that. If it fails, requests the X11 window manager to activate the process's topmost window.
+/// Does not wait. Main thread.
 void bringApplicationToFront(ProcessSerialNumber process);
 
 } // namespace platform::qt

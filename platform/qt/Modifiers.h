@@ -6,7 +6,7 @@
 
 namespace platform::qt {
 
-/// Qt's modifier keys as the flags of an event.
+/// Returns the flags of an Event for Qt's modifier keys.
 inline std::uint32_t modifierFlags(Qt::KeyboardModifiers modifiers) {
     std::uint32_t flags = 0;
     if (modifiers & Qt::ShiftModifier)

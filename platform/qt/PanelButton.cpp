@@ -1,6 +1,7 @@
 #include "platform/qt/PanelButton.h"
 
 #include "platform/qt/QtImage.h"
+#include "platform/qt/Strings.h"
 #include "platform/qt/TextLine.h"
 #include "platform/runtime/Guard.h"
 
@@ -19,9 +20,9 @@ const QColor kPlate(255, 255, 255, 40);
 const QColor kRim(255, 255, 255, 110);
 const QColor kFocus(255, 255, 255, 90);
 
-QRectF centered(QSizeF size, const QRectF& place) {
+QRectF centered(QSizeF size, const QRectF& area) {
     QRectF result({}, size);
-    result.moveCenter(place.center());
+    result.moveCenter(area.center());
     return result;
 }
 
@@ -31,12 +32,12 @@ PanelButton::PanelButton(std::shared_ptr<Button> button, std::string owner, QWid
     : QAbstractButton(parent), button_(std::move(button)), owner_(std::move(owner)) {
     setFocusPolicy(Qt::StrongFocus);
     connect(this, &QAbstractButton::clicked, this, [this] {
-        // The action may take the panel away, and this with it.
+        // The action may destroy the panel, including this widget.
         const auto clicked = button_;
         runGuarded(owner_, [&] { clicked->performClick(); });
     });
-    button_->setChangeHandler([this] { follow(); });
-    follow();
+    button_->setChangeHandler([this] { applySettings(); });
+    applySettings();
     show();
 }
 
@@ -44,11 +45,11 @@ PanelButton::~PanelButton() {
     button_->setChangeHandler({});
 }
 
-void PanelButton::follow() {
+void PanelButton::applySettings() {
     const Rect frame = button_->frame();
     const double top = parentWidget()->height() - frame.origin.y - frame.size.height;
     setGeometry(QRectF(frame.origin.x, top, frame.size.width, frame.size.height).toAlignedRect());
-    const QString label = QString::fromStdString(button_->accessibilityLabel());
+    const QString label = qString(button_->accessibilityLabel());
     setAccessibleName(label);
     setToolTip(button_->title().empty() ? label : QString());
     update();
@@ -59,7 +60,7 @@ QSize PanelButton::sizeHint() const {
 }
 
 void PanelButton::keyPressEvent(QKeyEvent* event) {
-    // Without a default button, Return belongs to the one that has the keyboard.
+    // A panel has no default button: Return is for the focused one.
     if (event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter)
         click();
     else
@@ -90,7 +91,7 @@ void PanelButton::paintPlate(QPainter& painter) const {
         painter.setBrush(kPlate);
         painter.drawRoundedRect(plate, kPlateRadius, kPlateRadius);
     }
-    // Without a ring, who goes by keyboard still sees where it is.
+    // Keyboard users need to see the focus on buttons without a ring, too.
     if (hasFocus() && !hasRing) {
         painter.setBrush(kFocus);
         painter.drawRoundedRect(plate, kPlateRadius, kPlateRadius);

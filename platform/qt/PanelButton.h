@@ -9,18 +9,18 @@
 
 namespace platform::qt {
 
-/// A panel's button on the screen. Follows its settings; it lies where its frame says in a widget
-/// whose lower left corner is the content view's. Main thread.
+/// The widget of a panel's button. Applies changes of the button's settings immediately. The lower
+/// left corner of the parent widget has to be that of the content view. Main thread.
 class PanelButton final : public QAbstractButton {
     Q_OBJECT
 
   public:
-    /// @p owner is whose code a click runs.
+    /// Clicks run the button's action under the identifier @p owner.
     PanelButton(std::shared_ptr<Button> button, std::string owner, QWidget* parent);
     ~PanelButton() override;
 
-    /// Takes the place again that the frame says.
-    void follow();
+    /// Applies the button's frame and texts. To be called when the parent's height changes.
+    void applySettings();
     QSize sizeHint() const override;
 
   protected:

@@ -16,12 +16,13 @@ namespace platform::qt {
 
 class PanelButton;
 
-/// A panel on the screen: a frameless floating window that paints the panel's background as it is,
-/// with a shadow around it where windows can be translucent and with the background's own outline
-/// where not. The mouse drags it by its background and resizes it by its edges and its indicator;
-/// Control and the arrow keys move it, with Shift they resize it, Return or Space on the background
-/// is the mouse's release there, Tab leads to the buttons, Escape and Control-W close it.
-/// Main thread.
+/// The window of a panel: frameless, floating, with the panel's background. If windows can be
+/// translucent it has a shadow; otherwise it is cut to the outline of the background.
+///
+/// The mouse drags it by its background, and resizes it by its edges and its resize indicator. The
+/// keyboard moves it (Control and an arrow key), resizes it (with Shift as well), moves the focus
+/// to its buttons (Tab) and closes it (Escape, Control-W). Return and Space count as a click on the
+/// background. Main thread.
 class PanelWidget final : public QWidget {
     Q_OBJECT
 
@@ -29,8 +30,8 @@ class PanelWidget final : public QWidget {
     explicit PanelWidget(Panel& panel);
     ~PanelWidget() override;
 
-    /// The panel is going: nothing reaches it any more.
-    void forget() { panel_ = nullptr; }
+    /// Disconnects the widget from its panel, which may be destroyed afterwards.
+    void detach() { panel_ = nullptr; }
 
     void setLook(const PanelLook& look);
     void setFrame(const Rect& frame, bool display, bool animate);
@@ -47,41 +48,44 @@ class PanelWidget final : public QWidget {
     void keyPressEvent(QKeyEvent* event) override;
 
   private:
-    /// What the mouse has taken hold of, and how things stood then.
-    struct Grip {
-        Qt::Edges edges; ///< none: the background
-        QPoint mouse;
-        Rect frame;
-        bool moved = false;
+    /// A press of the mouse, and the drag that it becomes once the mouse moves.
+    struct Drag {
+        Qt::Edges edges; ///< none for the background
+        QPoint start;    ///< of the mouse, on the screen
+        Rect frame;      ///< of the panel, at the start
+        bool hasMoved = false;
     };
 
-    QRect geometryFor(const Rect& frame) const;
-    Rect frameFor(const QRect& geometry) const;
     QRect frameRect() const;
-    Qt::Edges edgesAt(QPoint position) const;
-    void followGrip(QPoint mouse);
-    bool letSystemFollow();
-    void adopt(const Rect& frame);
-    void adoptInSteps(const Rect& frame);
-    void followGeometry();
-    void followKey(QPoint direction, bool resizes);
-    void releaseMouse(const Event& event);
-    void updateOutline();
-    void paintShadow(QPainter& painter) const;
-    void paintBackground(QPainter& painter) const;
-    void paintResizeIndicator(QPainter& painter) const;
     bool isResizable() const;
-    /// Runs code of the panel's owner, if the panel is still there.
-    void tell(const std::function<void(Panel&)>& code);
+    bool showsResizeIndicator() const;
+    Qt::Edges draggableEdgesAt(QPoint position) const;
+
+    /// Sets the window's geometry and reports the frame to the panel.
+    void adoptFrame(const Rect& frame);
+    void animateTo(const Rect& frame);
+    /// Reports a frame that the window system gave the window.
+    void followGeometry();
+    void updateMask();
+
+    void continueDrag(QPoint mouse);
+    /// On Wayland, where programs cannot move their windows, hands the drag over to the compositor
+    /// and returns true.
+    bool letSystemDrag();
+    void moveByKey(QPoint direction, bool resizes);
+    void sendMouseUp(Qt::KeyboardModifiers modifiers);
+
+    /// Calls @p code with the panel, under the owner's identifier. Does nothing once detached.
+    void callPanel(const std::function<void(Panel&)>& code);
 
     Panel* panel_;
     std::string owner_;
-    int margin_; ///< around the frame, for the shadow; pixels of the toolkit's, that is points
+    int margin_ = 0; ///< the width of the shadow around the frame, in points
     PanelLook look_;
     QWidget* content_;
     std::vector<PanelButton*> buttons_;
-    std::optional<Grip> grip_;
-    bool adopting_ = false;
+    std::optional<Drag> drag_;
+    bool isAdopting_ = false;
 };
 
 } // namespace platform::qt

@@ -17,41 +17,41 @@
 namespace platform::qt {
 namespace {
 
-/// What a painter can count; and a gibibyte.
-constexpr double kLargestSide = 32767;
-constexpr double kMostPixels = 1 << 28;
+constexpr double kMaximumSide = 32767;     // the limit of QPainter's coordinates
+constexpr double kMaximumPixels = 1 << 28; // 1 GiB
 
-/// As many as a length needs, a hair of a pixel not counted: 0.1 x 30 is more than 3.
+/// Rounds up to whole pixels, but ignores rounding errors: 0.1 * 3 * 10 is more than 3.
 double pixelsFor(double points, double scale) {
     const double pixels = points * scale;
     return pixels > 0 ? std::ceil(pixels * (1 - 1e-12)) : 0;
 }
 
-/// Transparent pixels; a null image when there is no memory. The system's new memory is clear: it
-/// is not cleared again.
-QImage clearPixels(int width, int height) {
-    constexpr std::ptrdiff_t kBytes = 4; // a pixel
-    const auto size = static_cast<std::size_t>(width * kBytes * height);
+/// Returns a null image if out of memory. calloc does not clear memory that is new from the system,
+/// unlike QImage::fill.
+QImage transparentPixels(int width, int height) {
+    constexpr std::ptrdiff_t kBytesPerPixel = 4;
+    const auto size = static_cast<std::size_t>(width * kBytesPerPixel * height);
     auto* const memory = static_cast<uchar*>(std::calloc(size, 1));
     if (!memory)
         return {};
     useLargePages(memory, size);
-    return {memory,    width, height, width * kBytes, QImage::Format_ARGB32_Premultiplied,
+    return {memory,    width, height, width * kBytesPerPixel, QImage::Format_ARGB32_Premultiplied,
             std::free, memory};
 }
 
-/// Transparent pixels for a size in points; none, and a line in the log, when there cannot be any.
-QImage blankPixels(Size size, double scale) {
+/// Returns transparent pixels for a size in points. Returns a null image for an empty size, and for
+/// one that is too large, which is logged.
+QImage canvasPixels(Size size, double scale) {
     const double width = pixelsFor(size.width, scale);
     const double height = pixelsFor(size.height, scale);
     if (width == 0 || height == 0)
         return {};
     QImage pixels;
-    if (width <= kLargestSide && height <= kLargestSide && width * height <= kMostPixels)
-        pixels = clearPixels(static_cast<int>(width), static_cast<int>(height));
+    if (width <= kMaximumSide && height <= kMaximumSide && width * height <= kMaximumPixels)
+        pixels = transparentPixels(static_cast<int>(width), static_cast<int>(height));
     if (pixels.isNull())
-        logLine("there is no room for an image of %@ x %@ points", std::to_string(size.width),
-                std::to_string(size.height));
+        logLine("cannot create an image of %@ x %@ points: it is too large",
+                std::to_string(size.width), std::to_string(size.height));
     return pixels;
 }
 
@@ -67,7 +67,7 @@ QFont QtGraphics::defaultFont() const {
 
 Size QtGraphics::sizeOfText(const AttributedString& text) {
     const QFont font = current_ ? current_->defaultFont() : defaultFont();
-    // Advances do not depend on the smoothing; text in the bar is drawn without.
+    // The smoothing does not change the size; this one finds the lines that the bar draws cached.
     return lines_.line(text, font, FontSmoothing::Greyscale)->size();
 }
 
@@ -82,7 +82,7 @@ std::shared_ptr<Image> QtGraphics::imageNamed(std::string_view name) {
 
 std::shared_ptr<Image> QtGraphics::imageByDrawing(Size size, const Draw& draw) {
     const double scale = drawingScale_ ? *drawingScale_ : qGuiApp->devicePixelRatio();
-    QImage pixels = blankPixels(size, scale);
+    QImage pixels = canvasPixels(size, scale);
     {
         const QSizeF points(pixels.width() / scale, pixels.height() / scale);
         ScopedContext scope(*this, pixels, points, scale);
@@ -95,7 +95,7 @@ std::shared_ptr<Image> QtGraphics::imageByDrawing(Size size, const Draw& draw) {
 GraphicsContext& QtGraphics::currentContext() {
     if (!current_)
         throw Exception("NSInternalInconsistencyException",
-                        "there is no graphics context outside of drawing");
+                        "no graphics context: nothing is being drawn");
     return *current_;
 }
 
@@ -105,8 +105,9 @@ ScopedContext::ScopedContext(QtGraphics& graphics, QImage& target, QSizeF points
     if (target.format() != QImage::Format_ARGB32_Premultiplied)
         target.convertTo(QImage::Format_ARGB32_Premultiplied);
     context_ = std::make_unique<QtGraphicsContext>(
-        graphics.lines_, target, points, scale, defaultTextColor,
-        defaultFont ? *defaultFont : graphics.defaultFont());
+        graphics.lines_, target, Viewport{points.height(), scale},
+        TextPainter::Defaults{defaultTextColor,
+                              defaultFont ? *defaultFont : graphics.defaultFont()});
     previous_ = std::exchange(graphics.current_, context_.get());
 }
 

@@ -2,7 +2,7 @@
 
 #include "platform/Graphics.h"
 #include "platform/base/NonCopyable.h"
-#include "platform/qt/TextLines.h"
+#include "platform/qt/TextLineCache.h"
 
 #include <QColor>
 #include <QFont>
@@ -17,30 +17,33 @@ namespace platform::qt {
 
 class QtGraphicsContext;
 
-/// Text and images by Qt. Making one costs nothing: fonts are looked for when text first needs
-/// them. It outlives the contexts made with it. Main thread, with a QGuiApplication.
+/// Text and images by Qt. Fonts are not looked up before text first needs them. Has to outlive the
+/// contexts created with it. Main thread, with a QGuiApplication.
 class QtGraphics final : public Graphics {
   public:
-    /// @p defaultFont draws text that names no font; the application's own when not given.
+    /// @p defaultFont is for text that names no font; by default, the application's font.
     explicit QtGraphics(std::optional<QFont> defaultFont = {});
     ~QtGraphics() override;
 
-    /// The menu bar's font, for text that names none.
+    /// Returns the font for text that names none.
     QFont defaultFont() const;
 
-    /// Advance width, and the tallest ascent plus the deepest descent: the very box that drawText
-    /// uses, whatever the scale. Inside of drawing, the current context's default font counts.
-    /// Empty text is 0 x 0. Line ends and other control characters measure, and draw, as blanks.
+    /// Returns advance width and the largest ascent plus the largest descent: the box that drawText
+    /// uses, at every scale. During drawing, the default font is that of the current context.
+    /// Empty text is 0 x 0. Line ends and other control characters are measured and drawn as
+    /// blanks.
     Size sizeOfText(const AttributedString& text) override;
     std::shared_ptr<Image> imageWithContentsOfFile(const std::string& path) override;
     std::shared_ptr<Image> imageNamed(std::string_view name) override;
-    /// Text has no colour fringes there, for nobody knows yet what it will lie on.
+    /// Text is drawn without subpixel antialiasing: the background is not known yet. An image that
+    /// is too large has no pixels, and "cannot create an image of %@ x %@ points: it is too large"
+    /// is logged.
     std::shared_ptr<Image> imageByDrawing(Size size, const Draw& draw) override;
 
-    /// How many pixels make a point in the images that are drawn from now on; those of the sharpest
-    /// screen when not given.
+    /// Sets the number of pixels per point in images that are drawn from now on; by default, that
+    /// of the screen with the highest resolution.
     void setDrawingScale(std::optional<double> scale) { drawingScale_ = scale; }
-    /// @throws Exception (NSInternalInconsistencyException) while no ScopedContext is alive.
+    /// @throws Exception (NSInternalInconsistencyException) if no ScopedContext exists.
     GraphicsContext& currentContext() override;
 
   private:
@@ -48,20 +51,19 @@ class QtGraphics final : public Graphics {
 
     std::optional<QFont> defaultFont_;
     std::optional<double> drawingScale_;
-    TextLines lines_;
+    TextLineCache lines_;
     QtGraphicsContext* current_ = nullptr;
 };
 
-/// Makes drawing go to an image for a scope. Scopes nest; the innermost one counts. Between two
-/// operations the image holds all that was drawn so far and may be read or copied.
-/// Main thread.
+/// Directs drawing to an image for a scope. Scopes nest; the innermost one is current. Between
+/// drawing operations, the image can be read and copied. Main thread.
 class ScopedContext : NonCopyable {
   public:
-    /// The image's top left pixel is the point (0, points.height()); a point is @p scale pixels.
-    /// An image of another format becomes Format_ARGB32_Premultiplied; its device pixel ratio is
-    /// neither used nor changed; a null image takes drawing without effect.
-    /// @p defaultTextColor and @p defaultFont draw text that names none (the font of @p graphics
-    /// when not given). @p graphics and @p target outlive the scope.
+    /// The image's top left pixel is at the point (0, points.height()). @p scale is the number of
+    /// pixels per point; the image's device pixel ratio is ignored and not changed. The image is
+    /// converted to Format_ARGB32_Premultiplied. Drawing to a null image has no effect.
+    /// @p defaultTextColor and @p defaultFont (by default, the font of @p graphics) are for text
+    /// that names none. @p graphics and @p target have to outlive the scope.
     ScopedContext(QtGraphics& graphics, QImage& target, QSizeF points, double scale,
                   QColor defaultTextColor = Qt::black, std::optional<QFont> defaultFont = {});
     ~ScopedContext();

@@ -1,6 +1,7 @@
 #include "platform/qt/QtImage.h"
 
 #include "platform/Log.h"
+#include "platform/qt/Strings.h"
 
 #include <QFileInfo>
 #include <QImageReader>
@@ -13,20 +14,20 @@ namespace {
 
 constexpr QImage::Format kFormat = QImage::Format_ARGB32_Premultiplied;
 
-/// The picture in a file; a null one, and a line in the log, when there is none.
+/// Returns a null image, and logs why, if the file cannot be read.
 QImage readImage(const QString& path) {
-    const auto complain = [&](const QString& reason) {
+    const auto fail = [&](const QString& reason) {
         logLine("image %@ cannot be read: %@", path.toStdString(), reason.toStdString());
         return QImage();
     };
-    // Opening a pipe would wait for its other end.
+    // Opening a FIFO blocks until it has a writer.
     const QFileInfo file(path);
     if (file.exists() && !file.isFile())
-        return complain(QStringLiteral("It is not a regular file"));
+        return fail(QStringLiteral("It is not a regular file"));
     QImageReader reader(path);
     QImage image;
     if (!reader.read(&image) || image.isNull())
-        return complain(reader.errorString());
+        return fail(reader.errorString());
     return image.convertToFormat(kFormat);
 }
 
@@ -62,7 +63,7 @@ QtImage::QtImage(QImage pixels, double scale, Size size) : QtImage(std::move(pix
 QtImage::~QtImage() = default;
 
 std::shared_ptr<QtImage> QtImage::fromFile(const std::string& path) {
-    const QString file = QString::fromStdString(path);
+    const QString file = qString(path);
     std::vector<Representation> representations{{readImage(file), 1}};
     if (representations.front().pixels.isNull())
         return nullptr;

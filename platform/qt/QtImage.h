@@ -10,42 +10,39 @@
 
 namespace platform::qt {
 
-/// A picture as QImages, one for each scale that it is known at. Immutable. Main thread.
+/// An image with pixels for one or more scales. Immutable. Main thread.
 class QtImage final : public Image {
   public:
-    /// Pixels (any format; kept as premultiplied ARGB) and how many of them make a point.
+    /// Pixels of any format, which is converted to premultiplied ARGB.
     struct Representation {
         QImage pixels;
-        double scale = 1;
+        double scale = 1; ///< pixels per point
     };
 
-    /// The first representation is the base: it alone says how large the image is. The others show
-    /// the same area with more or fewer pixels. A null base makes an image of size 0 x 0.
+    /// The first representation determines the size of the image. The others contain the same area
+    /// with more or fewer pixels. If the first one is null, the size is 0 x 0.
     explicit QtImage(std::vector<Representation> representations);
     explicit QtImage(QImage pixels, double scale = 1);
-    /// What was drawn at @p scale: pixels from the bottom left on, some of which may lie beyond
-    /// @p size at the top and at the right.
+    /// Creates an image of @p size points. The pixels start at its bottom left corner and may
+    /// extend beyond it at the top and at the right.
     QtImage(QImage pixels, double scale, Size size);
     ~QtImage() override;
 
-    /// The image in a file, with its "@2x" and "@3x" siblings when they are there.
-    /// Null when the file itself is missing, no regular file, no image, or beyond QImageReader's
-    /// allocation limit; logged as "image %@ cannot be read: %@". A broken sibling is logged the
-    /// same way and left out.
-    /// @p path is UTF-8.
+    /// Loads an image file, and its "@2x" and "@3x" siblings if they exist. Returns null, and logs
+    /// "image %@ cannot be read: %@", if the file is missing, is not a regular file or an image, or
+    /// exceeds QImageReader's allocation limit. An unreadable sibling is logged and ignored.
     static std::shared_ptr<QtImage> fromFile(const std::string& path);
 
-    /// Points: the base's pixels divided by its scale.
     Size size() const override { return size_; }
-    /// The area in points that the pixels cover, from the bottom left on.
+    /// Returns the area that the pixels cover, in points from the bottom left corner.
     Size extent() const { return extent_; }
 
-    /// The pixels to draw with where a point is @p scale pixels: those of the lowest scale that
-    /// needs no enlarging, else those of the highest. Null for an image of no size.
+    /// Returns the pixels to draw at @p scale pixels per point: those of the lowest scale that is
+    /// at least @p scale, or else of the highest. Returns a null image if the size is 0 x 0.
     const QImage& pixelsForScale(double scale) const;
 
   private:
-    std::vector<Representation> representations_; // by rising scale, never empty
+    std::vector<Representation> representations_; // by ascending scale, never empty
     Size size_;
     Size extent_;
 };

@@ -21,7 +21,7 @@ class NotifierWatch final : public Watch {
     NotifierWatch(int fileDescriptor, std::function<void()> handler)
         : notifier_(fileDescriptor, QSocketNotifier::Read) {
         QObject::connect(&notifier_, &QSocketNotifier::activated, &notifier_,
-                         // Copies: the handler may destroy this watch.
+                         // Copied: the handler may destroy this watch.
                          [owner = currentOwner(), handler = std::move(handler)] {
                              const auto code = handler;
                              runGuarded(std::string(owner), code);
@@ -34,8 +34,8 @@ class NotifierWatch final : public Watch {
 
 } // namespace
 
-/// Work in the order in which it came. Qt only wakes the main thread for it: what one thread hands
-/// to another goes through a lock that the thread sanitizer sees, too.
+/// Work in the order in which it was queued. Qt's event queue only wakes the main thread: the work
+/// itself is passed under a mutex, which the thread sanitizer can check.
 class QtMainThread::Queue final : public QObject {
   public:
     struct Work {
@@ -45,7 +45,7 @@ class QtMainThread::Queue final : public QObject {
 
     void add(std::shared_ptr<Work> work) {
         const std::lock_guard lock(mutex_);
-        waiting_.push_back(std::move(work));
+        queued_.push_back(std::move(work));
         QCoreApplication::postEvent(this, new QEvent(QEvent::User));
     }
     void waitFor(const Work& work) {
@@ -58,8 +58,8 @@ class QtMainThread::Queue final : public QObject {
         if (event->type() != QEvent::User)
             return QObject::event(event);
         std::unique_lock lock(mutex_);
-        const std::shared_ptr<Work> work = std::move(waiting_.front());
-        waiting_.pop_front();
+        const std::shared_ptr<Work> work = std::move(queued_.front());
+        queued_.pop_front();
         lock.unlock();
         std::exchange(work->code, nullptr)();
         lock.lock();
@@ -70,7 +70,7 @@ class QtMainThread::Queue final : public QObject {
 
     std::mutex mutex_;
     std::condition_variable done_;
-    std::deque<std::shared_ptr<Work>> waiting_;
+    std::deque<std::shared_ptr<Work>> queued_;
 };
 
 QtMainThread::QtMainThread() : queue_(new Queue) {}

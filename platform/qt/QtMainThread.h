@@ -4,9 +4,9 @@
 
 namespace platform::qt {
 
-/// Qt's main loop, of the thread that makes this object. Handlers run under the name of the owner
-/// that registered them. What is asked for after the loop has ended is not done, and who waits for
-/// it waits for the end of the process.
+/// Qt's event loop of the thread that creates the object. Handlers run under the identifier of the
+/// owner that registered them. Work queued after the loop has ended does not run; waiting for it
+/// blocks until the process exits.
 class QtMainThread final : public MainThread {
   public:
     QtMainThread();
@@ -16,7 +16,7 @@ class QtMainThread final : public MainThread {
 
   private:
     class Queue;
-    Queue* queue_; // never destroyed: a thread that outlives the loop may still refer to it
+    Queue* queue_; // never destroyed: a thread that outlives the loop may still use it
 };
 
 } // namespace platform::qt

@@ -1,5 +1,6 @@
 #include "platform/qt/QtMenu.h"
 
+#include "platform/qt/Strings.h"
 #include "platform/runtime/Guard.h"
 
 #include <QApplication>
@@ -13,9 +14,9 @@
 namespace platform::qt {
 namespace {
 
-/// An ampersand is a letter in a title, not a mark for the keyboard.
+/// Escapes ampersands, which would mark a mnemonic, and replaces line ends and tabs by blanks.
 QString actionText(const std::string& title) {
-    return QString::fromStdString(title).replace('&', "&&").replace('\n', ' ').replace('\t', ' ');
+    return qString(title).replace('&', "&&").replace('\n', ' ').replace('\t', ' ');
 }
 
 void showState(QAction& action, const MenuItem& item) {
@@ -24,9 +25,9 @@ void showState(QAction& action, const MenuItem& item) {
     action.setChecked(item.state() != MenuItem::State::Off);
 }
 
-/// A menu that is higher than the screen scrolls; the desktop's style may begin further columns,
-/// off the screen in the end.
-class ScrollingMenus final : public QProxyStyle {
+/// Makes menus that are higher than the screen scroll. Some styles add columns instead, which may
+/// extend beyond the screen.
+class ScrollingMenuStyle final : public QProxyStyle {
   public:
     int styleHint(StyleHint hint, const QStyleOption* option, const QWidget* widget,
                   QStyleHintReturn* data) const override {
@@ -35,9 +36,9 @@ class ScrollingMenus final : public QProxyStyle {
 };
 
 QStyle* menuStyle() {
-    static QPointer<ScrollingMenus> style;
+    static QPointer<ScrollingMenuStyle> style;
     if (!style) {
-        style = new ScrollingMenus;
+        style = new ScrollingMenuStyle;
         style->setParent(qApp);
     }
     return style;
@@ -48,7 +49,7 @@ QStyle* menuStyle() {
 QtMenu::QtMenu(const Menu& menu, std::string owner, QWidget* parent)
     : QMenu(parent), menu_(&menu), owner_(std::move(owner)) {
     setStyle(menuStyle());
-    // Whoever shows the menu says what a press beside it means.
+    // The mouse handler decides what a press outside of the menu does.
     setAttribute(Qt::WA_NoMouseReplay);
     for (const auto& item : menu.items())
         addItem(item);
@@ -66,8 +67,8 @@ void QtMenu::addItem(const std::shared_ptr<MenuItem>& item) {
     }
     items_.push_back(item);
     QAction* action = nullptr;
-    const bool opensItself = item->submenu() && shows(*item->submenu());
-    if (item->submenu() && !opensItself) {
+    const bool isCyclic = item->submenu() && isNestedIn(*item->submenu());
+    if (item->submenu() && !isCyclic) {
         auto* submenu = new QtMenu(*item->submenu(), owner_, this);
         connect(submenu, &QtMenu::neighbourWanted, this, &QtMenu::neighbourWanted);
         submenus_.push_back(submenu);
@@ -79,15 +80,15 @@ void QtMenu::addItem(const std::shared_ptr<MenuItem>& item) {
     }
     showState(*action, *item);
     bool enabled = false;
-    runGuarded(owner_, [&] { enabled = !opensItself && item->isEnabled(); });
+    runGuarded(owner_, [&] { enabled = !isCyclic && item->isEnabled(); });
     action->setEnabled(enabled);
     item->setChangeHandler([action, raw = item.get()] { showState(*action, *raw); });
 }
 
-/// Whether this or a menu that it is a submenu of was built from @p menu.
-bool QtMenu::shows(const Menu& menu) const {
-    const auto* above = qobject_cast<const QtMenu*>(parentWidget());
-    return menu_ == &menu || (above && above->shows(menu));
+/// Whether this widget or one of its parent menus shows @p menu.
+bool QtMenu::isNestedIn(const Menu& menu) const {
+    const auto* parent = qobject_cast<const QtMenu*>(parentWidget());
+    return menu_ == &menu || (parent && parent->isNestedIn(menu));
 }
 
 void QtMenu::setMouseHandler(MouseHandler handler) {
@@ -96,17 +97,17 @@ void QtMenu::setMouseHandler(MouseHandler handler) {
     mouseHandler_ = std::move(handler);
 }
 
-bool QtMenu::isHandled(const QMouseEvent& event) const {
+bool QtMenu::handles(const QMouseEvent& event) const {
     return !rect().contains(event.pos()) && mouseHandler_ && mouseHandler_(event);
 }
 
 void QtMenu::mousePressEvent(QMouseEvent* event) {
-    if (!isHandled(*event))
+    if (!handles(*event))
         QMenu::mousePressEvent(event);
 }
 
 void QtMenu::mouseMoveEvent(QMouseEvent* event) {
-    if (!isHandled(*event))
+    if (!handles(*event))
         QMenu::mouseMoveEvent(event);
 }
 

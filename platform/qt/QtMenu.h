@@ -11,25 +11,25 @@
 
 namespace platform::qt {
 
-/// A menu on the screen. Built from the items as they are when it is made; titles and states that
-/// change while it is open are followed. Actions run under the owner's name. Main thread.
+/// The widget of a menu. Contains the items that the menu has at construction, and follows later
+/// changes of their titles and states. Actions run under the owner's identifier. Main thread.
 class QtMenu final : public QMenu {
     Q_OBJECT
 
   public:
-    /// Told of a press or a move of the mouse beside the menu and its submenus; whether it has
-    /// dealt with that.
+    /// Called when the mouse is pressed or moved outside of the menu and its submenus. Returns
+    /// whether it handled the event.
     using MouseHandler = std::function<bool(const QMouseEvent& event)>;
 
-    /// Keeps the items, not the menu, for as long as it lives. A menu that is its own submenu, or
-    /// that of one of its submenus, is a title there and cannot be opened.
+    /// Holds the items, but not @p menu. A submenu that already contains its item, as itself or
+    /// through other submenus, is shown as a disabled item.
     QtMenu(const Menu& menu, std::string owner, QWidget* parent = nullptr);
     ~QtMenu() override;
 
     void setMouseHandler(MouseHandler handler);
 
   signals:
-    /// The arrow keys lead out of the menu: -1 to the left, 1 to the right.
+    /// Emitted when an arrow key leaves the menu: to the left with -1, to the right with 1.
     void neighbourWanted(int direction);
 
   protected:
@@ -39,10 +39,10 @@ class QtMenu final : public QMenu {
 
   private:
     void addItem(const std::shared_ptr<MenuItem>& item);
-    bool shows(const Menu& menu) const;
-    bool isHandled(const QMouseEvent& event) const;
+    bool isNestedIn(const Menu& menu) const;
+    bool handles(const QMouseEvent& event) const;
 
-    const Menu* menu_; // to know it again, no more
+    const Menu* menu_; // only compared, never dereferenced
     std::string owner_;
     std::vector<std::shared_ptr<MenuItem>> items_;
     std::vector<QtMenu*> submenus_;

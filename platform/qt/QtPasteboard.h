@@ -4,7 +4,7 @@
 
 namespace platform::qt {
 
-/// The desktop's clipboard.
+/// The desktop's clipboard. Main thread.
 class QtPasteboard final : public Pasteboard {
   public:
     void setString(std::string_view text) override;

@@ -4,12 +4,12 @@
 #include "platform/MainThread.h"
 #include "platform/base/PathStrings.h"
 #include "platform/posix/ApplicationBundle.h"
+#include "platform/qt/BusCall.h"
 #include "platform/qt/Foreground.h"
+#include "platform/qt/Strings.h"
 
 #include <QDBusConnection>
 #include <QDBusMessage>
-#include <QDBusPendingCallWatcher>
-#include <QDBusPendingReply>
 #include <QDesktopServices>
 #include <QUrl>
 
@@ -17,13 +17,13 @@ namespace platform::qt {
 namespace {
 
 bool open(const std::string& path) {
-    return QDesktopServices::openUrl(QUrl::fromLocalFile(QString::fromStdString(path)));
+    return QDesktopServices::openUrl(QUrl::fromLocalFile(qString(path)));
 }
 
 void openParentFolder(const std::string& path) {
     const std::string folder = deletingLastPathComponent(path);
     if (!open(folder))
-        logLine("no program to show the folder %@", folder);
+        logLine("folder %@ cannot be shown: no program opens it", folder);
 }
 
 } // namespace
@@ -34,18 +34,13 @@ bool QtWorkspace::selectFile(const std::string& path, const std::string& rootPat
         openParentFolder(path);
         return true;
     }
-    auto message = QDBusMessage::createMethodCall("org.freedesktop.FileManager1",
-                                                  "/org/freedesktop/FileManager1",
-                                                  "org.freedesktop.FileManager1", "ShowItems");
-    const auto url = QUrl::fromLocalFile(QString::fromStdString(path)).toEncoded();
-    message << QStringList{QString::fromLatin1(url)} << QString();
-    auto* call = new QDBusPendingCallWatcher(bus.asyncCall(message));
-    QObject::connect(call, &QDBusPendingCallWatcher::finished, call, [call, path] {
-        if (call->isError())
-            openParentFolder(path);
-        call->deleteLater();
-    });
-    // The interface has no root folder to give; browsers choose the window by themselves.
+    auto call = QDBusMessage::createMethodCall("org.freedesktop.FileManager1",
+                                               "/org/freedesktop/FileManager1",
+                                               "org.freedesktop.FileManager1", "ShowItems");
+    const auto url = QUrl::fromLocalFile(qString(path)).toEncoded();
+    call << QStringList{QString::fromLatin1(url)} << QString();
+    callAsynchronously(bus, call, [path] { openParentFolder(path); });
+    // The D-Bus interface has no such parameter.
     static_cast<void>(rootPath);
     return true;
 }

@@ -4,11 +4,12 @@
 
 namespace platform::qt {
 
-/// The freedesktop services of the session.
+/// A workspace that uses the desktop's programs and the session bus.
 class QtWorkspace final : public posix::PosixWorkspace {
   public:
-    /// Asks the file manager on the session bus (org.freedesktop.FileManager1); when there is none
-    /// it opens the folder that the file is in.
+    /// Calls org.freedesktop.FileManager1.ShowItems on the session bus without waiting, and always
+    /// returns true. If that fails, opens the parent folder; if no program does, logs "folder %@
+    /// cannot be shown: no program opens it". @p rootPath is ignored.
     bool selectFile(const std::string& path, const std::string& rootPath) override;
     using PosixWorkspace::openFile;
     bool openFile(const std::string& path) override;

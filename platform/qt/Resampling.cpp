@@ -1,7 +1,8 @@
 #include "platform/qt/Resampling.h"
 
+#include "platform/qt/Pixel.h"
+
 #include <algorithm>
-#include <array>
 #include <cmath>
 #include <cstddef>
 #include <vector>
@@ -9,22 +10,22 @@
 namespace platform::qt {
 namespace {
 
-/// By how much one pixel of the source counts.
+/// The weight of one source pixel.
 struct Tap {
     int position = 0;
     float weight = 0;
 };
 
-/// What a row (or column) of result pixels is made of: the taps of pixel i are those from starts[i]
-/// to starts[i + 1], their weights add up to 1.
+/// The source pixels that a row (or column) of result pixels is made of. The taps of result pixel i
+/// are those from starts[i] to starts[i + 1]; their weights add up to 1.
 struct Axis {
     std::vector<Tap> taps;
     std::vector<std::size_t> starts{0};
-    int first = 0; ///< the lowest position that counts
-    int last = 0;  ///< and the highest
+    int first = 0; ///< the lowest position of a tap
+    int last = 0;  ///< the highest
 };
 
-/// A stretch along one axis, in pixels.
+/// A range along one axis, in pixels.
 struct Span {
     double start = 0;
     double length = 0;
@@ -57,30 +58,16 @@ Axis makeAxis(Span part, Span destination, int pixels, int areaStart, int areaLe
     return axis;
 }
 
-using Components = std::array<float, 4>;
-
-void add(Components& sum, const Components& value, float weight) {
-    for (std::size_t i = 0; i < sum.size(); ++i)
-        sum[i] += value[i] * weight;
+void add(Pixel& sum, const Pixel& pixel, float weight) {
+    sum = componentwise(sum, pixel, [weight](float s, float p) { return s + p * weight; });
 }
 
-Components unpacked(QRgb pixel) {
-    return {static_cast<float>(qAlpha(pixel)), static_cast<float>(qRed(pixel)),
-            static_cast<float>(qGreen(pixel)), static_cast<float>(qBlue(pixel))};
-}
-
-QRgb packed(const Components& c) {
-    // Never negative. NOLINTNEXTLINE(bugprone-incorrect-roundings): lround is a call a pixel.
-    const auto byte = [](float component) { return static_cast<int>(component + 0.5F); };
-    return qRgba(byte(c[1]), byte(c[2]), byte(c[3]), byte(c[0]));
-}
-
-/// Calls @p each(index, tap) for all taps of all pixels of an axis.
-template <class Each>
-void forEachTap(const Axis& axis, Each each) {
+/// Calls @p visit(index, tap) for each tap of each result pixel.
+template <class Visit>
+void forEachTap(const Axis& axis, Visit visit) {
     for (std::size_t i = 0; i + 1 < axis.starts.size(); ++i)
         for (std::size_t tap = axis.starts[i]; tap < axis.starts[i + 1]; ++tap)
-            each(i, axis.taps[tap]);
+            visit(i, axis.taps[tap]);
 }
 
 } // namespace
@@ -95,28 +82,28 @@ QImage resampled(const QImage& source, const QRectF& part, const QRectF& destina
                  source.height(), area.top(), area.height());
 
     const auto width = static_cast<std::size_t>(area.width());
-    std::vector<Components> narrowed(width * static_cast<std::size_t>(down.last - down.first + 1));
+    std::vector<Pixel> narrowed(width * static_cast<std::size_t>(down.last - down.first + 1));
     for (int y = down.first; y <= down.last; ++y) {
         const auto* const line = reinterpret_cast<const QRgb*>(source.constScanLine(y));
-        Components* const row = narrowed.data() + width * static_cast<std::size_t>(y - down.first);
+        Pixel* const row = narrowed.data() + width * static_cast<std::size_t>(y - down.first);
         forEachTap(across, [&](std::size_t x, const Tap& tap) {
-            add(row[x], unpacked(line[tap.position]), tap.weight);
+            add(row[x], fromBytes(line[tap.position]), tap.weight);
         });
     }
 
     QImage result(area.size(), QImage::Format_ARGB32_Premultiplied);
     for (int y = 0; y < area.height(); ++y) {
-        std::vector<Components> sums(width);
+        std::vector<Pixel> sums(width);
         const auto index = static_cast<std::size_t>(y);
         for (std::size_t tap = down.starts[index]; tap < down.starts[index + 1]; ++tap) {
             const auto& [position, weight] = down.taps[tap];
-            const Components* const row =
+            const Pixel* const row =
                 narrowed.data() + width * static_cast<std::size_t>(position - down.first);
             for (std::size_t x = 0; x < width; ++x)
                 add(sums[x], row[x], weight);
         }
         std::transform(sums.begin(), sums.end(), reinterpret_cast<QRgb*>(result.scanLine(y)),
-                       packed);
+                       toBytes);
     }
     return result;
 }

@@ -5,11 +5,13 @@
 
 namespace platform::qt {
 
-/// The pixels of @p area when the rectangle @p part of @p source is stretched over the rectangle
-/// @p destination. Enlarging blends neighbours, shrinking averages all that a pixel takes in, and
-/// whole pixels on whole pixels are copied as they are; nothing outside of the part shines in.
-/// All images are premultiplied ARGB, all rectangles in pixels with y downwards and not empty;
-/// @p part lies within the source and @p area reaches at most a pixel beyond the destination.
+/// Stretches the rectangle @p part of @p source over the rectangle @p destination and returns the
+/// pixels of @p area. Enlarging interpolates between neighbours; shrinking averages all source
+/// pixels under a result pixel; pixels that keep size and place are copied exactly. Pixels outside
+/// of @p part have no influence.
+///
+/// Images are premultiplied ARGB; rectangles are in pixels, with y down, and not empty. @p part is
+/// inside the source. @p area extends at most 1 pixel beyond the destination.
 QImage resampled(const QImage& source, const QRectF& part, const QRectF& destination,
                  const QRect& area);
 

@@ -8,7 +8,7 @@
 
 namespace platform::qt {
 
-/// Where signals of the bus arrive, in the thread that the object belongs to.
+/// Receives D-Bus signals in the thread that the object lives in.
 class SignalReceiver final : public QObject {
     Q_OBJECT
 

@@ -6,7 +6,7 @@
 
 namespace platform::qt {
 
-/// Converts UTF-8 text.
+/// Converts UTF-8.
 inline QString qString(std::string_view text) {
     return QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size()));
 }

@@ -1,6 +1,7 @@
 #include "platform/qt/Truncation.h"
 
-#include <QString>
+#include "platform/qt/Strings.h"
+
 #include <QTextBoundaryFinder>
 
 #include <algorithm>
@@ -13,28 +14,28 @@ namespace {
 
 constexpr const char* kEllipsis = "\u2026";
 
-/// Room for the differences between a width and the same one added up of parts.
+/// A width may differ from the sum of its parts by rounding errors.
 constexpr double kTolerance = 1e-3;
 
-/// A character is no narrower than this on the average; a line of more is not looked at.
-constexpr double kNarrowestPoints = 1.0 / 8;
-constexpr std::size_t kMostBytesPerCharacter = 32;
+/// Estimates: text beyond the length that they allow is not measured.
+constexpr double kMinimumAverageWidth = 1.0 / 8; // points per character
+constexpr std::size_t kMaximumBytesPerCharacter = 32;
 
-/// The bytes after which the text can be cut, in rising order, the start included.
+/// Returns the byte offsets at which the text can be cut, in ascending order from 0.
 std::vector<std::size_t> boundaries(const std::string& text) {
-    const QString characters = QString::fromStdString(text);
+    const QString characters = qString(text);
     QTextBoundaryFinder finder(QTextBoundaryFinder::Grapheme, characters);
     std::vector<std::size_t> result{0};
-    qsizetype before = 0;
+    qsizetype previous = 0;
     for (qsizetype at = finder.toNextBoundary(); at >= 0; at = finder.toNextBoundary()) {
-        const auto bytes = characters.mid(before, at - before).toUtf8().size();
+        const auto bytes = characters.mid(previous, at - previous).toUtf8().size();
         result.push_back(std::min(text.size(), result.back() + static_cast<std::size_t>(bytes)));
-        before = at;
+        previous = at;
     }
     return result;
 }
 
-/// The text up to a byte, and the ellipsis in the attributes of what stands before it.
+/// Returns the first @p length bytes and an ellipsis with the attributes of the text before it.
 AttributedString cutAt(const AttributedString& text, std::size_t length) {
     AttributedString result(text.string().substr(0, length) + kEllipsis);
     for (const AttributedString::Run& run : text.runs())
@@ -50,12 +51,12 @@ AttributedString truncatedToWidth(const AttributedString& text, double width,
     const auto fits = [&](const AttributedString& candidate) {
         return measure(candidate).width <= width + kTolerance;
     };
-    const double mostBytes = width / kNarrowestPoints * kMostBytesPerCharacter;
-    const bool hopeless = static_cast<double>(text.length()) > mostBytes;
-    if (!hopeless && fits(text))
+    const double maximumBytes = width / kMinimumAverageWidth * kMaximumBytesPerCharacter;
+    const bool isTooLong = static_cast<double>(text.length()) > maximumBytes;
+    if (!isTooLong && fits(text))
         return text;
-    const auto looked = hopeless ? static_cast<std::size_t>(mostBytes) : text.length();
-    const std::vector<std::size_t> cuts = boundaries(text.string().substr(0, looked));
+    const auto examined = isTooLong ? static_cast<std::size_t>(maximumBytes) : text.length();
+    const std::vector<std::size_t> cuts = boundaries(text.string().substr(0, examined));
     std::size_t fitting = 0;
     std::size_t tooLong = 1;
     if (!fits(cutAt(text, 0)))

@@ -6,9 +6,10 @@
 
 namespace platform::qt {
 
-/// Text that is no wider than @p width: the text itself, or as much of it as fits before an
-/// ellipsis, cut between characters as people count them; empty when not even the ellipsis fits.
-/// @p measure gives a text's size. Takes time by what fits, not by how long the text is.
+/// Returns @p text if it is at most @p width wide. Otherwise returns as much of its beginning as
+/// fits together with an ellipsis, cut between grapheme clusters, or empty text if the ellipsis
+/// does not fit. @p measure returns the size of a text. The time taken depends on the length of
+/// what fits, not of @p text.
 AttributedString truncatedToWidth(const AttributedString& text, double width,
                                   const std::function<Size(const AttributedString&)>& measure);
 

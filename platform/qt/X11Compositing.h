@@ -2,8 +2,8 @@
 
 namespace platform::qt {
 
-/// Whether windows can be translucent now: everywhere but on an X server that nobody composites.
-/// Main thread, with a QGuiApplication.
+/// Whether windows can be translucent: false on an X server without a compositing manager, true
+/// everywhere else. May change while the program runs. Main thread.
 bool windowsAreTranslucent();
 
 } // namespace platform::qt

@@ -1,4 +1,4 @@
-#include "platform/qt/QtPanel.h"
+#include "platform/qt/QtPanelService.h"
 #include "platform/expat/ExpatPropertyLists.h"
 #include "platform/qt/PanelButton.h"
 #include "platform/qt/PanelWidget.h"
@@ -67,7 +67,7 @@ class ShownPanel : public testing::Test {
 
     qt::QtGraphics graphics;
     ScopedService<Graphics> graphicsService{graphics};
-    qt::QtPanels panels;
+    qt::QtPanelService panels;
     ScopedService<PanelService> panelService{panels};
     std::shared_ptr<Target> target = std::make_shared<Target>();
     std::shared_ptr<HUDWindow> panel = std::make_shared<HUDWindow>();

@@ -1,7 +1,8 @@
-#include "platform/qt/QtPanel.h"
+#include "platform/qt/QtPanelService.h"
 
 #include "platform/Log.h"
 #include "platform/qt/PanelWidget.h"
+#include "platform/qt/Strings.h"
 
 #include <QApplication>
 
@@ -12,15 +13,15 @@ class QtPanelWindow final : public PanelWindow {
   public:
     explicit QtPanelWindow(Panel& panel) : widget_(new PanelWidget(panel)) {}
     ~QtPanelWindow() override {
-        // It may be in the middle of telling the panel something.
-        widget_->forget();
+        // Not deleted now: one of its functions may be running.
+        widget_->detach();
         widget_->hide();
         widget_->deleteLater();
     }
 
     void setTitle(const std::string& title) override {
-        widget_->setWindowTitle(QString::fromStdString(title));
-        widget_->setAccessibleName(QString::fromStdString(title));
+        widget_->setWindowTitle(qString(title));
+        widget_->setAccessibleName(qString(title));
     }
     void setLook(const PanelLook& look) override { widget_->setLook(look); }
     void setFrame(const Rect& frame, bool display, bool animate) override {
@@ -42,10 +43,10 @@ class QtPanelWindow final : public PanelWindow {
 
 } // namespace
 
-std::unique_ptr<PanelWindow> QtPanels::makeWindow(Panel& panel) {
+std::unique_ptr<PanelWindow> QtPanelService::makeWindow(Panel& panel) {
     if (qobject_cast<QApplication*>(QCoreApplication::instance()))
         return std::make_unique<QtPanelWindow>(panel);
-    logLine("a panel needs a desktop, and this program has none");
+    logLine("cannot create a panel: the program has no QApplication");
     return nullptr;
 }
 

@@ -1,17 +1,18 @@
-#include "platform/qt/TextLines.h"
+#include "platform/qt/TextLineCache.h"
 
 #include <algorithm>
 
 namespace platform::qt {
 
-std::shared_ptr<const TextLine> TextLines::line(const AttributedString& text,
-                                                const QFont& defaultFont, FontSmoothing smoothing) {
-    const auto known = std::find_if(entries_.begin(), entries_.end(), [&](const Entry& entry) {
+std::shared_ptr<const TextLine> TextLineCache::line(const AttributedString& text,
+                                                    const QFont& defaultFont,
+                                                    FontSmoothing smoothing) {
+    const auto cached = std::find_if(entries_.begin(), entries_.end(), [&](const Entry& entry) {
         return entry.line && entry.text == text && entry.smoothing == smoothing &&
                entry.defaultFont == defaultFont;
     });
-    if (known != entries_.end())
-        return known->line;
+    if (cached != entries_.end())
+        return cached->line;
     Entry& entry = entries_[next_];
     next_ = (next_ + 1) % entries_.size();
     entry = {text, defaultFont, smoothing,

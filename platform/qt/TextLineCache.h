@@ -9,9 +9,9 @@
 
 namespace platform::qt {
 
-/// Lays text out, and remembers the last few lines: what is measured is drawn right after, and
-/// shaping is most of the work. Main thread.
-class TextLines {
+/// Lays out text and caches the last few lines: most text is drawn right after it was measured, and
+/// most of the time goes into shaping. Main thread.
+class TextLineCache {
   public:
     std::shared_ptr<const TextLine> line(const AttributedString& text, const QFont& defaultFont,
                                          FontSmoothing smoothing);

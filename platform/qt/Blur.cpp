@@ -1,4 +1,4 @@
-#include "platform/qt/TextShadow.h"
+#include "platform/qt/Blur.h"
 
 #include <cmath>
 #include <cstddef>
@@ -9,14 +9,14 @@ namespace {
 
 constexpr int kPasses = 3;
 
-/// A box filter of 2 * radius + 1 whole pixels and a part of the ones at both ends.
+/// A box filter over 2 * radius + 1 pixels, and with a smaller weight the next pixel at both ends.
 struct Box {
     int radius = 0;
-    float end = 0;    ///< weight of the two end pixels; the whole ones weigh 1
-    float weight = 1; ///< of the sum
+    float end = 0;    ///< the weight of the end pixels; the others have 1
+    float weight = 1; ///< the factor of the weighted sum
 };
 
-/// The box whose variance, taken kPasses times, is that of the Gaussian.
+/// Returns the box filter that has the variance of the Gaussian after kPasses passes.
 Box boxFor(double deviation) {
     const double variance = deviation * deviation / kPasses;
     Box box;
@@ -30,7 +30,7 @@ Box boxFor(double deviation) {
     return box;
 }
 
-/// Filters @p count values that lie @p stride apart.
+/// Filters @p count values with a distance of @p stride. @p padded is scratch memory.
 void filter(float* values, std::ptrdiff_t count, std::ptrdiff_t stride, const Box& box,
             std::vector<float>& padded) {
     const std::ptrdiff_t margin = box.radius + 1;
@@ -39,7 +39,7 @@ void filter(float* values, std::ptrdiff_t count, std::ptrdiff_t stride, const Bo
         padded[static_cast<std::size_t>(i + margin)] = values[i * stride];
 
     const auto at = [&](std::ptrdiff_t i) { return padded[static_cast<std::size_t>(i + margin)]; };
-    // A running sum in single precision would leave crumbs where there is nothing.
+    // In single precision, the running sum would not return to exactly 0.
     double sum = 0;
     for (std::ptrdiff_t i = -box.radius; i <= box.radius; ++i)
         sum += at(i);
@@ -52,7 +52,7 @@ void filter(float* values, std::ptrdiff_t count, std::ptrdiff_t stride, const Bo
 
 } // namespace
 
-int blurReach(double deviation) {
+int blurRadius(double deviation) {
     return deviation > 0 ? kPasses * (boxFor(deviation).radius + 1) : 0;
 }
 

@@ -1,0 +1,62 @@
+#include "platform/qt/PanelPainting.h"
+
+#include "platform/qt/Colors.h"
+#include "platform/qt/QtImage.h"
+
+#include <QPainter>
+#include <QPainterPath>
+
+namespace platform::qt {
+namespace {
+
+constexpr double kShadowOpacity = 0.3;
+constexpr double kShadowRadius = 6;
+const QColor kIndicatorColor(255, 255, 255, 130);
+
+} // namespace
+
+void paintPanelShadow(QPainter& painter, const QRect& frame, int width) {
+    painter.save();
+    QPainterPath outside;
+    outside.addRect(frame.adjusted(-width, -width, width, width));
+    outside.addRoundedRect(frame, kShadowRadius, kShadowRadius);
+    painter.setClipPath(outside);
+    painter.setBrush(Qt::NoBrush);
+    for (int ring = 0; ring < width; ++ring) {
+        const double distance = ring + 0.5;
+        const double remaining = 1 - distance / width;
+        painter.setPen(
+            QPen(QColor::fromRgbF(0, 0, 0, float(kShadowOpacity * remaining * remaining)), 1));
+        painter.drawRoundedRect(QRectF(frame).adjusted(-distance, -distance, distance, distance),
+                                kShadowRadius + distance, kShadowRadius + distance);
+    }
+    painter.restore();
+}
+
+void paintPanelBackground(QPainter& painter, const QRect& frame, const Color& color,
+                          double devicePixelRatio) {
+    if (color.space != ColorSpace::Pattern) {
+        painter.fillRect(frame, qColor(color));
+        return;
+    }
+    const auto* const picture = dynamic_cast<const QtImage*>(color.pattern.get());
+    if (!picture || picture->extent().width <= 0 || picture->extent().height <= 0)
+        return;
+    const QImage& pixels = picture->pixelsForScale(devicePixelRatio);
+    const QSizeF tile(picture->extent().width, picture->extent().height);
+    painter.save();
+    painter.setClipRect(frame);
+    for (double bottom = frame.bottom() + 1; bottom > frame.top(); bottom -= tile.height())
+        for (double left = frame.left(); left <= frame.right(); left += tile.width())
+            painter.drawImage(QRectF({left, bottom - tile.height()}, tile), pixels);
+    painter.restore();
+}
+
+void paintResizeIndicator(QPainter& painter, const QRect& frame) {
+    const QPointF corner(frame.right() - 1.5, frame.bottom() - 1.5);
+    painter.setPen(QPen(kIndicatorColor, 1));
+    for (const int length : {4, 8, 12})
+        painter.drawLine(corner - QPointF(length, 0), corner - QPointF(0, length));
+}
+
+} // namespace platform::qt

@@ -1,0 +1,25 @@
+#pragma once
+
+#include "platform/values/Color.h"
+
+#include <QRect>
+
+class QPainter;
+
+namespace platform::qt {
+
+// The parts of a panel. @p frame is the panel's frame in the window's coordinates.
+
+/// Draws a shadow of @p width around the frame. Nothing is drawn inside, where the translucent
+/// background would let it through.
+void paintPanelShadow(QPainter& painter, const QRect& frame, int width);
+
+/// Fills the frame with a colour. Tiles of a pattern start at the lower left corner; they are drawn
+/// with the pixels for @p devicePixelRatio.
+void paintPanelBackground(QPainter& painter, const QRect& frame, const Color& color,
+                          double devicePixelRatio);
+
+/// Draws three diagonal lines in the lower right corner.
+void paintResizeIndicator(QPainter& painter, const QRect& frame);
+
+} // namespace platform::qt

@@ -1,0 +1,13 @@
+#pragma once
+
+#include "platform/Graphics.h"
+#include "platform/qt/Viewport.h"
+
+#include <QPainterPath>
+
+namespace platform::qt {
+
+/// Converts a path to pixels. Arcs become lines.
+QPainterPath pathOutline(const BezierPath& path, const Viewport& viewport);
+
+} // namespace platform::qt
