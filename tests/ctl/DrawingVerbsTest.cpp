@@ -42,6 +42,11 @@ TEST(DrawingVerbs, TintByColourAlphaAndOperation) {
                    {"cmp -s first.png second.png", "", differs},
                    {kSizeOf + "first.png", kHundredAndOneByFifty}});
     }
+    // Highlight (12) draws like SourceOver (2); all other operations draw different pictures.
+    shell.run({{"for n in $(seq 0 13); do halvexctl tint panel.png o$n.png --color 0,1,0,.25 "
+                "--operation $n; done; cmp o2.png o12.png; md5sum o*.png | cut -c 1-32 | sort -u | "
+                "wc -l",
+                "13\n"}});
 }
 
 TEST(DrawingVerbs, ReportErrorsAndLeaveExistingFilesUnchanged) {

@@ -1,5 +1,6 @@
 #include "Canvas.h"
 #include "platform/qt/QtImage.h"
+#include "ui/TintedImage.h"
 
 #include <gtest/gtest.h>
 
@@ -11,29 +12,29 @@ using test::Canvas;
 
 namespace {
 
-/// One component of source and destination, premultiplied, and their alphas; all 0 to 1.
-struct Parts {
+/// A premultiplied component of source and destination, and their alphas, from 0 to 1.
+struct Inputs {
     double s, sa, d, da;
 };
 
-/// One component of the result, by operation number.
-const std::array<double (*)(Parts), 14> kFormulas = {
-    [](Parts) { return 0.0; },
-    [](Parts p) { return p.s; },
-    [](Parts p) { return p.s + p.d * (1 - p.sa); },
-    [](Parts p) { return p.s * p.da; },
-    [](Parts p) { return p.s * (1 - p.da); },
-    [](Parts p) { return p.s * p.da + p.d * (1 - p.sa); },
-    [](Parts p) { return p.s * (1 - p.da) + p.d; },
-    [](Parts p) { return p.d * p.sa; },
-    [](Parts p) { return p.d * (1 - p.sa); },
-    [](Parts p) { return p.s * (1 - p.da) + p.d * p.sa; },
-    [](Parts p) { return p.s * (1 - p.da) + p.d * (1 - p.sa); },
-    [](Parts p) {
+/// The component of the result, indexed by operation number.
+const std::array<double (*)(Inputs), 14> kFormulas = {
+    [](Inputs) { return 0.0; },
+    [](Inputs p) { return p.s; },
+    [](Inputs p) { return p.s + p.d * (1 - p.sa); },
+    [](Inputs p) { return p.s * p.da; },
+    [](Inputs p) { return p.s * (1 - p.da); },
+    [](Inputs p) { return p.s * p.da + p.d * (1 - p.sa); },
+    [](Inputs p) { return p.s * (1 - p.da) + p.d; },
+    [](Inputs p) { return p.d * p.sa; },
+    [](Inputs p) { return p.d * (1 - p.sa); },
+    [](Inputs p) { return p.s * (1 - p.da) + p.d * p.sa; },
+    [](Inputs p) { return p.s * (1 - p.da) + p.d * (1 - p.sa); },
+    [](Inputs p) {
         return std::max(0.0, std::min(1.0, p.sa + p.da) - ((p.sa - p.s) + (p.da - p.d)));
     },
-    [](Parts p) { return p.s + p.d * (1 - p.sa); },
-    [](Parts p) { return std::min(1.0, p.s + p.d); },
+    [](Inputs p) { return p.s + p.d * (1 - p.sa); },
+    [](Inputs p) { return std::min(1.0, p.s + p.d); },
 };
 
 const std::array kColors = {
@@ -48,7 +49,7 @@ platform::qt::QtImage plainImage(const Color& color) {
     return platform::qt::QtImage(pixels);
 }
 
-/// The result of an operation when @p fraction of the source is left.
+/// Returns the result of an operation with the source at an opacity of @p fraction.
 std::array<double, 4> expected(std::size_t number, const Color& source,
                                const std::array<int, 4>& before, double fraction = 1) {
     const double sa = source.alpha * fraction;
@@ -57,10 +58,21 @@ std::array<double, 4> expected(std::size_t number, const Color& source,
     std::array<double, 4> result{};
     for (std::size_t i = 0; i < 4; ++i)
         result[i] = 255 * kFormulas[number]({s[i], sa, before[i] / 255.0, da});
-    // The formula of the colours is not that of the alpha.
+    // PlusDarker has another formula for alpha.
     if (number == 11)
         result[0] = 255 * std::min(1.0, sa + da);
     return result;
+}
+
+/// Returns the components of a pixel of the tinted image.
+std::array<int, 4> tinted(const platform::Image& image, const Color& color,
+                          CompositingOperation operation) {
+    platform::qt::QtGraphics graphics;
+    const ScopedService<Graphics> service(graphics);
+    const auto result = HalvexTintedImage::tintedImageWithColor(image, color, operation);
+    Canvas canvas(4, 4);
+    canvas->drawImage(*result, {{0, 0}, {4, 4}}, {{0, 0}, {4, 4}}, CompositingOperation::Copy, 1);
+    return canvas.at(2, 2);
 }
 
 void expectNear(const std::array<int, 4>& actual, const std::array<double, 4>& wanted,
@@ -71,7 +83,7 @@ void expectNear(const std::array<int, 4>& actual, const std::array<double, 4>& w
 
 } // namespace
 
-TEST(Compositing, FollowsItsFormulaForRectanglesAndImages) {
+TEST(Compositing, FollowsTheFormulaOfEachOperationForRectanglesImagesAndTints) {
     for (std::size_t number = 0; number < kFormulas.size(); ++number) {
         const auto operation = static_cast<CompositingOperation>(number);
         for (const Color& ground : kColors) {
@@ -85,15 +97,17 @@ TEST(Compositing, FollowsItsFormulaForRectanglesAndImages) {
                 const auto image = plainImage(source);
                 canvas->drawImage(image, {{5, 0}, {4, 4}}, {{0, 0}, {4, 4}}, operation, 1);
                 canvas->drawImage(image, {{9, 0}, {4, 4}}, {{0, 0}, {4, 4}}, operation, 0.5);
-                for (const int x : {1, 4, 6}) // one of four at once, one by itself, one of an image
+                for (const int x : {1, 4, 6}) // filled with four others, filled alone, of an image
                     expectNear(canvas.at(x, 1), expected(number, source, before), 1);
                 expectNear(canvas.at(10, 1), expected(number, source, before, 0.5), 1);
+                expectNear(tinted(plainImage(ground), source, operation),
+                           expected(number, source, before), 1);
             }
         }
     }
 }
 
-TEST(Compositing, ChangesOnlyWhatLiesInsideTheShapeAndAsMuchAsThatCovers) {
+TEST(Compositing, ChangesPixelsInProportionToTheirCoverage) {
     const Color source{1, 0.5, 0, 0.5};
     for (std::size_t number = 0; number < kFormulas.size(); ++number) {
         const auto operation = static_cast<CompositingOperation>(number);
@@ -101,7 +115,7 @@ TEST(Compositing, ChangesOnlyWhatLiesInsideTheShapeAndAsMuchAsThatCovers) {
         Canvas canvas(10, 20);
         canvas->fillRect({{0, 0}, {10, 20}}, {0.5, 0.25, 1, 0.5}, CompositingOperation::Copy);
         const auto before = canvas.at(0, 0);
-        // The first row of pixels is covered by halves.
+        // The first row of pixels is half covered.
         canvas->fillRect({{2, 13}, {4, 3.5}}, source, operation);
         canvas->drawImage(plainImage(source), {{2, 3}, {4, 3.5}}, {{0, 0}, {4, 4}}, operation, 1);
         const auto inside = expected(number, source, before);
@@ -117,7 +131,7 @@ TEST(Compositing, ChangesOnlyWhatLiesInsideTheShapeAndAsMuchAsThatCovers) {
     }
 }
 
-TEST(Compositing, TakesNonsenseWithoutDrawing) {
+TEST(Compositing, DrawsNothingForInvalidArguments) {
     Canvas canvas(4, 4);
     const auto image = plainImage({1, 1, 1, 1});
     for (const double width : {std::nan(""), HUGE_VAL, -2.0}) {
