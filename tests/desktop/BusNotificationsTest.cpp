@@ -38,13 +38,13 @@ class BusNotificationsTest : public testing::Test {
   protected:
     void SetUp() override { expat::install(); }
     void observe(const std::string& name) {
-        center.addObserver(self, name, [this](const Notification& heardOne) {
+        center.addObserver(self, name, [this](const Notification& notification) {
             EXPECT_EQ(QThread::currentThread(), QCoreApplication::instance()->thread());
-            heard.push_back(heardOne);
+            received.push_back(notification);
         });
     }
-    bool hears(std::size_t count) {
-        return BarProcess::eventually([&] { return heard.size() >= count; });
+    bool receives(std::size_t count) {
+        return BarProcess::eventually([&] { return received.size() >= count; });
     }
     static std::unique_ptr<QProcess> start(const QString& program, const QStringList& arguments) {
         auto process = std::make_unique<QProcess>();
@@ -56,7 +56,7 @@ class BusNotificationsTest : public testing::Test {
         const auto ctl = start(HALVEX_CTL, {"background", "request", "Request"});
         return ctl->waitForFinished(60000) ? ctl->exitCode() : -1;
     }
-    /// The process identifiers that the application has written to a file.
+    /// Returns the process identifiers in a file of the application, once there are @p count.
     std::vector<std::string> written(const char* file, std::size_t count) const {
         std::vector<std::string> lines;
         BarProcess::eventually([&] {
@@ -68,7 +68,7 @@ class BusNotificationsTest : public testing::Test {
         });
         return lines;
     }
-    /// A pane for this user, with the peer as its background application.
+    /// Installs a pane for this user, with the peer as its background application.
     void installApplication() const {
         const std::string application =
             "Library/PreferencePanes/Halvex Pro.prefPane/Contents/PlugIns/Halvex.app/Contents/";
@@ -88,7 +88,7 @@ class BusNotificationsTest : public testing::Test {
     const test::ScopedEnvironment libraries{"LD_LIBRARY_PATH", HALVEX_LIBRARIES};
     const test::ScopedEnvironment display{"QT_QPA_PLATFORM", "offscreen"};
     std::shared_ptr<int> self = std::make_shared<int>();
-    std::vector<Notification> heard;
+    std::vector<Notification> received;
     BusNotifications center{bus.addressText()};
 };
 
@@ -96,17 +96,17 @@ bool isRunning(const std::string& process) {
     return std::filesystem::exists("/proc/" + process + "/exe");
 }
 
-TEST_F(BusNotificationsTest, OfSeveralProcessesComeInTheOrderOfEachSender) {
+TEST_F(BusNotificationsTest, DeliversThePostsOfEachProcessInTheirOrder) {
     constexpr int kCount = 300;
     observe("Number");
     const QStringList arguments{"post", "Number", QString::number(kCount)};
     const auto first = start(HALVEX_PEER, arguments);
     const auto second = start(HALVEX_PEER, arguments);
-    ASSERT_TRUE(hears(2 * kCount));
+    ASSERT_TRUE(receives(2 * kCount));
     first->waitForFinished();
     second->waitForFinished();
     std::map<std::int64_t, std::vector<std::int64_t>> numbers;
-    for (const Notification& one : heard)
+    for (const Notification& one : received)
         numbers[*one.userInfo.find("sender")->integer()].push_back(
             *one.userInfo.find("number")->integer());
     ASSERT_EQ(numbers.size(), 2U);
@@ -116,7 +116,7 @@ TEST_F(BusNotificationsTest, OfSeveralProcessesComeInTheOrderOfEachSender) {
     }
 }
 
-TEST_F(BusNotificationsTest, CarryTheirObjectAndEveryValueToTheMainThread) {
+TEST_F(BusNotificationsTest, DeliversObjectsAndAllKindsOfValuesOnTheMainThread) {
     const PropertyList::Dictionary userInfo{
         {"z", "ä\n<&"},
         {"a", -5},
@@ -128,25 +128,25 @@ TEST_F(BusNotificationsTest, CarryTheirObjectAndEveryValueToTheMainThread) {
     };
     observe("Values");
     std::thread([&] {
-        center.post({.name = "Nobody hears this", .object = {}, .userInfo = {}});
+        center.post({.name = "Not observed", .object = {}, .userInfo = {}});
         center.post({.name = "Values", .object = "object", .userInfo = userInfo});
         center.post({.name = "Values", .object = {}, .userInfo = {}});
     }).join();
-    ASSERT_TRUE(hears(2));
-    EXPECT_EQ(heard[0].object, "object");
-    EXPECT_EQ(heard[0].userInfo, userInfo);
-    EXPECT_EQ(heard[1].object, std::nullopt);
-    EXPECT_TRUE(heard[1].userInfo.empty());
+    ASSERT_TRUE(receives(2));
+    EXPECT_EQ(received[0].object, "object");
+    EXPECT_EQ(received[0].userInfo, userInfo);
+    EXPECT_EQ(received[1].object, std::nullopt);
+    EXPECT_TRUE(received[1].userInfo.empty());
 
     center.removeObserver(self, "Values");
     center.post({.name = "Values", .object = {}, .userInfo = {}});
     observe("Last");
     center.post({.name = "Last", .object = {}, .userInfo = {}});
-    ASSERT_TRUE(hears(3));
-    EXPECT_EQ(heard.back().name, "Last");
+    ASSERT_TRUE(receives(3));
+    EXPECT_EQ(received.back().name, "Last");
 }
 
-TEST_F(BusNotificationsTest, ThatMakeNoSenseAreLoggedAndDoNoHarm) {
+TEST_F(BusNotificationsTest, LogsAndIgnoresMalformedNotifications) {
     observe("A");
     const auto send = [&](const QVariantList& arguments) {
         auto message = QDBusMessage::createSignal(kNotificationPath, kNotificationInterface,
@@ -159,25 +159,27 @@ TEST_F(BusNotificationsTest, ThatMakeNoSenseAreLoggedAndDoNoHarm) {
     send({"A", "", "<plist><dict>"});
     center.post({.name = "A", .object = {}, .userInfo = {{"bell", "\a"}}});
     center.post({.name = "A", .object = {}, .userInfo = {}});
-    ASSERT_TRUE(hears(1));
-    for (const char* reason : {"its signature is \"si\"", "its user information is no dictionary",
-                               "notification A is lost: its user information cannot be sent"})
+    ASSERT_TRUE(receives(1));
+    for (const char* reason :
+         {"its signature is \"si\"", "its user information is not a dictionary",
+          "notification A not sent: its user information is not valid XML or exceeds 16 MiB"})
         EXPECT_TRUE(log.contains(reason)) << reason;
     EXPECT_THAT(log.take(), SizeIs(4));
-    EXPECT_THAT(heard, SizeIs(1));
+    EXPECT_THAT(received, SizeIs(1));
 }
 
-TEST_F(BusNotificationsTest, AreLostWithoutABusWhichIsLoggedOnce) {
+TEST_F(BusNotificationsTest, LogsOnceThatThereIsNoBus) {
     bus.kill();
     for (int i = 0; i < 3; ++i)
         center.post({.name = "A", .object = {}, .userInfo = {}});
     observe("A");
-    EXPECT_THAT(log.take(), ElementsAre("no session bus: notifications reach no other program"));
-    EXPECT_TRUE(heard.empty());
+    EXPECT_THAT(log.take(),
+                ElementsAre("notifications do not reach other programs: there is no session bus"));
+    EXPECT_TRUE(received.empty());
 }
 
-TEST_F(BusNotificationsTest, ReachAnApplicationThatIsStartedForThemAndLaterTheSameOne) {
-    EXPECT_EQ(request(), 1) << "nothing is installed";
+TEST_F(BusNotificationsTest, ReachesAnApplicationThatTheFirstRequestStarts) {
+    EXPECT_EQ(request(), 1) << "no application is installed";
     installApplication();
     EXPECT_EQ(request(), 0);
     EXPECT_THAT(written("requests", 1), SizeIs(1));
@@ -198,14 +200,14 @@ TEST_F(BusNotificationsTest, ReachAnApplicationThatIsStartedForThemAndLaterTheSa
     EXPECT_TRUE(BarProcess::eventually([&] { return !isRunning(both[0]); }));
 }
 
-/// An item in this process, and the application that it hands "Request" over to.
-class RealHandOver : public BusNotificationsTest {
+/// An item in this process that hands a request over to the background application.
+class HandOver : public BusNotificationsTest {
   protected:
     void SetUp() override {
         BusNotificationsTest::SetUp();
         installApplication();
     }
-    /// Leaves no application to the tests that take their turn next.
+    /// Kills the applications, which later tests would find.
     void TearDown() override {
         for (const std::string& process : written("requests", 0))
             end(process);
@@ -220,30 +222,30 @@ class RealHandOver : public BusNotificationsTest {
     }
     void handOver() const { item->HalvexLaunchThread("Request"); }
 
-    /// A program has one to its end.
+    /// One for the whole program: it cannot be destroyed.
     static qt::QtMainThread& mainLoop() {
         static qt::QtMainThread loop;
         return loop;
     }
 
     qt::QtWorkspace workspace;
-    ScopedService<MainThread> mainLoopInPlace{mainLoop()};
-    ScopedService<Workspace> workspaceInPlace{workspace};
-    ScopedService<DistributedNotificationCenter> centerInPlace{center};
+    ScopedService<MainThread> mainLoopService{mainLoop()};
+    ScopedService<Workspace> workspaceService{workspace};
+    ScopedService<DistributedNotificationCenter> centerService{center};
     std::shared_ptr<HalvexMenuExtraBase> item = std::make_shared<HalvexMenuExtraBase>();
 };
 
-TEST_F(RealHandOver, ToAnApplicationThatIsKilledMeanwhileIsLostAndTheNextOneStartsAnother) {
+TEST_F(HandOver, LosesTheRequestIfTheApplicationIsKilledAndStartsAnotherNextTime) {
     const std::string first = startedApplication();
     handOver();
     end(first);
-    QCoreApplication::processEvents(); // notifies nobody
+    QCoreApplication::processEvents(); // posts to no observer
     EXPECT_THAT(log.take(), IsEmpty());
     EXPECT_EQ(request(), 0);
     EXPECT_THAT(written("requests", 2), ElementsAre(first, Ne(first)));
 }
 
-TEST_F(RealHandOver, ToAnApplicationThatHangsWaitsForNothingAndArrivesInTheEnd) {
+TEST_F(HandOver, DoesNotWaitForAHangingApplicationWhichReceivesTheRequestLater) {
     const std::string application = startedApplication();
     kill(std::stoi(application), SIGSTOP);
     QElapsedTimer timer;
@@ -251,7 +253,7 @@ TEST_F(RealHandOver, ToAnApplicationThatHangsWaitsForNothingAndArrivesInTheEnd) 
     handOver();
     QCoreApplication::processEvents();
     EXPECT_LT(timer.elapsed(), 1000);
-    EXPECT_EQ(request(), 0) << "another process is not held up either";
+    EXPECT_EQ(request(), 0) << "another process does not wait either";
     EXPECT_THAT(written("requests", 1), SizeIs(1));
     kill(std::stoi(application), SIGCONT);
     EXPECT_THAT(written("requests", 3), ElementsAre(application, application, application));
