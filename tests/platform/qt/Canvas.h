@@ -10,7 +10,7 @@
 
 namespace test {
 
-/// An image that drawing goes to for as long as it lives, transparent at first.
+/// A transparent image, and the current graphics context for it.
 class Canvas {
   public:
     Canvas(double width, double height, double scale = 1)
@@ -26,14 +26,14 @@ class Canvas {
     platform::qt::QtGraphics& graphics() { return graphics_; }
     QImage& image() { return image_; }
 
-    /// Premultiplied alpha, red, green, blue of a pixel, counted from the top left.
+    /// Returns premultiplied alpha, red, green and blue. Coordinates are from the top left.
     std::array<int, 4> at(int x, int y) const {
         const QRgb pixel = reinterpret_cast<const QRgb*>(image_.constScanLine(y))[x];
         return {qAlpha(pixel), qRed(pixel), qGreen(pixel), qBlue(pixel)};
     }
     int alphaAt(int x, int y) const { return at(x, y)[0]; }
 
-    /// The pixels that are not transparent.
+    /// Returns the bounds of the pixels that are not transparent.
     QRect ink() const {
         QRect ink;
         for (int y = 0; y < image_.height(); ++y)
@@ -42,7 +42,7 @@ class Canvas {
                     ink |= QRect(x, y, 1, 1);
         return ink;
     }
-    /// The sum of all alphas in an area, in whole pixels.
+    /// Returns the sum of the alpha in an area, where an opaque pixel counts as 1.
     double coverage(const QRect& area) const {
         double sum = 0;
         for (int y = area.top(); y <= area.bottom(); ++y)

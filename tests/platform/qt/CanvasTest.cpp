@@ -20,7 +20,7 @@ namespace {
 constexpr auto kOver = CompositingOperation::SourceOver;
 constexpr int kTolerance = 6;
 
-/// Straight red, green, blue, alpha of a pixel, counted from the top left.
+/// Returns unpremultiplied red, green, blue and alpha. Coordinates are from the top left.
 std::array<int, 4> pixel(const Image& image, int x, int y, double scale = 1) {
     const QColor color = dynamic_cast<const QtImage&>(image).pixelsForScale(scale).pixelColor(x, y);
     return {color.red(), color.green(), color.blue(), color.alpha()};
@@ -44,7 +44,7 @@ class Drawing : public testing::Test {
     test::RecordingLog log;
 };
 
-TEST_F(Drawing, RoundsCanvasesUpAndLeavesWhatLiesBeyondTransparent) {
+TEST_F(Drawing, RoundsTheSizeOfImagesUpToWholePixels) {
     const std::tuple<Size, double, QSize> cases[] = {
         {{100, 50}, 1, {100, 50}},   {{100.7, 50.2}, 1, {101, 51}}, {{100.7, 50.2}, 2, {202, 101}},
         {{0.1 * 3, 1}, 10, {3, 10}}, {{0, 5}, 1, {0, 0}},           {{-4, 5}, 1, {0, 0}},
@@ -62,10 +62,10 @@ TEST_F(Drawing, RoundsCanvasesUpAndLeavesWhatLiesBeyondTransparent) {
     });
     EXPECT_TRUE(pixelsOf(*tooLarge).isNull());
     EXPECT_EQ(log.take().size(), 1U);
-    EXPECT_ANY_THROW(graphics.currentContext()) << "drawing is over";
+    EXPECT_ANY_THROW(graphics.currentContext()) << "drawing has ended";
 }
 
-TEST(CornerArc, TouchesLinesThatMeetAtAnyAngleOrIsNone) {
+TEST(CornerArc, IsTangentToBothLinesAndNulloptForDegenerateCorners) {
     const auto blunt = cornerArc({0, 0}, {10, 0}, {20, 10}, 3);
     ASSERT_TRUE(blunt);
     EXPECT_NEAR(10 - blunt->start.x, 3 * std::tan(std::acos(-1.0) / 8), 1e-9);
@@ -78,7 +78,7 @@ TEST(CornerArc, TouchesLinesThatMeetAtAnyAngleOrIsNone) {
         EXPECT_FALSE(cornerArc(from, corner, to, radius)) << corner.x << ' ' << to.x;
 }
 
-/// How much of a pixel lies in a circle, in 255ths.
+/// Returns how much of a pixel is inside a circle, from 0 to 255.
 double circleCoverage(double centerX, double centerY, double radius, int x, int y) {
     int hits = 0;
     for (int i = 0; i < 256; ++i)
@@ -89,7 +89,7 @@ double circleCoverage(double centerX, double centerY, double radius, int x, int 
     return hits * 255 / 256.0;
 }
 
-TEST_F(Drawing, PaintsThePanelsGroundWithRoundOuterAndSquareInnerCorners) {
+TEST_F(Drawing, DrawsThePanelBackgroundWithOnlyTheOuterCornersRounded) {
     for (const double scale : {1.0, 2.0}) {
         SCOPED_TRACE(scale);
         graphics.setDrawingScale(scale);
@@ -101,11 +101,11 @@ TEST_F(Drawing, PaintsThePanelsGroundWithRoundOuterAndSquareInnerCorners) {
         const auto is = [](int white) { return IsNear(std::array{white, white, white, 191}, 1); };
         EXPECT_THAT(at(50 * unit, 10 * unit), is(64));
         EXPECT_THAT(at(50 * unit, 40 * unit), is(26));
-        // Square where they meet, without a seam.
+        // Title bar and body meet in square corners, without a seam.
         EXPECT_THAT(at(0, 19 * unit - 1), is(64));
         EXPECT_THAT(at(0, 19 * unit), is(26));
         EXPECT_THAT(at(100 * unit - 1, 19 * unit), is(26));
-        EXPECT_EQ(at(100 * unit, 25 * unit)[3], 0) << "beyond the whole point";
+        EXPECT_EQ(at(100 * unit, 25 * unit)[3], 0) << "the fractional point stays transparent";
         for (int y = 0; y < 6 * unit; ++y)
             for (int x = 0; x < 6 * unit; ++x) {
                 const double inside = 0.75 * circleCoverage(6 * scale, 6 * scale, 6 * scale, x, y);
@@ -116,7 +116,7 @@ TEST_F(Drawing, PaintsThePanelsGroundWithRoundOuterAndSquareInnerCorners) {
     }
 }
 
-/// The columns that are brighter than the title bar; null when none is.
+/// Returns the bounds of the pixels of the title bar with text on them, or a null rectangle.
 QRect titleInk(const Image& image) {
     QRect ink;
     const QImage& pixels = pixelsOf(image);
@@ -127,26 +127,26 @@ QRect titleInk(const Image& image) {
     return ink;
 }
 
-TEST_F(Drawing, CentersTheTitleOrCutsItBetweenItsMargins) {
-    const auto ground = [&](double width, const std::string& title) {
+TEST_F(Drawing, CentersThePanelTitleOrTruncatesItAtTheMargins) {
+    const auto titleBounds = [&](double width, const std::string& title) {
         const Size size{width, 60};
         return titleInk(*graphics.imageByDrawing(
             size, [&](GraphicsContext& context) { drawHUDBackground(context, size, title); }));
     };
-    const QRect centered = ground(200, "Clock");
+    const QRect centered = titleBounds(200, "Clock");
     EXPECT_NEAR(centered.center().x(), 100, 2);
     EXPECT_NEAR(centered.center().y(), 9, 2.5);
-    const QRect cut = ground(120, "A title that is much too wide for this panel");
+    const QRect cut = titleBounds(120, "A title that is much too wide for this panel");
     EXPECT_GE(cut.left(), 19);
     EXPECT_LT(cut.right(), 101);
     EXPECT_GT(cut.width(), 65);
     for (const double width : {38.0, 20.0, 3.0})
-        EXPECT_TRUE(ground(width, "Clock").isNull()) << width;
-    EXPECT_TRUE(ground(200, "").isNull());
+        EXPECT_TRUE(titleBounds(width, "Clock").isNull()) << width;
+    EXPECT_TRUE(titleBounds(200, "").isNull());
 }
 
-TEST(Truncation, CutsBetweenCharactersAsPeopleCountThem) {
-    // Each byte a point wide, the ellipsis three.
+TEST(Truncation, CutsBetweenGraphemeClusters) {
+    // Each byte is 1 point wide, and so the ellipsis 3.
     const auto measure = [](const AttributedString& text) {
         return Size{static_cast<double>(text.length()), 10};
     };
@@ -156,7 +156,7 @@ TEST(Truncation, CutsBetweenCharactersAsPeopleCountThem) {
         {"somewhat longer", 9, "somewh\u2026"},
         {"ab" + accented + "cdef", 7, "ab\u2026"},
         {"ab" + accented + "cdef", 8, "ab" + accented + "\u2026"},
-        {"none fits", 2.9, ""},
+        {"nothing fits", 2.9, ""},
         {"bare ellipsis", 3, "\u2026"},
         {std::string(1 << 22, 'x'), 8, "xxxxx\u2026"},
     };
@@ -173,7 +173,7 @@ TEST(Truncation, CutsBetweenCharactersAsPeopleCountThem) {
     EXPECT_EQ(cut.attributesAt(cut.length() - 1), bold);
 }
 
-TEST_F(Drawing, TintsWhatIsPaintedAndLeavesTheReceiver) {
+TEST_F(Drawing, TintsVisiblePixelsAndLeavesTheReceiverUnchanged) {
     QImage icon(2, 1, QImage::Format_ARGB32);
     icon.setPixel(0, 0, qRgba(0, 0, 255, 128));
     icon.setPixel(1, 0, qRgba(0, 0, 0, 0));
@@ -183,13 +183,13 @@ TEST_F(Drawing, TintsWhatIsPaintedAndLeavesTheReceiver) {
     EXPECT_EQ(pixel(*red, 1, 0)[3], 0);
     const auto pattern = colorWithPatternImage(std::make_shared<QtImage>(icon));
     const auto plain = HalvexTintedImage::tintedImageWithColor(image, pattern);
-    EXPECT_EQ(pixelsOf(*plain), pixelsOf(image)) << "a pattern tints nothing";
-    EXPECT_EQ(pixelsOf(image), QtImage(icon).pixelsForScale(1)) << "the receiver stays as it was";
+    EXPECT_EQ(pixelsOf(*plain), pixelsOf(image)) << "a pattern colour does not tint";
+    EXPECT_EQ(pixelsOf(image), QtImage(icon).pixelsForScale(1)) << "the receiver does not change";
     const auto nothing = HalvexTintedImage::tintedImageWithColor(QtImage(QImage()), {1, 0, 0, 1});
     EXPECT_EQ(nothing->size(), Size());
 }
 
-TEST_F(Drawing, FillsWhatAPathWindsAroundByAnyOperation) {
+TEST_F(Drawing, FillsPathsWithEveryOperation) {
     BezierPath square;
     square.moveToPoint({1, 1});
     for (const Point corner : {Point{5, 1}, Point{5, 5}, Point{1, 5}})
@@ -209,7 +209,7 @@ TEST_F(Drawing, FillsWhatAPathWindsAroundByAnyOperation) {
     }
 }
 
-TEST(QtGraphics, DrawsIntoTheInnermostContextAndIntoNoneOutside) {
+TEST(QtGraphics, DrawsIntoTheInnermostContextAndThrowsWithoutOne) {
     test::Canvas outer(4, 4);
     QImage inner(4, 4, QImage::Format_ARGB32_Premultiplied);
     inner.fill(Qt::transparent);
@@ -230,7 +230,7 @@ TEST(QtGraphics, DrawsIntoTheInnermostContextAndIntoNoneOutside) {
     EXPECT_THROW(QtGraphics().currentContext(), Exception);
 }
 
-TEST(QtGraphics, LeavesTheTargetWholeWhateverItsFormatRatioAndOwners) {
+TEST(QtGraphics, DrawsIntoImagesOfAnyFormatAndPixelRatioWithoutChangingCopies) {
     QtGraphics graphics;
     QImage target(80, 40, QImage::Format_RGB32);
     target.fill(Qt::white);
@@ -245,7 +245,7 @@ TEST(QtGraphics, LeavesTheTargetWholeWhateverItsFormatRatioAndOwners) {
     EXPECT_EQ(target.devicePixelRatio(), 2);
 }
 
-TEST(QtGraphics, RestoresEverySettingThatWasSavedLevelByLevel) {
+TEST(QtGraphics, RestoresSavedSettingsInReverseOrder) {
     test::Canvas canvas(60, 20);
     const auto draw = [&] {
         canvas->fillRect({{0, 0}, {60, 20}}, {1, 1, 0, 0.5}, CompositingOperation::Copy);

@@ -24,7 +24,7 @@ QImage plain(int width, int height, const QColor& color) {
     return image;
 }
 
-/// 4 x 4 with a corner of its own colour each: red and green above, blue and white below.
+/// Returns 4 x 4 pixels: red and green in the upper corners, blue and white in the lower ones.
 QImage fourCorners() {
     QImage image = plain(4, 4, Qt::white);
     for (int i = 0; i < 4; ++i) {
@@ -42,7 +42,7 @@ void draw(Canvas& canvas, const platform::Image& image, const Rect& destination,
 
 } // namespace
 
-TEST(QtImage, IsReadWithItsSiblingsAndDrawnFromTheOneThatFitsTheScale) {
+TEST(QtImage, LoadsItsSiblingsAndDrawsThePixelsForTheScale) {
     const test::TemporaryFolder folder;
     const QString base = QString::fromStdString(folder.file("a.b"));
     ASSERT_TRUE(plain(5, 4, Qt::red).save(base + ".png"));
@@ -65,13 +65,13 @@ TEST(QtImage, IsReadWithItsSiblingsAndDrawnFromTheOneThatFitsTheScale) {
     }
 }
 
-TEST(QtImage, ThatCannotBeReadIsLoggedAndNull) {
+TEST(QtImage, IsNullAndLoggedIfTheFileCannotBeRead) {
     test::RecordingLog log;
     const test::TemporaryFolder folder;
     ASSERT_TRUE(plain(4, 4, Qt::red).save(QString::fromStdString(folder.file("fine.png"))));
     folder.write("fine@2x.png", "no image");
     folder.write("broken.png", "\x89PNG\r\n\x1a\nbroken");
-    // A header that claims 60000 x 60000 pixels of four bytes.
+    // The header declares 60000 x 60000 pixels.
     folder.write("absurd.ppm", "P6 60000 60000 255\n");
     ASSERT_EQ(mkfifo(folder.file("pipe.png").c_str(), 0600), 0);
     for (const char* name : {"missing.png", "broken.png", "absurd.ppm", "pipe.png", ""}) {
@@ -83,7 +83,7 @@ TEST(QtImage, ThatCannotBeReadIsLoggedAndNull) {
     EXPECT_THAT(log.take(), ElementsAre(HasSubstr("fine@2x.png cannot be read: ")));
 }
 
-TEST(QtImage, StandsUprightAndIsCutFromTheBottomLeft) {
+TEST(QtImage, IsDrawnUprightWithSourceRectanglesFromTheBottomLeft) {
     const QtImage image(fourCorners());
     for (const int scale : {1, 2}) {
         SCOPED_TRACE(scale);
@@ -95,19 +95,19 @@ TEST(QtImage, StandsUprightAndIsCutFromTheBottomLeft) {
         EXPECT_EQ(canvas.image().pixelColor(4 * scale - 1, last - 4 * scale + 1),
                   QColor(Qt::green));
         EXPECT_EQ(canvas.ink(), QRect(0, 6 * scale, 4 * scale, 4 * scale));
-        // Enlarged, no neighbour outside of the source rectangle shines in.
+        // Pixels outside of the source rectangle do not blend in.
         draw(canvas, image, {{5, 5}, {4, 4}}, {{0, 2}, {2, 2}});
         EXPECT_EQ(canvas.image().pixelColor(5 * scale, 5 * scale - 1), QColor(Qt::red));
         EXPECT_EQ(canvas.image().pixelColor(9 * scale - 1, scale), QColor(Qt::red));
     }
-    // What the source rectangle has beyond the image is empty, and the rest keeps its place.
+    // The part of the source rectangle outside of the image is transparent.
     Canvas canvas(8, 8);
     draw(canvas, image, {{0, 0}, {8, 8}}, {{-2, -2}, {8, 8}});
     EXPECT_EQ(canvas.ink(), QRect(2, 2, 4, 4));
     EXPECT_EQ(canvas.image().pixelColor(2, 5), QColor(Qt::blue));
 }
 
-TEST(QtImage, IsSmoothWhenScaled) {
+TEST(QtImage, IsAveragedWhenShrunk) {
     QImage stripes = plain(16, 16, Qt::transparent);
     for (int x = 0; x < 16; x += 2)
         for (int y = 0; y < 16; ++y)

@@ -12,7 +12,7 @@ using platform::qt::QtMenu;
 
 namespace {
 
-/// Allows some titles and records what was chosen.
+/// Enables all items but some, and records the chosen ones.
 class Target final : public MenuTarget {
   public:
     std::string chosen;
@@ -41,7 +41,7 @@ class QtMenuTest : public testing::Test {
     Menu menu;
 };
 
-TEST_F(QtMenuTest, ShowsTitlesStatesSeparatorsAndWhatCanBeChosen) {
+TEST_F(QtMenuTest, ShowsTitlesStatesSeparatorsAndDisabledItems) {
     menu.addItem("Cut & paste\nx", target->choose(), target).setState(MenuItem::State::On);
     menu.addSeparator();
     menu.addItem("forbidden", target->choose(), target);
@@ -56,14 +56,15 @@ TEST_F(QtMenuTest, ShowsTitlesStatesSeparatorsAndWhatCanBeChosen) {
     }
     EXPECT_EQ(rows, "Cut && paste x checked\n----\nforbidden disabled\nthrows disabled\n"
                     "a heading disabled\n");
-    EXPECT_TRUE(log.contains("test.item")) << "what a target throws is logged with its name";
-    const auto endless = std::make_shared<Menu>();
-    endless->addItem("itself", {}, target).setSubmenu(endless);
-    EXPECT_FALSE(QtMenu(*endless, "test.item").actions().front()->isEnabled());
-    endless->removeAllItems();
+    EXPECT_TRUE(log.contains("test.item"))
+        << "an exception from the target is logged with the owner";
+    const auto cyclic = std::make_shared<Menu>();
+    cyclic->addItem("itself", {}, target).setSubmenu(cyclic);
+    EXPECT_FALSE(QtMenu(*cyclic, "test.item").actions().front()->isEnabled());
+    cyclic->removeAllItems();
 }
 
-TEST_F(QtMenuTest, FollowsTitlesAndStatesWhileItIsOpen) {
+TEST_F(QtMenuTest, FollowsChangesOfTitlesAndStates) {
     MenuItem& item = menu.addItem("12:00", target->choose(), target);
     auto shown = std::make_unique<QtMenu>(menu, "test.item");
     item.setTitle("12:01");
@@ -71,27 +72,27 @@ TEST_F(QtMenuTest, FollowsTitlesAndStatesWhileItIsOpen) {
     EXPECT_EQ(shown->actions().front()->text(), "12:01");
     EXPECT_TRUE(shown->actions().front()->isChecked());
     shown.reset();
-    item.setTitle("nobody shows this any more");
+    item.setTitle("after the widget was destroyed");
 }
 
-TEST_F(QtMenuTest, TheKeyboardChoosesInMenusAndSubmenusAndLeadsOut) {
+TEST_F(QtMenuTest, LetsTheKeyboardChooseItemsAndLeaveTheMenu) {
     const auto submenu = std::make_shared<Menu>();
     submenu->addItem("inner", target->choose(), target);
     menu.addItem("first", target->choose(), target);
     menu.addItem("forbidden", target->choose(), target);
     menu.addItem("more", {}, target).setSubmenu(submenu);
     QtMenu shown(menu, "test.item");
-    std::string went;
+    std::string directions;
     QObject::connect(&shown, &QtMenu::neighbourWanted,
-                     [&](int direction) { went += direction < 0 ? "left;" : "right;"; });
+                     [&](int direction) { directions += direction < 0 ? "left;" : "right;"; });
 
     press(shown, {Qt::Key_Down, Qt::Key_Return});
     press(shown, {Qt::Key_Down, Qt::Key_Down, Qt::Key_Return, Qt::Key_Return});
-    EXPECT_EQ(target->chosen, "first;inner;") << "what is disabled is passed over";
+    EXPECT_EQ(target->chosen, "first;inner;") << "disabled items are skipped";
     press(shown, {Qt::Key_Left});
     press(shown, {Qt::Key_Down, Qt::Key_Right});
     press(shown, {Qt::Key_Up, Qt::Key_Right, Qt::Key_Left, Qt::Key_Escape});
-    EXPECT_EQ(went, "left;right;") << "a submenu opens and closes first";
+    EXPECT_EQ(directions, "left;right;") << "inside the menu, the keys open and close submenus";
     EXPECT_FALSE(shown.isVisible());
     EXPECT_EQ(target->chosen, "first;inner;");
 }

@@ -1,8 +1,8 @@
-#include "platform/qt/QtPanelService.h"
 #include "platform/expat/ExpatPropertyLists.h"
 #include "platform/qt/PanelButton.h"
 #include "platform/qt/PanelWidget.h"
 #include "platform/qt/QtGraphics.h"
+#include "platform/qt/QtPanelService.h"
 #include "ui/HUDWindow.h"
 
 #include <gmock/gmock.h>
@@ -21,19 +21,19 @@ namespace {
 
 class Target final : public ActionTarget {
   public:
-    std::vector<std::string> heard;
-    std::function<void()> after = [] {};
+    std::vector<std::string> actions;
+    std::function<void()> onAction = [] {};
 
     bool respondsToSelector(const Selector&) const override { return true; }
     void performSelector(const Selector& selector, ActionSender&) override {
-        heard.push_back(selector);
-        after();
+        actions.push_back(selector);
+        onAction();
     }
 };
 
 constexpr int kMargin = 14; // of the shadow around the frame
 
-/// A shown panel of 200 x 119 points with an "i" button; the mouse and the keys are the toolkit's.
+/// A visible panel of 200 x 119 points with an "i" button.
 class ShownPanel : public testing::Test {
   protected:
     ShownPanel() {
@@ -50,11 +50,11 @@ class ShownPanel : public testing::Test {
         EXPECT_TRUE(QTest::qWaitForWindowExposed(widget));
     }
 
-    /// A point of the widget by its distance to the frame's top left corner.
+    /// Returns a point of the widget, given from the top left corner of the frame.
     static QPoint at(int x, int y) { return {kMargin + x, kMargin + y}; }
     void drag(QPoint from, QPoint by) {
         QTest::mousePress(widget, Qt::LeftButton, {}, from);
-        // The widget follows the mouse, so that what moves is where it is on the screen.
+        // On the screen, since the widget moves with the mouse.
         const QPoint start = widget->mapToGlobal(from);
         for (const int part : {1, 2}) {
             const QPoint now = start + by * part / 2;
@@ -74,15 +74,15 @@ class ShownPanel : public testing::Test {
     QPointer<PanelWidget> widget;
 };
 
-TEST_F(ShownPanel, IsResizedByItsEdgesAndItsIndicatorAndDraggedByItsTitle) {
+TEST_F(ShownPanel, IsResizedByItsEdgesAndIndicatorAndMovedByItsTitle) {
     const std::tuple<const char*, QPoint, QPoint, Rect> cases[] = {
         {"indicator", at(190, 110), {50, 20}, {{100, 180}, {250, 139}}},
         {"right edge", at(248, 60), {-50, 7}, {{100, 180}, {200, 139}}},
         {"lower edge", at(90, 137), {9, -20}, {{100, 200}, {200, 119}}},
         {"upper left corner", at(1, 1), {-10, -20}, {{90, 200}, {210, 139}}},
         {"title", at(20, 10), {-40, -30}, {{50, 230}, {210, 139}}},
-        {"the corner again", at(1, 1), {10, 20}, {{60, 230}, {200, 119}}},
-        {"to the smallest", at(198, 60), {-400, 0}, {{60, 230}, {76, 119}}},
+        {"upper left corner inwards", at(1, 1), {10, 20}, {{60, 230}, {200, 119}}},
+        {"right edge to the minimum", at(198, 60), {-400, 0}, {{60, 230}, {76, 119}}},
     };
     for (const auto& [edge, from, by, frame] : cases) {
         SCOPED_TRACE(edge);
@@ -92,24 +92,24 @@ TEST_F(ShownPanel, IsResizedByItsEdgesAndItsIndicatorAndDraggedByItsTitle) {
         const int screen = QGuiApplication::primaryScreen()->geometry().height();
         EXPECT_EQ(widget->geometry().top() + kMargin, screen - frame.origin.y - frame.size.height);
     }
-    EXPECT_TRUE(target->heard.empty()) << "a drag is no click";
+    EXPECT_TRUE(target->actions.empty()) << "a drag is not a click";
     const Rect button = panel->contentView().buttons().front()->frame();
     EXPECT_EQ(button.origin, (Point{76 - 16, 84}));
     const auto* shown = widget->findChild<PanelButton*>();
     EXPECT_EQ(shown->mapTo(widget, QPoint()), at(60, 19 + 3));
 }
 
-TEST_F(ShownPanel, IsWorkedWithTheKeyboardAndNamedForThoseWhoHearIt) {
+TEST_F(ShownPanel, CanBeUsedByKeyboardAndScreenReader) {
     auto* button = widget->findChild<PanelButton*>();
     QTest::mouseClick(widget, Qt::RightButton, {}, at(80, 60));
-    EXPECT_THAT(target->heard, ElementsAre());
+    EXPECT_THAT(target->actions, ElementsAre());
     QTest::keyClick(widget, Qt::Key_Return);
     widget->setFocus();
     QTest::keyClick(widget, Qt::Key_Tab);
     EXPECT_TRUE(button->hasFocus());
     QTest::keyClick(button, Qt::Key_Space);
     QTest::keyClick(button, Qt::Key_Return);
-    EXPECT_THAT(target->heard, ElementsAre("panel", "button", "button"));
+    EXPECT_THAT(target->actions, ElementsAre("panel", "button", "button"));
     QTest::keyClick(widget, Qt::Key_Right, Qt::ControlModifier);
     QTest::keyClick(widget, Qt::Key_Down, Qt::ControlModifier | Qt::ShiftModifier);
     EXPECT_EQ(panel->frame(), (Rect{{116, 184}, {200, 135}}));
@@ -126,18 +126,18 @@ TEST_F(ShownPanel, IsWorkedWithTheKeyboardAndNamedForThoseWhoHearIt) {
     EXPECT_EQ(closed, 1);
 }
 
-TEST_F(ShownPanel, LivesThroughAnActionThatLetsItGoOrThrows) {
-    target->after = [] { throw 1; };
+TEST_F(ShownPanel, SurvivesActionsThatThrowOrReleaseIt) {
+    target->onAction = [] { throw 1; };
     QTest::mouseClick(widget, Qt::LeftButton, {}, at(80, 60));
-    target->after = [this] { panel.reset(); };
+    target->onAction = [this] { panel.reset(); };
     QTest::mouseClick(widget, Qt::LeftButton, {}, at(80, 60));
-    EXPECT_EQ(target->heard.size(), 2U);
+    EXPECT_EQ(target->actions.size(), 2U);
     EXPECT_FALSE(panel);
     QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
     EXPECT_FALSE(widget);
 }
 
-TEST_F(ShownPanel, GrowsInStepsWithoutAStaleGround) {
+TEST_F(ShownPanel, IsResizedInStepsEachWithANewBackground) {
     std::vector<Size> sizes;
     panel->setResizeObserver([&] {
         panel->windowDidResize();
@@ -152,7 +152,7 @@ TEST_F(ShownPanel, GrowsInStepsWithoutAStaleGround) {
     EXPECT_EQ(picture.size(), QSize(300 + 2 * kMargin, 220 + 2 * kMargin));
     const auto alphaAt = [&](QPoint point) { return picture.pixelColor(point).alpha(); };
     EXPECT_EQ(alphaAt(at(150, 100)), 191);
-    EXPECT_EQ(alphaAt(at(150, 0)), 0) << "the part of a point above the frame";
+    EXPECT_EQ(alphaAt(at(150, 0)), 0) << "the fractional point at the top";
     EXPECT_GT(alphaAt(at(150, -2)), 20) << "the shadow";
     EXPECT_EQ(alphaAt({0, 0}), 0);
 }

@@ -20,12 +20,12 @@ TextAttributes inFont(std::string family, double size, bool bold = false) {
     return {Font{std::move(family), size, bold}, {}, {}};
 }
 
-/// Text that only its shadow shows, at a place with room around it.
+/// Returns text of two full blocks.
 AttributedString block(std::optional<Shadow> shadow, const Color& color = {1, 0, 0, 1}) {
     return AttributedString("\u2588\u2588", {.foregroundColor = color, .shadow = shadow});
 }
 
-/// The centre of gravity of what is drawn.
+/// Returns the centre of mass of the alpha.
 QPointF center(Canvas& canvas) {
     QPointF sum;
     for (int y = 0; y < canvas.image().height(); ++y)
@@ -36,7 +36,7 @@ QPointF center(Canvas& canvas) {
 
 } // namespace
 
-TEST(Text, StandsUprightWithItsBoxsLowerLeftCornerAtThePoint) {
+TEST(Text, IsDrawnUprightWithTheLowerLeftCornerOfItsBoxAtThePoint) {
     for (const double scale : {1.0, 1.5, 2.0}) {
         SCOPED_TRACE(scale);
         Canvas canvas(60, 40, scale);
@@ -47,7 +47,7 @@ TEST(Text, StandsUprightWithItsBoxsLowerLeftCornerAtThePoint) {
         const double bottom = 28 * scale;
         EXPECT_NEAR(ink.left(), 10 * scale, 2 * scale);
         EXPECT_NEAR(ink.width(), box.width * scale, 3 * scale);
-        // Only the foot of an L is broad, and what lies below the foot is the descent.
+        // Only the foot of an L is wide; the descent is below it.
         const auto row = [&](int y) { return canvas.coverage(QRect(0, y, ink.right() + 1, 1)); };
         EXPECT_GT(row(ink.bottom()), 1.8 * row(ink.top() + 2));
         EXPECT_NEAR(bottom - ink.bottom() - 1, 0.236 * 14 * scale, 1 + scale / 2);
@@ -79,7 +79,7 @@ TEST(Text, IsMeasuredByAdvanceWidthAndAscentPlusDescent) {
     EXPECT_EQ(both.height, large.height);
 }
 
-TEST(Text, ChangesOnlyTheGlyphsPixelsWhateverTheOperation) {
+TEST(Text, ChangesOnlyTheGlyphsPixelsWithEveryOperation) {
     const AttributedString text("Xor 8", {{}, platform::Color{1, 0, 0, 1}, {}});
     Canvas glyphs(60, 20);
     glyphs->drawText(text, {5, 2});
@@ -95,14 +95,14 @@ TEST(Text, ChangesOnlyTheGlyphsPixelsWhateverTheOperation) {
                 ASSERT_TRUE(shape > 0 || canvas.at(x, y) == before) << number << ": " << x;
                 if (number != 10)
                     continue;
-                // Opaque red: the ground leaves as the glyph comes, less where it was.
+                // With opaque red on a translucent background.
                 ASSERT_NEAR(canvas.at(x, y)[3], (1 - shape) * before[3], 1.1);
                 ASSERT_NEAR(canvas.at(x, y)[1], shape * (255 - before[0]), 1.1);
             }
     }
 }
 
-TEST(Text, IsFilledOutlinedOrBothAsTheModeSays) {
+TEST(Text, IsFilledAndOutlinedAccordingToTheDrawingMode) {
     std::deque<Canvas> canvases;
     for (const auto mode : {TextDrawingMode::Fill, TextDrawingMode::Stroke,
                             TextDrawingMode::FillStroke, TextDrawingMode::Invisible}) {
@@ -121,7 +121,7 @@ TEST(Text, IsFilledOutlinedOrBothAsTheModeSays) {
     EXPECT_EQ(canvases[3].coverage(), 0);
 }
 
-TEST(Text, OfAnyKindIsDrawn) {
+TEST(Text, IsDrawnInEveryScriptAndFromMalformedUtf8) {
     for (const std::string text :
          {"\xFF\xFE", "a\xC3", "مرحبا", "😀👩‍👩‍👧", "e\u0301\u0301"}) {
         SCOPED_TRACE(text);
@@ -138,7 +138,7 @@ TEST(Text, OfAnyKindIsDrawn) {
     EXPECT_EQ(canvas.coverage(), 0);
 }
 
-TEST(Text, RefusesAttributesBeyondItsEnd) {
+TEST(Text, ThrowsForAttributesBeyondTheEnd) {
     AttributedString text("abc");
     text.addShadow({}, 3, 0);
     EXPECT_THROW(text.addShadow({}, 4, 0), platform::Exception);
@@ -146,7 +146,7 @@ TEST(Text, RefusesAttributesBeyondItsEnd) {
     EXPECT_EQ(text, AttributedString("abc"));
 }
 
-TEST(Text, InAMissingFontIsLoggedOncePerFamilyAndDrawn) {
+TEST(Text, LogsAMissingFontOncePerFamilyAndUsesAnother) {
     test::RecordingLog log;
     Canvas canvas(60, 20);
     for (const double size : {12, 13})
@@ -155,30 +155,30 @@ TEST(Text, InAMissingFontIsLoggedOncePerFamilyAndDrawn) {
     EXPECT_GT(canvas.coverage(), 0);
     QFont missing(QStringLiteral("Nowhere One"));
     const std::string found = QFontInfo(missing).family().toStdString();
-    EXPECT_THAT(log.take(), ElementsAre("font Nowhere One is missing, drawing with " + found,
-                                        "font Nowhere Two is missing, drawing with " + found));
+    EXPECT_THAT(log.take(), ElementsAre("font Nowhere One not found: using " + found,
+                                        "font Nowhere Two not found: using " + found));
 }
 
-TEST(TextShadow, FallsByItsOffsetAndKeepsItsWeight) {
+TEST(TextShadow, IsMovedByItsOffsetAndKeepsItsTotalAlpha) {
     for (const double scale : {1.0, 1.5, 2.0}) {
         Canvas text(120, 100, scale);
         text->drawText(block({}), {40, 40});
         for (const auto& [x, y, blurRadius] :
              {std::array{30.0, 0.0, 0.0}, {0, 30, 1.5}, {-30, -30, 5}, {1, -1, 10}}) {
             SCOPED_TRACE(testing::Message() << scale << ": " << x << " " << y);
-            // The text's place is taken out by drawing it far outside of the canvas.
+            // The text itself is outside of the canvas.
             Canvas shadow(120, 100, scale);
             shadow->drawText(block(Shadow{{x + 1000, y}, blurRadius, {0, 0, 0, 1}}), {-960, 40});
             EXPECT_NEAR(shadow.coverage(), text.coverage(), text.coverage() * 0.02);
-            const QPointF fall = center(shadow) - center(text);
-            EXPECT_NEAR(fall.x(), x * scale, 0.3);
-            EXPECT_NEAR(fall.y(), -y * scale, 0.55) << "glyphs stand on whole rows of pixels";
+            const QPointF distance = center(shadow) - center(text);
+            EXPECT_NEAR(distance.x(), x * scale, 0.3);
+            EXPECT_NEAR(distance.y(), -y * scale, 0.55) << "baselines are rounded to whole pixels";
         }
     }
 }
 
 TEST(TextShadow, HasTheProfileOfAGaussian) {
-    // The edge of a broad block is the integral of the bell curve.
+    // The blurred edge of a wide block is the integral of the Gaussian.
     const auto draw = [](Canvas& canvas, double blurRadius) {
         const platform::TextAttributes attributes{.font = platform::Font{"", 80, false},
                                                   .foregroundColor = Color{},
@@ -200,7 +200,7 @@ TEST(TextShadow, HasTheProfileOfAGaussian) {
     }
 }
 
-TEST(TextShadow, IsNotThereWhenItCannotShow) {
+TEST(TextShadow, IsNotDrawnIfItIsInvisibleOrNotFinite) {
     Canvas plain(120, 100);
     plain->drawText(block({}), {40, 40});
     const double nan = std::nan("");
@@ -213,7 +213,7 @@ TEST(TextShadow, IsNotThereWhenItCannotShow) {
     }
 }
 
-TEST(TextShadow, AndColourOfARunTakeThePlaceOfTheContexts) {
+TEST(TextShadow, AndColourOfARunOverrideThoseOfTheContext) {
     Canvas canvas(120, 100);
     canvas->setShadow({0, 30}, 0);
     AttributedString text("\u2588\u2588\u2588\u2588", {{}, Color{1, 0, 0, 1}, {}});
@@ -228,8 +228,8 @@ TEST(TextShadow, AndColourOfARunTakeThePlaceOfTheContexts) {
     };
     EXPECT_EQ(pixel(0.125, 47), QColor(Qt::red));
     EXPECT_EQ(pixel(0.625, 47), QColor(0, 0, 255, 128));
-    EXPECT_EQ(pixel(0.875, 47), QColor(Qt::black)) << "the context's";
-    EXPECT_EQ(pixel(0.125, 77), QColor(0, 0, 0, 85)) << "the context's, a third opaque";
+    EXPECT_EQ(pixel(0.875, 47), QColor(Qt::black)) << "the colour of the context";
+    EXPECT_EQ(pixel(0.125, 77), QColor(0, 0, 0, 85)) << "the shadow of the context";
     EXPECT_EQ(pixel(0.875, 17), QColor(0, 255, 0, 255));
     for (const auto& [part, y] : {std::pair{0.875, 77}, {0.125, 17}})
         EXPECT_EQ(pixel(part, y).alpha(), 0) << part;
