@@ -1,5 +1,5 @@
-// Times the panel's background beside the plain fill of the same pixels, and tinting a large image
-// beside one source-over pass and beside Cairo. Prints the best of several runs, in milliseconds.
+// Compares drawing a panel's background with filling the same pixels, and tinting a large image
+// with one source-over pass and with Cairo. Prints the fastest of several runs, in milliseconds.
 
 #include "platform/qt/QtGraphics.h"
 #include "platform/qt/QtImage.h"
@@ -24,7 +24,7 @@ namespace {
 constexpr int kSide = 4096;
 constexpr auto kFormat = QImage::Format_ARGB32_Premultiplied;
 
-double best(int runs, const std::function<void()>& code) {
+double fastest(int runs, const std::function<void()>& code) {
     using Clock = std::chrono::steady_clock;
     double least = std::numeric_limits<double>::max();
     for (int run = 0; run < runs; ++run) {
@@ -36,19 +36,19 @@ double best(int runs, const std::function<void()>& code) {
     return least;
 }
 
-void report(const char* what, double milliseconds) {
-    std::printf("%-52s %10.3f ms\n", what, milliseconds);
+void report(const char* name, double milliseconds) {
+    std::printf("%-52s %10.3f ms\n", name, milliseconds);
 }
 
-/// The background and the plain fill are both painted on new, cleared pixels.
+/// Both draw into a new, transparent image.
 void compareBackground(Size size, int runs) {
     std::printf("background of %.0f x %.0f\n", size.width, size.height);
-    report("  the panel's", best(runs, [&] {
+    report("  the panel's", fastest(runs, [&] {
                graphics().imageByDrawing(size, [&](GraphicsContext& context) {
                    drawHUDBackground(context, size, "World Clock");
                });
            }));
-    report("  plain fill", best(runs, [&] {
+    report("  plain fill", fastest(runs, [&] {
                QImage pixels(int(size.width), int(size.height), kFormat);
                pixels.fill(Qt::transparent);
                QPainter painter(&pixels);
@@ -56,7 +56,7 @@ void compareBackground(Size size, int runs) {
            }));
 }
 
-/// Every alpha and a bit of every colour.
+/// Returns an image with all values of alpha and many colours.
 QImage testPicture() {
     QImage picture(kSide, kSide, kFormat);
     for (int y = 0; y < kSide; ++y) {
@@ -67,7 +67,7 @@ QImage testPicture() {
     return picture;
 }
 
-/// What tintedImageWithColor does, in Cairo's words.
+/// Does the same as tintedImageWithColor.
 void tintWithCairo(cairo_surface_t* image) {
     cairo_surface_t* const result = cairo_image_surface_create(CAIRO_FORMAT_ARGB32, kSide, kSide);
     cairo_t* const context = cairo_create(result);
@@ -85,21 +85,21 @@ void compareTint(int runs) {
     std::printf("tint of %d x %d\n", kSide, kSide);
     QImage picture = testPicture();
     const qt::QtImage image(picture);
-    report("  tinted image", best(runs, [&] {
+    report("  tinted image", fastest(runs, [&] {
                HalvexTintedImage::tintedImageWithColor(image, {1, 0, 0, 1});
            }));
-    report("  one source-over pass onto new, cleared pixels", best(runs, [&] {
+    report("  one source-over pass onto a new image", fastest(runs, [&] {
                QImage pixels(kSide, kSide, kFormat);
                pixels.fill(Qt::transparent);
                QPainter(&pixels).drawImage(0, 0, picture);
            }));
     QImage ground(kSide, kSide, kFormat);
     ground.fill(Qt::white);
-    report("  one source-over pass onto pixels in use",
-           best(runs, [&] { QPainter(&ground).drawImage(0, 0, picture); }));
+    report("  one source-over pass onto an existing image",
+           fastest(runs, [&] { QPainter(&ground).drawImage(0, 0, picture); }));
     cairo_surface_t* const surface = cairo_image_surface_create_for_data(
         picture.bits(), CAIRO_FORMAT_ARGB32, kSide, kSide, int(picture.bytesPerLine()));
-    report("  Cairo", best(runs, [&] { tintWithCairo(surface); }));
+    report("  Cairo", fastest(runs, [&] { tintWithCairo(surface); }));
     cairo_surface_destroy(surface);
 }
 

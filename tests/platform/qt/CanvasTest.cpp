@@ -189,26 +189,6 @@ TEST_F(Drawing, TintsVisiblePixelsAndLeavesTheReceiverUnchanged) {
     EXPECT_EQ(nothing->size(), Size());
 }
 
-TEST_F(Drawing, FillsPathsWithEveryOperation) {
-    BezierPath square;
-    square.moveToPoint({1, 1});
-    for (const Point corner : {Point{5, 1}, Point{5, 5}, Point{1, 5}})
-        square.lineToPoint(corner);
-    const Color ground{0, 0, 1, 0.5};
-    const Color source{1, 0, 0, 0.25};
-    for (int number = 0; number <= 13; ++number) {
-        const auto operation = static_cast<CompositingOperation>(number);
-        test::Canvas canvas(6, 6);
-        canvas->fillRect({{0, 0}, {6, 6}}, ground, CompositingOperation::Copy);
-        canvas->fillPath(square, source, operation);
-        test::Canvas wanted(6, 6);
-        wanted->fillRect({{0, 0}, {6, 6}}, ground, CompositingOperation::Copy);
-        wanted->fillRect({{1, 1}, {4, 4}}, source, operation);
-        for (const int x : {0, 1, 3, 5})
-            EXPECT_THAT(canvas.at(x, 3), IsNear(wanted.at(x, 3), 1)) << number << " at " << x;
-    }
-}
-
 TEST(QtGraphics, DrawsIntoTheInnermostContextAndThrowsWithoutOne) {
     test::Canvas outer(4, 4);
     QImage inner(4, 4, QImage::Format_ARGB32_Premultiplied);

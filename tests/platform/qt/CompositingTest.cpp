@@ -109,20 +109,25 @@ TEST(Compositing, FollowsTheFormulaOfEachOperationForRectanglesImagesAndTints) {
 
 TEST(Compositing, ChangesPixelsInProportionToTheirCoverage) {
     const Color source{1, 0.5, 0, 0.5};
+    platform::BezierPath path;
+    path.moveToPoint({2, 3});
+    for (const platform::Point corner : {platform::Point{6, 3}, {6, 6.5}, {2, 6.5}})
+        path.lineToPoint(corner);
     for (std::size_t number = 0; number < kFormulas.size(); ++number) {
         const auto operation = static_cast<CompositingOperation>(number);
         SCOPED_TRACE(number);
-        Canvas canvas(10, 20);
-        canvas->fillRect({{0, 0}, {10, 20}}, {0.5, 0.25, 1, 0.5}, CompositingOperation::Copy);
+        Canvas canvas(10, 30);
+        canvas->fillRect({{0, 0}, {10, 30}}, {0.5, 0.25, 1, 0.5}, CompositingOperation::Copy);
         const auto before = canvas.at(0, 0);
         // The first row of pixels is half covered.
-        canvas->fillRect({{2, 13}, {4, 3.5}}, source, operation);
-        canvas->drawImage(plainImage(source), {{2, 3}, {4, 3.5}}, {{0, 0}, {4, 4}}, operation, 1);
+        canvas->fillRect({{2, 23}, {4, 3.5}}, source, operation);
+        canvas->drawImage(plainImage(source), {{2, 13}, {4, 3.5}}, {{0, 0}, {4, 4}}, operation, 1);
+        canvas->fillPath(path, source, operation);
         const auto inside = expected(number, source, before);
         auto half = inside;
         for (std::size_t i = 0; i < 4; ++i)
             half[i] = (inside[i] + before[i]) / 2;
-        for (const int top : {3, 13}) {
+        for (const int top : {3, 13, 23}) {
             for (const auto& [x, y] : {std::pair{1, 1}, {6, 1}, {3, -1}, {3, 4}})
                 EXPECT_EQ(canvas.at(x, top + y), before) << x << ", " << y;
             expectNear(canvas.at(3, top + 2), inside, 1);
