@@ -124,7 +124,6 @@ void Calculator::pressOperator(Key operation) {
         return;
     show(*left);
     pending_ = {operation, *left};
-    repeatable_.reset();
     hasNewOperand_ = false;
 }
 
