@@ -55,21 +55,25 @@ class FileManagerFixture : public testing::Test {
     Names names() const { return namesIn(folder.path()); }
 
     /// Runs @p attempt, which returns whether it succeeded, with its first system call failing,
-    /// then its second and so on until it makes no more calls. Returns the number of runs.
+    /// then its second and so on until it makes no more calls; and again with all later calls
+    /// failing as well. There must be more than @p minimum calls.
     template <class Attempt>
-    int failEachCallOf(int error, FailingCalls::Times times, Attempt attempt) {
-        int call = 0;
-        for (bool failed = true; failed && call < 200;) {
-            SCOPED_TRACE(testing::Message() << std::strerror(error) << ", call " << ++call);
-            FailingCalls calls(call, error, times);
-            PosixFileManager files({}, calls);
-            const bool done = attempt(files);
-            failed = calls.failed();
-            EXPECT_TRUE(done || failed);
-            EXPECT_EQ(log.take().size(), done && failed ? 1U : 0U)
-                << "only a failure to flush the folder is logged";
+    void failEachCallOf(int error, int minimum, Attempt attempt) {
+        for (const auto times : {FailingCalls::Times::Once, FailingCalls::Times::ForGood}) {
+            int call = 0;
+            for (bool failed = true; failed && call < 200;) {
+                SCOPED_TRACE(testing::Message() << std::strerror(error) << ", call " << ++call);
+                FailingCalls calls(call, error, times);
+                PosixFileManager files({}, calls);
+                const bool done = attempt(files);
+                failed = calls.failed();
+                EXPECT_TRUE(done || failed);
+                EXPECT_EQ(log.take().size(), done && failed ? 1U : 0U)
+                    << "only a failure to flush the folder is logged";
+            }
+            EXPECT_GT(call, minimum);
+            EXPECT_LT(call, 200);
         }
-        return call;
     }
     /// Runs @p code repeatedly in another process and kills that process after a time.
     template <class Code>

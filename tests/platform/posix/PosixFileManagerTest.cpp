@@ -91,6 +91,14 @@ TEST_F(PosixFileManagerTest, WritingFollowsLinksAndKeepsThem) {
         EXPECT_EQ(names(), before);
         EXPECT_TRUE(!written || contents(file(written)) == link) << link;
     }
+    fs::create_symlink("away/target", file("0"));
+    for (int links = 1; links <= 40; ++links)
+        fs::create_symlink(std::to_string(links - 1), file(std::to_string(links)));
+    const std::string target = fs::canonical(file("away/target"));
+    EXPECT_TRUE(manager.writeFileAtomically(file("39"), "40 links"));
+    EXPECT_FALSE(manager.writeFileAtomically(file("40"), "41 links"));
+    EXPECT_EQ(manager.resolvingSymbolicLinks(file("39")), target);
+    EXPECT_EQ(manager.resolvingSymbolicLinks(file("40")), file("40"));
 }
 
 TEST_F(PosixFileManagerTest, WritingReplacesOnlyRegularFiles) {
@@ -105,23 +113,18 @@ TEST_F(PosixFileManagerTest, WritingReplacesOnlyRegularFiles) {
 }
 
 TEST_F(PosixFileManagerTest, AFailingSystemCallLeavesTheOldOrTheNewFile) {
-    using Times = test::FailingCalls::Times;
     const std::string path = file("file");
     for (const int error : {ENOSPC, EIO, EDQUOT, EACCES})
-        for (const Times times : {Times::Once, Times::ForGood})
-            for (const std::string old : {"old", ""}) {
-                const int calls = failEachCallOf(error, times, [&](auto& files) {
-                    fs::remove(path);
-                    if (!old.empty())
-                        folder.write("file", old);
-                    const bool saved = files.writeFileAtomically(path, "the new list");
-                    EXPECT_EQ(contents(path), saved ? "the new list" : old);
-                    EXPECT_EQ(names(), saved || !old.empty() ? Names{"file"} : Names());
-                    return saved;
-                });
-                EXPECT_GT(calls, 6) << "fewer calls than the operation makes";
-                EXPECT_LT(calls, 50);
-            }
+        for (const std::string old : {"old", ""})
+            failEachCallOf(error, 6, [&](auto& files) {
+                fs::remove(path);
+                if (!old.empty())
+                    folder.write("file", old);
+                const bool saved = files.writeFileAtomically(path, "the new list");
+                EXPECT_EQ(contents(path), saved ? "the new list" : old);
+                EXPECT_EQ(names(), saved || !old.empty() ? Names{"file"} : Names());
+                return saved;
+            });
 }
 
 TEST_F(PosixFileManagerTest, WritingRemovesOnlyTheLeftoversOfDeadWriters) {

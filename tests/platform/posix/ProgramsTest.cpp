@@ -65,12 +65,7 @@ class Programs : public testing::Test {
     std::vector<pid_t> started;
 };
 
-using StartProgram = Programs;
-using PosixProcessListTest = Programs;
-using PosixWorkspaceTest = Programs;
-using PosixScriptRunnerTest = Programs;
-
-TEST_F(StartProgram, PassesArgumentsUnchangedAndNoFileButStandardError) {
+TEST_F(Programs, ReceiveTheirArgumentsUnchangedAndNoFileButStandardError) {
     constexpr int kOpenFile = 9; // without FD_CLOEXEC
     dup2(STDERR_FILENO, kOpenFile);
     std::signal(SIGPIPE, SIG_IGN);
@@ -89,7 +84,7 @@ TEST_F(StartProgram, PassesArgumentsUnchangedAndNoFileButStandardError) {
     close(kOpenFile);
 }
 
-TEST_F(PosixProcessListTest, NamesProgramsAfterTheirBundles) {
+TEST_F(Programs, AreListedUnderTheNamesOfTheirBundles) {
     const std::string named =
         application("Some.app", "<key>CFBundleName</key><string>Halvex 2</string>");
     const std::string unnamed = application("Other Thing.app", "");
@@ -117,7 +112,7 @@ TEST_F(PosixProcessListTest, NamesProgramsAfterTheirBundles) {
     EXPECT_TRUE(running("Other Thing").empty());
 }
 
-TEST_F(PosixWorkspaceTest, StartsApplicationsAndLogsWhyOneCannotBeStarted) {
+TEST_F(Programs, OfApplicationsAreStartedOrTheLogStatesWhyNot) {
     posix::PosixWorkspace workspace;
     const std::string executable = "<key>CFBundleExecutable</key><string>Program</string>";
     const std::string bundle = application("Good.app", executable);
@@ -141,7 +136,7 @@ TEST_F(PosixWorkspaceTest, StartsApplicationsAndLogsWhyOneCannotBeStarted) {
     EXPECT_TRUE(log.contains("cannot open /a with Finder: unknown application"));
 }
 
-TEST_F(PosixScriptRunnerTest, RejectsScriptsThatDoNotSelectAPane) {
+TEST_F(Programs, AreNotStartedByScriptsThatDoNotSelectAPane) {
     const test::ScopedEnvironment path("PATH", "/nowhere");
     posix::PosixScriptRunner runner;
     const std::string end = "\"\nend tell\n";
