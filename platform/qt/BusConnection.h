@@ -15,8 +15,8 @@ namespace platform::qt {
 /// application object. Thread-safe.
 class BusConnection : NonCopyable {
   public:
-    /// @p busAddress is empty for the session bus. @p purpose becomes part of Qt's name for the
-    /// connection.
+    /// @p busAddress is empty for the session bus. @p purpose becomes part of the name that Qt has
+    /// for the connection.
     BusConnection(std::string busAddress, std::string purpose);
     ~BusConnection();
 

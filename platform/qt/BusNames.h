@@ -1,8 +1,7 @@
 #pragma once
 
 /// Distributed notifications on the session bus. Each is a signal with three strings: the name, the
-/// object (empty for none), and the user information as an XML property list with a dictionary as
-/// its root.
+/// object (empty for none), and the user information, a dictionary as an XML property list.
 namespace platform {
 
 inline constexpr const char* kNotificationPath = "/com/quorvanesoftware/Notifications";

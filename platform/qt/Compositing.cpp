@@ -16,8 +16,8 @@ Pixel unpacked(QRgb pixel) {
     return fromBytes(pixel) * (1.0F / 255);
 }
 
-/// Composites the colours that @p sourceAt(x, y) returns onto @p area, as far as it is inside the
-/// target. @p coverageAt(x, y) returns how much of the pixel is covered.
+/// Composites the colours that @p sourceAt(x, y) returns onto @p area, clipped to the target.
+/// @p coverageAt(x, y) returns how much of the pixel is covered.
 template <class SourceAt, class CoverageAt>
 void merge(QImage& target, const QRect& area, CompositingOperation operation, SourceAt sourceAt,
            CoverageAt coverageAt) {

@@ -26,8 +26,8 @@ double pixelsFor(double points, double scale) {
     return pixels > 0 ? std::ceil(pixels * (1 - 1e-12)) : 0;
 }
 
-/// Returns a null image if out of memory. calloc does not clear memory that is new from the system,
-/// unlike QImage::fill.
+/// Returns a null image if out of memory. Unlike QImage::fill, calloc does not clear memory again
+/// that the system has just provided.
 QImage transparentPixels(int width, int height) {
     constexpr std::ptrdiff_t kBytesPerPixel = 4;
     const auto size = static_cast<std::size_t>(width * kBytesPerPixel * height);

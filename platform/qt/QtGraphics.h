@@ -30,14 +30,13 @@ class QtGraphics final : public Graphics {
 
     /// Returns advance width and the largest ascent plus the largest descent: the box that drawText
     /// uses, at every scale. During drawing, the default font is that of the current context.
-    /// Empty text is 0 x 0. Line ends and other control characters are measured and drawn as
-    /// blanks.
+    /// Empty text is 0 x 0. Line ends and control characters count, and are drawn, as blanks.
     Size sizeOfText(const AttributedString& text) override;
     std::shared_ptr<Image> imageWithContentsOfFile(const std::string& path) override;
     std::shared_ptr<Image> imageNamed(std::string_view name) override;
-    /// Text is drawn without subpixel antialiasing: the background is not known yet. An image that
-    /// is too large has no pixels, and "cannot create an image of %@ x %@ points: it is too large"
-    /// is logged.
+    /// Draws text without subpixel antialiasing: the background is not known yet. If the image is
+    /// too large it has no pixels; "cannot create an image of %@ x %@ points: it is too large"
+    /// is logged in that case.
     std::shared_ptr<Image> imageByDrawing(Size size, const Draw& draw) override;
 
     /// Sets the number of pixels per point in images that are drawn from now on; by default, that

@@ -11,9 +11,8 @@
 
 namespace platform::qt {
 
-/// Draws into a premultiplied ARGB image. Created by ScopedContext, whose constructor documents the
-/// parameters. Calls with numbers that are not finite, or with an unknown operation, draw nothing.
-/// Main thread.
+/// Draws into a premultiplied ARGB image; created by ScopedContext. Calls with numbers that are not
+/// finite, or with an unknown operation, draw nothing. Main thread.
 class QtGraphicsContext final : public GraphicsContext {
   public:
     /// @p lines and @p target have to outlive the context.

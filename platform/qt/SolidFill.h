@@ -25,8 +25,8 @@ class SolidFill {
 
   private:
     QRgb filled(QRgb pixel) const;
-    /// Fills groups of four pixels if the processor has the instructions; returns how many pixels
-    /// were filled.
+    /// Fills groups of four pixels if the processor has the instructions. Returns their number of
+    /// pixels in total.
     int fillFours(QRgb* pixels, int count) const;
 
     // Indexed by component in the order of a packed pixel: blue, green, red, alpha.
