@@ -181,6 +181,9 @@ TEST_F(MenuExtraInstall, RemovesObsoleteMenuExtrasAfterAnUpgrade) {
                                      "removed old MenuExtra at F/hxASMMenu.menu\n"
                                      "error removing old MenuExtra at F/qvCalendarMenu.menu"));
     }
+    install(upgradable[0], "1");
+    EXPECT_TRUE(Tools::DoUpgradeIfNeeded());
+    EXPECT_THAT(log(), testing::Not(testing::HasSubstr("hxASMMenu.menu"))) << "already removed";
 }
 
 TEST_F(MenuExtraInstall, FindsAndUnloadsEachGenerationSeparately) {
