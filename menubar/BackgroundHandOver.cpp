@@ -1,8 +1,8 @@
 // Hands requests to the background application: finds or starts it on a worker thread, then
 // notifies it on the main thread.
 
+#include "identifiers/ExportedIdentifiers.h"
 #include "menubar/HalvexMenuExtraBase.h"
-#include "menuextras/ExportedIdentifiers.h"
 #include "platform/Clock.h"
 #include "platform/Log.h"
 #include "platform/MainThread.h"
@@ -44,7 +44,7 @@ void bringBackgroundApplicationToFront() {
 
 void openBackgroundApplication(const std::optional<std::string>& path) {
     const bool opened = path && sharedWorkspace().openFile(*path);
-    if (opened && !isVerbose())
+    if (opened && !identifiers::isVerbose())
         bringBackgroundApplicationToFront();
     else
         logLine("Halvex Time - launching Halvex.app - %@", path);

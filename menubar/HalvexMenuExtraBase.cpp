@@ -1,6 +1,6 @@
 #include "menubar/HalvexMenuExtraBase.h"
 
-#include "menuextras/ExportedIdentifiers.h"
+#include "identifiers/ExportedIdentifiers.h"
 #include "platform/EventSource.h"
 #include "platform/Graphics.h"
 #include "platform/Log.h"
@@ -42,7 +42,7 @@ const Shadow kTitleShadow{.offset = {2.0, 2.0}, .blurRadius = 1.5};
 } // namespace
 
 HalvexMenuExtraBase::~HalvexMenuExtraBase() {
-    if (isVerbose())
+    if (identifiers::isVerbose())
         logLine("dealloc HalvexMenuExtraBase %@ %d", description(*this),
                 weak_from_this().use_count());
 }
@@ -72,7 +72,7 @@ std::shared_ptr<MenuExtra> HalvexMenuExtraBase::initWithBundle(std::shared_ptr<B
         logLine("HalvexMenuExtraBase setView exception name: %@   reason: %@   userInfo: %@",
                 exception.name(), exception.reason(), exception.userInfo());
     }
-    if (isVerbose())
+    if (identifiers::isVerbose())
         logLine("exiting HalvexMenuExtraBase - initWithBundle retainCount: %d",
                 weak_from_this().use_count());
     return shared_from_this();

@@ -1,8 +1,8 @@
 #include "menubar/HalvexMenuViewBase.h"
 
+#include "identifiers/ExportedIdentifiers.h"
 #include "menubar/HalvexMenuExtraBase.h"
 #include "menubar/PreferencesFile.h"
-#include "menuextras/ExportedIdentifiers.h"
 #include "platform/Graphics.h"
 #include "platform/Log.h"
 #include "platform/Workspace.h"

@@ -1,6 +1,6 @@
 #include "menubar/PreferencesFile.h"
 
-#include "menuextras/ExportedIdentifiers.h"
+#include "identifiers/ExportedIdentifiers.h"
 #include "platform/FileManager.h"
 
 namespace menubar {

@@ -1,4 +1,4 @@
-#include "menuextras/ExportedIdentifiers.h"
+#include "identifiers/ExportedIdentifiers.h"
 #include "menuextras/MenuExtraCatalogue.h"
 #include "menuextras/MenuExtraTools.h"
 #include "platform/Bundle.h"
@@ -142,7 +142,7 @@ void HalvexMenuExtraTools::checkPreflight(const std::string& url) {
         logLine("checkPreflight: executablePath nil");
         return;
     }
-    if (!isVerbose()) // the result is only logged, and getting it takes a process
+    if (!identifiers::isVerbose()) // the result is only logged, and getting it takes a process
         return;
     std::string reason;
     if (platform::dynamicLoader().preflight(*executable, reason))

@@ -1,6 +1,6 @@
 #include "menuextras/MenuExtraCatalogue.h"
 
-#include "menuextras/ExportedIdentifiers.h"
+#include "identifiers/ExportedIdentifiers.h"
 #include "menuextras/MenuExtraTools.h"
 #include "paths/PreferencePane.h"
 #include "paths/ovxPaths.h"

@@ -1,4 +1,4 @@
-#include "menuextras/ExportedIdentifiers.h"
+#include "identifiers/ExportedIdentifiers.h"
 #include "menuextras/MenuExtraCatalogue.h"
 #include "menuextras/MenuExtraTools.h"
 #include "platform/Bundle.h"
@@ -104,7 +104,7 @@ bool HalvexMenuExtraTools::installMenuExtra(const std::string& path) {
     }
     if (!isReplacing)
         logLine("installed MenuExtra %@", copy);
-    else if (isVerbose())
+    else if (identifiers::isVerbose())
         logLine("copying MenuExtra to %@", copy);
     return true;
 }

@@ -1,5 +1,4 @@
-#include "menuextras/ExportedIdentifiers.h"
-#include "paths/Files.h"
+#include "identifiers/ExportedIdentifiers.h"
 #include "paths/LocationRecords.h"
 #include "paths/PreferencePane.h"
 #include "paths/ovxPaths.h"
@@ -11,7 +10,6 @@
 
 #include <utility>
 
-using paths::isFile;
 using platform::appendingPathComponent;
 using platform::fileManager;
 using platform::logLine;
@@ -26,9 +24,9 @@ std::string inUserProductFolder(const char* name) {
 
 void migrateFromOldPaths(const std::string& firstOld, const std::string& secondOld,
                          const std::string& path) {
-    const std::string& old = isFile(firstOld) ? firstOld : secondOld;
+    const std::string& old = fileManager().isFile(firstOld) ? firstOld : secondOld;
     // The line names the two old paths, whichever was moved, and never the new one.
-    if (isFile(old) && fileManager().moveFile(old, path))
+    if (fileManager().isFile(old) && fileManager().moveFile(old, path))
         logLine("Moved Locations from Path = %@ to %@", firstOld, secondOld);
 }
 
@@ -81,7 +79,7 @@ std::optional<Array> HalvexFilePaths::mergeNetLocation(std::optional<Array> list
     auto cached = list ? propertyLists().readArray(path) : std::nullopt;
     if (!cached || cached->empty())
         return list;
-    MergedRecords merged = mergeRecords(std::move(*list), std::move(*cached));
+    paths::MergedRecords merged = paths::mergeRecords(std::move(*list), std::move(*cached));
     if (merged.duplicates != 0)
         logLine("%d duplicates locations found in subscription", merged.duplicates);
     return std::move(merged.records);
@@ -90,7 +88,7 @@ std::optional<Array> HalvexFilePaths::mergeNetLocation(std::optional<Array> list
 bool HalvexFilePaths::HalvexSaveLocationTable(Array list) {
     const std::string path = inUserProductFolder(HalvexLocation);
     logLine("Saving Halvex locations: %@ (%d)", path, list.size());
-    const SplitRecords records = splitRecords(std::move(list));
+    const paths::SplitRecords records = paths::splitRecords(std::move(list));
     HalvexSaveCacheNetLocation(records.net);
     return writeList(path, records.own);
 }
@@ -104,10 +102,10 @@ bool HalvexFilePaths::HalvexSaveCacheNetLocation(const Array& records) {
 }
 
 bool HalvexFilePaths::HalvexExistsNetLocation() {
-    return isFile(inUserProductFolder(HalvexNetLocations));
+    return fileManager().isFile(inUserProductFolder(HalvexNetLocations));
 }
 
 bool HalvexFilePaths::HalvexRemoveNetLocation() {
     const std::string path = inUserProductFolder(HalvexNetLocations);
-    return !isFile(path) || fileManager().removeFile(path);
+    return !fileManager().isFile(path) || fileManager().removeFile(path);
 }

@@ -133,8 +133,8 @@ void flagAsNet(PropertyList& record) {
 
 } // namespace
 
-MergedRecords mergeRecords(Array list, Array cached) {
-    MergedRecords merged{std::move(list), 0};
+paths::MergedRecords paths::mergeRecords(Array list, Array cached) {
+    paths::MergedRecords merged{std::move(list), 0};
     const auto known = locationKeys(merged.records);
     std::string key;
     for (PropertyList& record : cached) {
@@ -148,8 +148,8 @@ MergedRecords mergeRecords(Array list, Array cached) {
     return merged;
 }
 
-SplitRecords splitRecords(Array list) {
-    SplitRecords split;
+paths::SplitRecords paths::splitRecords(Array list) {
+    paths::SplitRecords split;
     std::partition_copy(std::make_move_iterator(list.begin()), std::make_move_iterator(list.end()),
                         std::back_inserter(split.own), std::back_inserter(split.net),
                         [](const PropertyList& record) {

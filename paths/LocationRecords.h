@@ -4,6 +4,8 @@
 
 #include <cstddef>
 
+namespace paths {
+
 // Merges and splits lists of world-clock location records. Both operations take time linear in the
 // number of records, and moved-in records are not copied. Lists may hold any values: a record that
 // is not an array is kept unchanged, and a record with fewer than five elements is never a
@@ -30,3 +32,5 @@ struct SplitRecords {
 
 /// Splits a list into the user's own records and the net records. Preserves their order.
 SplitRecords splitRecords(platform::PropertyList::Array list);
+
+} // namespace paths

@@ -1,6 +1,6 @@
 #include "paths/PreferencePane.h"
 
-#include "menuextras/ExportedIdentifiers.h"
+#include "identifiers/ExportedIdentifiers.h"
 #include "platform/FileManager.h"
 #include "platform/base/PathStrings.h"
 

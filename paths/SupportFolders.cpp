@@ -1,5 +1,4 @@
-#include "menuextras/ExportedIdentifiers.h"
-#include "paths/Files.h"
+#include "identifiers/ExportedIdentifiers.h"
 #include "paths/ovxPaths.h"
 #include "platform/FileManager.h"
 #include "platform/Log.h"
@@ -176,7 +175,7 @@ ovxGlimmerboxGetListFrames(const std::optional<std::vector<std::string>>& exclud
         if (!isFrameName(platform::lastPathComponent(relative)))
             continue;
         std::string path = appendingPathComponent(folder, relative);
-        if (!excluded.contains(path) && paths::isFile(path))
+        if (!excluded.contains(path) && fileManager().isFile(path))
             frames.push_back(std::move(path));
     }
     return frames;

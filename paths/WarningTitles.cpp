@@ -1,6 +1,6 @@
-#include "menuextras/ExportedIdentifiers.h"
-#include "paths/Files.h"
+#include "identifiers/ExportedIdentifiers.h"
 #include "paths/ovxPaths.h"
+#include "platform/FileManager.h"
 #include "platform/Log.h"
 #include "platform/PropertyListService.h"
 #include "platform/base/PathStrings.h"
@@ -38,7 +38,7 @@ Array HalvexFilePaths::loadWarnMeTitles(const std::string& name, const std::stri
     const std::string localPath = listPath(kLocalFolder, name);
     if (auto list = propertyLists().readArray(localPath))
         return std::move(*list);
-    if (paths::isFile(localPath))
+    if (platform::fileManager().isFile(localPath))
         platform::logLine("no global custom data loaded for system  %@", name);
     if (auto list = propertyLists().readArray(defaultPath))
         return std::move(*list);
@@ -49,6 +49,7 @@ Array HalvexFilePaths::loadWarnMeTitles(const std::string& name, const std::stri
 
 bool HalvexFilePaths::hasCustomWarnMeFile(const std::string& name) {
     constexpr std::array<Folder, 3> kFolders{userFolder, kUserProductFolder, kLocalFolder};
-    return std::ranges::any_of(
-        kFolders, [&](Folder folder) { return paths::isFile(listPath(folder, name)); });
+    return std::ranges::any_of(kFolders, [&](Folder folder) {
+        return platform::fileManager().isFile(listPath(folder, name));
+    });
 }

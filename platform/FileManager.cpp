@@ -40,6 +40,11 @@ bool FileManager::isDirectory(const std::string& path) const {
     return fileExists(path, &isDirectory) && isDirectory;
 }
 
+bool FileManager::isFile(const std::string& path) const {
+    bool isDirectory = false;
+    return fileExists(path, &isDirectory) && !isDirectory;
+}
+
 ReadFileResult FileManager::readFile(const std::string& path, std::uint64_t maximumBytes) const {
     const OpenFileResult opened = openFile(path);
     if (!opened)

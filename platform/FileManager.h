@@ -52,6 +52,8 @@ class FileManager : NonCopyable {
     virtual bool fileExists(const std::string& path, bool* isDirectory = nullptr) const = 0;
     /// Returns whether @p path is a folder or a symbolic link to one.
     bool isDirectory(const std::string& path) const;
+    /// Returns whether @p path exists and is not a folder.
+    bool isFile(const std::string& path) const;
     /// Returns whether this process may read (or write) @p path. False if it does not exist.
     virtual bool isReadableFile(const std::string& path) const = 0;
     virtual bool isWritableFile(const std::string& path) const = 0;

@@ -29,7 +29,7 @@ class NotificationCenter : NonCopyable {
     virtual void removeObserver(const std::weak_ptr<const void>& observer,
                                 const std::string& name) = 0;
     /// Removes the handlers of destroyed observers. Hosts call it before they unload code.
-    virtual void forgetGoneObservers() = 0;
+    virtual void removeExpiredObservers() = 0;
     /// Posts a notification.
     virtual void post(const Notification& notification) = 0;
 };

@@ -1,6 +1,6 @@
 #include "prefs/HalvexPrefsTools.h"
 
-#include "menuextras/ExportedIdentifiers.h"
+#include "identifiers/ExportedIdentifiers.h"
 #include "menuextras/MenuExtraTools.h"
 #include "paths/PreferencePane.h"
 #include "platform/Log.h"

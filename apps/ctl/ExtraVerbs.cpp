@@ -1,7 +1,7 @@
 #include "apps/ctl/BarState.h"
 #include "apps/ctl/Verbs.h"
 #include "apps/shared/AbsolutePath.h"
-#include "menuextras/ExportedIdentifiers.h"
+#include "identifiers/ExportedIdentifiers.h"
 #include "menuextras/MenuExtraCatalogue.h"
 #include "menuextras/MenuExtraTools.h"
 #include "paths/HomeFolders.h"

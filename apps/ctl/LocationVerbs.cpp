@@ -1,7 +1,7 @@
 #include "apps/ctl/InputFiles.h"
 #include "apps/ctl/Verbs.h"
 #include "apps/shared/AbsolutePath.h"
-#include "menuextras/ExportedIdentifiers.h"
+#include "identifiers/ExportedIdentifiers.h"
 #include "paths/HomeFolders.h"
 #include "paths/LocationRecords.h"
 #include "paths/ovxPaths.h"
@@ -50,14 +50,14 @@ ExitStatus merge(const Options& options) {
         options.cache.empty() ? userCache() : readArray(options.cache);
     if (!cached)
         return ExitStatus::Failure;
-    return print(mergeRecords(std::move(*list), std::move(*cached)).records, Format::Xml);
+    return print(paths::mergeRecords(std::move(*list), std::move(*cached)).records, Format::Xml);
 }
 
 ExitStatus split(const Options& options) {
     std::optional<PropertyList::Array> list = readArray(options.list);
     if (!list)
         return ExitStatus::Failure;
-    const SplitRecords records = splitRecords(std::move(*list));
+    const paths::SplitRecords records = paths::splitRecords(std::move(*list));
     for (const auto& [path, part] : {std::pair(&options.user, &records.own), //
                                      std::pair(&options.net, &records.net)})
         if (!platform::propertyLists().writeArray(absolutePath(*path), *part))

@@ -2,7 +2,7 @@
 #include "apps/ctl/ProgramFolder.h"
 #include "apps/ctl/Verbs.h"
 #include "apps/shared/AbsolutePath.h"
-#include "menuextras/ExportedIdentifiers.h"
+#include "identifiers/ExportedIdentifiers.h"
 #include "menuextras/MenuExtraTools.h"
 #include "paths/HomeFolders.h"
 #include "paths/ovxPaths.h"

@@ -1,6 +1,6 @@
 #include "apps/ctl/Verbs.h"
 #include "apps/shared/AbsolutePath.h"
-#include "menuextras/ExportedIdentifiers.h"
+#include "identifiers/ExportedIdentifiers.h"
 #include "paths/ovxPaths.h"
 #include "platform/base/PathStrings.h"
 

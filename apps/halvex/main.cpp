@@ -1,7 +1,7 @@
 #include "apps/halvex/CalculatorWindow.h"
 #include "apps/support/ProgramAppearance.h"
+#include "apps/support/QuitOnSignals.h"
 #include "apps/support/SessionApplication.h"
-#include "apps/support/Signals.h"
 #include "apps/support/WindowProgram.h"
 #include "apps/support/WindowService.h"
 #include "platform/Log.h"

@@ -1,6 +1,6 @@
 #include "apps/menubar/Admission.h"
 
-#include "menuextras/ExportedIdentifiers.h"
+#include "identifiers/ExportedIdentifiers.h"
 #include "menuextras/MenuExtraCatalogue.h"
 #include "platform/Bundle.h"
 #include "platform/FileManager.h"

@@ -15,7 +15,8 @@ using platform::qt::qString;
 namespace apps {
 
 BarService::BarService(MenuBar& menuBar, ItemRegistry& registry)
-    : QDBusAbstractAdaptor(&menuBar), menuBar_(menuBar), registry_(registry), busName_(kBarBusName) {
+    : QDBusAbstractAdaptor(&menuBar), menuBar_(menuBar), registry_(registry),
+      busName_(kBarBusName) {
     qDBusRegisterMetaType<BarItem>();
     qDBusRegisterMetaType<QList<BarItem>>();
     connect(&menuBar.items(), &ItemCollection::added, this,

@@ -75,8 +75,8 @@ void ItemCollection::unload(Item& item) {
     std::unique_ptr<LoadedCode> code = std::move(item.loaded.code);
     item.widget.reset();
     item.loaded.extra.reset();
-    sharedWorkspace().notificationCenter().forgetGoneObservers();
-    distributedNotificationCenter().forgetGoneObservers();
+    sharedWorkspace().notificationCenter().removeExpiredObservers();
+    distributedNotificationCenter().removeExpiredObservers();
     if (extra.expired() && view.expired())
         return;
     logLine("menu extra %@ is still referenced: its code stays loaded", item.identifier());

@@ -5,7 +5,7 @@
 #include "apps/menubar/Options.h"
 #include "apps/menubar/OwnItemsFolder.h"
 #include "apps/support/ProgramAppearance.h"
-#include "apps/support/Signals.h"
+#include "apps/support/QuitOnSignals.h"
 #include "apps/support/StartUp.h"
 #include "platform/Log.h"
 #include "platform/expat/ExpatPropertyLists.h"

@@ -1,7 +1,7 @@
 #include "apps/preferences/PreferencesWindow.h"
 
 #include "apps/preferences/MenuExtraSwitches.h"
-#include "menuextras/ExportedIdentifiers.h"
+#include "identifiers/ExportedIdentifiers.h"
 #include "platform/Log.h"
 #include "platform/qt/Strings.h"
 

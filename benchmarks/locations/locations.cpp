@@ -43,9 +43,11 @@ bool measureSteps() {
     });
     if (!lists.first || !lists.second)
         return false;
-    auto merged = timed(
-        "merge", [&] { return mergeRecords(std::move(*lists.first), std::move(*lists.second)); });
-    const auto split = timed("split", [&] { return splitRecords(std::move(merged.records)); });
+    auto merged = timed("merge", [&] {
+        return paths::mergeRecords(std::move(*lists.first), std::move(*lists.second));
+    });
+    const auto split =
+        timed("split", [&] { return paths::splitRecords(std::move(merged.records)); });
     std::printf("peak %ld\n", peakMemory());
     return merged.duplicates == split.net.size();
 }

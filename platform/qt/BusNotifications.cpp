@@ -80,7 +80,7 @@ void BusNotifications::removeObserver(const std::weak_ptr<const void>& observer,
                    {qString(name)}, QString(), receiver_.get(), SLOT(receive(QDBusMessage)));
 }
 
-void BusNotifications::forgetGoneObservers() {
+void BusNotifications::removeExpiredObservers() {
     observers_.removeExpired();
 }
 

@@ -35,7 +35,7 @@ class BusNotifications final : public DistributedNotificationCenter {
                      Handler handler) override;
     void removeObserver(const std::weak_ptr<const void>& observer,
                         const std::string& name) override;
-    void forgetGoneObservers() override;
+    void removeExpiredObservers() override;
     void post(const Notification& notification) override;
 
     /// Waits until the bus has received everything posted here, for at most 1 s. To be called

@@ -22,7 +22,7 @@ class LocalCenter : public Center {
                         const std::string& name) override {
         observers_.remove(observer, name);
     }
-    void forgetGoneObservers() override { observers_.removeExpired(); }
+    void removeExpiredObservers() override { observers_.removeExpired(); }
     void post(const Notification& notification) override { observers_.deliver(notification); }
 
   protected:

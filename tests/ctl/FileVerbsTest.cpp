@@ -107,7 +107,8 @@ TEST(LocationVerbs, MergeAndSplitWithoutChangingTheUsersFiles) {
          {"halvexctl locations split dict new net", "", 1,
           "halvexctl: dict: the root of the property list is not an array\n"},
          {"ls new", "", 2},
-         {"halvexctl locations save home", "", 1, "halvexctl: home: is a folder, not a regular file"}});
+         {"halvexctl locations save home", "", 1,
+          "halvexctl: home: is a folder, not a regular file"}});
 }
 
 TEST(WarningVerbs, PrintTheCustomListOrTheDefault) {

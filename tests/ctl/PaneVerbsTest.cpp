@@ -1,4 +1,4 @@
-#include "menuextras/ExportedIdentifiers.h"
+#include "identifiers/ExportedIdentifiers.h"
 #include "tests/ctl/Shell.h"
 
 using test::Shell;

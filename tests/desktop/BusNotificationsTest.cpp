@@ -1,7 +1,7 @@
 #include "platform/qt/BusNotifications.h"
 
+#include "identifiers/ExportedIdentifiers.h"
 #include "menubar/HalvexMenuExtraBase.h"
-#include "menuextras/ExportedIdentifiers.h"
 #include "platform/expat/ExpatPropertyLists.h"
 #include "platform/qt/BusNames.h"
 #include "platform/qt/Foreground.h"

@@ -1,4 +1,4 @@
-#include "menuextras/ExportedIdentifiers.h"
+#include "identifiers/ExportedIdentifiers.h"
 #include "tests/desktop/support/TestBundle.h"
 
 #include <gmock/gmock.h>

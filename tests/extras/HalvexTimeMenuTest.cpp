@@ -1,11 +1,11 @@
 #include "extras/clock/ClockFormat.h"
+#include "identifiers/ExportedIdentifiers.h"
 #include "menubar/HalvexMenuExtraBase.h"
-#include "menuextras/ExportedIdentifiers.h"
 #include "platform/DynamicLoader.h"
 #include "platform/expat/ExpatPropertyLists.h"
 #include "platform/widgets/MenuExtraPlugIn.h"
+#include "tests/support/ApplicationServices.h"
 #include "tests/support/Fakes.h"
-#include "tests/support/HandOverDesk.h"
 #include "tests/support/PollingMainThread.h"
 #include "tests/support/RecordingLog.h"
 #include "tests/support/ScopedEnvironment.h"
@@ -130,8 +130,8 @@ TEST_F(HalvexTimeMenu, ShowsDateAndTimeInItsMenuAndCopiesTheOneChosen) {
 }
 
 TEST_F(HalvexTimeMenu, OpensThePaneAndTheCalculatorFromItsMenu) {
-    test::HandOverDesk desk;
-    desk.running = {"Halvex"};
+    test::ApplicationServices services;
+    services.running = {"Halvex"};
     const auto pane = std::make_shared<Bundle>(
         "/Pane", PropertyList::Dictionary{{"CFBundleIdentifier", HalvexPrefsBundleID}});
     Bundle::setCode(pane, Bundle::Code::Loaded);
@@ -141,13 +141,13 @@ TEST_F(HalvexTimeMenu, OpensThePaneAndTheCalculatorFromItsMenu) {
     EXPECT_EQ(items.at(4)->title(), "Preferences…");
     EXPECT_TRUE(items.at(4)->perform());
     Bundle::setCode(pane, Bundle::Code::Unloaded);
-    EXPECT_THAT(desk.journal(), ElementsAre("open /Pane with System Preferences"));
+    EXPECT_THAT(services.journal(), ElementsAre("open /Pane with System Preferences"));
     EXPECT_EQ(items.at(3)->title(), "Calculator");
     EXPECT_TRUE(items.at(3)->perform());
-    while (std::ranges::count(desk.journal(), "front 1") == 0)
+    while (std::ranges::count(services.journal(), "front 1") == 0)
         std::this_thread::yield();
     while (extra.use_count() > 1) // until the worker thread has released the item
-        desk.runMainThread();
+        services.runMainThread();
 }
 
 TEST_F(HalvexTimeMenu, StopsUpdatingWhenItIsUnloaded) {

@@ -1,4 +1,4 @@
-#include "menuextras/ExportedIdentifiers.h"
+#include "identifiers/ExportedIdentifiers.h"
 #include "platform/expat/ExpatPropertyLists.h"
 #include "platform/qt/BusNotifications.h"
 #include "tests/desktop/support/WindowProcess.h"

@@ -1,8 +1,8 @@
+#include "identifiers/ExportedIdentifiers.h"
 #include "menubar/HalvexMenuExtraBase.h"
-#include "menuextras/ExportedIdentifiers.h"
 #include "platform/posix/PosixFileManager.h"
+#include "tests/support/ApplicationServices.h"
 #include "tests/support/Fakes.h"
-#include "tests/support/HandOverDesk.h"
 #include "tests/support/RecordingLog.h"
 #include "tests/support/ScopedEnvironment.h"
 #include "tests/support/TemporaryFolder.h"
@@ -35,40 +35,41 @@ class BackgroundHandOver : public testing::Test {
 
     test::RecordingLog log;
     test::ManualClock clock;
-    test::HandOverDesk desk;
+    test::ApplicationServices services;
     std::shared_ptr<Bundle> pane = std::make_shared<Bundle>(
         kPane, PropertyList::Dictionary{{"CFBundleIdentifier", HalvexPrefsBundleID}});
     std::shared_ptr<HalvexMenuExtraBase> extra = std::make_shared<HalvexMenuExtraBase>();
 };
 
 TEST_F(BackgroundHandOver, NotifiesARunningApplicationWithoutWaiting) {
-    desk.running = {"something", "Halvex"};
+    services.running = {"something", "Halvex"};
     extra->HalvexLaunchThread("Request");
-    EXPECT_THAT(desk.journal(), ElementsAre("search", "front 2", "main"));
+    EXPECT_THAT(services.journal(), ElementsAre("search", "front 2", "main"));
     EXPECT_EQ(gHalvexisrunning, 1);
-    desk.runMainThread();
-    EXPECT_THAT(desk.journal(), ElementsAre("post Request"));
-    EXPECT_EQ(desk.observesLaunches(), std::pair(false, false));
+    services.runMainThread();
+    EXPECT_THAT(services.journal(), ElementsAre("post Request"));
+    EXPECT_EQ(services.observesLaunches(), std::pair(false, false));
     EXPECT_THAT(clock.sleeps, IsEmpty());
     EXPECT_THAT(log.take(), IsEmpty());
 }
 
 TEST_F(BackgroundHandOver, StartsAnAbsentApplicationAndWaitsForItsLaunchAnnouncement) {
     std::pair observedBefore{false, false};
-    desk.onOpen = [&] {
-        observedBefore = desk.observesLaunches();
-        desk.running = {"Halvex"};
+    services.onOpen = [&] {
+        observedBefore = services.observesLaunches();
+        services.running = {"Halvex"};
     };
     clock.duringSleep = [&] {
         if (clock.sleeps.size() == 3)
-            desk.announce("Halvex");
+            services.announce("Halvex");
     };
     extra->HalvexLaunchThread("Request");
     EXPECT_EQ(observedBefore, std::pair(true, true));
-    EXPECT_THAT(desk.journal(), ElementsAre("search", std::string("open ") + kApplication, "search",
-                                            "front 1", "main, waiting", "post Request"));
+    EXPECT_THAT(services.journal(),
+                ElementsAre("search", std::string("open ") + kApplication, "search", "front 1",
+                            "main, waiting", "post Request"));
     EXPECT_THAT(clock.sleeps, ElementsAre(250'000, 250'000, 250'000));
-    EXPECT_EQ(desk.observesLaunches(), std::pair(false, false));
+    EXPECT_EQ(services.observesLaunches(), std::pair(false, false));
     EXPECT_THAT(log.take(), IsEmpty());
 }
 
@@ -78,21 +79,21 @@ TEST_F(BackgroundHandOver, LogsTheLaunchOnFailureOrWhenVerboseAndPostsEvenAfterA
         std::int32_t debug;
     } cases[] = {{false, 0}, {true, 1}, {false, 2}};
     for (const auto& [opens, debug] : cases) {
-        desk.opens = opens;
+        services.opens = opens;
         myDebug = debug;
         gHalvexisrunning = 1;
         clock.sleeps.clear();
         extra->HalvexLaunchThread("Request");
-        EXPECT_THAT(desk.journal(), ElementsAre("search", std::string("open ") + kApplication,
-                                                "main, waiting", "post Request"));
+        EXPECT_THAT(services.journal(), ElementsAre("search", std::string("open ") + kApplication,
+                                                    "main, waiting", "post Request"));
         EXPECT_THAT(clock.sleeps, ElementsAreArray(std::vector<std::uint64_t>(200, 250'000)));
         EXPECT_THAT(log.take(), ElementsAre(kLaunching));
         EXPECT_EQ(gHalvexisrunning, 0);
-        EXPECT_EQ(desk.observesLaunches(), std::pair(true, true));
+        EXPECT_EQ(services.observesLaunches(), std::pair(true, true));
     }
-    desk.announce("Halvex");
+    services.announce("Halvex");
     EXPECT_EQ(gHalvexisrunning, 1) << "launches are observed after the timeout";
-    EXPECT_EQ(desk.observesLaunches(), std::pair(false, false));
+    EXPECT_EQ(services.observesLaunches(), std::pair(false, false));
 }
 
 TEST_F(BackgroundHandOver, OpensNothingIfThereIsNoPane) {
@@ -102,48 +103,48 @@ TEST_F(BackgroundHandOver, OpensNothingIfThereIsNoPane) {
     posix::PosixFileManager files(empty.path().string());
     const ScopedService<FileManager> filesService(files);
     extra->HalvexLaunchThread(std::nullopt);
-    EXPECT_THAT(desk.journal(), ElementsAre("search"));
+    EXPECT_THAT(services.journal(), ElementsAre("search"));
     EXPECT_THAT(log.take(), Contains("Halvex Time - launching Halvex.app - (null)"));
 }
 
 TEST_F(BackgroundHandOver, PostsNothingWithoutAName) {
     extra->notifyHalvex2(std::nullopt);
-    desk.running = {"Halvex"};
+    services.running = {"Halvex"};
     extra->HalvexLaunchThread(std::nullopt);
-    desk.runMainThread();
-    EXPECT_THAT(desk.journal(), ElementsAre("search", "front 1", "main"));
+    services.runMainThread();
+    EXPECT_THAT(services.journal(), ElementsAre("search", "front 1", "main"));
 }
 
 TEST_F(BackgroundHandOver, IgnoresOtherLaunchesUnlessTheApplicationIsFoundRunning) {
-    desk.opens = false;
+    services.opens = false;
     extra->HalvexLaunchThread(std::nullopt);
     for (const char* other : {"Halvex 2", "halvex", "", "Editor"}) {
-        desk.announce(other);
+        services.announce(other);
         EXPECT_EQ(gHalvexisrunning, 0) << other;
     }
     extra->HalvexLaunched({.name = kDidLaunchApplication, .object = {}, .userInfo = {}});
     EXPECT_EQ(gHalvexisrunning, 0);
-    EXPECT_EQ(desk.observesLaunches(), std::pair(true, true));
-    desk.running = {"Halvex"};
-    desk.announce("Editor");
+    EXPECT_EQ(services.observesLaunches(), std::pair(true, true));
+    services.running = {"Halvex"};
+    services.announce("Editor");
     EXPECT_EQ(gHalvexisrunning, 1);
-    EXPECT_EQ(desk.observesLaunches(), std::pair(false, false));
+    EXPECT_EQ(services.observesLaunches(), std::pair(false, false));
 }
 
 TEST_F(BackgroundHandOver, ObservesLaunchesAnnouncedOnTheWorkspacesCenter) {
-    desk.onOpen = [] { announceLaunch("Halvex"); };
+    services.onOpen = [] { announceLaunch("Halvex"); };
     extra->HalvexLaunchThread("Request");
     EXPECT_THAT(clock.sleeps, IsEmpty()) << "the name is read under hxNSApplicationName";
 }
 
 TEST_F(BackgroundHandOver, StopsObservingLaunchesWhenTheItemIsDestroyed) {
-    desk.opens = false;
+    services.opens = false;
     extra->HalvexLaunchThread(std::nullopt);
     gHalvexisrunning = 0;
     extra.reset();
-    desk.announce("Halvex");
+    services.announce("Halvex");
     EXPECT_EQ(gHalvexisrunning, 0);
-    EXPECT_EQ(desk.observesLaunches(), std::pair(false, false));
+    EXPECT_EQ(services.observesLaunches(), std::pair(false, false));
 }
 
 TEST_F(BackgroundHandOver, KeepsTheItemAliveAndDestroysItOnTheMainThread) {
@@ -160,18 +161,18 @@ TEST_F(BackgroundHandOver, KeepsTheItemAliveAndDestroysItOnTheMainThread) {
     while (!sleeping)
         std::this_thread::yield();
     EXPECT_FALSE(watched.expired());
-    desk.announce("Halvex"); // concurrently with the worker thread reading the flag
+    services.announce("Halvex"); // concurrently with the worker thread reading the flag
     awake = true;
     std::vector<std::string> journal;
     while (journal.empty() || journal.back() != "main") {
-        const auto more = desk.journal();
+        const auto more = services.journal();
         journal.insert(journal.end(), more.begin(), more.end());
         std::this_thread::yield();
     }
     EXPECT_THAT(journal, Contains("post HalvexShowCalculatorNotification"));
     EXPECT_FALSE(watched.expired()) << "the main thread still holds the item";
     while (!watched.expired()) {
-        desk.runMainThread(); // the journal is written before the work is queued
+        services.runMainThread(); // the journal is written before the work is queued
         std::this_thread::yield();
     }
 }

@@ -1,6 +1,6 @@
 #include "menubar/HalvexMenuExtraBase.h"
 
-#include "menuextras/ExportedIdentifiers.h"
+#include "identifiers/ExportedIdentifiers.h"
 #include "tests/support/Fakes.h"
 #include "tests/support/RecordingLog.h"
 

@@ -1,7 +1,7 @@
 #include "menubar/HalvexMenuViewBase.h"
 
+#include "identifiers/ExportedIdentifiers.h"
 #include "menubar/HalvexMenuExtraBase.h"
-#include "menuextras/ExportedIdentifiers.h"
 #include "tests/support/Fakes.h"
 #include "tests/support/RecordingLog.h"
 #include "tests/support/ScopedEnvironment.h"

@@ -196,10 +196,10 @@ TEST_F(MenuExtraInstall, FindsAndUnloadsEachGenerationSeparately) {
     EXPECT_FALSE(Tools::isHalvexV2Running());
     for (const std::string& identifier : old) {
         bar.loaded = {identifier};
-        bar.asked.clear();
+        bar.queried.clear();
         EXPECT_TRUE(Tools::isHalvexV2Running()) << identifier;
-        EXPECT_THAT(bar.asked, testing::ElementsAre(Halvex2MenuID, HalvexTodoID,
-                                                    HalvexProOldCalMenuID, Halvex2ASMid));
+        EXPECT_THAT(bar.queried, testing::ElementsAre(Halvex2MenuID, HalvexTodoID,
+                                                      HalvexProOldCalMenuID, Halvex2ASMid));
     }
     bar.loaded = old;
     bar.loaded.insert(bar.loaded.begin(), current.begin(), current.end());

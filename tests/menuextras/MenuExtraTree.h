@@ -1,6 +1,6 @@
 #pragma once
 
-#include "menuextras/ExportedIdentifiers.h"
+#include "identifiers/ExportedIdentifiers.h"
 #include "menuextras/MenuExtraTools.h"
 #include "platform/base/PathStrings.h"
 #include "tests/paths/SupportTree.h"

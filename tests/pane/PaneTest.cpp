@@ -1,4 +1,4 @@
-#include "menuextras/ExportedIdentifiers.h"
+#include "identifiers/ExportedIdentifiers.h"
 #include "platform/Bundle.h"
 #include "platform/PropertyListService.h"
 #include "platform/expat/ExpatPropertyLists.h"

@@ -67,7 +67,7 @@ TEST(LocationRecords, AreComparedByValueNotByType) {
                 for (const PropertyList& element : other)
                     cached.push_back(record(element));
                 const std::size_t expected = &row == &other ? row.size() : 0;
-                EXPECT_EQ(mergeRecords({record(value)}, cached).duplicates, expected)
+                EXPECT_EQ(paths::mergeRecords({record(value)}, cached).duplicates, expected)
                     << &row - rows.data() << " and " << &other - rows.data();
             }
 }
@@ -114,7 +114,7 @@ TEST(LocationRecords, MergeAppendsTheCachedRecordsThatTheListLacks) {
          0},
     };
     for (const auto& [name, list, cached, merged, duplicates] : cases) {
-        const MergedRecords result = mergeRecords(list, cached);
+        const paths::MergedRecords result = paths::mergeRecords(list, cached);
         EXPECT_EQ(result.records, merged) << name;
         EXPECT_EQ(result.duplicates, duplicates) << name;
     }
@@ -123,8 +123,8 @@ TEST(LocationRecords, MergeAppendsTheCachedRecordsThatTheListLacks) {
 TEST(LocationRecords, AreSplitByLengthAlone) {
     PropertyList fourteen = record("14", 14);
     fourteen.array()->back() = false;
-    const SplitRecords split =
-        splitRecords({record("a"), fourteen, "text", record("b", 20), Array(), record("c", 1)});
+    const paths::SplitRecords split = paths::splitRecords(
+        {record("a"), fourteen, "text", record("b", 20), Array(), record("c", 1)});
     EXPECT_EQ(split.own, (Array{record("a"), "text", Array(), record("c", 1)}));
     EXPECT_EQ(split.net, (Array{fourteen, record("b", 20)}));
 }

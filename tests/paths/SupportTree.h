@@ -1,6 +1,6 @@
 #pragma once
 
-#include "menuextras/ExportedIdentifiers.h"
+#include "identifiers/ExportedIdentifiers.h"
 #include "platform/Bundle.h"
 #include "platform/expat/ExpatPropertyLists.h"
 #include "platform/posix/PosixFileManager.h"

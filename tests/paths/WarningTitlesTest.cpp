@@ -1,4 +1,4 @@
-#include "menuextras/ExportedIdentifiers.h"
+#include "identifiers/ExportedIdentifiers.h"
 #include "paths/ovxPaths.h"
 #include "tests/paths/SupportTree.h"
 

@@ -1,6 +1,6 @@
 #include "apps/preferences/PreferencesWindow.h"
 
-#include "menuextras/ExportedIdentifiers.h"
+#include "identifiers/ExportedIdentifiers.h"
 #include "platform/qt/QtMainThread.h"
 #include "tests/paths/SupportTree.h"
 #include "tests/support/Fakes.h"
@@ -135,7 +135,7 @@ TEST_F(PreferencesWindowTest, ShowsTheBarsItemsWithoutStartingItAndReportsFailur
     isBarRunning = false;
     window.showPane(findPaneAtPath(path("Halvex Pro.prefPane")));
     ASSERT_TRUE(waitForTheBar());
-    EXPECT_THAT(bar.asked, testing::IsEmpty()) << "a query does not start the bar";
+    EXPECT_THAT(bar.queried, testing::IsEmpty()) << "a query does not start the bar";
 
     isBarRunning = true;
     QTest::keyClick(box(), Qt::Key_Space);

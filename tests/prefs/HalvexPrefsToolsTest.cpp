@@ -2,7 +2,7 @@
 
 #include "platform/ScriptRunner.h"
 #include "tests/paths/SupportTree.h"
-#include "tests/support/HandOverDesk.h"
+#include "tests/support/ApplicationServices.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -35,7 +35,7 @@ class FakeScripts final : public platform::ScriptRunner {
 class PrefsTools : public testing::Test {
   protected:
     test::SupportTree tree{{}};
-    test::HandOverDesk desk;
+    test::ApplicationServices services;
 };
 
 TEST_F(PrefsTools, FindALocalPaneBeforeTheUsers) {
@@ -60,10 +60,10 @@ TEST_F(PrefsTools, OpenThePaneAndReturnItsPathEvenIfOpeningFails) {
     tree.make("~/Library/PreferencePanes/HalvexPro.prefPane");
     const std::string path = tree.path("~/Library/PreferencePanes/HalvexPro.prefPane");
     EXPECT_EQ(Tools::HalvexOpenPrefs(), path);
-    desk.opens = false;
+    services.opens = false;
     EXPECT_EQ(Tools::HalvexOpenPrefs(), path);
     const std::string request = "open " + path + " with System Preferences";
-    EXPECT_THAT(desk.journal(), ElementsAre(request, request));
+    EXPECT_THAT(services.journal(), ElementsAre(request, request));
     EXPECT_THAT(tree.log.take(), ElementsAre("Halvex Prefs opened at: " + path,
                                              "Halvex Prefs failed to open " + path));
 }
@@ -73,7 +73,7 @@ TEST_F(PrefsTools, LogAMissingPane) {
     EXPECT_EQ(Tools::getHalvexBGApplicationPath(), std::nullopt);
     EXPECT_THAT(tree.log.take(), ElementsAre("Halvex Pref bundle not found.",
                                              "Halvex error: getHalvexPath failed\n"));
-    EXPECT_THAT(desk.journal(), ElementsAre());
+    EXPECT_THAT(services.journal(), ElementsAre());
 }
 
 TEST_F(PrefsTools, SelectAPaneWithAScriptOnAnotherThread) {
@@ -106,7 +106,7 @@ TEST_F(PrefsTools, FindTheFirstBackgroundApplicationOfThisGeneration) {
         {{"a", "b", "Halvex", "Halvex 2"}, 3, 0},
     };
     for (const auto& [running, found, oldLines] : cases) {
-        desk.running = running;
+        services.running = running;
         platform::ProcessSerialNumber process = 9;
         EXPECT_EQ(Tools::findHalvexBGProcess(&process), found != 9);
         EXPECT_EQ(process, found);

@@ -189,13 +189,13 @@ class RecordingMenuBar final : public platform::MenuExtraServer {
     std::vector<std::string> loaded; ///< identifiers
     /// "add <url> <position> <the four numbers>", "remove <identifier> <flags>"
     std::vector<std::string> requests;
-    std::vector<std::string> asked; ///< the identifiers passed to getMenuExtra
+    std::vector<std::string> queried; ///< the identifiers passed to getMenuExtra
     /// Called by addMenuExtra. Returns its status.
     std::function<std::int32_t(const std::string& url)> onAdd = [](const auto&) { return 0; };
 
     std::int32_t getMenuExtra(const std::string& identifier,
                               platform::MenuExtraReference& reference) override {
-        asked.push_back(identifier);
+        queried.push_back(identifier);
         const auto found = std::find(loaded.begin(), loaded.end(), identifier);
         if (found == loaded.end())
             return static_cast<std::int32_t>(platform::MenuExtraStatus::NotLoaded);

@@ -1,4 +1,4 @@
-#include "menuextras/ExportedIdentifiers.h"
+#include "identifiers/ExportedIdentifiers.h"
 
 const char* const HalvexMenuID = "com.quorvanesoftware.HalvexProMenu";
 const char* const HalvexASMid = "com.quorvanesoftware.HalvexProASM";

@@ -16,10 +16,10 @@ namespace test {
 
 /// Replaces the services for starting and notifying applications, for the lifetime of the object,
 /// and records the calls of all of them in one journal.
-class HandOverDesk final : platform::ProcessList,
-                           platform::LocalDistributedNotificationCenter,
-                           platform::Workspace,
-                           platform::MainThread {
+class ApplicationServices final : platform::ProcessList,
+                                  platform::LocalDistributedNotificationCenter,
+                                  platform::Workspace,
+                                  platform::MainThread {
   public:
     std::vector<std::string> running; ///< names; serial numbers count from 1
     bool opens = true;                ///< the result of openFile

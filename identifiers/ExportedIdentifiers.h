@@ -61,7 +61,11 @@ extern std::int32_t gHalvexisrunning; ///< set while the background application 
 
 } // extern "C"
 
+namespace identifiers {
+
 /// Returns whether myDebug is set. Thread-safe, including while another thread sets it.
 inline bool isVerbose() {
     return std::atomic_ref(myDebug).load(std::memory_order_relaxed) != 0;
 }
+
+} // namespace identifiers

@@ -1,4 +1,4 @@
-#include "apps/support/Signals.h"
+#include "apps/support/QuitOnSignals.h"
 
 #include "platform/Log.h"
 
