@@ -26,10 +26,10 @@ int runBar(const Options& options) {
     BarService service(menuBar, registry);
     switch (service.registerOnBus()) {
     case BusName::Claim::Taken:
-        logLine("another menu bar is running on this session bus");
+        logLine("cannot start: another menu bar is running on this session bus");
         return 1;
     case BusName::Claim::NoBus:
-        logLine("no session bus: nobody can talk to this menu bar");
+        logLine("other programs cannot reach this menu bar: there is no session bus");
         break;
     case BusName::Claim::Acquired:
         break;
