@@ -35,7 +35,7 @@ bool BarState::isLoaded(const std::string& identifier) const {
 }
 
 std::string BarState::crashStep(const std::string& path) const {
-    const ItemList::LeftOut* found = list_->find(path);
+    const ItemList::DisabledBundle* found = list_->findDisabled(path);
     return found ? found->step : "";
 }
 

@@ -29,7 +29,6 @@ class ItemList {
         std::string version;
         std::string step;
     };
-    using LeftOut = DisabledBundle;
 
     /// The file's name in the user's product folder.
     static constexpr const char* kFileName = "Menu Bar Items.plist";
@@ -60,7 +59,6 @@ class ItemList {
     /// Returns the entry of the disabled bundle at @p path, or null if it is not disabled. The
     /// pointer is valid until the list changes.
     const DisabledBundle* findDisabled(std::string_view path) const;
-    const DisabledBundle* find(std::string_view path) const { return findDisabled(path); }
     void disable(DisabledBundle bundle);
     /// Returns whether the bundle was disabled.
     bool enable(std::string_view path);
