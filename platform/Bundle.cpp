@@ -118,7 +118,7 @@ std::shared_ptr<Bundle> Bundle::bundleWithIdentifier(std::string_view identifier
         [&](const auto& bundle) { return bundle->bundleIdentifier() == identifier; });
 }
 
-void Bundle::setCode(const std::shared_ptr<Bundle>& bundle, Code code) {
+void Bundle::setCodeState(const std::shared_ptr<Bundle>& bundle, Code code) {
     const std::lock_guard lock(registry().mutex);
     std::erase(registry().loaded, bundle);
     if (code == Code::Loaded)

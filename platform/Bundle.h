@@ -29,7 +29,7 @@ class Bundle {
     enum class Code { Loaded, Unloaded };
     /// Registers a bundle whose code the host has loaded, or unregisters it after unloading the
     /// code. Registered bundles are kept alive.
-    static void setCode(const std::shared_ptr<Bundle>& bundle, Code code);
+    static void setCodeState(const std::shared_ptr<Bundle>& bundle, Code code);
 
     /// Returns the bundle that contains the code of a class: the folder around Contents/Linux, or
     /// halvex/<Name>.bundle next to a library lib<Name>.so. For other code, usually a program's

@@ -24,7 +24,7 @@ namespace {
 /// client logs.
 std::optional<MenuExtraReference> referenceOf(BarClient& bar, const std::string& identifier) {
     MenuExtraReference reference = 0;
-    if (bar.getMenuExtra(identifier, reference) == BarClient::kNoAnswer)
+    if (bar.getMenuExtra(identifier, reference) == BarClient::kNoReply)
         return std::nullopt;
     return reference;
 }

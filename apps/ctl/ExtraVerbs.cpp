@@ -65,7 +65,7 @@ PropertyList::Dictionary describe(const MenuExtraKind& kind, const BarState& bar
             {"installed", installed},
             {"installedVersion", versionAt(installed)},
             {"loaded", bar.isLoaded(kind.identifier)},
-            {"leftOut", bar.crashStep(installed)}};
+            {"disabled", bar.crashStep(installed)}};
 }
 
 std::string textLine(const PropertyList& row) {
@@ -78,7 +78,7 @@ std::string textLine(const PropertyList& row) {
                        text("identifier") + "\tshipped " + version("shippedVersion") +
                        "\tinstalled " + version("installedVersion") + '\t' +
                        (*row.find("loaded")->boolean() ? "loaded" : "not loaded");
-    if (const std::string step = text("leftOut"); !step.empty())
+    if (const std::string step = text("disabled"); !step.empty())
         line += "\tdisabled: it crashed the bar (" + step + ")";
     return line + '\n';
 }

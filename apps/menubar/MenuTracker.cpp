@@ -60,9 +60,9 @@ void MenuTracker::open(Item& item) {
         return;
     }
     connect(menu.get(), &QMenu::aboutToHide, this, [this, &extra] { menuClosed(extra); });
-    connect(menu.get(), &qt::QtMenu::neighbourWanted, this,
+    connect(menu.get(), &qt::QtMenu::neighbourRequested, this,
             [this, &extra](int direction) { switchToNeighbour(extra, direction); });
-    menu->setMouseHandler([this](const QMouseEvent& event) { return handleMouse(event); });
+    menu->setOutsideMouseHandler([this](const QMouseEvent& event) { return handleMouse(event); });
     extra.setMenuDown(true);
     item.widget->update();
     menus_.push_back({&extra, std::move(menu)});

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "apps/menubar/Admission.h"
-#include "apps/support/StartUp.h"
+#include "apps/support/Appearance.h"
 
 #include <optional>
 #include <string>

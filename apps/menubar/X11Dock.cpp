@@ -1,5 +1,7 @@
 #include "apps/menubar/X11Dock.h"
 
+#include "platform/qt/X11Connection.h"
+
 #include <QGuiApplication>
 #include <QScreen>
 #include <QWindow>
@@ -13,36 +15,26 @@
 #include <string_view>
 #include <xcb/xcb.h>
 
+using platform::qt::ownedReply;
+using platform::qt::x11Atom;
+using platform::qt::x11Connection;
+
 namespace apps {
 namespace {
-
-/// Returns null without an X server; "offscreen" has the interface but no connection.
-xcb_connection_t* connection() {
-    const auto* x11 = qGuiApp->nativeInterface<QNativeInterface::QX11Application>();
-    return x11 ? x11->connection() : nullptr;
-}
-
-xcb_atom_t atom(xcb_connection_t* x, std::string_view name) {
-    const auto cookie = xcb_intern_atom(x, 0, static_cast<std::uint16_t>(name.size()), name.data());
-    const std::unique_ptr<xcb_intern_atom_reply_t, decltype(&std::free)> reply(
-        xcb_intern_atom_reply(x, cookie, nullptr), std::free);
-    return reply ? reply->atom : xcb_atom_t{XCB_ATOM_NONE};
-}
 
 template <std::size_t count>
 void setProperty(const QWindow& window, std::string_view name, xcb_atom_t type,
                  const std::array<std::uint32_t, count>& values) {
-    xcb_connection_t* x = connection();
+    xcb_connection_t* x = x11Connection();
     xcb_change_property(x, XCB_PROP_MODE_REPLACE, static_cast<xcb_window_t>(window.winId()),
-                        atom(x, name), type, 32, count, values.data());
+                        x11Atom(x, name), type, 32, count, values.data());
 }
 
 /// Returns the rightmost column of the whole screen area, in native pixels.
 std::uint32_t lastColumn() {
-    xcb_connection_t* x = connection();
+    xcb_connection_t* x = x11Connection();
     const xcb_window_t root = xcb_setup_roots_iterator(xcb_get_setup(x)).data->root;
-    const std::unique_ptr<xcb_get_geometry_reply_t, decltype(&std::free)> reply(
-        xcb_get_geometry_reply(x, xcb_get_geometry(x, root), nullptr), std::free);
+    const auto reply = ownedReply(xcb_get_geometry_reply(x, xcb_get_geometry(x, root), nullptr));
     return reply && reply->width > 0 ? reply->width - 1U : 0xFFFFU;
 }
 
@@ -53,17 +45,17 @@ std::uint32_t pixels(double points, double ratio) {
 } // namespace
 
 void X11Dock::makeDock(QWindow& window) {
-    xcb_connection_t* x = connection();
+    xcb_connection_t* x = x11Connection();
     if (!x)
         return;
     setProperty(window, "_NET_WM_WINDOW_TYPE", XCB_ATOM_ATOM,
-                std::array{atom(x, "_NET_WM_WINDOW_TYPE_DOCK")});
+                std::array{x11Atom(x, "_NET_WM_WINDOW_TYPE_DOCK")});
     // All desktops: otherwise some window managers reserve the space on only one.
     setProperty(window, "_NET_WM_DESKTOP", XCB_ATOM_CARDINAL, std::array{0xFFFFFFFFU});
 }
 
 void X11Dock::reserveTop(QWindow& window, const QScreen& screen, int height) {
-    if (!connection())
+    if (!x11Connection())
         return;
     // Qt reports a screen's origin in native pixels and its size in points.
     const double ratio = screen.devicePixelRatio();
@@ -76,7 +68,7 @@ void X11Dock::reserveTop(QWindow& window, const QScreen& screen, int height) {
                 std::array<std::uint32_t, 4>{0, 0, top, 0});
     setProperty(window, "_NET_WM_STRUT_PARTIAL", XCB_ATOM_CARDINAL,
                 std::array<std::uint32_t, 12>{0, 0, top, 0, 0, 0, 0, 0, left, right, 0, 0});
-    xcb_flush(connection());
+    xcb_flush(x11Connection());
 }
 
 } // namespace apps

@@ -80,10 +80,10 @@ void PreferencesWindow::showPane(const PaneLookup& lookup) {
 
 void PreferencesWindow::setPane(std::shared_ptr<Bundle> pane) {
     if (pane_)
-        Bundle::setCode(pane_, Bundle::Code::Unloaded);
+        Bundle::setCodeState(pane_, Bundle::Code::Unloaded);
     pane_ = std::move(pane);
     if (pane_)
-        Bundle::setCode(pane_, Bundle::Code::Loaded);
+        Bundle::setCodeState(pane_, Bundle::Code::Loaded);
 }
 
 void PreferencesWindow::fillPanePage(QVBoxLayout& column) {

@@ -1,7 +1,5 @@
 #pragma once
 
-#include "apps/support/Appearance.h"
-
 #include <memory>
 
 class QApplication;

@@ -86,7 +86,7 @@ std::int32_t BarClient::getMenuExtra(const std::string& identifier, MenuExtraRef
     reference = 0;
     const Reply reply = callLogged("GetMenuExtra", {qString(identifier)}, "iu");
     if (!reply)
-        return kNoAnswer;
+        return kNoReply;
     reference = reply.value->at(1).toUInt();
     return reply.value->at(0).toInt();
 }
@@ -96,12 +96,12 @@ std::int32_t BarClient::addMenuExtra(const std::string& url, std::int32_t positi
                                      std::int32_t fourth) {
     const Reply reply =
         callLogged("AddMenuExtra", {qString(url), position, first, second, third, fourth}, "i");
-    return reply ? reply.value->at(0).toInt() : kNoAnswer;
+    return reply ? reply.value->at(0).toInt() : kNoReply;
 }
 
 std::int32_t BarClient::removeMenuExtra(MenuExtraReference reference, std::int32_t flags) {
     const Reply reply = callLogged("RemoveMenuExtra", {reference, flags}, "i");
-    return reply ? reply.value->at(0).toInt() : kNoAnswer;
+    return reply ? reply.value->at(0).toInt() : kNoReply;
 }
 
 bool BarClient::hasBus() {

@@ -36,7 +36,7 @@ class BarClient final : public MenuExtraServer {
     static constexpr std::chrono::seconds kHangPause{10};
     /// The status if there is no reply or an invalid one. The reason is logged, but not again while
     /// it stays the same.
-    static constexpr std::int32_t kNoAnswer = -609;
+    static constexpr std::int32_t kNoReply = -609;
 
     /// @p busAddress is empty for the session bus. The first call connects.
     explicit BarClient(std::string busAddress = {});

@@ -70,7 +70,7 @@ void QtMenu::addItem(const std::shared_ptr<MenuItem>& item) {
     const bool isCyclic = item->submenu() && isNestedIn(*item->submenu());
     if (item->submenu() && !isCyclic) {
         auto* submenu = new QtMenu(*item->submenu(), owner_, this);
-        connect(submenu, &QtMenu::neighbourWanted, this, &QtMenu::neighbourWanted);
+        connect(submenu, &QtMenu::neighbourRequested, this, &QtMenu::neighbourRequested);
         submenus_.push_back(submenu);
         action = addMenu(submenu);
     } else {
@@ -91,9 +91,9 @@ bool QtMenu::isNestedIn(const Menu& menu) const {
     return menu_ == &menu || (parent && parent->isNestedIn(menu));
 }
 
-void QtMenu::setMouseHandler(MouseHandler handler) {
+void QtMenu::setOutsideMouseHandler(MouseHandler handler) {
     for (QtMenu* submenu : submenus_)
-        submenu->setMouseHandler(handler);
+        submenu->setOutsideMouseHandler(handler);
     mouseHandler_ = std::move(handler);
 }
 
@@ -115,9 +115,9 @@ void QtMenu::keyPressEvent(QKeyEvent* event) {
     const bool opensSubmenu = activeAction() && activeAction()->menu();
     const bool closesSubmenu = qobject_cast<QtMenu*>(parentWidget()) != nullptr;
     if (event->key() == Qt::Key_Right && !opensSubmenu)
-        emit neighbourWanted(1);
+        emit neighbourRequested(1);
     else if (event->key() == Qt::Key_Left && !closesSubmenu)
-        emit neighbourWanted(-1);
+        emit neighbourRequested(-1);
     else
         QMenu::keyPressEvent(event);
 }

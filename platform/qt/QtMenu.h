@@ -26,11 +26,11 @@ class QtMenu final : public QMenu {
     QtMenu(const Menu& menu, std::string owner, QWidget* parent = nullptr);
     ~QtMenu() override;
 
-    void setMouseHandler(MouseHandler handler);
+    void setOutsideMouseHandler(MouseHandler handler);
 
   signals:
     /// Emitted when an arrow key leaves the menu: to the left with -1, to the right with 1.
-    void neighbourWanted(int direction);
+    void neighbourRequested(int direction);
 
   protected:
     void mousePressEvent(QMouseEvent* event) override;

@@ -24,7 +24,7 @@ TEST(DrawingVerbs, DrawTextAsBoxesIfNoFontIsInstalled) {
     const Shell shell;
     shell.write("none", "<fontconfig></fontconfig>");
     shell.run({{"FONTCONFIG_FILE=\"$PWD/none\" halvexctl hud boxes.png --size 100x50 --title Clock",
-                "", 0, "no font is installed, text is drawn as boxes"},
+                "", 0, "text is drawn as boxes: no font is installed"},
                {"ls boxes.png", "boxes.png\n"}});
 }
 

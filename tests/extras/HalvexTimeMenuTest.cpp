@@ -134,13 +134,13 @@ TEST_F(HalvexTimeMenu, OpensThePaneAndTheCalculatorFromItsMenu) {
     services.running = {"Halvex"};
     const auto pane = std::make_shared<Bundle>(
         "/Pane", PropertyList::Dictionary{{"CFBundleIdentifier", HalvexPrefsBundleID}});
-    Bundle::setCode(pane, Bundle::Code::Loaded);
+    Bundle::setCodeState(pane, Bundle::Code::Loaded);
     start();
     const auto& items = extra->menu()->items();
     EXPECT_TRUE(items.at(2)->isSeparatorItem());
     EXPECT_EQ(items.at(4)->title(), "Preferences…");
     EXPECT_TRUE(items.at(4)->perform());
-    Bundle::setCode(pane, Bundle::Code::Unloaded);
+    Bundle::setCodeState(pane, Bundle::Code::Unloaded);
     EXPECT_THAT(services.journal(), ElementsAre("open /Pane with System Preferences"));
     EXPECT_EQ(items.at(3)->title(), "Calculator");
     EXPECT_TRUE(items.at(3)->perform());

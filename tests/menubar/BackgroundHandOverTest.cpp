@@ -27,9 +27,9 @@ const std::string kLaunching = std::string("Halvex Time - launching Halvex.app -
 
 class BackgroundHandOver : public testing::Test {
   protected:
-    void SetUp() override { Bundle::setCode(pane, Bundle::Code::Loaded); }
+    void SetUp() override { Bundle::setCodeState(pane, Bundle::Code::Loaded); }
     void TearDown() override {
-        Bundle::setCode(pane, Bundle::Code::Unloaded);
+        Bundle::setCodeState(pane, Bundle::Code::Unloaded);
         myDebug = 0;
     }
 
@@ -97,7 +97,7 @@ TEST_F(BackgroundHandOver, LogsTheLaunchOnFailureOrWhenVerboseAndPostsEvenAfterA
 }
 
 TEST_F(BackgroundHandOver, OpensNothingIfThereIsNoPane) {
-    Bundle::setCode(pane, Bundle::Code::Unloaded);
+    Bundle::setCodeState(pane, Bundle::Code::Unloaded);
     const test::TemporaryFolder empty;
     const test::ScopedEnvironment home("HOME", empty.path().string());
     posix::PosixFileManager files(empty.path().string());

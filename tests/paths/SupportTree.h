@@ -104,9 +104,9 @@ struct LoadedPane : platform::NonCopyable {
         : bundle(std::make_shared<platform::Bundle>(
               std::move(path),
               platform::PropertyList::Dictionary{{"CFBundleIdentifier", HalvexPrefsBundleID}})) {
-        platform::Bundle::setCode(bundle, platform::Bundle::Code::Loaded);
+        platform::Bundle::setCodeState(bundle, platform::Bundle::Code::Loaded);
     }
-    ~LoadedPane() { platform::Bundle::setCode(bundle, platform::Bundle::Code::Unloaded); }
+    ~LoadedPane() { platform::Bundle::setCodeState(bundle, platform::Bundle::Code::Unloaded); }
 
     const std::shared_ptr<platform::Bundle> bundle;
 };

@@ -60,12 +60,12 @@ TEST(LoadedBundles, AreFoundByIdentifierUntilTheirCodeIsUnloaded) {
     const auto first = make("test.one");
     const auto second = make("test.one");
     for (const auto& bundle : {first, second, make("test.two")})
-        Bundle::setCode(bundle, Bundle::Code::Loaded);
+        Bundle::setCodeState(bundle, Bundle::Code::Loaded);
     EXPECT_EQ(Bundle::bundleWithIdentifier(""), nullptr);
     EXPECT_EQ(Bundle::bundleWithIdentifier("test.one"), first);
-    Bundle::setCode(first, Bundle::Code::Unloaded);
+    Bundle::setCodeState(first, Bundle::Code::Unloaded);
     EXPECT_EQ(Bundle::bundleWithIdentifier("test.one"), second);
-    Bundle::setCode(second, Bundle::Code::Unloaded);
+    Bundle::setCodeState(second, Bundle::Code::Unloaded);
     EXPECT_EQ(Bundle::bundleWithIdentifier("test.one"), nullptr);
 }
 

@@ -11,10 +11,3 @@ namespace {
 }();
 
 } // namespace
-
-#ifdef HALVEX_DEFINES_FUNCTION
-extern "C" int undefinedFunction();
-int undefinedFunction() {
-    return isInitialised ? 1 : 0;
-}
-#endif

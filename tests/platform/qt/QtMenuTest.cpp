@@ -83,7 +83,7 @@ TEST_F(QtMenuTest, LetsTheKeyboardChooseItemsAndLeaveTheMenu) {
     menu.addItem("more", {}, target).setSubmenu(submenu);
     QtMenu shown(menu, "test.item");
     std::string directions;
-    QObject::connect(&shown, &QtMenu::neighbourWanted,
+    QObject::connect(&shown, &QtMenu::neighbourRequested,
                      [&](int direction) { directions += direction < 0 ? "left;" : "right;"; });
 
     press(shown, {Qt::Key_Down, Qt::Key_Return});

@@ -1,0 +1,5 @@
+extern "C" int undefinedFunction();
+
+int undefinedFunction() {
+    return 1;
+}
