@@ -27,6 +27,7 @@ std::optional<std::string> replaceAll(std::string_view format, std::string_view 
     // The result never contains a placeholder, so the next one to appear at its end is the leftmost
     // of all. A replacement is read before the text that follows it.
     std::string result;
+    result.reserve(format.size());
     std::vector<std::string_view> unread{format};
     while (!unread.empty()) {
         std::string_view& text = unread.back();
