@@ -1,7 +1,7 @@
-// Prints how long it takes to fill date formats of more and more placeholders, and to collect the
-// output of a command beside a bare reader of the same pipe. Each time is the least of several
-// runs, taken in turns: what else the machine does can only add to it. Ends with 1 when a target is
-// missed.
+// Measures two operations: filling date formats with a growing number of placeholders, and
+// collecting the output of a command, compared with a plain loop that reads the same pipe. Each
+// figure is the minimum of several interleaved runs, because other load can only add to it. Exits
+// with 1 if the time per placeholder grows with the length of the format.
 
 #include "menuextras/RunCommand.h"
 #include "ui/NSMutableString-DateFormat.h"
@@ -32,8 +32,8 @@ void require(bool condition, const char* what) {
     std::exit(EXIT_FAILURE);
 }
 
-/// Nanoseconds for each of so many placeholders.
-double costOfPlaceholder(std::size_t placeholders) {
+/// Returns the nanoseconds per placeholder of a format with @p placeholders of them.
+double costPerPlaceholder(std::size_t placeholders) {
     constexpr int kRuns = 21;
     double least = std::numeric_limits<double>::max();
     for (int i = 0; i < kRuns; ++i) {
@@ -41,7 +41,8 @@ double costOfPlaceholder(std::size_t placeholders) {
         for (std::size_t k = 0; k < placeholders; ++k)
             format += "week %W ";
         least = std::min(least, milliseconds([&] { HalvexDateFormat::fixWeekNum(format, "07"); }));
-        require(format.size() == placeholders * 8 && format.ends_with("week 07 "), "not filled");
+        require(format.size() == placeholders * 8 && format.ends_with("week 07 "),
+                "the format was not filled");
     }
     return least * 1e6 / static_cast<double>(placeholders);
 }
@@ -51,60 +52,60 @@ bool measurePlaceholders() {
     double first = 0;
     double last = 0;
     for (const std::size_t count : {1'000U, 10'000U, 100'000U, 1'000'000U}) {
-        last = costOfPlaceholder(count);
+        last = costPerPlaceholder(count);
         first = first == 0 ? last : first;
         std::printf("%12zu %16.1f\n", count, last);
     }
     const bool linear = last < 2 * first;
     if (!linear)
-        std::puts("a placeholder of the longest format costs more than twice one of the shortest");
+        std::puts("target missed: the cost per placeholder more than doubles with the length");
     return linear;
 }
 
-constexpr std::size_t kOutput = 100'000'000;
+constexpr std::size_t kOutputBytes = 100'000'000;
 
-std::string outputFile() {
+std::string createOutputFile() {
     std::string name = "/tmp/halvex-output-XXXXXX";
     const int file = mkstemp(name.data());
     const std::string block(1'000'000, 'x');
-    for (std::size_t written = 0; written < kOutput; written += block.size())
+    for (std::size_t written = 0; written < kOutputBytes; written += block.size())
         require(::write(file, block.data(), block.size()) == static_cast<ssize_t>(block.size()),
-                "the output cannot be written");
+                "cannot write the file to read");
     ::close(file);
     return name;
 }
 
-/// Reads what a command writes in blocks of 512 bytes, and keeps nothing of it.
-void readBare(const std::string& command) {
+/// Reads the output of @p command in blocks of 512 bytes and discards it.
+void readAndDiscard(const std::string& command) {
     std::FILE* const pipe = ::popen(command.c_str(), "r");
-    require(pipe != nullptr, "no pipe");
+    require(pipe != nullptr, "popen failed");
     std::array<char, 512> block{};
     std::size_t sum = 0;
     for (ssize_t count = 1; count > 0; sum += static_cast<std::size_t>(count))
         count = ::read(fileno(pipe), block.data(), block.size());
     ::pclose(pipe);
-    require(sum == kOutput, "the bare reader has not read everything");
+    require(sum == kOutputBytes, "the plain loop did not read everything");
 }
 
 void collect(const std::string& command) {
     const auto output = HalvexRunCommand::HalvexUtilGetPipeData(command);
-    require(output && output->size() == kOutput, "not everything was collected");
+    require(output && output->size() == kOutputBytes, "not all of the output was collected");
 }
 
 void measureCommand() {
     constexpr int kRuns = 7;
-    const std::string file = outputFile();
+    const std::string file = createOutputFile();
     const std::string command = "cat " + file;
     double ours = std::numeric_limits<double>::max();
-    double bare = ours;
+    double plain = ours;
     for (int i = 0; i < kRuns; ++i) {
         ours = std::min(ours, milliseconds([&] { collect(command); }));
-        bare = std::min(bare, milliseconds([&] { readBare(command); }));
+        plain = std::min(plain, milliseconds([&] { readAndDiscard(command); }));
     }
     ::unlink(file.c_str());
     std::printf(
-        "\n100 MB of a command's output: collected %.1f ms, bare reader %.1f ms, ratio %.2f\n",
-        ours, bare, ours / bare);
+        "\n100 MB of a command's output: collected %.1f ms, plain loop %.1f ms, ratio %.2f\n", ours,
+        plain, ours / plain);
 }
 
 } // namespace
