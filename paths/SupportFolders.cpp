@@ -55,6 +55,14 @@ bool isFrameName(std::string_view name) {
            });
 }
 
+/// Returns whether @p folder existed; creates it otherwise.
+bool existed(const std::string& folder) {
+    if (fileManager().isDirectory(folder))
+        return true;
+    ovxPaths::ovxMakeDirIfNeeded(folder);
+    return false;
+}
+
 } // namespace
 
 std::string
@@ -146,18 +154,12 @@ std::string ovxGetiPhotoAlbumPath() {
 
 std::optional<std::vector<std::string>> HalvexThemesList() {
     const std::string folder = localFolder(themesFolder);
-    if (fileManager().isDirectory(folder))
-        return fileManager().contentsOfDirectory(folder);
-    ovxMakeDirIfNeeded(folder);
-    return std::nullopt;
+    return existed(folder) ? fileManager().contentsOfDirectory(folder) : std::nullopt;
 }
 
 std::optional<std::vector<std::string>> HalvexPicturesList() {
     const std::string folder = localFolder(kPicturesFolder);
-    if (fileManager().isDirectory(folder))
-        return fileManager().subpaths(folder);
-    ovxMakeDirIfNeeded(folder);
-    return std::nullopt;
+    return existed(folder) ? fileManager().subpaths(folder) : std::nullopt;
 }
 
 std::optional<std::vector<std::string>>
