@@ -75,6 +75,7 @@ TEST_F(MenuExtraBase, StartsWithItsViewAndADashAsTitle) {
     EXPECT_EQ(extra->attributedTitle()->string(), "-");
     EXPECT_EQ(extra->extraWidth_, 9.0F);
     EXPECT_EQ(extra->view()->frame().size, (Size{9, 22}));
+    EXPECT_TRUE(extra->validateMenuItem(MenuItem("")));
 }
 
 TEST_F(MenuExtraBase, FailsToInitializeWithoutABundle) {
