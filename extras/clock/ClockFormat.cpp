@@ -1,6 +1,7 @@
 #include "extras/clock/ClockFormat.h"
 
 #include "platform/base/NonCopyable.h"
+#include "platform/base/Utf8.h"
 #include "ui/NSMutableString-DateFormat.h"
 
 #include <algorithm>
@@ -89,18 +90,12 @@ std::string expanded(std::string_view format, int depth) {
 
 /// Returns whether @p bytes are UTF-8 sequences without control characters.
 bool isPlainText(std::string_view bytes) {
-    for (std::size_t i = 0; i < bytes.size();) {
-        const auto lead = static_cast<unsigned char>(bytes[i]);
-        if (lead < 0x20 || lead == 0x7F || (lead >= 0x80 && lead < 0xC2) || lead > 0xF4)
+    while (!bytes.empty()) {
+        const auto first = static_cast<unsigned char>(bytes.front());
+        const std::size_t length = platform::utf8SequenceLength(bytes);
+        if (first < 0x20 || first == 0x7F || length == 0)
             return false;
-        const std::size_t length = lead < 0x80 ? 1 : lead < 0xE0 ? 2 : lead < 0xF0 ? 3 : 4;
-        if (length > bytes.size() - i)
-            return false;
-        for (std::size_t k = 1; k < length; ++k) {
-            if ((static_cast<unsigned char>(bytes[i + k]) & 0xC0) != 0x80)
-                return false;
-        }
-        i += length;
+        bytes.remove_prefix(length);
     }
     return true;
 }

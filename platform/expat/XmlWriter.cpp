@@ -2,6 +2,7 @@
 
 #include "platform/PropertyListService.h"
 #include "platform/base/LargePages.h"
+#include "platform/base/Utf8.h"
 #include "platform/expat/Scalars.h"
 
 #include <array>
@@ -58,25 +59,11 @@ std::string_view escaped(char character) {
 }
 
 /// Returns the length of the UTF-8 sequence at the start of @p text, or 0 if it is malformed or its
-/// character is not allowed in XML.
+/// character, U+FFFE or U+FFFF, is not allowed in XML.
 std::size_t sequenceLength(std::string_view text) {
-    const auto byte = [text](std::size_t i) -> std::uint32_t {
-        return i < text.size() ? static_cast<unsigned char>(text[i]) : 0U;
-    };
-    const std::uint32_t first = byte(0);
-    const std::size_t length = first < 0xC2 ? 0 : first < 0xE0 ? 2 : first < 0xF0 ? 3 : 4;
-    if (length == 0 || first > 0xF4)
-        return 0;
-    std::uint32_t character = first & (0xFFU >> (length + 1));
-    for (std::size_t i = 1; i < length; ++i) {
-        if ((byte(i) & 0xC0U) != 0x80U)
-            return 0;
-        character = character << 6 | (byte(i) & 0x3FU);
-    }
-    constexpr std::array<std::uint32_t, 5> kLeast{0, 0, 0x80, 0x800, 0x1'0000};
-    const bool surrogate = character >= 0xD800 && character <= 0xDFFF;
-    const bool noCharacter = character == 0xFFFE || character == 0xFFFF || character > 0x10'FFFF;
-    return character < kLeast[length] || surrogate || noCharacter ? 0 : length;
+    const bool isNoncharacter =
+        text.starts_with("\xEF\xBF\xBE") || text.starts_with("\xEF\xBF\xBF");
+    return isNoncharacter ? 0 : utf8SequenceLength(text);
 }
 
 /// Collects small pieces in a block that stays in the processor's cache. Appending each piece to a

@@ -1,0 +1,12 @@
+#pragma once
+
+#include <cstddef>
+#include <string_view>
+
+namespace platform {
+
+/// Returns the length in bytes of the well-formed UTF-8 sequence at the start of @p text, or 0 if
+/// there is none.
+std::size_t utf8SequenceLength(std::string_view text);
+
+} // namespace platform
