@@ -4,8 +4,7 @@
 #include <cstdint>
 
 /// The identifiers and file names that the product's programs share, and three flags. Each is
-/// exported from the shared library under its own name and is initialized when the library is
-/// loaded.
+/// exported from the shared library under its own name and is initialized when the library loads.
 extern "C" {
 
 // Bundle identifiers.
@@ -54,10 +53,11 @@ extern const char* const appHalvex4Prefs;     ///< domain of this release
 extern const char* const appHalvexPrefsOld;   ///< domain of an older release
 extern const char* const hxNSApplicationName; ///< application name in a launch notification
 
-// Flags, initially 0. Each process has its own. Set them on the main thread.
+// Flags, initially 0. Each process has its own. Set the first two on the main thread.
+// gHalvexisrunning is set on any thread: access it with std::atomic_ref.
 extern std::int32_t myDebug;          ///< if not 0, menu extras and HalvexMenuExtraTools log more
 extern std::int32_t myDebugME;        ///< if not 0, menu extra views log more
-extern std::int32_t gHalvexisrunning; ///< set while the background application is known to run
+extern std::int32_t gHalvexisrunning; ///< 1 once the background application has been found running
 
 } // extern "C"
 

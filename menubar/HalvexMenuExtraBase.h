@@ -10,23 +10,23 @@
 
 /// Base class of the product's menu extras. Holds the title and the icon that the bar shows, keeps
 /// the item's width in step with them, and dispatches clicks to four overridable operations.
-/// Subclasses set the title and the icon, assign menu_ and override the clicks they handle.
-/// Main thread, except where noted.
+/// Subclasses set the title and the icon, assign menu_ and override the clicks they handle. Main
+/// thread only, except where noted.
 class HalvexMenuExtraBase : public platform::MenuExtra {
   public:
     /// Logs the destruction if myDebug is not 0.
     ~HalvexMenuExtraBase() override;
 
-    /// Returns false, whichever keys are held: the Option flag is lost when the event's flags are
-    /// narrowed to 8 bits. Kept for compatibility; initWithBundle relies on it to reset myDebug.
+    /// Always returns false: the Option flag is lost when the event's flags are narrowed to 8 bits.
+    /// Kept for compatibility; initWithBundle relies on it to reset myDebug.
     static bool OptionDown();
 
     /// Creates the view, sets the title "-" and computes the width. Logs "starting …" with the
     /// bundle's name and version, and resets myDebug to 0.
     ///
-    /// Returns this item, or null if MenuExtra::initWithBundle fails, which is logged. A
-    /// platform::Exception thrown while the view is created or installed is logged and the item is
-    /// returned all the same; other exceptions propagate.
+    /// Returns this item, or null if MenuExtra::initWithBundle fails, which is logged. If creating
+    /// or installing the view throws a platform::Exception, logs it and still returns the item;
+    /// other exceptions propagate.
     std::shared_ptr<platform::MenuExtra>
     initWithBundle(std::shared_ptr<platform::Bundle> bundle) override;
 
@@ -46,8 +46,8 @@ class HalvexMenuExtraBase : public platform::MenuExtra {
     std::shared_ptr<platform::Image> alternateImage() const override;
     std::shared_ptr<platform::Menu> menu() const override;
 
-    /// Sets the width to that of the title and the icon, plus 2 points, plus 2.5 points if the view
-    /// draws shadows.
+    /// Sets the width to that of the title and the icon plus 2 points, and 2.5 points more if the
+    /// view draws shadows.
     virtual void recalWidth();
     /// Sets the width of the item and its view to @p width points and requests a redisplay. Does
     /// nothing if the width is unchanged.
@@ -73,26 +73,27 @@ class HalvexMenuExtraBase : public platform::MenuExtra {
 
     /// Opens the preference pane; see HalvexPrefsTools::HalvexOpenPrefs.
     virtual void HalvexPrefs(const platform::MenuItem* sender);
-    /// Asks the background application to show its calculator. Runs HalvexLaunchThread on a new
-    /// thread, which keeps this item alive until it ends.
+    /// Shows the background application's calculator. Runs HalvexLaunchThread on a new thread,
+    /// which keeps this item alive until it exits.
     virtual void OpenCalculator(const platform::MenuItem* sender);
-    /// Brings the background application to the front, starting it if necessary, and posts it the
-    /// request @p notificationName. With std::nullopt nothing is posted. Blocks for up to
-    /// 50 seconds: call it on a worker thread.
+    /// Brings the background application to the front, starting it if necessary, and then posts
+    /// @p notificationName to it with notifyHalvex2. Posts nothing if @p notificationName is
+    /// std::nullopt. Blocks for up to 50 seconds: call it on a worker thread.
     ///
-    /// If the application is running, the notification is queued for the main thread and this
-    /// returns immediately. Otherwise the application is opened (its path is logged if that fails
-    /// or myDebug is not 0); this waits until its launch is announced, 50 seconds at most, and
-    /// returns when the notification has been posted, which it is even after a timeout. Launches
-    /// are still observed after a timeout.
+    /// If the application is running, queues the notification for the main thread and returns
+    /// immediately. Otherwise opens the application, waits for up to 50 seconds until its launch is
+    /// announced, and returns once the main thread has posted the notification. After a timeout,
+    /// the notification is still posted and launches remain observed. The application's path is
+    /// logged if opening it fails or myDebug is not 0.
     ///
-    /// gHalvexisrunning is set to 0 at the start, and to 1 once the application is known to run.
+    /// Sets gHalvexisrunning to 0 first, and to 1 once the application is running.
     virtual void HalvexLaunchThread(const std::optional<std::string>& notificationName);
     /// Posts a distributed notification for the background application. Does nothing for
     /// std::nullopt. Thread-safe; HalvexLaunchThread calls it on the main thread.
     virtual void notifyHalvex2(const std::optional<std::string>& notificationName);
-    /// Observer of application launches. If the application launched is the background application,
-    /// or that is found running, sets gHalvexisrunning and stops observing launches. Thread-safe.
+    /// Handles the notification that an application has been launched. If it was the background
+    /// application, or the background application is found among the running processes, sets
+    /// gHalvexisrunning and stops observing launches. Thread-safe.
     virtual void HalvexLaunched(const platform::Notification& notification);
 
   protected:

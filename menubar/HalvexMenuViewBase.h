@@ -17,8 +17,8 @@ class HalvexMenuViewBase : public platform::MenuExtraView {
     virtual std::shared_ptr<HalvexMenuViewBase> initWithFrame(const platform::Rect& frame,
                                                               HalvexMenuExtraBase* menuExtra);
 
-    /// A click count for subclasses; this class does not read it. 0 by default, set to 2 by
-    /// HalvexMenuExtraBase.
+    /// A click count for subclasses; not read by this class. 0 by default; HalvexMenuExtraBase sets
+    /// it to 2.
     std::int32_t clickCount() const { return clickCount_; }
     void setClickCount(std::int32_t count) { clickCount_ = count; }
 
@@ -30,12 +30,12 @@ class HalvexMenuViewBase : public platform::MenuExtraView {
     bool acceptsFirstMouse(const platform::Event& event) const override;
 
     /// Calls the first operation that matches: clickWithCtrlKey for Control or button 3,
-    /// clickWithShiftKey for Shift, clickWithAltKey for Option, clicked otherwise. Opens the menu
-    /// if the operation returns false.
+    /// clickWithShiftKey for Shift, clickWithAltKey for Option, clicked otherwise. If the operation
+    /// returns false, opens the menu, or closes it if it is open.
     ///
-    /// Control and Option together toggle the view's verbose logging (myDebugME). Turning it on
-    /// also reveals the preferences file, and the click goes no further; turning it off handles the
-    /// click as a Control-click.
+    /// Control and Option together toggle the verbose logging of all views (myDebugME). If that
+    /// turns it on, the click only reveals the preferences file in the file browser. If that turns
+    /// it off, the click is handled as a Control-click.
     void mouseDown(const platform::Event& event) override;
 
     /// Draws the title, then the image. Only the height of @p rect is used. Logs

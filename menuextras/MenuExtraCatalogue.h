@@ -9,10 +9,11 @@ namespace menuextras {
 
 /// Bundle identifier of the clock that the bar itself ships.
 inline constexpr const char* kSystemClockID = "com.apple.menuextra.clock";
-/// Bundle identifier of the item whose presence makes a bar with --admit=system accept third-party
-/// items.
+/// Bundle identifier of MenuCracker. While MenuCracker is loaded, a bar started with --admit=system
+/// also accepts third-party items.
 inline constexpr const char* kMenuCrackerID = "net.sourceforge.menucracker";
 
+/// One of the product's menu extras.
 struct MenuExtraKind {
     std::int32_t tag;
     std::string identifier;
@@ -26,7 +27,7 @@ std::span<const MenuExtraKind> allKinds();
 /// Returns null for an unknown tag.
 const MenuExtraKind* kindOfTag(std::int32_t tag);
 
-/// Returns the folder that contains the installed menu extras, which is created if missing.
+/// Returns the folder of the installed menu extras. Creates it if missing.
 std::string installedFolder();
 
 } // namespace menuextras

@@ -10,7 +10,8 @@ class HalvexRunCommand {
   public:
     HalvexRunCommand() = delete;
 
-    /// Runs a command without reading its output: a command that writes finds a closed pipe.
+    /// Runs a command and closes the pipe from its standard output without reading it. A command
+    /// that writes may be terminated by SIGPIPE.
     static void HalvexRunNoOutput(const std::string& command);
 
     /// Runs a command and returns its standard output, up to the end or the first read error.

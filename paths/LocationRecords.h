@@ -7,18 +7,18 @@
 namespace paths {
 
 // Merges and splits lists of world-clock location records. Both operations take time linear in the
-// number of records, and moved-in records are not copied. Lists may hold any values: a record that
-// is not an array is kept unchanged, and a record with fewer than five elements is never a
-// duplicate.
+// number of records. Lists passed with std::move are not copied. Lists may hold any values: a
+// record that is not an array is kept unchanged, and a record with fewer than five elements is
+// never a duplicate.
 
 struct MergedRecords {
     platform::PropertyList::Array records;
     std::size_t duplicates = 0; ///< number of cached records that were already in the list
 };
 
-/// Appends to @p list the records of @p cached whose locations it does not contain, in their order.
-/// Each of these is padded with "" to 13 elements if it is shorter, and its element 13 is set to
-/// true. Cached records are not compared with each other.
+/// Appends to @p list those records of @p cached whose locations it does not contain. Keeps their
+/// order. An appended array is padded with "" to 13 elements if it is shorter, and its element 13
+/// is set to true. Cached records are not compared with each other.
 ///
 /// Two locations are the same if their elements 0 to 4 are equal. Numbers and booleans are compared
 /// by value (true, 1 and 1.0 are equal), strings by their bytes. A string never equals a number.

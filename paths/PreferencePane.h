@@ -7,8 +7,8 @@
 
 namespace paths {
 
-// The product's preference pane. Each function returns null if there is no such pane, and logs
-// nothing.
+// The product's preference pane. The functions return null if there is no such pane,
+// and log nothing.
 
 /// Returns the pane whose code this process has loaded.
 std::shared_ptr<platform::Bundle> loadedPreferencePane();

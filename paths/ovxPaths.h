@@ -9,20 +9,20 @@
 /// The product's folders and data files. Returns their paths, creates the folders, and reads and
 /// writes the data files.
 ///
-/// Paths are absolute, UTF-8 and have no trailing slash. "Created" means created if missing, with
-/// ovxPaths::ovxMakeDirIfNeeded: one level at a time, with a log line on failure; the path is
-/// returned either way. No operation keeps state or throws. Safe to call from any thread; calls
-/// block on the disk.
+/// Paths are absolute, UTF-8 and have no trailing slash. "Created" means created if
+/// missing, with ovxPaths::ovxMakeDirIfNeeded: one level at a time, with a log line on
+/// failure; the path is returned either way. Operations are stateless, never throw, and
+/// block on disk access. Thread-safe.
 ///
-/// "Application Support" is the folder in the user's Library, and the maker folder is
-/// "Quorvane Software" in it. The local folders are those in /Library/Application Support.
+/// "Application Support" is the folder in the user's Library, and the maker folder is "Quorvane
+/// Software" in it. The local folders are those in /Library/Application Support.
 class HalvexFilePaths {
   public:
     HalvexFilePaths() = delete;
 
     // Folders
 
-    /// Returns Application Support, which is not created, or its @p subfolder, which is.
+    /// Returns Application Support or, if given, its @p subfolder. Creates only the subfolder.
     static std::string
     ovxGetUserApplSupportFolder(const std::optional<std::string>& subfolder = {});
     /// Returns the user's maker folder or its @p subfolder. Both are created.
@@ -36,7 +36,7 @@ class HalvexFilePaths {
     static std::string ovxGetLocalHalvexApplSupportFolder();
     /// Returns "Halvex Pro" in the local maker folder. Only this last level is created.
     static std::string ovxGetLocalHalvexProSupportDir();
-    /// Returns the oldest location of the location file, ~/Library/Halvex Locations, with symbolic
+    /// Returns the oldest path of the location file, ~/Library/Halvex Locations, with symbolic
     /// links resolved. Creates nothing.
     static std::string HalvexOldPathLocationFile();
 
@@ -44,13 +44,14 @@ class HalvexFilePaths {
     //
     // A location record is an array. Its elements 0 to 4 identify the location. A record with more
     // than 13 elements is a net record: it comes from a subscription and is stored in a file of its
-    // own, the net location cache.
+    // own, the net location cache. The cache and the location file are in the user's product
+    // folder, which is created.
 
     /// Reads the location list and merges the cached net records into it. The list is read from the
     /// location file, after moving that file from one of its two old paths if necessary (logged).
-    /// If the file is missing or unreadable (not logged), the preference pane's default list is
-    /// used, and without one an empty list (both logged). Returns std::nullopt only if the default
-    /// list exists but cannot be read (logged).
+    /// If the file is missing or unreadable (not logged), uses the preference pane's default list,
+    /// or an empty list if the pane has none (both logged). Returns std::nullopt only if the
+    /// default list exists but cannot be read (logged).
     static std::optional<platform::PropertyList::Array> HalvexLoadLocationFile();
     /// Appends to @p list the cached net records whose locations it does not contain. Logs the
     /// number of duplicates. Returns @p list unchanged if the cache is missing, unreadable or
@@ -59,34 +60,35 @@ class HalvexFilePaths {
     mergeNetLocation(std::optional<platform::PropertyList::Array> list);
     /// Writes the net records of @p list to the cache, unless there are none, and all others to the
     /// location file. Logs both writes. Returns whether the location file was written. A failed
-    /// write is logged and beeps. Move the list in if it is no longer needed.
+    /// write is logged and beeps. Pass the list with std::move to avoid copying it.
     static bool HalvexSaveLocationTable(platform::PropertyList::Array list);
-    /// Replaces the contents of the cache with @p records. Without records the cache is left
-    /// unchanged. Returns whether that succeeded; a failed write is logged and beeps.
+    /// Replaces the contents of the cache with @p records. Returns whether the cache was written; a
+    /// failed write is logged and beeps. If @p records is empty, does nothing and returns true.
     static bool HalvexSaveCacheNetLocation(const platform::PropertyList::Array& records);
-    /// Returns whether the cache exists. A folder in its place does not count.
+    /// Returns whether the cache exists and is not a folder.
     static bool HalvexExistsNetLocation();
-    /// Removes the cache. Returns false if that fails, and true if there was none. A folder in its
-    /// place does not count and is left alone.
+    /// Removes the cache. Returns false only if that fails: a missing cache is not a failure, and a
+    /// folder at its path is left unchanged and not reported.
     static bool HalvexRemoveNetLocation();
 
     // Timed warnings. Each list is an array in a file called @p name with the extension "plist".
 
-    /// Reads the first readable list of: the user's product folder, Application Support, the local
-    /// product folder, @p defaultPath. Returns an empty array if there is none. Logs an unreadable
-    /// list in the local product folder and a missing or unreadable default; other unreadable lists
-    /// are skipped silently. Creates the user's product folder, and the local product folder if the
-    /// search gets that far.
+    /// Reads the first readable list among those in the user's product folder, in Application
+    /// Support, in the local product folder, and at @p defaultPath. Returns an empty array if all
+    /// are missing or unreadable. Logs an unreadable list in the local product folder and a missing
+    /// or unreadable default; other unreadable lists are skipped silently. Creates the user's
+    /// product folder, and the local product folder if the search reaches it.
     static platform::PropertyList::Array loadWarnMeTitles(const std::string& name,
                                                           const std::string& defaultPath);
-    /// Returns whether such a file exists, readable or not, in one of the three folders.
+    /// Returns whether the file exists, readable or not, in one of these three folders. Creates the
+    /// product folders that it searches.
     static bool hasCustomWarnMeFile(const std::string& name);
 };
 
 /// Operations on paths and lists of paths. "Created" has the same meaning as above.
 namespace ovxPaths {
 
-/// Creates a folder at @p path, in a folder that exists. Does nothing if anything exists at
+/// Creates a folder at @p path. Its parent folder must exist. Does nothing if anything exists at
 /// @p path, including a file or a dangling symbolic link. Logs "ovxMakeDirIfNeeded: Error creating
 /// path: …" on failure.
 void ovxMakeDirIfNeeded(const std::string& path);
@@ -98,13 +100,13 @@ std::string ovxGetApplSupportFolder(const std::optional<std::string>& subfolder 
 
 /// Creates Application Support and "Halvex" in it.
 void ovxHalvexMakeUserSupportDir();
-/// Creates the local maker folder with "Halvex", "Pictures", "Holidays" and "Themes" in it. If
-/// Glimmerbox's backgrounds folder exists, links to it from "Pictures". Logs a link that cannot be
-/// created, including one that already exists.
+/// Creates the local maker folder with "Halvex", "Pictures", "Holidays" and "Themes" in it. If the
+/// backgrounds folder of Glimmerbox, a sibling product, exists, links to it from "Pictures". Logs
+/// an error if the link cannot be created or already exists.
 void ovxHalvexMakeLocalSupportDir();
-/// Creates Application Support, Glimmerbox's frames folder and its backgrounds folder, and links to
-/// the backgrounds from the frames folder. Logs a link that cannot be created, including one that
-/// already exists.
+/// Creates Application Support, Glimmerbox's frames folder and its backgrounds folder, and
+/// links to the backgrounds from the frames folder. Logs an error if the link cannot be created
+/// or already exists.
 void ovxGlimmerboxMakeSupportDir();
 
 // The next three create nothing.
@@ -129,7 +131,8 @@ std::optional<std::vector<std::string>> HalvexPicturesList();
 std::optional<std::vector<std::string>>
 ovxGlimmerboxGetListFrames(const std::optional<std::vector<std::string>>& exclude = {});
 
-// The next three open a folder with the workspace. They ignore the sender.
+// The next three open a folder with Workspace::openFile. They ignore the sender and do
+// not report failures.
 
 /// Opens the user's themes folder, "Themes" in Application Support, which is created.
 void ovxShowHalvexThemeFolder(const void* sender = nullptr);

@@ -15,7 +15,7 @@ class HalvexPrefsTools {
 
     /// Returns the pane loaded in this process, else the one installed for all users, else the
     /// user's own. In both folders, "Halvex Pro.prefPane" is preferred to "HalvexPro.prefPane".
-    /// Returns null if there is none.
+    /// Returns null if no pane is found.
     static std::shared_ptr<platform::Bundle> HalvexPrefsBundle();
 
     /// Returns the pane's path, or std::nullopt if there is no pane (logged).
@@ -28,17 +28,18 @@ class HalvexPrefsTools {
     /// Selects the pane with this identifier in System Preferences. Returns immediately: runs
     /// openPrefsThread on a detached thread.
     static void openPrefsSelected(const std::string& paneIdentifier);
-    /// Selects the pane with this identifier in System Preferences, which can take seconds. Logs a
-    /// failure together with the script.
+    /// Selects the pane with this identifier in System Preferences, which can take seconds. On
+    /// failure, logs the error and the script.
     static void openPrefsThread(const std::string& paneIdentifier);
 
-    /// Returns the path of the background application, whether or not it exists. It is in the pane
-    /// that HalvexMenuExtraTools::HalvexPrefsPlugins finds, which never is "HalvexPro.prefPane".
-    /// Returns std::nullopt if there is no such pane (logged).
+    /// Returns the path of the background application, whether or not it exists. The application is
+    /// in the folder returned by HalvexMenuExtraTools::HalvexPrefsPlugins, which, unlike
+    /// HalvexPrefsBundle, does not search for "HalvexPro.prefPane". Returns std::nullopt if no pane
+    /// is found (logged).
     static std::optional<std::string> getHalvexBGApplicationPath();
 
-    /// Returns whether the background application is running. If so, stores its process in
-    /// @p serialNumber, which may be null. Processes of the older generation do not count; each one
-    /// found on the way is logged.
+    /// Returns whether the background application is running. If so, stores its process serial
+    /// number in @p serialNumber, unless that is null. Skips processes of the older generation,
+    /// "Halvex 2", and logs those found before the application.
     static bool findHalvexBGProcess(platform::ProcessSerialNumber* serialNumber);
 };

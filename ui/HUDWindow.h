@@ -21,7 +21,7 @@ class HUDWindow : public platform::Panel {
 
     /// Returns true, although this is a utility panel.
     bool canBecomeKeyWindow() const override;
-    /// Returns this panel, so that it can stand in for an object that has a window.
+    /// Returns this panel, for callers that expect an object with a window.
     HUDWindow& window() { return *this; }
 
     /// Returns the background as a pattern colour: a new image of the size of the frame, with the
@@ -50,8 +50,9 @@ class HUDWindow : public platform::Panel {
     /// 16 points left of and below the top right corner of a rectangle of the size of @p rect; the
     /// origin of @p rect is ignored. The button keeps its distance to the top and right edges.
     ///
-    /// The image is the program's "white_i", or else that of the bundle of the panel's class.
-    /// Without one, the button is empty and "bundle %@ (%@) missing image %@" is logged.
+    /// The image is "white_i" from the program's resources or, if missing there, from the bundle of
+    /// the panel's class. If both are missing, the button is empty and "bundle %@ (%@) missing
+    /// image %@" is logged.
     void addiButton(const platform::Rect& rect, std::weak_ptr<platform::ActionTarget> target,
                     platform::Selector selector);
 

@@ -3,12 +3,12 @@
 #include <string>
 #include <string_view>
 
-/// Fills in the placeholders of a date format that the caller computes itself. Each operation
+/// Fills in those placeholders of a date format whose values the caller computes. Each operation
 /// changes @p format in place and returns it. Placeholders are matched literally and cannot be
-/// escaped: "%%W" becomes "%" followed by the week, and "%w" is left alone.
+/// escaped: "%%W" becomes "%" followed by the week, and "%w" is left unchanged.
 ///
-/// The leftmost placeholder is replaced until none is left. That includes placeholders that a value
-/// forms with its neighbours. A value for which this would not end, such as one that contains its
+/// Replaces the leftmost placeholder until none is left, including placeholders formed by a value
+/// and the text next to it. A value for which this would never end, such as one that contains its
 /// own placeholder, is refused: @p format stays unchanged, and "value \"%@\" would replace %@
 /// without end" is logged. A value that begins with the placeholder's letter and ends with "%" is
 /// also refused if more than 16 MiB of replacements have been inserted. Runs in time linear in the

@@ -8,13 +8,13 @@
 /// "53") and that "%%" does not escape "%W" and "%Z". Thread-safe.
 namespace extras::clock_format {
 
-/// Weekday and time: "Sun 22:05" or "Sun 10:05 PM".
+/// Returns the format for weekday and time: "Sun 22:05" or "Sun 10:05 PM".
 std::string shortDefault();
-/// Weekday, day and time: "Sun 22 Nov 22:05" or "Sun Nov 22 10:05 PM".
+/// Returns the format for weekday, day and time: "Sun 22 Nov 22:05" or "Sun Nov 22 10:05 PM".
 std::string longDefault();
-/// The full date in words.
+/// Returns the format for the full date in words.
 std::string fullDate();
-/// The time with seconds and time zone.
+/// Returns the format for the time with seconds and time zone.
 std::string fullTime();
 
 /// Returns @p format with composite conversions ("%T", "%R", "%r", "%X", "%c") replaced by the
@@ -22,11 +22,12 @@ std::string fullTime();
 std::string expanded(std::string_view format);
 
 /// Returns @p format without flags, widths and modifiers, so that "%-S" becomes "%S". "%s", the
-/// seconds since 1970, also becomes "%S". The result tells which units a format shows, not how.
+/// seconds since 1970, also becomes "%S". Use the result to find out which units a format shows,
+/// not to format a time.
 std::string bare(std::string_view format);
 
-/// Returns whether a clock can show @p format: at most 256 bytes of UTF-8 without control
-/// characters that produce a non-blank text.
+/// Returns whether a clock can show @p format: it must be UTF-8 without control characters, at most
+/// 256 bytes long, and produce text that is not blank.
 bool isUsable(std::string_view format);
 
 /// Formats @p moment. Returns an empty string if the result exceeds 16383 bytes.

@@ -10,8 +10,8 @@ namespace extras {
 
 /// A clock in the bar. It updates once a second while its format shows seconds or its menu is open,
 /// otherwise once a minute, and whenever the system time or the time zone changes or the machine
-/// resumes. Its menu shows the full date and the full time; choosing one copies it. Main thread
-/// only.
+/// resumes. Its menu shows the full date and the full time; choosing one of them copies it to the
+/// clipboard. Main thread only.
 class ClockItem : public HalvexMenuExtraBase {
   public:
     std::shared_ptr<platform::MenuExtra>
