@@ -18,7 +18,7 @@ namespace {
 
 struct Registry {
     std::mutex mutex;
-    std::vector<std::shared_ptr<Bundle>> loaded;             ///< see setCode, in order of loading
+    std::vector<std::shared_ptr<Bundle>> loaded; ///< see setCodeState, in order of loading
     std::map<std::string, std::shared_ptr<Bundle>> lastRead; ///< by path
 
     template <class Predicate>

@@ -17,14 +17,14 @@ class Bundle {
   public:
     /// Reads the bundle at @p path. If Info.plist is missing or not a dictionary, the bundle has no
     /// information dictionary. If @p path no longer exists, returns the bundle that this process
-    /// last read there, so its files may be missing. Returns null if @p path never was a bundle or
-    /// is not a folder. In all of these cases writes an explanation to @p reason, unless that is
-    /// null. Logs nothing.
+    /// last read there, so its files may be missing. Returns null if @p path is not a folder, or
+    /// does not exist and this process has read no bundle there. In all of these cases writes an
+    /// explanation to @p reason, unless that is null. Logs nothing.
     static std::shared_ptr<Bundle> bundleWithPath(const std::string& path,
                                                   std::string* reason = nullptr);
 
     /// Returns the first bundle with this identifier among those that a host has registered with
-    /// setCode, or null. The menu bar registers none.
+    /// setCodeState, or null. The menu bar registers none.
     static std::shared_ptr<Bundle> bundleWithIdentifier(std::string_view identifier);
     enum class Code { Loaded, Unloaded };
     /// Registers a bundle whose code the host has loaded, or unregisters it after unloading the

@@ -9,8 +9,8 @@
 
 namespace platform {
 
-/// A shared object loaded into this process. Destroying the object unloads the code unless
-/// something else has loaded it too; its functions and data must not be used afterwards.
+/// A shared object loaded into this process. Destroying the object unloads the code unless other
+/// code has loaded it too; its functions and data must not be used afterwards.
 class LoadedCode : NonCopyable {
   public:
     virtual ~LoadedCode();
@@ -40,7 +40,7 @@ class DynamicLoader : NonCopyable {
     /// Detects a missing or truncated file, a file for another processor, a file that is not a
     /// shared object, missing libraries and versions, and undefined symbols. Does not detect errors
     /// that occur only when the code runs. Reports symbols that are defined only by this program as
-    /// undefined. Starts a child process; takes some milliseconds, at most 5 s.
+    /// undefined. Starts a child process; takes a few milliseconds, at most 5 s.
     virtual bool preflight(const std::string& path, std::string& reason) const = 0;
     /// Loads a shared object with RTLD_LOCAL and runs its initializers. Returns null and writes the
     /// cause to @p reason if the file is truncated, is for another processor or cannot be loaded.

@@ -47,8 +47,8 @@ class FileManager : NonCopyable {
 
     // Queries
 
-    /// Returns whether @p path exists. Follows symbolic links, so a dangling link does not exist.
-    /// Sets @p isDirectory, unless null, to whether @p path exists and is a folder.
+    /// Returns whether @p path exists. Follows symbolic links, so returns false for a dangling
+    /// link. Sets @p isDirectory, unless null, to whether @p path exists and is a folder.
     virtual bool fileExists(const std::string& path, bool* isDirectory = nullptr) const = 0;
     /// Returns whether @p path is a folder or a symbolic link to one.
     bool isDirectory(const std::string& path) const;
@@ -113,12 +113,13 @@ class FileManager : NonCopyable {
     /// and then appears at @p to in one step. Keeps permissions and times; the copy belongs to the
     /// user, so the set-user-ID and set-group-ID bits are dropped. Symbolic links are copied as
     /// links. Fails if @p from contains a pipe or a device, or if @p to is inside @p from. On
-    /// failure, leaves nothing behind. Removes what killed processes left next to @p to. If several
-    /// copies to @p to run at the same time, one of them succeeds.
+    /// failure, leaves nothing behind. Also removes temporary copies left next to @p to by killed
+    /// processes. If several copies to @p to run at the same time, one of them succeeds.
     virtual bool copyItem(const std::string& from, const std::string& to) = 0;
-    /// Moves a file, a symbolic link or a folder. To another file system, moves only files and
-    /// symbolic links: flushes a copy to disk, with the same mode and times and, if permitted, the
-    /// same owner, and then removes @p from. On failure, @p from is unchanged and @p to is absent.
+    /// Moves a file, a symbolic link or a folder. Across file systems, moves only files and
+    /// symbolic links: creates a copy, then removes @p from. The copy of a file is flushed to disk
+    /// and has the same mode and times and, if permitted, the same owner. On failure, @p from is
+    /// unchanged and @p to is absent.
     virtual bool moveFile(const std::string& from, const std::string& to) = 0;
 
     // Watching

@@ -29,14 +29,15 @@ class Graphics : NonCopyable {
     virtual std::shared_ptr<Image> imageWithContentsOfFile(const std::string& path) = 0;
 
     /// Loads the PNG image "name.png" from the resources of Bundle::mainBundle(). Returns null,
-    /// without logging, if there is none.
+    /// without logging, if there is no such file.
     virtual std::shared_ptr<Image> imageNamed(std::string_view name) = 0;
 
     using Draw = std::function<void(GraphicsContext& context)>;
     /// Creates an image of @p size points, initially transparent, and calls @p draw with its
     /// context. The image has the scale of the sharpest screen. Its width and height in pixels are
-    /// rounded up; the excess at the top and right can be drawn to but is not shown. A size that is
-    /// not positive results in an image without pixels. So does a lack of memory, which is logged.
+    /// rounded up; the excess at the top and right can be drawn to but is not shown. If the size is
+    /// not positive, the image has no pixels. The same applies if the image is too large or memory
+    /// runs out, which is logged.
     virtual std::shared_ptr<Image> imageByDrawing(Size size, const Draw& draw) = 0;
 
     /// Returns the context that is being drawn to. @throws Exception outside of drawing.

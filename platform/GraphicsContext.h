@@ -47,7 +47,8 @@ class GraphicsContext : NonCopyable {
     virtual void setTextDrawingMode(TextDrawingMode mode) = 0;
     /// Sets the operation for text. The initial value is SourceOver.
     virtual void setCompositingOperation(CompositingOperation operation) = 0;
-    /// Sets a shadow in the default shadow color for text whose attributes have none.
+    /// Sets the shadow of text whose attributes have none, in points. Its colour is the
+    /// default shadow colour.
     virtual void setShadow(Size offset, double blurRadius) = 0;
 
     /// Draws text with its lower left corner, including the descent, at @p point.
@@ -59,10 +60,10 @@ class GraphicsContext : NonCopyable {
     /// opacity multiplied by @p fraction (0 to 1).
     virtual void drawImage(const Image& image, const Rect& destination, const Rect& source,
                            CompositingOperation operation, double fraction) = 0;
-    /// Fills a rectangle. Does nothing for a pattern color.
+    /// Fills a rectangle. Does nothing for a pattern colour.
     virtual void fillRect(const Rect& rect, const Color& color, CompositingOperation operation) = 0;
     /// Fills a path by the nonzero winding rule, with antialiasing. Closes open subpaths. Does
-    /// nothing for a pattern color.
+    /// nothing for a pattern colour.
     virtual void fillPath(const BezierPath& path, const Color& color,
                           CompositingOperation operation) = 0;
 };

@@ -13,8 +13,8 @@
 
 namespace platform {
 
-/// The destination of log lines and of the alert sound. Operations do not throw and do not block
-/// for more than a moment. Thread-safe.
+/// The destination of log lines and of the alert sound. Operations never throw, and block only
+/// while the destination does. Thread-safe.
 class Log : NonCopyable {
   public:
     virtual ~Log();
@@ -31,8 +31,9 @@ Log& systemLog();
 template <>
 Log* exchangeService<Log>(Log* service);
 
-/// A value for a placeholder. Null and std::nullopt are printed as "(null)". Strings are
-/// referenced, not copied, so the argument must not outlive the full expression that creates it.
+/// A value for a placeholder of formatLogLine. Null and std::nullopt are printed as "(null)".
+/// Strings are referenced, not copied, so the argument must not outlive the full expression
+/// that creates it.
 class LogArgument {
   public:
     LogArgument(std::nullptr_t) {}

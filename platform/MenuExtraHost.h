@@ -17,7 +17,7 @@ class MenuExtraHost : NonCopyable {
     virtual double statusBarThickness() const = 0;
     /// Schedules redrawing of @p view. Several requests before the next redraw count as one.
     virtual void viewNeedsDisplay(MenuExtraView& view) = 0;
-    /// Tells the bar that the item's length() has changed.
+    /// Notifies the bar that the item's length() has changed.
     virtual void lengthChanged(MenuExtra& extra) = 0;
     /// Opens the item's menu, or closes it if it is open. Does not wait for the menu to close.
     virtual void toggleMenu(MenuExtra& extra) = 0;

@@ -12,7 +12,7 @@ namespace platform {
 enum class MenuExtraStatus : std::int32_t {
     NoError = 0,
     NotLoaded = -1,     ///< no loaded item has this identifier or reference
-    Refused = -2,       ///< the bundle failed a check, which the bar logs
+    Refused = -2,       ///< the bundle is not admitted; the bar logs the reason
     FileNotFound = -43, ///< fnfErr
     BadParameter = -50, ///< paramErr
 };
@@ -20,8 +20,8 @@ enum class MenuExtraStatus : std::int32_t {
 /// Identifies a loaded item. Never 0 for an item.
 using MenuExtraReference = std::uint32_t;
 
-/// The menu bar as seen by other programs. Requests return a MenuExtraStatus or, if no bar replies
-/// within some seconds, another non-zero number. They may block for that time. Thread-safe.
+/// The menu bar as seen by other programs. A request blocks for up to 5 seconds until the bar
+/// replies. Returns a MenuExtraStatus, or another non-zero number if no bar replies. Thread-safe.
 class MenuExtraServer : NonCopyable {
   public:
     virtual ~MenuExtraServer();
@@ -29,11 +29,11 @@ class MenuExtraServer : NonCopyable {
     /// Sets @p reference to that of the loaded item with this identifier.
     virtual std::int32_t getMenuExtra(const std::string& identifier,
                                       MenuExtraReference& reference) = 0;
-    /// Requests that the bundle at a file URL be loaded; returns before it is. Items are ordered by
-    /// @p position, rightmost first. The other numbers have no meaning.
+    /// Requests that the bar load the bundle at a file URL. Returns before the bundle is loaded.
+    /// Items are ordered by @p position, rightmost first. The other parameters are ignored.
     virtual std::int32_t addMenuExtra(const std::string& url, std::int32_t position, std::int32_t,
                                       std::int32_t, std::int32_t, std::int32_t) = 0;
-    /// Removes an item from the bar. @p flags has no meaning.
+    /// Removes an item from the bar. @p flags is ignored.
     virtual std::int32_t removeMenuExtra(MenuExtraReference reference, std::int32_t flags) = 0;
 };
 

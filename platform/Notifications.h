@@ -10,18 +10,19 @@
 
 namespace platform {
 
-/// Delivers posted notifications to the observers of their name. Thread-safe.
+/// Delivers each posted notification to the observers registered for its name. Thread-safe.
 class NotificationCenter : NonCopyable {
   public:
     using Handler = std::function<void(const Notification&)>;
 
     virtual ~NotificationCenter();
 
-    /// Calls @p handler for every notification posted under @p name, whatever its object. The
+    /// Calls @p handler for every notification posted under @p name, regardless of its object. The
     /// observer is held weakly: its handler is not called after it has been destroyed, and it is
     /// kept alive while its handler runs. There is one handler per observer and name; adding
     /// another replaces it. Exceptions from the handler are logged with the owner's identifier and
-    /// swallowed. The handler's code must stay loaded until the handler is removed or forgotten.
+    /// swallowed. The handler's code must stay loaded until removeObserver or
+    /// removeExpiredObservers has removed the handler.
     virtual void addObserver(const std::weak_ptr<const void>& observer, const std::string& name,
                              Handler handler) = 0;
     /// Removes a handler. No call begins after this returns, but a call that another thread has
@@ -40,10 +41,10 @@ NotificationCenter& defaultNotificationCenter();
 template <>
 NotificationCenter* exchangeService<NotificationCenter>(NotificationCenter* service);
 
-/// Delivers notifications to observers in all of the user's programs, including the poster. Those
-/// of one program arrive in the order they were posted, on the main thread of each program that
-/// runs a main loop. post() does not wait for delivery; a notification that nothing observes at
-/// that moment is lost. Thread-safe.
+/// Delivers notifications to observers in all of the user's programs, including the poster.
+/// Notifications from one program arrive in the order they were posted, on the main thread of each
+/// program that runs a main loop. post() does not wait for delivery; a notification that nothing
+/// observes at that moment is lost. Thread-safe.
 class DistributedNotificationCenter : public NotificationCenter {};
 
 /// Returns the distributed center. The default one reaches only this process.
@@ -52,8 +53,8 @@ template <>
 DistributedNotificationCenter*
 exchangeService<DistributedNotificationCenter>(DistributedNotificationCenter* service);
 
-/// The name of the notification that an application has been launched. Its user information has
-/// the application's name under the key hxNSApplicationName.
+/// The name of the notification posted when an application has been launched. Its user information
+/// contains the application's name under the key hxNSApplicationName.
 inline constexpr const char* kDidLaunchApplication = "NSWorkspaceDidLaunchApplicationNotification";
 
 } // namespace platform

@@ -13,18 +13,18 @@ namespace platform {
 class Button;
 class Panel;
 
-/// The appearance of a panel and how the user may handle it.
+/// The appearance of a panel, and whether its background can be dragged to move it.
 struct PanelLook {
     Color backgroundColor; ///< a pattern is tiled from the bottom left of the frame
     double alphaValue = 1; ///< opacity of the whole panel, 0 to 1
     bool opaque = true;
     bool hasShadow = false;
-    bool movableByWindowBackground = false; ///< anywhere except on buttons
+    bool movableByWindowBackground = false; ///< draggable anywhere except on buttons
     bool showsResizeIndicator = false;
 };
 
-/// The on-screen window of a panel, which owns it. Changes are shown at the next redraw unless an
-/// operation states otherwise. Main thread only.
+/// The on-screen window of a panel, owned by the panel. Changes are shown at the next redraw unless
+/// an operation states otherwise. Main thread only.
 class PanelWindow : NonCopyable {
   public:
     virtual ~PanelWindow();

@@ -9,8 +9,7 @@
 
 namespace platform {
 
-/// Identifies a process until the system restarts. Never 0, and never reused, unlike a process
-/// identifier of the system.
+/// Identifies a process until the system restarts. Never 0 and, unlike a PID, never reused.
 using ProcessSerialNumber = std::uint64_t;
 
 struct RunningProcess {
@@ -23,8 +22,9 @@ class ProcessList : NonCopyable {
   public:
     virtual ~ProcessList();
 
-    /// Returns the user's running processes, ordered by process identifier. The program of an
-    /// application bundle has the name of the bundle, any other program that of its file.
+    /// Returns the user's running processes, ordered by PID. The program of an application bundle
+    /// is named after the bundle (CFBundleName, else the folder name without its extension), any
+    /// other program after its executable file.
     virtual std::vector<RunningProcess> processes() const = 0;
 };
 

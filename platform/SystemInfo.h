@@ -9,14 +9,15 @@
 
 namespace platform {
 
-/// A property of the machine or its system.
+/// A property of the machine or its system. On Linux, only SystemVersion is known: the version
+/// of the kernel.
 enum class SystemFact {
     SystemVersion,  ///< 0x1045 is 10.4.5: BCD major version, then 4 bits each for minor and patch
-    BusClock,       ///< hertz; unknown on this platform, like the next three
+    BusClock,       ///< hertz
     ProcessorClock, ///< hertz
     LogicalMemory,  ///< bytes
     PhysicalMemory, ///< bytes
-    MediaVersion,   ///< 0x07168000 is 7.1.6: as SystemVersion, in the upper 16 bits
+    MediaVersion,   ///< 0x07168000 is 7.1.6: encoded like SystemVersion, in the upper 16 bits
 };
 
 struct TimeZone {

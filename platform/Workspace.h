@@ -14,15 +14,15 @@ class Workspace : NonCopyable {
   public:
     virtual ~Workspace();
 
-    /// Shows a file, selected, in a window of the file browser for the folder @p rootPath; if that
-    /// is empty, the browser chooses the window. Returns whether the request was sent. If the file
-    /// does not exist, the browser tells the user. Main thread only.
+    /// Shows a file in the file browser and selects it. @p rootPath is the folder of the
+    /// browser window to use, or empty; the desktop's implementation ignores it. Returns
+    /// whether the request was sent. If the file does not exist, the browser reports it to the
+    /// user. Main thread only.
     virtual bool selectFile(const std::string& path, const std::string& rootPath) = 0;
     /// Starts the program of an application bundle (a folder whose name ends in ".app"), or opens
     /// any other file or folder with its default application. Returns whether a program was
-    /// started; for a bundle, logs the reason if not. The program of a bundle announces its launch
-    /// itself, by announceLaunch, when it is ready to receive requests. Thread-safe; may wait for
-    /// the main thread.
+    /// started; for a bundle, logs the reason if not. A bundle's program calls announceLaunch
+    /// itself once it is ready to receive requests. Thread-safe; may wait for the main thread.
     virtual bool openFile(const std::string& path) = 0;
     /// Opens a URL with the default application for its scheme, such as the mail program for
     /// "mailto:". Passes the URL unchanged and without a shell. Returns whether a program was
@@ -35,7 +35,7 @@ class Workspace : NonCopyable {
     /// Raises the frontmost window of an application, but not its other windows. Does nothing if
     /// the process has no window or has exited. Thread-safe.
     virtual void bringToFront(ProcessSerialNumber process) = 0;
-    /// Returns the center on which launches are announced within this process.
+    /// Returns the center to which announceLaunch posts within this process.
     virtual NotificationCenter& notificationCenter() = 0;
     /// Moves a file, a folder or a symbolic link to the Trash, which records its original path.
     /// Returns whether it was moved; if not, it is unchanged. Thread-safe.

@@ -6,8 +6,8 @@
 
 namespace platform {
 
-/// The exception thrown by platform operations: a name for code to compare, a user-visible reason,
-/// and optional further information.
+/// The exception thrown by platform operations: a name that callers can compare, a user-visible
+/// reason, and optional further information.
 class Exception : public std::exception {
   public:
     Exception(std::string name, std::string reason, std::optional<std::string> userInfo = {});

@@ -4,8 +4,8 @@
 #include <string>
 #include <string_view>
 
-/// Operations on paths as strings, without access to the file system. Results have no repeated and
-/// no trailing slashes.
+/// Operations on paths as strings, without access to the file system. Results have no repeated
+/// or trailing slashes.
 namespace platform {
 
 /// Returns @p path and @p component joined by a slash. If one of them is empty, returns the other.

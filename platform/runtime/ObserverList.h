@@ -24,7 +24,7 @@ class ObserverList : NonCopyable {
     void deliver(const Notification& notification);
 
     bool observes(const std::string& name);
-    /// Each observed name once.
+    /// Returns the observed names, without duplicates.
     std::vector<std::string> names();
 
   private:

@@ -24,7 +24,8 @@ class BezierPath {
     void lineToPoint(Point point) { elements_.push_back({Step::LineTo, point}); }
     /// Appends an arc that rounds the corner between the lines from the current point to @p corner
     /// and from there to @p toPoint, and a line to the start of the arc. The arc ends at its point
-    /// of contact with the second line. Without a corner, appends a line to @p corner.
+    /// of contact with the second line. If cornerArc() finds no corner to round, appends a line to
+    /// @p corner instead.
     void appendArcFromPoint(Point corner, Point toPoint, double radius) {
         elements_.push_back({Step::ArcFromPoint, corner, toPoint, radius});
     }

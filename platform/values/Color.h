@@ -8,18 +8,18 @@ namespace platform {
 
 class Image;
 
-/// The color space of a color's components. CalibratedRGB is the platform's generic RGB space.
+/// The colour space of a colour's components. CalibratedRGB is the platform's generic RGB space.
 enum class ColorSpace { CalibratedRGB, DeviceRGB, CalibratedWhite, DeviceWhite, Pattern };
 
-/// A color with components from 0 to 1, not premultiplied. A regular value. Colors in different
+/// A colour with components from 0 to 1, not premultiplied. A regular value. Colours in different
 /// spaces are never equal.
 struct Color {
-    double red = 0; ///< grays have equal red, green and blue components
+    double red = 0; ///< greys have equal red, green and blue components
     double green = 0;
     double blue = 0;
     double alpha = 1;
     ColorSpace space = ColorSpace::CalibratedRGB;
-    std::shared_ptr<const Image> pattern{}; ///< of a pattern color, whose components are not used
+    std::shared_ptr<const Image> pattern{}; ///< for a pattern colour, used instead of components
 
     friend bool operator==(const Color&, const Color&) = default;
 };
@@ -33,11 +33,11 @@ inline Color deviceRGB(double red, double green, double blue, double alpha = 1) 
 inline Color clearColor() {
     return calibratedWhite(0, 0);
 }
-/// Returns a color that tiles an image from the bottom left.
+/// Returns a colour that tiles an image from the bottom left.
 inline Color colorWithPatternImage(std::shared_ptr<const Image> image) {
     return {0, 0, 0, 1, ColorSpace::Pattern, std::move(image)};
 }
-/// Converts a color to calibrated RGB. Returns std::nullopt for a pattern color.
+/// Converts a colour to calibrated RGB. Returns std::nullopt for a pattern colour.
 inline std::optional<Color> inCalibratedRGB(const Color& color) {
     if (color.space == ColorSpace::Pattern)
         return std::nullopt;

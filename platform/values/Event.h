@@ -13,7 +13,7 @@ inline constexpr std::uint32_t kOptionKeyMask = 0x80000; ///< Alt on most keyboa
 struct Event {
     std::uint32_t modifierFlags = 0; ///< the masks above, or-ed; other bits may be set
     std::int32_t clickCount = 1;     ///< 2 for the second click of a double-click, and so on
-    std::int32_t buttonNumber = 0;   ///< 0 left, 1 right, 2 middle, 3 the next
+    std::int32_t buttonNumber = 0;   ///< 0 left, 1 right, 2 middle, 3 back, 4 forward
 
     friend bool operator==(const Event&, const Event&) = default;
 };

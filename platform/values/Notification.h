@@ -7,7 +7,7 @@
 
 namespace platform {
 
-/// An event that observers of its name are told about.
+/// A named event that is delivered to the observers registered for its name.
 struct Notification {
     std::string name;
     std::optional<std::string> object; ///< the sender or subject

@@ -12,7 +12,7 @@ namespace platform {
 struct Shadow {
     Size offset;                     ///< points
     double blurRadius = 0;           ///< points; twice the standard deviation of the Gaussian blur
-    Color color{0, 0, 0, 1.0 / 3.0}; ///< the platform's default shadow color
+    Color color{0, 0, 0, 1.0 / 3.0}; ///< the platform's default shadow colour
     friend bool operator==(const Shadow&, const Shadow&) = default;
 };
 
@@ -47,7 +47,7 @@ struct ParagraphStyle {
 };
 
 /// The appearance of a run of text. Unset attributes have defaults: the font of the menu bar and
-/// the text color of the place where the text is drawn.
+/// the default text colour of the graphics context.
 struct TextAttributes {
     std::optional<Font> font{};
     std::optional<Color> foregroundColor{};

@@ -38,7 +38,7 @@ Rect autoresized(const Rect& frame, std::uint32_t mask, Size before, Size after)
 /// The state of a button in a panel, whose window displays it. Main thread only.
 class Button final : public ActionSender {
   public:
-    /// @p frame is in points of the content view that contains the button.
+    /// @p frame is in points, in the coordinates of the content view that contains the button.
     explicit Button(const Rect& frame);
     ~Button() override;
 
@@ -71,7 +71,7 @@ class Button final : public ActionSender {
     void setImage(std::shared_ptr<Image> image) { change(look_.image, std::move(image)); }
     void setImagePosition(ImagePosition position) { change(look_.imagePosition, position); }
     void setFocusRingType(FocusRingType type) { change(look_.focusRingType, type); }
-    /// Replaces the title by text without attributes.
+    /// Replaces the title with text without attributes.
     void setTitle(std::string title) { change(title_, AttributedString(std::move(title))); }
     void setAttributedTitle(AttributedString title) { change(title_, std::move(title)); }
     void setAccessibilityLabel(std::string label) { change(label_, std::move(label)); }
@@ -83,7 +83,7 @@ class Button final : public ActionSender {
     void performClick() { sendAction(action_, target_, *this); }
 
     /// Sets the handler to call after the frame, title, label or look changes, replacing the
-    /// previous one. For the window that displays the button.
+    /// previous one. Used by the window that displays the button.
     void setChangeHandler(std::function<void()> handler) { changed_ = std::move(handler); }
 
   private:

@@ -51,8 +51,8 @@ class MenuItem : NonCopyable {
     /// Calls the action if there is one and the item is enabled. Returns whether it was called.
     bool perform();
 
-    /// Sets the handler to call after the title or state changes, replacing the previous one. For
-    /// the code that displays the item.
+    /// Sets the handler to call after the title or state changes, replacing the previous one. Used
+    /// by the code that displays the item.
     void setChangeHandler(std::function<void()> handler) { changed_ = std::move(handler); }
 
   private:

@@ -53,7 +53,7 @@ class MenuExtraView : public std::enable_shared_from_this<MenuExtraView>, NonCop
 };
 
 /// An item in the menu bar. The host creates it through the bundle's entry point, initializes it
-/// with initWithBundle, and calls willUnload before it releases it. Main thread only.
+/// with initWithBundle, and calls willUnload before releasing it. Main thread only.
 class MenuExtra : public MenuTarget, public std::enable_shared_from_this<MenuExtra> {
   public:
     ~MenuExtra() override;

@@ -56,7 +56,7 @@ class Panel : public ActionSender, public std::enable_shared_from_this<Panel> {
 
     /// Creates the window, without showing it. The frame is @p contentRect plus the title bar if
     /// @p styleMask has one. The desktop ignores @p backing and @p defer. Returns the panel itself,
-    /// or null if the window could not be created; no other function may be called then.
+    /// or null if the window could not be created; in that case, call no other function.
     virtual std::shared_ptr<Panel> initWithContentRect(const Rect& contentRect,
                                                        std::uint32_t styleMask,
                                                        BackingStore backing, bool defer);
