@@ -59,8 +59,8 @@ void drawTitle(GraphicsContext& context, const AttributedString& title, Size siz
 
 } // namespace
 
-void drawHUDBackground(GraphicsContext& context, Size size, const std::string& title,
-                       HUDPart part) {
+void ui::drawHUDBackground(GraphicsContext& context, Size size, const std::string& title,
+                           HUDPart part) {
     const auto operation = CompositingOperation::SourceOver;
     if (part != HUDPart::TitleBar)
         context.fillPath(bodyPath(size), calibratedWhite(0.1, 0.75), operation);

@@ -4,6 +4,8 @@
 
 #include <string>
 
+namespace ui {
+
 /// The part of a HUD panel's background to draw. The title belongs to the title bar.
 enum class HUDPart { All, Body, TitleBar };
 
@@ -13,3 +15,5 @@ enum class HUDPart { All, Body, TitleBar };
 /// bar are truncated to whole points. Main thread only.
 void drawHUDBackground(platform::GraphicsContext& context, platform::Size size,
                        const std::string& title, HUDPart part = HUDPart::All);
+
+} // namespace ui

@@ -63,7 +63,7 @@ bool HUDWindow::canBecomeKeyWindow() const {
 Color HUDWindow::sizedHUDBackground() const {
     const Size size = frame().size;
     return colorWithPatternImage(graphics().imageByDrawing(
-        size, [&](GraphicsContext& context) { drawHUDBackground(context, size, title()); }));
+        size, [&](GraphicsContext& context) { ui::drawHUDBackground(context, size, title()); }));
 }
 
 void HUDWindow::windowDidResize() {

@@ -22,7 +22,7 @@ struct Options {
     std::string file;
     std::string size;
     std::string title;
-    HUDPart part = HUDPart::All;
+    ui::HUDPart part = ui::HUDPart::All;
 };
 
 /// Prints each action that the panel sends, one per line.
@@ -36,7 +36,7 @@ class ActionPrinter final : public ActionTarget {
 
 ExitStatus drawToFile(const Options& options, Size size) {
     const auto image = graphics().imageByDrawing(size, [&](GraphicsContext& context) {
-        drawHUDBackground(context, size, options.title, options.part);
+        ui::drawHUDBackground(context, size, options.title, options.part);
     });
     return writePng(*image, options.file);
 }
@@ -72,8 +72,8 @@ Size parseSize(const std::string& text) {
 
 void addHudVerb(CLI::App& commands, Task& task) {
     const auto options = std::make_shared<Options>();
-    const std::map<std::string, HUDPart> parts{
-        {"all", HUDPart::All}, {"body", HUDPart::Body}, {"bar", HUDPart::TitleBar}};
+    const std::map<std::string, ui::HUDPart> parts{
+        {"all", ui::HUDPart::All}, {"body", ui::HUDPart::Body}, {"bar", ui::HUDPart::TitleBar}};
 
     CLI::App* hud = commands.add_subcommand("hud", "Draw the dark panel into a file, or show it");
     hud->add_option("FILE.png", options->file, "Write the panel's background to this file");

@@ -45,7 +45,7 @@ void compareBackground(Size size, int runs) {
     std::printf("background of %.0f x %.0f\n", size.width, size.height);
     report("  the panel's", fastest(runs, [&] {
                graphics().imageByDrawing(size, [&](GraphicsContext& context) {
-                   drawHUDBackground(context, size, "World Clock");
+                   ui::drawHUDBackground(context, size, "World Clock");
                });
            }));
     report("  plain fill", fastest(runs, [&] {

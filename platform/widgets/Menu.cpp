@@ -31,14 +31,14 @@ void MenuItem::setTitle(std::string title) {
     if (title == title_)
         return;
     title_ = std::move(title);
-    tellChange();
+    notifyChange();
 }
 
 void MenuItem::setState(State state) {
     if (state == state_)
         return;
     state_ = state;
-    tellChange();
+    notifyChange();
 }
 
 void MenuItem::setSubmenu(std::shared_ptr<Menu> submenu) {
@@ -68,7 +68,7 @@ bool MenuItem::perform() {
     return true;
 }
 
-void MenuItem::tellChange() const {
+void MenuItem::notifyChange() const {
     if (changed_)
         changed_();
 }

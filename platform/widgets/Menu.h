@@ -56,7 +56,7 @@ class MenuItem : NonCopyable {
     void setChangeHandler(std::function<void()> handler) { changed_ = std::move(handler); }
 
   private:
-    void tellChange() const;
+    void notifyChange() const;
 
     std::string title_;
     Action action_;

@@ -95,7 +95,7 @@ TEST_F(Drawing, DrawsThePanelBackgroundWithOnlyTheOuterCornersRounded) {
         graphics.setDrawingScale(scale);
         const Size size{100.7, 50};
         const auto image = graphics.imageByDrawing(
-            size, [&](GraphicsContext& context) { drawHUDBackground(context, size, ""); });
+            size, [&](GraphicsContext& context) { ui::drawHUDBackground(context, size, ""); });
         const auto unit = static_cast<int>(scale);
         const auto at = [&](int x, int y) { return pixel(*image, x, y, scale); };
         const auto is = [](int white) { return IsNear(std::array{white, white, white, 191}, 1); };
@@ -131,7 +131,7 @@ TEST_F(Drawing, CentersThePanelTitleOrTruncatesItAtTheMargins) {
     const auto titleBounds = [&](double width, const std::string& title) {
         const Size size{width, 60};
         return titleInk(*graphics.imageByDrawing(
-            size, [&](GraphicsContext& context) { drawHUDBackground(context, size, title); }));
+            size, [&](GraphicsContext& context) { ui::drawHUDBackground(context, size, title); }));
     };
     const QRect centered = titleBounds(200, "Clock");
     EXPECT_NEAR(centered.center().x(), 100, 2);
