@@ -71,8 +71,8 @@ ExitStatus findApplication() {
     return print(std::to_string(process) + '\t' + std::to_string(identifier.value_or(0)) + '\n');
 }
 
-/// Hands over the request as an item in the bar does: from a second thread, with the main loop
-/// running meanwhile.
+/// Hands over the request in the same way as an item in the bar: from a second thread, while the
+/// main loop runs.
 void handOver(const std::string& name) {
     int noArguments = 0;
     const QCoreApplication application(noArguments, nullptr);
@@ -92,7 +92,7 @@ void handOver(const std::string& name) {
 }
 
 ExitStatus request(const std::string& name) {
-    // Without this check the hand-over would wait for an application that cannot start.
+    // Without this check, handOver() would wait for an application that cannot start.
     if (!Tools::findHalvexBGProcess(nullptr)) {
         const auto path = Tools::getHalvexBGApplicationPath();
         if (!path || !platform::fileManager().fileExists(*path))

@@ -20,8 +20,8 @@ using platform::qt::BarClient;
 namespace apps {
 namespace {
 
-/// Returns 0 for an item that is not loaded, and std::nullopt if the bar does not answer, which the
-/// client logs.
+/// Returns 0 for an item that is not loaded. If the bar does not reply, BarClient logs that and the
+/// result is std::nullopt.
 std::optional<MenuExtraReference> referenceOf(BarClient& bar, const std::string& identifier) {
     MenuExtraReference reference = 0;
     if (bar.getMenuExtra(identifier, reference) == BarClient::kNoReply)

@@ -10,16 +10,16 @@ namespace apps {
 
 class ItemList;
 
-/// A snapshot of the items that the bar has loaded and of those it has disabled. Does not start a
-/// bar; without one, no item is loaded.
+/// The items that the bar had loaded or disabled when this object was created. Does not start the
+/// bar: if it is not running, no item counts as loaded.
 class BarState : platform::NonCopyable {
   public:
     BarState();
     ~BarState();
 
     bool isLoaded(const std::string& identifier) const;
-    /// Returns what the bar was doing when the bundle at @p path crashed it, or an empty string if
-    /// the bar has not disabled that bundle.
+    /// Returns what the bar was doing when the bundle at @p path crashed it (see ItemList), or an
+    /// empty string if that bundle is not disabled.
     std::string crashStep(const std::string& path) const;
 
   private:

@@ -10,8 +10,8 @@
 namespace apps {
 namespace {
 
-/// Restores the default action of SIGPIPE for a scope. Commands inherit it and rely on it: a closed
-/// pipe ends them.
+/// Restores the default action of SIGPIPE for a scope. Commands inherit it and rely on being
+/// terminated by a closed pipe.
 class DefaultSigpipe : platform::NonCopyable {
   public:
     DefaultSigpipe() : previous_(std::signal(SIGPIPE, SIG_DFL)) {}

@@ -42,8 +42,8 @@ const MenuExtraKind* findKind(const std::string& text) {
     return nullptr;
 }
 
-/// Returns the version of the bundle at @p path, "?" if it has none, or an empty string if there is
-/// no bundle.
+/// Returns the version of the bundle at @p path, "?" if it has none, or an empty string if there
+/// is no bundle.
 std::string versionAt(const std::string& path) {
     const auto bundle = path.empty() || !platform::fileManager().fileExists(path)
                             ? nullptr

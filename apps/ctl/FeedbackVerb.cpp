@@ -51,7 +51,7 @@ bool parseZone(std::string_view text, std::optional<TimeZone>& result) {
     return parse(text.substr(last + 1), zone.secondsFromGMT, 10);
 }
 
-/// Returns the facts given on the command line in place of the system's.
+/// Replaces the system's facts with those given on the command line.
 class OverriddenSystemInfo final : public platform::SystemInfo {
   public:
     explicit OverriddenSystemInfo(const Options& options) : options_(options) {}
@@ -109,7 +109,7 @@ ExitStatus send(const Options& options) {
                : fail("no mail program can be started: xdg-open is not installed");
 }
 
-/// Adds an option whose text is parsed by @p parseText; a text that it rejects is a usage error.
+/// Adds an option whose text is parsed by @p parseText. Rejected text is a usage error.
 template <class Value>
 void addParsedOption(CLI::App& verb, const char* name, const char* description,
                      std::optional<Value>& value,

@@ -9,7 +9,7 @@ namespace apps {
 
 // Paths come from the command line: absolute, or relative to the current folder.
 
-/// Returns whether two paths lead to the same file or folder. Neither has to exist.
+/// Returns whether two paths refer to the same file or folder. Neither needs to exist.
 bool isSameFile(const std::string& first, const std::string& second);
 
 /// Reads a property list. On failure, prints the reason and returns std::nullopt.

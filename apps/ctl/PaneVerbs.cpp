@@ -55,7 +55,7 @@ bool removeIfExists(const std::string& path) {
 }
 
 /// Moves the pane at @p target to @p backup, if there is one, and @p source to @p target. On
-/// failure every file stays where it was.
+/// failure, moves everything back.
 bool replacePane(const std::string& source, const std::string& target, const std::string& backup) {
     const bool replaces = exists(target);
     if (replaces && !fileManager().moveFile(target, backup))
@@ -67,8 +67,8 @@ bool replacePane(const std::string& source, const std::string& target, const std
     return false;
 }
 
-/// Copies under a temporary name first, so that the user has a complete pane or none at any time.
-/// Removes what an earlier run left under the temporary names when it was killed.
+/// Copies under a temporary name first, so that the user's pane is always either complete or
+/// missing. Also removes temporary files left by an earlier run that was killed.
 ExitStatus copyToUserPane(const std::string& source) {
     const std::string target = userPanePath();
     const std::string folder = deletingLastPathComponent(target);
@@ -87,7 +87,7 @@ ExitStatus copyToUserPane(const std::string& source) {
 }
 
 ExitStatus install(const std::string& path) {
-    // copyItem would copy a link as a link.
+    // copyItem would copy the link itself.
     const std::string source = fileManager().resolvingSymbolicLinks(path);
     if (const std::string reason = validatePane(source); !reason.empty())
         return fail(path + ": " + reason);

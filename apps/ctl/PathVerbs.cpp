@@ -26,7 +26,8 @@ PropertyList::Dictionary paths() {
     const std::string localProduct = Files::ovxGetLocalHalvexApplSupportFolder();
     const std::string titles = std::string(WarnMeTitlesFile) + "." + plistFile;
     const std::string times = std::string(WarnMeTimesFile) + "." + plistFile;
-    // Some operations create, open or read a path without returning it; these are composed here.
+    // Some operations create, open or read a path without returning it. Those paths
+    // are composed here.
     return {
         {"ovxGetUserApplSupportFolder", support},
         {"ovxGetUserQuorvaneSoftwareFolder", maker},

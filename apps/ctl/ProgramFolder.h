@@ -5,8 +5,8 @@
 
 namespace apps {
 
-/// Returns the folder of this program. The other programs have the same position relative to it in
-/// an installation and in a build tree.
+/// Returns the folder that contains this program. The other programs are at the same relative paths
+/// in an installation and in a build tree.
 inline std::filesystem::path programFolder() {
     std::error_code ignored;
     return std::filesystem::read_symlink("/proc/self/exe", ignored).parent_path();

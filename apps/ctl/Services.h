@@ -14,7 +14,7 @@ namespace apps {
 /// Installs the services that the verbs use. Connects to the session bus only when a verb needs it.
 class Services : platform::NonCopyable {
   public:
-    /// Paths below /Library are looked up in @p root; an empty @p root leaves them unchanged.
+    /// Prepends @p root to /Library and all paths below it; an empty @p root leaves them unchanged.
     Services(const std::string& root, MissingFolders missingFolders);
     /// Waits until posted notifications have been sent, then removes the services.
     ~Services();
@@ -24,8 +24,8 @@ class Services : platform::NonCopyable {
     std::unique_ptr<Installed> installed_;
 };
 
-/// Starts the program at @p path. It keeps running after this process has exited, and logs to the
-/// same standard error. Returns 0 or the error number.
+/// Starts the program at @p path. It outlives this process and inherits its standard error. Returns
+/// 0 or the error number.
 int startProgram(const std::string& path);
 
 /// Returns the process identifier of a running process, or std::nullopt once it has exited.

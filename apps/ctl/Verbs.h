@@ -9,13 +9,13 @@
 
 namespace apps {
 
-/// What happens to missing folders that the library's operations would create.
+/// How the library's operations treat missing folders.
 enum class MissingFolders {
     Create,
-    Ignore, ///< the file manager reports success without creating them
+    Ignore, ///< createDirectory() returns true without creating them
 };
 
-/// The operation that the command line requests. Runs after the whole line has been parsed.
+/// The operation given on the command line. Run it once the whole line is parsed.
 struct Task {
     std::function<ExitStatus()> run;
     MissingFolders missingFolders = MissingFolders::Create;
@@ -41,11 +41,11 @@ void addDrawingVerbs(CLI::App& commands, Task& task);    ///< hud, tint
 
 // Used by the functions above.
 
-/// Adds a verb that requests @p run.
+/// Adds a verb. Parsing it stores @p run and @p missingFolders in @p task.
 CLI::App& addVerb(CLI::App& parent, Task& task, const std::string& name,
                   const std::string& description, std::function<ExitStatus()> run,
                   MissingFolders missingFolders = MissingFolders::Create);
-/// Adds a word that is followed by a verb.
+/// Adds a group of verbs, such as "menubar".
 CLI::App& addVerbGroup(CLI::App& parent, const std::string& name, const std::string& description);
 /// Adds the flag --json to @p verb.
 void addJsonFlag(CLI::App& verb, bool& json);

@@ -6,7 +6,7 @@
 
 namespace apps {
 
-/// Polls @p condition until it is true. Returns false if that takes longer than five seconds.
+/// Polls @p condition every 50 ms until it is true. Returns false after five seconds.
 template <class Condition>
 bool waitUntil(Condition condition) {
     constexpr int kAttempts = 100;

@@ -39,7 +39,7 @@ void addWarningVerbs(CLI::App& commands, Task& task) {
     warnings->callback([options, &hasCustom, &task] {
         if (hasCustom.parsed())
             return;
-        // NAME is not required(), because has-custom takes its own NAME.
+        // Not required(), because has-custom takes its own NAME.
         if (options->name.empty())
             throw CLI::RequiredError("NAME");
         task.run = [options] { return show(*options); };

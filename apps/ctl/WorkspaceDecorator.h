@@ -6,8 +6,8 @@
 
 namespace apps {
 
-/// Installed as the shared workspace while it exists. Forwards every request to the workspace that
-/// it replaces; subclasses override the requests that they intercept.
+/// Replaces the shared workspace for the object's lifetime. Forwards every call to the original
+/// workspace; subclasses override the operations that they intercept.
 class WorkspaceDecorator : public platform::Workspace {
   public:
     bool selectFile(const std::string& path, const std::string& rootPath) override {

@@ -31,7 +31,7 @@ ExitStatus run(int argc, char** argv) {
         addVerbs(commandLine, task);
     try {
         commandLine.parse(argc, argv);
-        // If CLI11 checked this, its error would not name a word that is not a verb.
+        // Not left to CLI11, whose error would not name an unknown verb.
         if (!task.run)
             throw CLI::RequiredError("A verb");
     } catch (const CLI::ParseError& error) {
@@ -49,6 +49,6 @@ int main(int argc, char** argv) {
     apps::prepareStandardStreams();
     const apps::ExitStatus status = apps::run(argc, argv);
     std::cout.flush();
-    // Qt's static destructors complain about a bus connection whose thread is still running.
+    // Skips Qt's static destructors, which warn about a bus connection whose thread still runs.
     std::_Exit(static_cast<int>(status));
 }

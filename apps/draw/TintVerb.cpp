@@ -39,7 +39,7 @@ Color parseColor(const Options& options) {
 ExitStatus tint(const Options& options, const Color& color) {
     const auto image = graphics().imageWithContentsOfFile(options.input);
     if (!image)
-        return ExitStatus::Failure; // has been logged
+        return ExitStatus::Failure; // already logged
     const auto tinted =
         options.operation
             ? HalvexTintedImage::tintedImageWithColor(

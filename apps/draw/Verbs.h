@@ -12,8 +12,8 @@
 
 namespace apps {
 
-/// The operation that the command line requests, and what it needs. Runs after the whole line has
-/// been parsed.
+/// The operation given on the command line, and what it needs. Run it once the whole
+/// line is parsed.
 struct Task {
     enum class Needs {
         Drawing, ///< no display
@@ -30,8 +30,8 @@ struct Task {
 void addHudVerb(CLI::App& commands, Task& task);
 void addTintVerb(CLI::App& commands, Task& task);
 
-/// Writes @p image as PNG, one pixel per point, and replaces the file at @p path. On failure prints
-/// the reason and leaves that file unchanged.
+/// Writes @p image as PNG, one pixel per point, and replaces the file at @p path. On failure,
+/// prints the reason and leaves an existing file unchanged.
 ExitStatus writePng(const platform::Image& image, const std::string& path);
 
 /// A list of numbers between 0 and @p largest.

@@ -14,15 +14,14 @@ namespace apps {
 /// - An operator first evaluates the pending operation. If two operators follow one another, the
 ///   second replaces the first.
 /// - Equals without a second operand uses the displayed number: 5 × = is 25. Pressed again, or
-/// after
-///   a new number, it repeats the last operation: 2 + 3 = = is 8.
+///   after a new number, it repeats the last operation: 2 + 3 = = is 8.
 /// - Percent of the second operand of an addition or subtraction is a percentage of the first:
 ///   200 + 10 % = is 220. Anywhere else it divides by 100.
 /// - Clear removes the number being typed, or, if there is none, everything except the memory.
-/// - A fault stays until Clear is pressed or a new number begins.
+/// - After a fault, only Clear, Backspace, Memory Clear and the keys that enter a number have an
+///   effect. All of them but Memory Clear first reset everything except the memory.
 ///
-/// A sum or difference below 10^-45 of its larger operand is rounded to 0, so that 1 ÷ 3 × 3 - 1
-/// is 0.
+/// A sum or difference below 10^-45 times its larger operand is rounded to 0: 1 ÷ 3 × 3 - 1 is 0.
 class Calculator {
   public:
     enum class Key {
@@ -61,12 +60,12 @@ class Calculator {
     static constexpr bool isDigit(Key key) { return key <= Key::Digit9; }
 
     void press(Key key);
-    /// Displays @p number (see parseDecimal) as if it had been typed and completed. Returns false
-    /// and changes nothing if it cannot be parsed.
+    /// Displays @p number (see parseDecimal) as a completed operand. Returns false and changes
+    /// nothing if it cannot be parsed.
     bool enter(std::string_view number);
 
-    /// Returns the number being typed, or else the last result as formatted by formatDecimal. "0"
-    /// while there is a fault.
+    /// Returns the number being typed, or else the last result as formatted by formatDecimal.
+    /// Returns "0" while there is a fault.
     std::string display() const;
     Fault fault() const { return fault_; }
     std::optional<Pending> pending() const;
@@ -94,8 +93,8 @@ class Calculator {
     void show(const Decimal& number);
     void showOperand(const Decimal& number);
     std::optional<Decimal> evaluate(const Decimal& left, Key operation, const Decimal& right);
-    /// Returns @p number, or 0 if it underflows. If it overflows, sets the fault and returns
-    /// std::nullopt.
+    /// Returns @p number, or 0 if it underflows. If it overflows, sets the fault
+    /// and returns std::nullopt.
     std::optional<Decimal> checkRange(const Decimal& number);
     void fail(Fault fault);
 

@@ -19,8 +19,8 @@ struct CalculatorKey {
 
 extern const std::array<CalculatorKey, 23> kCalculatorKeys;
 
-/// Returns the calculator key for a key press on the keyboard, or std::nullopt if it has no
-/// meaning. Point and comma are both the decimal separator.
+/// Returns the calculator key for a key press on the keyboard, or std::nullopt if the key is not
+/// mapped. Both point and comma are the decimal separator.
 std::optional<Calculator::Key> calculatorKey(const QKeyEvent& event);
 
 } // namespace apps

@@ -24,7 +24,7 @@ class CalculatorWindow final : public QWidget {
 
     /// Copies the displayed number to the clipboard. Does nothing while there is a fault.
     void copy() const;
-    /// Enters the number on the clipboard, or beeps if there is none.
+    /// Enters the number on the clipboard. Beeps if the clipboard does not contain one.
     void paste();
 
   protected:

@@ -13,7 +13,7 @@ using Decimal = boost::multiprecision::number<boost::multiprecision::cpp_dec_flo
                                               boost::multiprecision::et_off>;
 
 inline constexpr int kDisplayDigits = 16;
-/// Numbers of 10^1000 and above overflow; numbers below 10^-999 underflow to 0.
+/// Magnitudes of 10^1000 and above overflow; magnitudes below 10^-999 underflow to 0.
 inline constexpr int kMaxExponent = 999;
 
 bool overflows(const Decimal& number);
@@ -21,7 +21,7 @@ bool underflows(const Decimal& number);
 
 /// Formats @p number with 16 digits, rounded half away from zero: "-1234.5". Uses an exponent
 /// ("1.5e+20") if there are more than 16 digits before the decimal point, or more than six zeros
-/// between the point and the first other digit.
+/// between the point and the first nonzero digit.
 std::string formatDecimal(const Decimal& number);
 
 /// Parses digits with at most one point, an optional leading minus sign and an optional exponent

@@ -4,7 +4,8 @@
 
 namespace apps {
 
-/// A right-aligned line of plain text, scaled down to the label's width.
+/// A right-aligned line of plain text. Reduces the font size until the text fits the label's width
+/// or the minimum size is reached.
 class FittingLabel final : public QLabel {
     Q_OBJECT
 
@@ -12,7 +13,7 @@ class FittingLabel final : public QLabel {
     /// @p maxFontSize is in pixels.
     explicit FittingLabel(int maxFontSize);
 
-    /// Sets the text and its size. Call this instead of setText().
+    /// Sets the text and adjusts the font size. Call this instead of setText().
     void showText(const QString& text);
     QSize minimumSizeHint() const override;
 

@@ -4,8 +4,8 @@
 
 namespace apps {
 
-/// A button drawn as a rounded field in the colours of the palette. A checked button is drawn with
-/// background and label colours swapped.
+/// A button drawn as a rounded rectangle in the palette's colours. While it is checked, the colours
+/// of its background and its label are swapped.
 class KeyButton final : public QAbstractButton {
     Q_OBJECT
 
@@ -14,7 +14,7 @@ class KeyButton final : public QAbstractButton {
 
     KeyButton(const QString& label, Kind kind);
 
-    /// Draws the button as pressed for a moment, without clicking it.
+    /// Draws the button as pressed for about 0.1 s, without clicking it.
     void flash();
 
     QSize sizeHint() const override;

@@ -13,7 +13,7 @@ namespace {
 
 constexpr QChar kMinusSign(0x2212);
 
-/// Replaces the digits of any script by 0 to 9, and U+2212 by an ASCII hyphen.
+/// Replaces the digits of any script with 0 to 9, and U+2212 with an ASCII hyphen.
 QString withAsciiDigits(const QString& text) {
     QString plain;
     for (const QChar character : text) {
@@ -25,7 +25,7 @@ QString withAsciiDigits(const QString& text) {
     return plain;
 }
 
-/// In a locale that separates groups by a space, a space of any width does.
+/// If the separator is a space, the pattern matches spaces of any width.
 QString groupPattern(const QString& separator) {
     const bool isSpace = !separator.isEmpty() && separator[0].isSpace();
     return isSpace ? QString("[\\x{20}\\x{a0}\\x{202f}\\x{2009}]")

@@ -18,9 +18,9 @@ QString formatForDisplay(std::string_view number, const QLocale& locale);
 QString formatForClipboard(std::string_view number, const QLocale& locale);
 
 /// Converts text from another program into the form that parseDecimal expects; invalid text stays
-/// invalid. Group separators are removed if they are where the locale puts them. Text that is not a
-/// number in the locale's notation is taken as one with a decimal point: "0.5" is one half in every
-/// locale, but "1.234" is more than a thousand where the point separates groups.
+/// invalid. Group separators are removed if they are where the locale puts them. If the text is not
+/// a number in the locale's notation, "." is the decimal separator: "0.5" is one half in every
+/// locale, but "1.234" is 1234 in locales that group digits with points.
 std::string normalizeNumber(const QString& text, const QLocale& locale);
 
 } // namespace apps

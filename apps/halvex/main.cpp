@@ -66,7 +66,7 @@ int runInBackground(const WindowOptions& options) {
     platform::distributedNotificationCenter().addObserver(
         observer, kShowCalculator,
         [&calculator](const platform::Notification&) { bringToFront(calculator); });
-    platform::announceLaunch(kName); // requests are handled from here on
+    platform::announceLaunch(kName); // the main loop handles requests from here on
     return QApplication::exec();
 }
 

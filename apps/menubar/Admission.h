@@ -4,14 +4,14 @@
 
 namespace apps {
 
-/// Which items the bar loads when a program requests it.
+/// Which items the bar loads at the request of a program.
 enum class Admit {
     User,   ///< the bar's own items and those in the user's "Menu Extras" folder
-    System, ///< the bar's own items; once MenuCracker is loaded, as User
+    System, ///< the bar's own items until MenuCracker is loaded, then as User
     All,    ///< any item, for developing items
 };
 
-/// Decides by its location whether a bundle may be loaded. Neither loads code nor creates folders.
+/// Decides by location whether a bundle may be loaded. Does not load code or create folders.
 class Admission {
   public:
     /// @p ownItemsFolder is the folder of the bar's own items.

@@ -19,7 +19,7 @@ class BarService final : public QDBusAbstractAdaptor {
     Q_CLASSINFO("D-Bus Interface", "com.quorvanesoftware.MenuBar1")
 
   public:
-    /// Requests for adding, removing and finding items go to @p registry, all others to @p menuBar.
+    /// Forwards calls that add, remove or find items to @p registry, and all others to @p menuBar.
     BarService(MenuBar& menuBar, ItemRegistry& registry);
 
     /// Claims the bar's well-known name and object path (see BusName::claim).

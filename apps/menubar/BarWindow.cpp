@@ -25,7 +25,7 @@ BarWindow::BarWindow() {
     setWindowFlags(Qt::Window | Qt::FramelessWindowHint | Qt::WindowDoesNotAcceptFocus);
     setAttribute(Qt::WA_OpaquePaintEvent);
     setAttribute(Qt::WA_ShowWithoutActivating);
-    winId(); // creates the native window, which needs the dock's properties before it is shown
+    winId(); // creates the native window, whose dock properties must be set before it is shown
     X11Dock::makeDock(*windowHandle());
     connect(qGuiApp, &QGuiApplication::primaryScreenChanged, this, &BarWindow::followScreen);
     followScreen();
@@ -38,7 +38,7 @@ void BarWindow::followScreen() {
     disconnect(resolutionConnection_);
     const QScreen* screen = QGuiApplication::primaryScreen();
     if (!screen)
-        return; // none is left; primaryScreenChanged announces the next one
+        return; // no screen is left; primaryScreenChanged announces the next one
     geometryConnection_ = connect(screen, &QScreen::geometryChanged, this, &BarWindow::dock);
     resolutionConnection_ =
         connect(screen, &QScreen::logicalDotsPerInchChanged, this, &BarWindow::dock);

@@ -8,8 +8,8 @@ namespace apps {
 
 class ItemWidget;
 
-/// The dock along the top of the primary screen. Follows changes of the screen's size, and moves
-/// when another screen becomes the primary one.
+/// The dock along the top of the primary screen. Adapts to changes of the screen's size, and moves
+/// when another screen becomes primary.
 class BarWindow final : public QWidget {
     Q_OBJECT
 
@@ -17,8 +17,8 @@ class BarWindow final : public QWidget {
     BarWindow();
     ~BarWindow() override;
 
-    /// Places the items, rightmost first. Each gets its preferred width or, if there is less room,
-    /// what is left; an item without room is hidden.
+    /// Places the items, rightmost first. Each item gets its preferred width or the remaining
+    /// space, whichever is smaller. Items with no space left are hidden.
     void placeItems(const std::vector<ItemWidget*>& items);
 
   protected:

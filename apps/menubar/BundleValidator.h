@@ -7,7 +7,7 @@
 
 namespace apps {
 
-/// The result of validateBundle: a bundle that the bar may load code from, or why it may not.
+/// The result of validateBundle: a bundle whose code may be loaded, or the reason for refusing it.
 struct ValidatedBundle {
     std::shared_ptr<platform::Bundle> bundle; ///< null if refused
     std::string identifier;
@@ -19,7 +19,7 @@ struct ValidatedBundle {
 
 /// Validates the bundle in the folder @p path without loading its code. Info.plist must have an
 /// identifier, a principal class and the bar's ABI number; the code must be for this processor; and
-/// the files must belong to the user or root and be writable by nobody else.
+/// the files must belong to the user or root and not be writable by anyone else.
 ValidatedBundle validateBundle(const std::string& path);
 
 } // namespace apps

@@ -20,7 +20,7 @@ void restorePreviousActions() {
 
 CrashHandler::CrashHandler(std::function<void()> crashed) : crashed_(std::move(crashed)) {
     currentFunction = &crashed_;
-    // The handler needs a stack of its own: the crash may be a stack overflow.
+    // The handler needs its own stack, because the crash may be a stack overflow.
     static std::array<std::byte, 16384> memory;
     const stack_t stack{.ss_sp = memory.data(), .ss_flags = 0, .ss_size = memory.size()};
     sigaltstack(&stack, nullptr);
@@ -40,7 +40,7 @@ void CrashHandler::handle(int signal, siginfo_t* info, void*) {
     if (currentFunction)
         (*currentFunction)();
     restorePreviousActions();
-    // A fault recurs when the handler returns. A signal that a program sent does not.
+    // A fault recurs when the handler returns. A signal sent by a program must be raised again.
     if (info->si_code <= 0)
         raise(signal);
 }

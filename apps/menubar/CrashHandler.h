@@ -8,12 +8,12 @@
 namespace apps {
 
 /// Calls a function when the process crashes (SIGSEGV, SIGBUS, SIGILL, SIGFPE, SIGABRT) and then
-/// lets the signal take its previous course, a sanitizer's report included. Destroying the object
-/// restores the previous handlers. One at a time; main thread only.
+/// restores and triggers the previous action of the signal, for example a sanitizer's report.
+/// Destroying the object restores the previous handlers. At most one at a time. Main thread only.
 class CrashHandler : platform::NonCopyable {
   public:
-    /// @p crashed runs in the signal handler, on a stack of its own and on the thread that crashed.
-    /// It may only do what is async-signal-safe; it may read memory but not allocate.
+    /// @p crashed runs in the signal handler, on a separate stack and on the thread that crashed.
+    /// It must be async-signal-safe: it may read memory but not allocate.
     explicit CrashHandler(std::function<void()> crashed);
     ~CrashHandler();
 

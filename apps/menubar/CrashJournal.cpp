@@ -19,8 +19,8 @@ namespace {
 
 constexpr std::string_view kCommandLineFlag = "1";
 
-// Step, identifier, path, version, position, and the flag for an item of the command line. Each
-// field ends in a zero byte, which no path contains.
+// Step, identifier, path, version, position, and the flag for an item from the command line. Each
+// field ends with a zero byte, which no path contains.
 using Fields = std::array<std::string, 6>;
 
 std::string encode(const CrashJournal::Note& note) {
@@ -57,7 +57,7 @@ std::optional<CrashJournal::Note> decode(std::string_view bytes) {
 } // namespace
 
 CrashJournal::~CrashJournal() {
-    crashHandler_.reset(); // it writes to the file
+    crashHandler_.reset(); // before the file that it writes to
     if (file_ >= 0)
         close(file_);
 }
@@ -117,7 +117,7 @@ void CrashJournal::end() {
 }
 
 // Failures are ignored: logging them would add a line to every click. The next bar rejects a note
-// that a full disk cut off.
+// that was truncated because the disk was full.
 void CrashJournal::write(const std::string& note) const {
     if (!note.empty()) [[maybe_unused]]
         const auto written = pwrite(file_, note.data(), note.size(), 0);

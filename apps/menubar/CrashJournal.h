@@ -11,12 +11,12 @@
 
 namespace apps {
 
-/// A file that names the item whose code the bar is running, so that the next bar can tell which
-/// item ended this one. Before each step that a faulty item may not survive, the bar writes a note
-/// to the file, and clears it afterwards. The note outlives the process however that ends, but not
-/// the machine: it is not flushed to disk. Writing a note takes two system calls. If an item's code
-/// crashes between such steps, for example in a timer, a signal handler writes the note. Main
-/// thread only, except that handler.
+/// A file that names the item whose code the bar is running, so that the next process can tell
+/// which item crashed this one. Before each step in which a faulty item could crash the bar, the
+/// bar writes a note to the file; after the step it clears the note. The note survives the process,
+/// however it ends, but not a system crash, because it is not flushed to disk. Writing a note takes
+/// two system calls. If an item's code crashes between such steps, for example in a timer, a signal
+/// handler writes the note. Main thread only, except for that handler.
 class CrashJournal : platform::NonCopyable {
   public:
     struct Note {
@@ -26,14 +26,15 @@ class CrashJournal : platform::NonCopyable {
 
     ~CrashJournal();
 
-    /// Opens the file, which is created if missing. If that fails or another bar has locked the
-    /// file, a line is logged and nothing is recorded.
+    /// Opens and locks the file, which is created if missing. If that fails, for example because
+    /// another bar has locked it, logs the failure and records nothing from then on.
     void open(const std::string& path);
-    /// Returns and clears the note that the previous bar left, or std::nullopt if it was not
-    /// running an item's code when it ended.
+    /// Returns and clears the note that the previous bar left, or std::nullopt if that bar was not
+    /// running an item's code when it exited.
     std::optional<Note> takeLastNote();
 
-    /// Adds and removes the items whose code may run between steps.
+    /// Registers and unregisters an item whose code may run between steps. A crash in that code is
+    /// recorded with the step "its own code".
     void add(const ItemRecord& item);
     void remove(std::string_view identifier);
 

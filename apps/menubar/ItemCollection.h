@@ -24,16 +24,17 @@ class ItemCollection final : public QObject {
     /// Items draw with @p graphics, and their widgets become children of @p bar. Loading is
     /// recorded in @p journal.
     ItemCollection(platform::qt::QtGraphics& graphics, CrashJournal& journal, QWidget& bar);
-    /// Does not unload the items: call clear() first.
+    /// Does not unload the items properly (see remove()): call clear() first.
     ~ItemCollection() override;
 
     /// Validates and loads the bundle in the folder @p path. Returns the record of the loaded item,
     /// which is valid until the item is removed, or null if the bundle was refused or could not be
     /// loaded. If an item with the bundle's identifier is already loaded, returns that item's
-    /// record. Everything but success is logged with the path or identifier.
+    /// record. All outcomes but success are logged with the path or identifier.
     const ItemRecord* add(const std::string& path, std::int32_t position, Origin origin);
-    /// Unloads an item and its code. If the item is still referenced, its code stays loaded and a
-    /// line is logged. Returns false, and logs, if no item has the reference.
+    /// Calls the item's willUnload, then unloads the item and its code. If the item is still
+    /// referenced, its code stays loaded and a line is logged. Returns false, and logs, if no item
+    /// has the reference.
     bool remove(platform::MenuExtraReference reference);
     /// Removes all items, leftmost first.
     void clear();
@@ -48,7 +49,7 @@ class ItemCollection final : public QObject {
   signals:
     void added(apps::Item& item);
     void aboutToRemove(apps::Item& item);
-    /// Emitted after the item and its code were unloaded.
+    /// Emitted after the item and its code have been unloaded.
     void removed(const apps::ItemRecord& record);
 
   private:

@@ -8,7 +8,7 @@
 
 namespace apps {
 
-/// An item and the code it lives in. The item is destroyed before its code.
+/// An item and its code. The item is destroyed before the code is unloaded.
 struct LoadedItem {
     std::unique_ptr<platform::LoadedCode> code;
     std::shared_ptr<platform::MenuExtra> extra; ///< null if loading failed
@@ -16,8 +16,8 @@ struct LoadedItem {
 };
 
 /// Loads the code of @p bundle, which must be valid, creates an instance of its principal class and
-/// calls initWithBundle on it. A failure, which includes an exception from the item, is logged with
-/// the bundle's identifier and path. Main thread only.
+/// calls initWithBundle on it. Failures, including exceptions from the item, are logged with the
+/// bundle's identifier and path. Main thread only.
 LoadedItem loadItem(const ValidatedBundle& bundle);
 
 } // namespace apps

@@ -26,7 +26,7 @@ namespace {
 constexpr const char* kJournalFile = "Menu Bar Step";
 constexpr const char* kOwnClock = "Clock.menu";
 constexpr std::int32_t kLeftmostPosition = 999;
-// Flushing the list to disk may take longer than everything else: a new item is drawn first.
+// Flushing the list to disk is slow, so it is delayed until a new item has been drawn.
 constexpr std::chrono::milliseconds kWriteDelay{20};
 constexpr std::chrono::milliseconds kRemovalRetryInterval{5};
 
@@ -76,7 +76,7 @@ void ItemRegistry::disableCrashedItem() {
     if (item.origin == Origin::Request)
         list_->insert(item);
     list_->disable({item.identifier, item.path, item.version, note->step});
-    list_->write(); // now: if another item crashes the bar, this one must still be disabled
+    list_->write(); // not scheduled: another item may crash the bar before that
 }
 
 void ItemRegistry::restore() {
@@ -151,7 +151,7 @@ std::int32_t ItemRegistry::addMenuExtra(const std::string& url, std::int32_t pos
         logLine("cannot load menu extra: no bundle at %@", path);
         return number(MenuExtraStatus::FileNotFound);
     }
-    // With Admit::System the caller is not told, and what is admitted may change before the load.
+    // With Admit::System, the caller gets no error, and MenuCracker may be loaded before add().
     if (admission_.mode() != Admit::System && !admits(path))
         return number(MenuExtraStatus::Refused);
     QTimer::singleShot(0, this, [this, path, position] { add(path, position); });
@@ -173,7 +173,7 @@ void ItemRegistry::add(const std::string& path, std::int32_t position) {
     if (list_->enable(path))
         scheduleWrite();
     const ItemRecord* record = items_.add(path, position, Origin::Request);
-    // The item may have been loaded before, from another path.
+    // The item may already have been loaded from another path.
     if (record && record->path == path && list_->insertOrReplace(*record))
         scheduleWrite();
 }
@@ -185,8 +185,8 @@ std::int32_t ItemRegistry::removeMenuExtra(MenuExtraReference reference, std::in
     return number(MenuExtraStatus::NoError);
 }
 
-// An item's code may run an event loop of its own, for example for an animation, so this waits
-// until that code has returned.
+// Retries until no item's code is running: that code may itself run an event loop, for example
+// during an animation.
 void ItemRegistry::removeLater(MenuExtraReference reference) {
     QTimer::singleShot(kRemovalRetryInterval, this, [this, reference] {
         if (currentOwner().empty())

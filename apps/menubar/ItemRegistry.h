@@ -16,27 +16,28 @@ namespace apps {
 class CrashJournal;
 class ItemCollection;
 
-/// Decides which items the bar has: admits or declines the items that programs request, stores the
-/// list of items and restores it at the next start, and disables an item that crashed the bar.
-/// Serves the bar's own process as its MenuExtraServer. Main thread only.
+/// Manages the bar's items: admits or declines the items that programs request, stores the list of
+/// items and restores it at the next start, and disables an item that crashed the bar. Installed as
+/// the MenuExtraServer of the bar's process. Main thread only.
 class ItemRegistry final : public QObject, public platform::MenuExtraServer {
   public:
     ItemRegistry(ItemCollection& items, CrashJournal& journal, Admission admission);
     /// Writes pending changes of the list and unloads all items.
     ~ItemRegistry() override;
 
-    /// Loads the items of the stored list, or the bar's own clock if there is no list, and then the
-    /// bundles in @p commandLine, which are not stored. Failures are logged.
+    /// Loads the items of the stored list, or the bar's own clock if the list is missing or
+    /// unreadable. Then loads the bundles in @p commandLine, which are neither checked for
+    /// admission nor stored. Disabled bundles are skipped. Failures are logged.
     void start(const std::vector<std::string>& commandLine);
 
     std::int32_t getMenuExtra(const std::string& identifier,
                               platform::MenuExtraReference& reference) override;
-    /// Checks the URL and returns; the main loop loads the item later. An item that is not admitted
-    /// is logged. With Admit::System the status is 0 nevertheless.
+    /// Checks the URL and returns; the item is loaded later, from the main loop. An item that is
+    /// not admitted is logged and refused, except that with Admit::System the status is 0.
     std::int32_t addMenuExtra(const std::string& url, std::int32_t position, std::int32_t,
                               std::int32_t, std::int32_t, std::int32_t) override;
-    /// If called from an item's code, which may be the item's own, the removal is deferred until
-    /// that code has returned, and the status is 0.
+    /// If called while an item's code is running, even that of the item to be removed, returns 0
+    /// and defers the removal until that code has returned.
     std::int32_t removeMenuExtra(platform::MenuExtraReference reference,
                                  std::int32_t flags) override;
 

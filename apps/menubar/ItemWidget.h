@@ -15,8 +15,8 @@ class QtGraphics;
 namespace apps {
 
 /// Shows one item in the bar: the bar's background, the highlight while the item's menu is open,
-/// and what the item's view draws. Highlight and view are composited in a separate layer: what the
-/// view draws with XOR is cut out of the highlight and shows the background.
+/// and what the item's view draws. The highlight and the view are composited in a separate layer,
+/// so that drawing with XOR cuts through the highlight to the background.
 class ItemWidget final : public QWidget {
     Q_OBJECT
 
@@ -28,12 +28,13 @@ class ItemWidget final : public QWidget {
     ItemWidget(std::string owner, std::shared_ptr<platform::MenuExtra> extra,
                platform::qt::QtGraphics& graphics, QWidget* parent);
 
-    /// The width in points including padding; 0 for an item without length.
+    /// Returns the width in points, including padding, or 0 if the item's length is 0.
     int preferredWidth() const;
-    /// The name that a screen reader speaks: the item's and its title.
+    /// Returns the name for screen readers: the item's name and its title.
     std::string accessibleItemName() const;
 
-    /// Handles a press of a mouse button over the item, even if Qt sent the event elsewhere.
+    /// Handles a press of a mouse button over the item, including one that Qt delivered to another
+    /// widget, such as an open menu.
     void press(const QMouseEvent& event);
 
   signals:

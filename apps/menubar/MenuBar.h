@@ -17,14 +17,15 @@ namespace apps {
 
 class CrashJournal;
 
-/// The menu bar: the window, the items in it, and the host that the items talk to. Exceptions from
-/// an item's code are logged with its identifier and do not affect other items. Main thread only.
+/// The menu bar: its window, its items, and the host interface that items call. Exceptions from an
+/// item's code are logged with its identifier and do not affect other items. Main thread only.
 class MenuBar final : public QObject, public platform::MenuExtraHost, public platform::EventSource {
     Q_OBJECT
 
   public:
-    /// Installs itself as the process's MenuExtraHost and EventSource. Records in @p journal what a
-    /// faulty item may not survive: its loading, its first drawing, each click and each menu.
+    /// Installs itself as the process's MenuExtraHost and EventSource. Records in @p journal each
+    /// step in which a faulty item could crash the bar: loading, the first drawing, each click and
+    /// each opening of a menu.
     MenuBar(platform::qt::QtGraphics& graphics, CrashJournal& journal);
     /// Unloads the remaining items.
     ~MenuBar() override;
@@ -33,11 +34,12 @@ class MenuBar final : public QObject, public platform::MenuExtraHost, public pla
 
     void show();
 
-    /// Sends a click to an item as the mouse would. Returns whether the item handled the click
-    /// itself rather than opening its menu. Returns false, and logs, if the item is not loaded.
+    /// Simulates a mouse click on an item. Returns true if the item handled the click itself,
+    /// false if it opened its menu. Also returns false, and logs, if the item is not loaded or
+    /// its code throws.
     bool click(std::string_view identifier, const platform::Event& event);
 
-    /// Writes a picture of the bar and the open menu; see apps::writeSnapshot.
+    /// Saves an image of the bar and the open menu; see apps::writeSnapshot.
     bool snapshot(const std::string& path);
 
     double statusBarThickness() const override;

@@ -90,8 +90,9 @@ void MenuTracker::menuClosed(MenuExtra& extra) {
     });
 }
 
-/// Handles a mouse event beside the open menu. A press over an item closes the menu and, unless it
-/// is the item's own, goes to the item. A move over an item that has a menu switches to that menu.
+/// Handles a mouse event outside the open menu. A press over an item closes the menu and, unless
+/// the menu is the item's own, is passed to the item. A move over an item that has a menu opens
+/// that menu instead.
 bool MenuTracker::handleMouse(const QMouseEvent& event) {
     const QPoint position = event.globalPosition().toPoint();
     const auto item = std::find_if(items_.begin(), items_.end(),
@@ -113,7 +114,7 @@ bool MenuTracker::handleMouse(const QMouseEvent& event) {
 
 void MenuTracker::switchToNeighbour(MenuExtra& extra, int direction) {
     if (!extra.isMenuDown())
-        return;                        // the menu is already switching: a second key came quickly
+        return; // a quick second key press: the menu is already being switched
     std::vector<const Item*> withMenu; // rightmost first
     for (const Item& item : items_) {
         if (&item.extra() == &extra || hasMenu(item))

@@ -47,7 +47,7 @@ bool parse(std::string_view name, Appearance& appearance) {
 
 } // namespace
 
-// Uses getopt, not CLI11: the bar runs all day and would keep that library's code in memory.
+// Uses getopt, not CLI11, whose code would stay in memory as long as the bar runs.
 std::optional<Options> readOptions(int argc, char** argv, int& status) {
     const std::array<option, 5> known{{{"appearance", required_argument, nullptr, 'a'},
                                        {"admit", required_argument, nullptr, 'm'},

@@ -16,8 +16,8 @@ struct Options {
     Admit admit = Admit::User;
 };
 
-/// Parses the command line. Handles --help, --version and wrong usage by printing the text: then
-/// returns std::nullopt and sets @p status to the program's exit status.
+/// Parses the command line. After --help, --version or a usage error, prints the text, sets
+/// @p status to the program's exit status and returns std::nullopt.
 std::optional<Options> readOptions(int argc, char** argv, int& status);
 
 } // namespace apps

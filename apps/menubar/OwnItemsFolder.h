@@ -4,7 +4,7 @@
 
 namespace apps {
 
-/// Returns the folder of the bar's own items, which is found relative to the running program.
+/// Returns the folder of the bar's own items, based on the path of the running program.
 std::string ownItemsFolder();
 
 } // namespace apps

@@ -30,7 +30,7 @@ void setProperty(const QWindow& window, std::string_view name, xcb_atom_t type,
                         x11Atom(x, name), type, 32, count, values.data());
 }
 
-/// Returns the rightmost column of the whole screen area, in native pixels.
+/// Returns the rightmost column of all screens together, in native pixels.
 std::uint32_t lastColumn() {
     xcb_connection_t* x = x11Connection();
     const xcb_window_t root = xcb_setup_roots_iterator(xcb_get_setup(x)).data->root;

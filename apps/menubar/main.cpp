@@ -34,7 +34,7 @@ int runBar(const Options& options) {
     case BusName::Claim::Acquired:
         break;
     }
-    const QuitOnSignals quitOnSignals; // before items load: a signal must not look like their crash
+    const QuitOnSignals quitOnSignals; // before items load, or a signal would look like a crash
     const ProgramAppearance appearance(options.appearance);
     registry.start(options.bundles);
     menuBar.show();

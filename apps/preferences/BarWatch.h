@@ -5,7 +5,7 @@
 
 namespace apps {
 
-/// Watches the menu bar on the session bus. Main thread only.
+/// Reports changes of the menu bar, using the session bus. Main thread only.
 class BarWatch final : public QObject {
     Q_OBJECT
 
@@ -13,7 +13,7 @@ class BarWatch final : public QObject {
     BarWatch();
 
   signals:
-    /// The bar has loaded or unloaded an item, started or exited.
+    /// Emitted after the bar has loaded or unloaded an item, has started or has exited.
     void changed();
 
   private slots:

@@ -85,7 +85,7 @@ void MenuExtraSwitches::changeEvent(QEvent* event) {
         updateBoxColours();
 }
 
-/// Makes the boxes visible on a dark background, where the style draws them too dark.
+/// Lightens the boxes on a dark background, where the style draws them too dark to see.
 void MenuExtraSwitches::updateBoxColours() {
     QPalette colours = palette();
     const QColor window = colours.color(QPalette::Window);

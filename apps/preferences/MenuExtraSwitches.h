@@ -22,8 +22,8 @@ class MenuExtraSwitches final : public QWidget {
 
   public:
     /// @p pane must be the pane that this process has loaded (Bundle::setCodeState), because items
-    /// are installed from that one. @p isBarRunning is called on another thread before each query,
-    /// so that a query does not start the bar.
+    /// are installed from the loaded pane. @p isBarRunning is called on another thread before each
+    /// query, so that a query does not start the bar.
     MenuExtraSwitches(const platform::Bundle& pane, std::function<bool()> isBarRunning);
     /// Waits for the current operation on an item, which may take several seconds.
     ~MenuExtraSwitches() override;

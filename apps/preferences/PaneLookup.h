@@ -18,8 +18,8 @@ struct PaneLookup {
 /// readable and has an identifier.
 PaneLookup findPaneAtPath(const std::string& path);
 
-/// Finds the pane with a bundle identifier: @p open (may be null) if it has the identifier, else
-/// the first by name in /Library/PreferencePanes, then in ~/Library/PreferencePanes.
+/// Finds the pane with a bundle identifier: @p open if it has the identifier, or else the first one
+/// by name in /Library/PreferencePanes and then in ~/Library/PreferencePanes. @p open may be null.
 PaneLookup findPaneWithIdentifier(const std::string& identifier,
                                   const std::shared_ptr<platform::Bundle>& open);
 

@@ -12,28 +12,28 @@ namespace apps {
 
 class MenuExtraSwitches;
 
-/// The window that shows one preference pane at a time, or why it cannot be shown.
+/// The window that shows one preference pane at a time, or the reason why it cannot be shown.
 class PreferencesWindow final : public QWidget {
     Q_OBJECT
 
   public:
-    /// @p isBarRunning is called on any thread.
+    /// @p isBarRunning must be thread-safe.
     explicit PreferencesWindow(std::function<bool()> isBarRunning);
     ~PreferencesWindow() override;
 
     /// Replaces the pane. Does nothing if the same pane is shown already. If the lookup failed,
     /// shows and logs its error. Does not show the window itself.
     void showPane(const PaneLookup& lookup);
-    /// Reads again which items the bar has loaded, and updates the page later.
+    /// Queries the bar for its loaded items, without blocking, and updates the page later.
     void refresh();
-    /// Null if no pane is shown.
+    /// Returns the shown pane, or null.
     const std::shared_ptr<platform::Bundle>& pane() const { return pane_; }
 
   private:
     void setPane(std::shared_ptr<platform::Bundle> pane);
     void fillPanePage(QVBoxLayout& column);
     void fillErrorPage(const PaneLookup& lookup, QVBoxLayout& column);
-    /// Replaces the page by an empty one and returns its layout.
+    /// Replaces the page with an empty one and returns its layout.
     QVBoxLayout& newPage();
 
     const std::function<bool()> isBarRunning_;

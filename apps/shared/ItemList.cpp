@@ -32,8 +32,8 @@ std::optional<std::int32_t> positionOf(const PropertyList& row) {
     return static_cast<std::int32_t>(*value->integer());
 }
 
-/// A row that cannot be serialized, for example because of its file name, would make the whole list
-/// impossible to write.
+/// Skips a row that cannot be serialized, for example because of its file name: it would prevent
+/// the whole list from being written.
 void append(PropertyList::Array& rows, PropertyList row) {
     if (propertyLists().serialize(row))
         rows.push_back(std::move(row));
@@ -72,7 +72,7 @@ bool ItemList::read() {
     return true;
 }
 
-// Writing the next list would replace a file that the user may be able to repair.
+// Otherwise the next write would replace a file that the user may be able to repair.
 void ItemList::moveUnreadableFile() const {
     const std::string newPath = file_ + kUnreadableSuffix;
     fileManager().removeItem(newPath);

@@ -36,9 +36,9 @@ class ItemList {
     /// @p file need not exist. @p ownItemsFolder is the folder of the bar's own items.
     ItemList(std::string file, std::string ownItemsFolder);
 
-    /// Reads the file. Returns false if there is no file or it is not a list of items. In the
-    /// latter case a line is logged, and the file is renamed to end in ".unreadable". Invalid rows
-    /// are logged and skipped.
+    /// Reads the file. Returns false if the file is missing or is not a list of items. In the
+    /// latter case, logs the reason and appends ".unreadable" to the file's name. Invalid rows are
+    /// logged and skipped.
     bool read();
     /// Replaces the file atomically. Returns false, and logs, on failure. A row that a property
     /// list cannot represent is logged and skipped.
@@ -49,7 +49,7 @@ class ItemList {
     /// Inserts an item by its position, to the left of items with the same position, unless the
     /// list has an item with that identifier. Returns whether the list has changed.
     bool insert(ItemRecord item);
-    /// Like insert, but replaces an item with that identifier and another path.
+    /// Like insert(), but replaces an item that has the same identifier and a different path.
     bool insertOrReplace(ItemRecord item);
     /// Removes an item. Returns whether the list has changed.
     bool removeItem(std::string_view identifier);
@@ -59,8 +59,9 @@ class ItemList {
     /// Returns the entry of the disabled bundle at @p path, or null if it is not disabled. The
     /// pointer is valid until the list changes.
     const DisabledBundle* findDisabled(std::string_view path) const;
+    /// Disables a bundle. Replaces an existing entry with the same path.
     void disable(DisabledBundle bundle);
-    /// Returns whether the bundle was disabled.
+    /// Removes the entry of the bundle at @p path. Returns whether there was one.
     bool enable(std::string_view path);
 
   private:

@@ -11,7 +11,7 @@ enum class Origin {
     CommandLine, ///< the bar's command line; the item is loaded for this run only
 };
 
-/// What the bar knows of an item without its code.
+/// The description of an item, without its code.
 struct ItemRecord {
     std::string identifier;
     std::string path; ///< of its bundle

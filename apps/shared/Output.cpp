@@ -15,8 +15,8 @@
 namespace apps {
 
 void prepareStandardStreams() {
-    // open() takes the lowest free descriptor. The access modes are the wrong way round, so that
-    // reading and writing still fail.
+    // open() takes the lowest free descriptor. The access modes are swapped, so that reading
+    // standard input and writing the others still fail.
     for (const int descriptor : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO})
         if (::fcntl(descriptor, F_GETFD) < 0) [[maybe_unused]]
             const int opened =

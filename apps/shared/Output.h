@@ -11,13 +11,13 @@ namespace apps {
 /// How a value is printed.
 enum class Format { Xml, Json };
 
-/// Opens every closed standard descriptor on /dev/null, so that no data file gets its number and
-/// receives output or log lines, and ignores SIGPIPE, so that writing to a closed pipe is an error.
-/// Call it first in main.
+/// Opens every closed standard descriptor on /dev/null, so that no data file is opened under that
+/// number and receives output or log lines. Ignores SIGPIPE, so that writing to a closed pipe
+/// returns an error. Call this first in main.
 void prepareStandardStreams();
 
-// Results go to standard output. If they cannot be written completely, each function prints the
-// reason to standard error and returns Failure.
+// Results go to standard output. If they cannot be written completely, these functions print the
+// reason to standard error and return Failure.
 
 ExitStatus print(std::string_view text);
 /// Also fails for values that XML cannot represent.

@@ -5,7 +5,7 @@
 
 namespace apps {
 
-/// A well-known name on the session bus, which one process at a time owns. Main thread only.
+/// A well-known name on the session bus. At most one process at a time owns it. Main thread only.
 class BusName final : public QObject {
     Q_OBJECT
 
@@ -21,8 +21,8 @@ class BusName final : public QObject {
     const QString& name() const { return name_; }
 
     /// Registers @p object with its adaptors at @p objectPath and requests the name. Calls that
-    /// arrive before the main loop runs are answered once it runs. If the bus disconnects later,
-    /// the session is over: that is logged and the main loop quits.
+    /// arrive before the main loop runs are handled once it runs. If the bus disconnects later,
+    /// that is logged and the main loop quits, because the session has ended.
     Claim claim(const QString& objectPath, QObject& object);
 
   private slots:

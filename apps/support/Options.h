@@ -22,9 +22,9 @@ struct CommandLine {
     bool hasSelect = false; ///< accepts --select instead of arguments
 };
 
-/// Parses the command line. Returns std::nullopt if the program should exit with @p status: 0 after
-/// --help or --version, whose text has been printed, and 2 after wrong usage, for which the help
-/// has been printed to standard error.
+/// Parses the command line. If the program should exit, returns std::nullopt and sets @p status: to
+/// 0 after printing the text of --help or --version, or to 2 after printing the help to standard
+/// error because of a usage error.
 std::optional<WindowOptions> readWindowOptions(int argc, char** argv,
                                                const CommandLine& commandLine, int& status);
 

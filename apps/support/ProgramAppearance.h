@@ -8,9 +8,9 @@
 namespace apps {
 
 /// Applies an appearance to the program. With Appearance::Desktop, follows the desktop's
-/// "color-scheme" setting, read from the settings portal, until this object is destroyed. A dark
-/// palette from Qt's platform theme is kept as it is. Without a portal the palette stays unchanged;
-/// the portal is not started. Main thread only.
+/// "color-scheme" setting, read from the settings portal, until this object is destroyed. If the
+/// palette of Qt's platform theme is already dark, it is left unchanged. Does not start the portal;
+/// if it is not running, the palette is not changed. Main thread only.
 class ProgramAppearance final : public QObject {
     Q_OBJECT
 

@@ -17,7 +17,7 @@ namespace {
 constexpr std::array kSignals{SIGINT, SIGTERM, SIGHUP};
 std::array<int, 2> pipeEnds{-1, -1};
 
-// Writing a byte is one of the few operations that are allowed in a signal handler.
+// A signal handler may call write(), but not QCoreApplication::quit().
 void wakeMainLoop(int) {
     const int savedErrno = errno;
     [[maybe_unused]] const auto ignored = write(pipeEnds[1], "", 1);

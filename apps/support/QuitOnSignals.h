@@ -8,9 +8,9 @@
 namespace apps {
 
 /// Quits the main loop on SIGINT, SIGTERM and SIGHUP, so that items are unloaded in order. A signal
-/// that is ignored already, as under nohup, stays ignored. If the signals cannot be handled, that
-/// is logged and they end the program as usual. At most one instance at a time, and only while a
-/// QApplication exists. Main thread only.
+/// that is already ignored, as under nohup, stays ignored. If the handlers cannot be installed,
+/// that is logged and the signals keep their default action. At most one instance at a time, and
+/// only while a QApplication exists. Main thread only.
 class QuitOnSignals : platform::NonCopyable {
   public:
     QuitOnSignals();

@@ -17,8 +17,8 @@ class SessionApplication final : public QObject {
     Q_OBJECT
 
   public:
-    /// Implement the members of the interface. A non-empty result is a user-visible message, which
-    /// is sent as the error reply to the call.
+    /// The implementations of the interface's members. A non-empty result is a user-visible message
+    /// and is sent as an error reply to the call.
     struct Handlers {
         std::function<void()> activate; ///< brings the program's windows to the front
         std::function<QString(const QStringList& uris)> open;

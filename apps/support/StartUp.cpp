@@ -18,8 +18,8 @@ using platform::logLine;
 namespace apps {
 namespace {
 
-/// Sets environment variables that the QApplication reads in its constructor, and restores them in
-/// the destructor.
+/// Sets environment variables that the QApplication reads in its constructor, and restores them
+/// in the destructor.
 class QtEnvironment : platform::NonCopyable {
   public:
     QtEnvironment();
@@ -40,8 +40,8 @@ QtEnvironment::QtEnvironment() {
         replace("QT_QPA_PLATFORM", platform);
     setDefault("QT_QPA_PLATFORM", platform);
     setDefault("QT_XCB_GL_INTEGRATION", "none"); // nothing is drawn with GL
-    // Shared memory does not pay for images of a few kilobytes: the server's completion event wakes
-    // two threads per tick.
+    // Shared memory is not worth it for images of a few kilobytes: the server's completion event
+    // wakes two threads per tick.
     setDefault("QT_XCB_NO_MITSHM", "1");
     setDefault("QT_NO_GLIB", "1"); // Qt's own event loop does less work per tick
 }
@@ -77,14 +77,14 @@ void logQtMessages() {
 } // namespace
 
 std::unique_ptr<QApplication> startApplication(char** argv, const char* name) {
-    mallopt(M_ARENA_MAX, 1); // one heap: the few threads would fragment several
+    mallopt(M_ARENA_MAX, 1); // one heap, because several would be fragmented
     logQtMessages();
-    std::signal(SIGPIPE, SIG_IGN); // the reader of the log may exit first
+    std::signal(SIGPIPE, SIG_IGN); // the process that reads the log may exit first
     if (qEnvironmentVariableIsEmpty("DISPLAY") && !qEnvironmentVariableIsSet("QT_QPA_PLATFORM"))
         logLine("%@ has no display: DISPLAY is not set, drawing offscreen", name);
     static int argumentCount = 1;    // QApplication keeps a reference
-    const QtEnvironment environment; // before the thread starts, which reads the environment
-    // Fontconfig reads many small files; do it while Qt connects to the X server.
+    const QtEnvironment environment; // set before fontLoader reads the environment
+    // Fontconfig reads many small files. Load them while Qt connects to the X server.
     const std::jthread fontLoader([] { FcInit(); });
     auto application = std::make_unique<QApplication>(argumentCount, argv);
     application->setApplicationName(name);

@@ -16,7 +16,7 @@ bool WindowService::eventFilter(QObject* watched, QEvent* event) {
         isFirstPaintPending_ = true;
     if (event->type() == QEvent::Paint && isFirstPaintPending_) {
         isFirstPaintPending_ = false;
-        // After the child widgets are painted too and the image is flushed.
+        // Emitted once the child widgets are painted too and the image is flushed.
         QTimer::singleShot(0, this, &WindowService::Drawn);
     }
     return QDBusAbstractAdaptor::eventFilter(watched, event);

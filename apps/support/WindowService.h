@@ -7,8 +7,8 @@
 namespace apps {
 
 /// Exports a window on the session bus as com.quorvanesoftware.Window1, so that tests, benchmarks
-/// and scripts can see what it shows. An adaptor of the object that the program registers there.
-/// Main thread only.
+/// and scripts can see what it shows. It is an adaptor of the object that the program registers on
+/// the bus. Main thread only.
 class WindowService final : public QDBusAbstractAdaptor {
     Q_OBJECT
     Q_CLASSINFO("D-Bus Interface", "com.quorvanesoftware.Window1")

@@ -24,8 +24,8 @@ std::optional<PropertyList> parseData(std::string_view text);
 std::string realText(double value);
 /// Returns std::nullopt if the year has more than nine digits.
 std::optional<std::string> dateText(PropertyList::Date date);
-/// Returns Base64 text in lines of 76 characters. Each line begins with @p indent and ends with a
-/// line feed.
+/// Returns Base64 text in lines of 76 characters. Each line begins with @p indent and ends with
+/// a line feed.
 std::string dataText(const PropertyList::Data& data, std::string_view indent);
 
 } // namespace platform::expat

@@ -5,12 +5,13 @@
 
 namespace platform::posix {
 
-/// What the ELF header of an executable file states.
+/// Properties of an executable file, read from its ELF headers.
 struct ElfFile {
-    /// The number that DynamicLoader uses for the processor; 0 if it has none.
+    /// The number that DynamicLoader uses for the processor, or 0 for an unknown processor.
     int architecture = 0;
     bool isSharedObject = false;
-    /// Whether the file is long enough for all its segments. Always false for 32-bit files.
+    /// Whether the file contains all of its segments and its section table. Always false for 32-bit
+    /// files and for files in the other byte order.
     bool isComplete = false;
 
     /// Returns std::nullopt if the file is missing, not a regular file, or not an ELF file.

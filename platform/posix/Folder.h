@@ -8,8 +8,8 @@
 #include <sys/stat.h>
 #include <vector>
 
-/// Open folders and their entries. An entry is named relative to its folder and, if it is a
-/// symbolic link, not followed, so that a walk through a tree never leaves it.
+/// Open folders and their entries. Entries are named relative to their folder; those that are
+/// symbolic links are not followed, so that a walk through a tree never leaves it.
 namespace platform::posix {
 
 /// Opens the folder at @p path, following symbolic links. Returns an empty descriptor on failure.
@@ -21,7 +21,7 @@ Descriptor openFolder(int folder, const std::string& name);
 /// Returns the names of all entries except "." and "..", or std::nullopt if reading fails.
 std::optional<std::vector<std::string>> namesIn(int folder);
 
-/// Returns the attributes of the entry @p name, or std::nullopt, with errno set, if there is none.
+/// Returns the attributes of the entry @p name, or std::nullopt, with errno set, on failure.
 std::optional<struct stat> statusOf(int folder, const std::string& name);
 
 /// Returns whether @p name can name an entry: false for an empty string, "/", "." and "..".

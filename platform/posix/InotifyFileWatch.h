@@ -5,8 +5,9 @@
 namespace platform::posix {
 
 /// Implements FileManager::watchFile with inotify. Watches every folder and link in the path for
-/// its removal, but only the folder in which the next component is missing for new entries. Other
-/// files written in these folders therefore do not wake the process.
+/// removal. Watches for new entries only in a folder where the next component is missing or
+/// unreadable, so that other files written in the path's folders do not wake the process. Returns
+/// null, and logs, if the system is out of inotify watches.
 std::unique_ptr<Watch> makeInotifyFileWatch(const std::string& path, std::function<void()> handler);
 
 } // namespace platform::posix

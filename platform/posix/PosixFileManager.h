@@ -5,7 +5,7 @@
 
 namespace platform::posix {
 
-/// The file system of the machine.
+/// The machine's file system, accessed with POSIX calls.
 class PosixFileManager : public FileManager {
   public:
     /// Prepends @p libraryRoot to "/Library" and all paths below it. Does not own @p calls.

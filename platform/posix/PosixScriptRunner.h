@@ -4,7 +4,7 @@
 
 namespace platform::posix {
 
-/// Runs one script, by starting the preferences program, and rejects all others:
+/// Opens a preference pane by starting the preferences program. Rejects all scripts but this one:
 ///
 ///     tell application "System Preferences"
 ///     activate

@@ -12,8 +12,7 @@ namespace platform::posix {
 /// Returns std::nullopt if @p release does not begin with a number.
 std::optional<std::uint32_t> encodedVersion(std::string_view release);
 
-/// The version of the kernel and the time zone of libc. Without media software on the system, query
-/// returns std::nullopt for SystemFact::MediaVersion.
+/// The kernel's version and libc's time zone. Queries for all other facts return std::nullopt.
 class PosixSystemInfo final : public SystemInfo {
   public:
     /// @p zoneFile is the file that holds the system's time zone. If it is a symbolic link into the

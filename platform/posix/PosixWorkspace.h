@@ -5,8 +5,8 @@
 
 namespace platform::posix {
 
-/// The workspace without a desktop. It starts applications, opens URLs with xdg-open and moves
-/// items to the Trash. The operations that show files return false; bringToFront does nothing.
+/// A workspace that needs no desktop. Starts applications, opens URLs with xdg-open and moves items
+/// to the Trash. The operations that show files return false; bringToFront does nothing.
 class PosixWorkspace : public Workspace {
   public:
     bool selectFile(const std::string& path, const std::string& rootPath) override;

@@ -4,12 +4,13 @@
 
 namespace platform::posix {
 
-/// Returns the error with which the dynamic loader would refuse the shared object at @p path, in
-/// the loader's words, or an empty string if it would load it.
+/// Returns an empty string if the dynamic loader would load the shared object at @p path, or
+/// else the loader's error message. Also returns an error if the loader cannot be run or
+/// does not finish.
 ///
 /// Runs the loader in another process, where it maps the file and its dependencies and binds every
-/// symbol, but runs none of their code. It searches for libraries where this process's loader does
-/// and in the folder of this library. Blocks for a few milliseconds, at most 5 s.
+/// symbol, but runs none of their code. It searches for libraries in the same folders as this
+/// process's loader, and in the folder of this library. Blocks for a few milliseconds, at most 5 s.
 std::string preflightError(const std::string& path);
 
 } // namespace platform::posix

@@ -39,7 +39,7 @@ class PathWalk {
     /// without returning them.
     std::optional<std::string> next();
     void enter(std::string component) { folder_ = std::move(component); }
-    /// Replaces the last component by the link target @p target. Returns false for a cycle.
+    /// Replaces the last component with the link target @p target. Returns false for a cycle.
     bool follow(std::string_view target);
     /// Returns the path of the folder entered last. It contains no links.
     const std::string& folder() const { return folder_; }

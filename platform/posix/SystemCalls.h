@@ -20,7 +20,7 @@ auto retryInterrupted(Call call) {
 }
 
 /// The system calls that change the disk, virtual so that tests can make them fail. Results and
-/// errno are those of libc. Calls that a signal interrupts are repeated.
+/// errno are those of libc. Calls interrupted by a signal are repeated.
 class SystemCalls : NonCopyable {
   public:
     virtual ~SystemCalls();

@@ -9,12 +9,12 @@
 
 namespace platform::posix {
 
-/// A new file or folder under a temporary name (see temporaryPrefix), in the folder where the
-/// finished one belongs. It is locked with flock. Destroying the object removes the entry, with
-/// everything in it, unless it has been renamed.
+/// A new file or folder with a temporary name (see temporaryPrefix), in the same folder as its
+/// final name. It is locked with flock. Destroying the object removes the entry, with everything in
+/// it, unless it has been renamed.
 ///
 /// The constructor first removes all unlocked entries with the same purpose and final name, because
-/// the processes that created them have died.
+/// the processes that created them have exited.
 class TemporaryEntry : NonCopyable {
   public:
     enum class Kind { File, Folder };

@@ -7,8 +7,8 @@
 /// Names of files and folders that are being written, moved or removed.
 namespace platform::posix {
 
-/// Returns ".halvex-<purpose>-<hash of @p finalName>-", the start of each temporary name. It holds
-/// a hash because @p finalName itself may be as long as a name can be.
+/// Returns ".halvex-<purpose>-<hash of @p finalName>-", the start of each temporary name. It
+/// contains a hash because @p finalName may already have the maximum length of a name.
 std::string temporaryPrefix(std::string_view purpose, std::string_view finalName);
 
 /// Returns @p prefix followed by a random number, or std::nullopt if the system provides none.

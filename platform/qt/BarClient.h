@@ -18,7 +18,7 @@ class QVariant;
 
 namespace platform::qt {
 
-/// The value that the bar returned, or why there is none.
+/// The value that the bar returned, or the reason why the call failed.
 template <class Value>
 struct BarReply {
     std::optional<Value> value;
@@ -26,16 +26,17 @@ struct BarReply {
     explicit operator bool() const { return value.has_value(); }
 };
 
-/// Calls the menu bar over the session bus, which starts the bar if none is running and it can.
-/// Needs neither an application object nor an event loop. A call blocks for at most kTimeout, the
-/// first one also for the connection, and fails immediately if there is no bus or no bar. If a call
-/// times out because the bar hangs, calls to that bar fail immediately for kHangPause. Thread-safe.
+/// Calls the menu bar over the session bus, which starts an installed bar if none is running.
+/// Needs neither an application object nor an event loop. A call blocks for at most kTimeout,
+/// plus the time to connect (see BusConnection::get), and fails immediately if the bus or the bar
+/// is unavailable. If a call times out because the bar hangs, calls to that bar fail immediately
+/// for kHangPause. Thread-safe.
 class BarClient final : public MenuExtraServer {
   public:
     static constexpr int kTimeout = 5000; ///< milliseconds, including the start of a bar
     static constexpr std::chrono::seconds kHangPause{10};
-    /// The status if there is no reply or an invalid one. The reason is logged, but not again while
-    /// it stays the same.
+    /// The status if there is no reply or an invalid one. The reason is logged unless it is the
+    /// same as for the previous call.
     static constexpr std::int32_t kNoReply = -609;
 
     /// @p busAddress is empty for the session bus. The first call connects.
@@ -59,7 +60,8 @@ class BarClient final : public MenuExtraServer {
     /// Clicks an item. Returns whether the item handled the click itself rather than opening its
     /// menu; false also if the item is not loaded.
     BarReply<bool> click(const std::string& identifier, const Event& event);
-    /// Makes the bar draw itself into a PNG file at an absolute path. Returns whether it succeeded.
+    /// Makes the bar save an image of itself as PNG at an absolute path. Returns
+    /// whether it succeeded.
     BarReply<bool> snapshot(const std::string& path);
 
   private:

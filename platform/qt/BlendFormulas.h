@@ -18,7 +18,7 @@ struct BlendFactors {
     BlendFactor destination; ///< depends on the source's alpha
 };
 
-/// Indexed by operation number. PlusDarker has a formula of its own; its row is unused.
+/// Indexed by operation number. PlusDarker has its own formula, so its row is unused.
 inline constexpr std::array<BlendFactors, 14> kBlendFactors = {{
     {BlendFactor::Zero, BlendFactor::Zero},                   // Clear
     {BlendFactor::One, BlendFactor::Zero},                    // Copy
@@ -42,7 +42,7 @@ inline bool isKnown(CompositingOperation operation) {
     return number >= 0 && number < static_cast<int>(kBlendFactors.size());
 }
 
-/// @p operation has to be known.
+/// @p operation must be known.
 inline BlendFactors blendFactors(CompositingOperation operation) {
     return kBlendFactors[static_cast<std::size_t>(operation)];
 }

@@ -15,15 +15,15 @@ namespace platform::qt {
 /// application object. Thread-safe.
 class BusConnection : NonCopyable {
   public:
-    /// @p busAddress is empty for the session bus. @p purpose becomes part of the name that Qt has
+    /// @p busAddress is empty for the session bus. @p purpose becomes part of Qt's name
     /// for the connection.
     BusConnection(std::string busAddress, std::string purpose);
     ~BusConnection();
 
-    /// Returns the connection, and opens it if necessary, also after the bus has restarted. The
-    /// result is disconnected if that fails. Waits at most kTimeout for a bus that accepts the
-    /// connection but does not reply. Such a bus is not waited for again: the result is
-    /// disconnected until it replies.
+    /// Returns the connection, and opens it if necessary, for example after the bus has
+    /// restarted. If that fails, the result is disconnected. If the bus accepts the connection
+    /// but does not reply, blocks for kTimeout; later calls return a disconnected result without
+    /// blocking until it replies.
     QDBusConnection get();
 
   private:

@@ -18,7 +18,8 @@ class SignalReceiver;
 
 /// The distributed notification center over the session bus, with the signals of BusNames.h.
 /// Connects at the first post or observer, and receives only notifications with observed names.
-/// Handlers run in the thread of the application object. Observing needs one; posting does not.
+/// Handlers run in the thread of the application object, which is required for observing but
+/// not for posting.
 ///
 /// Failures are logged, and the notification is lost:
 ///   "notifications do not reach other programs: there is no session bus" (once),
@@ -38,8 +39,8 @@ class BusNotifications final : public DistributedNotificationCenter {
     void removeExpiredObservers() override;
     void post(const Notification& notification) override;
 
-    /// Waits until the bus has received everything posted here, for at most 1 s. To be called
-    /// before a program exits.
+    /// Waits for up to 1 s until the bus has received everything posted here. Call this before
+    /// the program exits.
     void flush();
 
   private:

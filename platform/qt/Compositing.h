@@ -12,7 +12,7 @@ namespace platform::qt {
 
 // The numbered compositing operations on premultiplied ARGB images. Geometry is in pixels, with y
 // down, and is clipped to the target. Results are computed in floating point, weighted by how much
-// of a pixel the shape covers, and rounded once. Pixels outside of the shape do not change. Unknown
+// of a pixel the shape covers, and rounded once. Pixels outside the shape do not change. Unknown
 // operations draw nothing.
 
 /// Whether QPainter's default composition mode computes @p operation.
@@ -23,7 +23,7 @@ void compositeRect(QImage& target, const QRectF& shape, const QColor& color,
                    CompositingOperation operation);
 
 /// Draws @p layer, whose top left pixel is at @p origin, inside the rectangle @p shape. The layer's
-/// opacity is multiplied by @p fraction. The layer has to contain the visible part of the shape.
+/// opacity is multiplied by @p fraction. The layer must contain the visible part of the shape.
 void compositeImage(QImage& target, const QRectF& shape, const QImage& layer, QPoint origin,
                     double fraction, CompositingOperation operation);
 

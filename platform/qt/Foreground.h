@@ -6,8 +6,8 @@ namespace platform::qt {
 
 /// Brings an application to the front. Calls org.freedesktop.Application.Activate on the session
 /// bus, with the identifier of the application's bundle as the bus name; both X11 and Wayland allow
-/// that. If it fails, requests the X11 window manager to activate the process's topmost window.
-/// Does not wait. Main thread.
+/// that. If the call is not possible or fails, requests that the X11 window manager activate the
+/// process's topmost window. Does not wait. Main thread.
 void bringApplicationToFront(ProcessSerialNumber process);
 
 } // namespace platform::qt

@@ -11,7 +11,7 @@ class QPainter;
 
 namespace platform::qt {
 
-/// Returns an area, in points, that contains everything drawGlyphs draws at the origin.
+/// Returns an area, in points, that contains everything that drawGlyphs draws at the origin.
 QRectF inkBounds(const QList<QGlyphRun>& glyphs);
 
 /// Draws glyphs at the painter's origin. Outlines are 1 point wide.

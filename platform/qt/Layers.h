@@ -11,8 +11,8 @@ inline QImage transparentLayer(QSize size) {
     return layer;
 }
 
-/// Returns an image that shares the pixels of @p image but has a device pixel ratio of 1: QPainter
-/// would scale by the ratio.
+/// Returns an image that shares the pixels of @p image but has a device pixel ratio of 1, because
+/// QPainter scales by the ratio.
 inline QImage unscaledView(QImage& image) {
     return QImage(image.bits(), image.width(), image.height(), image.bytesPerLine(),
                   image.format());

@@ -9,8 +9,8 @@
 
 namespace platform::qt {
 
-/// The widget of a panel's button. Applies changes of the button's settings immediately. The lower
-/// left corner of the parent widget has to be that of the content view. Main thread.
+/// The widget of a panel's button. Applies changes of the button's settings immediately. The parent
+/// widget's lower left corner must be that of the content view. Main thread.
 class PanelButton final : public QAbstractButton {
     Q_OBJECT
 
@@ -19,7 +19,7 @@ class PanelButton final : public QAbstractButton {
     PanelButton(std::shared_ptr<Button> button, std::string owner, QWidget* parent);
     ~PanelButton() override;
 
-    /// Applies the button's frame and texts. To be called when the parent's height changes.
+    /// Applies the button's frame and texts. Call this when the parent's height changes.
     void applySettings();
     QSize sizeHint() const override;
 

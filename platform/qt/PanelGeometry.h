@@ -18,8 +18,9 @@ QRect windowGeometry(const Rect& frame, int margin);
 /// Returns the frame for the window geometry @p window.
 Rect panelFrame(const QRect& window, int margin);
 
-/// Returns @p frame after dragging @p edges by @p distance. Its sides do not become smaller than 76
-/// and 40 points, or stay unchanged if they are already. Without edges, moves the frame.
+/// Returns @p frame after dragging @p edges by @p distance. Never makes the frame smaller than
+/// 76 x 40 points; a side that is already shorter does not shrink. If there are no edges,
+/// moves the frame.
 Rect draggedFrame(const Rect& frame, Qt::Edges edges, QPoint distance);
 
 /// Returns the frame at @p fraction (0 to 1) of an animation, with whole coordinates.

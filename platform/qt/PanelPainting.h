@@ -10,8 +10,8 @@ namespace platform::qt {
 
 // The parts of a panel. @p frame is the panel's frame in the window's coordinates.
 
-/// Draws a shadow of @p width around the frame. Nothing is drawn inside, where the translucent
-/// background would let it through.
+/// Draws a shadow of @p width around the frame. Nothing is drawn inside, where it would show
+/// through a translucent background.
 void paintPanelShadow(QPainter& painter, const QRect& frame, int width);
 
 /// Fills the frame with a colour. Tiles of a pattern start at the lower left corner; they are drawn

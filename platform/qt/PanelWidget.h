@@ -17,12 +17,11 @@ namespace platform::qt {
 class PanelButton;
 
 /// The window of a panel: frameless, floating, with the panel's background. If windows can be
-/// translucent it has a shadow; otherwise it is cut to the outline of the background.
+/// translucent, it has a shadow; otherwise it is masked to the outline of the background.
 ///
-/// The mouse drags it by its background, and resizes it by its edges and its resize indicator. The
-/// keyboard moves it (Control and an arrow key), resizes it (with Shift as well), moves the focus
-/// to its buttons (Tab) and closes it (Escape, Control-W). Return and Space count as a click on the
-/// background. Main thread.
+/// The mouse can drag it by its background and resize it by its edges and its resize indicator.
+/// Control and an arrow key move it, or with Shift resize it; Tab moves the focus to its buttons;
+/// Escape and Control-W close it. Return and Space count as a click on the background. Main thread.
 class PanelWidget final : public QWidget {
     Q_OBJECT
 
@@ -48,7 +47,7 @@ class PanelWidget final : public QWidget {
     void keyPressEvent(QKeyEvent* event) override;
 
   private:
-    /// A press of the mouse, and the drag that it becomes once the mouse moves.
+    /// A mouse press, which becomes a drag once the mouse has moved.
     struct Drag {
         Qt::Edges edges; ///< none for the background
         QPoint start;    ///< of the mouse, on the screen
@@ -64,7 +63,7 @@ class PanelWidget final : public QWidget {
     /// Sets the window's geometry and reports the frame to the panel.
     void adoptFrame(const Rect& frame);
     void animateTo(const Rect& frame);
-    /// Reports a frame that the window system gave the window.
+    /// Reports the frame to the panel after the window system has moved or resized the window.
     void followGeometry();
     void updateMask();
 
@@ -75,7 +74,7 @@ class PanelWidget final : public QWidget {
     void moveByKey(QPoint direction, bool resizes);
     void sendMouseUp(Qt::KeyboardModifiers modifiers);
 
-    /// Calls @p code with the panel, under the owner's identifier. Does nothing once detached.
+    /// Calls @p code with the panel, under the owner's identifier. Does nothing after detach().
     void callPanel(const std::function<void(Panel&)>& code);
 
     Panel* panel_;

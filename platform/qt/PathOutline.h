@@ -7,7 +7,7 @@
 
 namespace platform::qt {
 
-/// Converts a path to pixels. Arcs become lines.
+/// Converts a path to pixel coordinates. Arcs become polylines.
 QPainterPath pathOutline(const BezierPath& path, const Viewport& viewport);
 
 } // namespace platform::qt

@@ -17,8 +17,8 @@ namespace platform::qt {
 
 class QtGraphicsContext;
 
-/// Text and images by Qt. Fonts are not looked up before text first needs them. Has to outlive the
-/// contexts created with it. Main thread, with a QGuiApplication.
+/// Text and images drawn with Qt. Looks up fonts only when text is first measured or drawn. Must
+/// outlive the contexts created with it. Main thread. Requires a QGuiApplication.
 class QtGraphics final : public Graphics {
   public:
     /// @p defaultFont is for text that names no font; by default, the application's font.
@@ -28,15 +28,16 @@ class QtGraphics final : public Graphics {
     /// Returns the font for text that names none.
     QFont defaultFont() const;
 
-    /// Returns advance width and the largest ascent plus the largest descent: the box that drawText
-    /// uses, at every scale. During drawing, the default font is that of the current context.
-    /// Empty text is 0 x 0. Line ends and control characters count, and are drawn, as blanks.
+    /// Returns the advance width and the largest ascent plus the largest descent. This is the
+    /// box that drawText uses at every scale. While drawing, the default font is that of the
+    /// current context. Empty text is 0 x 0. Line ends and control characters are measured and
+    /// drawn as blanks.
     Size sizeOfText(const AttributedString& text) override;
     std::shared_ptr<Image> imageWithContentsOfFile(const std::string& path) override;
     std::shared_ptr<Image> imageNamed(std::string_view name) override;
-    /// Draws text without subpixel antialiasing: the background is not known yet. If the image is
-    /// too large it has no pixels; "cannot create an image of %@ x %@ points: it is too large"
-    /// is logged in that case.
+    /// Draws text without subpixel antialiasing, because the background is not known yet. An image
+    /// that is too large has no pixels, and "cannot create an image of %@ x %@ points: it is too
+    /// large" is logged.
     std::shared_ptr<Image> imageByDrawing(Size size, const Draw& draw) override;
 
     /// Sets the number of pixels per point in images that are drawn from now on; by default, that
@@ -54,15 +55,15 @@ class QtGraphics final : public Graphics {
     QtGraphicsContext* current_ = nullptr;
 };
 
-/// Directs drawing to an image for a scope. Scopes nest; the innermost one is current. Between
-/// drawing operations, the image can be read and copied. Main thread.
+/// Makes an image the target of drawing for the object's lifetime. Scopes nest; the innermost one
+/// is current. The image may be read and copied between drawing operations. Main thread.
 class ScopedContext : NonCopyable {
   public:
     /// The image's top left pixel is at the point (0, points.height()). @p scale is the number of
     /// pixels per point; the image's device pixel ratio is ignored and not changed. The image is
     /// converted to Format_ARGB32_Premultiplied. Drawing to a null image has no effect.
     /// @p defaultTextColor and @p defaultFont (by default, the font of @p graphics) are for text
-    /// that names none. @p graphics and @p target have to outlive the scope.
+    /// that names none. @p graphics and @p target must outlive the scope.
     ScopedContext(QtGraphics& graphics, QImage& target, QSizeF points, double scale,
                   QColor defaultTextColor = Qt::black, std::optional<QFont> defaultFont = {});
     ~ScopedContext();

@@ -15,7 +15,7 @@ namespace platform::qt {
 /// finite, or with an unknown operation, draw nothing. Main thread.
 class QtGraphicsContext final : public GraphicsContext {
   public:
-    /// @p lines and @p target have to outlive the context.
+    /// @p lines and @p target must outlive the context.
     QtGraphicsContext(TextLineCache& lines, QImage& target, const Viewport& viewport,
                       TextPainter::Defaults defaults);
     ~QtGraphicsContext() override;

@@ -4,9 +4,9 @@
 
 namespace platform::qt {
 
-/// Qt's event loop of the thread that creates the object. Handlers run under the identifier of the
-/// owner that registered them. Work queued after the loop has ended does not run; waiting for it
-/// blocks until the process exits.
+/// The Qt event loop of the thread that creates the object. Handlers run under the identifier of
+/// the owner that registered them. Work queued after the loop has ended does not run; waiting for
+/// it blocks until the process exits.
 class QtMainThread final : public MainThread {
   public:
     QtMainThread();

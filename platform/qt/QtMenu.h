@@ -17,19 +17,19 @@ class QtMenu final : public QMenu {
     Q_OBJECT
 
   public:
-    /// Called when the mouse is pressed or moved outside of the menu and its submenus. Returns
-    /// whether it handled the event.
+    /// Called when the mouse is pressed or moved outside the menu and its submenus. Returns whether
+    /// it handled the event.
     using MouseHandler = std::function<bool(const QMouseEvent& event)>;
 
-    /// Holds the items, but not @p menu. A submenu that already contains its item, as itself or
-    /// through other submenus, is shown as a disabled item.
+    /// Shares ownership of the items, but does not keep @p menu alive. An item whose submenu is the
+    /// menu that contains it, or a parent of that menu, is shown disabled and without a submenu.
     QtMenu(const Menu& menu, std::string owner, QWidget* parent = nullptr);
     ~QtMenu() override;
 
     void setOutsideMouseHandler(MouseHandler handler);
 
   signals:
-    /// Emitted when an arrow key leaves the menu: to the left with -1, to the right with 1.
+    /// Emitted when an arrow key would leave the menu: with -1 to the left, with 1 to the right.
     void neighbourRequested(int direction);
 
   protected:

@@ -8,7 +8,7 @@
 
 namespace platform::qt {
 
-/// Receives D-Bus signals in the thread that the object lives in.
+/// Receives D-Bus signals in the thread that the object belongs to.
 class SignalReceiver final : public QObject {
     Q_OBJECT
 

@@ -10,23 +10,23 @@ namespace platform::qt {
 
 /// Composites one colour onto rows of pixels that it covers completely, in fixed-point arithmetic.
 ///
-/// For a constant source, each component of the result is the component times a constant plus a
-/// linear function of the pixel's alpha. A result differs from the correctly rounded one by at most
-/// 1, and only if the exact value is within 1/50 of the midpoint between two integers.
+/// For a constant source, each component of the result is the old component times a constant, plus
+/// a linear function of the pixel's alpha. A result differs from the correctly rounded one by at
+/// most 1, and only if the exact value is within 1/50 of the midpoint between two integers.
 class SolidFill {
   public:
     /// PlusDarker and PlusLighter are not supported: they clamp sums.
     static bool supports(CompositingOperation operation);
 
-    /// @p source has components of 0 to 1; @p operation has to be known and supported.
+    /// @p source has components of 0 to 1; @p operation must be known and supported.
     SolidFill(const Pixel& source, CompositingOperation operation);
 
     void fill(QRgb* pixels, int count) const;
 
   private:
     QRgb filled(QRgb pixel) const;
-    /// Fills groups of four pixels if the processor has the instructions. Returns their number of
-    /// pixels in total.
+    /// Fills pixels in groups of four if the processor has the instructions. Returns the number
+    /// of pixels filled.
     int fillFours(QRgb* pixels, int count) const;
 
     // Indexed by component in the order of a packed pixel: blue, green, red, alpha.

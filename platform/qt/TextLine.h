@@ -26,7 +26,7 @@ class TextLine {
     TextLine(const AttributedString& text, Fonts& fonts, const QFont& defaultFont,
              FontSmoothing smoothing);
 
-    /// Returns advance width and ascent plus descent, or 0 x 0 for empty text.
+    /// Returns the advance width and the ascent plus descent, or 0 x 0 for empty text.
     Size size() const;
     std::vector<Part> parts() const;
     /// Fills all glyphs with the line's top left corner at the painter's origin, in the colours of

@@ -9,8 +9,8 @@
 
 namespace platform::qt {
 
-/// Lays out text and caches the last few lines: most text is drawn right after it was measured, and
-/// most of the time goes into shaping. Main thread.
+/// Lays out text and caches the last few lines: most text is drawn right after it has been
+/// measured, and shaping takes most of the time. Main thread.
 class TextLineCache {
   public:
     std::shared_ptr<const TextLine> line(const AttributedString& text, const QFont& defaultFont,

@@ -16,8 +16,8 @@ namespace platform::qt {
 
 /// Draws one-line text and its shadows into a premultiplied ARGB image. Main thread.
 ///
-/// All shadows are below all of the text. Subpixel antialiasing is used only for text that is drawn
-/// over existing pixels: not with shadows, and only with operations that are source-over.
+/// Draws all shadows below all of the text. Uses subpixel antialiasing only for text that is drawn
+/// over existing pixels: not with shadows, and only with source-over operations.
 class TextPainter {
   public:
     /// The settings of a graphics context.
@@ -33,7 +33,7 @@ class TextPainter {
         QFont font;
     };
 
-    /// The arguments have to outlive the painter.
+    /// The arguments must outlive the painter.
     TextPainter(TextLineCache& lines, QImage& target, const Viewport& viewport,
                 const Defaults& defaults, const Settings& settings);
 

@@ -8,10 +8,10 @@
 
 namespace platform::qt {
 
-/// A client of the X11 window manager, by the conventions of EWMH. Main thread.
+/// A client of the X11 window manager, using the EWMH conventions. Main thread.
 class X11WindowManager {
   public:
-    /// @p connection has to outlive the object.
+    /// @p connection must outlive the object.
     explicit X11WindowManager(xcb_connection_t* connection);
 
     /// Returns the topmost window of a process, or XCB_WINDOW_NONE if it has none.
