@@ -108,10 +108,11 @@ ExitStatus request(const std::string& name) {
 void addBackgroundVerbs(CLI::App& commands, Task& task) {
     const auto text = std::make_shared<std::string>();
     CLI::App& prefs = addVerbGroup(commands, "prefs", "Open the preference pane");
-    addVerb(prefs, task, "path", "Print the path of the pane that is opened",
+    addVerb(prefs, task, "path", "Print the path of the pane that \"prefs open\" opens",
             [] { return printPath(Tools::HalvexPrefsPath()); });
     addVerb(prefs, task, "open", "Open the pane", openPane);
-    addVerb(prefs, task, "select", "Select a pane", [text] { return selectPane(*text); })
+    addVerb(prefs, task, "select", "Select a pane in halvex-preferences",
+            [text] { return selectPane(*text); })
         .add_option("IDENTIFIER", *text, "The pane's bundle identifier")
         ->required();
 
@@ -119,9 +120,10 @@ void addBackgroundVerbs(CLI::App& commands, Task& task) {
         addVerbGroup(commands, "background", "Control the background application");
     addVerb(background, task, "path", "Print the path of the application",
             [] { return printPath(Tools::getHalvexBGApplicationPath()); });
-    addVerb(background, task, "find", "Print its serial number and process identifier",
-            findApplication);
-    addVerb(background, task, "request", "Start it if necessary and post a notification",
+    addVerb(background, task, "find",
+            "Print the application's serial number and process identifier", findApplication);
+    addVerb(background, task, "request",
+            "Start the application if necessary and post a notification",
             [text] { return request(*text); })
         .add_option("NAME", *text, "The notification, e.g. HalvexShowCalculatorNotification")
         ->required();

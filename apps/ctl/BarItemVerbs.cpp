@@ -58,7 +58,7 @@ ExitStatus add(const AddOptions& options) {
     const auto isLoaded = [&] { return referenceOf(bar, *identifier).value_or(0) != 0; };
     return status == 0 && waitUntil(isLoaded)
                ? ExitStatus::Success
-               : fail(path + ": the menu bar did not load the bundle; see its log");
+               : fail(path + ": the menu bar did not load the bundle; see the bar's log");
 }
 
 ExitStatus remove(const std::string& identifier) {
@@ -114,7 +114,7 @@ void addClickVerb(CLI::App& menubar, Task& task) {
     verb.add_option("--modifiers", options->modifiers, "shift, control, option")
         ->delimiter(',')
         ->check(CLI::IsMember(&modifierMasks()));
-    verb.add_option("--button", options->button, "0 left, 1 right, 2 middle, 3 the next")
+    verb.add_option("--button", options->button, "0 left, 1 right, 2 middle, 3 back, 4 forward")
         ->check(CLI::Range(0, 31));
     verb.add_option("--count", options->count, "2 for a double-click")->check(CLI::Range(1, 1000));
 }
@@ -126,7 +126,8 @@ void addBarItemVerbs(CLI::App& menubar, Task& task) {
     CLI::App& loading =
         addVerb(menubar, task, "add", "Load a menu extra", [addition] { return add(*addition); });
     loading.add_option("BUNDLE", addition->bundle, "The bundle; default: the bar's own clock");
-    loading.add_option("--position", addition->position, "0 is the rightmost position");
+    loading.add_option("--position", addition->position,
+                       "0 is the rightmost position; default: 999");
 
     const auto identifier = std::make_shared<std::string>();
     addVerb(menubar, task, "remove", "Unload a menu extra",

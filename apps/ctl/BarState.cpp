@@ -21,7 +21,7 @@ BarState::BarState()
         return;
     const auto items = bar.listMenuExtras();
     if (!items) {
-        platform::logLine("the loaded menu extras cannot be listed: %@", items.reason);
+        platform::logLine("cannot list the loaded menu extras: %@", items.reason);
         return;
     }
     for (const platform::qt::BarItem& item : *items.value)

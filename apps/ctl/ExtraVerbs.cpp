@@ -38,7 +38,7 @@ const MenuExtraKind* findKind(const std::string& text) {
             text == kind.identifier)
             return &kind;
     }
-    printError(text + ": there is no such menu extra; \"halvexctl extras\" lists them");
+    printError(text + ": unknown menu extra; \"halvexctl extras\" lists them");
     return nullptr;
 }
 
@@ -147,7 +147,7 @@ ExitStatus preflight(const std::string& path) {
     const auto bundle = Bundle::bundleWithPath(absolutePath(path));
     const auto executable = bundle ? bundle->executablePath() : std::nullopt;
     if (!executable)
-        return fail(path + ": there is no bundle with code");
+        return fail(path + ": not a bundle with code");
     std::string reason;
     return platform::dynamicLoader().preflight(*executable, reason) ? ExitStatus::Success
                                                                     : fail(path + ": " + reason);
@@ -163,12 +163,15 @@ std::function<ExitStatus()> alwaysSucceeding(void (*operation)()) {
 void addGenerationVerbs(CLI::App& commands, Task& task) {
     CLI::App& second =
         addVerbGroup(commands, "v2", "Manage the menu extras of the second generation");
-    addVerb(second, task, "running", "Print whether any of them is loaded",
+    addVerb(second, task, "running",
+            "Print whether a menu extra of the second generation is loaded",
             [] { return printYesOrNo(Tools::isHalvexV2Running()); });
-    addVerb(second, task, "remove", "Unload them", alwaysSucceeding(Tools::HalvexV2Remove));
+    addVerb(second, task, "remove", "Unload the menu extras of the second generation",
+            alwaysSucceeding(Tools::HalvexV2Remove));
     CLI::App& current =
         addVerbGroup(commands, "pro", "Manage the menu extras of the current generation");
-    addVerb(current, task, "remove", "Unload them", alwaysSucceeding(Tools::HalvexProRemove));
+    addVerb(current, task, "remove", "Unload the menu extras of the current generation",
+            alwaysSucceeding(Tools::HalvexProRemove));
 }
 
 } // namespace
@@ -196,7 +199,8 @@ void addExtraVerbs(CLI::App& commands, Task& task) {
     CLI::App& toggling =
         addVerb(commands, task, "toggle", "Install and load a menu extra, or unload and remove it",
                 [options] { return toggle(options->name, options->state); });
-    toggling.add_option("NAME", options->name, "Its tag, name or identifier")->required();
+    toggling.add_option("NAME", options->name, "The menu extra's tag, name or identifier")
+        ->required();
     toggling.add_option("STATE", options->state, "on or off")
         ->required()
         ->check(CLI::IsMember({"on", "off"}));
@@ -205,11 +209,11 @@ void addExtraVerbs(CLI::App& commands, Task& task) {
              "The bundle")
         ->required();
     addNamed("remove", "Remove an installed copy", remove, "NAME",
-             "Its file name, with or without .menu")
+             "The menu extra's file name, with or without .menu")
         ->required();
     addNamed("upgrade",
              "Install shipped menu extras that differ in version from the installed ones", upgrade,
-             "NAME", "One menu extra's tag, name or identifier");
+             "NAME", "The menu extra's tag, name or identifier; default: 1, 2 and 5");
     addNamed("preflight", "Check whether a menu extra's code can be loaded", preflight, "PATH",
              "The bundle")
         ->required();

@@ -102,9 +102,9 @@ void addLocationVerbs(CLI::App& commands, Task& task) {
     merging.add_option("LIST", options->list, "The list")->required();
     merging.add_option("CACHE", options->cache, "The subscribed locations; default: the user's");
 
-    CLI::App& splitting =
-        addVerb(locations, task, "split", "Split a list into own and subscribed locations",
-                [options] { return split(*options); });
+    CLI::App& splitting = addVerb(locations, task, "split",
+                                  "Split a list into the user's own and subscribed locations",
+                                  [options] { return split(*options); });
     splitting.add_option("LIST", options->list, "The list")->required();
     splitting.add_option("USER", options->user, "Write the user's own locations here")->required();
     splitting.add_option("NET", options->net, "Write the subscribed locations here")->required();

@@ -28,7 +28,8 @@ void addWarningVerbs(CLI::App& commands, Task& task) {
 
     CLI::App* warnings = commands.add_subcommand("warnings", "Print a list of timed warnings");
     warnings->add_option("NAME", options->name, "The list, e.g. WarningTitles or WarnMeTimes");
-    warnings->add_option("--default", options->defaultFile, "The list to use if there is no other");
+    warnings->add_option("--default", options->defaultFile,
+                         "The list to print if NAME is not found");
     addJsonFlag(*warnings, options->json);
 
     CLI::App& hasCustom = addVerb(

@@ -21,7 +21,8 @@ ExitStatus run(int argc, char** argv) {
     CLI::App commandLine("Inspect and change HalvexTools' folders, data files and menu bar.",
                          "halvexctl");
     commandLine.set_version_flag("--version", HALVEX_VERSION);
-    commandLine.add_option("--root", root, "Use the Library in this folder instead of /Library")
+    commandLine
+        .add_option("--root", root, "Use the folder Library in this folder instead of /Library")
         ->check(CLI::ExistingDirectory);
     commandLine.require_subcommand(0, 1);
     for (const auto& addVerbs :

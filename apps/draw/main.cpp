@@ -76,7 +76,7 @@ ExitStatus perform(const Task& task, int argc, char** argv) {
 
 ExitStatus run(int argc, char** argv) {
     Task task;
-    CLI::App commandLine("Draw for halvexctl.", "halvexctl");
+    CLI::App commandLine("Draw panels and images for halvexctl.", "halvexctl");
     commandLine.require_subcommand(1);
     addHudVerb(commandLine, task);
     addTintVerb(commandLine, task);

@@ -19,12 +19,12 @@ namespace {
 
 constexpr CommandLine kCommandLine{
     R"(Usage: Halvex [--appearance desktop|light|dark]
-Run in the background and show the calculator when a menu extra requests it. One process runs per
-session: a second start brings the first one's window to the front.
+Run in the background and show the calculator when a menu extra requests it. If Halvex is already
+running in this session, bring its window to the front instead.
 
-  --appearance    Use the desktop's colours (the default), light or dark ones.
-  --help          Show this help.
-  --version       Show the version.
+  --appearance    Use the desktop's colours (the default), or light or dark ones.
+  --help          Print this help.
+  --version       Print the version.
 )"};
 constexpr const char* kBusName = "com.quorvanesoftware.Halvex";
 constexpr const char* kName = "Halvex";

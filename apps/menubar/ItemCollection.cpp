@@ -57,7 +57,7 @@ bool ItemCollection::remove(MenuExtraReference reference) {
     const auto found = std::find_if(items_.begin(), items_.end(),
                                     [&](const Item& item) { return item.reference == reference; });
     if (found == items_.end()) {
-        logLine("cannot remove a menu extra: none has the reference %d", reference);
+        logLine("cannot remove menu extra: unknown reference %d", reference);
         return false;
     }
     emit aboutToRemove(*found);

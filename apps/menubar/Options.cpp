@@ -20,9 +20,9 @@ Show menu extras in a bar along the top of the screen.
   --admit         Choose which menu extras other programs may load:
                     user    the bar's own and those in the user's "Menu Extras" folder
                             (the default)
-                    system  only the bar's own; as user once MenuCracker is loaded
+                    system  only the bar's own; once MenuCracker is loaded, as user
                     all     any
-  --help          Print this text.
+  --help          Print this help.
   --version       Print the version.
 )";
 

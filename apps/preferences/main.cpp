@@ -21,14 +21,14 @@ namespace {
 constexpr CommandLine kCommandLine{
     .help = R"(Usage: halvex-preferences [--appearance desktop|light|dark] [PANE.prefPane]
        halvex-preferences [--appearance desktop|light|dark] --select IDENTIFIER
-Show a preference pane, by default the one of Halvex Pro. One window is open per session: a second
-start shows its pane there.
+Show a preference pane, by default that of Halvex Pro. If a window is already open in this session,
+show the pane there.
 
   PANE.prefPane   Show the pane in this folder.
   --select        Show the installed pane with this bundle identifier.
-  --appearance    Use the desktop's colours (the default), light or dark ones.
-  --help          Show this help.
-  --version       Show the version.
+  --appearance    Use the desktop's colours (the default), or light or dark ones.
+  --help          Print this help.
+  --version       Print the version.
 )",
     .maxArguments = 1,
     .hasSelect = true};

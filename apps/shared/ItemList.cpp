@@ -59,7 +59,7 @@ bool ItemList::read() {
     const auto* items = list ? array(*list.value, kItems) : nullptr;
     if (!items) {
         logLine("cannot read the menu bar's items from %@: %@", file_,
-                list ? "there is no array of Items" : list.error.text());
+                list ? "it has no array Items" : list.error.text());
         moveUnreadableFile();
         return false;
     }

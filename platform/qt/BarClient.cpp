@@ -17,7 +17,7 @@
 namespace platform::qt {
 namespace {
 
-constexpr const char* kHanging = "the menu bar hangs: it did not answer in time";
+constexpr const char* kHanging = "the menu bar does not reply: a call timed out";
 
 } // namespace
 
@@ -45,8 +45,7 @@ BarClient::Reply BarClient::call(const char* member, const QVariantList& argumen
         return {std::nullopt, kHanging};
     }
     if (reply.type() != QDBusMessage::ReplyMessage)
-        return {std::nullopt,
-                "the menu bar does not answer: " + reply.errorMessage().toStdString()};
+        return {std::nullopt, "cannot call the menu bar: " + reply.errorMessage().toStdString()};
     if (reply.signature() != signature)
         return {std::nullopt, std::string("the menu bar returned \"") +
                                   reply.signature().toStdString() + "\" from " + member +

@@ -15,7 +15,7 @@ void detachThread(std::function<void()> work) {
             runGuarded(owner, work);
         }).detach();
     } catch (const std::system_error& error) {
-        logLine("starting a thread failed: %@", error.what());
+        logLine("cannot start a thread: %@", error.what());
     }
 }
 

@@ -64,7 +64,7 @@ TEST(ExtraVerbs, RejectInvalidArgumentsAndChangeNothing) {
     const Shell shell;
     shell.write("file.menu", "no folder");
     shell.write("home/Library/Application Support/Quorvane Software/kept.menu/x", "");
-    const std::string unknown = ": there is no such menu extra; ";
+    const std::string unknown = ": unknown menu extra; ";
     shell.run(
         {{"halvexctl toggle 7 on", "", 1, "halvexctl: 7" + unknown},
          {"halvexctl toggle Nothing off", "", 1, "halvexctl: Nothing" + unknown},
@@ -74,7 +74,7 @@ TEST(ExtraVerbs, RejectInvalidArgumentsAndChangeNothing) {
          {"halvexctl remove ../kept.menu", "", 1, "../kept.menu: this is not the name"},
          {"halvexctl remove \"$user/kept.menu\"", "", 1, "kept.menu: this is not the name"},
          {"halvexctl upgrade 7", "", 1, "halvexctl: 7" + unknown},
-         {"halvexctl preflight file.menu", "", 1, "there is no bundle with code"},
+         {"halvexctl preflight file.menu", "", 1, "not a bundle with code"},
          {"ls \"$user/kept.menu\"", "x\n"}});
 }
 

@@ -58,7 +58,7 @@ TEST(BarClient, FailsImmediatelyWithoutABusOrABarAndLogsTheReasonOnce) {
     const PrivateBus bus;
     const std::pair<std::string, const char*> cases[] = {
         {"unix:path=/no/such/bus", "there is no session bus"},
-        {bus.addressText(), "the menu bar does not answer: "},
+        {bus.addressText(), "cannot call the menu bar: "},
     };
     for (const auto& [address, reason] : cases) {
         test::RecordingLog log;

@@ -117,9 +117,9 @@ TEST(StoredItems, ThatAreUnreadableAreReplacedByTheBarsOwnClock) {
     BarProcess bar;
     const std::pair<std::string, std::string> cases[] = {
         {"\x01garbage", "line 1"},
-        {"<plist><array/></plist>", "there is no array of Items"},
+        {"<plist><array/></plist>", "it has no array Items"},
         {"<plist><dict><key>Items</key><string>Clock</string></dict></plist>",
-         "there is no array of Items"},
+         "it has no array Items"},
         {std::string(300, 'x') + '\0', ""},
         {"<plist><dict><key>Items</key><array><string>x</string>"
          "<dict><key>Identifier</key><string>y</string></dict>"

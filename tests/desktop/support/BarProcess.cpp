@@ -70,7 +70,7 @@ BarProcess::BarProcess(std::shared_ptr<PrivateBus> bus, const QStringList& argum
 void BarProcess::start(const QStringList& arguments) {
     launch(arguments);
     if (!eventually([this] { return !call("ListMenuExtras").isEmpty(); }))
-        throw std::runtime_error("the bar does not answer: " + log());
+        throw std::runtime_error("the bar does not reply: " + log());
 }
 
 BarProcess::~BarProcess() {
