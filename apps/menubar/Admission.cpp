@@ -41,7 +41,7 @@ bool isCrackerInPane(const std::string& resolvedPath) {
 Admission::Admission(Admit mode, std::string ownItemsFolder)
     : mode_(mode), ownItemsFolder_(std::move(ownItemsFolder)) {}
 
-std::string Admission::reasonAgainst(const std::string& path, Cracker cracker) const {
+std::string Admission::refusalReason(const std::string& path, Cracker cracker) const {
     const std::string resolved = fileManager().resolvingSymbolicLinks(path);
     if (mode_ == Admit::All || isIn(resolved, ownItemsFolder_) || isCrackerInPane(resolved))
         return {};

@@ -24,7 +24,7 @@ class Admission {
     /// Returns why the bundle at @p path is declined, human-readable, or an empty string if it is
     /// admitted. Symbolic links are resolved first. MenuCracker is always admitted from a
     /// preference pane's PlugIns folder.
-    std::string reasonAgainst(const std::string& path, Cracker cracker) const;
+    std::string refusalReason(const std::string& path, Cracker cracker) const;
 
   private:
     Admit mode_;

@@ -161,7 +161,7 @@ std::int32_t ItemRegistry::addMenuExtra(const std::string& url, std::int32_t pos
 bool ItemRegistry::admits(const std::string& path) const {
     const auto cracker = items_.find(menuextras::kMenuCrackerID) ? Admission::Cracker::Loaded
                                                                  : Admission::Cracker::NotLoaded;
-    const std::string reason = admission_.reasonAgainst(path, cracker);
+    const std::string reason = admission_.refusalReason(path, cracker);
     if (!reason.empty())
         logLine("menu extra at %@ declined: %@", path, reason);
     return reason.empty();

@@ -40,7 +40,7 @@ bool parse(std::string_view name, Admit& admit) {
 }
 
 bool parse(std::string_view name, Appearance& appearance) {
-    const auto named = appearanceOfName(name);
+    const auto named = parseAppearance(name);
     appearance = named.value_or(appearance);
     return named.has_value();
 }

@@ -29,7 +29,7 @@ QPalette darkPalette() {
 
 } // namespace
 
-std::optional<Appearance> appearanceOfName(std::string_view name) {
+std::optional<Appearance> parseAppearance(std::string_view name) {
     if (name == "desktop")
         return Appearance::Desktop;
     if (name == "light")

@@ -9,7 +9,7 @@ namespace apps {
 enum class Appearance { Desktop, Light, Dark };
 
 /// Parses "desktop", "light" or "dark". Returns std::nullopt for any other name.
-std::optional<Appearance> appearanceOfName(std::string_view name);
+std::optional<Appearance> parseAppearance(std::string_view name);
 
 /// Sets the application's palette. Needs a QApplication.
 void applyAppearance(Appearance appearance);

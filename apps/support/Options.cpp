@@ -10,7 +10,7 @@ namespace {
 constexpr int kWrongUsage = 2;
 
 bool readAppearance(const char* program, const char* name, Appearance& appearance) {
-    const auto parsed = appearanceOfName(name);
+    const auto parsed = parseAppearance(name);
     if (!parsed)
         std::fprintf(stderr, "%s: unknown appearance '%s'\n", program, name);
     appearance = parsed.value_or(appearance);

@@ -1,4 +1,4 @@
-// The smallest Qt Widgets bar with a clock: what the toolkit alone costs.
+// The smallest Qt Widgets bar with a clock. It shows the cost of the toolkit alone.
 //
 //     bare-qt [FORMAT]
 //
@@ -22,7 +22,7 @@ class ClockBar : public QWidget {
         setWindowFlags(Qt::FramelessWindowHint | Qt::WindowDoesNotAcceptFocus);
         const QRect screen = QApplication::primaryScreen()->geometry();
         setGeometry(screen.x(), screen.y(), screen.width(), kBarHeight);
-        winId(); // The window type is only taken by a window that exists.
+        winId(); // creates the window, without which the type below is ignored
         setAttribute(Qt::WA_X11NetWmWindowTypeDock);
         timer_.setTimerType(Qt::PreciseTimer);
         timer_.setSingleShot(true);

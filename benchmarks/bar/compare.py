@@ -16,7 +16,7 @@ import processes
 
 STEPS = ("mapped", "first pixel", "clock drawn")
 LEAST_PAIRS = 21
-# Seconds that the bar runs before it is stopped, to divide the difference by the ticks in between.
+# The bar is run for each of these times (seconds). The counts differ by those of LONG - SHORT ticks.
 SHORT, LONG = 6, 26
 
 
@@ -25,7 +25,7 @@ def _bar(build: Path, programs: Path, with_seconds: bool) -> bars.Bar:
 
 
 def _median_interval(values: list[float]) -> tuple[float, float]:
-    """The order statistics that contain the median with at least 95 %, by the sign test."""
+    """Returns the 95 % confidence interval of the median, by the sign test."""
     ordered = sorted(values)
     outside = 0.0
     rank = 0
@@ -92,7 +92,7 @@ def _system_calls(desktop, env, bar: bars.Bar, seconds: float) -> int:
 
 
 def counts(desktop, this: Path, other: Path) -> None:
-    """Prints instructions and system calls of a start and stop, and of one tick."""
+    """Prints the instructions and system calls of a start and stop, and of one tick."""
     programs = desktop.homes.parent
     for name, count, delay in (("instructions", _instructions, 4), ("system calls", _system_calls, 0)):
         starts, ticks = [], []

@@ -24,13 +24,13 @@ START_LIMIT_MS = 10_000
 WARM_UP_SECONDS = 10
 FULL_ROUNDS = 20
 FULL_SECONDS = 60
-# Away from the minute's tick: earlier than this before it, later than this after it (seconds).
+# The part of a period around the change of the minute that belongs to the tick (seconds).
 TICK_BEFORE = 0.5
 TICK_AFTER = 1.5
 
 
 class NotMeasured(Exception):
-    """What could not be measured, and why."""
+    """Raised with the reason if something cannot be measured."""
 
 
 def note(text: str) -> None:
@@ -42,7 +42,7 @@ class Desktop:
 
     def __init__(self, programs: Path, stack: ExitStack):
         self.folder = Path(stack.enter_context(tempfile.TemporaryDirectory(prefix="bar-")))
-        # Not below /tmp: a bar that watches the parent folders of its settings would wake up whenever
+        # Not in /tmp: a bar that watches the parent folders of its settings would wake up whenever
         # another program creates or deletes a file there.
         self.homes = Path(stack.enter_context(
             tempfile.TemporaryDirectory(prefix="homes-", dir=programs)))
@@ -148,7 +148,7 @@ def start_once(desktop: Desktop, env: dict[str, str], bar: bars.Bar) -> list[int
 
 @contextmanager
 def running(desktop: Desktop, env: dict[str, str], bar: bars.Bar):
-    """Runs a bar, warms it up and yields its processes; fails if they change meanwhile."""
+    """Runs a bar and, after the warm-up, yields its processes. Raises if these change in between."""
     leader = desktop.spawn(bar.command, env)
     try:
         time.sleep(WARM_UP_SECONDS)
@@ -168,7 +168,7 @@ def sleep_until(wall: float) -> None:
 
 def measure_with_seconds(desktop: Desktop, env: dict[str, str], bar: bars.Bar,
                          result: report.Result, seconds: int) -> None:
-    """Memory after the warm-up, then CPU time, wake-ups and the delay of each tick."""
+    """Measures memory after the warm-up, then CPU time, wake-ups and the delay of each tick."""
     with running(desktop, env, bar) as pids:
         result.memory = processes.memory(pids)
         strangers = processes.strangers_sharing_toolkits()
@@ -322,7 +322,7 @@ def main() -> int:
         return 1
     print(report.render(results, caption(options), options.markdown))
     if problems:
-        note(f"{problems} thing(s) could not be measured, see above.")
+        note(f"{problems} measurement(s) failed, see above.")
     return 1 if problems else 0
 
 

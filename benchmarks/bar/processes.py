@@ -74,19 +74,20 @@ def _reap(leader: int) -> None:
 
 @dataclass(frozen=True)
 class Memory:
-    """KiB over all processes."""
+    """The sum over all processes, in KiB."""
 
     pss: int
     rss: int
     private_dirty: int
 
 
-# PSS divides a page among all who map it, so another user of these makes a bar look small.
+# PSS divides a page among all processes that map it, so another process that maps these libraries
+# lowers the PSS of a bar.
 SHARED_TOOLKITS = ("/libQt6Gui.so", "/libgtk-3.so", "/libcairo.so")
 
 
 def strangers_sharing_toolkits() -> list[str]:
-    """Names of the processes outside this one's family that map a toolkit's library."""
+    """Returns the names of the processes outside this one's family that map a toolkit's library."""
     ours = set(family(os.getpid()))
     names = []
     for pid in _parents_and_sessions().keys() - ours:
@@ -137,7 +138,7 @@ class Usage:
 
 
 def usage(pids: list[int]) -> Usage:
-    """Nanoseconds from the processes' CPU clocks, which keep the time of ended threads too."""
+    """Returns CPU time, which includes that of exited threads, and wake-ups since the start."""
     cpu: Counter[int] = Counter()
     wakeups: Counter[tuple[int, int, str]] = Counter()
     for pid in pids:
@@ -152,5 +153,5 @@ def usage(pids: list[int]) -> Usage:
 
 
 def _cpu_clock(pid: int) -> int:
-    """What clock_getcpuclockid() gives: all threads of `pid`, in scheduler time."""
+    """Returns the clock of clock_getcpuclockid(): the CPU time of all threads of `pid`."""
     return (~pid << 3) | 2

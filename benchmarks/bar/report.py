@@ -68,7 +68,7 @@ COLUMNS = {
 class Target:
     title: str
     value: object
-    # At most this, times the yardstick's value when `relative`.
+    # The highest value that meets the target; a multiple of the yardstick's value if `relative`.
     limit: float
     relative: bool = True
 

@@ -1,25 +1,25 @@
 // Watches the top rows of the X screen and prints when they change.
 //
 //     screen-watch prepare
-//         Paints the screen in a colour that no bar uses, and announces one desktop, for which
-//         some bars wait as if for a window manager.
+//         Paints the screen in a colour that no bar uses, and sets the number of desktops to one,
+//         as a window manager would, because some bars wait for this.
 //
 //     screen-watch start LIMIT-MS COMMAND [ARGUMENT...]
-//         Starts COMMAND and prints the microseconds from just before its exec until its bar is
-//         mapped, until any pixel of the top rows is painted, and until text is drawn there. Then
-//         stops COMMAND and waits until the rows are empty again.
+//         Starts COMMAND and prints three times in microseconds from just before its exec: until
+//         its bar is mapped, until any pixel of the top rows is painted, and until text is drawn
+//         there. Then stops COMMAND and waits until the rows are empty again.
 //
 //     screen-watch change LIMIT-MS COMMAND [ARGUMENT...]
-//         Runs COMMAND to its end and prints the microseconds from just before its exec until the
-//         rows first changed.
+//         Runs COMMAND until it exits and prints the microseconds from just before its exec until
+//         the first change of the rows.
 //
 //     screen-watch ticks SECONDS
 //         Prints, for each second of the wall clock in which the rows changed, the microseconds
 //         from the second's beginning to the first change.
 //
-// It sleeps until the X server reports drawing, so it hardly disturbs what it measures. COMMAND's
-// output goes to standard error. If the expected change does not happen, exits with 1 and a line on
-// standard error.
+// The program sleeps until the X server reports drawing, so it hardly affects what it measures.
+// COMMAND's output goes to standard error. If the expected change does not happen, the program
+// prints an error and exits with 1.
 
 #include <poll.h>
 #include <sys/mman.h>
@@ -53,14 +53,14 @@ namespace {
 using namespace std::chrono_literals;
 using std::chrono::microseconds;
 
-/// A colour that no bar paints: a pixel of it was left alone.
+/// A colour that no bar paints. Pixels of this colour have not been painted.
 constexpr uint32_t kBareColour = 0x5a2d7c;
 /// The top rows that are watched, enough for the tallest bar.
 constexpr uint16_t kRows = 32;
 /// A window narrower than this (pixels) is a helper window, not a bar.
 constexpr uint16_t kBarWidth = 400;
-/// Changes of colour along the rows that make text. A border, a gradient from top to bottom or the
-/// ends of a bar give fewer, "00:00" gives more.
+/// The number of changes of colour along the rows from which on they contain text. A border, a
+/// vertical gradient or the ends of a bar have fewer changes, "00:00" has more.
 constexpr int kTextEdges = 40;
 
 template <class T>
@@ -83,8 +83,8 @@ microseconds monotonic() {
 
 using Pixels = std::vector<uint32_t>;
 
-/// The X screen: its top rows and the events that tell of a change there. Throws when the server
-/// cannot be reached or lacks what is needed.
+/// The top rows of the X screen and the events that report changes there. Throws std::runtime_error
+/// if the server cannot be reached or lacks a feature.
 class Screen {
   public:
     struct Change {
@@ -112,22 +112,22 @@ class Screen {
             xcb_intern_atom(connection_.get(), 0, static_cast<uint16_t>(name.size()), name.data()),
             nullptr));
         if (!atom)
-            throw std::runtime_error("the X display went away");
+            throw std::runtime_error("the X server closed the connection");
         xcb_change_property(connection_.get(), XCB_PROP_MODE_REPLACE, screen_->root, atom->atom,
                             XCB_ATOM_CARDINAL, 32, 1, &count);
-        topRows(); // All of it has been done when the rows have come back.
+        topRows(); // waits until the server has processed the requests
     }
 
     uint16_t width() const { return screen_->width_in_pixels; }
 
-    /// Waits for the next event until `deadline` (monotonic); nothing when it passes first.
+    /// Waits for the next event. Returns std::nullopt if `deadline` (monotonic) passes first.
     std::optional<Change> wait(microseconds deadline) {
         while (true) {
             Reply<xcb_generic_event_t> event(xcb_poll_for_event(connection_.get()));
             if (event)
                 return changeOf(*event);
             if (xcb_connection_has_error(connection_.get()) != 0)
-                throw std::runtime_error("the X display went away");
+                throw std::runtime_error("the X server closed the connection");
             const auto left = deadline - monotonic();
             if (left <= 0us)
                 return std::nullopt;
@@ -136,7 +136,7 @@ class Screen {
         }
     }
 
-    /// The watched rows as 0xRRGGBB. What is drawn after this call is reported by a later event.
+    /// Returns the watched rows as 0xRRGGBB. Drawing after this call causes another event.
     Pixels topRows() {
         xcb_damage_subtract(connection_.get(), damage_, XCB_NONE, XCB_NONE);
         Reply<xcb_get_image_reply_t> reply(
@@ -209,7 +209,7 @@ bool showsText(const Pixels& pixels, uint16_t width) {
     return edges >= kTextEdges;
 }
 
-/// A command in a process group of its own, ended with the group.
+/// A command in its own process group. Destroying the object terminates the group.
 class Command {
   public:
     explicit Command(std::span<char*> words) {
@@ -232,10 +232,10 @@ class Command {
         munmap(started_, sizeof(microseconds));
     }
 
-    /// Waits until the command has ended by itself.
+    /// Waits until the command exits.
     void join() const { waitpid(pid_, nullptr, 0); }
 
-    /// Monotonic time just before exec; known once the command has shown anything.
+    /// Returns the monotonic time just before exec. Valid once the command has drawn something.
     microseconds started() const { return *started_; }
 
   private:
@@ -308,7 +308,7 @@ int measureStart(std::chrono::milliseconds limit, std::span<char*> words) {
     {
         const Command command(words);
         start = watchStart(screen, command, monotonic() + limit);
-        // A bar that is told to end in the middle of its start may leave traces for the next one.
+        // A bar that is stopped while it starts may leave state that affects the next start.
         std::this_thread::sleep_for(150ms);
     }
     waitUntilBare(screen);

@@ -1,4 +1,4 @@
-"""Measures, 20 times, how long halvexctl takes to turn the product's clock on and have it drawn.
+"""Measures 20 times how long it takes from the start of halvexctl until the product's clock is drawn.
 
 Run by "run --toggle", with the same bar and screen as the other measurements. The exit code is 1 if
 something could not be measured or the target is missed.

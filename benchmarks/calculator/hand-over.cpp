@@ -1,8 +1,8 @@
 // Usage: hand-over ROUNDS
 //
-// Requests the calculator from the running background application, as an item in the bar does, and
-// prints per request the milliseconds until the notification arrives at another connection to the
-// bus. Exits with 1 if the application is not running.
+// Requests the calculator from the running background application ROUNDS times, like an item in the
+// bar. Prints, for each request, the milliseconds until the notification arrives at another
+// connection to the bus. Exits with 1 if the application is not running.
 
 #include "menubar/HalvexMenuExtraBase.h"
 #include "platform/expat/ExpatPropertyLists.h"
@@ -38,7 +38,7 @@ int main(int argc, char** argv) {
     const auto observer = std::make_shared<int>();
     receiver.addObserver(observer, "HalvexShowCalculatorNotification",
                          [&](const Notification&) { waiting.quit(); });
-    receiver.flush(); // the bus has registered the observer
+    receiver.flush(); // waits until the bus has registered the observer
     const auto item = std::make_shared<HalvexMenuExtraBase>();
     for (int round = 0; round < rounds; ++round) {
         const auto begin = std::chrono::steady_clock::now();

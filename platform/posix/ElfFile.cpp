@@ -78,7 +78,7 @@ bool isComplete(const File& file, const Elf64_Ehdr& header) {
 }
 
 template <class Integer>
-Integer inByteOrder(Integer value, unsigned char order) {
+Integer fromByteOrder(Integer value, unsigned char order) {
     const bool native = (order == ELFDATA2LSB) == (std::endian::native == std::endian::little);
     return native ? value : static_cast<Integer>((value >> 8) | (value << 8));
 }
@@ -93,10 +93,10 @@ std::optional<ElfFile> ElfFile::read(const std::string& path) {
         return std::nullopt;
     const unsigned char order = start.e_ident[EI_DATA];
     ElfFile result;
-    result.architecture = architectureOf(inByteOrder(start.e_machine, order));
-    result.isSharedObject = inByteOrder(start.e_type, order) == ET_DYN;
+    result.architecture = architectureOf(fromByteOrder(start.e_machine, order));
+    result.isSharedObject = fromByteOrder(start.e_type, order) == ET_DYN;
     Elf64_Ehdr header{};
-    const bool native = inByteOrder(std::uint16_t{1}, order) == 1;
+    const bool native = fromByteOrder(std::uint16_t{1}, order) == 1;
     if (start.e_ident[EI_CLASS] == ELFCLASS64 && native && file.readAt(0, header))
         result.isComplete = platform::posix::isComplete(file, header);
     return result;

@@ -77,10 +77,10 @@ inline Pixel composited(const Pixel& source, const Pixel& destination,
     if (operation == CompositingOperation::PlusDarker)
         return plusDarker(source, destination);
     const BlendFactors factors = blendFactors(operation);
-    const float ofSource = value(factors.source, destination.alpha);
-    const float ofDestination = value(factors.destination, source.alpha);
+    const float sourceFactor = value(factors.source, destination.alpha);
+    const float destinationFactor = value(factors.destination, source.alpha);
     return componentwise(source, destination, [&](float s, float d) {
-        return std::min(1.0F, s * ofSource + d * ofDestination);
+        return std::min(1.0F, s * sourceFactor + d * destinationFactor);
     });
 }
 

@@ -177,11 +177,11 @@ void PanelWidget::continueDrag(QPoint mouse) {
         return;
     drag_->hasMoved = true;
     const bool canDrag = drag_->edges || look_.movableByWindowBackground;
-    if (canDrag && !letSystemDrag())
+    if (canDrag && !startSystemDrag())
         adoptFrame(draggedFrame(drag_->frame, drag_->edges, distance));
 }
 
-bool PanelWidget::letSystemDrag() {
+bool PanelWidget::startSystemDrag() {
     if (!QGuiApplication::platformName().startsWith(QLatin1String("wayland")))
         return false;
     const Qt::Edges edges = drag_->edges;

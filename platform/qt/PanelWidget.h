@@ -70,7 +70,7 @@ class PanelWidget final : public QWidget {
     void continueDrag(QPoint mouse);
     /// On Wayland, where programs cannot move their windows, hands the drag over to the compositor
     /// and returns true.
-    bool letSystemDrag();
+    bool startSystemDrag();
     void moveByKey(QPoint direction, bool resizes);
     void sendMouseUp(Qt::KeyboardModifiers modifiers);
 

@@ -29,11 +29,11 @@ SolidFill::SolidFill(const Pixel& source, CompositingOperation operation) {
     const BlendFactors factors = blendFactors(operation);
     const float onTransparent = value(factors.source, 0);
     const float onOpaque = value(factors.source, 1);
-    kept_ = static_cast<std::int16_t>(fixedPoint(value(factors.destination, source.alpha)));
+    oldFactor_ = static_cast<std::int16_t>(fixedPoint(value(factors.destination, source.alpha)));
     const std::array components{source.blue, source.green, source.red, source.alpha};
     for (std::size_t i = 0; i < components.size(); ++i) {
         base_[i] = fixedPoint(255 * components[i] * onTransparent) + kHalf;
-        ofAlpha_[i] =
+        alphaFactor_[i] =
             static_cast<std::int16_t>(fixedPoint(components[i] * (onOpaque - onTransparent)));
     }
 }
@@ -48,7 +48,7 @@ QRgb SolidFill::filled(QRgb pixel) const {
     QRgb result = 0;
     for (unsigned i = 0; i < base_.size(); ++i) {
         const auto component = static_cast<std::int32_t>(pixel >> 8 * i & 0xFF);
-        const std::int32_t sum = component * kept_ + alpha * ofAlpha_[i] + base_[i];
+        const std::int32_t sum = component * oldFactor_ + alpha * alphaFactor_[i] + base_[i];
         result |= static_cast<QRgb>(std::clamp(sum >> kFractionBits, 0, 255)) << 8 * i;
     }
     return result;
@@ -58,8 +58,8 @@ QRgb SolidFill::filled(QRgb pixel) const {
 int SolidFill::fillFours(QRgb* pixels, int count) const {
     const __m128i zero = _mm_setzero_si128();
     const __m128i base = _mm_loadu_si128(reinterpret_cast<const __m128i*>(base_.data()));
-    const __m128i factors = _mm_setr_epi16(kept_, ofAlpha_[0], kept_, ofAlpha_[1], kept_,
-                                           ofAlpha_[2], kept_, ofAlpha_[3]);
+    const __m128i factors = _mm_setr_epi16(oldFactor_, alphaFactor_[0], oldFactor_, alphaFactor_[1], oldFactor_,
+                                           alphaFactor_[2], oldFactor_, alphaFactor_[3]);
     const auto sums = [&](__m128i componentsAndAlpha) {
         return _mm_srai_epi32(_mm_add_epi32(_mm_madd_epi16(componentsAndAlpha, factors), base),
                               kFractionBits);

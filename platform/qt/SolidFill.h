@@ -31,8 +31,8 @@ class SolidFill {
 
     // Indexed by component in the order of a packed pixel: blue, green, red, alpha.
     std::array<std::int32_t, 4> base_{};
-    std::array<std::int16_t, 4> ofAlpha_{};
-    std::int16_t kept_ = 0;
+    std::array<std::int16_t, 4> alphaFactor_{};
+    std::int16_t oldFactor_ = 0;
 };
 
 } // namespace platform::qt
