@@ -59,8 +59,8 @@ constexpr uint32_t kBareColour = 0x5a2d7c;
 constexpr uint16_t kRows = 32;
 /// A window narrower than this (pixels) is a helper window, not a bar.
 constexpr uint16_t kBarWidth = 400;
-/// The number of changes of colour along the rows from which on they contain text. A border, a
-/// vertical gradient or the ends of a bar have fewer changes, "00:00" has more.
+/// Rows with at least this many horizontal changes of colour contain text. A border, a vertical
+/// gradient and the ends of a bar have fewer, "00:00" has more.
 constexpr int kTextEdges = 40;
 
 template <class T>
