@@ -1,8 +1,8 @@
 # Compiler options and output folders. A build tree has the same folders as an installation, so
 # programs find their items in the same way in both.
 
-# Options for the code of items, exported with the library: a plug-in with "unique" symbols can never
-# be unloaded.
+# Options for the code of items, exported with the library. GCC's "unique" symbols would prevent a plug-in
+# from being unloaded.
 set(HALVEX_ITEM_OPTIONS $<$<COMPILE_LANG_AND_ID:CXX,GNU>:-fno-gnu-unique>)
 
 add_library(halvex_compiler_options INTERFACE)

@@ -1,5 +1,5 @@
-# Installs libHalvexTools, and what find_package(HalvexTools) needs to build menu extras as the
-# component Development.
+# Installs libHalvexTools, and in the component Development the files that find_package(HalvexTools)
+# needs to build menu extras.
 include(CMakePackageConfigHelpers)
 set(package ${HALVEX_LIBRARY_FOLDER}/cmake/HalvexTools)
 

@@ -21,7 +21,7 @@ namespace {
 ExitStatus start() {
     BarClient bar;
     if (!bar.hasBus())
-        return fail("there is no session bus");
+        return fail("cannot start the menu bar: there is no session bus");
     if (bar.processIdentifier())
         return ExitStatus::Success;
     const std::string program = programFolder() / "halvex-menubar";

@@ -1,6 +1,6 @@
-// Times one operation on a property list and prints "<milliseconds> <peak memory in KiB>":
-// propertylist_ours floor|read|write FILE. "floor" reads the file and each of its bytes once, as a
-// lower bound.
+// propertylist_ours floor|read|write FILE
+// Times one operation on a property list and prints "<milliseconds> <peak memory in KiB>". "floor"
+// is a lower bound: it reads the file and then each of its bytes once.
 
 #include "benchmarks/PeakMemory.h"
 #include "platform/FileManager.h"

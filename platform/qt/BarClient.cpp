@@ -31,7 +31,7 @@ BarClient::Reply BarClient::call(const char* member, const QVariantList& argumen
         return {std::nullopt, kHanging};
     const QDBusConnection bus = bus_.get();
     if (!bus.isConnected())
-        return {std::nullopt, "there is no session bus"};
+        return {std::nullopt, "cannot call the menu bar: there is no session bus"};
     auto message =
         QDBusMessage::createMethodCall(kBarBusName, kBarObjectPath, kBarInterface, member);
     message.setArguments(arguments);

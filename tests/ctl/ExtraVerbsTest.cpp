@@ -81,7 +81,8 @@ TEST(ExtraVerbs, RejectInvalidArgumentsAndChangeNothing) {
 TEST(ExtraVerbs, WorkWithoutASessionBus) {
     const std::string withoutBus =
         "DBUS_SESSION_BUS_ADDRESS=unix:path=/nowhere timeout 2 '" HALVEX_CTL "' --root root ";
-    Shell().run({{withoutBus + "menubar start", "", 1, "halvexctl: there is no session bus\n"},
+    Shell().run({{withoutBus + "menubar start", "", 1,
+                  "halvexctl: cannot start the menu bar: there is no session bus\n"},
                  {withoutBus + "extras | sed 's/com.quorvanesoftware/C/' | cut -f-3",
                   "1\tHalvexTimeMenu\tC.HalvexProMenu\n"
                   "2\tHalvexASMMenu\tC.HalvexProASM\n"
@@ -100,7 +101,7 @@ TEST(ExtraVerbs, TimeOutIfTheSessionBusHangs) {
     const SessionBus bus(shell);
     shell.run({{"kill -STOP $bus_process", ""},
                {"timeout 20 '" HALVEX_CTL "' menubar list", "", 1,
-                "halvexctl: there is no session bus\n"}});
+                "halvexctl: cannot call the menu bar: there is no session bus\n"}});
 }
 
 TEST(ExtraVerbs, InstallACompleteBundleOrNothingIfTheDiskIsFull) {

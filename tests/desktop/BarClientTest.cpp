@@ -57,7 +57,7 @@ TEST(BarClient, CallsEveryOperationOfARunningBar) {
 TEST(BarClient, FailsImmediatelyWithoutABusOrABarAndLogsTheReasonOnce) {
     const PrivateBus bus;
     const std::pair<std::string, const char*> cases[] = {
-        {"unix:path=/no/such/bus", "there is no session bus"},
+        {"unix:path=/no/such/bus", "cannot call the menu bar: there is no session bus"},
         {bus.addressText(), "cannot call the menu bar: "},
     };
     for (const auto& [address, reason] : cases) {
