@@ -40,7 +40,7 @@ void report(const char* name, double milliseconds) {
     std::printf("%-52s %10.3f ms\n", name, milliseconds);
 }
 
-/// Compares the two, each drawn into a new, transparent image.
+/// Compares the background with a plain fill, each drawn into a new, transparent image.
 void compareBackground(Size size, int runs) {
     std::printf("background of %.0f x %.0f\n", size.width, size.height);
     report("  the panel's", fastest(runs, [&] {
