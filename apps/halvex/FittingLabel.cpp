@@ -4,7 +4,7 @@
 
 namespace apps {
 namespace {
-constexpr int kMinFontSize = 9; // pixels
+constexpr int kMinFontSize = 10; // pixels
 }
 
 FittingLabel::FittingLabel(int maxFontSize) : maxFontSize_(maxFontSize) {
@@ -33,7 +33,7 @@ void FittingLabel::fit() {
     int size = maxFontSize_;
     do
         face.setPixelSize(size);
-    while (QFontMetrics(face).horizontalAdvance(text()) > width() - 4 && --size > kMinFontSize);
+    while (QFontMetrics(face).horizontalAdvance(text()) > width() - 4 && --size >= kMinFontSize);
     setFont(face);
 }
 
