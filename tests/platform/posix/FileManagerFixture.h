@@ -33,7 +33,7 @@ inline Names namesIn(const fs::path& path) {
     return result;
 }
 
-/// Does not follow links.
+/// Returns the status of the path itself, not of the target of a link.
 inline struct stat statusOf(const fs::path& path) {
     struct stat status {};
     EXPECT_EQ(::lstat(path.c_str(), &status), 0) << path;
@@ -74,18 +74,6 @@ class FileManagerFixture : public testing::Test {
             EXPECT_GT(call, minimum);
             EXPECT_LT(call, 200);
         }
-    }
-    /// Runs @p code repeatedly in another process and kills that process after a time.
-    template <class Code>
-    static void runAndKill(std::chrono::microseconds after, Code code) {
-        const pid_t child = ::fork();
-        ASSERT_GE(child, 0);
-        if (child == 0)
-            for (;;)
-                code();
-        std::this_thread::sleep_for(after);
-        ::kill(child, SIGKILL);
-        ASSERT_EQ(::waitpid(child, nullptr, 0), child);
     }
     /// Calls @p make, which creates something in @p place, in a process that exits before renaming
     /// it, then here with the leftover locked, as its creator would lock it, and then unlocked.

@@ -3,7 +3,6 @@
 #include "tests/support/ScopedEnvironment.h"
 
 #include <cerrno>
-#include <random>
 
 namespace {
 
@@ -146,27 +145,6 @@ TEST_F(PosixFileManagerTest, ConcurrentWritersSucceedAndDoNotMixTheirContents) {
     writers.clear();
     const std::string last = contents(path);
     EXPECT_EQ(last, std::string(10'000, last.at(0)));
-    EXPECT_EQ(names(), Names{"file"});
-}
-
-TEST_F(PosixFileManagerTest, AKilledWriterLeavesTheOldOrTheNewFile) {
-    const std::string path = file("file");
-    const std::string lists[] = {std::string(200'000, 'a'), std::string(150'000, 'b')};
-    ASSERT_TRUE(manager.writeFileAtomically(path, lists[0]));
-    std::mt19937 random(3);
-    bool leftovers = false;
-    std::set<char> seen;
-    for (int round = 0; round < 500; ++round) {
-        runAndKill(std::chrono::microseconds(random() % 4000),
-                   [&, i = round]() mutable { manager.writeFileAtomically(path, lists[i++ % 2]); });
-        const std::string found = contents(path);
-        ASSERT_TRUE(found == lists[0] || found == lists[1]) << found.size();
-        seen.insert(found.at(0));
-        leftovers = leftovers || names().size() > 1;
-    }
-    EXPECT_EQ(seen.size(), 2U) << "no child has finished writing";
-    EXPECT_TRUE(leftovers) << "no child was killed while writing";
-    EXPECT_TRUE(manager.writeFileAtomically(path, "end"));
     EXPECT_EQ(names(), Names{"file"});
 }
 

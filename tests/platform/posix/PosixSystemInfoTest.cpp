@@ -8,9 +8,8 @@
 #include <filesystem>
 #include <sys/utsname.h>
 
+using namespace platform::posix;
 using platform::SystemFact;
-using platform::posix::encodedVersion;
-using platform::posix::PosixSystemInfo;
 
 namespace {
 
