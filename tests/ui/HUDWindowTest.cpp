@@ -68,34 +68,25 @@ TEST_F(HUDPanel, IgnoresTheStyleMaskAndSetsUpItsWindowInOrder) {
     EXPECT_THAT(panels.calls, ElementsAre("window 8223"));
 }
 
-std::vector<std::string> background(const std::string& canvas, const std::vector<std::string>& body,
-                                    const std::vector<std::string>& bar, const std::string& text) {
-    std::vector<std::string> all{"canvas " + canvas,
-                                 "path with 0.1 0.1 0.1 0.75 space 2 operation 2"};
-    all.insert(all.end(), body.begin(), body.end());
-    all.insert(all.end(), {"close", "path with 0.25 0.25 0.25 0.75 space 2 operation 2"});
-    all.insert(all.end(), bar.begin(), bar.end());
-    all.insert(all.end(), {"close", "text Hi in " + text});
-    return all;
-}
-
 TEST_F(HUDPanel, PaintsItsBodyTitleBarAndTitle) {
-    const std::pair<Size, std::vector<std::string>> cases[] = {
+    const std::string body = "path with 0.1 0.1 0.1 0.75 space 2 operation 2\n";
+    const std::string bar = "close\npath with 0.25 0.25 0.25 0.75 space 2 operation 2\n";
+    const std::pair<Size, std::string> cases[] = {
         {{101.7, 50.5},
-         background("101.7 50.5",
-                    {"move 50 0", "arc 101 0 to 101 15 radius 6", "line 101 31", "line 0 31",
-                     "arc 0 31 to 0 15 radius 6", "arc 0 0 to 50 0 radius 6"},
-                    {"move 0 31", "line 101 31", "arc 101 50 to 50 50 radius 6",
-                     "arc 0 50 to 0 31 radius 6"},
-                    "19 33.5 63.7 15")},
+         "canvas 101.7 50.5\n" + body +
+             "move 50 0\narc 101 0 to 101 15 radius 6\nline 101 31\nline 0 31\n"
+             "arc 0 31 to 0 15 radius 6\narc 0 0 to 50 0 radius 6\n" +
+             bar +
+             "move 0 31\nline 101 31\narc 101 50 to 50 50 radius 6\n"
+             "arc 0 50 to 0 31 radius 6\nclose\ntext Hi in 19 33.5 63.7 15\n"},
         // Lower than the title bar and narrower than the margins of the title.
         {{30, 15.5},
-         background("30 15.5",
-                    {"move 15 0", "arc 30 0 to 30 -1 radius 6", "line 30 -3", "line 0 -3",
-                     "arc 0 -3 to 0 -1 radius 6", "arc 0 0 to 15 0 radius 6"},
-                    {"move 0 -3", "line 30 -3", "arc 30 15 to 15 15 radius 6",
-                     "arc 0 15 to 0 -3 radius 6"},
-                    "19 -1.5 -8 15")},
+         "canvas 30 15.5\n" + body +
+             "move 15 0\narc 30 0 to 30 -1 radius 6\nline 30 -3\nline 0 -3\n"
+             "arc 0 -3 to 0 -1 radius 6\narc 0 0 to 15 0 radius 6\n" +
+             bar +
+             "move 0 -3\nline 30 -3\narc 30 15 to 15 15 radius 6\n"
+             "arc 0 15 to 0 -3 radius 6\nclose\ntext Hi in 19 -1.5 -8 15\n"},
     };
     for (const auto& [size, drawn] : cases) {
         const auto panel = panelOfSize(100, 50);
@@ -103,7 +94,10 @@ TEST_F(HUDPanel, PaintsItsBodyTitleBarAndTitle) {
         panel->setFrame({{}, size}, false, false);
         graphics.drawn.clear();
         const Color color = panel->sizedHUDBackground();
-        EXPECT_EQ(graphics.drawn, drawn);
+        std::string lines;
+        for (const std::string& line : graphics.drawn)
+            lines += line + '\n';
+        EXPECT_EQ(lines, drawn);
         ASSERT_TRUE(color.pattern);
         EXPECT_EQ(color.pattern->size(), size);
     }

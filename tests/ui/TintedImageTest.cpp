@@ -30,17 +30,3 @@ TEST(TintedImage, AppliesOpaqueColorsAtAQuarterAndOthersAtTheirOwnAlpha) {
                                 std::string("fill 0 0 10.5 20 with ") + filled + " operation 5"));
     }
 }
-
-TEST(TintedImage, FillsTheWholeImageWithTheGivenColorAndOperation) {
-    test::RecordingGraphics graphics;
-    for (int number = 0; number <= 13; ++number) {
-        graphics.drawn.clear();
-        tintedImageWithColor(test::BlankImage(10.5, 20), {1, 0, 0.5, 1},
-                             static_cast<CompositingOperation>(number));
-        EXPECT_THAT(graphics.drawn,
-                    ElementsAre("canvas 10.5 20",
-                                "image 0 0 10.5 20 into 0 0 10.5 20 operation 2 fraction 1",
-                                "fill 0 0 10.5 20 with 1 0 0.5 1 space 0 operation " +
-                                    std::to_string(number)));
-    }
-}

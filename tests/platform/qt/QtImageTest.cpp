@@ -8,13 +8,10 @@
 
 #include <sys/stat.h>
 
-using platform::CompositingOperation;
-using platform::Rect;
+using namespace platform;
+using namespace testing;
 using platform::qt::QtImage;
 using test::Canvas;
-using testing::ElementsAre;
-using testing::HasSubstr;
-using testing::StartsWith;
 
 namespace {
 

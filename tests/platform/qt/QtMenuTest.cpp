@@ -12,7 +12,7 @@ using platform::qt::QtMenu;
 
 namespace {
 
-/// Enables all items but some, and records the chosen ones.
+/// Disables "forbidden", throws when "throws" is validated, and records the chosen items.
 class Target final : public MenuTarget {
   public:
     std::string chosen;
