@@ -1,11 +1,8 @@
 #include "identifiers/ExportedIdentifiers.h"
 #include "menubar/HalvexMenuExtraBase.h"
-#include "platform/posix/PosixFileManager.h"
+#include "tests/paths/SupportTree.h"
 #include "tests/support/ApplicationServices.h"
 #include "tests/support/Fakes.h"
-#include "tests/support/RecordingLog.h"
-#include "tests/support/ScopedEnvironment.h"
-#include "tests/support/TemporaryFolder.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -14,30 +11,21 @@
 #include <thread>
 
 using namespace platform;
-using testing::Contains;
-using testing::ElementsAre;
-using testing::ElementsAreArray;
-using testing::IsEmpty;
+using namespace testing;
 
 namespace {
 
-constexpr const char* kPane = "/Pane.prefPane";
-constexpr const char* kApplication = "/Pane.prefPane/Contents/PlugIns/Halvex.app";
-const std::string kLaunching = std::string("Halvex Time - launching Halvex.app - ") + kApplication;
+const std::string kApplication = "/Pane.prefPane/Contents/PlugIns/Halvex.app";
+const std::string kLaunching = "Halvex Time - launching Halvex.app - ";
 
-class BackgroundHandOver : public testing::Test {
+class BackgroundHandOver : public Test {
   protected:
-    void SetUp() override { Bundle::setCodeState(pane, Bundle::Code::Loaded); }
-    void TearDown() override {
-        Bundle::setCodeState(pane, Bundle::Code::Unloaded);
-        myDebug = 0;
-    }
+    void TearDown() override { myDebug = 0; }
 
-    test::RecordingLog log;
+    test::SupportTree tree;
     test::ManualClock clock;
     test::ApplicationServices services;
-    std::shared_ptr<Bundle> pane = std::make_shared<Bundle>(
-        kPane, PropertyList::Dictionary{{"CFBundleIdentifier", HalvexPrefsBundleID}});
+    std::optional<test::LoadedPane> pane{"/Pane.prefPane"};
     std::shared_ptr<HalvexMenuExtraBase> extra = std::make_shared<HalvexMenuExtraBase>();
 };
 
@@ -50,7 +38,12 @@ TEST_F(BackgroundHandOver, NotifiesARunningApplicationWithoutWaiting) {
     EXPECT_THAT(services.journal(), ElementsAre("post Request"));
     EXPECT_EQ(services.observesLaunches(), std::pair(false, false));
     EXPECT_THAT(clock.sleeps, IsEmpty());
-    EXPECT_THAT(log.take(), IsEmpty());
+    EXPECT_THAT(tree.log.take(), IsEmpty());
+
+    extra->HalvexLaunchThread(std::nullopt);
+    services.runMainThread();
+    EXPECT_THAT(services.journal(), ElementsAre("search", "front 2", "main"))
+        << "nothing is posted without a name";
 }
 
 TEST_F(BackgroundHandOver, StartsAnAbsentApplicationAndWaitsForItsLaunchAnnouncement) {
@@ -65,12 +58,11 @@ TEST_F(BackgroundHandOver, StartsAnAbsentApplicationAndWaitsForItsLaunchAnnounce
     };
     extra->HalvexLaunchThread("Request");
     EXPECT_EQ(observedBefore, std::pair(true, true));
-    EXPECT_THAT(services.journal(),
-                ElementsAre("search", std::string("open ") + kApplication, "search", "front 1",
-                            "main, waiting", "post Request"));
+    EXPECT_THAT(services.journal(), ElementsAre("search", "open " + kApplication, "search",
+                                                "front 1", "main, waiting", "post Request"));
     EXPECT_THAT(clock.sleeps, ElementsAre(250'000, 250'000, 250'000));
     EXPECT_EQ(services.observesLaunches(), std::pair(false, false));
-    EXPECT_THAT(log.take(), IsEmpty());
+    EXPECT_THAT(tree.log.take(), IsEmpty());
 }
 
 TEST_F(BackgroundHandOver, LogsTheLaunchOnFailureOrWhenVerboseAndPostsEvenAfterATimeout) {
@@ -84,10 +76,10 @@ TEST_F(BackgroundHandOver, LogsTheLaunchOnFailureOrWhenVerboseAndPostsEvenAfterA
         gHalvexisrunning = 1;
         clock.sleeps.clear();
         extra->HalvexLaunchThread("Request");
-        EXPECT_THAT(services.journal(), ElementsAre("search", std::string("open ") + kApplication,
-                                                    "main, waiting", "post Request"));
-        EXPECT_THAT(clock.sleeps, ElementsAreArray(std::vector<std::uint64_t>(200, 250'000)));
-        EXPECT_THAT(log.take(), ElementsAre(kLaunching));
+        EXPECT_THAT(services.journal(),
+                    ElementsAre("search", "open " + kApplication, "main, waiting", "post Request"));
+        EXPECT_EQ(clock.sleeps, std::vector<std::uint64_t>(200, 250'000));
+        EXPECT_THAT(tree.log.take(), ElementsAre(kLaunching + kApplication));
         EXPECT_EQ(gHalvexisrunning, 0);
         EXPECT_EQ(services.observesLaunches(), std::pair(true, true));
     }
@@ -97,22 +89,10 @@ TEST_F(BackgroundHandOver, LogsTheLaunchOnFailureOrWhenVerboseAndPostsEvenAfterA
 }
 
 TEST_F(BackgroundHandOver, OpensNothingIfThereIsNoPane) {
-    Bundle::setCodeState(pane, Bundle::Code::Unloaded);
-    const test::TemporaryFolder empty;
-    const test::ScopedEnvironment home("HOME", empty.path().string());
-    posix::PosixFileManager files(empty.path().string());
-    const ScopedService<FileManager> filesService(files);
+    pane.reset();
     extra->HalvexLaunchThread(std::nullopt);
     EXPECT_THAT(services.journal(), ElementsAre("search"));
-    EXPECT_THAT(log.take(), Contains("Halvex Time - launching Halvex.app - (null)"));
-}
-
-TEST_F(BackgroundHandOver, PostsNothingWithoutAName) {
-    extra->notifyHalvex2(std::nullopt);
-    services.running = {"Halvex"};
-    extra->HalvexLaunchThread(std::nullopt);
-    services.runMainThread();
-    EXPECT_THAT(services.journal(), ElementsAre("search", "front 1", "main"));
+    EXPECT_THAT(tree.log.take(), Contains(kLaunching + "(null)"));
 }
 
 TEST_F(BackgroundHandOver, IgnoresOtherLaunchesUnlessTheApplicationIsFoundRunning) {

@@ -108,11 +108,8 @@ TEST_F(MenuExtraBase, LogsItsDestructionWhenVerbose) {
 
 TEST_F(MenuExtraBase, RedrawsTheTitleOnlyWhenItsTextChanges) {
     const auto extra = started();
-    struct Case {
-        std::optional<std::string> title;
-        int redisplays; // one for the text, one for the width
-        float width;
-    };
+    // The redisplays are one for the text and one for the width.
+    using Case = std::tuple<std::optional<std::string>, int, float>;
     for (const auto& [title, redisplays, width] :
          {Case{"12:00", 2, 37}, Case{"12:00", 0, 37}, Case{"12:01", 1, 37}, Case{"", 2, 2},
           Case{std::nullopt, 1, 2}, Case{std::nullopt, 1, 2}, Case{"", 1, 2}}) {

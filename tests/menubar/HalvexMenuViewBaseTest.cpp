@@ -17,7 +17,7 @@ namespace {
 
 using Base = HalvexMenuExtraBase;
 
-/// Records the clicks it receives. Returns the base class's result unless told to handle them.
+/// Records the clicks it receives. Returns the base class's result unless handlesClicks is set.
 class ClickedExtra final : public Base {
   public:
     std::string clicks;
@@ -108,26 +108,19 @@ TEST_F(MenuView, TogglesVerboseLoggingOnAControlOptionClick) {
 }
 
 TEST_F(MenuView, DrawsTheTitleThenTheImage) {
-    struct Case {
-        const char* title; // 15 points high; null for no title
-        double imageWidth; // 0 for no image
-        double imageHeight;
-        double height;
-        const char* text;
-        const char* image;
+    // The title, 15 points high, the size of the image, the height of the item, and what is drawn.
+    const std::tuple<const char*, Size, double, const char*, const char*> cases[] = {
+        {"ab", {0, 0}, 22, "text ab at 0 5", nullptr}, // 3.5 + 1.5
+        {"ab", {0, 0}, 21, "text ab at 0 4", nullptr}, // 3 + 1.5
+        {"ab", {0, 0}, 11, "text ab at 0 0", nullptr}, // -0.5: toward zero
+        {"ab", {0, 0}, 7, "text ab at 0 -2", nullptr}, // -2.5
+        {"ab", {15.6, 16}, 22, "text ab at 18 5", "0 0 15.6 16 into 0 3 15.6 16"},
+        {nullptr, {16, 17}, 22, nullptr, "0 0 16 17 into 0 2 16 17"},
+        {nullptr, {16, 25}, 22, nullptr, "0 0 16 25 into 0 -1 16 25"},
     };
-    const Case cases[] = {
-        {"ab", 0, 0, 22, "text ab at 0 5", nullptr}, // 3.5 + 1.5
-        {"ab", 0, 0, 21, "text ab at 0 4", nullptr}, // 3 + 1.5
-        {"ab", 0, 0, 11, "text ab at 0 0", nullptr}, // -0.5: toward zero
-        {"ab", 0, 0, 7, "text ab at 0 -2", nullptr}, // -2.5
-        {"ab", 15.6, 16, 22, "text ab at 18 5", "0 0 15.6 16 into 0 3 15.6 16"},
-        {nullptr, 16, 17, 22, nullptr, "0 0 16 17 into 0 2 16 17"},
-        {nullptr, 16, 25, 22, nullptr, "0 0 16 25 into 0 -1 16 25"},
-    };
-    for (const auto& [title, imageWidth, imageHeight, height, text, image] : cases) {
+    for (const auto& [title, size, height, text, image] : cases) {
         extra->setTitle(title ? std::optional<std::string>(title) : std::nullopt);
-        extra->setImage(image ? std::make_shared<test::BlankImage>(imageWidth, imageHeight)
+        extra->setImage(image ? std::make_shared<test::BlankImage>(size.width, size.height)
                               : nullptr);
         graphics.drawn.clear();
         view->drawRect({{5, 5}, {1, height}});

@@ -28,27 +28,6 @@ const Kind kKinds[] = {
     {33, HalvexTimeOnlyMenuID, "HalvexTimeOnlyMenuExtra.menu", false, true},
 };
 
-/// Returns the same status and reference for every identifier.
-class FixedMenuBar final : public platform::MenuExtraServer {
-  public:
-    std::int32_t status = 0;
-    platform::MenuExtraReference fixedReference = 0;
-
-    std::int32_t getMenuExtra(const std::string&,
-                              platform::MenuExtraReference& reference) override {
-        reference = fixedReference;
-        return status;
-    }
-    std::int32_t addMenuExtra(const std::string&, std::int32_t, std::int32_t, std::int32_t,
-                              std::int32_t, std::int32_t) override {
-        return 0;
-    }
-    std::int32_t removeMenuExtra(platform::MenuExtraReference, std::int32_t) override { return 0; }
-
-  private:
-    platform::ScopedService<platform::MenuExtraServer> service_{*this};
-};
-
 /// Returns the same architectures and preflight result for every file.
 class FixedLoader final : public platform::DynamicLoader {
   public:
@@ -117,11 +96,10 @@ TEST_F(MenuBarLoading, LogsUnknownTagsUnlessThePaneIsMissing) {
 }
 
 TEST_F(MenuBarLoading, CountsAMenuExtraAsLoadedOnlyWithStatus0AndAReference) {
-    FixedMenuBar fixed;
     for (const auto& [status, reference, isLoaded] :
          {std::tuple(0, 5U, true), {0, 0U, false}, {-1, 5U, false}}) {
-        fixed.status = status;
-        fixed.fixedReference = reference;
+        bar.loaded.assign(reference, "X");
+        bar.result = {status, reference};
         EXPECT_EQ(Tools::isExtraLoaded("X"), isLoaded) << status << ' ' << reference;
         Tools::removeExtra("X");
         EXPECT_EQ(log(), isLoaded ? "" : "Unable to remove menu extra \"X\", it is not loaded.");

@@ -58,14 +58,14 @@ class SupportTree {
 
     RecordingLog log;
 
-    /// The path as the library sees it.
+    /// Returns the path to pass to the library.
     std::string path(std::string_view shown) const {
         return shown.starts_with('~') ? home_ + std::string(shown.substr(1)) : std::string(shown);
     }
     std::string shown(const std::string& path) const {
         return path.starts_with(home_) ? '~' + path.substr(home_.size()) : path;
     }
-    /// The path in the real file system.
+    /// Returns the path in the real file system.
     std::string systemPath(std::string_view shown) const {
         return shown.starts_with('/') ? root_ + std::string(shown) : path(shown);
     }
@@ -77,7 +77,7 @@ class SupportTree {
     }
     std::string read(std::string_view shown) const { return contents(systemPath(shown)); }
     bool exists(std::string_view shown) const { return std::filesystem::exists(systemPath(shown)); }
-    /// The paths of everything below the two Library folders.
+    /// Returns the paths of everything below the two Library folders.
     std::set<std::string> entries() const {
         std::set<std::string> result;
         for (const std::string base : {"~/Library", "/Library"}) {

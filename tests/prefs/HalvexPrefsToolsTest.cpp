@@ -38,7 +38,13 @@ class PrefsTools : public testing::Test {
     test::ApplicationServices services;
 };
 
-TEST_F(PrefsTools, FindALocalPaneBeforeTheUsers) {
+TEST_F(PrefsTools, FindALocalPaneBeforeTheUsersAndLogAMissingOne) {
+    EXPECT_EQ(Tools::HalvexPrefsBundle(), nullptr);
+    EXPECT_EQ(Tools::HalvexOpenPrefs(), std::nullopt);
+    EXPECT_EQ(Tools::getHalvexBGApplicationPath(), std::nullopt);
+    EXPECT_THAT(tree.log.take(), ElementsAre("Halvex Pref bundle not found.",
+                                             "Halvex error: getHalvexPath failed\n"));
+    EXPECT_THAT(services.journal(), ElementsAre());
     const std::string paths[] = {
         // each one is preferred to those before it
         "~/Library/PreferencePanes/HalvexPro.prefPane",
@@ -46,7 +52,6 @@ TEST_F(PrefsTools, FindALocalPaneBeforeTheUsers) {
         "/Library/PreferencePanes/HalvexPro.prefPane",
         "/Library/PreferencePanes/Halvex Pro.prefPane",
     };
-    EXPECT_EQ(Tools::HalvexPrefsBundle(), nullptr);
     for (const std::string& path : paths) {
         tree.make(path);
         EXPECT_EQ(Tools::HalvexPrefsPath(), tree.path(path));
@@ -66,14 +71,6 @@ TEST_F(PrefsTools, OpenThePaneAndReturnItsPathEvenIfOpeningFails) {
     EXPECT_THAT(services.journal(), ElementsAre(request, request));
     EXPECT_THAT(tree.log.take(), ElementsAre("Halvex Prefs opened at: " + path,
                                              "Halvex Prefs failed to open " + path));
-}
-
-TEST_F(PrefsTools, LogAMissingPane) {
-    EXPECT_EQ(Tools::HalvexOpenPrefs(), std::nullopt);
-    EXPECT_EQ(Tools::getHalvexBGApplicationPath(), std::nullopt);
-    EXPECT_THAT(tree.log.take(), ElementsAre("Halvex Pref bundle not found.",
-                                             "Halvex error: getHalvexPath failed\n"));
-    EXPECT_THAT(services.journal(), ElementsAre());
 }
 
 TEST_F(PrefsTools, SelectAPaneWithAScriptOnAnotherThread) {

@@ -16,6 +16,7 @@
 #include <algorithm>
 #include <functional>
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -53,7 +54,7 @@ class RecordingGraphics final : public platform::Graphics, public platform::Grap
         draw(*this);
         return std::make_shared<BlankImage>(size.width, size.height);
     }
-    std::string namedImage; ///< the only name that imageNamed knows
+    std::string namedImage; ///< the only name for which imageNamed returns an image
     platform::GraphicsContext& currentContext() override { return *this; }
 
     void saveGraphicsState() override { drawn.emplace_back("save"); }
@@ -190,12 +191,18 @@ class RecordingMenuBar final : public platform::MenuExtraServer {
     /// "add <url> <position> <the four numbers>", "remove <identifier> <flags>"
     std::vector<std::string> requests;
     std::vector<std::string> queried; ///< the identifiers passed to getMenuExtra
+    /// If set, the status and the reference that getMenuExtra returns for every identifier.
+    std::optional<std::pair<std::int32_t, platform::MenuExtraReference>> result;
     /// Called by addMenuExtra. Returns its status.
     std::function<std::int32_t(const std::string& url)> onAdd = [](const auto&) { return 0; };
 
     std::int32_t getMenuExtra(const std::string& identifier,
                               platform::MenuExtraReference& reference) override {
         queried.push_back(identifier);
+        if (result) {
+            reference = result->second;
+            return result->first;
+        }
         const auto found = std::find(loaded.begin(), loaded.end(), identifier);
         if (found == loaded.end())
             return static_cast<std::int32_t>(platform::MenuExtraStatus::NotLoaded);
@@ -222,8 +229,8 @@ class RecordingMenuBar final : public platform::MenuExtraServer {
     platform::ScopedService<platform::MenuExtraServer> service_{*this};
 };
 
-/// Panels whose windows record calls as text. A window takes each frame immediately; an animated
-/// one by way of one frame half-way.
+/// Panels whose windows record calls as text. A window is resized immediately, an animated one with
+/// one frame half-way between the old and the new.
 class RecordingPanels final : public platform::PanelService {
   public:
     std::vector<std::string> calls;
