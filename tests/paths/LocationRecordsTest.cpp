@@ -11,6 +11,7 @@
 
 using platform::PropertyList;
 using Array = PropertyList::Array;
+using namespace std::string_literals;
 
 namespace {
 
@@ -31,45 +32,30 @@ PropertyList flagged(const PropertyList& original) {
 }
 
 TEST(LocationRecords, AreComparedByValueNotByType) {
-    const std::int64_t two53 = std::int64_t{1} << 53;
-    const auto two63 = std::uint64_t{1} << 63;
-    const auto maximum = std::numeric_limits<std::uint64_t>::max();
     using Dictionary = PropertyList::Dictionary;
-    // Values in the same row are equal; values in different rows are not.
-    const std::vector<Array> rows = {
-        {true, 1, 1.0},
-        {false, -0.0},
-        {-1, -1.0},
-        {maximum},
-        {0x1p64},
-        {two53, 0x1p53},
-        {two53 + 1},
-        {two63, 0x1p63},
-        {two63 + 1},
-        {std::numeric_limits<std::int64_t>::min(), -0x1p63},
-        {std::nan(""), -std::nan("")},
-        {"1"},
-        {"\u00e9"},
-        {"e\u0301"},
-        {std::string("a\0b", 3)},
-        {std::string("a\0c", 3)},
-        {PropertyList::Date{1}},
-        {PropertyList::Data{{'1'}}, PropertyList::Data{{'1'}}},
-        {Array{1, "a"}, Array{1.0, "a"}},
-        {Array{"a", 1}},
-        {Dictionary{{"a", 1}, {"b", true}}, Dictionary{{"b", 1.0}, {"a", true}}},
-        {Dictionary{{"a", 1}}},
-    };
-    for (const Array& row : rows)
-        for (const Array& other : rows)
-            for (const PropertyList& value : row) {
-                Array cached;
-                for (const PropertyList& element : other)
-                    cached.push_back(record(element));
-                const std::size_t expected = &row == &other ? row.size() : 0;
-                EXPECT_EQ(paths::mergeRecords({record(value)}, cached).duplicates, expected)
-                    << &row - rows.data() << " and " << &other - rows.data();
-            }
+    const std::int64_t two53 = std::int64_t{1} << 53,
+                       least = std::numeric_limits<std::int64_t>::min();
+    const auto two63 = std::uint64_t{1} << 63, most = std::numeric_limits<std::uint64_t>::max();
+    const double nan = std::nan("");
+    const Dictionary ab{{"a", 1}, {"b", true}}, ba{{"b", 1.0}, {"a", true}}, a{{"a", 1}};
+    const Array numberFirst{1, "a"}, realFirst{1.0, "a"}, textFirst{"a", 1};
+    const PropertyList::Date date{1};
+    const PropertyList::Data data{{'1'}};
+    // Values with the same number are equal; values with different numbers are not.
+    const std::pair<int, PropertyList> values[] = {
+        {0, true},       {0, 1},          {0, 1.0},          {1, false},
+        {1, -0.0},       {2, -1},         {2, -1.0},         {3, most},
+        {4, 0x1p64},     {5, two53},      {5, 0x1p53},       {6, two53 + 1},
+        {7, two63},      {7, 0x1p63},     {8, two63 + 1},    {9, least},
+        {9, -0x1p63},    {10, nan},       {10, -nan},        {11, "1"},
+        {12, "\u00e9"},  {13, "e\u0301"}, {14, "a\0b"s},     {15, "a\0c"s},
+        {16, date},      {17, data},      {18, numberFirst}, {18, realFirst},
+        {19, textFirst}, {20, ab},        {20, ba},          {21, a}};
+    for (const auto& [number, value] : values)
+        for (const auto& [other, cached] : values)
+            EXPECT_EQ(paths::mergeRecords({record(value)}, {record(cached)}).duplicates,
+                      number == other ? 1U : 0U)
+                << number << " and " << other;
 }
 
 TEST(LocationRecords, MergeAppendsTheCachedRecordsThatTheListLacks) {
