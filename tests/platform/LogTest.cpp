@@ -8,10 +8,7 @@
 
 #include <stdexcept>
 
-using platform::currentOwner;
-using platform::formatLogLine;
-using platform::LogArgument;
-using platform::runGuarded;
+using namespace platform;
 
 namespace {
 
@@ -39,7 +36,7 @@ TEST(LogLine, FillsPlaceholdersInOrder) {
 TEST(Guard, LogsEveryExceptionWithTheOwnerOfTheCode) {
     test::RecordingLog log;
     EXPECT_TRUE(runGuarded("outer", [] {
-        EXPECT_FALSE(runGuarded("a", [] { throw platform::Exception("Name", "reason"); }));
+        EXPECT_FALSE(runGuarded("a", [] { throw Exception("Name", "reason"); }));
         EXPECT_FALSE(runGuarded("b", [] {
             EXPECT_EQ(currentOwner(), "b");
             throw std::runtime_error("what");

@@ -11,17 +11,13 @@ using testing::ElementsAre;
 
 namespace {
 
-Notification named(const std::string& name) {
-    return {.name = name, .object = {}, .userInfo = {}};
-}
-
 class Notifications : public testing::Test {
   protected:
     NotificationCenter::Handler recording(const std::string& line) {
         return [this, line](const Notification&) { calls.push_back(line); };
     }
     std::vector<std::string> post(const std::string& name) {
-        center.post(named(name));
+        center.post({.name = name, .object = {}, .userInfo = {}});
         return std::exchange(calls, {});
     }
 
@@ -64,7 +60,7 @@ TEST_F(Notifications, AllowObserversToChangeWhileAnotherThreadPosts) {
     std::atomic<bool> done = false;
     std::jthread posting([&] {
         while (!done)
-            center.post(named("a"));
+            center.post({.name = "a", .object = {}, .userInfo = {}});
     });
     for (int round = 0; round < 200; ++round) {
         auto observer = std::make_shared<std::atomic<int>>(0);
