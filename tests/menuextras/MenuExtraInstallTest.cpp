@@ -55,7 +55,7 @@ TEST_F(MenuExtraInstall, ReplacesTheOldCopyOrLogsWhyNot) {
     }
     for (const std::string more : {"", "\ncopying MenuExtra to F/X.menu"}) {
         arrange({"2", "1", "", {}, {}, {}});
-        ASSERT_TRUE(platform::Bundle::bundleWithPath(X)); // so that the old version is known
+        ASSERT_TRUE(platform::Bundle::bundleWithPath(X)); // reads the old version
         myDebug = more.empty() ? 0 : 1;
         EXPECT_TRUE(Tools::installMenuExtra(S));
         EXPECT_EQ(log(), "replacing MenuExtra (V1) at F/X.menu" + more);

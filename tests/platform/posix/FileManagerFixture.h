@@ -84,6 +84,7 @@ class FileManagerFixture : public testing::Test {
             ExitingCalls calls;
             PosixFileManager files({}, calls);
             make(files);
+            ::_exit(1);
         }
         ::waitpid(child, nullptr, 0);
         const Names left = namesIn(place);

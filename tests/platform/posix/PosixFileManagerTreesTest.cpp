@@ -112,7 +112,7 @@ TEST_F(PosixFileManagerTrees, OneOfSeveralConcurrentCopiersSucceeds) {
     }
 }
 
-TEST_F(PosixFileManagerTrees, AKilledProcessLeavesTheFolderThatItRemovesCompleteOrRemoved) {
+TEST_F(PosixFileManagerTrees, AKilledRemovalLeavesACompleteFolderOrNone) {
     const Names whole = describe(X);
     // The process is killed after this time, which grows until it completes and is then halved.
     std::chrono::microseconds limit(500);
