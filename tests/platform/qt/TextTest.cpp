@@ -180,10 +180,8 @@ TEST(TextShadow, IsMovedByItsOffsetAndKeepsItsTotalAlpha) {
 TEST(TextShadow, HasTheProfileOfAGaussian) {
     // The blurred edge of a wide block is the integral of the Gaussian.
     const auto draw = [](Canvas& canvas, double blurRadius) {
-        const platform::TextAttributes attributes{.font = platform::Font{"", 80, false},
-                                                  .foregroundColor = Color{},
-                                                  .shadow =
-                                                      Shadow{{1000, 0}, blurRadius, {0, 0, 0, 1}}};
+        const Shadow shadow{{1000, 0}, blurRadius, {0, 0, 0, 1}};
+        const TextAttributes attributes{Font{"", 80, false}, Color{}, shadow};
         canvas->drawText(AttributedString("\u2588\u2588", attributes), {50 - 1000, 0});
     };
     Canvas sharp(200, 100);
@@ -213,7 +211,7 @@ TEST(TextShadow, IsNotDrawnIfItIsInvisibleOrNotFinite) {
     }
 }
 
-TEST(TextShadow, AndColourOfARunOverrideThoseOfTheContext) {
+TEST(Text, HasTheColourAndShadowOfItsRunsOrElseOfTheContext) {
     Canvas canvas(120, 100);
     canvas->setShadow({0, 30}, 0);
     AttributedString text("\u2588\u2588\u2588\u2588", {{}, Color{1, 0, 0, 1}, {}});
