@@ -58,8 +58,9 @@ QRgb SolidFill::filled(QRgb pixel) const {
 int SolidFill::fillFours(QRgb* pixels, int count) const {
     const __m128i zero = _mm_setzero_si128();
     const __m128i base = _mm_loadu_si128(reinterpret_cast<const __m128i*>(base_.data()));
-    const __m128i factors = _mm_setr_epi16(oldFactor_, alphaFactor_[0], oldFactor_, alphaFactor_[1], oldFactor_,
-                                           alphaFactor_[2], oldFactor_, alphaFactor_[3]);
+    const __m128i factors =
+        _mm_setr_epi16(oldFactor_, alphaFactor_[0], oldFactor_, alphaFactor_[1], oldFactor_,
+                       alphaFactor_[2], oldFactor_, alphaFactor_[3]);
     const auto sums = [&](__m128i componentsAndAlpha) {
         return _mm_srai_epi32(_mm_add_epi32(_mm_madd_epi16(componentsAndAlpha, factors), base),
                               kFractionBits);
