@@ -33,7 +33,6 @@ TEST(Admission, AdmitsTheBarsOwnItemsAndTheUsersAndDeclinesThoseElsewhere) {
     EXPECT_EQ(bar.remove(kOwnClock), 0);
     EXPECT_TRUE(bar.loads(HALVEX_CLOCK, kOwnClock, 0)) << bar.log();
 
-    bar.stop();
     bar.start({"--admit=all"});
     EXPECT_EQ(bar.remove(kTestExtra), 0);
     EXPECT_TRUE(bar.loads(HALVEX_TEST_EXTRA, kTestExtra)) << bar.log();
@@ -56,7 +55,6 @@ TEST(Admission, OfKindSystemDeclinesForeignItemsUntilMenuCrackerIsLoaded) {
     EXPECT_TRUE(bar.logs(std::string(HALVEX_TEST_EXTRA) + " declined: it is not in"));
     EXPECT_THAT(bar.identifiers(), ElementsAre(kOwnClock, kCracker, HalvexMenuID));
 
-    bar.stop();
     bar.start({"--admit=system"});
     EXPECT_THAT(bar.identifiers(),
                 testing::UnorderedElementsAre(kOwnClock, kCracker, HalvexMenuID));

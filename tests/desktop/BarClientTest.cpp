@@ -32,7 +32,7 @@ std::vector<std::int32_t> callEverything(BarClient& client) {
 
 TEST(BarClient, CallsEveryOperationOfARunningBar) {
     const auto bus = std::make_shared<PrivateBus>();
-    BarProcess bar(bus, {});
+    BarProcess bar({}, {}, bus);
     BarClient client(bus->addressText());
     const std::string path = test::TestBundle(bar).path;
     EXPECT_EQ(get(client, kTestExtra), -1);
@@ -80,15 +80,14 @@ TEST(BarClient, RejectsRepliesOfTheWrongType) {
     BarClient client(bus.addressText());
     // This thread runs the event loop, which answers.
     auto statuses = std::async(std::launch::async, [&] { return callEverything(client); });
-    ASSERT_TRUE(
-        BarProcess::eventually([&] { return statuses.wait_for(0s) == std::future_status::ready; }));
+    ASSERT_TRUE(eventually([&] { return statuses.wait_for(0s) == std::future_status::ready; }));
     EXPECT_THAT(statuses.get(), testing::Each(testing::Ne(0)));
     EXPECT_TRUE(log.contains("the menu bar returned \"s\" from GetMenuExtra instead of \"iu\""));
 }
 
 TEST(BarClient, NoticesABarThatHangsOrDiesDuringALoad) {
     const auto bus = std::make_shared<PrivateBus>();
-    BarProcess bar(bus, {"--admit=all"});
+    BarProcess bar({"--admit=all"}, {}, bus);
     const test::TestBundle extra(bar, "HangsAtStart");
     BarClient client(bus->addressText());
     EXPECT_EQ(bar.add(extra.path), 0) << "loading comes later";

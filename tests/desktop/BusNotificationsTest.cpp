@@ -7,7 +7,7 @@
 #include "platform/qt/Foreground.h"
 #include "platform/qt/QtMainThread.h"
 #include "platform/qt/QtWorkspace.h"
-#include "tests/desktop/support/BarProcess.h"
+#include "tests/desktop/support/ProgramProcess.h"
 #include "tests/support/RecordingLog.h"
 #include "tests/support/ScopedEnvironment.h"
 
@@ -19,13 +19,13 @@
 #include <gtest/gtest.h>
 
 #include <csignal>
+#include <fstream>
+#include <iterator>
 #include <map>
-#include <sstream>
 #include <thread>
 
 using namespace platform;
 using platform::qt::BusNotifications;
-using test::BarProcess;
 using test::PrivateBus;
 using testing::ElementsAre;
 using testing::IsEmpty;
@@ -44,40 +44,33 @@ class BusNotificationsTest : public testing::Test {
         });
     }
     bool receives(std::size_t count) {
-        return BarProcess::eventually([&] { return received.size() >= count; });
+        return test::eventually([&] { return received.size() >= count; });
     }
-    static std::unique_ptr<QProcess> start(const QString& program, const QStringList& arguments) {
-        auto process = std::make_unique<QProcess>();
-        process->setProcessChannelMode(QProcess::ForwardedErrorChannel);
-        process->start(program, arguments);
-        return process;
+    void post(const std::string& name, const PropertyList::Dictionary& userInfo = {}) {
+        center.post({.name = name, .object = {}, .userInfo = userInfo});
     }
     static int request() {
-        const auto ctl = start(HALVEX_CTL, {"background", "request", "Request"});
-        return ctl->waitForFinished(60000) ? ctl->exitCode() : -1;
+        return QProcess::execute(HALVEX_CTL, {"background", "request", "Request"});
     }
     /// Returns the process identifiers in a file of the application, once there are @p count.
     std::vector<std::string> written(const char* file, std::size_t count) const {
-        std::vector<std::string> lines;
-        BarProcess::eventually([&] {
-            std::istringstream text(test::contents(folder.path() / file));
-            lines.clear();
-            for (std::string line; std::getline(text, line);)
-                lines.push_back(line);
-            return lines.size() >= count;
+        std::vector<std::string> processes;
+        test::eventually([&] {
+            std::ifstream stream(folder.path() / file);
+            processes.assign(std::istream_iterator<std::string>(stream), {});
+            return processes.size() >= count;
         });
-        return lines;
+        return processes;
     }
     /// Installs a pane for this user, with the peer as its background application.
     void installApplication() const {
-        const std::string application =
+        const std::string contents =
             "Library/PreferencePanes/Halvex Pro.prefPane/Contents/PlugIns/Halvex.app/Contents/";
-        folder.write(
-            application + "Info.plist",
-            "<plist><dict><key>CFBundleExecutable</key><string>Halvex</"
-            "string><key>CFBundleIdentifier</key><string>test.Halvex</string></dict></plist>");
-        std::filesystem::create_directories(folder.path() / application / "Linux");
-        std::filesystem::copy(HALVEX_PEER, folder.path() / application / "Linux/Halvex");
+        folder.write(contents + "Info.plist",
+                     "<plist><dict><key>CFBundleExecutable</key><string>Halvex</string>"
+                     "<key>CFBundleIdentifier</key><string>test.Halvex</string></dict></plist>");
+        std::filesystem::create_directory(folder.path() / contents / "Linux");
+        std::filesystem::copy(HALVEX_PEER, folder.path() / contents / "Linux/Halvex");
     }
 
     test::TemporaryFolder folder;
@@ -99,12 +92,12 @@ bool isRunning(const std::string& process) {
 TEST_F(BusNotificationsTest, DeliversThePostsOfEachProcessInTheirOrder) {
     constexpr int kCount = 300;
     observe("Number");
-    const QStringList arguments{"post", "Number", QString::number(kCount)};
-    const auto first = start(HALVEX_PEER, arguments);
-    const auto second = start(HALVEX_PEER, arguments);
+    QProcess first, second;
+    for (QProcess* peer : {&first, &second})
+        peer->start(HALVEX_PEER, {"post", "Number", QString::number(kCount)});
     ASSERT_TRUE(receives(2 * kCount));
-    first->waitForFinished();
-    second->waitForFinished();
+    for (QProcess* peer : {&first, &second})
+        peer->waitForFinished();
     std::map<std::int64_t, std::vector<std::int64_t>> numbers;
     for (const Notification& one : received)
         numbers[*one.userInfo.find("sender")->integer()].push_back(
@@ -128,9 +121,9 @@ TEST_F(BusNotificationsTest, DeliversObjectsAndAllKindsOfValuesOnTheMainThread) 
     };
     observe("Values");
     std::thread([&] {
-        center.post({.name = "Not observed", .object = {}, .userInfo = {}});
+        post("Not observed");
         center.post({.name = "Values", .object = "object", .userInfo = userInfo});
-        center.post({.name = "Values", .object = {}, .userInfo = {}});
+        post("Values");
     }).join();
     ASSERT_TRUE(receives(2));
     EXPECT_EQ(received[0].object, "object");
@@ -139,9 +132,9 @@ TEST_F(BusNotificationsTest, DeliversObjectsAndAllKindsOfValuesOnTheMainThread) 
     EXPECT_TRUE(received[1].userInfo.empty());
 
     center.removeObserver(self, "Values");
-    center.post({.name = "Values", .object = {}, .userInfo = {}});
+    post("Values");
     observe("Last");
-    center.post({.name = "Last", .object = {}, .userInfo = {}});
+    post("Last");
     ASSERT_TRUE(receives(3));
     EXPECT_EQ(received.back().name, "Last");
 }
@@ -157,8 +150,8 @@ TEST_F(BusNotificationsTest, LogsAndIgnoresMalformedNotifications) {
     send({"A", 5});
     send({"A", "", "<plist><array/></plist>"});
     send({"A", "", "<plist><dict>"});
-    center.post({.name = "A", .object = {}, .userInfo = {{"bell", "\a"}}});
-    center.post({.name = "A", .object = {}, .userInfo = {}});
+    post("A", {{"bell", "\a"}});
+    post("A");
     ASSERT_TRUE(receives(1));
     for (const char* reason :
          {"its signature is \"si\"", "its user information is not a dictionary",
@@ -171,7 +164,7 @@ TEST_F(BusNotificationsTest, LogsAndIgnoresMalformedNotifications) {
 TEST_F(BusNotificationsTest, LogsOnceThatThereIsNoBus) {
     bus.kill();
     for (int i = 0; i < 3; ++i)
-        center.post({.name = "A", .object = {}, .userInfo = {}});
+        post("A");
     observe("A");
     EXPECT_THAT(log.take(),
                 ElementsAre("notifications do not reach other programs: there is no session bus"));
@@ -187,17 +180,18 @@ TEST_F(BusNotificationsTest, ReachesAnApplicationThatTheFirstRequestStarts) {
     const auto both = written("requests", 2);
     ASSERT_THAT(both, SizeIs(2));
     EXPECT_EQ(both[0], both[1]);
-    const auto find = start(HALVEX_CTL, {"background", "find"});
-    find->waitForFinished();
-    const QStringList words = QString(find->readAll()).trimmed().split('\t');
+    QProcess find;
+    find.start(HALVEX_CTL, {"background", "find"});
+    find.waitForFinished();
+    const QStringList words = QString(find.readAll()).trimmed().split('\t');
     ASSERT_EQ(words.size(), 2);
     EXPECT_EQ(words[1].toStdString(), both[0]);
 
     platform::qt::bringApplicationToFront(words[0].toULongLong());
     EXPECT_THAT(written("activations", 1), ElementsAre(both[0]));
-    center.post({.name = "Quit", .object = {}, .userInfo = {}});
+    post("Quit");
     center.flush();
-    EXPECT_TRUE(BarProcess::eventually([&] { return !isRunning(both[0]); }));
+    EXPECT_TRUE(test::eventually([&] { return !isRunning(both[0]); }));
 }
 
 /// An item in this process that hands a request over to the background application.
@@ -214,7 +208,7 @@ class HandOver : public BusNotificationsTest {
     }
     static void end(const std::string& process) {
         kill(std::stoi(process), SIGKILL);
-        EXPECT_TRUE(BarProcess::eventually([&] { return !isRunning(process); }));
+        EXPECT_TRUE(test::eventually([&] { return !isRunning(process); }));
     }
     std::string startedApplication() const {
         request();

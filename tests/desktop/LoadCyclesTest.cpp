@@ -1,6 +1,5 @@
 #include "tests/desktop/support/BarProcess.h"
 
-#include <QImage>
 #include <QThread>
 
 #include <gtest/gtest.h>
@@ -32,7 +31,7 @@ std::map<std::string, std::ptrdiff_t> resources(const fs::path& process) {
 /// Waits until the process is idle: while it writes its list, more files are open.
 auto resourcesWhenIdle(const fs::path& process) {
     auto last = resources(process);
-    BarProcess::eventually([&] {
+    test::eventually([&] {
         QThread::msleep(50);
         auto before = std::exchange(last, resources(process));
         return last["descriptors"] == before["descriptors"];
@@ -71,7 +70,7 @@ TEST(LoadCycles, LeakNoResources) {
     EXPECT_EQ(after["threads"], before["threads"]);
     EXPECT_LE(after["mappings"], before["mappings"] + (kSanitized ? 1'000'000 : 5));
     EXPECT_LE(after["kilobytes"], before["kilobytes"] + (kSanitized ? 1'000'000 : 4096));
-    EXPECT_EQ(QImage(bar.snapshot()).height(), 22) << "no menu is open";
+    EXPECT_EQ(bar.picture().height(), 22) << "no menu is open";
     EXPECT_TRUE(bar.logs("unloading"));
     EXPECT_EQ(bar.log().find("still referenced"), std::string::npos);
     EXPECT_EQ(bar.stop(), 0) << bar.log();

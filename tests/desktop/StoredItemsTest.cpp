@@ -19,7 +19,7 @@ fs::path listFile(const BarProcess& bar) {
 
 /// Waits until the list on disk names an item or, with @p named false, does not.
 bool stores(const BarProcess& bar, const std::string& identifier, bool named = true) {
-    return BarProcess::eventually([&] {
+    return eventually([&] {
         const std::string list = contents(listFile(bar));
         return !list.empty() && (list.find(identifier) != std::string::npos) == named;
     });
@@ -51,7 +51,6 @@ TEST(StoredItems, AreNeitherThoseOfTheCommandLineNorThoseWithoutABundle) {
     BarProcess bar;
     const std::string path = bar.install(HALVEX_TEST_EXTRA);
     ASSERT_TRUE(bar.loads(path, kTestExtra));
-    bar.stop();
     bar.start({QString::fromStdString(path), HALVEX_TIME_MENU});
     EXPECT_THAT(bar.identifiers(), ElementsAre(kOwnClock, kTestExtra, HalvexMenuID));
     bar.stop();

@@ -1,56 +1,41 @@
 #include "tests/desktop/support/BarProcess.h"
 #include "tests/desktop/support/XServer.h"
 
-#include <QImage>
-
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
-using test::BarProcess;
-using test::kScreenWidth;
-using test::XServer;
+using namespace test;
 
 namespace {
 
-class X11Bar : public testing::Test {
-  protected:
-    test::Settings settings(const QString& scale = "1") const {
-        return {{"QT_QPA_PLATFORM", "xcb"}, {"DISPLAY", x.display}, {"QT_SCALE_FACTOR", scale}};
-    }
-    XServer x;
-};
-
-TEST_F(X11Bar, IsADockThatReservesTheTopOfTheScreenAtEveryScale) {
+TEST(X11Bar, IsADockThatReservesTheTopOfTheScreenAtEveryScale) {
+    const XServer x;
     const std::pair<const char*, std::uint32_t> scales[] = {{"1", 22}, {"1.5", 33}, {"2", 44}};
     for (const auto& [scale, height] : scales) {
-        BarProcess bar({}, settings(scale));
+        BarProcess bar({}, x.settings(scale));
         EXPECT_THAT(x.property("_NET_WM_WINDOW_TYPE"),
                     testing::ElementsAre(x.atom("_NET_WM_WINDOW_TYPE_DOCK")));
         EXPECT_THAT(x.property("_NET_WM_DESKTOP"), testing::ElementsAre(0xFFFFFFFFU));
         EXPECT_THAT(x.property("_NET_WM_STRUT_PARTIAL"),
                     testing::ElementsAre(0, 0, height, 0, 0, 0, 0, 0, 0, kScreenWidth - 1, 0, 0));
-        const auto file = QString::fromStdString(bar.folder().file("bar.png"));
-        bar.call("Snapshot", {file});
-        const QImage picture(file);
+        const QImage picture = bar.picture();
         EXPECT_EQ(picture.height(), static_cast<int>(height));
         EXPECT_NEAR(picture.width(), kScreenWidth, 1) << "a whole number of points";
     }
 }
 
-TEST_F(X11Bar, PassesMouseAndKeyboardInputToItsItems) {
-    BarProcess bar({HALVEX_TEST_EXTRA}, settings());
-    const int clock = 63 + 12 + 4; // approximate width of the bar's own clock
-    const QStringList pointAtItem{"mousemove", QString::number(kScreenWidth - clock - 20), "10"};
-    x.act(pointAtItem);
+TEST(X11Bar, PassesMouseAndKeyboardInputToItsItems) {
+    const XServer x;
+    BarProcess bar({HALVEX_TEST_EXTRA}, x.settings());
+    x.pointAt(kAtItem);
     x.act({"keydown", "Shift_L", "click", "--repeat", "2", "1", "keyup", "Shift_L"});
     EXPECT_TRUE(bar.logs("click shift 1")) << bar.log();
     EXPECT_TRUE(bar.logs("click shift 2")) << bar.log();
     x.act({"click", "8"}); // X numbers the back button 8
     EXPECT_TRUE(bar.logs("click control 1")) << bar.log();
     x.act({"key", "Escape"});
-    x.act({"mousemove", QString::number(kScreenWidth - 40), "10", "click", "1"});
-    x.act(pointAtItem); // the clock's menu is open: moving the mouse switches to the item's
-    EXPECT_TRUE(BarProcess::eventually([&] {
+    x.clickAt(kAtClock);
+    x.pointAt(kAtItem); // the clock's menu is open: moving the mouse switches to the item's
+    EXPECT_TRUE(eventually([&] {
         x.act({"key", "Down", "Return"});
         return bar.log().find("chosen") != std::string::npos;
     })) << bar.log();
@@ -58,15 +43,15 @@ TEST_F(X11Bar, PassesMouseAndKeyboardInputToItsItems) {
     x.act({"key", "Escape"});
     x.act({"click", "1"});
     EXPECT_TRUE(bar.logs("click plain 1")) << bar.log();
-    x.act({"key", "Up"});
-    x.act({"key", "Return"});
+    x.act({"key", "Up", "Return"});
     EXPECT_TRUE(bar.logs("test.extra raised an exception: unknown")) << bar.log();
     EXPECT_EQ(bar.stop(), 0) << bar.log();
 }
 
-TEST_F(X11Bar, SurvivesKeysThatArriveWhileMenusSwitch) {
-    BarProcess bar({HALVEX_TEST_EXTRA}, settings());
-    x.act({"mousemove", QString::number(kScreenWidth - 40), "10"});
+TEST(X11Bar, SurvivesKeysThatArriveWhileMenusSwitch) {
+    const XServer x;
+    BarProcess bar({HALVEX_TEST_EXTRA}, x.settings());
+    x.pointAt(kAtClock);
     for (int i = 0; i < 10; ++i) {
         x.act({"click", "1"});
         x.act({"key", "--delay", "0", "Right", "Right", "Left", "Right", "Escape"});

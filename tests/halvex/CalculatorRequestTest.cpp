@@ -1,4 +1,4 @@
-#include "tests/desktop/support/WindowProcess.h"
+#include "tests/desktop/support/BarProcess.h"
 #include "tests/desktop/support/XServer.h"
 
 #include <QDBusConnectionInterface>
@@ -7,7 +7,7 @@
 
 #include <csignal>
 
-using test::BarProcess;
+using test::eventually;
 namespace fs = std::filesystem;
 
 namespace {
@@ -23,32 +23,26 @@ class CalculatorRequest : public testing::Test {
         if (process == 0)
             return;
         kill(static_cast<pid_t>(process), SIGTERM);
-        EXPECT_TRUE(BarProcess::eventually([&] { return program(process).empty(); }));
+        EXPECT_TRUE(eventually([&] { return program(process).empty(); }));
     }
     uint processOnBus() const {
-        return halvex.bus.connection().interface()->servicePid(kName).value();
+        return halvex.bus->connection().interface()->servicePid(kName).value();
     }
     static fs::path program(uint process) {
         std::error_code ignored; // the process may have exited
         return fs::read_symlink("/proc/" + std::to_string(process) + "/exe", ignored);
     }
     void chooseCalculator() const {
-        const int clock = 63 + 12 + 4; // about as wide as the bar's own clock
-        x.act({"mousemove", QString::number(test::kScreenWidth - clock - 20), "10"});
-        x.act({"click", "1"});
-        x.act({"key", "Up"}); // the last entry, which opens the preferences
-        x.act({"key", "Up"});
-        x.act({"key", "Return"});
+        x.clickAt(test::kAtItem);
+        x.act({"key", "Up", "Up", "Return"}); // the last but one entry
     }
     bool isShown() {
-        return BarProcess::eventually([this] { return !halvex.picture().isNull(); });
+        return eventually([this] { return !halvex.picture().isNull(); });
     }
 
     test::XServer x;
-    test::WindowProcess halvex{"", kName};
-    BarProcess bar{{&halvex.bus, [](test::PrivateBus*) {}},
-                   {HALVEX_TIME_MENU},
-                   {{"QT_QPA_PLATFORM", "xcb"}, {"DISPLAY", x.display}}};
+    test::ProgramProcess halvex{HALVEX_APPLICATION, kName}; // not started by the test
+    test::BarProcess bar{{HALVEX_TIME_MENU}, x.settings(), halvex.bus};
 };
 
 TEST_F(CalculatorRequest, StartsTheApplicationInTheInstalledPaneOnceAndReusesItsProcess) {
@@ -60,7 +54,7 @@ TEST_F(CalculatorRequest, StartsTheApplicationInTheInstalledPaneOnceAndReusesIts
     const uint process = processOnBus();
     EXPECT_EQ(program(process), pane / "Contents/PlugIns/Halvex.app/Contents/Linux/Halvex");
     x.act({"search", "--onlyvisible", "--name", "^Calculator$", "windowfocus", "key", "ctrl+w"});
-    EXPECT_TRUE(BarProcess::eventually([this] { return halvex.picture().isNull(); }));
+    EXPECT_TRUE(eventually([this] { return halvex.picture().isNull(); }));
     chooseCalculator();
     EXPECT_TRUE(isShown());
     EXPECT_EQ(processOnBus(), process);
@@ -78,7 +72,7 @@ TEST_F(CalculatorRequest, ActivatesTheWindowOfARunningApplicationThatOwnsNoBusNa
     ASSERT_TRUE(application.waitForStarted());
     const auto window = x.manageWindowOf(static_cast<std::uint32_t>(application.processId()));
     chooseCalculator();
-    EXPECT_TRUE(BarProcess::eventually([&] { return x.isAsked("_NET_ACTIVE_WINDOW", window); }));
+    EXPECT_TRUE(eventually([&] { return x.isAsked("_NET_ACTIVE_WINDOW", window); }));
     application.kill();
     application.waitForFinished();
 }

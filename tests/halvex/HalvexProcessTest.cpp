@@ -1,13 +1,13 @@
 #include "identifiers/ExportedIdentifiers.h"
 #include "platform/expat/ExpatPropertyLists.h"
 #include "platform/qt/BusNotifications.h"
-#include "tests/desktop/support/WindowProcess.h"
+#include "tests/desktop/support/ProgramProcess.h"
 
 #include <QThread>
 
 #include <gtest/gtest.h>
 
-using test::BarProcess;
+using test::eventually;
 
 namespace {
 
@@ -16,8 +16,8 @@ class Halvex : public testing::Test {
     void SetUp() override { platform::expat::install(); }
     bool isShown() { return !halvex.picture().isNull(); }
 
-    test::WindowProcess halvex{HALVEX_APPLICATION, "com.quorvanesoftware.Halvex"};
-    platform::qt::BusNotifications notifications{halvex.bus.addressText()};
+    test::ProgramProcess halvex{HALVEX_APPLICATION, "com.quorvanesoftware.Halvex"};
+    platform::qt::BusNotifications notifications{halvex.bus->addressText()};
 };
 
 TEST_F(Halvex, AnnouncesItsLaunchAndShowsTheCalculatorWhenItIsNotified) {
@@ -29,13 +29,13 @@ TEST_F(Halvex, AnnouncesItsLaunchAndShowsTheCalculatorWhenItIsNotified) {
         });
     notifications.flush();
     halvex.start();
-    EXPECT_TRUE(BarProcess::eventually([&] { return launched == "Halvex"; })) << launched;
+    EXPECT_TRUE(eventually([&] { return launched == "Halvex"; })) << launched;
     EXPECT_FALSE(isShown());
     notifications.post({"HalvexShowSomethingElseNotification", {}, {}});
     QThread::msleep(300);
     EXPECT_FALSE(isShown());
     notifications.post({"HalvexShowCalculatorNotification", {}, {}});
-    ASSERT_TRUE(BarProcess::eventually([this] { return isShown(); }));
+    ASSERT_TRUE(eventually([this] { return isShown(); }));
     const QImage picture = halvex.picture();
     EXPECT_GT(picture.height(), picture.width()) << "the calculator is taller than wide";
     EXPECT_NE(picture.pixel(2, 2), picture.pixel(picture.width() - 30, picture.height() - 20));
@@ -44,27 +44,26 @@ TEST_F(Halvex, AnnouncesItsLaunchAndShowsTheCalculatorWhenItIsNotified) {
 
 TEST_F(Halvex, RunsOncePerSessionAndRepliesToUnknownRequestsWithAnError) {
     halvex.start();
-    EXPECT_EQ(halvex.startAgain(), 0);
-    EXPECT_EQ(halvex.ask("Activate").type(), QDBusMessage::ReplyMessage);
-    const auto opened = halvex.ask("Open", {QStringList("file:///etc/hosts")});
-    EXPECT_EQ(opened.errorMessage(), "Halvex cannot open files");
-    const auto unknown = halvex.ask("ActivateAction", {"dance", QVariantList()});
-    EXPECT_EQ(unknown.errorMessage(), "unknown action \"dance\": use \"calculator\"");
+    EXPECT_EQ(halvex.run(), 0);
+    EXPECT_EQ(halvex.request("Activate"), "");
+    EXPECT_EQ(halvex.request("Open", {QStringList("file:///etc/hosts")}),
+              "Halvex cannot open files");
+    EXPECT_EQ(halvex.request("ActivateAction", {"dance", QVariantList()}),
+              "unknown action \"dance\": use \"calculator\"");
     EXPECT_FALSE(isShown()) << "a hidden window stays hidden";
-    EXPECT_EQ(halvex.ask("ActivateAction", {"calculator", QVariantList()}).type(),
-              QDBusMessage::ReplyMessage);
+    EXPECT_EQ(halvex.request("ActivateAction", {"calculator", QVariantList()}), "");
     EXPECT_TRUE(isShown());
-    EXPECT_EQ(halvex.startAgain(), 0);
+    EXPECT_EQ(halvex.run(), 0);
     EXPECT_TRUE(isShown());
     EXPECT_TRUE(halvex.isRunning());
 }
 
 TEST_F(Halvex, QuitsWhenTheSessionBusDisconnectsAndDoesNotStartWithoutOne) {
     halvex.start();
-    halvex.bus.kill();
-    EXPECT_TRUE(halvex.ends());
+    halvex.bus->kill();
+    EXPECT_EQ(halvex.waitForExit(), 0);
     EXPECT_TRUE(halvex.logs("com.quorvanesoftware.Halvex quits: the session bus disconnected"));
-    EXPECT_EQ(halvex.runWithoutBus(), 1);
+    EXPECT_EQ(halvex.run({}, {}, {{"DBUS_SESSION_BUS_ADDRESS", "unix:path=/nowhere"}}), 1);
     EXPECT_TRUE(halvex.logs("Halvex cannot start: there is no session bus"));
 }
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "tests/desktop/support/BarProcess.h"
+#include "tests/desktop/support/ProgramProcess.h"
 
 #include <QDBusVirtualObject>
 

@@ -1,7 +1,8 @@
 #pragma once
 
-#include <QProcess>
-#include <QString>
+#include "tests/desktop/support/ProgramProcess.h"
+
+#include <QRect>
 
 #include <gtest/gtest.h>
 
@@ -16,23 +17,31 @@ namespace test {
 
 constexpr int kScreenWidth = 1000;
 constexpr int kScreenHeight = 300;
+/// Columns in the bar's own clock and in the item next to it.
+constexpr int kAtClock = kScreenWidth - 40;
+constexpr int kAtItem = kScreenWidth - 100;
 
 template <class T>
 std::unique_ptr<T, decltype(&std::free)> owned(T* reply) {
     return {reply, &std::free};
 }
 
-/// A private X server, with access to its windows and input.
+/// A private X server, with access to its windows and input. Its screen is green at first.
 class XServer {
   public:
+    static constexpr std::uint32_t kBackground = 0x00FF00;
+
     XServer() {
         server_.start("Xvfb",
                       {"-displayfd", "1", "-screen", "0",
                        QString("%1x%2x24").arg(kScreenWidth).arg(kScreenHeight), "-noreset"});
         server_.waitForReadyRead(5000);
-        display = ":" + QString::fromUtf8(server_.readLine()).trimmed();
-        connection_ = xcb_connect(display.toUtf8().constData(), nullptr);
+        display_ = ":" + QString::fromUtf8(server_.readLine()).trimmed();
+        connection_ = xcb_connect(display_.toUtf8().constData(), nullptr);
         root_ = xcb_setup_roots_iterator(xcb_get_setup(connection_)).data->root;
+        xcb_change_window_attributes(connection_, root_, XCB_CW_BACK_PIXEL, &kBackground);
+        xcb_clear_area(connection_, 0, root_, 0, 0, 0, 0);
+        xcb_flush(connection_);
     }
     ~XServer() {
         xcb_disconnect(connection_);
@@ -40,6 +49,20 @@ class XServer {
         server_.waitForFinished(5000);
     }
 
+    /// The settings of a program on this screen.
+    Settings settings(const QString& scale = "1") const {
+        return {{"QT_QPA_PLATFORM", "xcb"}, {"DISPLAY", display_}, {"QT_SCALE_FACTOR", scale}};
+    }
+    QImage picture() const {
+        const auto reply =
+            owned(xcb_get_image_reply(connection_,
+                                      xcb_get_image(connection_, XCB_IMAGE_FORMAT_Z_PIXMAP, root_,
+                                                    0, 0, kScreenWidth, kScreenHeight, ~0U),
+                                      nullptr));
+        return QImage(xcb_get_image_data(reply.get()), kScreenWidth, kScreenHeight,
+                      QImage::Format_RGB32)
+            .copy();
+    }
     std::uint32_t atom(const std::string& name) const {
         const auto size = static_cast<std::uint16_t>(name.size());
         return owned(xcb_intern_atom_reply(
@@ -66,12 +89,18 @@ class XServer {
     /// Runs xdotool and returns its output.
     QString act(const QStringList& arguments) const {
         QProcess xdotool;
-        auto environment = QProcessEnvironment::systemEnvironment();
-        environment.insert("DISPLAY", display);
-        xdotool.setProcessEnvironment(environment);
+        xdotool.setProcessEnvironment(environmentWith(settings()));
         xdotool.start("xdotool", arguments);
         EXPECT_TRUE(xdotool.waitForFinished(5000));
         return QString::fromUtf8(xdotool.readAllStandardOutput());
+    }
+
+    void pointAt(int column, int row = 10) const {
+        act({"mousemove", QString::number(column), QString::number(row)});
+    }
+    void clickAt(int column, int row = 10) const {
+        pointAt(column, row);
+        act({"click", "1"});
     }
 
     /// Creates a window of @p process and lists it, as a window manager does.
@@ -103,9 +132,8 @@ class XServer {
         return found;
     }
 
-    QString display;
-
   private:
+    QString display_;
     QProcess server_;
     xcb_connection_t* connection_ = nullptr;
     xcb_window_t root_ = 0;

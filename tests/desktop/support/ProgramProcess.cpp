@@ -1,0 +1,153 @@
+#include "tests/desktop/support/ProgramProcess.h"
+
+#include <QCoreApplication>
+#include <QElapsedTimer>
+#include <QThread>
+
+#include <stdexcept>
+#include <utility>
+
+// A connection to a private bus leaks, in the tests only. The programs are checked without this.
+extern "C" const char* __lsan_default_suppressions();  // NOLINT: the sanitizer's name
+extern "C" const char* __lsan_default_suppressions() { // NOLINT
+    return "leak:libQt6DBus\nleak:libdbus-1\n";
+}
+
+namespace test {
+namespace {
+
+constexpr int kLimit = 5000; // milliseconds; generous: a sanitized bar on a busy machine is slow
+
+int exitStatus(const QProcess& process) {
+    const bool exited = process.state() == QProcess::NotRunning;
+    return exited && process.exitStatus() == QProcess::NormalExit ? process.exitCode() : -1;
+}
+
+} // namespace
+
+QProcessEnvironment environmentWith(const Settings& settings) {
+    auto environment = QProcessEnvironment::systemEnvironment();
+    for (const auto& [name, value] : settings)
+        environment.insert(name, value);
+    return environment;
+}
+
+bool eventually(const std::function<bool()>& condition) {
+    QElapsedTimer timer;
+    timer.start();
+    while (!condition()) {
+        if (timer.elapsed() > kLimit)
+            return false;
+        QCoreApplication::processEvents();
+        QThread::msleep(10);
+    }
+    return true;
+}
+
+PrivateBus::PrivateBus(const Settings& settings) {
+    daemon_.setProcessEnvironment(environmentWith(settings));
+    static int count = 0;
+    name_ = QString("private-%1").arg(++count);
+    daemon_.start("dbus-daemon", {"--session", "--nofork", "--print-address"});
+    daemon_.waitForReadyRead(kLimit);
+    address_ = QString::fromUtf8(daemon_.readLine()).trimmed();
+    if (!QDBusConnection::connectToBus(address_, name_).isConnected())
+        throw std::runtime_error("no private session bus");
+}
+
+PrivateBus::~PrivateBus() {
+    QDBusConnection::disconnectFromBus(name_);
+    kill();
+}
+
+void PrivateBus::kill() {
+    daemon_.kill();
+    daemon_.waitForFinished(kLimit);
+}
+
+ProgramProcess::ProgramProcess(QString program, QString name, QString interface,
+                               std::shared_ptr<PrivateBus> sessionBus, const Settings& settings)
+    : bus(std::move(sessionBus)), program_(std::move(program)), name_(std::move(name)),
+      interface_(std::move(interface)) {
+    Settings all{{"HOME", QString::fromStdString(home())},
+                 {"XDG_RUNTIME_DIR", QString::fromStdString(folder_.path())},
+                 {"DBUS_SESSION_BUS_ADDRESS", bus->address()},
+                 {"QT_QPA_PLATFORM", "offscreen"}};
+    all.insert(all.end(), settings.begin(), settings.end());
+    std::filesystem::create_directory(home());
+    process_.setProcessEnvironment(environmentWith(all));
+    process_.setProcessChannelMode(QProcess::MergedChannels);
+}
+
+void ProgramProcess::start(const QStringList& arguments) {
+    stop();
+    launch(arguments);
+    if (!eventually([this] { return !call("Snapshot", {picture_}).isEmpty(); }))
+        throw std::runtime_error("the program does not answer: " + log());
+}
+
+int ProgramProcess::run(const QStringList& arguments, const QString& program,
+                        const Settings& changes) {
+    QProcess process;
+    auto environment = process_.processEnvironment();
+    for (const auto& [name, value] : changes)
+        environment.insert(name, value);
+    process.setProcessEnvironment(environment);
+    process.setProcessChannelMode(QProcess::MergedChannels);
+    process.start(program.isEmpty() ? program_ : program, arguments);
+    process.waitForFinished(2 * kLimit);
+    log_ += process.readAll().toStdString();
+    return exitStatus(process);
+}
+
+int ProgramProcess::stop() {
+    process_.terminate();
+    return waitForExit();
+}
+
+void ProgramProcess::kill() {
+    process_.kill();
+    waitForExit();
+}
+
+int ProgramProcess::waitForExit() {
+    process_.waitForFinished(4 * kLimit);
+    log();
+    return exitStatus(process_);
+}
+
+QVariantList ProgramProcess::call(const QString& member, const QVariantList& arguments) const {
+    const auto reply = send(interface_, member, arguments);
+    return reply.type() == QDBusMessage::ReplyMessage ? reply.arguments() : QVariantList();
+}
+
+std::string ProgramProcess::request(const QString& member, const QVariantList& arguments) const {
+    return send("org.freedesktop.Application", member, arguments + QVariantList{QVariantMap()})
+        .errorMessage()
+        .toStdString();
+}
+
+QDBusMessage ProgramProcess::send(const QString& interface, const QString& member,
+                                  const QVariantList& arguments) const {
+    const QString path = '/' + QString(name_).replace('.', '/');
+    auto message = QDBusMessage::createMethodCall(name_, path, interface, member);
+    message.setArguments(arguments);
+    return bus->connection().call(message, QDBus::Block, 2 * kLimit);
+}
+
+QImage ProgramProcess::picture() const {
+    return call("Snapshot", {picture_}).value(0).toBool() ? QImage(picture_) : QImage();
+}
+
+std::string ProgramProcess::log() {
+    if (isRunning())
+        process_.waitForReadyRead(1);
+    log_ += process_.readAll().toStdString();
+    return log_;
+}
+
+bool ProgramProcess::logs(const std::string& part) {
+    return eventually([&] { return log().find(part) != std::string::npos; });
+}
+
+} // namespace test
