@@ -4,16 +4,14 @@ using test::Shell;
 
 namespace {
 
-/// A session bus for the commands of a shell. Bars on it draw offscreen.
+/// A session bus for the commands of a shell.
 class SessionBus {
   public:
     explicit SessionBus(const Shell& shell) : shell_(shell) {
         shell_.run({{R"(
-            export XDG_RUNTIME_DIR="$PWD" QT_QPA_PLATFORM=offscreen
             dbus-daemon --session --fork --print-address=1 --print-pid=1 >lines
             { read -r address; read -r process; } <lines
-            echo "export XDG_RUNTIME_DIR='$PWD' QT_QPA_PLATFORM=offscreen" >bus
-            echo "export DBUS_SESSION_BUS_ADDRESS='$address'; bus_process=$process" >>bus)",
+            echo "export DBUS_SESSION_BUS_ADDRESS='$address'; bus_process=$process" >bus)",
                      ""}});
     }
     ~SessionBus() { shell_.run({{"kill -KILL $bus_process", ""}}); }
@@ -83,16 +81,7 @@ TEST(ExtraVerbs, WorkWithoutASessionBus) {
         "DBUS_SESSION_BUS_ADDRESS=unix:path=/nowhere timeout 2 '" HALVEX_CTL "' --root root ";
     Shell().run({{withoutBus + "menubar start", "", 1,
                   "halvexctl: cannot start the menu bar: there is no session bus\n"},
-                 {withoutBus + "extras | sed 's/com.quorvanesoftware/C/' | cut -f-3",
-                  "1\tHalvexTimeMenu\tC.HalvexProMenu\n"
-                  "2\tHalvexASMMenu\tC.HalvexProASM\n"
-                  "3\thxCALMenuExtra\tC.HalvexCAL\n"
-                  "4\thxWirelessMenu\tC.HalvexWireless\n"
-                  "5\tHalvexDateCalMenu\tC.HalvexDateCalMenu\n"
-                  "6\tqvCalendarMenu\tC.HalvexCalMenu\n"
-                  "31\tHalvexMenu\tC.HalvexMenu2\n"
-                  "32\thxASMMenu\tC.HalvexASM2\n"
-                  "33\tHalvexTimeOnlyMenuExtra\tC.HalvexTimeOnlyMenuExtra\n"},
+                 {withoutBus + "extras | cut -f1 | xargs", "1 2 3 4 5 6 31 32 33\n"},
                  {"ls -d \"$user\"", "", 2}}); // extras creates no folders
 }
 

@@ -10,19 +10,17 @@ std::string list(const std::string& records) {
            records + "</array>\n</plist>\n";
 }
 
-/// A record of five strings, all @p text, followed by @p rest.
-std::string record(const std::string& text, const std::string& rest = "") {
-    std::string lines = "\t<array>\n";
-    for (int i = 0; i < 5; ++i)
-        lines += "\t\t<string>" + text + "</string>\n";
-    return lines + rest + "\t</array>\n";
+std::string strings(int count, const std::string& text) {
+    const std::string first = "\t\t<string>" + text + "</string>\n";
+    return count == 1 ? first : first + strings(count - 1, text);
+}
+std::string record(const std::string& values) {
+    return "\t<array>\n" + values + "\t</array>\n";
 }
 
-const std::string kEmpty = "\t\t<string></string>\n";
-const std::string kOwn = record("Amsterdam");
-const std::string kCached = record("Lima");
-const std::string kFourEmpty = kEmpty + kEmpty + kEmpty + kEmpty;
-const std::string kNet = record("Lima", kFourEmpty + kFourEmpty + "\t\t<true/>\n");
+const std::string kOwn = record(strings(5, "Amsterdam"));
+const std::string kCached = record(strings(5, "Lima"));
+const std::string kNet = record(strings(5, "Lima") + strings(8, "") + "\t\t<true/>\n");
 
 TEST(PathVerbs, PrintPathsWithoutCreatingThem) {
     Shell().run({{"halvexctl paths 2>&1 | wc -l", "26\n"},

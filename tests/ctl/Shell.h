@@ -43,7 +43,7 @@ class Shell {
   private:
     int execute(const std::string& command) const {
         const std::string script = "cd '" + folder_.path().string() + R"(' && {
-            export HOME="$PWD/home" LC_ALL=C.UTF-8
+            export HOME="$PWD/home" XDG_RUNTIME_DIR="$PWD" LC_ALL=C.UTF-8 QT_QPA_PLATFORM=offscreen
             support='Library/Application Support'
             mkdir -p "home/$support" "root/$support"
             user="home/$support/Quorvane Software"

@@ -73,7 +73,7 @@ TEST(BarClient, FailsImmediatelyWithoutABusOrABarAndLogsTheReasonOnce) {
 
 TEST(BarClient, RejectsRepliesOfTheWrongType) {
     const PrivateBus bus;
-    const test::FakeService bar(bus, "com.quorvanesoftware.MenuBar",
+    const test::FakeService bar(bus.connection(), "com.quorvanesoftware.MenuBar",
                                 "/com/quorvanesoftware/MenuBar",
                                 [](const auto&) { return QString("garbage"); });
     test::RecordingLog log;

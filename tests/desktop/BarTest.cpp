@@ -67,7 +67,7 @@ TEST(Bar, FollowsTheColourSchemeOfTheDesktop) {
     };
     const auto bus = std::make_shared<PrivateBus>();
     const FakeService portal(
-        *bus, "org.freedesktop.portal.Desktop", path, [&](const QDBusMessage& call) {
+        bus->connection(), "org.freedesktop.portal.Desktop", path, [&](const QDBusMessage& call) {
             return call.arguments() == setting ? variant(variant(1U)) : QVariant();
         });
     BarProcess bar({}, {}, bus);

@@ -48,13 +48,7 @@ TEST_F(ItemWidgetTest, IsAButtonWithAMenuForScreenReaders) {
 }
 
 TEST_F(ItemWidgetTest, CountsClicksAndTranslatesButtonsAndModifiers) {
-    struct Row {
-        Qt::MouseButton button;
-        Qt::KeyboardModifiers modifiers;
-        int x, buttonNumber;
-        std::uint32_t flags;
-        int clickCount;
-    };
+    using Row = std::tuple<Qt::MouseButton, Qt::KeyboardModifiers, int, int, std::uint32_t, int>;
     for (const auto& [button, modifiers, x, buttonNumber, flags, clickCount] :
          {Row{Qt::LeftButton, {}, 5, 0, 0, 1},
           Row{Qt::LeftButton, Qt::ShiftModifier, 6, 0, 0x20000, 2},
@@ -79,9 +73,9 @@ TEST_F(ItemWidgetTest, DrawsTheTitleInTheTextColourAndCutsItOutOfTheHighlight) {
     widget.setPalette(palette);
     const auto pixels = [&](auto wanted) {
         const QImage image = widget.grab().toImage();
+        const int end = image.width() * (image.height() - 1); // without the line at the bottom edge
         int count = 0;
-        for (int i = 0; i < image.width() * (image.height() - 1);
-             ++i) // without the line at the bottom edge
+        for (int i = 0; i < end; ++i)
             count += wanted(image.pixelColor(i % image.width(), i / image.width())) ? 1 : 0;
         return count;
     };

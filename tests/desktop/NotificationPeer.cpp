@@ -9,10 +9,8 @@
 #include "platform/expat/ExpatPropertyLists.h"
 #include "platform/qt/BusNotifications.h"
 #include "platform/qt/Desktop.h"
+#include "tests/desktop/support/FakeService.h"
 
-#include <QDBusConnection>
-#include <QDBusMessage>
-#include <QDBusVirtualObject>
 #include <QGuiApplication>
 
 #include <cstdlib>
@@ -29,17 +27,6 @@ void write(const char* file) {
     std::ofstream(std::string(std::getenv("HOME")) + '/' + file, std::ios::app) << getpid() << '\n';
 }
 
-/// Accepts every method call as "Activate".
-class Activation final : public QDBusVirtualObject {
-  public:
-    QString introspect(const QString&) const override { return {}; }
-    bool handleMessage(const QDBusMessage& message, const QDBusConnection& bus) override {
-        if (message.interface() == "org.freedesktop.Application" && message.signature() == "a{sv}")
-            write("activations");
-        return bus.send(message.createReply());
-    }
-};
-
 int post(const std::string& name, int count) {
     qt::BusNotifications center;
     for (int number = 0; number < count; ++number)
@@ -54,12 +41,16 @@ int beTheApplication() {
     DistributedNotificationCenter& center = distributedNotificationCenter();
     center.addObserver(self, "Request", [](const Notification&) { write("requests"); });
     center.addObserver(self, "Quit", [](const Notification&) { QCoreApplication::quit(); });
-    Activation activation;
     auto bus = QDBusConnection::sessionBus();
     bus.connect({}, "/org/freedesktop/DBus/Local", "org.freedesktop.DBus.Local", "Disconnected",
                 QCoreApplication::instance(), SLOT(quit()));
-    bus.registerVirtualObject("/test/Halvex", &activation);
-    bus.registerService("test.Halvex");
+    const test::FakeService activation(
+        bus, "test.Halvex", "/test/Halvex", [](const QDBusMessage& message) {
+            if (message.interface() == "org.freedesktop.Application" &&
+                message.signature() == "a{sv}")
+                write("activations");
+            return QVariant(0);
+        });
     announceLaunch("Halvex");
     return QCoreApplication::exec();
 }

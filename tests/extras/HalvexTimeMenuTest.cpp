@@ -1,9 +1,9 @@
 #include "extras/clock/ClockFormat.h"
-#include "identifiers/ExportedIdentifiers.h"
 #include "menubar/HalvexMenuExtraBase.h"
 #include "platform/DynamicLoader.h"
 #include "platform/expat/ExpatPropertyLists.h"
 #include "platform/widgets/MenuExtraPlugIn.h"
+#include "tests/paths/SupportTree.h"
 #include "tests/support/ApplicationServices.h"
 #include "tests/support/Fakes.h"
 #include "tests/support/PollingMainThread.h"
@@ -33,10 +33,13 @@ class HalvexTimeMenu : public testing::Test {
         expat::install();
         clock.seconds = kSunday;
     }
-    void setFormat(const std::string& value) {
-        const auto next = folder.write("next", "<plist><dict>" + value + "</dict></plist>");
+    void writePreferences(const std::string& entries) {
+        const auto next = folder.write("next", "<plist><dict>" + entries + "</dict></plist>");
         std::filesystem::create_directories(folder.file("Library/Preferences"));
         std::filesystem::rename(next, folder.file(kPreferences));
+    }
+    void setFormat(const std::string& format) {
+        writePreferences("<key>MenuClockFormat</key><string>" + format + "</string>");
     }
     void start() {
         const auto bundle = Bundle::bundleWithPath(HALVEX_TIME_MENU);
@@ -55,9 +58,6 @@ class HalvexTimeMenu : public testing::Test {
 
     static constexpr const char* kPreferences =
         "Library/Preferences/com.quorvanesoftware.HalvexPro.plist";
-    static std::string format(const std::string& text) {
-        return "<key>MenuClockFormat</key><string>" + text + "</string>";
-    }
 
     test::TemporaryFolder folder;
     test::ScopedEnvironment home{"HOME", folder.path().string()};
@@ -73,17 +73,17 @@ class HalvexTimeMenu : public testing::Test {
 };
 
 TEST_F(HalvexTimeMenu, UpdatesAsOftenAsItsFormatNeedsAndShowsTheIsoWeekAndTheZone) {
-    setFormat(format("%H:%M"));
+    setFormat("%H:%M");
     start();
     EXPECT_EQ(title(), "22:41");
     clock.moveTo(kSunday + 60);
     EXPECT_EQ(title(), "22:42");
 
-    setFormat(format("%R:%-S"));
+    setFormat("%R:%-S");
     EXPECT_TRUE(becomes("22:42:27"));
     EXPECT_THAT(clock.intervals(), ElementsAre(TickInterval::Second));
 
-    setFormat(format("%W %Z"));
+    setFormat("%W %Z");
     EXPECT_TRUE(becomes("47 GMT"));
     EXPECT_THAT(clock.intervals(), ElementsAre(TickInterval::Minute));
     clock.moveTo(1609459200); // 2021-01-01, a Friday
@@ -93,20 +93,16 @@ TEST_F(HalvexTimeMenu, UpdatesAsOftenAsItsFormatNeedsAndShowsTheIsoWeekAndTheZon
 TEST_F(HalvexTimeMenu, ReloadsItsFormatWhenThePreferencesFileChanges) {
     start();
     EXPECT_EQ(title(), "Sun Nov 22 22:41") << "the default of the locale";
-    setFormat(format("%Y"));
+    setFormat("%Y");
     EXPECT_TRUE(becomes("2026"));
     log.take();
-    const std::pair<std::string, std::string> bad[] = {
-        {"<key>MenuClockFormat</key><integer>5</integer>",
-         "MenuClockFormat is not a usable format"},
-        {"<unclosed>",
-         "cannot read the clock format from " + folder.file(kPreferences) + ": line "},
-    };
-    for (const auto& [value, line] : bad) {
-        setFormat(value);
+    for (const auto& [value, line] : {std::pair("<key>MenuClockFormat</key><integer>5</integer>",
+                                                "MenuClockFormat is not a usable format"),
+                                      {"<unclosed>", "cannot read the clock format from "}}) {
+        writePreferences(value);
         EXPECT_TRUE(becomes("Sun Nov 22 22:41")) << value;
         EXPECT_TRUE(log.contains(line)) << value;
-        setFormat(format("%Y"));
+        setFormat("%Y");
         EXPECT_TRUE(becomes("2026"));
     }
 }
@@ -132,15 +128,12 @@ TEST_F(HalvexTimeMenu, ShowsDateAndTimeInItsMenuAndCopiesTheOneChosen) {
 TEST_F(HalvexTimeMenu, OpensThePaneAndTheCalculatorFromItsMenu) {
     test::ApplicationServices services;
     services.running = {"Halvex"};
-    const auto pane = std::make_shared<Bundle>(
-        "/Pane", PropertyList::Dictionary{{"CFBundleIdentifier", HalvexPrefsBundleID}});
-    Bundle::setCodeState(pane, Bundle::Code::Loaded);
+    const test::LoadedPane pane("/Pane");
     start();
     const auto& items = extra->menu()->items();
     EXPECT_TRUE(items.at(2)->isSeparatorItem());
     EXPECT_EQ(items.at(4)->title(), "Preferences…");
     EXPECT_TRUE(items.at(4)->perform());
-    Bundle::setCodeState(pane, Bundle::Code::Unloaded);
     EXPECT_THAT(services.journal(), ElementsAre("open /Pane with System Preferences"));
     EXPECT_EQ(items.at(3)->title(), "Calculator");
     EXPECT_TRUE(items.at(3)->perform());
@@ -157,26 +150,22 @@ TEST_F(HalvexTimeMenu, StopsUpdatingWhenItIsUnloaded) {
     const std::weak_ptr<MenuExtra> watched = extra;
     extra.reset();
     EXPECT_TRUE(watched.expired());
-    setFormat(format("%Y"));
+    setFormat("%Y");
     loop.runUntil([] { return false; }, 100ms);
 }
 
 TEST(ClockFormat, ExpandsCompositeConversionsAndStripsModifiers) {
-    const std::pair<const char*, const char*> cases[] = {
-        {"%T", "%H:%M:%S"}, {"%a %R", "%a %H:%M"}, {"%r", "%I:%M:%S %p"},
-        {"%%T", "%%T"},     {"100%", "100%"},      {"%c", "%a %b %e %H:%M:%S %Y"}};
-    for (const auto& [format, expanded] : cases)
-        EXPECT_EQ(clock_format::expanded(format), expanded) << format;
+    EXPECT_EQ(clock_format::expanded("%T, %a %R, %r, %%T, %c, 100%"),
+              "%H:%M:%S, %a %H:%M, %I:%M:%S %p, %%T, %a %b %e %H:%M:%S %Y, 100%");
     EXPECT_EQ(clock_format::bare("%-S %_5OS %s %EX %%-S 5%"), "%S %S %S %X %%-S 5%");
 }
 
 TEST(ClockFormat, IsUsableIfItProducesVisibleText) {
-    for (const std::string& format :
-         {std::string("%Z"), std::string("\xC3\x9Chr %H"), std::string(256, 'x')})
+    using namespace std::string_literals;
+    for (const std::string& format : {"%Z"s, "\xC3\x9Chr %H"s, std::string(256, 'x')})
         EXPECT_TRUE(clock_format::isUsable(format)) << format;
     for (const std::string& format :
-         {std::string(), std::string("   "), std::string("%H\n%M"), std::string("%H\xFF"),
-          std::string(257, 'x'), std::string("%H\0%M", 5)})
+         {""s, "   "s, "%H\n%M"s, "%H\xFF"s, std::string(257, 'x'), "%H\0%M"s})
         EXPECT_FALSE(clock_format::isUsable(format)) << format;
 }
 

@@ -38,13 +38,8 @@ std::string outcome(const Calculator& calculator) {
     return calculator.fault() == Calculator::Fault::Overflow ? "overflow" : "division by zero";
 }
 
-/// Key sequences and their outcome.
-struct Rule {
-    const char* text;
-    std::vector<std::string> examples;
-};
-
-const Rule kRules[] = {
+/// Rules with key sequences and their outcome.
+const std::vector<std::pair<std::string, std::vector<std::string>>> kRules = {
     {"Digits, the point and the sign form a number of at most 16 digits",
      {"007 → 7", ".5 → 0.5", "1.2.3 → 1.23", "12345678901234567 → 1234567890123456", "0.00 → 0.00",
       "1 Back Back → 0", "5 +/- Back → 0", "2 + 3 = 7 Back → 0", "5 +/- 3 → -53", "5 +/- +/- → 5",
@@ -79,15 +74,14 @@ const Rule kRules[] = {
 
 TEST(Calculator, DisplaysTheResultOfEachKeySequence) {
     const std::string arrow = " → ";
-    for (const Rule& rule : kRules) {
-        for (const std::string& example : rule.examples) {
+    for (const auto& [rule, examples] : kRules)
+        for (const std::string& example : examples) {
             const std::size_t end = example.find(arrow);
             Calculator calculator;
             press(calculator, example.substr(0, end));
             EXPECT_EQ(outcome(calculator), example.substr(end + arrow.size()))
-                << rule.text << ": " << example;
+                << rule << ": " << example;
         }
-    }
 }
 
 TEST(Calculator, KeepsTheMemoryWhenAddingToItOverflows) {

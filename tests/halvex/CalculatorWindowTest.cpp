@@ -25,10 +25,8 @@ std::string display(const QWidget& window) {
 }
 
 KeyButton* button(const QWidget& window, const QString& name) {
-    for (KeyButton* found : window.findChildren<KeyButton*>())
-        if (found->accessibleName() == name)
-            return found;
-    return nullptr;
+    const auto keys = window.findChildren<KeyButton*>();
+    return *std::ranges::find(keys, name, &KeyButton::accessibleName);
 }
 
 TEST(CalculatorWindow, CalculatesWhatIsTypedOnTheKeyboard) {
@@ -62,11 +60,9 @@ TEST(CalculatorWindow, HasAButtonWithAnAccessibleNameOfItsOwnForEveryKey) {
     std::set<QString> names;
     for (const KeyButton* key : window.findChildren<KeyButton*>())
         EXPECT_TRUE(names.insert(key->accessibleName()).second) << key->text().toStdString();
-    const QStringList clicks{"1",           "0",   "Decimal point", "5",
-                             "Multiply",    "2",   "Equals",        "Memory add",
-                             "Change sign", "Add", "Memory recall", "Equals"};
-    for (const QString& name : clicks) {
-        ASSERT_TRUE(names.contains(name)) << name.toStdString();
+    for (const char* name : {"1", "0", "Decimal point", "5", "Multiply", "2", "Equals",
+                             "Memory add", "Change sign", "Add", "Memory recall", "Equals"}) {
+        ASSERT_TRUE(names.contains(name)) << name;
         QTest::mouseClick(button(window, name), Qt::LeftButton);
     }
     EXPECT_EQ(display(window), "0");

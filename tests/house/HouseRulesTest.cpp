@@ -30,12 +30,9 @@ std::vector<std::string> needed(const std::string& object) {
 
 TEST(HouseRules, TheLibraryNeedsOnlyTheStandardLibraryAndItemsNeedOnlyTheLibrary) {
     const auto language =
-        testing::AnyOf(testing::StartsWith("libstdc++.so"), testing::StartsWith("libgcc_s.so"),
-                       testing::StartsWith("libm.so"), testing::StartsWith("libc.so"),
-                       testing::StartsWith("ld-linux"));
-    EXPECT_THAT(
-        needed(HALVEX_TOOLS),
-        testing::AllOf(testing::Contains(testing::StartsWith("libc.so")), testing::Each(language)));
+        testing::ContainsRegex("^((libstdc[+][+]|libgcc_s|libm|libc)[.]so|ld-linux)");
+    EXPECT_THAT(needed(HALVEX_TOOLS),
+                testing::AllOf(testing::Contains("libc.so.6"), testing::Each(language)));
     for (const char* item : {HALVEX_TIME_MENU, HALVEX_MENU_CRACKER, HALVEX_CLOCK})
         EXPECT_THAT(needed(item),
                     testing::AllOf(testing::Contains("libHalvexTools.so.1"),

@@ -16,12 +16,6 @@ class PreferencesProcess : public testing::Test {
             << "<plist><dict><key>CFBundleIdentifier</key><string>" << identifier
             << "</string></dict></plist>";
     }
-    bool shows(const std::function<bool(const QImage&)>& predicate) {
-        return test::eventually([&] {
-            const QImage picture = preferences.picture();
-            return !picture.isNull() && predicate(picture);
-        });
-    }
 
     test::ProgramProcess preferences{HALVEX_PREFERENCES, "com.quorvanesoftware.Preferences"};
 };
@@ -52,12 +46,13 @@ TEST_F(PreferencesProcess, ShowsThePaneThatHalvexctlOpensOrSelects) {
     install("Own.prefPane", kOwn);
     install("Halvex Pro.prefPane", HalvexPrefsBundleID);
     preferences.start({"--select", kOwn});
-    QImage own;
-    ASSERT_TRUE(shows([&](const QImage& picture) { return !(own = picture).isNull(); }));
+    QImage own, picture;
+    ASSERT_TRUE(test::eventually([&] { return !(own = preferences.picture()).isNull(); }));
     EXPECT_EQ(preferences.run({"prefs", "open"}, HALVEX_CTL), 0);
-    EXPECT_TRUE(shows([&](const QImage& picture) { return picture != own; }));
+    EXPECT_TRUE(test::eventually([&] { return (picture = preferences.picture()) != own; }));
+    EXPECT_FALSE(picture.isNull());
     EXPECT_EQ(preferences.run({"prefs", "select", kOwn}, HALVEX_CTL), 0);
-    EXPECT_TRUE(shows([&](const QImage& picture) { return picture == own; }));
+    EXPECT_TRUE(test::eventually([&] { return preferences.picture() == own; }));
     EXPECT_TRUE(preferences.isRunning());
 }
 

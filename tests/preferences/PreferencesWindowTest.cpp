@@ -61,8 +61,13 @@ class PreferencesWindowTest : public testing::Test {
         return all;
     }
     QCheckBox* box() const { return window.findChild<QCheckBox*>(); }
-    bool waitForTheBar() const {
-        return QTest::qWaitFor([this] { return box() && box()->isEnabled(); });
+    void expectBox(bool checked) const {
+        ASSERT_TRUE(QTest::qWaitFor([this] { return box() && box()->isEnabled(); }));
+        EXPECT_EQ(box()->isChecked(), checked);
+    }
+    void expectToggled(bool checked) const {
+        QTest::keyClick(box(), Qt::Key_Space);
+        expectBox(checked);
     }
 
     platform::ScopedService<platform::MainThread> mainLoopInPlace{mainLoop()};
@@ -115,32 +120,24 @@ TEST_F(PreferencesWindowTest, InstallsAndLoadsAMenuExtraOrRemovesItWhenItsBoxIsT
     };
     window.showPane(findPaneAtPath(path("Halvex Pro.prefPane")));
     EXPECT_EQ(window.findChildren<QCheckBox*>().size(), 1) << "an unknown item has no box";
-    ASSERT_TRUE(waitForTheBar());
+    expectBox(false);
     EXPECT_EQ(box()->text(), "HalvexTimeMenu");
-    EXPECT_FALSE(box()->isChecked());
-
-    QTest::keyClick(box(), Qt::Key_Space);
-    ASSERT_TRUE(waitForTheBar());
-    EXPECT_TRUE(box()->isChecked());
-    EXPECT_TRUE(tree.exists(std::string(test::kUserMaker) + "/Menu Extras/HalvexTimeMenu.menu"));
-
-    QTest::keyClick(box(), Qt::Key_Space);
-    ASSERT_TRUE(waitForTheBar());
-    EXPECT_FALSE(box()->isChecked());
-    EXPECT_FALSE(tree.exists(std::string(test::kUserMaker) + "/Menu Extras/HalvexTimeMenu.menu"));
+    const auto copy = std::string(test::kUserMaker) + "/Menu Extras/HalvexTimeMenu.menu";
+    expectToggled(true);
+    EXPECT_TRUE(tree.exists(copy));
+    expectToggled(false);
+    EXPECT_FALSE(tree.exists(copy));
 }
 
 TEST_F(PreferencesWindowTest, ShowsTheBarsItemsWithoutStartingItAndReportsFailures) {
     bar.onAdd = [](const std::string&) { return -2; };
     isBarRunning = false;
     window.showPane(findPaneAtPath(path("Halvex Pro.prefPane")));
-    ASSERT_TRUE(waitForTheBar());
+    expectBox(false);
     EXPECT_THAT(bar.queried, testing::IsEmpty()) << "a query does not start the bar";
 
     isBarRunning = true;
-    QTest::keyClick(box(), Qt::Key_Space);
-    ASSERT_TRUE(waitForTheBar());
-    EXPECT_FALSE(box()->isChecked());
+    expectToggled(false);
     EXPECT_THAT(texts(), Contains("HalvexTimeMenu could not be turned on. See the system log."));
 
     bar.loaded.emplace_back(HalvexMenuID);

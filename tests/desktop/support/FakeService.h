@@ -1,9 +1,11 @@
 #pragma once
 
-#include "tests/desktop/support/ProgramProcess.h"
-
+#include <QDBusConnection>
+#include <QDBusMessage>
 #include <QDBusVirtualObject>
+#include <QVariant>
 
+#include <functional>
 #include <utility>
 
 namespace test {
@@ -12,10 +14,10 @@ namespace test {
 class FakeService final : public QDBusVirtualObject {
   public:
     using Answer = std::function<QVariant(const QDBusMessage&)>;
-    FakeService(const PrivateBus& bus, const char* name, const char* path, Answer answer)
-        : bus_(bus.connection()), answer_(std::move(answer)) {
-        bus_.registerVirtualObject(path, this);
-        bus_.registerService(name);
+    FakeService(QDBusConnection bus, const char* name, const char* path, Answer answer)
+        : answer_(std::move(answer)) {
+        bus.registerVirtualObject(path, this);
+        bus.registerService(name);
     }
     QString introspect(const QString&) const override { return {}; }
     bool handleMessage(const QDBusMessage& message, const QDBusConnection& bus) override {
@@ -24,7 +26,6 @@ class FakeService final : public QDBusVirtualObject {
     }
 
   private:
-    QDBusConnection bus_;
     Answer answer_;
 };
 
