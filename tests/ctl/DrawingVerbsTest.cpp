@@ -1,7 +1,5 @@
 #include "tests/ctl/Shell.h"
 
-#include <tuple>
-
 using test::Shell;
 
 namespace {
@@ -30,23 +28,20 @@ TEST(DrawingVerbs, DrawTextAsBoxesIfNoFontIsInstalled) {
 
 TEST(DrawingVerbs, TintByColourAlphaAndOperation) {
     const Shell shell;
-    shell.run({{"halvexctl hud panel.png --size 100.5x50 --title Clock", ""}});
-    const std::tuple<std::string, std::string, int> cases[] = {
-        {"--gray 1", "--color 1,1,1,.25", 0},
-        {"--color 0,1,0,.25", "--color 0,1,0,.25 --operation 5", 0},
-        {"--color 0,1,0", "--color 0,1,0 --operation 5", 1},
-    };
-    for (const auto& [first, second, differs] : cases) {
-        shell.run({{"halvexctl tint panel.png first.png " + first, ""},
-                   {"halvexctl tint panel.png second.png " + second, ""},
-                   {"cmp -s first.png second.png", "", differs},
-                   {kSizeOf + "first.png", kHundredAndOneByFifty}});
-    }
-    // Highlight (12) draws like SourceOver (2); all other operations draw different pictures.
-    shell.run({{"for n in $(seq 0 13); do halvexctl tint panel.png o$n.png --color 0,1,0,.25 "
-                "--operation $n; done; cmp o2.png o12.png; md5sum o*.png | cut -c 1-32 | sort -u | "
-                "wc -l",
-                "13\n"}});
+    const auto tint = [](std::string rest) { return "halvexctl tint panel.png " + rest + "; "; };
+    shell.run(
+        {{"halvexctl hud panel.png --size 100.5x50 --title Clock", ""},
+         {tint("a.png --gray 1") + tint("b.png --color 1,1,1,.25") + "cmp a.png b.png", ""},
+         {kSizeOf + "a.png", kHundredAndOneByFifty},
+         {tint("c.png --color 0,1,0,.25") + tint("d.png --color 0,1,0,.25 --operation 5"), ""},
+         {"cmp c.png d.png", ""},
+         {tint("e.png --color 0,1,0") + tint("f.png --color 0,1,0 --operation 5"), ""},
+         {"cmp -s e.png f.png", "", 1},
+         // Highlight (12) draws like SourceOver (2); all other operations differ.
+         {"for n in $(seq 0 13); do halvexctl tint panel.png o$n.png --color 0,1,0,.25 "
+          "--operation $n; done; cmp o2.png o12.png; md5sum o*.png | cut -c 1-32 | sort -u | "
+          "wc -l",
+          "13\n"}});
 }
 
 TEST(DrawingVerbs, ReportErrorsAndLeaveExistingFilesUnchanged) {

@@ -29,21 +29,16 @@ TEST(ExtraVerbs, TurnTheClockOnAndOffInTheRealBar) {
     const std::string copy = "\"$user/Menu Extras/HalvexTimeMenu.menu\"";
     shell.run(
         {{"halvexctl pane install >path", ""},
-         {"halvexctl menubar start", ""},
-         {"halvexctl menubar start", ""}, // already running
+         {"halvexctl menubar start && halvexctl menubar start", ""}, // already running
          {list, ownClock + "\n"},
-         {"halvexctl toggle HalvexTimeMenu on", ""},
-         {list, clock + "\n"},
+         {"halvexctl toggle HalvexTimeMenu on && " + list, clock + "\n"},
          {"test -d " + copy, ""},
          {"halvexctl extras | head -n 1",
           "1\tHalvexTimeMenu\t" + clock + "\tshipped 1.0.0\tinstalled 1.0.0\tloaded\n"},
          {"halvexctl menubar click " + clock + " --modifiers shift,option --button 1", "menu\n"},
-         {"halvexctl menubar click no.such.item", "", 1,
-          "no.such.item: the menu extra is not load"},
-         {"halvexctl menubar snapshot bar.png", ""},
-         {"head -c 4 bar.png | tail -c 3", "PNG"},
-         {"halvexctl pro remove", ""},
-         {list, ""},
+         {"halvexctl menubar click no.such.item", "", 1, "no.such.item: the menu extra"},
+         {"halvexctl menubar snapshot bar.png && head -c 4 bar.png | tail -c 3", "PNG"},
+         {"halvexctl pro remove && " + list, ""},
          {"halvexctl toggle 1 off", "", 0, "MenuExtra (" + clock + ") removal failed."},
          {"test -e " + copy, "", 1},
          {"halvexctl menubar add", ""},
@@ -51,8 +46,7 @@ TEST(ExtraVerbs, TurnTheClockOnAndOffInTheRealBar) {
          {"halvexctl install \"$pane/Contents/PlugIns/HalvexTimeMenu.menu\"", ""},
          {"halvexctl menubar add " + copy + " --position 0", ""},
          {list, clock + "\n" + ownClock + "\n"},
-         {"halvexctl menubar remove " + clock, ""},
-         {list, ownClock + "\n"},
+         {"halvexctl menubar remove " + clock + " && " + list, ownClock + "\n"},
          {"halvexctl menubar add root", "", 1, "/root: "},
          {"halvexctl menubar stop", ""},
          {"halvexctl menubar stop", "", 1, "halvexctl: no menu bar is running\n"}});
@@ -89,8 +83,7 @@ TEST(ExtraVerbs, TimeOutIfTheSessionBusHangs) {
     const Shell shell;
     const SessionBus bus(shell);
     shell.run({{"kill -STOP $bus_process", ""},
-               {"timeout 20 '" HALVEX_CTL "' menubar list", "", 1,
-                "halvexctl: cannot call the menu bar: there is no session bus\n"}});
+               {"timeout 20 '" HALVEX_CTL "' menubar list", "", 1, "there is no session bus"}});
 }
 
 TEST(ExtraVerbs, InstallACompleteBundleOrNothingIfTheDiskIsFull) {

@@ -33,8 +33,7 @@ TEST(PathVerbs, PrintPathsWithoutCreatingThem) {
 TEST(PathVerbs, FailIfTheFolderDoesNotExist) {
     const Shell shell;
     for (const std::string verb : {"themes", "pictures", "frames"})
-        shell.run({{"halvexctl " + verb + " --json", "", 1,
-                    "the folder of " + verb + " cannot be read\n"}});
+        shell.run({{"halvexctl " + verb + " --json", "", 1, "the folder of " + verb}});
 }
 
 TEST(PathVerbs, ListFileNames) {
@@ -74,13 +73,11 @@ TEST(LocationVerbs, SaveAndShowOwnAndSubscribedLocations) {
     shell.write("list", list(kNet + kOwn));
     shell.run({{"halvexctl locations cache exists", "no\n", 1},
                {"halvexctl locations show --json", "[]\n"},
-               {"halvexctl locations save list", ""},
-               {"halvexctl locations show", list(kOwn + kNet)},
+               {"halvexctl locations save list && halvexctl locations show", list(kOwn + kNet)},
                {"cat \"$user/Halvex Pro/Halvex Locations\"", list(kOwn)},
                {"cat \"$user/Halvex Pro/Halvex Net Locations.plist\"", list(kNet)},
                {"halvexctl locations cache exists", "yes\n"},
-               {"halvexctl locations cache remove", ""},
-               {"halvexctl locations show", list(kOwn)},
+               {"halvexctl locations cache remove && halvexctl locations show", list(kOwn)},
                {"rm -r home/Library; halvexctl locations save list", ""},
                {"rm -r home/Library; touch home/Library; halvexctl locations save list", "", 1,
                 "Unable to write: "}});
@@ -93,20 +90,17 @@ TEST(LocationVerbs, MergeAndSplitWithoutChangingTheUsersFiles) {
     shell.write("dict", "<plist><dict/></plist>");
     shell.run(
         {{"halvexctl locations merge list cache", list(kOwn + kNet)},
-         {"halvexctl locations merge list cache >all", ""},
-         {"ls \"home/$support\"", ""},
+         {"halvexctl locations merge list cache >all && ls \"home/$support\"", ""},
          {"mkdir -p \"$user/Halvex Pro\"; cp cache \"$user/Halvex Pro/Halvex Net Locations.plist\"",
           ""},
          {"halvexctl locations merge list", list(kOwn + kNet)},
-         {"halvexctl locations split all all net", ""},
-         {"cat all", list(kOwn)},
+         {"halvexctl locations split all all net && cat all", list(kOwn)},
          {"cat net", list(kNet)},
          {"halvexctl locations merge list missing", "", 1, "missing: No such file"},
          {"halvexctl locations split dict new net", "", 1,
           "halvexctl: dict: the root of the property list is not an array\n"},
          {"ls new", "", 2},
-         {"halvexctl locations save home", "", 1,
-          "halvexctl: home: is a folder, not a regular file"}});
+         {"halvexctl locations save home", "", 1, "home: is a folder"}});
 }
 
 TEST(WarningVerbs, PrintTheCustomListOrTheDefault) {

@@ -22,13 +22,11 @@ TEST(PaneVerbs, InstallTheShippedPaneForTheUserAndUninstallIt) {
          {"halvexctl prefs open", "", 1, "Halvex Pref bundle not found."},
          {"halvexctl pane install | sed \"s|$PWD/||\"", users},
          {"diff -r '" HALVEX_PANE "' \"$pane\"", ""},
-         {"halvexctl pane path | sed \"s|$PWD/||\"", users},
-         {"halvexctl prefs path | sed \"s|$PWD/||\"", users},
+         {"{ halvexctl pane path; halvexctl prefs path; } | sed \"s|$PWD/||\"", users + users},
          {"halvexctl background path | sed \"s|.*prefPane||\"", "/Contents/PlugIns/Halvex.app\n"},
          {"halvexctl locations show | grep -c '<string>Europe/London'", "1\n"},
          {"mkdir -p 'root" + shared + "'; halvexctl pane path", shared + "\n"},
-         {"halvexctl pane uninstall", ""},
-         {"halvexctl pane uninstall", ""}, // already removed
+         {"halvexctl pane uninstall && halvexctl pane uninstall", ""}, // already removed
          {"ls -A $panes", ""}});
 }
 
@@ -58,12 +56,10 @@ TEST(PaneVerbs, RejectOtherBundlesAndKeepTheInstalledCopy) {
         {{"halvexctl pane install first >path && ln -s \"$pane\" link", ""},
          {"halvexctl pane install missing", "", 1, "/missing: there is no such folder\n"},
          {"halvexctl pane install broken", "", 1, "/broken: Info.plist: not a dictionary\n"},
-         {"halvexctl pane install other", "", 1,
-          "/other: the bundle's identifier is not com.quorvanesoftware."},
+         {"halvexctl pane install other", "", 1, "/other: the bundle's identifier is not"},
          {"halvexctl pane install link", "", 1, "/link: this pane is already installed here\n"},
          {"diff -r first \"$pane\" && ls -A $panes", "Halvex Pro.prefPane\n"},
-         {"rm -r $panes; : >$panes; halvexctl pane install first", "", 1,
-          "/first: the pane cannot be copied to "}});
+         {"rm -r $panes; : >$panes; halvexctl pane install first", "", 1, "cannot be copied"}});
 }
 
 } // namespace

@@ -6,15 +6,13 @@ namespace {
 
 TEST(DateFormatVerb, ReplacesPlaceholders) {
     Shell().run({{"halvexctl date-format '%W %Z' --zone CET --week=-1", "-1 CET\n"},
-                 {"halvexctl date-format '%W' --week '%W'", "", 1,
-                  "value \"%W\" would replace %W without end\n"}});
+                 {"halvexctl date-format '%W' --week '%W'", "", 1, "would replace %W"}});
 }
 
 TEST(CommandVerb, PrintsTheOutputUnchanged) {
     const Shell shell;
     shell.run(
-        {{"halvexctl command 'printf \"a  b\"; sleep 0.1; echo lost >&2; printf c; exit 5'",
-          "a  bc"},
+        {{"halvexctl command 'printf \"a  b\"; sleep 0.1; echo x >&2; printf c; exit 5'", "a  bc"},
          {"halvexctl command \"printf 'a\\0\\177'\" | od -A n -t u1", "  97   0 127\n"},
          {"halvexctl command cat <<EOF\npiped\nEOF", "piped\n"},
          {"halvexctl command 'yes | head -n 1' 2>&1", "y\n"}, // a closed pipe ends yes
@@ -28,8 +26,7 @@ TEST(CommandVerb, PrintsTheOutputUnchanged) {
 
 TEST(CommandVerb, RunsACommandWithoutReadingItsOutput) {
     Shell().run({
-        {"halvexctl command --quiet 'sleep 0.2; : >finished; echo lost; exit 5'", ""},
-        {"ls finished", "finished\n"},
+        {"halvexctl command --quiet 'sleep 0.2; : >done; echo x; exit 5' && ls done", "done\n"},
         {"halvexctl command --quiet 'yes 2>/dev/null'", ""}, // a closed pipe ends yes
     });
 }
@@ -92,8 +89,7 @@ TEST(FeedbackVerb, RejectsProductNamesThatMakeTheURLInvalid) {
     for (const std::string product :
          {"Halvex\"", "<Halvex>", "Halvex\\", "Halvex\t", "Halv\xC3\xA9x", "100%", "%4", "%G0",
           "%0G", "Hal|vex", "Hal^vex", "Hal`vex"})
-        shell.run({{"halvexctl feedback '" + product + "' --print", "", 1,
-                    bad + product + "%20(null)%20Feed"}});
+        shell.run({{"halvexctl feedback '" + product + "' --print", "", 1, bad + product + "%20"}});
     shell.run({{R"(marks="azAZ09-._~/?#[]@!\$&'()*+,;=%aF"
             halvexctl feedback "$marks" --print | grep -cF "=$marks%20(null)%20")",
                 "1\n"},
@@ -108,9 +104,7 @@ TEST(FeedbackVerb, PassesTheURLToTheMailProgramWithoutAShell) {
     shell.write("bin/xdg-open", "#!/bin/sh\nprintf '%s\\n' \"$#\" \"$@\" >new; mv new opened\n");
     const std::string product = "'$(touch$IFS$HOME/x);touch$IFS$HOME/x&'";
     const std::string withProgram = "PATH=\"$PWD/bin:$PATH\" halvexctl feedback " + product;
-    shell.run({{"chmod +x bin/xdg-open", ""},
-               {withProgram + " --print >url", ""},
-               {"ls opened", "", 2},
+    shell.run({{"chmod +x bin/xdg-open; " + withProgram + " --print >url && ls opened", "", 2},
                {withProgram, ""},
                {"for i in $(seq 100); do [ -e opened ] && break; sleep 0.05; done", ""},
                {"{ echo 1; cat url; } | diff - opened", ""},
@@ -118,8 +112,7 @@ TEST(FeedbackVerb, PassesTheURLToTheMailProgramWithoutAShell) {
 }
 
 TEST(FeedbackVerb, FailsWithoutAMailProgramOrBundle) {
-    Shell().run({{"mkdir empty; PATH=\"$PWD/empty\" halvexctl feedback Halvex", "", 1,
-                  "no mail program can be started"},
+    Shell().run({{"mkdir empty; PATH=\"$PWD/empty\" halvexctl feedback Halvex", "", 1, "no mail"},
                  {"halvexctl feedback Halvex --print --bundle nowhere", "", 1, "nowhere"},
                  {"halvexctl feedback Halvex --print --system 10.4", "", 2, "--system"},
                  {"halvexctl feedback Halvex --print --zone a,b,c", "", 2, "--zone"}});

@@ -11,23 +11,16 @@ namespace {
 
 constexpr const char* kCracker = "net.sourceforge.menucracker";
 
-std::string copied(const std::string& bundle, const fs::path& to) {
-    fs::remove_all(to);
-    fs::create_directories(to.parent_path());
-    fs::copy(bundle, to, fs::copy_options::recursive);
-    return to.string();
-}
-
 TEST(Admission, AdmitsTheBarsOwnItemsAndTheUsersAndDeclinesThoseElsewhere) {
     BarProcess bar;
     const fs::path installed = bar.install(HALVEX_TEST_EXTRA);
     const fs::path folder = installed.parent_path();
     fs::create_directory_symlink(HALVEX_TEST_EXTRA, folder / "Link.menu");
-    for (const std::string& path : {std::string(HALVEX_TEST_EXTRA), (folder / "Link.menu").string(),
-                                    copied(HALVEX_TEST_EXTRA, folder / "Folder/TestExtra.menu")}) {
+    for (const std::string& path :
+         {std::string(HALVEX_TEST_EXTRA), (folder / "Link.menu").string(),
+          copyBundle(HALVEX_TEST_EXTRA, folder / "Folder/TestExtra.menu")}) {
         EXPECT_EQ(bar.add(path), -2) << path;
-        EXPECT_TRUE(
-            bar.logs("menu extra at " + path + " declined: it is not in " + folder.string()));
+        EXPECT_TRUE(bar.logs(path + " declined: it is not in " + folder.string()));
     }
     EXPECT_TRUE(bar.loads(installed.string() + '/', kTestExtra)) << bar.log();
     EXPECT_EQ(bar.remove(kOwnClock), 0);
@@ -43,13 +36,13 @@ TEST(Admission, OfKindSystemDeclinesForeignItemsUntilMenuCrackerIsLoaded) {
     const std::string installed = bar.install(HALVEX_TIME_MENU);
     const fs::path inPane = bar.home() / "Some.prefPane/Contents/PlugIns/MenuCracker.menu";
     for (const std::string& path :
-         {installed, std::string(HALVEX_MENU_CRACKER), copied(HALVEX_TEST_EXTRA, inPane)}) {
+         {installed, std::string(HALVEX_MENU_CRACKER), copyBundle(HALVEX_TEST_EXTRA, inPane)}) {
         EXPECT_EQ(bar.add(path), 0) << "the caller is not told";
         EXPECT_TRUE(bar.logs("menu extra at " + path + " declined: the bar admits only its own"));
     }
     EXPECT_THAT(bar.identifiers(), ElementsAre(kOwnClock));
 
-    EXPECT_EQ(bar.add(copied(HALVEX_MENU_CRACKER, inPane), 0), 0);
+    EXPECT_EQ(bar.add(copyBundle(HALVEX_MENU_CRACKER, inPane), 0), 0);
     EXPECT_TRUE(bar.loads(installed, HalvexMenuID)) << "not waiting for it: " << bar.log();
     EXPECT_EQ(bar.add(HALVEX_TEST_EXTRA), 0);
     EXPECT_TRUE(bar.logs(std::string(HALVEX_TEST_EXTRA) + " declined: it is not in"));

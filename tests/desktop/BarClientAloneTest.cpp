@@ -19,8 +19,7 @@ TEST(BarClientAlone, StartsTheBarThroughTheBusAndCallsItFromAnyThread) {
     const test::PrivateBus bus({{"HOME", home},
                                 {"XDG_DATA_DIRS", HALVEX_SHARE},
                                 {"XDG_DATA_HOME", home + "/none"},
-                                {"XDG_RUNTIME_DIR", home},
-                                {"QT_QPA_PLATFORM", "offscreen"}});
+                                {"XDG_RUNTIME_DIR", home}});
     platform::qt::BarClient client(bus.addressText());
     platform::MenuExtraReference reference = 0;
     EXPECT_EQ(client.getMenuExtra(test::kOwnClock, reference), 0)

@@ -68,8 +68,7 @@ TEST(LoadCycles, LeakNoResources) {
                                        {"threads", 0},
                                        {"mappings", kSanitized ? 1'000'000 : 5},
                                        {"kilobytes", kSanitized ? 1'000'000 : 4096}}) {
-        std::cout << name << ": " << before[name] << " after 10 cycles, now " << after[name]
-                  << '\n';
+        std::cout << name << ": " << before[name] << " after 10, now " << after[name] << '\n';
         EXPECT_LE(after[name], before[name] + growth) << name;
     }
     EXPECT_EQ(bar.picture().height(), 22) << "no menu is open";

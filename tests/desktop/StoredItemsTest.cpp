@@ -3,6 +3,8 @@
 
 #include <gmock/gmock.h>
 
+#include <map>
+
 namespace fs = std::filesystem;
 using namespace test;
 using testing::ElementsAre;
@@ -62,13 +64,11 @@ TEST(StoredItems, AreNeitherThoseOfTheCommandLineNorThoseWithoutABundle) {
 }
 
 TEST(StoredItems, ThatCrashTheBarAreDisabledUntilTheyAreAddedAgainOrUpdated) {
-    const std::pair<const char*, const char*> cases[] = {{"CrashesAtStart", "loading"},
+    const std::map<std::string, std::string> stepOfFault{{"CrashesAtStart", "loading"},
                                                          {"CrashesWhenDrawn", "first drawing"},
                                                          {"CrashesWhenClicked", "click"},
                                                          {"CrashesWhenTicking", "its own code"}};
-    for (const auto& row : cases) {
-        const std::string fault = row.first;
-        const std::string step = row.second;
+    for (const auto& [fault, step] : stepOfFault) {
         SCOPED_TRACE(fault);
         BarProcess bar;
         const TestBundle extra{bar, fault};
@@ -84,8 +84,7 @@ TEST(StoredItems, ThatCrashTheBarAreDisabledUntilTheyAreAddedAgainOrUpdated) {
             EXPECT_THAT(bar.identifiers(), ElementsAre(kOwnClock));
             EXPECT_TRUE(bar.logs("menu extra test.extra at " + extra.path.string() +
                                  " is disabled: it crashed the menu bar (" + step + ")"));
-            EXPECT_THAT(contents(listFile(bar)),
-                        HasSubstr("<key>Step</key>\n\t\t\t<string>" + step));
+            EXPECT_THAT(contents(listFile(bar)), HasSubstr("Step</key>\n\t\t\t<string>" + step));
         };
         for (int attempt = 0; attempt < 2; ++attempt) {
             bar.add(extra.path);
@@ -116,9 +115,8 @@ TEST(StoredItems, ThatAreUnreadableAreReplacedByTheBarsOwnClock) {
     BarProcess bar;
     const std::pair<std::string, std::string> cases[] = {
         {"\x01garbage", "line 1"},
-        {"<plist><array/></plist>", "it has no array Items"},
-        {"<plist><dict><key>Items</key><string>Clock</string></dict></plist>",
-         "it has no array Items"},
+        {"<plist><array/></plist>", "no array Items"},
+        {"<plist><dict><key>Items</key><string>Clock</string></dict></plist>", "no array Items"},
         {std::string(300, 'x') + '\0', ""},
         {"<plist><dict><key>Items</key><array><string>x</string>"
          "<dict><key>Identifier</key><string>y</string></dict>"

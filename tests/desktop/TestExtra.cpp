@@ -47,7 +47,6 @@ class TestExtra final : public HalvexMenuExtraBase {
         failIf("WhenClicked");
         return fault_ == "RemovesItemsWhenClicked" ? removeItems() : note("plain");
     }
-    bool clickWithAltKey() override { return note("option"); }
     bool clickWithCtrlKey() override { return note("control"); }
     bool clickWithShiftKey() override { return !note("shift"); }
     void willUnload() override {

@@ -47,8 +47,7 @@ class CalculatorRequest : public testing::Test {
 
 TEST_F(CalculatorRequest, StartsTheApplicationInTheInstalledPaneOnceAndReusesItsProcess) {
     const auto pane = bar.home() / "Library/PreferencePanes/Halvex Pro.prefPane";
-    fs::create_directories(pane.parent_path());
-    fs::copy(HALVEX_PANE, pane, fs::copy_options::recursive);
+    test::copyBundle(HALVEX_PANE, pane);
     chooseCalculator();
     ASSERT_TRUE(isShown()) << bar.log();
     const uint process = processOnBus();

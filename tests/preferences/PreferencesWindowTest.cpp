@@ -35,7 +35,8 @@ class PreferencesWindowTest : public testing::Test {
         tree.write(file("Halvex Pro.prefPane"), info(HalvexPrefsBundleID, "Halvex Pro"));
         for (const auto& [name, identifier] :
              {std::pair("HalvexTimeMenu", HalvexMenuID), std::pair("Other", "some.other.item")})
-            tree.write(plugIn(name), info(identifier, name));
+            tree.write(file("Halvex Pro.prefPane/Contents/PlugIns/" + std::string(name) + ".menu"),
+                       info(identifier, name));
         tree.write(file("Foreign.prefPane"), info("foreign.pane", "Foreign"));
         tree.write(file("NoIdentifier.prefPane"), "<plist version=\"1.0\"><dict/></plist>");
         tree.write(file("Truncated.prefPane"), "<plist version=\"1.0\"><dict>");
@@ -48,10 +49,6 @@ class PreferencesWindowTest : public testing::Test {
     }
     static std::string file(const std::string& pane) {
         return kFolder + ('/' + pane) + "/Contents/Info.plist";
-    }
-    static std::string plugIn(const std::string& name) {
-        return std::string(kFolder) + "/Halvex Pro.prefPane/Contents/PlugIns/" + name +
-               ".menu/Contents/Info.plist";
     }
     std::string path(const std::string& pane) { return tree.path(kFolder) + '/' + pane; }
     std::vector<std::string> texts() const {

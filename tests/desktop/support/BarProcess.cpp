@@ -3,8 +3,6 @@
 #include <QDBusArgument>
 #include <QUrl>
 
-namespace fs = std::filesystem;
-
 namespace test {
 
 BarProcess::BarProcess(const QStringList& arguments, const Settings& settings,
@@ -15,12 +13,8 @@ BarProcess::BarProcess(const QStringList& arguments, const Settings& settings,
 }
 
 std::string BarProcess::install(const std::string& bundle) const {
-    const fs::path folder = home() / "Library/Application Support/Quorvane Software/Menu Extras";
-    const fs::path copy = folder / fs::path(bundle).filename();
-    fs::create_directories(folder);
-    fs::remove_all(copy);
-    fs::copy(bundle, copy, fs::copy_options::recursive);
-    return copy.string();
+    const auto folder = home() / "Library/Application Support/Quorvane Software/Menu Extras";
+    return copyBundle(bundle, folder / std::filesystem::path(bundle).filename());
 }
 
 std::uint32_t BarProcess::reference(const QString& identifier) const {

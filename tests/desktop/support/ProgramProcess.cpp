@@ -25,8 +25,7 @@ int exitStatus(const QProcess& process) {
 
 } // namespace
 
-QProcessEnvironment environmentWith(const Settings& settings) {
-    auto environment = QProcessEnvironment::systemEnvironment();
+QProcessEnvironment environmentWith(const Settings& settings, QProcessEnvironment environment) {
     for (const auto& [name, value] : settings)
         environment.insert(name, value);
     return environment;
@@ -42,6 +41,13 @@ bool eventually(const std::function<bool()>& condition) {
         QThread::msleep(10);
     }
     return true;
+}
+
+std::string copyBundle(const std::filesystem::path& bundle, const std::filesystem::path& to) {
+    std::filesystem::remove_all(to);
+    std::filesystem::create_directories(to.parent_path());
+    std::filesystem::copy(bundle, to, std::filesystem::copy_options::recursive);
+    return to.string();
 }
 
 PrivateBus::PrivateBus(const Settings& settings) {
@@ -89,10 +95,7 @@ void ProgramProcess::start(const QStringList& arguments) {
 int ProgramProcess::run(const QStringList& arguments, const QString& program,
                         const Settings& changes) {
     QProcess process;
-    auto environment = process_.processEnvironment();
-    for (const auto& [name, value] : changes)
-        environment.insert(name, value);
-    process.setProcessEnvironment(environment);
+    process.setProcessEnvironment(environmentWith(changes, process_.processEnvironment()));
     process.setProcessChannelMode(QProcess::MergedChannels);
     process.start(program.isEmpty() ? program_ : program, arguments);
     process.waitForFinished(2 * kLimit);

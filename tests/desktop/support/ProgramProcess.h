@@ -19,11 +19,16 @@ namespace test {
 
 using Settings = std::vector<std::pair<QString, QString>>; ///< of the environment
 
-/// Returns this process's environment with @p settings added.
-QProcessEnvironment environmentWith(const Settings& settings);
+/// Adds @p settings to an environment, by default this process's.
+QProcessEnvironment
+environmentWith(const Settings& settings,
+                QProcessEnvironment environment = QProcessEnvironment::systemEnvironment());
 
 /// Waits for at most five seconds until @p condition returns true.
 bool eventually(const std::function<bool()>& condition);
+
+/// Copies a bundle to the path @p to, replacing what is there, and returns that path.
+std::string copyBundle(const std::filesystem::path& bundle, const std::filesystem::path& to);
 
 /// A private session bus. Programs that it starts have @p settings in their environment.
 class PrivateBus {
