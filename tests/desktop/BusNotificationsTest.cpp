@@ -60,6 +60,13 @@ class BusNotificationsTest : public testing::Test {
     static int request() {
         return QProcess::execute(HALVEX_CTL, {"background", "request", "Request"});
     }
+    /// Returns the application's serial number and process identifier.
+    static QStringList find() {
+        QProcess ctl;
+        ctl.start(HALVEX_CTL, {"background", "find"});
+        ctl.waitForFinished();
+        return QString(ctl.readAll()).trimmed().split('\t');
+    }
     /// Returns the process identifiers in a file of the application, once there are @p count.
     std::vector<std::string> written(const char* file, std::size_t count) const {
         std::vector<std::string> processes;
@@ -184,10 +191,7 @@ TEST_F(BusNotificationsTest, ReachesAnApplicationThatTheFirstRequestStarts) {
     const auto both = written("requests", 2);
     ASSERT_THAT(both, SizeIs(2));
     EXPECT_EQ(both[0], both[1]);
-    QProcess find;
-    find.start(HALVEX_CTL, {"background", "find"});
-    find.waitForFinished();
-    const QStringList words = QString(find.readAll()).trimmed().split('\t');
+    const QStringList words = find();
     ASSERT_EQ(words.size(), 2);
     EXPECT_EQ(words[1].toStdString(), both[0]);
 
@@ -203,8 +207,10 @@ TEST_F(BusNotificationsTest, RequestsDoNotWaitForAHangingApplicationOrReachAKill
     request();
     const std::string first = written("requests", 1).at(0);
     kill(std::stoi(first), SIGSTOP);
+    const auto serialNumber = find().value(0).toULongLong();
     QElapsedTimer timer;
     timer.start();
+    platform::qt::bringApplicationToFront(serialNumber);
     EXPECT_EQ(request(), 0);
     EXPECT_LT(timer.elapsed(), 3000);
     EXPECT_THAT(written("requests", 1), SizeIs(1));
