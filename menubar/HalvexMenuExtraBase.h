@@ -34,7 +34,7 @@ class HalvexMenuExtraBase : public platform::MenuExtra {
     /// std::nullopt removes the title. Requests a redisplay unless the text is unchanged.
     virtual void setTitle(const std::optional<std::string>& title);
     /// Shows a copy of @p title; null removes the title. Does nothing if @p title is the instance
-    /// already held. A redisplay is requested only if the width changes; otherwise call
+    /// already held. Requests a redisplay only if the width changes; if it does not, call
     /// setNeedsDisplay on the view.
     virtual void setAttributedTitle(const std::shared_ptr<platform::AttributedString>& title);
     /// Shows @p image left of the title; null removes it. Does nothing if @p image is the instance

@@ -29,7 +29,7 @@ class HalvexMenuViewBase : public platform::MenuExtraView {
     /// Returns true: clicks are handled even while another program is active.
     bool acceptsFirstMouse(const platform::Event& event) const override;
 
-    /// Calls the first operation that matches: clickWithCtrlKey for Control or button 3,
+    /// Calls the first operation that matches: clickWithCtrlKey for Control or button 3 (back),
     /// clickWithShiftKey for Shift, clickWithAltKey for Option, clicked otherwise. If the operation
     /// returns false, opens the menu, or closes it if it is open.
     ///

@@ -7,7 +7,7 @@
 /// The catalogue of menu extras behind HalvexMenuExtraTools.
 namespace menuextras {
 
-/// Bundle identifier of the clock that the bar itself ships.
+/// Bundle identifier of the clock that is shipped with the bar.
 inline constexpr const char* kSystemClockID = "com.apple.menuextra.clock";
 /// Bundle identifier of MenuCracker. While MenuCracker is loaded, a bar started with --admit=system
 /// also accepts third-party items.

@@ -47,8 +47,8 @@ class HalvexMenuExtraTools {
     /// the installed copy or lies inside it, leaves the copy unchanged and returns true.
     ///
     /// Returns false if the installed folder is not writable, @p path does not exist, or copying
-    /// fails. Failures and new installations are logged; a replacement is certain to be logged only
-    /// if myDebug is not 0.
+    /// fails. Failures and new installations are logged. A replacement is logged if myDebug is not
+    /// 0 or this process has already read the old bundle.
     static bool installMenuExtra(const std::string& path);
     /// Removes the installed copy whose name is the last component of @p path; nothing else at
     /// @p path is touched. If the copy cannot be deleted, moves it to the Trash, which is logged
@@ -56,10 +56,10 @@ class HalvexMenuExtraTools {
     /// its folder is not writable (logged), if @p path contains no name (logged), or if moving to
     /// the Trash fails.
     static bool removeMenuExtra(const std::string& path);
-    /// Installs the shipped bundle if its CFBundleVersion differs from that of the installed
-    /// copy or both are missing. Logs the two versions and returns true in this case, even if
-    /// the installation fails. Returns false if either bundle is missing, unreadable, or has
-    /// no information dictionary.
+    /// Installs the shipped bundle if its CFBundleVersion differs from that of the installed copy,
+    /// or if neither has a CFBundleVersion. In both cases logs the two versions and returns true,
+    /// even if the installation fails. Returns false if either bundle is missing, is unreadable or
+    /// has no information dictionary.
     static bool DoUpgradeIfNeeded(std::int32_t tag);
     /// Upgrades tags 1, 2 and 5. If any of them was upgraded, unloads tags 31, 32 and 6, removes
     /// their installed copies (logged), and returns true.
@@ -86,8 +86,8 @@ class HalvexMenuExtraTools {
     static void checkPreflight(const std::string& url);
     /// Loads the bundle at a file URL in the menu bar unless the menu extra with the identifier
     /// @p withID is already loaded. Requests the load and waits up to 2 seconds for the menu extra
-    /// to appear. If it does not appear within that time, waits up to 2 seconds more; unless
-    /// MenuCracker is already loaded, it first requests MenuCracker and repeats the request.
+    /// to appear. If it does not appear, requests MenuCracker and repeats the request, unless
+    /// MenuCracker is already loaded. Then waits up to 2 seconds more.
     ///
     /// Returns
     /// - 0 if the menu extra was already loaded or appears within the first wait,

@@ -80,8 +80,8 @@ class HalvexFilePaths {
     /// product folder, and the local product folder if the search reaches it.
     static platform::PropertyList::Array loadWarnMeTitles(const std::string& name,
                                                           const std::string& defaultPath);
-    /// Returns whether the file exists, readable or not, in one of these three folders. Creates the
-    /// product folders that it searches.
+    /// Returns whether the file exists, readable or not, in any of the three folders searched by
+    /// loadWarnMeTitles. Creates the product folders that it searches.
     static bool hasCustomWarnMeFile(const std::string& name);
 };
 

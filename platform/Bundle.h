@@ -36,13 +36,13 @@ class Bundle {
     /// own, returns the folder of the executable file as a bundle. Never null; a bundle whose files
     /// have been removed has no resources. Use typeid(*object) for the dynamic class of an object.
     static std::shared_ptr<Bundle> bundleForClass(const std::type_info& type);
-    /// Returns the bundle of the running program, determined as by bundleForClass.
+    /// Returns the bundle that contains the running program's code, as defined for bundleForClass.
     static std::shared_ptr<Bundle> mainBundle();
 
     Bundle(std::string path, std::optional<PropertyList::Dictionary> infoDictionary);
 
     const std::string& bundlePath() const { return path_; }
-    /// Returns the bundle's name in log lines.
+    /// Returns the text that log lines show for the bundle.
     std::string description() const { return "NSBundle <" + path_ + '>'; }
     /// Returns null if the bundle has no information dictionary.
     const PropertyList::Dictionary* infoDictionary() const { return info_ ? &*info_ : nullptr; }

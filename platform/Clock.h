@@ -13,7 +13,7 @@ namespace platform {
 
 enum class TickInterval { Second, Minute };
 
-/// The time of day, and timers on its boundaries.
+/// The system's clock, and timers that fire at full seconds and minutes.
 class Clock : NonCopyable {
   public:
     virtual ~Clock();

@@ -28,7 +28,7 @@ class DynamicLoader : NonCopyable {
     /// 7 for 32-bit Intel, 18 for PowerPC, 16777223 for 64-bit Intel, 16777228 for 64-bit Arm, and
     /// so on. Empty if the file does not exist or contains no code. Does not run the code.
     virtual std::vector<int> executableArchitectures(const std::string& path) const = 0;
-    /// Returns the number of the processor that this process runs on.
+    /// Returns the number of the processor that this program is built for, or 0 if it is unknown.
     virtual int hostArchitecture() const = 0;
 
     /// Returns the path of the file that the code or data at @p address was loaded from. Empty if

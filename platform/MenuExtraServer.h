@@ -20,8 +20,9 @@ enum class MenuExtraStatus : std::int32_t {
 /// Identifies a loaded item. Never 0 for an item.
 using MenuExtraReference = std::uint32_t;
 
-/// The menu bar as seen by other programs. A request blocks for up to 5 seconds until the bar
-/// replies. Returns a MenuExtraStatus, or another non-zero number if no bar replies. Thread-safe.
+/// The menu bar as seen by other programs. Each request blocks for up to 5 seconds until the
+/// bar replies, and returns a MenuExtraStatus, or another non-zero number if no bar
+/// replies. Thread-safe.
 class MenuExtraServer : NonCopyable {
   public:
     virtual ~MenuExtraServer();

@@ -43,8 +43,8 @@ class Workspace : NonCopyable {
 };
 
 /// Returns the process's workspace. The default moves items to the Trash, starts application
-/// bundles, opens URLs with xdg-open and opens panes with "System Preferences". Its selectFile and
-/// its openFile for any other file fail.
+/// bundles, opens URLs with xdg-open and opens panes with "System Preferences". It cannot open
+/// other files or select files: those calls return false.
 Workspace& sharedWorkspace();
 template <>
 Workspace* exchangeService<Workspace>(Workspace* service);

@@ -5,8 +5,8 @@
 #include <memory>
 
 /// A dark, translucent panel with a rounded title bar. It paints its own background, repaints it on
-/// every resize, can show an "i" button, and sends an action when the mouse is released in it.
-/// Main thread only.
+/// every resize, can show an "i" button, and sends an action when the mouse is released in the
+/// panel. Main thread only.
 class HUDWindow : public platform::Panel {
   public:
     HUDWindow();

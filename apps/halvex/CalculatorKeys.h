@@ -20,7 +20,7 @@ struct CalculatorKey {
 extern const std::array<CalculatorKey, 23> kCalculatorKeys;
 
 /// Returns the calculator key for a key press on the keyboard, or std::nullopt if the key is not
-/// mapped. Both point and comma are the decimal separator.
+/// mapped. "." and "," both map to Key::Point.
 std::optional<Calculator::Key> calculatorKey(const QKeyEvent& event);
 
 } // namespace apps

@@ -21,8 +21,8 @@ class Admission {
     const std::string& ownItemsFolder() const { return ownItemsFolder_; }
 
     enum class Cracker { NotLoaded, Loaded };
-    /// Returns why the bundle at @p path is declined, human-readable, or an empty string if it is
-    /// admitted. Symbolic links are resolved first. MenuCracker is always admitted from a
+    /// Returns a human-readable reason if the bundle at @p path is declined, or an empty string if
+    /// it is admitted. Symbolic links are resolved first. MenuCracker is always admitted from a
     /// preference pane's PlugIns folder.
     std::string refusalReason(const std::string& path, Cracker cracker) const;
 

@@ -33,7 +33,8 @@ class ItemRegistry final : public QObject, public platform::MenuExtraServer {
     std::int32_t getMenuExtra(const std::string& identifier,
                               platform::MenuExtraReference& reference) override;
     /// Checks the URL and returns; the item is loaded later, from the main loop. An item that is
-    /// not admitted is logged and refused, except that with Admit::System the status is 0.
+    /// not admitted is logged and refused. With Admit::System, admission is checked only when the
+    /// item is loaded, so the status is 0 even if the item is then refused.
     std::int32_t addMenuExtra(const std::string& url, std::int32_t position, std::int32_t,
                               std::int32_t, std::int32_t, std::int32_t) override;
     /// If called while an item's code is running, even that of the item to be removed, returns 0

@@ -24,7 +24,7 @@ class ItemWidget final : public QWidget {
     /// Space on either side of an item, in points.
     static constexpr int kPadding = 6;
 
-    /// @p owner is the item's identifier, under which its code runs.
+    /// @p owner is the item's identifier, under which its code runs (see runGuarded).
     ItemWidget(std::string owner, std::shared_ptr<platform::MenuExtra> extra,
                platform::qt::QtGraphics& graphics, QWidget* parent);
 

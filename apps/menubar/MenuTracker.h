@@ -53,7 +53,7 @@ class MenuTracker final : public QObject {
 
     ItemCollection& items_;
     CrashJournal& journal_;
-    std::vector<TrackedMenu> menus_; // one is open; closed ones are destroyed by the event loop
+    std::vector<TrackedMenu> menus_; // at most one is open; the event loop destroys closed ones
 };
 
 } // namespace apps

@@ -16,8 +16,9 @@ struct Options {
     Admit admit = Admit::User;
 };
 
-/// Parses the command line. After --help, --version or a usage error, prints the text, sets
-/// @p status to the program's exit status and returns std::nullopt.
+/// Parses the command line. If the program should exit, returns std::nullopt and sets @p status: to
+/// 0 after printing the text of --help or --version, or to 2 after printing the help to standard
+/// error because of a usage error.
 std::optional<Options> readOptions(int argc, char** argv, int& status);
 
 } // namespace apps

@@ -7,7 +7,7 @@ namespace apps {
 
 /// Who requested an item.
 enum class Origin {
-    Request,     ///< a program, while the bar ran; the item is stored and restored at start
+    Request,     ///< a program, while the bar was running; the item is stored and restored at start
     CommandLine, ///< the bar's command line; the item is loaded for this run only
 };
 

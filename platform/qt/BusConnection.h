@@ -22,8 +22,8 @@ class BusConnection : NonCopyable {
 
     /// Returns the connection, and opens it if necessary, for example after the bus has
     /// restarted. If that fails, the result is disconnected. If the bus accepts the connection
-    /// but does not reply, blocks for kTimeout; later calls return a disconnected result without
-    /// blocking until it replies.
+    /// but does not reply, blocks for kTimeout; until it replies, later calls return a
+    /// disconnected result without blocking.
     QDBusConnection get();
 
   private:

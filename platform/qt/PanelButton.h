@@ -15,7 +15,7 @@ class PanelButton final : public QAbstractButton {
     Q_OBJECT
 
   public:
-    /// Clicks run the button's action under the identifier @p owner.
+    /// Clicks run the button's action under the identifier @p owner (see runGuarded).
     PanelButton(std::shared_ptr<Button> button, std::string owner, QWidget* parent);
     ~PanelButton() override;
 

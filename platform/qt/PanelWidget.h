@@ -74,7 +74,8 @@ class PanelWidget final : public QWidget {
     void moveByKey(QPoint direction, bool resizes);
     void sendMouseUp(Qt::KeyboardModifiers modifiers);
 
-    /// Calls @p code with the panel, under the owner's identifier. Does nothing after detach().
+    /// Calls @p code with the panel, guarded with the owner's identifier. Does nothing after
+    /// detach() has been called.
     void callPanel(const std::function<void(Panel&)>& code);
 
     Panel* panel_;

@@ -13,7 +13,7 @@ namespace platform::qt {
 /// An image with pixels for one or more scales. Immutable. Main thread.
 class QtImage final : public Image {
   public:
-    /// Pixels of any format, which is converted to premultiplied ARGB.
+    /// Pixels in any format. They are converted to premultiplied ARGB.
     struct Representation {
         QImage pixels;
         double scale = 1; ///< pixels per point

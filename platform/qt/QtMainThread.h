@@ -5,8 +5,8 @@
 namespace platform::qt {
 
 /// The Qt event loop of the thread that creates the object. Handlers run under the identifier of
-/// the owner that registered them. Work queued after the loop has ended does not run; waiting for
-/// it blocks until the process exits.
+/// the owner that registered them (see runGuarded). Work queued after the loop has ended does not
+/// run; waiting for it blocks until the process exits.
 class QtMainThread final : public MainThread {
   public:
     QtMainThread();

@@ -12,7 +12,8 @@
 namespace platform::qt {
 
 /// The widget of a menu. Contains the items that the menu has at construction, and follows later
-/// changes of their titles and states. Actions run under the owner's identifier. Main thread.
+/// changes of their titles and states. Actions run under the owner's identifier; see runGuarded.
+/// Main thread only.
 class QtMenu final : public QMenu {
     Q_OBJECT
 

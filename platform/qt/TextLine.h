@@ -29,14 +29,14 @@ class TextLine {
     /// Returns the advance width and the ascent plus descent, or 0 x 0 for empty text.
     Size size() const;
     std::vector<Part> parts() const;
-    /// Fills all glyphs with the line's top left corner at the painter's origin, in the colours of
-    /// their runs or else the painter's. Much faster than drawing the parts.
+    /// Draws all glyphs filled, in the colours of their runs or else the painter's. The line's top
+    /// left corner is at the painter's origin. Much faster than drawing the parts.
     void fill(QPainter& painter) const;
 
   private:
     struct Range {
-        int start = 0; ///< UTF-16 units, as the length
-        int length = 0;
+        int start = 0;  ///< UTF-16 units
+        int length = 0; ///< UTF-16 units
         TextAttributes attributes;
     };
 

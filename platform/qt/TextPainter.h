@@ -27,7 +27,7 @@ class TextPainter {
         CompositingOperation operation = CompositingOperation::SourceOver;
         std::optional<Shadow> shadow; ///< for text that has none of its own
     };
-    /// For text that names none.
+    /// The colour and the font of text whose attributes have none.
     struct Defaults {
         QColor color;
         QFont font;

@@ -91,9 +91,9 @@ class PropertyList {
     // stay valid until this value is assigned to, moved from or destroyed.
 
     std::optional<std::string_view> string() const;
-    /// Returns the integer if it is in the range of the result. Every integer is in the range of at
-    /// least one of the two.
+    /// Returns the integer if it is at most 2^63 - 1.
     std::optional<std::int64_t> integer() const;
+    /// Returns the integer if it is not negative.
     std::optional<std::uint64_t> unsignedInteger() const;
     std::optional<double> real() const;
     std::optional<bool> boolean() const;
