@@ -85,9 +85,9 @@ class HalvexMenuExtraTools {
     /// myDebug is set, also logs whether the system's loader accepts the code.
     static void checkPreflight(const std::string& url);
     /// Loads the bundle at a file URL in the menu bar unless the menu extra with the identifier
-    /// @p withID is already loaded. Requests the load and waits up to 2 seconds for the menu extra
-    /// to appear. If it does not appear, requests MenuCracker and repeats the request, unless
-    /// MenuCracker is already loaded. Then waits up to 2 seconds more.
+    /// @p withID is already loaded. Calls checkPreflight, requests the load and waits up to 2
+    /// seconds for the menu extra to appear. If it does not appear, requests MenuCracker and
+    /// repeats the request, unless MenuCracker is already loaded. Then waits up to 2 seconds more.
     ///
     /// Returns
     /// - 0 if the menu extra was already loaded or appears within the first wait,
