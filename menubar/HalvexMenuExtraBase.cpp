@@ -10,8 +10,7 @@
 #include <sstream>
 #include <utility>
 
-// Bundles link the library weakly. An older library than the one a bundle was built against may
-// lack this symbol.
+// Weak, so that a library without this symbol still loads and initWithBundle can log the problem.
 extern "C" [[gnu::weak]] const char* const WarnMeTimesFile;
 
 using namespace platform;

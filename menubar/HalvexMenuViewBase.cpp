@@ -13,7 +13,7 @@ using namespace platform;
 
 namespace {
 
-/// Treated like a Control-click. The right button is number 1.
+/// A press of this button is treated like a Control-click. It is not the right button, number 1.
 constexpr std::int32_t kControlClickButton = 3;
 
 bool hasModifiers(const Event& event, std::uint32_t mask) {

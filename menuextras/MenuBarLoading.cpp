@@ -142,7 +142,7 @@ void HalvexMenuExtraTools::checkPreflight(const std::string& url) {
         logLine("checkPreflight: executablePath nil");
         return;
     }
-    if (!identifiers::isVerbose()) // the result is only logged, and getting it takes a process
+    if (!identifiers::isVerbose()) // the result is only logged, and needs a child process
         return;
     std::string reason;
     if (platform::dynamicLoader().preflight(*executable, reason))

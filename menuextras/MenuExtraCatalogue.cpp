@@ -32,7 +32,7 @@ std::optional<std::string> pathInFolder(const std::string& folder, std::int32_t 
 namespace menuextras {
 
 std::span<const MenuExtraKind> allKinds() {
-    // Deliberate gaps: the loaded test predates tag 33, and tags 31 and 32 are only ever removed.
+    // Deliberate gaps: isHalvexExtraLoaded is older than tag 33; tags 31 and 32 are only removed.
     static const std::array<MenuExtraKind, 9> kinds{{
         // tag, identifier, file name, is queryable, is toggleable
         {1, HalvexMenuID, kHalvexTimeExtraFile, true, true},

@@ -30,7 +30,8 @@ void migrateFromOldPaths(const std::string& firstOld, const std::string& secondO
         logLine("Moved Locations from Path = %@ to %@", firstOld, secondOld);
 }
 
-/// Logs if the pane is not loaded in this process.
+/// Returns the pane that this process has loaded. If there is no such pane, logs this and returns
+/// the installed one.
 std::shared_ptr<platform::Bundle> preferencePane() {
     if (auto loaded = paths::loadedPreferencePane())
         return loaded;

@@ -22,9 +22,9 @@ namespace {
 constexpr std::size_t kIdentityFields = 5;
 constexpr std::size_t kNetFlag = 13;
 
-// Locations are compared by key: a byte string that two records share only if they have the same
-// location. In a key, each value starts with a letter for its type, followed by its length if the
-// length varies.
+// Locations are compared by their keys. Two records have the same key, a byte string, if and only
+// if they have the same location. In a key, each value starts with a letter for its type, followed
+// by its length if the length varies.
 
 void appendValue(std::string& key, const PropertyList& value);
 
@@ -96,7 +96,8 @@ void appendValue(std::string& key, const PropertyList& value) {
     }
 }
 
-/// Replaces @p key with the key of a record's location. Returns false if the record has none.
+/// Replaces @p key with the key of a record's location. Returns false if the record is not an array
+/// or has too few elements.
 bool makeKey(std::string& key, const PropertyList& record) {
     const Array* fields = record.array();
     if (!fields || fields->size() < kIdentityFields)

@@ -13,7 +13,7 @@ using Array = platform::PropertyList::Array;
 
 namespace {
 
-/// Returns a folder's path and creates the folder. Called only when it is that folder's turn.
+/// Returns a folder's path and creates the folder. Called only when that folder is searched.
 using Folder = std::string (*)();
 
 std::string userFolder() {

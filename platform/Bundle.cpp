@@ -40,7 +40,7 @@ Registry& registry() {
     return *instance;
 }
 
-/// Bundles with a larger Info.plist, in bytes, are not kept in the registry.
+/// Bytes; bundles with a larger Info.plist are not kept in the registry.
 constexpr std::uintmax_t kLargestKeptInfo = 1 << 20;
 
 std::string contents(const std::string& bundle, std::string_view relative) {

@@ -26,8 +26,7 @@ PropertyList::Dictionary paths() {
     const std::string localProduct = Files::ovxGetLocalHalvexApplSupportFolder();
     const std::string titles = std::string(WarnMeTitlesFile) + "." + plistFile;
     const std::string times = std::string(WarnMeTimesFile) + "." + plistFile;
-    // Some operations create, open or read a path without returning it. Those paths
-    // are composed here.
+    // Paths that an operation creates, opens or reads but does not return are composed here.
     return {
         {"ovxGetUserApplSupportFolder", support},
         {"ovxGetUserQuorvaneSoftwareFolder", maker},

@@ -46,8 +46,10 @@ ItemRegistry::ItemRegistry(ItemCollection& items, CrashJournal& journal, Admissi
 
 ItemRegistry::~ItemRegistry() {
     write();
-    disconnect(&items_, nullptr, this, nullptr); // the items stay in the list
-    items_.clear();                              // while their code can still use the server
+    // Disconnected first, so that the items stay in the list. Cleared here, because their code may
+    // still call this object.
+    disconnect(&items_, nullptr, this, nullptr);
+    items_.clear();
 }
 
 void ItemRegistry::start(const std::vector<std::string>& commandLine) {

@@ -21,8 +21,7 @@ namespace apps {
 MenuBar::MenuBar(qt::QtGraphics& graphics, CrashJournal& journal)
     : journal_(journal), asHost_(*this), asEventSource_(*this), items_(graphics, journal, window_),
       menus_(items_, journal) {
-    // Slots run in the order of their connection: the journal is updated before the D-Bus
-    // signal is sent.
+    // Slots run in the order of connection: the journal is updated before the D-Bus signal is sent.
     connect(&items_, &ItemCollection::added, this, &MenuBar::itemAdded);
     connect(&items_, &ItemCollection::removed, this, &MenuBar::itemRemoved);
     // Drawing happens just before the event loop blocks. QWidget::update would need another

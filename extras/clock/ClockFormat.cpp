@@ -16,8 +16,8 @@ namespace {
 constexpr std::size_t kMaximumFormatBytes = 256;
 constexpr std::size_t kTextBufferBytes = 16384;
 
-/// The locale of the environment, or "C" if it is not installed. Freed when the bundle's code is
-/// unloaded.
+/// The locale of the environment, or "C" if that locale is not installed. Freed when the bundle's
+/// code is unloaded.
 class UserLocale : platform::NonCopyable {
   public:
     UserLocale() : locale_(newlocale(LC_ALL_MASK, "", nullptr)) {

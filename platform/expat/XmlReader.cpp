@@ -16,7 +16,7 @@ namespace platform::expat {
 namespace {
 
 constexpr std::size_t kPieceBytes = std::size_t{1} << 16;
-/// Limits the cost of long tags: Expat parses an incomplete tag again with each further piece.
+/// Bytes; limits the cost of long tags: Expat parses an incomplete tag again with each piece.
 constexpr std::size_t kLongestToken = std::size_t{1} << 20;
 
 enum class Element {

@@ -58,8 +58,8 @@ std::string_view escaped(char character) {
     }
 }
 
-/// Returns the length of the UTF-8 sequence at the start of @p text, or 0 if it is malformed or its
-/// character, U+FFFE or U+FFFF, is not allowed in XML.
+/// Returns the length of the UTF-8 sequence at the start of @p text, or 0 if it is malformed or
+/// encodes U+FFFE or U+FFFF, which XML does not allow.
 std::size_t sequenceLength(std::string_view text) {
     const bool isNoncharacter =
         text.starts_with("\xEF\xBF\xBE") || text.starts_with("\xEF\xBF\xBF");
@@ -81,8 +81,8 @@ class Output {
         std::memcpy(block_.data() + used_, piece.data(), piece.size());
         used_ += piece.size();
     }
-    /// Appends an indented line, which is faster than its parts. Returns false, and appends
-    /// nothing, if the line is indented too deeply or does not fit into the block.
+    /// Appends an indented line, which is faster than appending its parts. Returns false, and
+    /// appends nothing, if the line is indented too deeply or does not fit into the block.
     bool appendLine(std::size_t depth, std::string_view start, std::string_view text,
                     std::string_view end) {
         const std::size_t size = depth - 1 + start.size() + text.size() + end.size();

@@ -45,11 +45,12 @@ bool copyOwnerAndMode(int file, const struct stat& original, SystemCalls& calls)
     if (::fstat(file, &status) != 0)
         return false;
     const bool sameOwner = status.st_uid == original.st_uid && status.st_gid == original.st_gid;
-    if (sameOwner && status.st_mode == original.st_mode) // always so on file systems without modes
+    // Always true on a file system without owners and modes.
+    if (sameOwner && status.st_mode == original.st_mode)
         return true;
     if (sameOwner || ::fchown(file, original.st_uid, original.st_gid) == 0)
         return calls.setMode(file, original.st_mode & 07777U) == 0;
-    // A process may be permitted to change the group alone.
+    // A process that may not change the owner may still be permitted to change the group.
     [[maybe_unused]] const int ignored = ::fchown(file, static_cast<uid_t>(-1), original.st_gid);
     return calls.setMode(file, original.st_mode & 0777U) == 0;
 }

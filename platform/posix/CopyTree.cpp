@@ -12,8 +12,8 @@
 namespace platform::posix {
 namespace {
 
-/// Copies a tree into the open folder @p destination. Each operation copies the entry @p name of @p
-/// source into @p target, as @p newName.
+/// Copies a tree into the open folder @p destination. Each operation copies the entry @p name of
+/// the folder @p source to the entry @p newName of the folder @p target.
 class TreeCopier {
   public:
     TreeCopier(int destination, SystemCalls& calls) : calls_(calls) {
@@ -87,7 +87,7 @@ bool TreeCopier::finish(int copy, const struct stat& original) {
            calls_.flush(copy) == 0;
 }
 
-/// Moves an entry. A read-only folder is made writable first: only then does the system move it.
+/// Moves an entry. A read-only folder is made writable for the move: otherwise it would fail.
 int moveInto(int from, int to, const std::string& name, SystemCalls& calls) {
     const auto status = statusOf(from, name);
     const bool readOnly = status && S_ISDIR(status->st_mode) && (status->st_mode & S_IWUSR) == 0;

@@ -18,12 +18,12 @@
 namespace platform::posix {
 namespace {
 
-/// Events of folders in the path, only about the folders themselves. With IN_DELETE, every file
+/// Events of the folders in the path, except those about their entries: with IN_DELETE, every file
 /// that is deleted in the home folder would wake the process.
 constexpr std::uint32_t kFolder = IN_DELETE_SELF | IN_MOVE_SELF;
 /// Events of a folder in which the next component is missing.
 constexpr std::uint32_t kArrivals = kFolder | IN_CREATE | IN_MOVED_TO;
-/// Events of files and links. Losing a name, by removal or replacement, counts as IN_ATTRIB.
+/// Events of files and links. If a name is removed or replaced, the system reports IN_ATTRIB.
 constexpr std::uint32_t kFile =
     IN_MODIFY | IN_CLOSE_WRITE | IN_ATTRIB | IN_DELETE_SELF | IN_MOVE_SELF;
 /// Events after which the handler is called even if the file looks the same as before: times are
@@ -52,8 +52,8 @@ class InotifyFileWatch final : public Watch {
         friend bool operator==(const Identity&, const Identity&) = default;
     };
 
-    /// Adds watches along the path as it is now, and removes all others. Returns false if the
-    /// system has no watches left.
+    /// Adds watches for the folders and links that the path currently leads through, and removes
+    /// all others. Returns false if the system has no watches left.
     bool updateWatches();
     bool watchPath(std::set<int>& watches);
     bool watchFolder(const std::string& folder, std::uint32_t mask, std::set<int>& watches);
@@ -83,12 +83,12 @@ bool InotifyFileWatch::watch(const std::string& path, std::uint32_t mask, std::s
     const int number = ::inotify_add_watch(inotify_.get(), path.c_str(), mask | IN_DONT_FOLLOW);
     if (number >= 0)
         watches.insert(number);
-    // A folder that may be searched but not read cannot be watched. The removal of one is reported
-    // by the watches on the folders above.
+    // A folder that may be searched but not read cannot be watched. If it is removed, the
+    // watches on the folders above report this.
     return number >= 0 || (errno != ENOSPC && errno != ENOMEM);
 }
 
-/// With the trailing slash, the call has no effect on a file that has replaced the folder.
+/// Adds no watch if a file has replaced the folder, because of the trailing slash.
 bool InotifyFileWatch::watchFolder(const std::string& folder, std::uint32_t mask,
                                    std::set<int>& watches) {
     return watch(folder + '/', mask, watches);

@@ -43,7 +43,7 @@ class PosixDynamicLoader final : public DynamicLoader {
         const std::filesystem::path file(loadedFileAt(address));
         if (file.empty())
             return {};
-        // The program's name on the command line may not be a path to it.
+        // For the program itself, this is its name on the command line, which may not be a path.
         std::error_code ignored;
         if (!std::filesystem::exists(file, ignored) || !file.is_absolute())
             return std::filesystem::read_symlink("/proc/self/exe", ignored).string();
@@ -76,8 +76,8 @@ class PosixDynamicLoader final : public DynamicLoader {
     }
 
   private:
-    /// Returns why load refuses the file before the loader maps it, or an empty string. The process
-    /// would crash on the missing pages of a truncated file.
+    /// Returns why the file must not be passed to the loader, or an empty string. If the loader
+    /// mapped a truncated file, the process would crash on the missing pages.
     std::string headerError(const std::string& path) const {
         const auto file = ElfFile::read(path);
         if (!file)

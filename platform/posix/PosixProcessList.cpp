@@ -19,8 +19,8 @@ namespace fs = std::filesystem;
 namespace platform::posix {
 namespace {
 
-// The low 22 bits of a serial number are the process identifier, which is never longer. The others
-// are the start time of the process, in clock ticks since the system was booted.
+// The low 22 bits of a serial number are the process identifier, which is never longer. The
+// other bits are the start time of the process, in clock ticks since the system was booted.
 constexpr unsigned kIdentifierBits = 22;
 
 std::string procFolder(pid_t process) {

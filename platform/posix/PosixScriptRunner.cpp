@@ -13,7 +13,7 @@ constexpr std::string_view kBefore =
 constexpr std::string_view kAfter = "\"\nend tell\n";
 
 /// Returns the pane's identifier, or std::nullopt for another script. An identifier with a
-/// quotation mark, a backslash or a line break is rejected: what follows could be more script.
+/// quotation mark, a backslash or a line break is rejected: it could add commands to the script.
 std::optional<std::string> paneIdentifier(std::string_view script) {
     const bool matches = script.size() > kBefore.size() + kAfter.size() &&
                          script.starts_with(kBefore) && script.ends_with(kAfter);

@@ -15,7 +15,7 @@ namespace platform::posix {
 namespace {
 
 /// Removes a number and the dot after it from the start of @p text. Returns the number, UINT32_MAX
-/// for a larger one, or std::nullopt if there is none.
+/// for a larger one, or std::nullopt if @p text does not start with a number.
 std::optional<std::uint32_t> takeNumber(std::string_view& text) {
     std::uint32_t number = 0;
     const char* const end = text.data() + text.size();
@@ -70,7 +70,7 @@ std::optional<std::uint32_t> PosixSystemInfo::query(SystemFact fact) const {
 TimeZone PosixSystemInfo::systemTimeZone() const {
     const std::time_t now = std::time(nullptr);
     std::tm local{};
-    tzset(); // localtime_r alone need not notice that the zone has changed
+    tzset(); // localtime_r alone may use the previous zone
     localtime_r(&now, &local);
     std::error_code ignored;
     std::string name = zoneOfEnvironment();

@@ -36,7 +36,7 @@ std::string libraryFolders() {
     return (variable && *variable ? std::string(variable) + ':' : std::string()) + own;
 }
 
-/// The loader in a process of its own, which is killed with the object.
+/// Runs the loader in a child process. Destroying the object kills the process.
 class LoaderProcess : NonCopyable {
   public:
     LoaderProcess(const std::string& loader, const std::string& path);

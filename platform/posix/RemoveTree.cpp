@@ -48,7 +48,7 @@ void removeLeftovers(int folder, const std::string& prefix) {
     }
 }
 
-/// Renames the folder before removing it, so that a process never finds half of it at its path.
+/// Renames the folder before removing it, so that its path never shows a partly removed folder.
 bool removeFolder(int parent, const std::string& name) {
     const std::string prefix = temporaryPrefix("remove", name);
     removeLeftovers(parent, prefix);

@@ -14,7 +14,7 @@
 namespace platform::posix {
 namespace {
 
-// A child of a process with threads may call only async-signal-safe functions.
+// The child of a process with several threads may call only async-signal-safe functions.
 
 void resetSignals() {
     struct sigaction action {};
@@ -26,7 +26,7 @@ void resetSignals() {
     sigprocmask(SIG_SETMASK, &none, nullptr);
 }
 
-/// Leaves the other files open until exec, so that an error can be reported.
+/// Leaves the other files open until exec, because one of them is the pipe for an error.
 void detachFiles() {
     const int empty = open("/dev/null", O_RDWR);
     dup2(empty, STDIN_FILENO);

@@ -16,8 +16,8 @@ namespace {
 
 constexpr const char* kProgram = "halvex-preferences";
 
-/// Returns "bin" beside the folder of this library, or of the program it is linked into, and then
-/// the folders in PATH.
+/// Returns the folders in the order of the search: "bin" next to the folder that contains this
+/// code, then the folders in PATH.
 std::vector<std::string> searchFolders() {
     std::vector<std::string> result;
     const auto library =

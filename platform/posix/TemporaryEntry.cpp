@@ -33,8 +33,8 @@ Descriptor create(TemporaryEntry::Kind kind, int folder, const std::string& name
     return calls.makeFolder(folder, name, mode) == 0 ? openFolder(folder, name) : Descriptor();
 }
 
-/// Locks a new entry. Returns false if another process has taken it for a leftover before that.
-/// Where the file system has no locks, no entry is ever taken for one.
+/// Locks a new entry. Returns false if another process has already locked or removed it as a
+/// leftover. On a file system without locks, no process removes leftovers.
 bool lock(int entry, int folder, const std::string& name) {
     if (::flock(entry, LOCK_EX | LOCK_NB) != 0 && errno == EWOULDBLOCK)
         return false;

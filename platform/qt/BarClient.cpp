@@ -37,7 +37,7 @@ BarClient::Reply BarClient::call(const char* member, const QVariantList& argumen
     message.setArguments(arguments);
     const auto start = std::chrono::steady_clock::now();
     const QDBusMessage reply = bus.call(message, QDBus::Block, kTimeout);
-    // NoReply also means that the bar exited during the call, but then it usually comes sooner.
+    // NoReply is also the error if the bar exits during the call, but then it arrives earlier.
     const bool waited =
         std::chrono::steady_clock::now() - start > std::chrono::milliseconds(kTimeout / 2);
     if (waited && QDBusError(reply).type() == QDBusError::NoReply) {

@@ -9,7 +9,7 @@ namespace {
 
 constexpr int kPasses = 3;
 
-/// A box filter over 2 * radius + 1 pixels, and with a smaller weight the next pixel at both ends.
+/// A box filter over 2 * radius + 1 pixels, plus one pixel with a smaller weight at each end.
 struct Box {
     int radius = 0;
     float end = 0;    ///< the weight of the end pixels; the others have 1
@@ -30,7 +30,7 @@ Box boxFor(double deviation) {
     return box;
 }
 
-/// Filters @p count values with a distance of @p stride. @p padded is scratch memory.
+/// Filters @p count values, @p stride elements apart, in place. @p padded is scratch memory.
 void filter(float* values, std::ptrdiff_t count, std::ptrdiff_t stride, const Box& box,
             std::vector<float>& padded) {
     const std::ptrdiff_t margin = box.radius + 1;

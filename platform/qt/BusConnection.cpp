@@ -52,11 +52,11 @@ class BusConnection::Attempt {
     bool hasEnded_ = false;
 };
 
-// Qt waits for the first reply of the bus without a limit, so a thread of its own does.
+// Connects on a separate thread, because Qt waits for the first reply of the bus without a timeout.
 void BusConnection::connect() {
     name_ = uniqueName(purpose_);
     attempt_ = std::make_shared<Attempt>();
-    // Destroyed with the work, also if no thread can be started for it.
+    // Ends the attempt when the work is destroyed, even if no thread could be started for it.
     std::shared_ptr<void> ending(nullptr, [attempt = attempt_](void*) { attempt->end(); });
     detachThread(
         [ending = std::move(ending), name = qString(name_), address = qString(busAddress_)] {

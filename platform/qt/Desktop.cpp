@@ -13,7 +13,7 @@
 namespace platform::qt {
 namespace {
 
-/// Writes lines to the previous log; beeps by the desktop's alert sound.
+/// Writes lines to the previous log. Beeps with the desktop's alert sound.
 class DesktopLog final : public Log {
   public:
     explicit DesktopLog(Log& lines) : lines_(lines) {}

@@ -15,7 +15,7 @@ namespace {
 
 constexpr double kMaximumSize = 1024;
 
-/// Names of generic families: any font found for them is right.
+/// Generic names, which match any family: a substitute for one is not logged.
 constexpr std::array kGenericFamilies = {"sans",      "sans-serif", "sans serif", "serif",
                                          "monospace", "mono",       "system-ui"};
 

@@ -60,7 +60,7 @@ QSize PanelButton::sizeHint() const {
 }
 
 void PanelButton::keyPressEvent(QKeyEvent* event) {
-    // A panel has no default button: Return is for the focused one.
+    // A panel has no default button: Return clicks the focused button.
     if (event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter)
         click();
     else

@@ -5,8 +5,8 @@
 namespace platform::qt {
 namespace {
 
-/// Appends lines. QPainterPath's own curves are off by a quarter of a pixel, which small corners
-/// make visible.
+/// Appends lines, because QPainterPath's own curves are off by a quarter of a pixel, which is
+/// visible in small corners.
 void appendArc(QPainterPath& outline, const CornerArc& arc, const Viewport& viewport) {
     constexpr int kLines = 24;
     for (int i = 1; i <= kLines; ++i) {

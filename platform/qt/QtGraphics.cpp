@@ -26,8 +26,8 @@ double pixelsFor(double points, double scale) {
     return pixels > 0 ? std::ceil(pixels * (1 - 1e-12)) : 0;
 }
 
-/// Returns a null image if out of memory. Unlike QImage::fill, calloc does not clear memory again
-/// that the system has just provided.
+/// Returns a null image if out of memory. Uses calloc because QImage::fill would also clear memory
+/// that the system has just provided, which is already zero.
 QImage transparentPixels(int width, int height) {
     constexpr std::ptrdiff_t kBytesPerPixel = 4;
     const auto size = static_cast<std::size_t>(width * kBytesPerPixel * height);
@@ -67,7 +67,7 @@ QFont QtGraphics::defaultFont() const {
 
 Size QtGraphics::sizeOfText(const AttributedString& text) {
     const QFont font = current_ ? current_->defaultFont() : defaultFont();
-    // The smoothing does not change the size; this one finds the lines that the bar draws cached.
+    // The smoothing does not affect the size. The bar draws with this one, so its lines are cached.
     return lines_.line(text, font, FontSmoothing::Greyscale)->size();
 }
 

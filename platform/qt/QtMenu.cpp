@@ -49,7 +49,7 @@ QStyle* menuStyle() {
 QtMenu::QtMenu(const Menu& menu, std::string owner, QWidget* parent)
     : QMenu(parent), menu_(&menu), owner_(std::move(owner)) {
     setStyle(menuStyle());
-    // The mouse handler decides what a press outside of the menu does.
+    // Presses outside of the menu are left to the mouse handler.
     setAttribute(Qt::WA_NoMouseReplay);
     for (const auto& item : menu.items())
         addItem(item);

@@ -13,7 +13,7 @@ class QtPanelWindow final : public PanelWindow {
   public:
     explicit QtPanelWindow(Panel& panel) : widget_(new PanelWidget(panel)) {}
     ~QtPanelWindow() override {
-        // Not deleted now: one of its functions may be running.
+        // Deleted later, because one of its functions may be running.
         widget_->detach();
         widget_->hide();
         widget_->deleteLater();

@@ -128,7 +128,7 @@ void TextPainter::drawInRect(const AttributedString& text, const Rect& rect) {
     const double spare = std::max(0.0, rect.size.width - size.width);
     const double left = spare * kLeftFraction[static_cast<std::size_t>(style.alignment)];
 
-    // An image of these pixels only clips what is drawn into it.
+    // This image shares the target's pixels. It clips what is drawn to the area.
     const double scale = viewport_.scale;
     QImage clipped(target_.scanLine(area.top()) + 4 * static_cast<std::ptrdiff_t>(area.left()),
                    area.width(), area.height(), target_.bytesPerLine(), target_.format());

@@ -17,7 +17,7 @@ constexpr const char* kEllipsis = "\u2026";
 /// A width may differ from the sum of its parts by rounding errors.
 constexpr double kTolerance = 1e-3;
 
-/// Estimates: text beyond the length that they allow is not measured.
+/// Assumed bounds. Text beyond what can fit under these assumptions is not measured.
 constexpr double kMinimumAverageWidth = 1.0 / 8; // points per character
 constexpr std::size_t kMaximumBytesPerCharacter = 32;
 

@@ -9,7 +9,8 @@ struct Span {
     double length;
 };
 
-/// Distributes @p change equally among the flexible ones of: margin below, length, margin above.
+/// Distributes @p change equally among the flexible parts. @p low is whether the margin below the
+/// span is flexible, @p middle its length, @p high the margin above.
 Span resized(Span span, double change, bool low, bool middle, bool high) {
     const int flexible = int{low} + int{middle} + int{high};
     if (flexible == 0)
