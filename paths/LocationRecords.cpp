@@ -1,5 +1,7 @@
 #include "paths/LocationRecords.h"
 
+#include "platform/base/NonCopyable.h"
+
 #include <algorithm>
 #include <bit>
 #include <cmath>
@@ -96,28 +98,40 @@ void appendValue(std::string& key, const PropertyList& value) {
     }
 }
 
-/// Replaces @p key with the key of a record's location. Returns false if the record is not an array
-/// or has too few elements.
-bool makeKey(std::string& key, const PropertyList& record) {
+/// Appends the key of a record's location. Returns false, and appends nothing, if it has none.
+bool appendKey(std::string& keys, const PropertyList& record) {
     const Array* fields = record.array();
     if (!fields || fields->size() < kIdentityFields)
         return false;
-    key.clear();
     for (const PropertyList& field : std::span(*fields).first(kIdentityFields))
-        appendValue(key, field);
+        appendValue(keys, field);
     return true;
 }
 
-std::unordered_set<std::string> locationKeys(const Array& records) {
-    std::unordered_set<std::string> keys;
-    keys.reserve(records.size());
-    std::string key;
-    for (const PropertyList& record : records) {
-        if (makeKey(key, record))
-            keys.insert(key);
+/// The locations of a list. All keys are in one string: allocating each would take longer than
+/// computing them.
+class LocationSet : platform::NonCopyable {
+  public:
+    explicit LocationSet(const Array& records) {
+        std::vector<std::size_t> ends;
+        ends.reserve(records.size());
+        for (const PropertyList& record : records)
+            if (appendKey(bytes_, record))
+                ends.push_back(bytes_.size());
+        keys_.reserve(ends.size());
+        std::size_t start = 0;
+        for (const std::size_t end : ends) {
+            keys_.insert(std::string_view(bytes_).substr(start, end - start));
+            start = end;
+        }
     }
-    return keys;
-}
+
+    bool contains(std::string_view key) const { return keys_.contains(key); }
+
+  private:
+    std::string bytes_;
+    std::unordered_set<std::string_view> keys_; ///< views of bytes_
+};
 
 void flagAsNet(PropertyList& record) {
     Array* fields = record.array();
@@ -136,10 +150,12 @@ void flagAsNet(PropertyList& record) {
 
 paths::MergedRecords paths::mergeRecords(Array list, Array cached) {
     paths::MergedRecords merged{std::move(list), 0};
-    const auto known = locationKeys(merged.records);
+    const LocationSet known(merged.records);
+    merged.records.reserve(merged.records.size() + cached.size());
     std::string key;
     for (PropertyList& record : cached) {
-        if (makeKey(key, record) && known.contains(key)) {
+        key.clear();
+        if (appendKey(key, record) && known.contains(key)) {
             ++merged.duplicates;
             continue;
         }
