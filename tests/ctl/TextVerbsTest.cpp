@@ -18,7 +18,7 @@ TEST(CommandVerb, PrintsTheOutputUnchanged) {
          {"halvexctl command 'yes | head -n 1' 2>&1", "y\n"}, // a closed pipe ends yes
          {"halvexctl command 'kill -9 $$'", ""},
          {"halvexctl command \"head -c 1000 /dev/zero; printf '\\200'\"", "", 1, "not ASCII"}});
-    for (const std::size_t size : {0, 1, 511, 512, 513, 1024, 100'000})
+    for (const std::size_t size : {0U, 1U, 511U, 512U, 513U, 1024U, 100'000U})
         shell.run(
             {{"halvexctl command \"head -c " + std::to_string(size) + " /dev/zero | tr '\\0' x\"",
               std::string(size, 'x')}});
