@@ -83,8 +83,8 @@ class HalvexMenuExtraBase : public platform::MenuExtra {
     /// If the application is running, queues the notification for the main thread and returns
     /// immediately. Otherwise opens the application, waits for up to 50 seconds until its launch is
     /// announced, and returns once the main thread has posted the notification. After a timeout,
-    /// the notification is still posted and launches remain observed. The application's path is
-    /// logged if opening it fails or myDebug is not 0.
+    /// the notification is still posted and launches remain observed. If opening the application
+    /// fails or myDebug is not 0, its path is logged and it is not brought to the front.
     ///
     /// Sets gHalvexisrunning to 0 first, and to 1 once the application is running.
     virtual void HalvexLaunchThread(const std::optional<std::string>& notificationName);

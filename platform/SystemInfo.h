@@ -21,8 +21,8 @@ enum class SystemFact {
 };
 
 struct TimeZone {
-    std::string name;                ///< name in the tz database, such as "Europe/Paris"
-    std::string abbreviation;        ///< such as "CET"
+    std::string name;         ///< in the tz database ("Europe/Paris"), or else the abbreviation
+    std::string abbreviation; ///< such as "CET"
     std::int32_t secondsFromGMT = 0; ///< positive east of Greenwich
 };
 

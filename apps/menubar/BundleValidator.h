@@ -18,8 +18,9 @@ struct ValidatedBundle {
 };
 
 /// Validates the bundle in the folder @p path without loading its code. Info.plist must have an
-/// identifier, a principal class and the bar's ABI number; the code must be for this processor; and
-/// the files must belong to the user or root and not be writable by anyone else.
+/// identifier, an executable, a principal class and the bar's ABI number; the identifier and the
+/// version must not exceed 255 bytes each; the code must be for this processor; and the files must
+/// belong to the user or root and be writable only by their owner and the user's own group.
 ValidatedBundle validateBundle(const std::string& path);
 
 } // namespace apps

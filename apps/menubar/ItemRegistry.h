@@ -27,14 +27,16 @@ class ItemRegistry final : public QObject, public platform::MenuExtraServer {
 
     /// Loads the items of the stored list, or the bar's own clock if the list is missing or
     /// unreadable. Then loads the bundles in @p commandLine, which are neither checked for
-    /// admission nor stored. Disabled bundles are skipped. Failures are logged.
+    /// admission nor stored. Disabled bundles are skipped. Items whose bundle is missing are
+    /// removed from the list. Failures are logged.
     void start(const std::vector<std::string>& commandLine);
 
     std::int32_t getMenuExtra(const std::string& identifier,
                               platform::MenuExtraReference& reference) override;
     /// Checks the URL and returns; the item is loaded later, from the main loop. An item that is
     /// not admitted is logged and refused. With Admit::System, admission is checked only when the
-    /// item is loaded, so the status is 0 even if the item is then refused.
+    /// item is loaded, so the status is 0 even if the item is then refused. A disabled bundle is
+    /// enabled again before it is loaded.
     std::int32_t addMenuExtra(const std::string& url, std::int32_t position, std::int32_t,
                               std::int32_t, std::int32_t, std::int32_t) override;
     /// If called while an item's code is running, even that of the item to be removed, returns 0

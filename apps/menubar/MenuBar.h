@@ -34,9 +34,9 @@ class MenuBar final : public QObject, public platform::MenuExtraHost, public pla
 
     void show();
 
-    /// Simulates a mouse click on an item. Returns true if the item handled the click itself,
-    /// false if it opened its menu. Also returns false, and logs, if the item is not loaded or
-    /// its code throws.
+    /// Simulates a mouse click on an item. Returns true if the item handled the click itself, false
+    /// if the click opened or closed the item's menu. Also returns false, and logs, if the item is
+    /// not loaded or its code throws.
     bool click(std::string_view identifier, const platform::Event& event);
 
     /// Saves an image of the bar and the open menu; see apps::writeSnapshot.

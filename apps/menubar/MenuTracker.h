@@ -20,9 +20,10 @@ class CrashJournal;
 class ItemCollection;
 struct Item;
 
-/// Opens, closes and switches the items' menus. At most one menu is open. While it is, moving the
-/// mouse over another item or pressing the left or right arrow key opens that item's menu instead.
-/// Main thread only.
+/// Opens, closes and switches the items' menus. At most one menu is open. While one is, moving the
+/// mouse over another item opens that item's menu instead, and the left and right arrow keys open
+/// the menu of the next item in that direction, wrapping around at the ends. Items without a menu
+/// are ignored. Main thread only.
 class MenuTracker final : public QObject {
     Q_OBJECT
 

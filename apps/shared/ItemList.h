@@ -19,8 +19,8 @@ namespace apps {
 ///     Left Out  an array of dictionaries: Identifier, Path, Version, Step
 ///
 /// For the bar's own items, Path is only the bundle's name, so that they are found wherever the bar
-/// is installed. A disabled bundle is not loaded while its CFBundleVersion equals Version. Step is
-/// what the bar was doing: "loading", "first drawing", "click", "menu" or "its own code".
+/// is installed. A disabled bundle is skipped at start while its CFBundleVersion equals Version.
+/// Step is what the bar was doing: "loading", "first drawing", "click", "menu" or "its own code".
 class ItemList {
   public:
     struct DisabledBundle {

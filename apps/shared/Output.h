@@ -20,7 +20,7 @@ void prepareStandardStreams();
 // reason to standard error and return Failure.
 
 ExitStatus print(std::string_view text);
-/// Also fails for values that XML cannot represent.
+/// With Format::Xml, also fails for values that XML cannot represent.
 ExitStatus print(const platform::PropertyList& value, Format format);
 /// Prints "yes" or "no". Returns Success only for "yes".
 ExitStatus printYesOrNo(bool yes);

@@ -85,7 +85,8 @@ class MenuExtra : public MenuTarget, public std::enable_shared_from_this<MenuExt
 
     /// Called before the host calls menu() to open it. The default does nothing.
     virtual void menuWillOpen();
-    /// Called after the menu has closed. The default does nothing.
+    /// Called after the menu has closed, or after menuWillOpen if there is no menu to open because
+    /// menu() is null or empty. The default does nothing.
     virtual void menuDidClose();
     /// Called before the item is removed from the bar. The default does nothing.
     virtual void willUnload();
