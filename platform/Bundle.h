@@ -17,9 +17,9 @@ class Bundle {
   public:
     /// Reads the bundle at @p path. If Info.plist is missing or not a dictionary, the bundle has no
     /// information dictionary. If @p path no longer exists, returns the bundle that this process
-    /// last read there, so its files may be missing. Returns null if @p path is not a folder, or
-    /// does not exist and this process has read no bundle there. In all of these cases writes an
-    /// explanation to @p reason, unless that is null. Logs nothing.
+    /// last read there, so its files may be missing; bundles whose Info.plist exceeds 1 MiB are not
+    /// kept for this. Returns null if @p path is not a folder, or does not exist and no bundle was
+    /// kept. In all of these cases writes an explanation to @p reason, unless null. Logs nothing.
     static std::shared_ptr<Bundle> bundleWithPath(const std::string& path,
                                                   std::string* reason = nullptr);
 

@@ -12,8 +12,9 @@ namespace apps {
 /// Destroying the object restores the previous handlers. At most one at a time. Main thread only.
 class CrashHandler : platform::NonCopyable {
   public:
-    /// @p crashed runs in the signal handler, on a separate stack and on the thread that crashed.
-    /// It must be async-signal-safe: it may read memory but not allocate.
+    /// @p crashed runs in the signal handler on the thread that crashed; on the main thread, it has
+    /// a stack of its own, so that it also runs after a stack overflow. It must be
+    /// async-signal-safe: it may read memory but not allocate.
     explicit CrashHandler(std::function<void()> crashed);
     ~CrashHandler();
 
