@@ -7,7 +7,7 @@
 #include <string_view>
 #include <sys/stat.h>
 
-/// The contents and the attributes of open files. Every function returns false on failure.
+/// The contents and the attributes of open files. Functions returning bool return false on failure.
 namespace platform::posix {
 
 /// Opens the regular file @p name in @p folder for reading and stores its attributes in @p status.

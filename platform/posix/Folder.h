@@ -15,7 +15,8 @@ namespace platform::posix {
 /// Opens the folder at @p path, following symbolic links. Returns an empty descriptor on failure.
 Descriptor openFolder(const std::string& path, SystemCalls& calls = systemCalls());
 
-/// Opens the folder @p name in @p folder. Returns an empty descriptor if it is anything else.
+/// Opens the folder @p name in @p folder. Returns an empty descriptor on failure, for example
+/// if the entry is a symbolic link or not a folder.
 Descriptor openFolder(int folder, const std::string& name);
 
 /// Returns the names of all entries except "." and "..", or std::nullopt if reading fails.

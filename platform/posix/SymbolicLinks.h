@@ -8,7 +8,8 @@
 /// Reading and following symbolic links. A path with more than 40 links is treated as a cycle.
 namespace platform::posix {
 
-/// Returns the target of the symbolic link @p name in @p folder, or std::nullopt if there is none.
+/// Returns the target of the symbolic link @p name in @p folder, or std::nullopt if it cannot be
+/// read, for example because the entry is missing or is not a link.
 std::optional<std::string> linkTarget(int folder, const std::string& name);
 std::optional<std::string> linkTarget(const std::string& path);
 

@@ -60,8 +60,8 @@ class BarClient final : public MenuExtraServer {
     /// Clicks an item. Returns whether the item handled the click itself rather than opening its
     /// menu; false also if the item is not loaded.
     BarReply<bool> click(const std::string& identifier, const Event& event);
-    /// Makes the bar save an image of itself as PNG at an absolute path. Returns
-    /// whether it succeeded.
+    /// Makes the bar save an image of itself and its open menu, if any, as PNG at an absolute path.
+    /// Returns whether the image was saved.
     BarReply<bool> snapshot(const std::string& path);
 
   private:
