@@ -72,14 +72,14 @@ TEST(StoredItems, ThatCrashTheBarAreDisabledUntilTheyAreAddedAgainOrUpdated) {
         SCOPED_TRACE(fault);
         BarProcess bar;
         const TestBundle extra{bar, fault};
-        const auto crashes = [&] {
+        const auto crashes = [&, &step = step] {
             if (step == "click") {
                 EXPECT_TRUE(bar.hasLoaded(kTestExtra));
                 bar.click(kTestExtra);
             }
             EXPECT_EQ(bar.waitForExit(), -1);
         };
-        const auto staysDisabled = [&] {
+        const auto staysDisabled = [&, &step = step] {
             bar.start();
             EXPECT_THAT(bar.identifiers(), ElementsAre(kOwnClock));
             EXPECT_TRUE(bar.logs("menu extra test.extra at " + extra.path.string() +

@@ -29,7 +29,7 @@ class TestExtra final : public HalvexMenuExtraBase {
             return nullptr;
         setTitle("Test");
         sharedWorkspace().notificationCenter().addObserver(
-            weak_from_this(), "Test", [this](const Notification&) { note("told"); });
+            weak_from_this(), "Test", [](const Notification&) { note("told"); });
         if (fault_.ends_with("WhenTicking"))
             ticks_ = systemClock().tick(TickInterval::Second, [this] { failIf("WhenTicking"); });
         menu_ = std::make_shared<Menu>();

@@ -258,7 +258,7 @@ TEST_F(MenuBarLoading, LogsExceptionsInAToggleAndDoesNotRethrowThem) {
         {[] { throw 1; }, "name: unknown   reason: (null)   userInfo: (null)"}};
     int beeps = 0;
     for (const auto& [raise, text] : cases) {
-        bar.onAdd = [&](const auto&) {
+        bar.onAdd = [&raise = raise](const auto&) {
             raise();
             return 0;
         };

@@ -194,7 +194,8 @@ TEST_F(HUDPanel, LoadsTheButtonImageFromTheBundleOfItsDynamicClass) {
     EXPECT_THAT(log.take(), ElementsAre("bundle NSBundle <" + bundle + "> (" + bundle +
                                         ") missing image white_i"));
     EXPECT_EQ(Bundle::bundleForClass(typeid(HUDWindow))->bundlePath(), HALVEX_LIBRARY_BUNDLE);
-    EXPECT_EQ(Bundle::bundleForClass(typeid(*extra))->bundleIdentifier(), "test.panel");
+    const MenuExtra& made = *extra;
+    EXPECT_EQ(Bundle::bundleForClass(typeid(made))->bundleIdentifier(), "test.panel");
 }
 
 TEST_F(HUDPanel, MakesTitlesWhiteWithTheAttributesOfTheirFirstCharacter) {

@@ -52,7 +52,8 @@ TEST_F(PosixFileManagerFolders, MovingToAnotherFileSystemKeepsContentsModeAndTim
     EXPECT_EQ(contents(path), bytes);
     EXPECT_EQ(namesIn(away), Names{"taken"});
 
-    std::ofstream(away + '/' + platform::posix::temporaryPrefix("move", "moved") + "leftover");
+    const std::ofstream leftover(away + '/' + platform::posix::temporaryPrefix("move", "moved") +
+                                 "leftover");
     EXPECT_TRUE(manager.moveFile(path, away + "/moved"));
     EXPECT_TRUE(manager.moveFile(file("link"), away + "/link"));
     EXPECT_EQ(contents(away + "/moved"), bytes);
