@@ -115,7 +115,7 @@ TEST(Text, IsFilledAndOutlinedAccordingToTheDrawingMode) {
     const QRect middle = box.adjusted(5, 5, -5, -5);
     const double area = middle.width() * middle.height();
     for (const auto& [mode, inside] : {std::pair{0, area}, {1, 0.0}, {2, area}, {3, 0.0}})
-        EXPECT_NEAR(canvases[mode].coverage(middle), inside, 0.1) << mode;
+        EXPECT_NEAR(canvases[static_cast<std::size_t>(mode)].coverage(middle), inside, 0.1) << mode;
     EXPECT_GT(canvases[1].coverage(), 2 * box.width());
     EXPECT_GT(canvases[2].coverage(), canvases[0].coverage());
     EXPECT_EQ(canvases[3].coverage(), 0);
