@@ -15,7 +15,7 @@ class LoadedCode : NonCopyable {
   public:
     virtual ~LoadedCode();
 
-    /// Returns the address of an exported symbol, or null if there is none with this name.
+    /// Returns the address of an exported symbol, or null if it is not found.
     virtual void* symbol(const char* name) const = 0;
 };
 

@@ -17,7 +17,8 @@ namespace apps {
 ///   after a new number, it repeats the last operation: 2 + 3 = = is 8.
 /// - Percent replaces the second operand of an addition or subtraction with that percentage of the
 ///   first: 200 + 10 % = is 220. Otherwise it divides the displayed number by 100.
-/// - Clear removes the number being typed, or, if there is none, everything except the memory.
+/// - Clear removes the number being typed. If no number is being typed, it resets everything except
+///   the memory.
 /// - After a fault, only Clear, Backspace, Memory Clear and the keys that enter a number have an
 ///   effect. All of them but Memory Clear first reset everything except the memory.
 ///

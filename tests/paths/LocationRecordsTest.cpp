@@ -22,7 +22,7 @@ PropertyList record(PropertyList first, std::size_t size = 13) {
     return fields;
 }
 
-/// The record as it is appended to the list.
+/// Returns the record that the merge appends for @p original.
 PropertyList flagged(const PropertyList& original) {
     Array fields = *original.array();
     while (fields.size() < 14)
