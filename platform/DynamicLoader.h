@@ -3,11 +3,19 @@
 #include "platform/base/NonCopyable.h"
 #include "platform/base/Service.h"
 
+#include <cstdint>
 #include <memory>
 #include <string>
 #include <vector>
 
 namespace platform {
+
+/// The addresses from begin up to, but not including, end.
+struct AddressRange {
+    std::uintptr_t begin = 0;
+    std::uintptr_t end = 0;
+    bool contains(std::uintptr_t address) const { return begin <= address && address < end; }
+};
 
 /// A shared object loaded into this process. Destroying the object unloads the code unless other
 /// code has loaded it too; its functions and data must not be used afterwards.
@@ -17,6 +25,8 @@ class LoadedCode : NonCopyable {
 
     /// Returns the address of an exported symbol, or null if it is not found.
     virtual void* symbol(const char* name) const = 0;
+    /// Returns the addresses that the code and its data occupy.
+    virtual AddressRange addresses() const = 0;
 };
 
 /// Inspects and loads executable files. Operations never throw. Thread-safe.

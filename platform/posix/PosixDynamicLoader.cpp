@@ -4,13 +4,41 @@
 #include "platform/posix/LoadedFile.h"
 #include "platform/posix/Preflight.h"
 
+#include <algorithm>
 #include <dlfcn.h>
 #include <filesystem>
+#include <link.h>
 #include <sys/stat.h>
 #include <system_error>
 
 namespace platform::posix {
 namespace {
+
+/// Returns the addresses that the object with the load address @p base occupies.
+AddressRange addressesOfObjectAt(ElfW(Addr) base) {
+    struct Search {
+        ElfW(Addr) base;
+        AddressRange found;
+    } search{base, {}};
+    dl_iterate_phdr(
+        [](dl_phdr_info* object, std::size_t, void* data) {
+            auto& [searched, found] = *static_cast<Search*>(data);
+            if (object->dlpi_addr != searched)
+                return 0;
+            found.begin = UINTPTR_MAX;
+            for (int i = 0; i < object->dlpi_phnum; ++i) {
+                const ElfW(Phdr)& segment = object->dlpi_phdr[i];
+                if (segment.p_type != PT_LOAD)
+                    continue;
+                const std::uintptr_t begin = searched + segment.p_vaddr;
+                found.begin = std::min(found.begin, begin);
+                found.end = std::max(found.end, begin + segment.p_memsz);
+            }
+            return 1;
+        },
+        &search);
+    return search.found;
+}
 
 class SharedObject final : public LoadedCode {
   public:
@@ -18,6 +46,12 @@ class SharedObject final : public LoadedCode {
     ~SharedObject() override { dlclose(handle_); }
 
     void* symbol(const char* name) const override { return dlsym(handle_, name); }
+    AddressRange addresses() const override {
+        link_map* object = nullptr;
+        return dlinfo(handle_, RTLD_DI_LINKMAP, static_cast<void*>(&object)) == 0
+                   ? addressesOfObjectAt(object->l_addr)
+                   : AddressRange{};
+    }
 
   private:
     void* handle_;
