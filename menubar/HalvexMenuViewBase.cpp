@@ -47,8 +47,10 @@ void HalvexMenuViewBase::mouseDown(const Event& event) {
         logLine("mouse down flags: %016x, Double click %d buttonNum=%d", event.modifierFlags,
                 event.clickCount, event.buttonNumber);
     }
-    if (!dispatchClick(event))
-        MenuExtraView::mouseDown(event);
+    if (dispatchClick(event))
+        return;
+    // The click may have replaced this view.
+    menuExtra_->view()->MenuExtraView::mouseDown(event);
 }
 
 bool HalvexMenuViewBase::toggleVerboseLogging() const {

@@ -21,6 +21,8 @@ using namespace platform;
 namespace apps {
 namespace {
 
+constexpr float kMaxLength = 100'000; // points; wider than any screen
+
 std::int32_t buttonNumber(Qt::MouseButton button) {
     constexpr std::array kOrder{Qt::LeftButton, Qt::RightButton, Qt::MiddleButton, Qt::BackButton,
                                 Qt::ForwardButton};
@@ -66,8 +68,8 @@ ItemWidget::ItemWidget(std::string owner, std::shared_ptr<MenuExtra> extra,
 }
 
 int ItemWidget::preferredWidth() const {
-    const auto length = static_cast<int>(std::ceil(extra_->length()));
-    return length > 0 ? length + 2 * kPadding : 0;
+    const float length = std::min(extra_->length(), kMaxLength); // an item may set any length
+    return length > 0 ? static_cast<int>(std::ceil(length)) + 2 * kPadding : 0;
 }
 
 std::string ItemWidget::accessibleItemName() const {
