@@ -1,48 +1,77 @@
 #include "apps/menubar/CrashHandler.h"
 
+#include "apps/menubar/AlternateStack.h"
+#include "apps/menubar/CrashJournal.h"
+#include "apps/menubar/HangTimer.h"
+#include "apps/shared/HangSignal.h"
+
 #include <array>
+#include <cerrno>
 #include <cstddef>
-#include <utility>
+#include <ucontext.h>
+#include <unistd.h>
 
 namespace apps {
 namespace {
 
-constexpr std::array kSignals{SIGSEGV, SIGBUS, SIGILL, SIGFPE, SIGABRT};
-std::array<struct sigaction, kSignals.size()> previousActions;
-const std::function<void()>* currentFunction = nullptr;
+constexpr std::array kFatalSignals{SIGSEGV, SIGBUS, SIGILL, SIGFPE, SIGABRT};
 
-void restorePreviousActions() {
-    for (std::size_t i = 0; i < kSignals.size(); ++i)
-        sigaction(kSignals[i], &previousActions[i], nullptr);
+struct State {
+    CrashJournal& journal;
+    HangTimer& hangTimer;
+    std::array<struct sigaction, kFatalSignals.size()> previousActions{};
+};
+State* state = nullptr;
+
+void handleFatalSignal(int signal, siginfo_t* info, void* context) {
+    state->journal.recordFailure(Failure::Crash, interruptedAddress(context));
+    for (std::size_t i = 0; i < kFatalSignals.size(); ++i)
+        sigaction(kFatalSignals[i], &state->previousActions[i], nullptr);
+    // A fault recurs when the handler returns. A signal sent by a program must be raised again.
+    if (info->si_code <= 0)
+        raise(signal);
+}
+
+void handleHang(int, siginfo_t*, void* context) {
+    state->journal.recordFailure(Failure::Hang, interruptedAddress(context));
+    _exit(EXIT_FAILURE);
+}
+
+void handleContinuation(int, siginfo_t*, void*) {
+    const int savedErrno = errno;
+    state->hangTimer.restart();
+    errno = savedErrno;
+}
+
+void setHandler(int signal, void (*handler)(int, siginfo_t*, void*),
+                struct sigaction* previous = nullptr) {
+    struct sigaction action {};
+    action.sa_sigaction = handler;
+    action.sa_flags = SA_ONSTACK | SA_SIGINFO | SA_RESTART;
+    sigaction(signal, &action, previous);
 }
 
 } // namespace
 
-CrashHandler::CrashHandler(std::function<void()> crashed) : crashed_(std::move(crashed)) {
-    currentFunction = &crashed_;
-    // The handler needs its own stack, because the crash may be a stack overflow.
-    static std::array<std::byte, 16384> memory;
-    const stack_t stack{.ss_sp = memory.data(), .ss_flags = 0, .ss_size = memory.size()};
-    sigaltstack(&stack, nullptr);
-    struct sigaction action {};
-    action.sa_sigaction = handle;
-    action.sa_flags = SA_ONSTACK | SA_SIGINFO;
-    for (std::size_t i = 0; i < kSignals.size(); ++i)
-        sigaction(kSignals[i], &action, &previousActions[i]);
+CrashHandler::CrashHandler(CrashJournal& journal, HangTimer& hangTimer) {
+    static const AlternateStack mainStack;
+    static State onlyState{journal, hangTimer};
+    state = &onlyState;
+    for (std::size_t i = 0; i < kFatalSignals.size(); ++i)
+        setHandler(kFatalSignals[i], handleFatalSignal, &state->previousActions[i]);
+    setHandler(kHangSignal, handleHang);
+    setHandler(SIGCONT, handleContinuation);
 }
 
-CrashHandler::~CrashHandler() {
-    restorePreviousActions();
-    currentFunction = nullptr;
-}
-
-void CrashHandler::handle(int signal, siginfo_t* info, void*) {
-    if (currentFunction)
-        (*currentFunction)();
-    restorePreviousActions();
-    // A fault recurs when the handler returns. A signal sent by a program must be raised again.
-    if (info->si_code <= 0)
-        raise(signal);
+std::uintptr_t interruptedAddress([[maybe_unused]] const void* context) {
+#if defined(__x86_64__)
+    const auto address = static_cast<const ucontext_t*>(context)->uc_mcontext.gregs[REG_RIP];
+    return static_cast<std::uintptr_t>(address);
+#elif defined(__aarch64__)
+    return static_cast<const ucontext_t*>(context)->uc_mcontext.pc;
+#else
+    return 0;
+#endif
 }
 
 } // namespace apps

@@ -3,25 +3,32 @@
 #include "platform/base/NonCopyable.h"
 
 #include <csignal>
-#include <functional>
+#include <cstdint>
 
 namespace apps {
 
-/// Calls a function when the process crashes (SIGSEGV, SIGBUS, SIGILL, SIGFPE, SIGABRT) and then
-/// restores and triggers the previous action of the signal, for example a sanitizer's report.
-/// Destroying the object restores the previous handlers. At most one at a time. Main thread only.
+class CrashJournal;
+class HangTimer;
+
+/// Handles the signals that end or interrupt the process because of a fault:
+///
+/// - SIGSEGV, SIGBUS, SIGILL, SIGFPE, SIGABRT: records the failure and triggers the signal's
+///   previous action, for example a sanitizer's report.
+/// - kHangSignal, which the watcher sends when the main thread hangs: records the failure and
+/// exits.
+/// - SIGCONT: restarts the hang timer, because time in which the process was stopped does not
+/// count.
+///
+/// A thread needs an alternate signal stack (see AlternateStack) for the handler to run after a
+/// stack overflow; the constructor gives the main thread one. At most one object, which must not be
+/// destroyed before the process exits.
 class CrashHandler : platform::NonCopyable {
   public:
-    /// @p crashed runs in the signal handler on the thread that crashed; on the main thread, it has
-    /// a stack of its own, so that it also runs after a stack overflow. It must be
-    /// async-signal-safe: it may read memory but not allocate.
-    explicit CrashHandler(std::function<void()> crashed);
-    ~CrashHandler();
-
-  private:
-    static void handle(int signal, siginfo_t* info, void* context);
-
-    std::function<void()> crashed_;
+    CrashHandler(CrashJournal& journal, HangTimer& hangTimer);
 };
+
+/// Returns the address of the code that a signal interrupted, from the third argument of a handler,
+/// or 0 if the processor is not known. Async-signal-safe.
+std::uintptr_t interruptedAddress(const void* context);
 
 } // namespace apps

@@ -40,8 +40,14 @@ const ItemRecord* ItemCollection::add(const std::string& path, std::int32_t posi
 }
 
 LoadedItem ItemCollection::load(const ValidatedBundle& bundle, const ItemRecord& record) {
-    const CrashJournal::Scope step(journal_, {"loading", record});
-    return loadItem(bundle);
+    journal_.add(record);
+    emit aboutToLoad(record);
+    const CrashJournal::Scope step(journal_, "loading", record.identifier);
+    LoadedItem item;
+    runGuarded(record.identifier, [&] { item = loadItem(bundle); });
+    if (item)
+        journal_.setCode(record.identifier, item.code->addresses());
+    return item;
 }
 
 Item& ItemCollection::insert(ItemRecord record, LoadedItem loaded) {
@@ -60,11 +66,12 @@ bool ItemCollection::remove(MenuExtraReference reference) {
         logLine("cannot remove menu extra: unknown reference %d", reference);
         return false;
     }
+    const CrashJournal::Scope step(journal_, "unloading", found->identifier());
     emit aboutToRemove(*found);
     runGuarded(found->identifier(), [&] { found->extra().willUnload(); });
     std::list<Item> detached;
     detached.splice(detached.end(), items_, found);
-    unload(detached.front());
+    runGuarded(detached.front().identifier(), [&] { unload(detached.front()); });
     emit removed(detached.front().record);
     return true;
 }

@@ -33,8 +33,8 @@ class ItemCollection final : public QObject {
     /// record. All outcomes but success are logged with the path or identifier.
     const ItemRecord* add(const std::string& path, std::int32_t position, Origin origin);
     /// Calls the item's willUnload, then unloads the item and its code. If the item is still
-    /// referenced, its code stays loaded and a line is logged. Returns false, and logs, if no item
-    /// has the reference.
+    /// referenced, its code stays loaded and a line is logged. Exceptions from the item are logged
+    /// and swallowed. Returns false, and logs, if no item has the reference.
     bool remove(platform::MenuExtraReference reference);
     /// Removes all items, leftmost first.
     void clear();
@@ -47,6 +47,8 @@ class ItemCollection final : public QObject {
     std::list<Item>::iterator end() { return items_.end(); }
 
   signals:
+    /// Emitted before the code of a third-party or own item is loaded.
+    void aboutToLoad(const apps::ItemRecord& record);
     void added(apps::Item& item);
     void aboutToRemove(apps::Item& item);
     /// Emitted after the item and its code have been unloaded.

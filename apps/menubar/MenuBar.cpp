@@ -21,9 +21,8 @@ namespace apps {
 MenuBar::MenuBar(qt::QtGraphics& graphics, CrashJournal& journal)
     : journal_(journal), asHost_(*this), asEventSource_(*this), items_(graphics, journal, window_),
       menus_(items_, journal) {
-    // Slots run in the order of connection: the journal is updated before the D-Bus signal is sent.
     connect(&items_, &ItemCollection::added, this, &MenuBar::itemAdded);
-    connect(&items_, &ItemCollection::removed, this, &MenuBar::itemRemoved);
+    connect(&items_, &ItemCollection::removed, this, &MenuBar::placeItems);
     // Drawing happens just before the event loop blocks. QWidget::update would need another
     // iteration of the loop per tick.
     connect(QAbstractEventDispatcher::instance(), &QAbstractEventDispatcher::aboutToBlock, this,
@@ -39,17 +38,12 @@ void MenuBar::show() {
 }
 
 void MenuBar::itemAdded(Item& item) {
-    journal_.add(item.record);
     const ItemWidget* widget = item.widget.get();
     connect(widget, &ItemWidget::pressed, this,
             [this, &item](const Event& event) { send(item, event); });
-    connect(widget, &ItemWidget::aboutToDraw, this, [this, &item] { beginDrawing(item); });
+    connect(widget, &ItemWidget::aboutToDraw, this,
+            [this, &item] { drawing_.emplace(journal_, "drawing", item.identifier()); });
     connect(widget, &ItemWidget::drawn, this, [this, &item] { endDrawing(item); });
-    placeItems();
-}
-
-void MenuBar::itemRemoved(const ItemRecord& record) {
-    journal_.remove(record.identifier);
     placeItems();
 }
 
@@ -60,14 +54,9 @@ void MenuBar::placeItems() {
     window_.placeItems(widgets);
 }
 
-void MenuBar::beginDrawing(Item& item) {
-    if (!item.wasDrawn)
-        journal_.begin({"first drawing", item.record});
-}
-
 void MenuBar::endDrawing(Item& item) {
-    if (!std::exchange(item.wasDrawn, true))
-        journal_.end();
+    drawing_.reset();
+    item.wasDrawn = true;
     item.extra().view()->didDisplay();
 }
 
@@ -111,11 +100,11 @@ bool MenuBar::click(std::string_view identifier, const Event& event) {
 }
 
 bool MenuBar::send(const Item& item, const Event& event) {
-    const CrashJournal::Scope step(journal_, {"click", item.record});
+    const CrashJournal::Scope step(journal_, "click", item.identifier());
     menuRequested_ = false;
     const auto outerEvent = std::exchange(handledEvent_, event);
-    const bool returned =
-        runGuarded(item.identifier(), [&] { item.extra().view()->mouseDown(event); });
+    const auto view = item.extra().view(); // the click may replace it
+    const bool returned = runGuarded(item.identifier(), [&] { view->mouseDown(event); });
     handledEvent_ = outerEvent;
     return returned && !menuRequested_;
 }

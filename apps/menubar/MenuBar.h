@@ -1,6 +1,7 @@
 #pragma once
 
 #include "apps/menubar/BarWindow.h"
+#include "apps/menubar/CrashJournal.h"
 #include "apps/menubar/ItemCollection.h"
 #include "apps/menubar/MenuTracker.h"
 #include "platform/EventSource.h"
@@ -15,17 +16,14 @@
 
 namespace apps {
 
-class CrashJournal;
-
 /// The menu bar: its window, its items, and the host interface that items call. Exceptions from an
 /// item's code are logged with its identifier and do not affect other items. Main thread only.
 class MenuBar final : public QObject, public platform::MenuExtraHost, public platform::EventSource {
     Q_OBJECT
 
   public:
-    /// Installs itself as the process's MenuExtraHost and EventSource. Records in @p journal each
-    /// step in which a faulty item could crash the bar: loading, the first drawing, each click and
-    /// each opening of a menu.
+    /// Installs itself as the process's MenuExtraHost and EventSource. Tells @p journal what it
+    /// does with an item: loading, unloading, drawing, sending clicks and opening menus.
     MenuBar(platform::qt::QtGraphics& graphics, CrashJournal& journal);
     /// Unloads the remaining items.
     ~MenuBar() override;
@@ -50,10 +48,8 @@ class MenuBar final : public QObject, public platform::MenuExtraHost, public pla
 
   private:
     void itemAdded(Item& item);
-    void itemRemoved(const ItemRecord& record);
     void placeItems();
     void displayIfNeeded();
-    void beginDrawing(Item& item);
     void endDrawing(Item& item);
     bool send(const Item& item, const platform::Event& event);
 
@@ -67,6 +63,7 @@ class MenuBar final : public QObject, public platform::MenuExtraHost, public pla
     bool displayNeeded_ = false;
     bool menuRequested_ = false; // by the click that is being handled
     std::optional<platform::Event> handledEvent_;
+    std::optional<CrashJournal::Scope> drawing_;
 };
 
 } // namespace apps

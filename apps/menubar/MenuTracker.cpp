@@ -47,7 +47,7 @@ void MenuTracker::toggle(Item& item) {
 
 void MenuTracker::open(Item& item) {
     closeOpenMenu();
-    const CrashJournal::Scope step(journal_, {"menu", item.record});
+    const CrashJournal::Scope step(journal_, "menu", item.identifier());
     MenuExtra& extra = item.extra();
     std::unique_ptr<qt::QtMenu> menu;
     runGuarded(item.identifier(), [&] {

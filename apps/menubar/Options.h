@@ -3,6 +3,7 @@
 #include "apps/menubar/Admission.h"
 #include "apps/support/Appearance.h"
 
+#include <chrono>
 #include <optional>
 #include <string>
 #include <vector>
@@ -14,6 +15,8 @@ struct Options {
     std::vector<std::string> bundles; ///< folders of menu extras to load, rightmost first
     Appearance appearance = Appearance::Desktop;
     Admit admit = Admit::User;
+    bool restart = true;               ///< after a crash or a hang
+    std::chrono::seconds hangLimit{5}; ///< zero: no limit
 };
 
 /// Parses the command line. If the program should exit, returns std::nullopt and sets @p status: to

@@ -1,28 +1,90 @@
 #include "apps/menubar/BarService.h"
+#include "apps/menubar/CrashHandler.h"
 #include "apps/menubar/CrashJournal.h"
+#include "apps/menubar/HangTimer.h"
 #include "apps/menubar/ItemRegistry.h"
 #include "apps/menubar/MenuBar.h"
 #include "apps/menubar/Options.h"
 #include "apps/menubar/OwnItemsFolder.h"
+#include "apps/menubar/Watcher.h"
 #include "apps/support/ProgramAppearance.h"
 #include "apps/support/QuitOnSignals.h"
 #include "apps/support/StartUp.h"
 #include "platform/Log.h"
+#include "platform/base/PathStrings.h"
 #include "platform/expat/ExpatPropertyLists.h"
 #include "platform/qt/Desktop.h"
 
+#include <QAbstractEventDispatcher>
 #include <QApplication>
+
+#include <algorithm>
+#include <cstdlib>
+#include <string>
+#include <unistd.h>
+#include <utility>
+#include <vector>
 
 using platform::logLine;
 
 namespace apps {
 namespace {
 
-int runBar(const Options& options) {
-    platform::expat::install();
+/// The objects that record and repair failures of items. Never destroyed: static destructors of an
+/// item run after main.
+struct Protection {
+    Protection(const Options& options, const Watcher::Inheritance& inheritance,
+               std::vector<std::string> command)
+        : hangTimer(options.hangLimit, inheritance.hangTimer),
+          watcher(inheritance, std::move(command)) {
+        journal.inherit(inheritance.journal);
+    }
+
     CrashJournal journal;
-    MenuBar menuBar(platform::qt::install(), journal);
-    ItemRegistry registry(menuBar.items(), journal, Admission(options.admit, ownItemsFolder()));
+    HangTimer hangTimer;
+    CrashHandler crashHandler{journal, hangTimer};
+    Watcher watcher;
+};
+
+/// Starts the watcher before the first third-party item is loaded, or else after the first picture,
+/// which it must not delay.
+void startWatcher(Protection& protection, ItemCollection& items, const std::string& ownItems) {
+    const auto start = [&] {
+        protection.watcher.start(protection.journal, protection.hangTimer.file());
+    };
+    QObject::connect(&items, &ItemCollection::aboutToLoad, [=](const ItemRecord& record) {
+        if (platform::deletingLastPathComponent(record.path) != ownItems)
+            start();
+    });
+    auto* dispatcher = QAbstractEventDispatcher::instance();
+    auto* untilDrawn = new QObject(dispatcher);
+    QObject::connect(dispatcher, &QAbstractEventDispatcher::aboutToBlock, untilDrawn, [=, &items] {
+        if (std::none_of(items.begin(), items.end(),
+                         [](const Item& item) { return item.wasDrawn; }))
+            return;
+        start();
+        untilDrawn->deleteLater();
+    });
+}
+
+void signalReceived(QuitOnSignals::Sender sender, const void* context) {
+    CrashJournal* journal = CrashJournal::current();
+    if (!journal)
+        return;
+    const bool isOwn = sender == QuitOnSignals::Sender::ThisProcess;
+    if (isOwn && journal->recordFailure(Failure::Exit, interruptedAddress(context)))
+        _exit(EXIT_FAILURE);
+    journal->recordStop();
+}
+
+int runBar(const Options& options, std::vector<std::string> command) {
+    const auto inheritance = Watcher::takeInheritance();
+    platform::expat::install();
+    auto& graphics = platform::qt::install();
+    static auto& protection = *new Protection(options, inheritance, std::move(command));
+    MenuBar menuBar(graphics, protection.journal);
+    ItemRegistry registry(menuBar.items(), protection.journal,
+                          Admission(options.admit, ownItemsFolder()));
     BarService service(menuBar, registry);
     switch (service.registerOnBus()) {
     case BusName::Claim::Taken:
@@ -34,11 +96,16 @@ int runBar(const Options& options) {
     case BusName::Claim::Acquired:
         break;
     }
-    const QuitOnSignals quitOnSignals; // before items load, or a signal would look like a crash
+    const QuitOnSignals quitOnSignals(signalReceived); // before items load
     const ProgramAppearance appearance(options.appearance);
+    protection.hangTimer.start();
+    if (options.restart)
+        startWatcher(protection, menuBar.items(), ownItemsFolder());
     registry.start(options.bundles);
     menuBar.show();
-    return QApplication::exec();
+    const int status = QApplication::exec();
+    protection.journal.recordStop();
+    return status;
 }
 
 } // namespace
@@ -47,9 +114,12 @@ int runBar(const Options& options) {
 
 int main(int argc, char** argv) {
     int status = 0;
+    const std::vector<std::string> arguments(argv + 1, argv + argc);
     const auto options = apps::readOptions(argc, argv, status);
     if (!options)
         return status;
     const auto application = apps::startApplication(argv, "halvex-menubar");
-    return apps::runBar(*options);
+    std::vector<std::string> command{QApplication::applicationFilePath().toStdString()};
+    command.insert(command.end(), arguments.begin(), arguments.end());
+    return apps::runBar(*options, std::move(command));
 }

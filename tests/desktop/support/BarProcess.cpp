@@ -12,6 +12,14 @@ BarProcess::BarProcess(const QStringList& arguments, const Settings& settings,
     start(arguments);
 }
 
+void BarProcess::start(const QStringList& arguments) {
+    ProgramProcess::start(QStringList{"--no-restart"} + arguments);
+}
+
+void BarProcess::launch(const QStringList& arguments) {
+    ProgramProcess::launch(QStringList{"--no-restart"} + arguments);
+}
+
 std::string BarProcess::install(const std::string& bundle) const {
     const auto folder = home() / "Library/Application Support/Quorvane Software/Menu Extras";
     return copyBundle(bundle, folder / std::filesystem::path(bundle).filename());

@@ -16,6 +16,10 @@ class BarProcess : public ProgramProcess {
     explicit BarProcess(const QStringList& arguments = {}, const Settings& settings = {},
                         std::shared_ptr<PrivateBus> bus = std::make_shared<PrivateBus>());
 
+    /// As ProgramProcess, but the bar has no watcher: the object follows one process.
+    void start(const QStringList& arguments = {});
+    void launch(const QStringList& arguments = {});
+
     /// Copies a bundle into the user's "Menu Extras" folder, replacing one of that name, and
     /// returns the copy's path.
     std::string install(const std::string& bundle) const;

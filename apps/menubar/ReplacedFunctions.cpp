@@ -1,0 +1,114 @@
+// Replaces functions of the C library in the whole process. The linker exports them from the
+// program, which comes before the C library in the search order, so that calls from the code of
+// items arrive here:
+// - functions that end the process record the item that called them;
+// - new threads inherit the owner of the code that creates them (see platform::runGuarded).
+
+#include "apps/menubar/AlternateStack.h"
+#include "apps/menubar/CrashJournal.h"
+#include "platform/runtime/Guard.h"
+
+#include <cstdint>
+#include <cstdlib>
+#include <cstring>
+#include <dlfcn.h>
+#include <memory>
+#include <pthread.h>
+#include <string>
+#include <unistd.h>
+
+namespace {
+
+/// Returns the function that this file's function of the same name replaces.
+template <class Function>
+Function* original(const char* name) {
+    return reinterpret_cast<Function*>(dlsym(RTLD_NEXT, name));
+}
+
+bool recordExit(const void* caller) {
+    apps::CrashJournal* journal = apps::CrashJournal::current();
+    return journal &&
+           journal->recordFailure(apps::Failure::Exit, reinterpret_cast<std::uintptr_t>(caller));
+}
+
+/// A thread's function, and the owner of the code that created the thread.
+struct ThreadStart {
+    std::string owner;
+    void* (*function)(void*);
+    void* argument;
+};
+
+void* runThread(void* data) {
+    const std::unique_ptr<ThreadStart> start(static_cast<ThreadStart*>(data));
+    const apps::AlternateStack stack;
+    void* result = nullptr;
+    platform::runGuarded(start->owner, [&] { result = start->function(start->argument); });
+    return result;
+}
+
+/// The threads of Qt serve the whole bar, even if an item was the first to need one.
+bool isPartOfQt(const void* address) {
+    Dl_info info{};
+    return dladdr(address, &info) != 0 && info.dli_fname && std::strstr(info.dli_fname, "libQt6");
+}
+
+} // namespace
+
+// NOLINTBEGIN(bugprone-reserved-identifier): these are the C library's names.
+extern "C" {
+
+[[noreturn]] void _exit(int status) {
+    recordExit(__builtin_return_address(0));
+    static const auto function = original<void(int)>("_exit");
+    function(status);
+    std::abort(); // not reached
+}
+
+[[noreturn]] void _Exit(int status) noexcept {
+    recordExit(__builtin_return_address(0));
+    static const auto function = original<void(int)>("_Exit");
+    function(status);
+    std::abort(); // not reached
+}
+
+[[noreturn]] void exit(int status) noexcept {
+    static const auto function = original<void(int)>("exit");
+    // In the middle of the item's code, the bar's own objects cannot be destroyed.
+    if (recordExit(__builtin_return_address(0)))
+        _exit(status);
+    // Qt calls this when the display is gone.
+    if (apps::CrashJournal* journal = apps::CrashJournal::current())
+        journal->recordStop();
+    function(status);
+    std::abort(); // not reached
+}
+
+int kill(pid_t process, int signal) noexcept {
+    if (process == getpid() && signal == SIGKILL)
+        recordExit(__builtin_return_address(0));
+    static const auto function = original<int(pid_t, int)>("kill");
+    return function(process, signal);
+}
+
+int raise(int signal) noexcept {
+    if (signal == SIGKILL)
+        recordExit(__builtin_return_address(0));
+    static const auto function = original<int(int)>("raise");
+    return function(signal);
+}
+
+int pthread_create(pthread_t* thread, const pthread_attr_t* attributes, void* (*function)(void*),
+                   void* argument) noexcept {
+    static const auto create = original<decltype(pthread_create)>("pthread_create");
+    const std::string& owner = platform::currentOwner();
+    if (owner.empty() || isPartOfQt(__builtin_return_address(0)))
+        return create(thread, attributes, function, argument);
+    auto start = std::make_unique<ThreadStart>(ThreadStart{owner, function, argument});
+    const int error = create(thread, attributes, runThread, start.get());
+    if (error == 0)
+        static_cast<void>(start.release()); // owned by the thread
+    return error;
+}
+
+} // extern "C"
+// NOLINTEND(bugprone-reserved-identifier)
