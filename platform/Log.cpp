@@ -2,10 +2,13 @@
 
 #include "platform/Defaults.h"
 #include "platform/base/ServiceSlot.h"
+#include "platform/base/Utf8.h"
 
+#include <algorithm>
 #include <array>
 #include <cctype>
 #include <charconv>
+#include <span>
 
 namespace platform {
 namespace {
@@ -41,6 +44,82 @@ std::string convert(std::uint64_t number, int base) {
     return {digits.data(), end};
 }
 
+constexpr std::size_t kMaximumArgument = 1024; // bytes
+
+/// @p character is one well-formed UTF-8 sequence.
+bool isControl(std::string_view character) {
+    const auto first = static_cast<unsigned char>(character.front());
+    const auto last = static_cast<unsigned char>(character.back());
+    return first < 0x20 || first == 0x7f || (first == 0xc2 && last < 0xa0);
+}
+
+void appendEscaped(std::string& text, std::string_view bytes) {
+    constexpr std::string_view kNamed = "\n\r\t";
+    for (const char byte : bytes) {
+        text += '\\';
+        if (const auto named = kNamed.find(byte); named != std::string_view::npos) {
+            text += "nrt"[named];
+            continue;
+        }
+        const std::string digits = convert(static_cast<unsigned char>(byte), 16);
+        text += (digits.size() < 2 ? "x0" : "x") + digits;
+    }
+}
+
+std::string singleLine(std::string_view text) {
+    std::string result;
+    for (std::size_t at = 0; at < text.size();) {
+        const std::size_t length = utf8SequenceLength(text.substr(at));
+        const auto character = text.substr(at, std::max<std::size_t>(length, 1));
+        at += character.size();
+        if (at > kMaximumArgument)
+            return result + "...";
+        if (length == 0 || isControl(character))
+            appendEscaped(result, character);
+        else
+            result += character;
+    }
+    return result;
+}
+
+std::string unchanged(std::string_view text) {
+    return std::string(text);
+}
+
+/// Fills the placeholders of @p format with what @p present returns for each argument.
+std::string fill(std::string_view format, std::span<const LogArgument> arguments,
+                 std::string (*present)(std::string_view)) {
+    std::string line;
+    auto argument = arguments.begin();
+    while (!format.empty()) {
+        const auto literal = format.substr(0, format.find('%'));
+        line += literal;
+        format.remove_prefix(literal.size());
+        if (format.empty())
+            break;
+        const Placeholder placeholder = parsePlaceholder(format);
+        const bool missing = placeholder.conversion == 0 ||
+                             (placeholder.conversion != '%' && argument == arguments.end());
+        if (missing) {
+            line += '%';
+            format.remove_prefix(1);
+            continue;
+        }
+        if (placeholder.conversion == '%') {
+            line += '%';
+        } else {
+            const std::string value =
+                present(placeholder.conversion == 'x' ? argument->hexadecimal() : argument->text());
+            if (value.size() < placeholder.width)
+                line.append(placeholder.width - value.size(), placeholder.fill);
+            line += value;
+            ++argument;
+        }
+        format.remove_prefix(placeholder.length);
+    }
+    return line;
+}
+
 } // namespace
 
 Log::~Log() = default;
@@ -73,35 +152,11 @@ std::string LogArgument::hexadecimal() const {
 }
 
 std::string formatLogLine(std::string_view format, std::initializer_list<LogArgument> arguments) {
-    std::string line;
-    auto argument = arguments.begin();
-    while (!format.empty()) {
-        const auto literal = format.substr(0, format.find('%'));
-        line += literal;
-        format.remove_prefix(literal.size());
-        if (format.empty())
-            break;
-        const Placeholder placeholder = parsePlaceholder(format);
-        const bool missing = placeholder.conversion == 0 ||
-                             (placeholder.conversion != '%' && argument == arguments.end());
-        if (missing) {
-            line += '%';
-            format.remove_prefix(1);
-            continue;
-        }
-        if (placeholder.conversion == '%') {
-            line += '%';
-        } else {
-            const std::string value =
-                placeholder.conversion == 'x' ? argument->hexadecimal() : argument->text();
-            if (value.size() < placeholder.width)
-                line.append(placeholder.width - value.size(), placeholder.fill);
-            line += value;
-            ++argument;
-        }
-        format.remove_prefix(placeholder.length);
-    }
-    return line;
+    return fill(format, arguments, unchanged);
+}
+
+void writeLogLine(std::string_view format, std::initializer_list<LogArgument> arguments) {
+    systemLog().write(fill(format, arguments, singleLine));
 }
 
 } // namespace platform

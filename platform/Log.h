@@ -64,10 +64,16 @@ class LogArgument {
 /// becomes "%". Placeholders without an argument are left unchanged.
 std::string formatLogLine(std::string_view format, std::initializer_list<LogArgument> arguments);
 
-/// Formats a line and writes it to systemLog(). Thread-safe.
+/// Like formatLogLine, but writes the line to systemLog(). Arguments may come from other programs,
+/// so they cannot break the line or send commands to a terminal: control characters and bytes that
+/// are not UTF-8 are written as "\n", "\r", "\t" or "\x1b", and an argument longer than 1 kB (1024
+/// bytes) is cut and ends with "...". Thread-safe.
+void writeLogLine(std::string_view format, std::initializer_list<LogArgument> arguments);
+
+/// Calls writeLogLine. Thread-safe.
 template <class... Arguments>
 void logLine(std::string_view format, const Arguments&... arguments) {
-    systemLog().write(formatLogLine(format, {LogArgument(arguments)...}));
+    writeLogLine(format, {LogArgument(arguments)...});
 }
 
 } // namespace platform

@@ -13,14 +13,11 @@ using platform::logLine;
 
 namespace {
 
-/// Inserts the identifier into the script unchanged, without quoting it.
-std::string scriptSelectingPane(const std::string& paneIdentifier) {
-    return platform::formatLogLine("tell application \"System Preferences\"\n"
-                                   "activate\n"
-                                   "set the current pane to pane id \"%@\"\n"
-                                   "end tell\n",
-                                   {paneIdentifier});
-}
+// The identifier is inserted unchanged, without quoting it.
+constexpr const char* kScriptSelectingPane = "tell application \"System Preferences\"\n"
+                                             "activate\n"
+                                             "set the current pane to pane id \"%@\"\n"
+                                             "end tell\n";
 
 } // namespace
 
@@ -57,9 +54,12 @@ void HalvexPrefsTools::openPrefsSelected(const std::string& paneIdentifier) {
 }
 
 void HalvexPrefsTools::openPrefsThread(const std::string& paneIdentifier) {
-    const std::string script = scriptSelectingPane(paneIdentifier);
-    if (const auto error = platform::scriptRunner().run(script))
-        logLine("AppleScript:%@\n error: %@", script, error);
+    const std::string script = platform::formatLogLine(kScriptSelectingPane, {paneIdentifier});
+    const auto error = platform::scriptRunner().run(script);
+    // The script is part of the format, because line feeds in an argument would be escaped.
+    if (error)
+        logLine(std::string("AppleScript:") + kScriptSelectingPane + "\n error: %@", paneIdentifier,
+                error);
 }
 
 std::optional<std::string> HalvexPrefsTools::getHalvexBGApplicationPath() {

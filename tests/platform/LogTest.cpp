@@ -33,6 +33,27 @@ TEST(LogLine, FillsPlaceholdersInOrder) {
         EXPECT_EQ(formatLogLine(c.format, c.arguments), c.line) << c.format;
 }
 
+TEST(LogLine, HasNoControlCharactersOrLongTextsFromItsArguments) {
+    test::RecordingLog log;
+    const std::string longest(1022, 'x');
+    const std::pair<std::string, std::string> cases[] = {
+        {"a/b c\\d \"ä€😀\"", "a/b c\\d \"ä€😀\""},
+        {"one\n2026-01-01 forged\r\tline", "one\\n2026-01-01 forged\\r\\tline"},
+        {std::string("\x1b[2J\0\x7f\a", 7), "\\x1b[2J\\x00\\x7f\\x07"},
+        {"\xc2\x9bm \xc2\xa0", "\\xc2\\x9bm \xc2\xa0"},
+        {"\xff\xe2\x82", "\\xff\\xe2\\x82"},
+        {longest + "yz", longest + "yz"},
+        {longest + "ä", longest + "ä"},
+        {longest + "xyz", longest + "xy..."},
+        {longest + "xä", longest + "x..."},
+    };
+    for (const auto& [argument, shown] : cases) {
+        logLine("\r\t%@|%4d\n", argument, 5);
+        EXPECT_THAT(log.take(), testing::ElementsAre("\r\t" + shown + "|   5\n"));
+    }
+    EXPECT_EQ(formatLogLine("%@", {"\n"}), "\n") << "not only for the log";
+}
+
 TEST(Guard, LogsEveryExceptionWithTheOwnerOfTheCode) {
     test::RecordingLog log;
     EXPECT_TRUE(runGuarded("outer", [] {
