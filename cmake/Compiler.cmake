@@ -42,5 +42,7 @@ set(HALVEX_PANES_FOLDER /Library/PreferencePanes CACHE PATH
     "Where the preference pane is installed; the library looks for it in /Library/PreferencePanes")
 set(CMAKE_RUNTIME_OUTPUT_DIRECTORY ${PROJECT_BINARY_DIR}/bin)
 set(CMAKE_LIBRARY_OUTPUT_DIRECTORY ${PROJECT_BINARY_DIR}/${HALVEX_LIBRARY_FOLDER})
+# The run path is the same in both. Otherwise CMake would pad that of the build tree with colons, and the
+# dynamic loader searches the current folder for each empty entry.
 set(CMAKE_INSTALL_RPATH "$ORIGIN/../${HALVEX_LIBRARY_FOLDER}")
-set(CMAKE_BUILD_RPATH_USE_ORIGIN ON)
+set(CMAKE_BUILD_WITH_INSTALL_RPATH ON)

@@ -7,6 +7,7 @@
 #include "apps/menubar/Options.h"
 #include "apps/menubar/OwnItemsFolder.h"
 #include "apps/menubar/Watcher.h"
+#include "apps/shared/StandardDescriptors.h"
 #include "apps/support/ProgramAppearance.h"
 #include "apps/support/QuitOnSignals.h"
 #include "apps/support/StartUp.h"
@@ -113,6 +114,7 @@ int runBar(const Options& options, std::vector<std::string> command) {
 } // namespace apps
 
 int main(int argc, char** argv) {
+    apps::openStandardDescriptors();
     int status = 0;
     const std::vector<std::string> arguments(argv + 1, argv + argc);
     const auto options = apps::readOptions(argc, argv, status);

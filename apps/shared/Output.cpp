@@ -1,26 +1,20 @@
 #include "apps/shared/Output.h"
 
 #include "apps/shared/Json.h"
+#include "apps/shared/StandardDescriptors.h"
 #include "platform/PropertyListService.h"
 
 #include <algorithm>
 #include <cerrno>
 #include <csignal>
-#include <fcntl.h>
 #include <iostream>
 #include <system_error>
-#include <unistd.h>
 #include <utility>
 
 namespace apps {
 
 void prepareStandardStreams() {
-    // open() takes the lowest free descriptor. The access modes are swapped, so that reading
-    // standard input and writing the others still fail.
-    for (const int descriptor : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO})
-        if (::fcntl(descriptor, F_GETFD) < 0) [[maybe_unused]]
-            const int opened =
-                ::open("/dev/null", descriptor == STDIN_FILENO ? O_WRONLY : O_RDONLY);
+    openStandardDescriptors();
     std::signal(SIGPIPE, SIG_IGN);
 }
 

@@ -11,9 +11,8 @@ namespace apps {
 /// How a value is printed.
 enum class Format { Xml, Json };
 
-/// Opens every closed standard descriptor on /dev/null, so that no data file is opened under that
-/// number and receives output or log lines. Ignores SIGPIPE, so that writing to a closed pipe
-/// returns an error. Call this first in main.
+/// Calls openStandardDescriptors(). Ignores SIGPIPE, so that writing to a closed pipe returns an
+/// error. Call this first in main.
 void prepareStandardStreams();
 
 // Results go to standard output. If they cannot be written completely, these functions print the

@@ -1,5 +1,6 @@
 #include "apps/support/WindowProgram.h"
 
+#include "apps/shared/StandardDescriptors.h"
 #include "apps/support/StartUp.h"
 #include "platform/expat/ExpatPropertyLists.h"
 #include "platform/qt/Desktop.h"
@@ -11,6 +12,7 @@ namespace apps {
 
 int runWindowProgram(int argc, char** argv, const char* name, const CommandLine& commandLine,
                      int (*run)(const WindowOptions& options)) {
+    openStandardDescriptors();
     int status = 0;
     const auto options = readWindowOptions(argc, argv, commandLine, status);
     if (!options)

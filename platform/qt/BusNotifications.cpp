@@ -19,6 +19,7 @@ namespace {
 
 // The bus disconnects clients that send larger messages.
 constexpr std::size_t kMaximumUserInfoBytes = std::size_t{16} << 20;
+constexpr qsizetype kMaximumCharacters = qsizetype{16} << 20; // of a received argument, in UTF-16
 
 constexpr int kFlushTimeout = 1000; // milliseconds
 

@@ -7,6 +7,9 @@
 
 #include <gtest/gtest.h>
 
+#include <filesystem>
+#include <tuple>
+
 using test::eventually;
 
 namespace {
@@ -64,6 +67,23 @@ TEST_F(Halvex, QuitsWhenTheSessionBusDisconnectsAndDoesNotStartWithoutOne) {
     EXPECT_TRUE(halvex.logs("com.quorvanesoftware.Halvex quits: the session bus disconnected"));
     EXPECT_EQ(halvex.run({}, {}, {{"DBUS_SESSION_BUS_ADDRESS", "unix:path=/nowhere"}}), 1);
     EXPECT_TRUE(halvex.logs("Halvex cannot start: there is no session bus"));
+}
+
+TEST(Program, OpensItsStandardDescriptorsIfTheyAreClosed) {
+    using test::ProgramProcess;
+    const auto bar = "com.quorvanesoftware.MenuBar1";
+    for (const auto& [file, name, interface] :
+         {std::tuple(HALVEX_MENUBAR, "com.quorvanesoftware.MenuBar", bar),
+          {HALVEX_PREFERENCES, "com.quorvanesoftware.Preferences", "com.quorvanesoftware.Window1"},
+          {HALVEX_APPLICATION, "com.quorvanesoftware.Halvex", "com.quorvanesoftware.Window1"}}) {
+        ProgramProcess program("sh", name, interface);
+        program.start({"-c", "exec \"$0\" <&- >&- 2>&-", file});
+        const auto descriptors =
+            std::filesystem::path("/proc") / std::to_string(program.processId()) / "fd";
+        for (const char* number : {"0", "1", "2"})
+            EXPECT_EQ(std::filesystem::read_symlink(descriptors / number), "/dev/null")
+                << file << ' ' << number;
+    }
 }
 
 } // namespace
