@@ -61,6 +61,16 @@ TEST_F(Installation, ContainsTheProgramsTheLibrariesAndThePane) {
     EXPECT_THAT(output, HasSubstr("Library runpath: [/usr/local/lib]"));
 }
 
+/// The loader searches the current folder for an empty entry of a run path.
+TEST_F(Installation, AndTheBuildHaveRunPathsWithoutEmptyOrRelativeEntries) {
+    for (const std::string folder : {".", HALVEX_BUILD}) {
+        run("find '" + folder +
+            "' -type f -perm -u+x -exec readelf -d {} + 2>/dev/null"
+            " | sed -n 's/.*(R.*PATH).*\\[\\(.*\\)\\]/:\\1/p' | tr -d '\\n'");
+        EXPECT_THAT(output, testing::MatchesRegex("(:(/|[$]ORIGIN)[^:]*)+")) << folder;
+    }
+}
+
 TEST_F(Installation, HasABarThatLoadsItemsFromThePaneAndFromAHomeFolder) {
     const std::string plugIns = pane + "/Contents/PlugIns";
     run("mkdir home && cp -R '" + plugIns + "/" + kHalvexTimeExtraFile + "' home");
