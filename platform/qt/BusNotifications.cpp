@@ -12,21 +12,22 @@
 #include <QString>
 #include <QStringList>
 
+#include <algorithm>
+#include <array>
 #include <utility>
 
 namespace platform::qt {
 namespace {
 
-// The bus disconnects clients that send larger messages.
-constexpr std::size_t kMaximumUserInfoBytes = std::size_t{16} << 20;
-constexpr qsizetype kMaximumCharacters = qsizetype{16} << 20; // of a received argument, in UTF-16
+// Of each argument. Limits the memory and the time that one notification takes.
+constexpr std::size_t kMaximumBytes = std::size_t{16} << 20;
 
 constexpr int kFlushTimeout = 1000; // milliseconds
 
 /// Returns std::nullopt if the user information cannot be sent.
 std::optional<QDBusMessage> encoded(const Notification& notification) {
     const auto userInfo = propertyLists().serialize(PropertyList(notification.userInfo));
-    if (!userInfo || userInfo->size() > kMaximumUserInfoBytes)
+    if (!userInfo || userInfo->size() > kMaximumBytes)
         return std::nullopt;
     auto message =
         QDBusMessage::createSignal(kNotificationPath, kNotificationInterface, kNotificationSignal);
@@ -41,16 +42,24 @@ std::optional<Notification> decoded(const QDBusMessage& message, std::string& re
         reason = "its signature is \"" + message.signature().toStdString() + '"';
         return std::nullopt;
     }
-    const auto text = [&](int index) { return message.arguments().at(index).toString(); };
-    const auto parsed = propertyLists().parse(text(2).toStdString());
+    std::array<std::string, 3> texts;
+    std::ranges::transform(message.arguments(), texts.begin(), [](const QVariant& argument) {
+        return argument.toString().toStdString();
+    });
+    if (std::ranges::any_of(texts, [](const auto& text) { return text.size() > kMaximumBytes; })) {
+        reason = "it exceeds 16 MiB";
+        return std::nullopt;
+    }
+    auto& [name, object, userInfoText] = texts;
+    const auto parsed = propertyLists().parse(userInfoText);
     const auto* userInfo = parsed ? parsed.value->dictionary() : nullptr;
     if (!userInfo) {
         reason = parsed ? "its user information is not a dictionary" : parsed.error.reason;
         return std::nullopt;
     }
-    Notification notification{.name = text(0).toStdString(), .object = {}, .userInfo = *userInfo};
-    if (const std::string object = text(1).toStdString(); !object.empty())
-        notification.object = object;
+    Notification notification{.name = std::move(name), .object = {}, .userInfo = *userInfo};
+    if (!object.empty())
+        notification.object = std::move(object);
     return notification;
 }
 

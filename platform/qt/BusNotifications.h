@@ -25,7 +25,8 @@ class SignalReceiver;
 ///   "notifications do not reach other programs: there is no session bus" (once),
 ///   "notification %@ not sent: its user information is not valid XML or exceeds 16 MiB",
 ///   "notification %@ not sent: %@" with the error of the bus,
-///   "notification from %@ ignored: %@" for a malformed signal.
+///   "notification from %@ ignored: %@" for a malformed signal, or if one of its texts exceeds
+///   16 MiB.
 class BusNotifications final : public DistributedNotificationCenter {
   public:
     /// @p busAddress is empty for the session bus.

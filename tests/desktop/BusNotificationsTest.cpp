@@ -161,14 +161,18 @@ TEST_F(BusNotificationsTest, LogsAndIgnoresMalformedNotifications) {
     send({"A", 5});
     send({"A", "", "<plist><array/></plist>"});
     send({"A", "", "<plist><dict>"});
+    const QString large(16 << 20, ' ');
+    send({"A", "", "<plist><dict/></plist>" + large});
+    send({"A", large + "x", "<plist><dict/></plist>"});
     post("A", {{"bell", "\a"}});
-    post("A");
+    send({"A", "", "<plist><dict/></plist>"});
     ASSERT_TRUE(receives(1));
     for (const char* reason :
-         {"its signature is \"si\"", "its user information is not a dictionary",
+         {"its signature is \"si\"", "it exceeds 16 MiB",
+          "its user information is not a dictionary",
           "notification A not sent: its user information is not valid XML or exceeds 16 MiB"})
         EXPECT_TRUE(log.contains(reason)) << reason;
-    EXPECT_THAT(log.take(), SizeIs(4));
+    EXPECT_THAT(log.take(), SizeIs(6));
     EXPECT_THAT(received, SizeIs(1));
 }
 
