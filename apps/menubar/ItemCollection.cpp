@@ -3,6 +3,7 @@
 #include "apps/menubar/CrashJournal.h"
 #include "platform/Log.h"
 #include "platform/Notifications.h"
+#include "platform/UserNotifications.h"
 #include "platform/Workspace.h"
 #include "platform/runtime/Guard.h"
 
@@ -84,6 +85,7 @@ void ItemCollection::unload(Item& item) {
     item.loaded.extra.reset();
     sharedWorkspace().notificationCenter().removeExpiredObservers();
     distributedNotificationCenter().removeExpiredObservers();
+    userNotifications().removeExpired();
     if (extra.expired() && view.expired())
         return;
     logLine("menu extra %@ is still referenced: its code stays loaded", item.identifier());

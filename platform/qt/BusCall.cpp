@@ -9,12 +9,11 @@
 namespace platform::qt {
 
 void callAsynchronously(const QDBusConnection& bus, const QDBusMessage& call,
-                        std::function<void()> onError) {
+                        std::function<void(const QDBusMessage& reply)> onReply) {
     auto* watcher = new QDBusPendingCallWatcher(bus.asyncCall(call));
     QObject::connect(watcher, &QDBusPendingCallWatcher::finished, watcher,
-                     [watcher, onError = std::move(onError)] {
-                         if (watcher->isError())
-                             onError();
+                     [watcher, onReply = std::move(onReply)] {
+                         onReply(watcher->reply());
                          watcher->deleteLater();
                      });
 }

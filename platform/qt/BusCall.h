@@ -7,9 +7,9 @@ class QDBusMessage;
 
 namespace platform::qt {
 
-/// Sends a method call without waiting for the reply. Calls @p onError on the main thread if the
-/// reply is an error or times out. Main thread.
+/// Sends a method call without waiting for the reply. Calls @p onReply on the main thread with the
+/// reply, or with an error message if the call fails or times out. Main thread.
 void callAsynchronously(const QDBusConnection& bus, const QDBusMessage& call,
-                        std::function<void()> onError);
+                        std::function<void(const QDBusMessage& reply)> onReply);
 
 } // namespace platform::qt

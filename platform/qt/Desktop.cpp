@@ -2,6 +2,7 @@
 
 #include "platform/Log.h"
 #include "platform/qt/BusNotifications.h"
+#include "platform/qt/BusUserNotifications.h"
 #include "platform/qt/QtGraphics.h"
 #include "platform/qt/QtMainThread.h"
 #include "platform/qt/QtPanelService.h"
@@ -31,6 +32,7 @@ struct Desktop {
     QtMainThread mainThread;
     QtPanelService panels;
     QtPasteboard pasteboard;
+    BusUserNotifications userNotifications;
     QtWorkspace workspace;
 };
 
@@ -46,6 +48,7 @@ QtGraphics& install() {
     exchangeService<MainThread>(&desktop->mainThread);
     exchangeService<PanelService>(&desktop->panels);
     exchangeService<Pasteboard>(&desktop->pasteboard);
+    exchangeService<UserNotifications>(&desktop->userNotifications);
     exchangeService<Workspace>(&desktop->workspace);
     return desktop->graphics;
 }

@@ -51,7 +51,10 @@ void bringApplicationToFront(ProcessSerialNumber process) {
                                                "org.freedesktop.Application", "Activate");
     call.setAutoStartService(false);
     call << QVariantMap();
-    callAsynchronously(bus, call, [process] { activateTopmostWindow(process); });
+    callAsynchronously(bus, call, [process](const QDBusMessage& reply) {
+        if (reply.type() == QDBusMessage::ErrorMessage)
+            activateTopmostWindow(process);
+    });
 }
 
 } // namespace platform::qt

@@ -39,7 +39,10 @@ bool QtWorkspace::selectFile(const std::string& path, const std::string& rootPat
                                                "org.freedesktop.FileManager1", "ShowItems");
     const auto url = QUrl::fromLocalFile(qString(path)).toEncoded();
     call << QStringList{QString::fromLatin1(url)} << QString();
-    callAsynchronously(bus, call, [path] { openParentFolder(path); });
+    callAsynchronously(bus, call, [path](const QDBusMessage& reply) {
+        if (reply.type() == QDBusMessage::ErrorMessage)
+            openParentFolder(path);
+    });
     // The D-Bus interface has no such parameter.
     static_cast<void>(rootPath);
     return true;

@@ -3,6 +3,7 @@
 #include "platform/EventSource.h"
 #include "platform/Log.h"
 #include "platform/MenuExtraServer.h"
+#include "platform/UserNotifications.h"
 #include "platform/Workspace.h"
 #include "platform/widgets/MenuExtraPlugIn.h"
 
@@ -45,6 +46,10 @@ class TestExtra final : public HalvexMenuExtraBase {
     }
     bool clicked() override {
         failIf("WhenClicked");
+        if (fault_ == "NotifiesWhenClicked")
+            userNotifications().post({.title = "Test",
+                                      .observer = weak_from_this(),
+                                      .handler = [](const std::string&) { note("told"); }});
         return fault_ == "RemovesItemsWhenClicked" ? removeItems() : note("plain");
     }
     bool clickWithCtrlKey() override { return note("control"); }

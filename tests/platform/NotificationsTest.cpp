@@ -1,4 +1,6 @@
+#include "platform/UserNotifications.h"
 #include "platform/runtime/LocalNotificationCenter.h"
+#include "tests/support/RecordingLog.h"
 
 #include <gmock/gmock.h>
 
@@ -74,6 +76,15 @@ TEST_F(Notifications, AllowObserversToChangeWhileAnotherThreadPosts) {
     }
     done = true;
     EXPECT_GE(count, 200);
+}
+
+TEST(UserNotifications, AreLoggedOnceInAProgramThatCannotShowThem) {
+    test::RecordingLog log;
+    for (int i = 0; i < 2; ++i)
+        EXPECT_FALSE(platform::userNotifications().post({.title = "Title"}));
+    EXPECT_THAT(log.take(),
+                ElementsAre("notification \"Title\" not shown: this program cannot show "
+                            "notifications"));
 }
 
 } // namespace

@@ -7,6 +7,7 @@
 #include "platform/MenuExtraServer.h"
 #include "platform/PanelService.h"
 #include "platform/Pasteboard.h"
+#include "platform/UserNotifications.h"
 #include "platform/Workspace.h"
 #include "platform/base/Exception.h"
 #include "platform/runtime/LocalNotificationCenter.h"
@@ -287,6 +288,40 @@ class RecordingPasteboard final : public platform::Pasteboard {
 
   private:
     platform::ScopedService<platform::Pasteboard> service_{*this};
+};
+
+/// Shows notifications until they are withdrawn. Keys are not separated by owner.
+class RecordingUserNotifications final : public platform::UserNotifications {
+  public:
+    std::vector<platform::UserNotification> shown; ///< in the order they were posted
+    bool shows = true;                             ///< the result of post
+
+    bool post(const platform::UserNotification& notification) override {
+        withdraw(notification.key);
+        if (shows)
+            shown.push_back(notification);
+        return shows;
+    }
+    void withdraw(std::string_view key) override {
+        std::erase_if(shown, [&](const auto& other) { return !key.empty() && other.key == key; });
+    }
+    void removeExpired() override {
+        std::erase_if(shown, [](const auto& one) { return one.handler && one.observer.expired(); });
+    }
+    /// Chooses an action, as a user does. Returns whether a notification with this key offers it.
+    bool choose(std::string_view key, const std::string& action) {
+        for (const auto& [itsKey, title, body, icon, actions, weak, handler] : std::vector(shown))
+            for (const auto& [identifier, label] : actions)
+                if (const auto observer = weak.lock(); itsKey == key && identifier == action) {
+                    if (observer && handler)
+                        handler(action);
+                    return true;
+                }
+        return false;
+    }
+
+  private:
+    platform::ScopedService<platform::UserNotifications> service_{*this};
 };
 
 class FixedEvents final : public platform::EventSource {

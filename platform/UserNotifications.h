@@ -1,0 +1,66 @@
+#pragma once
+
+#include "platform/base/NonCopyable.h"
+#include "platform/base/Service.h"
+
+#include <functional>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace platform {
+
+/// A button on a notification.
+struct UserNotificationAction {
+    std::string identifier;
+    std::string label; ///< user-visible
+};
+
+/// The identifier of the action that clicking the notification itself performs. Offered only if it
+/// is among the actions; some desktops show its label.
+inline constexpr const char* kDefaultAction = "default";
+
+/// A message that the desktop shows to the user.
+struct UserNotification {
+    /// Names the notification, so that it can be replaced and withdrawn; empty if it never is.
+    /// Different owners (see runtime/Guard.h) can use the same key.
+    std::string key{};
+    std::string title{}; ///< one line
+    std::string body{};  ///< plain text, shown as it is
+    std::string icon{};  ///< a name in the icon theme or an absolute path; empty for none
+    std::vector<UserNotificationAction> actions{};
+    /// The object that the handler belongs to, held weakly: the handler is not called after its
+    /// destruction, or if there is none. It is kept alive while the handler runs.
+    std::weak_ptr<const void> observer{};
+    /// Called on the main thread with the identifier of the action that the user chose. Exceptions
+    /// from it are logged with the owner's identifier and swallowed. Its code must stay loaded
+    /// until removeExpired has been called.
+    std::function<void(const std::string& action)> handler{};
+};
+
+/// Shows notifications on the desktop. Main thread only; needs a running main loop.
+class UserNotifications : NonCopyable {
+  public:
+    virtual ~UserNotifications();
+
+    /// Shows a notification, in place of the one that the same owner has posted with the same key.
+    /// Returns false if the desktop does not show notifications, which is logged once. Otherwise
+    /// returns true before the notification is shown; if showing it fails later, the reason is
+    /// logged. Desktops without buttons show it without its actions. The handler is called until
+    /// the notification has been closed, replaced or withdrawn.
+    virtual bool post(const UserNotification& notification) = 0;
+    /// Removes the notification that the current owner has posted with @p key. Does nothing if
+    /// there is none.
+    virtual void withdraw(std::string_view key) = 0;
+    /// Withdraws the notifications whose observers have been destroyed, and destroys their
+    /// handlers. Hosts call it before they unload code.
+    virtual void removeExpired() = 0;
+};
+
+/// Returns the host's notifications. The default shows none.
+UserNotifications& userNotifications();
+template <>
+UserNotifications* exchangeService<UserNotifications>(UserNotifications* service);
+
+} // namespace platform

@@ -1,0 +1,252 @@
+#include "platform/qt/BusUserNotifications.h"
+
+#include "platform/base/Exception.h"
+#include "platform/runtime/Guard.h"
+#include "tests/desktop/support/FakeService.h"
+#include "tests/desktop/support/TestBundle.h"
+#include "tests/support/RecordingLog.h"
+
+#include <QCoreApplication>
+#include <QThread>
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+using namespace platform;
+using test::eventually;
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+namespace {
+
+constexpr const char* kName = "org.freedesktop.Notifications";
+constexpr const char* kPath = "/org/freedesktop/Notifications";
+
+/// A notification server that records its calls as text. Ids count from @p firstId.
+class FakeServer {
+  public:
+    FakeServer(const test::PrivateBus& bus, QStringList capabilities, std::uint32_t firstId = 1)
+        : capabilities_(std::move(capabilities)), nextId_(firstId),
+          connection_(QDBusConnection::connectToBus(bus.address(), "notification server")) {}
+    ~FakeServer() {
+        connection_.unregisterService(kName);
+        QDBusConnection::disconnectFromBus("notification server");
+    }
+
+    void emitSignal(const char* member, const QVariantList& arguments) {
+        auto signal = QDBusMessage::createSignal(kPath, kName, member);
+        signal.setArguments(arguments);
+        connection_.send(signal);
+    }
+    bool hasCalls(std::size_t count) {
+        return eventually([&] { return calls.size() >= count; });
+    }
+
+    std::vector<std::string> calls;
+    bool refuses = false;
+
+  private:
+    QVariant answer(const QDBusMessage& call) {
+        const QVariantList arguments = call.arguments();
+        if (call.member() == "GetCapabilities")
+            return capabilities_;
+        if (call.member() == "CloseNotification") {
+            calls.push_back("close " + arguments.at(0).toString().toStdString());
+            return 0;
+        }
+        if (call.signature() != "susssasa{sv}i" || refuses)
+            return {};
+        const std::uint32_t replaced = arguments.at(1).toUInt();
+        const QString text =
+            QString("%1 %2|%3|%4|%5")
+                .arg(replaced)
+                .arg(arguments.at(2).toString(), arguments.at(3).toString(),
+                     arguments.at(4).toString(), arguments.at(5).toStringList().join(','));
+        calls.push_back(text.toStdString());
+        return replaced ? replaced : nextId_++;
+    }
+
+    QStringList capabilities_;
+    std::uint32_t nextId_;
+    QDBusConnection connection_;
+    test::FakeService service_{connection_, kName, kPath,
+                               [this](const QDBusMessage& call) { return answer(call); }};
+};
+
+class BusUserNotificationsTest : public testing::Test {
+  protected:
+    void startServer(const QStringList& capabilities = {"body", "actions"},
+                     std::uint32_t firstId = 1) {
+        server.reset();
+        server = std::make_unique<FakeServer>(bus, capabilities, firstId);
+    }
+    /// Posts a notification whose handler records its title and the action.
+    bool post(const std::string& key, const std::string& title, const std::string& body = {}) {
+        return notifications->post({.key = key,
+                                    .title = title,
+                                    .body = body,
+                                    .icon = "dialog-warning",
+                                    .actions = {{kDefaultAction, "Show"}, {"undo", "Undo"}},
+                                    .observer = self,
+                                    .handler = [this, title](const std::string& action) {
+                                        chosen.push_back(currentOwner() + title + ' ' + action);
+                                        EXPECT_EQ(QThread::currentThread(),
+                                                  QCoreApplication::instance()->thread());
+                                        throw Exception("Test", "thrown by the handler");
+                                    }});
+    }
+    /// Posts a notification and waits until it is shown, as its only one with this title.
+    void show(const std::string& key, const std::string& title) {
+        const std::size_t count = server->calls.size();
+        EXPECT_TRUE(post(key, title));
+        EXPECT_TRUE(server->hasCalls(count + 1));
+    }
+    /// Chooses an action of each notification, and waits until the last handler has run.
+    void choose(const std::vector<std::pair<std::uint32_t, QString>>& actions) {
+        const std::size_t count = chosen.size();
+        for (const auto& [id, action] : actions)
+            server->emitSignal("ActionInvoked", {id, action});
+        EXPECT_TRUE(eventually([&] { return chosen.size() > count; }));
+    }
+
+    test::PrivateBus bus;
+    test::RecordingLog log;
+    std::unique_ptr<FakeServer> server;
+    std::shared_ptr<int> self = std::make_shared<int>();
+    std::vector<std::string> chosen;
+    std::optional<platform::qt::BusUserNotifications> notifications{bus.addressText()};
+};
+
+TEST_F(BusUserNotificationsTest, AreShownAsFarAsTheServerCan) {
+    struct Row {
+        QStringList capabilities;
+        std::string shown;
+    };
+    for (const auto& [capabilities, shown] :
+         std::vector<Row>{{{"body"}, "0 dialog-warning|ä|a < b & c|"},
+                          {{"body-markup"}, "0 dialog-warning|ä|a &lt; b &amp; c|"},
+                          {{"actions"}, "0 dialog-warning|ä|a < b & c|default,Show,undo,Undo"}}) {
+        notifications.emplace(bus.addressText());
+        startServer(capabilities);
+        EXPECT_TRUE(post("", "ä", "a < b & c"));
+        EXPECT_TRUE(server->hasCalls(1));
+        EXPECT_THAT(server->calls, ElementsAre(shown));
+    }
+    notifications->post({.title = "t", .icon = "/a b.png"});
+    EXPECT_TRUE(server->hasCalls(2));
+    EXPECT_EQ(server->calls.back(), "0 file:///a%20b.png|t||");
+    EXPECT_THAT(log.take(), IsEmpty());
+}
+
+TEST_F(BusUserNotificationsTest, AreReplacedAndWithdrawnByTheKeyOfTheirOwner) {
+    startServer();
+    const auto byOther = [&](const std::function<void()>& code) { runGuarded("other", code); };
+    byOther([&] { show("k", "of other"); });
+    show("k", "first");
+    show("k", "second");
+    show("", "without key");
+    show("", "without key");
+    notifications->withdraw("k");
+    notifications->withdraw("k");
+    notifications->withdraw("");
+    byOther([&] { notifications->withdraw("k"); });
+    show("k", "last");
+    const std::string start = "dialog-warning|", end = "||default,Show,undo,Undo";
+    EXPECT_THAT(server->calls,
+                ElementsAre("0 " + start + "of other" + end, "0 " + start + "first" + end,
+                            "2 " + start + "second" + end, "0 " + start + "without key" + end,
+                            "0 " + start + "without key" + end, "close 2", "close 1",
+                            "0 " + start + "last" + end));
+}
+
+TEST_F(BusUserNotificationsTest, ChangesDuringARequestAreMadeAfterIt) {
+    startServer();
+    post("replaced", "1");
+    post("replaced", "2");
+    post("withdrawn", "3");
+    EXPECT_TRUE(server->hasCalls(2)) << "both are being sent";
+    post("replaced", "4");
+    notifications->withdraw("replaced");
+    post("replaced", "5");
+    notifications->withdraw("withdrawn");
+    EXPECT_TRUE(server->hasCalls(4));
+    const std::string end = "||default,Show,undo,Undo";
+    EXPECT_THAT(server->calls, ElementsAre("0 dialog-warning|2" + end, "0 dialog-warning|3" + end,
+                                           "1 dialog-warning|5" + end, "close 2"));
+}
+
+TEST_F(BusUserNotificationsTest, HandlersRunForTheOfferedActionsUntilTheNotificationCloses) {
+    startServer();
+    runGuarded("owner ", [&] { show("1", "one"); });
+    show("2", "two");
+    choose({{99, "undo"}, {1, "other"}, {1, "undo"}, {2, "default"}});
+    EXPECT_TRUE(eventually([&] { return chosen.size() == 2; }));
+    for (const std::uint32_t reason : {1U, 2U, 3U, 4U}) {
+        show("", "closed");
+        server->emitSignal("NotificationClosed", {2 + reason, reason});
+        choose({{2 + reason, "undo"}, {2, "undo"}});
+    }
+    EXPECT_THAT(chosen, ElementsAre("owner one undo", "two default", "two undo", "two undo",
+                                    "two undo", "two undo"));
+    EXPECT_THAT(log.take(), testing::Contains("owner  raised an exception: Test   reason: "
+                                              "thrown by the handler"));
+}
+
+TEST_F(BusUserNotificationsTest, HandlersOfDestroyedObserversAreNotCalled) {
+    startServer();
+    show("1", "one");
+    const auto code = std::make_shared<int>(); // stands for the loaded code of a handler
+    self = std::make_shared<int>();
+    notifications->post({.key = "2", .observer = self, .handler = [code](const auto&) { FAIL(); }});
+    notifications->post({.title = "without handler"});
+    EXPECT_TRUE(server->hasCalls(3));
+    self = std::make_shared<int>();
+    show("4", "four");
+    choose({{1, "undo"}, {2, "undo"}, {4, "undo"}});
+    EXPECT_THAT(chosen, ElementsAre("four undo"));
+    notifications->removeExpired();
+    EXPECT_EQ(code.use_count(), 1);
+    EXPECT_TRUE(server->hasCalls(6));
+    server->calls.erase(server->calls.begin(), server->calls.begin() + 4);
+    EXPECT_THAT(server->calls, ElementsAre("close 1", "close 2"));
+}
+
+TEST_F(BusUserNotificationsTest, AServerThatRestartsForgetsItsNotifications) {
+    startServer();
+    show("old", "old");
+    startServer({"actions"}, 1);
+    EXPECT_TRUE(eventually([&] { return post("new", "new") && server->hasCalls(1); }));
+    choose({{1, "undo"}});
+    show("old", "old again");
+    EXPECT_EQ(server->calls.back(), "0 dialog-warning|old again||default,Show,undo,Undo");
+    EXPECT_THAT(chosen, ElementsAre("new undo"));
+}
+
+TEST_F(BusUserNotificationsTest, FailuresAreLogged) {
+    EXPECT_FALSE(post("k", "lost"));
+    EXPECT_FALSE(post("k", "lost"));
+    EXPECT_THAT(log.take(),
+                ElementsAre("notifications are not shown: there is no notification server"));
+    startServer();
+    server->refuses = true;
+    EXPECT_TRUE(post("k", "refused"));
+    EXPECT_TRUE(eventually([&] { return log.contains("notification \"refused\" not shown: "); }));
+    server->refuses = false;
+    show("k", "shown");
+    bus.kill();
+    EXPECT_TRUE(eventually([&] { return !post("k", "lost"); }));
+}
+
+TEST(BarNotifications, AreWithdrawnBeforeTheirItemIsUnloaded) {
+    const test::BarProcess bar;
+    FakeServer server(*bar.bus, {});
+    const test::TestBundle bundle(bar, "NotifiesWhenClicked");
+    ASSERT_TRUE(bar.loads(bundle.path, test::kTestExtra));
+    bar.click(test::kTestExtra);
+    EXPECT_TRUE(server.hasCalls(1));
+    EXPECT_EQ(bar.remove(test::kTestExtra), 0);
+    EXPECT_TRUE(server.hasCalls(2));
+    EXPECT_THAT(server.calls, ElementsAre("0 |Test||", "close 1"));
+}
+
+} // namespace
