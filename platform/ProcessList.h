@@ -17,18 +17,19 @@ struct RunningProcess {
     std::string name; ///< name of the application
 };
 
-/// The running programs. Thread-safe.
+/// The running applications. Thread-safe.
 class ProcessList : NonCopyable {
   public:
     virtual ~ProcessList();
 
-    /// Returns the user's running processes, ordered by PID. The program of an application bundle
-    /// is named after the bundle (CFBundleName, else the folder name without its extension), any
-    /// other program after its executable file.
+    /// Returns the user's running applications, ordered by PID. An application is named after its
+    /// bundle (CFBundleName, else the folder name without its extension).
     virtual std::vector<RunningProcess> processes() const = 0;
 };
 
-/// Returns the process list. The default is the system's.
+/// Returns the process list. The default lists all programs of the user, those without a bundle
+/// under the names of their executable files. That of a desktop lists only applications that own
+/// their identifier as a name on the session bus.
 ProcessList& processList();
 template <>
 ProcessList* exchangeService<ProcessList>(ProcessList* service);

@@ -6,6 +6,7 @@
 #include "platform/posix/StartProgram.h"
 #include "platform/qt/BarClient.h"
 #include "platform/qt/BusNotifications.h"
+#include "platform/qt/BusProcessList.h"
 
 using platform::ScopedService;
 
@@ -35,6 +36,8 @@ struct Services::Installed {
     ScopedService<platform::FileManager> filesGuard{files};
     platform::qt::BarClient bar;
     ScopedService<platform::MenuExtraServer> barGuard{bar};
+    platform::qt::BusProcessList processes;
+    ScopedService<platform::ProcessList> processesGuard{processes};
     platform::qt::BusNotifications notifications;
     ScopedService<platform::DistributedNotificationCenter> notificationsGuard{notifications};
 };

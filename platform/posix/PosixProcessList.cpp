@@ -1,5 +1,6 @@
 #include "platform/posix/PosixProcessList.h"
 
+#include "platform/Bundle.h"
 #include "platform/Defaults.h"
 #include "platform/base/PathStrings.h"
 #include "platform/posix/ApplicationBundle.h"
@@ -115,6 +116,14 @@ std::optional<std::string> programOf(pid_t process) {
     if (program.ends_with(kDeleted))
         program.resize(program.size() - kDeleted.size());
     return program;
+}
+
+std::optional<std::string> applicationIdentifier(ProcessSerialNumber serialNumber) {
+    const auto process = processIdentifier(serialNumber);
+    const auto program = process ? programOf(*process) : std::nullopt;
+    const auto path = program ? applicationBundleOf(*program) : std::nullopt;
+    const auto bundle = path ? Bundle::bundleWithPath(*path) : nullptr;
+    return bundle ? bundle->bundleIdentifier() : std::nullopt;
 }
 
 } // namespace platform::posix

@@ -21,4 +21,8 @@ std::optional<pid_t> processIdentifier(ProcessSerialNumber serialNumber);
 /// exited or may not be inspected.
 std::optional<std::string> programOf(pid_t process);
 
+/// Returns the identifier of the application bundle whose program the process runs. Returns
+/// std::nullopt if it runs another program or has exited, or if the bundle has no identifier.
+std::optional<std::string> applicationIdentifier(ProcessSerialNumber serialNumber);
+
 } // namespace platform::posix

@@ -2,6 +2,7 @@
 
 #include "platform/Log.h"
 #include "platform/qt/BusNotifications.h"
+#include "platform/qt/BusProcessList.h"
 #include "platform/qt/BusUserNotifications.h"
 #include "platform/qt/QtGraphics.h"
 #include "platform/qt/QtMainThread.h"
@@ -28,6 +29,7 @@ class DesktopLog final : public Log {
 struct Desktop {
     DesktopLog log{systemLog()};
     BusNotifications notifications;
+    BusProcessList processes;
     QtGraphics graphics;
     QtMainThread mainThread;
     QtPanelService panels;
@@ -48,6 +50,7 @@ QtGraphics& install() {
     exchangeService<MainThread>(&desktop->mainThread);
     exchangeService<PanelService>(&desktop->panels);
     exchangeService<Pasteboard>(&desktop->pasteboard);
+    exchangeService<ProcessList>(&desktop->processes);
     exchangeService<UserNotifications>(&desktop->userNotifications);
     exchangeService<Workspace>(&desktop->workspace);
     return desktop->graphics;

@@ -1,7 +1,6 @@
 #include "platform/qt/Foreground.h"
 
-#include "platform/Bundle.h"
-#include "platform/posix/ApplicationBundle.h"
+#include "platform/Log.h"
 #include "platform/posix/PosixProcessList.h"
 #include "platform/qt/BusCall.h"
 #include "platform/qt/Strings.h"
@@ -11,9 +10,6 @@
 #include <QDBusConnection>
 #include <QDBusMessage>
 #include <QVariantMap>
-
-#include <optional>
-#include <string>
 
 namespace platform::qt {
 namespace {
@@ -28,19 +24,10 @@ void activateTopmostWindow(ProcessSerialNumber process) {
         manager.activate(window);
 }
 
-/// Returns the identifier of the application bundle whose program the process runs.
-std::optional<std::string> applicationIdentifier(ProcessSerialNumber process) {
-    const auto identifier = posix::processIdentifier(process);
-    const auto program = identifier ? posix::programOf(*identifier) : std::nullopt;
-    const auto bundle = program ? posix::applicationBundleOf(*program) : std::nullopt;
-    const auto opened = bundle ? Bundle::bundleWithPath(*bundle) : nullptr;
-    return opened ? opened->bundleIdentifier() : std::nullopt;
-}
-
 } // namespace
 
 void bringApplicationToFront(ProcessSerialNumber process) {
-    const auto identifier = applicationIdentifier(process);
+    const auto identifier = posix::applicationIdentifier(process);
     const auto bus = QDBusConnection::sessionBus();
     if (!identifier || !bus.isConnected()) {
         activateTopmostWindow(process);
@@ -51,9 +38,11 @@ void bringApplicationToFront(ProcessSerialNumber process) {
                                                "org.freedesktop.Application", "Activate");
     call.setAutoStartService(false);
     call << QVariantMap();
-    callAsynchronously(bus, call, [process](const QDBusMessage& reply) {
-        if (reply.type() == QDBusMessage::ErrorMessage)
-            activateTopmostWindow(process);
+    callAsynchronously(bus, call, [process, application = *identifier](const QDBusMessage& reply) {
+        if (reply.type() != QDBusMessage::ErrorMessage)
+            return;
+        logLine("cannot activate %@: %@", application, reply.errorMessage().toStdString());
+        activateTopmostWindow(process);
     });
 }
 

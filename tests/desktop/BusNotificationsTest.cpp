@@ -8,6 +8,7 @@
 #include "tests/support/ScopedEnvironment.h"
 
 #include <QCoreApplication>
+#include <QDBusConnectionInterface>
 #include <QElapsedTimer>
 #include <QThread>
 
@@ -79,14 +80,19 @@ class BusNotificationsTest : public testing::Test {
     }
     /// Installs a pane for this user, with the peer as its background application.
     void installApplication() const {
-        const std::string contents =
-            "Library/PreferencePanes/Halvex Pro.prefPane/Contents/PlugIns/Halvex.app/Contents/";
-        folder.write(contents + "Info.plist",
+        const auto program = installedProgram();
+        folder.write(kContents + "Info.plist",
                      "<plist><dict><key>CFBundleExecutable</key><string>Halvex</string>"
                      "<key>CFBundleIdentifier</key><string>test.Halvex</string></dict></plist>");
-        std::filesystem::create_directory(folder.path() / contents / "Linux");
-        std::filesystem::copy(HALVEX_PEER, folder.path() / contents / "Linux/Halvex");
+        std::filesystem::create_directory(program.parent_path());
+        std::filesystem::copy(HALVEX_PEER, program);
     }
+    std::filesystem::path installedProgram() const {
+        return folder.path() / kContents / "Linux/Halvex";
+    }
+
+    inline static const std::string kContents =
+        "Library/PreferencePanes/Halvex Pro.prefPane/Contents/PlugIns/Halvex.app/Contents/";
 
     test::TemporaryFolder folder;
     test::RecordingLog log;
@@ -204,6 +210,37 @@ TEST_F(BusNotificationsTest, ReachesAnApplicationThatTheFirstRequestStarts) {
     post("Quit");
     center.flush();
     EXPECT_TRUE(test::eventually([&] { return !isRunning(both[0]); }));
+}
+
+TEST_F(BusNotificationsTest, RequestsPassByProcessesThatDoNotOwnTheApplicationsNameOnThisBus) {
+    installApplication();
+    const auto program = folder.path() / "Other.app/Contents/Linux/Halvex";
+    std::filesystem::create_directories(program.parent_path());
+    for (const auto& copy : {program, folder.path() / "Halvex"})
+        std::filesystem::copy("/bin/sleep", copy);
+    folder.write("Other.app/Contents/Info.plist",
+                 "<plist><dict><key>CFBundleName</key><string>Halvex</string>"
+                 "<key>CFBundleIdentifier</key><string>test.unregistered</string></dict></plist>");
+    QProcess unbundled, unregistered, elsewhere;
+    unbundled.start(folder.file("Halvex").c_str(), {"60"});
+    unregistered.start(program.c_str(), {"60"});
+    const PrivateBus other;
+    auto environment = QProcessEnvironment::systemEnvironment();
+    environment.insert("DBUS_SESSION_BUS_ADDRESS", other.address());
+    elsewhere.setProcessEnvironment(environment);
+    elsewhere.start(installedProgram().c_str(), {});
+    EXPECT_TRUE(test::eventually(
+        [&] { return other.connection().interface()->isServiceRegistered("test.Halvex"); }));
+    EXPECT_EQ(find().size(), 1) << "none is found";
+    EXPECT_EQ(request(), 0);
+    const auto reached = written("requests", 1);
+    ASSERT_THAT(reached, SizeIs(1));
+    EXPECT_NE(std::to_string(elsewhere.processId()), reached[0]);
+    EXPECT_EQ(find().value(1).toStdString(), reached[0]);
+    for (QProcess* process : {&unbundled, &unregistered, &elsewhere}) {
+        process->kill();
+        process->waitForFinished();
+    }
 }
 
 TEST_F(BusNotificationsTest, RequestsDoNotWaitForAHangingApplicationOrReachAKilledOne) {

@@ -3,7 +3,8 @@
 //   peer post NAME COUNT   Post COUNT numbered notifications.
 //   peer                   Act as the background application: announce the launch, then append the
 //                          process identifier to $HOME/requests for each "Request" and to
-//                          $HOME/activations for each activation. Exit on "Quit" or with the bus.
+//                          $HOME/activations for each activation, which fails if $HOME/refuses
+//                          exists. Exit on "Quit" or with the bus.
 
 #include "platform/Workspace.h"
 #include "platform/expat/ExpatPropertyLists.h"
@@ -14,6 +15,7 @@
 #include <QGuiApplication>
 
 #include <cstdlib>
+#include <filesystem>
 #include <fstream>
 #include <memory>
 #include <string>
@@ -23,8 +25,12 @@ using namespace platform;
 
 namespace {
 
+std::string inHome(const char* file) {
+    return std::string(std::getenv("HOME")) + '/' + file;
+}
+
 void write(const char* file) {
-    std::ofstream(std::string(std::getenv("HOME")) + '/' + file, std::ios::app) << getpid() << '\n';
+    std::ofstream(inHome(file), std::ios::app) << getpid() << '\n';
 }
 
 int post(const std::string& name, int count) {
@@ -49,7 +55,7 @@ int beTheApplication() {
             if (message.interface() == "org.freedesktop.Application" &&
                 message.signature() == "a{sv}")
                 write("activations");
-            return QVariant(0);
+            return std::filesystem::exists(inHome("refuses")) ? QVariant() : QVariant(0);
         });
     announceLaunch("Halvex");
     return QCoreApplication::exec();

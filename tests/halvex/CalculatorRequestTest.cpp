@@ -32,6 +32,7 @@ class CalculatorRequest : public testing::Test {
         std::error_code ignored; // the process may have exited
         return fs::read_symlink("/proc/" + std::to_string(process) + "/exe", ignored);
     }
+    fs::path pane() const { return bar.home() / "Library/PreferencePanes/Halvex Pro.prefPane"; }
     void chooseCalculator() const {
         x.clickAt(test::kAtItem);
         x.act({"key", "Up", "Up", "Return"}); // the last but one entry
@@ -46,12 +47,11 @@ class CalculatorRequest : public testing::Test {
 };
 
 TEST_F(CalculatorRequest, StartsTheApplicationInTheInstalledPaneOnceAndReusesItsProcess) {
-    const auto pane = bar.home() / "Library/PreferencePanes/Halvex Pro.prefPane";
-    test::copyBundle(HALVEX_PANE, pane);
+    test::copyBundle(HALVEX_PANE, pane());
     chooseCalculator();
     ASSERT_TRUE(isShown()) << bar.log();
     const uint process = processOnBus();
-    EXPECT_EQ(program(process), pane / "Contents/PlugIns/Halvex.app/Contents/Linux/Halvex");
+    EXPECT_EQ(program(process), pane() / "Contents/PlugIns/Halvex.app/Contents/Linux/Halvex");
     x.act({"search", "--onlyvisible", "--name", "^Calculator$", "windowfocus", "key", "ctrl+w"});
     EXPECT_TRUE(eventually([this] { return halvex.picture().isNull(); }));
     chooseCalculator();
@@ -60,18 +60,26 @@ TEST_F(CalculatorRequest, StartsTheApplicationInTheInstalledPaneOnceAndReusesIts
     EXPECT_EQ(bar.stop(), 0) << bar.log();
 }
 
-TEST_F(CalculatorRequest, ActivatesTheWindowOfARunningApplicationThatOwnsNoBusName) {
+TEST_F(CalculatorRequest, ActivatesTheWindowOfAnApplicationThatRefusesToDoIt) {
     const auto folder = bar.home() / "Halvex.app/Contents";
     fs::create_directories(folder / "Linux");
-    fs::copy("/bin/sleep", folder / "Linux/Program");
+    fs::copy(HALVEX_PEER, folder / "Linux/Program");
     std::ofstream(folder / "Info.plist") << "<plist><dict><key>CFBundleIdentifier</key>"
-                                            "<string>test.unregistered</string></dict></plist>";
+                                            "<string>test.Halvex</string></dict></plist>";
+    std::ofstream(bar.home() / "refuses");
     QProcess application;
-    application.start(QString::fromStdString(folder / "Linux/Program"), {"60"});
-    ASSERT_TRUE(application.waitForStarted());
+    application.setProcessEnvironment(
+        test::environmentWith({{"HOME", QString::fromStdString(bar.home())},
+                               {"LD_LIBRARY_PATH", HALVEX_LIBRARIES},
+                               {"DBUS_SESSION_BUS_ADDRESS", bar.bus->address()},
+                               {"QT_QPA_PLATFORM", "offscreen"}}));
+    application.start(QString::fromStdString(folder / "Linux/Program"), {});
+    ASSERT_TRUE(eventually(
+        [&] { return bar.bus->connection().interface()->isServiceRegistered("test.Halvex"); }));
     const auto window = x.manageWindowOf(static_cast<std::uint32_t>(application.processId()));
     chooseCalculator();
     EXPECT_TRUE(eventually([&] { return x.isAsked("_NET_ACTIVE_WINDOW", window); }));
+    EXPECT_TRUE(bar.logs("cannot activate test.Halvex: "));
     application.kill();
     application.waitForFinished();
 }
