@@ -24,6 +24,7 @@ const ItemRecord* ItemCollection::add(const std::string& path, std::int32_t posi
     const ValidatedBundle bundle = validateBundle(path);
     if (!bundle) {
         logLine("menu extra at %@ refused: %@", path, bundle.reason);
+        emit refused(path, bundle.reason);
         return nullptr;
     }
     if (const Item* loaded = find(bundle.identifier)) {
@@ -33,8 +34,10 @@ const ItemRecord* ItemCollection::add(const std::string& path, std::int32_t posi
     ItemRecord record{bundle.identifier, path, position, bundle.bundle->version().value_or(""),
                       origin};
     LoadedItem loaded = load(bundle, record);
-    if (!loaded)
+    if (!loaded) {
+        emit refused(path, loaded.reason);
         return nullptr;
+    }
     Item& item = insert(std::move(record), std::move(loaded));
     emit added(item);
     return &item.record;

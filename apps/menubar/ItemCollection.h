@@ -43,6 +43,13 @@ class ItemCollection final : public QObject {
     Item* find(std::string_view identifier);
     Item* find(const platform::MenuExtra& extra);
 
+    /// Reorders the items. References to them stay valid.
+    template <class Less>
+    void sort(Less less) {
+        items_.sort(less);
+        emit sorted();
+    }
+
     std::list<Item>::iterator begin() { return items_.begin(); }
     std::list<Item>::iterator end() { return items_.end(); }
 
@@ -53,6 +60,9 @@ class ItemCollection final : public QObject {
     void aboutToRemove(apps::Item& item);
     /// Emitted after the item and its code have been unloaded.
     void removed(const apps::ItemRecord& record);
+    void sorted();
+    /// Emitted if the bundle at @p path is refused or cannot be loaded.
+    void refused(const std::string& path, const std::string& reason);
 
   private:
     LoadedItem load(const ValidatedBundle& bundle, const ItemRecord& record);

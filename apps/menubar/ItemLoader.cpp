@@ -12,10 +12,12 @@ using namespace platform;
 namespace apps {
 namespace {
 
-LoadedItem failed(const ValidatedBundle& bundle, const std::string& reason) {
+LoadedItem failed(const ValidatedBundle& bundle, std::string reason) {
     logLine("cannot load menu extra %@ at %@: %@", bundle.identifier, bundle.bundle->bundlePath(),
             reason);
-    return {};
+    LoadedItem item;
+    item.reason = std::move(reason);
+    return item;
 }
 
 } // namespace

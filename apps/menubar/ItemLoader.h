@@ -5,6 +5,7 @@
 #include "platform/widgets/MenuExtra.h"
 
 #include <memory>
+#include <string>
 
 namespace apps {
 
@@ -12,6 +13,7 @@ namespace apps {
 struct LoadedItem {
     std::unique_ptr<platform::LoadedCode> code;
     std::shared_ptr<platform::MenuExtra> extra; ///< null if loading failed
+    std::string reason;                         ///< why loading failed, human-readable
     explicit operator bool() const { return extra != nullptr; }
 };
 

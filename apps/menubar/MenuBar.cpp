@@ -23,6 +23,7 @@ MenuBar::MenuBar(qt::QtGraphics& graphics, CrashJournal& journal)
       menus_(items_, journal) {
     connect(&items_, &ItemCollection::added, this, &MenuBar::itemAdded);
     connect(&items_, &ItemCollection::removed, this, &MenuBar::placeItems);
+    connect(&items_, &ItemCollection::sorted, this, &MenuBar::placeItems);
     // Drawing happens just before the event loop blocks. QWidget::update would need another
     // iteration of the loop per tick.
     connect(QAbstractEventDispatcher::instance(), &QAbstractEventDispatcher::aboutToBlock, this,

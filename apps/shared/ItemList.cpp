@@ -1,5 +1,6 @@
 #include "apps/shared/ItemList.h"
 
+#include "apps/shared/FileLock.h"
 #include "platform/FileManager.h"
 #include "platform/Log.h"
 #include "platform/PropertyListService.h"
@@ -16,6 +17,9 @@ namespace apps {
 namespace {
 
 constexpr const char* kUnreadableSuffix = ".unreadable";
+constexpr const char* kLockSuffix = ".lock";
+// Changes are kept while the file cannot be written. The oldest ones are dropped.
+constexpr std::size_t kMaximumPending = 100;
 constexpr const char* kItems = "Items";
 constexpr const char* kDisabled = "Left Out";
 constexpr const char* kIdentifier = "Identifier";
@@ -52,10 +56,16 @@ const PropertyList::Array* array(const PropertyList& root, const char* key) {
 ItemList::ItemList(std::string file, std::string ownItemsFolder)
     : file_(std::move(file)), ownItemsFolder_(std::move(ownItemsFolder)) {}
 
+std::string ItemList::lockFile() const {
+    return file_ + kLockSuffix;
+}
+
 bool ItemList::read() {
     if (!fileManager().fileExists(file_))
         return false;
-    const auto list = propertyLists().read(file_);
+    const auto file = fileManager().readFile(file_, kMaximumBytes);
+    const auto list = file ? propertyLists().parse(*file.contents)
+                           : PropertyListResult{std::nullopt, {0, 0, file.reason}};
     const auto* items = list ? array(*list.value, kItems) : nullptr;
     if (!items) {
         logLine("cannot read the menu bar's items from %@: %@", file_,
@@ -63,6 +73,9 @@ bool ItemList::read() {
         moveUnreadableFile();
         return false;
     }
+    items_.clear();
+    byIdentifier_.clear();
+    disabled_.clear();
     for (const PropertyList& row : *items)
         readItem(row);
     if (const auto* disabled = array(*list.value, kDisabled)) {
@@ -101,22 +114,53 @@ void ItemList::readDisabled(const PropertyList& row) {
 
 bool ItemList::write() const {
     PropertyList::Array items;
-    for (const ItemRecord& item : items_)
+    for (const auto& [position, item] : items_)
         append(items, PropertyList::Dictionary{{kIdentifier, item.identifier},
                                                {kPath, storedPath(item.path)},
-                                               {kPosition, std::int64_t{item.position}}});
+                                               {kPosition, std::int64_t{position}}});
     PropertyList::Array disabled;
-    for (const DisabledBundle& bundle : disabled_)
+    for (const auto& [path, bundle] : disabled_)
         append(disabled, PropertyList::Dictionary{{kIdentifier, bundle.identifier},
-                                                  {kPath, storedPath(bundle.path)},
+                                                  {kPath, storedPath(path)},
                                                   {kVersion, bundle.version},
                                                   {kStep, bundle.step}});
     const auto bytes = propertyLists().serialize(PropertyList(PropertyList::Dictionary{
         {kItems, PropertyList(std::move(items))}, {kDisabled, PropertyList(std::move(disabled))}}));
+    if (bytes && bytes->size() > kMaximumBytes) {
+        logLine("cannot write the menu bar's items to %@: they need more than %d bytes", file_,
+                static_cast<int>(kMaximumBytes));
+        return false;
+    }
     const bool written = bytes && fileManager().writeFileAtomically(file_, *bytes);
     if (!written)
         logLine("cannot write the menu bar's items to %@", file_);
     return written;
+}
+
+bool ItemList::change(Change change) {
+    pending_.push_back(std::move(change));
+    if (pending_.size() > kMaximumPending)
+        pending_.erase(pending_.begin());
+    return flush();
+}
+
+void ItemList::changeLater(Change change) {
+    change(*this);
+    pending_.push_back(std::move(change));
+}
+
+bool ItemList::flush() {
+    if (pending_.empty())
+        return true;
+    const FileLock lock(lockFile());
+    read();
+    bool changed = false;
+    for (const Change& change : pending_)
+        changed = change(*this) || changed;
+    if (changed && !write())
+        return false;
+    pending_.clear();
+    return true;
 }
 
 std::string ItemList::storedPath(const std::string& path) const {
@@ -128,49 +172,63 @@ std::string ItemList::resolvedPath(std::string_view storedPath) const {
     return isName ? appendingPathComponent(ownItemsFolder_, storedPath) : std::string(storedPath);
 }
 
+std::vector<ItemRecord> ItemList::items() const {
+    std::vector<ItemRecord> items;
+    items.reserve(items_.size());
+    for (const auto& [position, item] : items_)
+        items.push_back(item);
+    return items;
+}
+
+const ItemRecord* ItemList::findItem(const std::string& identifier) const {
+    const auto found = byIdentifier_.find(identifier);
+    return found == byIdentifier_.end() ? nullptr : &found->second->second;
+}
+
 bool ItemList::insert(ItemRecord item) {
-    if (std::any_of(items_.begin(), items_.end(),
-                    [&](const ItemRecord& other) { return other.identifier == item.identifier; }))
+    if (byIdentifier_.contains(item.identifier))
         return false;
-    const auto next = std::find_if(items_.begin(), items_.end(), [&](const ItemRecord& other) {
-        return other.position > item.position;
-    });
-    items_.insert(next, std::move(item));
+    const std::int32_t position = item.position;
+    const auto inserted = items_.emplace(position, std::move(item));
+    byIdentifier_.emplace(inserted->second.identifier, inserted);
     return true;
 }
 
-bool ItemList::insertOrReplace(ItemRecord item) {
-    std::erase_if(items_, [&](const ItemRecord& other) {
-        return other.identifier == item.identifier && other.path != item.path;
-    });
-    return insert(std::move(item));
+void ItemList::insertOrReplace(ItemRecord item) {
+    removeItem(item.identifier);
+    insert(std::move(item));
 }
 
-bool ItemList::removeItem(std::string_view identifier) {
-    return std::erase_if(items_,
-                         [&](const ItemRecord& item) { return item.identifier == identifier; }) > 0;
-}
-
-void ItemList::removeBundle(std::string_view path) {
-    enable(path);
-    std::erase_if(items_, [&](const ItemRecord& item) { return item.path == path; });
+bool ItemList::removeItem(const std::string& identifier) {
+    const auto found = byIdentifier_.find(identifier);
+    if (found == byIdentifier_.end())
+        return false;
+    items_.erase(found->second);
+    byIdentifier_.erase(found);
+    return true;
 }
 
 const ItemList::DisabledBundle* ItemList::findDisabled(std::string_view path) const {
-    const auto found =
-        std::find_if(disabled_.begin(), disabled_.end(),
-                     [&](const DisabledBundle& bundle) { return bundle.path == path; });
-    return found == disabled_.end() ? nullptr : &*found;
+    const auto found = disabled_.find(path);
+    return found == disabled_.end() ? nullptr : &found->second;
 }
 
 void ItemList::disable(DisabledBundle bundle) {
-    enable(bundle.path);
-    disabled_.push_back(std::move(bundle));
+    std::string path = bundle.path;
+    disabled_.insert_or_assign(std::move(path), std::move(bundle));
 }
 
 bool ItemList::enable(std::string_view path) {
-    return std::erase_if(disabled_,
-                         [&](const DisabledBundle& bundle) { return bundle.path == path; }) > 0;
+    const auto found = disabled_.find(path);
+    if (found == disabled_.end())
+        return false;
+    disabled_.erase(found);
+    return true;
+}
+
+std::string ItemList::reason(const DisabledBundle& bundle) {
+    return bundle.step == kTurnedOff ? "it was turned off"
+                                     : "it crashed the menu bar (" + bundle.step + ")";
 }
 
 } // namespace apps

@@ -49,8 +49,7 @@ TEST(Admission, OfKindSystemDeclinesForeignItemsUntilMenuCrackerIsLoaded) {
     EXPECT_THAT(bar.identifiers(), ElementsAre(kOwnClock, kCracker, HalvexMenuID));
 
     bar.start({"--admit=system"});
-    EXPECT_THAT(bar.identifiers(),
-                testing::UnorderedElementsAre(kOwnClock, kCracker, HalvexMenuID));
+    EXPECT_THAT(bar.identifiers(), ElementsAre(kOwnClock, kCracker, HalvexMenuID));
     EXPECT_FALSE(bar.click(kCracker)) << "MenuCracker has no menu";
     EXPECT_EQ(bar.stop(), 0) << bar.log();
 }

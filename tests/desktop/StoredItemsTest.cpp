@@ -27,6 +27,14 @@ bool stores(const BarProcess& bar, const std::string& identifier, bool named = t
     });
 }
 
+QDBusMessage removal(std::uint32_t reference) {
+    auto message = QDBusMessage::createMethodCall(
+        "com.quorvanesoftware.MenuBar", "/com/quorvanesoftware/MenuBar",
+        "com.quorvanesoftware.MenuBar1", "RemoveMenuExtra");
+    message.setArguments({reference, 0});
+    return message;
+}
+
 TEST(StoredItems, AreRestoredInTheirOrderHoweverTheBarEnded) {
     BarProcess bar;
     ASSERT_TRUE(bar.loads(bar.install(HALVEX_TEST_EXTRA), kTestExtra, 7));
@@ -49,7 +57,7 @@ TEST(StoredItems, AreRestoredInTheirOrderHoweverTheBarEnded) {
     EXPECT_EQ(bar.log().find("is disabled"), std::string::npos) << "a kill is not a crash";
 }
 
-TEST(StoredItems, AreNeitherThoseOfTheCommandLineNorThoseWithoutABundle) {
+TEST(StoredItems, DoNotIncludeThoseOfTheCommandLineAndStayWithoutTheirBundle) {
     BarProcess bar;
     const std::string path = bar.install(HALVEX_TEST_EXTRA);
     ASSERT_TRUE(bar.loads(path, kTestExtra));
@@ -60,7 +68,64 @@ TEST(StoredItems, AreNeitherThoseOfTheCommandLineNorThoseWithoutABundle) {
     bar.start();
     EXPECT_THAT(bar.identifiers(), ElementsAre(kOwnClock));
     EXPECT_TRUE(bar.logs("cannot restore menu extra test.extra: no bundle at " + path));
+    bar.remove(kOwnClock);
+    bar.start();
+    EXPECT_THAT(bar.identifiers(), ElementsAre(kOwnClock)) << "the bar would be empty";
+    bar.install(HALVEX_TEST_EXTRA);
+    bar.start();
+    EXPECT_THAT(bar.identifiers(), ElementsAre(kTestExtra));
+    bar.remove(kTestExtra);
+    bar.start();
+    EXPECT_THAT(bar.identifiers(), ElementsAre()) << "the user has removed all items";
+}
+
+TEST(StoredItems, AreOnDiskBeforeTheReplyAndBeforeTheItemsCodeRuns) {
+    BarProcess bar;
+    const TestBundle extra{bar, "HangsWhenUnloaded"};
+    bar.add(extra.path);
+    bar.kill();
+    EXPECT_THAT(contents(listFile(bar)), HasSubstr(kTestExtra));
+    bar.start();
+    EXPECT_TRUE(bar.loads(extra.path, kTestExtra)) << "being loaded, it was disabled";
+    bar.remove(kOwnClock);
+    bar.kill();
+    bar.start();
+    EXPECT_THAT(bar.identifiers(), ElementsAre(kTestExtra));
+    bar.bus->connection().send(removal(bar.reference(kTestExtra)));
+    EXPECT_TRUE(bar.logs("hanging"));
+    bar.kill();
+    const auto written = fs::last_write_time(listFile(bar));
+    bar.start();
+    EXPECT_THAT(bar.identifiers(), ElementsAre());
+    EXPECT_EQ(bar.stop(), 0);
+    EXPECT_EQ(fs::last_write_time(listFile(bar)), written) << "restoring writes nothing";
+}
+
+TEST(StoredItems, OfTwoBarsWithTheSameHomeAreMerged) {
+    BarProcess bar;
+    const BarProcess other({}, {{"HOME", QString::fromStdString(bar.home())}});
+    EXPECT_TRUE(bar.loads(bar.install(HALVEX_TEST_EXTRA), kTestExtra, 1));
+    EXPECT_TRUE(other.loads(bar.install(HALVEX_TIME_MENU), HalvexMenuID, 2));
+    EXPECT_EQ(bar.remove(kOwnClock), 0);
+    bar.start();
+    EXPECT_THAT(bar.identifiers(), ElementsAre(kTestExtra, HalvexMenuID));
+}
+
+TEST(StoredItems, DoNotIncludeThoseThatCannotBeLoaded) {
+    BarProcess bar;
+    const TestBundle extra{bar, "ThrowsAtStart"};
+    for (int i = 0; i < 2; ++i)
+        EXPECT_EQ(bar.add(extra.path), 0);
+    EXPECT_TRUE(bar.logs("cannot load menu extra test.extra"));
     EXPECT_TRUE(stores(bar, kTestExtra, false));
+    extra.replaceInInfo("ThrowsAtStart", kFaultless);
+    EXPECT_TRUE(bar.loads(extra.path, kTestExtra));
+    extra.replaceInInfo(kFaultless, "ThrowsAtStart");
+    bar.start();
+    EXPECT_THAT(bar.identifiers(), ElementsAre(kOwnClock));
+    EXPECT_EQ(bar.add(extra.path), 0);
+    EXPECT_EQ(bar.stop(), 0);
+    EXPECT_TRUE(stores(bar, kTestExtra)) << "it was stored before";
 }
 
 TEST(StoredItems, ThatCrashTheBarAreDisabledUntilTheyAreAddedAgainOrUpdated) {

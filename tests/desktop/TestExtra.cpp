@@ -57,6 +57,7 @@ class TestExtra final : public HalvexMenuExtraBase {
     void willUnload() override {
         MenuExtraReference reference = 0;
         logLine("unloading: %d", CoreMenuExtraGetMenuExtra("test.extra", &reference));
+        failIf("WhenUnloaded");
         HalvexMenuExtraBase::willUnload();
     }
 
