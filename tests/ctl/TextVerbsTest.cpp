@@ -86,10 +86,10 @@ TEST(FeedbackVerb, ReportsTheSystemTimeZone) {
 TEST(FeedbackVerb, RejectsProductNamesThatMakeTheURLInvalid) {
     const Shell shell;
     const std::string bad = "Bad feedback URL: " + kAddress + "?Subject=";
-    for (const std::string product :
-         {"Halvex\"", "<Halvex>", "Halvex\\", "Halvex\t", "Halv\xC3\xA9x", "100%", "%4", "%G0",
-          "%0G", "Hal|vex", "Hal^vex", "Hal`vex"})
+    for (const std::string product : {"Halvex\"", "<Halvex>", "Halvex\\", "Halv\xC3\xA9x", "100%",
+                                      "%4", "%G0", "%0G", "Hal|vex", "Hal^vex", "Hal`vex"})
         shell.run({{"halvexctl feedback '" + product + "' --print", "", 1, bad + product + "%20"}});
+    shell.run({{"halvexctl feedback 'Halvex\t' --print", "", 1, bad + "Halvex\\t%20"}});
     shell.run({{R"(marks="azAZ09-._~/?#[]@!\$&'()*+,;=%aF"
             halvexctl feedback "$marks" --print | grep -cF "=$marks%20(null)%20")",
                 "1\n"},
