@@ -81,9 +81,10 @@ bool ItemCollection::remove(MenuExtraReference reference) {
 }
 
 void ItemCollection::unload(Item& item) {
+    // Unloaded after the pointers below are destroyed: they may call the item's code.
+    std::unique_ptr<LoadedCode> code = std::move(item.loaded.code);
     const std::weak_ptr<MenuExtra> extra = item.loaded.extra;
     const std::weak_ptr<MenuExtraView> view = item.extra().view();
-    std::unique_ptr<LoadedCode> code = std::move(item.loaded.code);
     item.widget.reset();
     item.loaded.extra.reset();
     sharedWorkspace().notificationCenter().removeExpiredObservers();
