@@ -52,7 +52,8 @@ class DynamicLoader : NonCopyable {
     /// that occur only when the code runs. Reports symbols that are defined only by this program as
     /// undefined. Starts a child process; takes a few milliseconds, at most 5 s.
     virtual bool preflight(const std::string& path, std::string& reason) const = 0;
-    /// Loads a shared object with RTLD_LOCAL and runs its initializers. Returns null and writes the
+    /// Loads a shared object with RTLD_LOCAL and runs its initializers, which must not throw: an
+    /// exception terminates the process. Returns null and writes the
     /// cause to @p reason if the file is truncated, is for another processor or cannot be loaded.
     virtual std::unique_ptr<LoadedCode> load(const std::string& path, std::string& reason) = 0;
 };

@@ -97,7 +97,9 @@ class PosixDynamicLoader final : public DynamicLoader {
         return reason.empty();
     }
 
-    std::unique_ptr<LoadedCode> load(const std::string& path, std::string& reason) override {
+    // noexcept: an exception from a static constructor would leave the system's loader locked.
+    std::unique_ptr<LoadedCode> load(const std::string& path,
+                                     std::string& reason) noexcept override {
         reason = headerError(path);
         if (!reason.empty())
             return nullptr;
