@@ -10,15 +10,20 @@
 namespace platform {
 namespace {
 
-thread_local std::string owner;
+const std::string kNoOwner;
+
+// A pointer, so that a signal handler can read it at any time.
+thread_local constinit const std::string* owner = nullptr;
 
 class OwnerScope : NonCopyable {
   public:
-    explicit OwnerScope(std::string name) : previous_(std::exchange(owner, std::move(name))) {}
-    ~OwnerScope() { owner = std::move(previous_); }
+    explicit OwnerScope(std::string name)
+        : name_(std::move(name)), previous_(std::exchange(owner, &name_)) {}
+    ~OwnerScope() { owner = previous_; }
 
   private:
-    std::string previous_;
+    const std::string name_;
+    const std::string* previous_;
 };
 
 void logException(const std::string& name, const std::string& type, const std::string& reason) {
@@ -29,7 +34,7 @@ void logException(const std::string& name, const std::string& type, const std::s
 } // namespace
 
 const std::string& currentOwner() {
-    return owner;
+    return owner ? *owner : kNoOwner;
 }
 
 bool runGuarded(const std::string& name, const std::function<void()>& code) {

@@ -12,6 +12,7 @@ bool runGuarded(const std::string& owner, const std::function<void()>& code);
 
 /// Returns the owner of the code that this thread is running; empty outside of runGuarded. Code
 /// that stores a handler also stores the current owner, to pass it to runGuarded later.
+/// Async-signal-safe.
 const std::string& currentOwner();
 
 } // namespace platform
