@@ -47,6 +47,7 @@ void HangTimer::start() {
     qApp->installEventFilter(this);
     connect(QAbstractEventDispatcher::instance(), &QAbstractEventDispatcher::aboutToBlock, this,
             &HangTimer::stop);
+    eventFilter(nullptr, nullptr); // items are loaded before the first event
 }
 
 bool HangTimer::eventFilter(QObject*, QEvent*) {
