@@ -14,7 +14,7 @@
 namespace apps {
 namespace {
 
-constexpr std::array kFatalSignals{SIGSEGV, SIGBUS, SIGILL, SIGFPE, SIGABRT};
+constexpr std::array kFatalSignals{SIGSEGV, SIGBUS, SIGILL, SIGFPE, SIGABRT, SIGTRAP, SIGSYS};
 
 struct State {
     CrashJournal& journal;
@@ -24,11 +24,13 @@ struct State {
 State* state = nullptr;
 
 void handleFatalSignal(int signal, siginfo_t* info, void* context) {
-    state->journal.recordFailure(Failure::Crash, interruptedAddress(context));
+    const bool isFault = info->si_code > 0; // otherwise a process sent the signal
+    if (isFault || info->si_pid == getpid())
+        state->journal.recordFailure(Failure::Crash, interruptedAddress(context));
     for (std::size_t i = 0; i < kFatalSignals.size(); ++i)
         sigaction(kFatalSignals[i], &state->previousActions[i], nullptr);
-    // A fault recurs when the handler returns. A signal sent by a program must be raised again.
-    if (info->si_code <= 0)
+    // A fault recurs when the handler returns. A signal that was sent must be raised again.
+    if (!isFault)
         raise(signal);
 }
 

@@ -12,12 +12,13 @@ class HangTimer;
 
 /// Handles the signals that end or interrupt the process because of a fault:
 ///
-/// - SIGSEGV, SIGBUS, SIGILL, SIGFPE, SIGABRT: records the failure and triggers the signal's
-///   previous action, for example a sanitizer's report.
+/// - SIGSEGV, SIGBUS, SIGILL, SIGFPE, SIGABRT, SIGTRAP, SIGSYS: records the failure, unless another
+///   process sent the signal, and triggers the signal's previous action, for example a sanitizer's
+///   report.
 /// - kHangSignal, which the watcher sends when the main thread hangs: records the failure and
-/// exits.
+///   exits.
 /// - SIGCONT: restarts the hang timer, because time in which the process was stopped does not
-/// count.
+///   count.
 ///
 /// A thread needs an alternate signal stack (see AlternateStack) for the handler to run after a
 /// stack overflow; the constructor gives the main thread one. At most one object, which must not be
