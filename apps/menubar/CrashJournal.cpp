@@ -144,8 +144,8 @@ std::optional<CrashJournal::Note> CrashJournal::takeLastNote() {
 }
 
 bool CrashJournal::exitsRepeatedly() const {
-    const auto age = std::chrono::milliseconds(now() - block_.exitTimes.back());
-    return age >= age.zero() && age < kRepetitionPeriod;
+    const std::int64_t time = block_.exitTimes.back();
+    return time <= now() && time > now() - kRepetitionPeriod.count();
 }
 
 void CrashJournal::add(const ItemRecord& item) {
