@@ -8,6 +8,9 @@
 #include "apps/menubar/CrashJournal.h"
 #include "platform/runtime/Guard.h"
 
+#include <algorithm>
+#include <array>
+#include <csignal>
 #include <cstdint>
 #include <cstdlib>
 #include <cstring>
@@ -15,6 +18,7 @@
 #include <memory>
 #include <pthread.h>
 #include <string>
+#include <sys/syscall.h>
 #include <unistd.h>
 
 namespace {
@@ -31,6 +35,29 @@ bool recordExit(const void* caller) {
            journal->recordFailure(apps::Failure::Exit, reinterpret_cast<std::uintptr_t>(caller));
 }
 
+// These may be called in signal handlers, where the original functions cannot be looked up.
+
+[[noreturn]] void exitImmediately(int status, const void* caller) {
+    recordExit(caller);
+    for (;;)
+        syscall(SYS_exit_group, status);
+}
+
+/// Ends this process if @p signal would and an item has sent it. The kernel may deliver the signal
+/// to another thread, where its handler could not identify the item.
+void exitInsteadOf(int signal, const void* caller) {
+    constexpr std::array kEndingSignals{SIGHUP, SIGINT, SIGQUIT, SIGKILL, SIGTERM};
+    const bool ends =
+        std::find(kEndingSignals.begin(), kEndingSignals.end(), signal) != kEndingSignals.end();
+    if (ends && recordExit(caller))
+        exitImmediately(EXIT_FAILURE, caller);
+}
+
+bool isPartOfQt(const void* address) {
+    Dl_info info{};
+    return dladdr(address, &info) != 0 && info.dli_fname && std::strstr(info.dli_fname, "libQt6");
+}
+
 /// A thread's function, and the owner of the code that created the thread.
 struct ThreadStart {
     std::string owner;
@@ -40,16 +67,10 @@ struct ThreadStart {
 
 void* runThread(void* data) {
     const std::unique_ptr<ThreadStart> start(static_cast<ThreadStart*>(data));
-    const apps::AlternateStack stack;
+    const auto stack = std::make_unique<apps::AlternateStack>(); // the thread's own may be small
     void* result = nullptr;
     platform::runGuarded(start->owner, [&] { result = start->function(start->argument); });
     return result;
-}
-
-/// The threads of Qt serve the whole bar, even if an item was the first to need one.
-bool isPartOfQt(const void* address) {
-    Dl_info info{};
-    return dladdr(address, &info) != 0 && info.dli_fname && std::strstr(info.dli_fname, "libQt6");
 }
 
 } // namespace
@@ -58,25 +79,20 @@ bool isPartOfQt(const void* address) {
 extern "C" {
 
 [[noreturn]] void _exit(int status) {
-    recordExit(__builtin_return_address(0));
-    static const auto function = original<void(int)>("_exit");
-    function(status);
-    std::abort(); // not reached
+    exitImmediately(status, __builtin_return_address(0));
 }
 
 [[noreturn]] void _Exit(int status) noexcept {
-    recordExit(__builtin_return_address(0));
-    static const auto function = original<void(int)>("_Exit");
-    function(status);
-    std::abort(); // not reached
+    exitImmediately(status, __builtin_return_address(0));
 }
 
 [[noreturn]] void exit(int status) noexcept {
     static const auto function = original<void(int)>("exit");
-    // In the middle of the item's code, the bar's own objects cannot be destroyed.
-    if (recordExit(__builtin_return_address(0)))
+    const void* caller = __builtin_return_address(0);
+    // Qt calls this when the display is gone, whichever item is running. If an item calls it, the
+    // bar's own objects cannot be destroyed in the middle of the item's code.
+    if (!isPartOfQt(caller) && recordExit(caller))
         _exit(status);
-    // Qt calls this when the display is gone.
     if (apps::CrashJournal* journal = apps::CrashJournal::current())
         journal->recordStop();
     function(status);
@@ -84,23 +100,21 @@ extern "C" {
 }
 
 int kill(pid_t process, int signal) noexcept {
-    if (process == getpid() && signal == SIGKILL)
-        recordExit(__builtin_return_address(0));
-    static const auto function = original<int(pid_t, int)>("kill");
-    return function(process, signal);
+    if (process == getpid())
+        exitInsteadOf(signal, __builtin_return_address(0));
+    return static_cast<int>(syscall(SYS_kill, process, signal));
 }
 
 int raise(int signal) noexcept {
-    if (signal == SIGKILL)
-        recordExit(__builtin_return_address(0));
-    static const auto function = original<int(int)>("raise");
-    return function(signal);
+    exitInsteadOf(signal, __builtin_return_address(0));
+    return static_cast<int>(syscall(SYS_tgkill, getpid(), gettid(), signal));
 }
 
 int pthread_create(pthread_t* thread, const pthread_attr_t* attributes, void* (*function)(void*),
                    void* argument) noexcept {
     static const auto create = original<decltype(pthread_create)>("pthread_create");
     const std::string& owner = platform::currentOwner();
+    // The threads of Qt serve the whole bar, even if an item was the first to need one.
     if (owner.empty() || isPartOfQt(__builtin_return_address(0)))
         return create(thread, attributes, function, argument);
     auto start = std::make_unique<ThreadStart>(ThreadStart{owner, function, argument});
