@@ -7,6 +7,7 @@
 #include "platform/qt/BarClient.h"
 #include "platform/values/Event.h"
 
+#include <algorithm>
 #include <filesystem>
 #include <map>
 #include <memory>
@@ -16,6 +17,7 @@
 
 using platform::MenuExtraReference;
 using platform::qt::BarClient;
+using platform::qt::KnownItem;
 
 namespace apps {
 namespace {
@@ -31,6 +33,28 @@ std::optional<MenuExtraReference> referenceOf(BarClient& bar, const std::string&
 
 ExitStatus notLoaded(const std::string& identifier) {
     return fail(identifier + ": the menu extra is not loaded");
+}
+
+/// Returns the first item for which @p member has this value, or std::nullopt.
+std::optional<KnownItem> findItem(BarClient& bar, std::string KnownItem::*member,
+                                  const std::string& value) {
+    const auto items = bar.items();
+    if (!items)
+        return std::nullopt;
+    const auto found = std::ranges::find(*items.value, value, member);
+    return found == items.value->end() ? std::nullopt : std::optional(*found);
+}
+
+/// Waits until the bar has loaded or refused the bundle at @p path.
+ExitStatus waitUntilLoaded(BarClient& bar, const std::string& path) {
+    std::optional<KnownItem> item;
+    const auto isDecided = [&] {
+        item = findItem(bar, &KnownItem::path, path);
+        return item && item->state != "not loaded";
+    };
+    if (!waitUntil(isDecided))
+        return fail(path + ": the menu bar did not load the bundle; see the bar's log");
+    return item->state == "loaded" ? ExitStatus::Success : fail(path + ": " + item->reason);
 }
 
 struct AddOptions {
@@ -55,10 +79,34 @@ ExitStatus add(const AddOptions& options) {
         return fail(*identifier + ": the menu extra is already loaded; remove it first");
     const auto url = platform::fileURLWithPath(path);
     const std::int32_t status = bar.addMenuExtra(url.value_or(""), options.position, 0, 0, 0, 0);
-    const auto isLoaded = [&] { return referenceOf(bar, *identifier).value_or(0) != 0; };
-    return status == 0 && waitUntil(isLoaded)
-               ? ExitStatus::Success
-               : fail(path + ": the menu bar did not load the bundle; see the bar's log");
+    if (status == 0 || status == static_cast<std::int32_t>(platform::MenuExtraStatus::Refused))
+        return waitUntilLoaded(bar, path);
+    return fail(path + ": the menu bar did not load the bundle; see the bar's log");
+}
+
+ExitStatus failIf(const std::string& reason) {
+    return reason.empty() ? ExitStatus::Success : fail(reason);
+}
+
+struct ChangeOptions {
+    std::string identifier;
+    std::int32_t position = 0;
+};
+
+ExitStatus move(const ChangeOptions& options) {
+    return failIf(BarClient().setPosition(options.identifier, options.position));
+}
+
+ExitStatus enable(const ChangeOptions& options) {
+    BarClient bar;
+    if (const std::string reason = bar.enable(options.identifier); !reason.empty())
+        return fail(reason);
+    const auto item = findItem(bar, &KnownItem::identifier, options.identifier);
+    return item ? waitUntilLoaded(bar, item->path) : notLoaded(options.identifier);
+}
+
+ExitStatus disable(const ChangeOptions& options) {
+    return failIf(BarClient().disable(options.identifier));
 }
 
 ExitStatus remove(const std::string& identifier) {
@@ -66,8 +114,11 @@ ExitStatus remove(const std::string& identifier) {
     const auto reference = referenceOf(bar, identifier);
     if (!reference)
         return ExitStatus::Failure;
-    if (*reference == 0)
-        return notLoaded(identifier);
+    if (*reference == 0) {
+        const auto item = findItem(bar, &KnownItem::identifier, identifier);
+        return item && item->state == "missing" ? failIf(bar.disable(identifier))
+                                                : notLoaded(identifier);
+    }
     const auto isUnloaded = [&] { return referenceOf(bar, identifier) == MenuExtraReference{0}; };
     return bar.removeMenuExtra(*reference, 0) == 0 && waitUntil(isUnloaded)
                ? ExitStatus::Success
@@ -94,11 +145,6 @@ ExitStatus click(const ClickOptions& options) {
     for (const std::string& modifier : options.modifiers)
         event.modifierFlags |= modifierMasks().at(modifier);
     BarClient bar;
-    const auto reference = referenceOf(bar, options.identifier);
-    if (!reference)
-        return ExitStatus::Failure;
-    if (*reference == 0)
-        return notLoaded(options.identifier);
     const auto handled = bar.click(options.identifier, event);
     if (!handled)
         return fail(handled.reason);
@@ -119,6 +165,22 @@ void addClickVerb(CLI::App& menubar, Task& task) {
     verb.add_option("--count", options->count, "2 for a double-click")->check(CLI::Range(1, 1000));
 }
 
+void addChangeVerbs(CLI::App& menubar, Task& task) {
+    const auto options = std::make_shared<ChangeOptions>();
+    const auto add = [&](const char* name, const char* description,
+                         ExitStatus (*change)(const ChangeOptions&)) {
+        CLI::App& verb = addVerb(menubar, task, name, description,
+                                 [options, change] { return change(*options); });
+        verb.add_option("IDENTIFIER", options->identifier, "The item")->required();
+        return &verb;
+    };
+    add("move", "Move an item", move)
+        ->add_option("POSITION", options->position, "0 is the rightmost position")
+        ->required();
+    add("enable", "Enable an item that is disabled, and load it", enable);
+    add("disable", "Unload an item and disable it", disable);
+}
+
 } // namespace
 
 void addBarItemVerbs(CLI::App& menubar, Task& task) {
@@ -135,6 +197,7 @@ void addBarItemVerbs(CLI::App& menubar, Task& task) {
         .add_option("IDENTIFIER", *identifier, "The item")
         ->required();
 
+    addChangeVerbs(menubar, task);
     addClickVerb(menubar, task);
 }
 

@@ -14,6 +14,7 @@
 using platform::PropertyList;
 using platform::qt::BarClient;
 using platform::qt::BarItem;
+using platform::qt::KnownItem;
 
 namespace apps {
 namespace {
@@ -60,8 +61,32 @@ ExitStatus list(bool json) {
     return json ? print(std::move(rows), Format::Json) : print(text);
 }
 
-ExitStatus snapshot(const std::string& file) {
-    const auto written = BarClient().snapshot(absolutePath(file));
+ExitStatus listKnown(bool json) {
+    const auto items = BarClient().items();
+    if (!items)
+        return fail(items.reason);
+    PropertyList::Array rows;
+    std::string text;
+    for (const KnownItem& item : *items.value) {
+        rows.emplace_back(PropertyList::Dictionary{{"identifier", item.identifier},
+                                                   {"path", item.path},
+                                                   {"position", item.position},
+                                                   {"width", item.width},
+                                                   {"version", item.version},
+                                                   {"name", item.name},
+                                                   {"own", item.isOwn},
+                                                   {"state", item.state},
+                                                   {"reason", item.reason}});
+        text += item.identifier + '\t' + item.path + '\t' + std::to_string(item.position) + '\t' +
+                item.state + (item.reason.empty() ? "" : ": " + item.reason) + '\n';
+    }
+    return json ? print(std::move(rows), Format::Json) : print(text);
+}
+
+ExitStatus snapshot(const std::string& file, const std::string& item) {
+    BarClient bar;
+    const std::string path = absolutePath(file);
+    const auto written = item.empty() ? bar.snapshot(path) : bar.snapshotItem(item, path);
     if (!written)
         return fail(written.reason);
     return *written.value ? ExitStatus::Success : fail(file + ": the picture cannot be written");
@@ -72,6 +97,7 @@ ExitStatus snapshot(const std::string& file) {
 void addMenuBarVerbs(CLI::App& commands, Task& task) {
     struct Options {
         std::string file;
+        std::string item;
         bool json = false;
     };
     const auto options = std::make_shared<Options>();
@@ -81,10 +107,14 @@ void addMenuBarVerbs(CLI::App& commands, Task& task) {
     CLI::App& listing = addVerb(bar, task, "list", "List the items by position, rightmost first",
                                 [options] { return list(options->json); });
     addJsonFlag(listing, options->json);
-    addVerb(bar, task, "snapshot", "Draw the bar into a PNG file",
-            [options] { return snapshot(options->file); })
-        .add_option("FILE", options->file, "The picture")
-        ->required();
+    CLI::App& knownItems =
+        addVerb(bar, task, "items", "List all known items and their states, loaded or not",
+                [options] { return listKnown(options->json); });
+    addJsonFlag(knownItems, options->json);
+    CLI::App& drawing = addVerb(bar, task, "snapshot", "Draw the bar into a PNG file",
+                                [options] { return snapshot(options->file, options->item); });
+    drawing.add_option("FILE", options->file, "The picture")->required();
+    drawing.add_option("--item", options->item, "Draw only the item with this identifier");
     addBarItemVerbs(bar, task);
 }
 

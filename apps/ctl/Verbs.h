@@ -32,7 +32,7 @@ void addPathVerbs(CLI::App& commands, Task& task);      ///< paths, themes, pict
 void addExtraVerbs(CLI::App& commands, Task& task);
 void addLocationVerbs(CLI::App& commands, Task& task);   ///< locations
 void addMenuBarVerbs(CLI::App& commands, Task& task);    ///< menubar
-void addBarItemVerbs(CLI::App& menubar, Task& task);     ///< menubar add, remove, click
+void addBarItemVerbs(CLI::App& menubar, Task& task);     ///< menubar add, remove, move, …
 void addWarningVerbs(CLI::App& commands, Task& task);    ///< warnings
 void addPaneVerbs(CLI::App& commands, Task& task);       ///< pane
 void addBackgroundVerbs(CLI::App& commands, Task& task); ///< prefs, background

@@ -1,29 +1,53 @@
 #include "apps/menubar/BarService.h"
 
+#include "apps/menubar/BarSnapshot.h"
 #include "apps/menubar/ItemRegistry.h"
 #include "apps/menubar/MenuBar.h"
 #include "platform/qt/BarNames.h"
 #include "platform/qt/Strings.h"
 
+#include <QDBusConnection>
 #include <QDBusMetaType>
+
+#include <utility>
 
 using platform::qt::BarItem;
 using platform::qt::kBarBusName;
+using platform::qt::kBarError;
 using platform::qt::kBarObjectPath;
+using platform::qt::KnownItem;
 using platform::qt::qString;
 
 namespace apps {
+namespace {
+
+/// Does nothing if @p reason is empty.
+void replyWithError(const QDBusMessage& message, const std::string& reason) {
+    if (reason.empty())
+        return;
+    message.setDelayedReply(true); // otherwise a second reply follows
+    QDBusConnection::sessionBus().send(message.createErrorReply(kBarError, qString(reason)));
+}
+
+} // namespace
 
 BarService::BarService(MenuBar& menuBar, ItemRegistry& registry)
     : QDBusAbstractAdaptor(&menuBar), menuBar_(menuBar), registry_(registry),
       busName_(kBarBusName) {
     qDBusRegisterMetaType<BarItem>();
     qDBusRegisterMetaType<QList<BarItem>>();
+    qDBusRegisterMetaType<KnownItem>();
+    qDBusRegisterMetaType<QList<KnownItem>>();
     connect(&menuBar.items(), &ItemCollection::added, this,
             [this](const Item& item) { emit MenuExtraLoaded(qString(item.identifier())); });
     connect(&menuBar.items(), &ItemCollection::removed, this, [this](const ItemRecord& record) {
         emit MenuExtraUnloaded(qString(record.identifier));
     });
+    connect(&registry, &ItemRegistry::refused, this,
+            [this](const std::string& path, const std::string& reason) {
+                emit MenuExtraRefused(qString(path), qString(reason));
+            });
+    connect(&registry, &ItemRegistry::itemsChanged, this, &BarService::announceChange);
 }
 
 BusName::Claim BarService::registerOnBus() {
@@ -52,14 +76,67 @@ QList<BarItem> BarService::ListMenuExtras() {
 }
 
 bool BarService::Click(const QString& identifier, uint modifierFlags, int clickCount,
-                       int buttonNumber) {
-    return menuBar_.click(
-        identifier.toStdString(),
-        {.modifierFlags = modifierFlags, .clickCount = clickCount, .buttonNumber = buttonNumber});
+                       int buttonNumber, const QDBusMessage& message) {
+    bool handled = false;
+    replyWithError(message, click(identifier.toStdString(),
+                                  {.modifierFlags = modifierFlags,
+                                   .clickCount = clickCount,
+                                   .buttonNumber = buttonNumber},
+                                  handled));
+    return handled;
+}
+
+/// Returns why the click had no effect, or an empty string.
+std::string BarService::click(const std::string& identifier, const platform::Event& event,
+                              bool& handled) {
+    const Item* item = menuBar_.items().find(identifier);
+    const bool wasMenuDown = item && item->extra().isMenuDown();
+    handled = menuBar_.click(identifier, event);
+    if (!item)
+        return identifier + ": the menu extra is not loaded";
+    if (handled || wasMenuDown || item->extra().isMenuDown())
+        return {};
+    return menuBar_.hasRequestedMenu()
+               ? identifier + ": the menu extra has no menu"
+               : identifier + ": the menu extra raised an exception; see the bar's log";
 }
 
 bool BarService::Snapshot(const QString& path) {
     return menuBar_.snapshot(path.toStdString());
+}
+
+QList<KnownItem> BarService::Items() {
+    const auto items = registry_.knownItems();
+    return {items.begin(), items.end()};
+}
+
+bool BarService::SnapshotItem(const QString& identifier, const QString& path,
+                              const QDBusMessage& message) {
+    const std::string name = identifier.toStdString();
+    if (const Item* item = menuBar_.items().find(name))
+        return writeSnapshot(*item->widget, nullptr, path.toStdString());
+    replyWithError(message, name + ": the menu extra is not loaded");
+    return false;
+}
+
+void BarService::SetPosition(const QString& identifier, int position, const QDBusMessage& message) {
+    replyWithError(message, registry_.setPosition(identifier.toStdString(), position));
+}
+
+void BarService::Enable(const QString& identifier, bool on, const QDBusMessage& message) {
+    const std::string name = identifier.toStdString();
+    replyWithError(message, on ? registry_.enable(name) : registry_.disable(name));
+}
+
+/// Sends one signal for all changes up to the next iteration of the main loop.
+void BarService::announceChange() {
+    if (std::exchange(changeAnnounced_, true))
+        return;
+    const auto send = [this] {
+        changeAnnounced_ = false;
+        emit ItemsChanged();
+    };
+    QMetaObject::invokeMethod(this, send, Qt::QueuedConnection);
 }
 
 } // namespace apps

@@ -2,10 +2,14 @@
 
 #include "apps/support/BusName.h"
 #include "platform/qt/BarItem.h"
+#include "platform/values/Event.h"
 
 #include <QDBusAbstractAdaptor>
+#include <QDBusMessage>
 #include <QList>
 #include <QString>
+
+#include <string>
 
 namespace apps {
 
@@ -30,14 +34,27 @@ class BarService final : public QDBusAbstractAdaptor {
     int AddMenuExtra(const QString& url, int position, int zero1, int zero2, int zero3, int zero4);
     int RemoveMenuExtra(uint reference, int flags);
     QList<platform::qt::BarItem> ListMenuExtras();
-    bool Click(const QString& identifier, uint modifierFlags, int clickCount, int buttonNumber);
     bool Snapshot(const QString& path);
+    QList<platform::qt::KnownItem> Items();
+
+    // These reply with the error platform::qt::kBarError if they fail.
+    bool Click(const QString& identifier, uint modifierFlags, int clickCount, int buttonNumber,
+               const QDBusMessage& message);
+    bool SnapshotItem(const QString& identifier, const QString& path, const QDBusMessage& message);
+    void SetPosition(const QString& identifier, int position, const QDBusMessage& message);
+    void Enable(const QString& identifier, bool on, const QDBusMessage& message);
 
   signals:
     void MenuExtraLoaded(const QString& identifier);
     void MenuExtraUnloaded(const QString& identifier);
+    void MenuExtraRefused(const QString& path, const QString& reason);
+    void ItemsChanged();
 
   private:
+    void announceChange();
+    std::string click(const std::string& identifier, const platform::Event& event, bool& handled);
+
+    bool changeAnnounced_ = false;
     MenuBar& menuBar_;
     ItemRegistry& registry_;
     BusName busName_;

@@ -36,6 +36,8 @@ class MenuBar final : public QObject, public platform::MenuExtraHost, public pla
     /// if the click opened or closed the item's menu. Also returns false, and logs, if the item is
     /// not loaded or its code throws.
     bool click(std::string_view identifier, const platform::Event& event);
+    /// Returns whether the last click requested the item's menu.
+    bool hasRequestedMenu() const { return menuRequested_; }
 
     /// Saves an image of the bar and the open menu; see apps::writeSnapshot.
     bool snapshot(const std::string& path);

@@ -44,6 +44,8 @@ BarClient::Reply BarClient::call(const char* member, const QVariantList& argumen
         recordHang();
         return {std::nullopt, kHanging};
     }
+    if (reply.errorName() == kBarError)
+        return {std::nullopt, reply.errorMessage().toStdString()};
     if (reply.type() != QDBusMessage::ReplyMessage)
         return {std::nullopt, "cannot call the menu bar: " + reply.errorMessage().toStdString()};
     if (reply.signature() != signature)
@@ -118,16 +120,25 @@ BarReply<std::uint32_t> BarClient::processIdentifier() {
     return {reply.arguments().at(0).toUInt(), {}};
 }
 
-BarReply<std::vector<BarItem>> BarClient::listMenuExtras() {
-    const Reply reply = call("ListMenuExtras", {}, "a(ssid)");
+template <class Row>
+BarReply<std::vector<Row>> BarClient::callForRows(const char* member, const char* signature) {
+    const Reply reply = call(member, {}, signature);
     if (!reply)
         return {std::nullopt, reply.reason};
-    std::vector<BarItem> items;
+    std::vector<Row> items;
     const auto rows = reply.value->at(0).value<QDBusArgument>();
     rows.beginArray();
     while (!rows.atEnd())
         rows >> items.emplace_back();
     return {std::move(items), {}};
+}
+
+BarReply<std::vector<BarItem>> BarClient::listMenuExtras() {
+    return callForRows<BarItem>("ListMenuExtras", "a(ssid)");
+}
+
+BarReply<std::vector<KnownItem>> BarClient::items() {
+    return callForRows<KnownItem>("Items", "a(sa{sv})");
 }
 
 BarReply<bool> BarClient::click(const std::string& identifier, const Event& event) {
@@ -137,6 +148,22 @@ BarReply<bool> BarClient::click(const std::string& identifier, const Event& even
 
 BarReply<bool> BarClient::snapshot(const std::string& path) {
     return callForBool("Snapshot", {qString(path)});
+}
+
+BarReply<bool> BarClient::snapshotItem(const std::string& identifier, const std::string& path) {
+    return callForBool("SnapshotItem", {qString(identifier), qString(path)});
+}
+
+std::string BarClient::setPosition(const std::string& identifier, std::int32_t position) {
+    return call("SetPosition", {qString(identifier), position}, "").reason;
+}
+
+std::string BarClient::enable(const std::string& identifier) {
+    return call("Enable", {qString(identifier), true}, "").reason;
+}
+
+std::string BarClient::disable(const std::string& identifier) {
+    return call("Enable", {qString(identifier), false}, "").reason;
 }
 
 BarReply<bool> BarClient::callForBool(const char* member, const QVariantList& arguments) {

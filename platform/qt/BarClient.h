@@ -57,12 +57,25 @@ class BarClient final : public MenuExtraServer {
     bool hasBus();
     /// Returns the bar's items, rightmost first.
     BarReply<std::vector<BarItem>> listMenuExtras();
-    /// Clicks an item. Returns whether the item handled the click itself rather than opening its
-    /// menu; false also if the item is not loaded.
+    /// Returns all items that the bar knows, those loaded first.
+    BarReply<std::vector<KnownItem>> items();
+    /// Clicks an item. Returns whether the item handled the click itself rather than opening or
+    /// closing its menu. Fails if the item is not loaded, has no menu, or raises an exception.
     BarReply<bool> click(const std::string& identifier, const Event& event);
     /// Makes the bar save an image of itself and its open menu, if any, as PNG at an absolute path.
     /// Returns whether the image was saved.
     BarReply<bool> snapshot(const std::string& path);
+    /// Makes the bar save an image of one item. Fails if the item is not loaded.
+    BarReply<bool> snapshotItem(const std::string& identifier, const std::string& path);
+
+    // These return why they failed, human-readable, or an empty string.
+
+    /// Moves an item to the left of those with the same position.
+    std::string setPosition(const std::string& identifier, std::int32_t position);
+    /// Enables an item. The bar loads it after it has replied.
+    std::string enable(const std::string& identifier);
+    /// Unloads an item and disables it, or forgets it if its bundle is missing.
+    std::string disable(const std::string& identifier);
 
   private:
     using Reply = BarReply<QList<QVariant>>;
@@ -71,6 +84,8 @@ class BarClient final : public MenuExtraServer {
     Reply callLogged(const char* member, const QList<QVariant>& arguments, const char* signature);
     bool isHanging();
     void recordHang();
+    template <class Row>
+    BarReply<std::vector<Row>> callForRows(const char* member, const char* signature);
     BarReply<bool> callForBool(const char* member, const QList<QVariant>& arguments);
 
     BusConnection bus_;

@@ -27,6 +27,8 @@ TEST(ExtraVerbs, TurnTheClockOnAndOffInTheRealBar) {
     const std::string clock = "com.quorvanesoftware.HalvexProMenu";
     const std::string ownClock = "com.apple.menuextra.clock";
     const std::string copy = "\"$user/Menu Extras/HalvexTimeMenu.menu\"";
+    const std::string items = "halvexctl menubar items | grep '^" + clock +
+                              ".*Menu Extras/' | cut -f3- | cut -d/ -f1 | tr '\\t' ' '";
     shell.run(
         {{"halvexctl pane install >path", ""},
          {"halvexctl menubar start && halvexctl menubar start", ""}, // already running
@@ -48,6 +50,22 @@ TEST(ExtraVerbs, TurnTheClockOnAndOffInTheRealBar) {
          {list, clock + "\n" + ownClock + "\n"},
          {"halvexctl menubar remove " + clock + " && " + list, ownClock + "\n"},
          {"halvexctl menubar add root", "", 1, "/root: "},
+         {"halvexctl menubar add \"$pane/Contents/PlugIns/HalvexTimeMenu.menu\" 2>&1 | "
+          "grep -o 'HalvexTimeMenu.menu: it is not in'",
+          "HalvexTimeMenu.menu: it is not in\n"},
+         {"halvexctl menubar add " + copy, ""},
+         {"halvexctl menubar move " + clock + " -1 && " + list, clock + "\n" + ownClock + "\n"},
+         {"halvexctl menubar disable " + clock + " && " + list, ownClock + "\n"},
+         {items, "-1 disabled: it was turned off\n"},
+         {"halvexctl menubar enable " + clock + " && " + items, "-1 loaded\n"},
+         {"halvexctl menubar snapshot item.png --item " + clock, ""},
+         {"halvexctl menubar snapshot item.png --item no.such.item", "", 1,
+          "halvexctl: no.such.item: the menu extra is not loaded\n"},
+         {"halvexctl menubar disable " + clock + " && rm -r " + copy + " && " + items,
+          "-1 missing: no bundle at \n"},
+         {"halvexctl menubar remove " + clock + " && " + items, ""},
+         {"halvexctl menubar remove " + clock, "", 1,
+          "halvexctl: " + clock + ": the menu extra is"},
          {"halvexctl menubar stop", ""},
          {"halvexctl menubar stop", "", 1, "halvexctl: no menu bar is running\n"}});
 }

@@ -21,8 +21,8 @@ TEST(Bar, IsTheOnlyOneOnItsBusExportsItsInterfaceAndExitsWithTheBus) {
              "/com/quorvanesoftware/MenuBar", "org.freedesktop.DBus.Introspectable.Introspect"},
             "dbus-send");
     for (const std::string part :
-         {"type=\"a(ssid)\" direction=\"out\"", "signal name=\"MenuExtraLoaded\"",
-          "signal name=\"MenuExtraUnloaded\""})
+         {"type=\"a(ssid)\" direction=\"out\"", "type=\"a(sa{sv})\" direction=\"out\"",
+          "signal name=\"MenuExtraLoaded\"", "signal name=\"MenuExtraUnloaded\""})
         EXPECT_TRUE(bar.logs(part)) << part;
     bar.bus->kill();
     EXPECT_EQ(bar.waitForExit(), 0) << bar.log();
@@ -86,7 +86,7 @@ TEST(Bar, AnswersInvalidArgumentsWithAStatusAndALogLine) {
         {"AddMenuExtra", {"/no/url.menu", 999, 0, 0, 0, 0}, -50, "/no/url.menu"},
         {"RemoveMenuExtra", {4711U, 0}, -1, "unknown reference 4711"},
         {"RemoveMenuExtra", {0U, 0}, -1, "unknown reference 0"},
-        {"Click", {"no.such.item", 0U, 1, 0}, false, "no.such.item: it is not loaded"},
+        {"Click", {"no.such.item", 0U, 1, 0}, {}, "no.such.item: it is not loaded"},
         {"Snapshot", {"relative.png"}, false, "relative.png is not the absolute path"},
         {"Snapshot", {"/no/such/bar.png"}, false, "cannot write snapshot /no/such/bar.png"},
     };
