@@ -5,29 +5,44 @@
 
 #include <QFileInfo>
 #include <QImage>
+#include <QMenu>
 #include <QPainter>
 #include <QPixmap>
 #include <QSaveFile>
 #include <QWidget>
+
+#include <vector>
 
 using platform::logLine;
 
 namespace apps {
 namespace {
 
+/// Returns the menu and its open submenus, in the order in which they overlap.
+std::vector<QWidget*> openMenus(QWidget* menu) {
+    std::vector<QWidget*> menus{menu};
+    for (QMenu* submenu : menu->findChildren<QMenu*>())
+        if (submenu->isVisible())
+            menus.push_back(submenu);
+    return menus;
+}
+
 QImage draw(QWidget& bar, QWidget* openMenu) {
     const QPixmap barPicture = bar.grab();
     if (!openMenu)
         return barPicture.toImage();
-    const QPoint offset = openMenu->pos() - bar.pos();
-    const QRect area = bar.rect().united(QRect(offset, openMenu->size()));
+    const auto menus = openMenus(openMenu);
+    QRect area = bar.geometry();
+    for (const QWidget* menu : menus)
+        area |= menu->geometry();
     const double scale = barPicture.devicePixelRatio();
     QImage image((QSizeF(area.size()) * scale).toSize(), QImage::Format_ARGB32_Premultiplied);
     image.setDevicePixelRatio(scale);
     image.fill(Qt::transparent);
     QPainter painter(&image);
-    painter.drawPixmap(-area.topLeft(), barPicture);
-    painter.drawPixmap(offset - area.topLeft(), openMenu->grab());
+    painter.drawPixmap(bar.pos() - area.topLeft(), barPicture);
+    for (QWidget* menu : menus)
+        painter.drawPixmap(menu->pos() - area.topLeft(), menu->grab());
     return image;
 }
 

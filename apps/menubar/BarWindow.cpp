@@ -4,7 +4,7 @@
 #include "apps/menubar/ItemWidget.h"
 #include "apps/menubar/X11Dock.h"
 
-#include <QGuiApplication>
+#include <QApplication>
 #include <QPainter>
 #include <QScreen>
 #include <QWindow>
@@ -15,6 +15,13 @@ namespace apps {
 namespace {
 
 constexpr int kRightMargin = 4; // points between the rightmost item and the edge of the screen
+
+/// Closes the open menu, the innermost submenu first: it would stay where its item was.
+void closeMenus() {
+    while (QWidget* menu = QApplication::activePopupWidget())
+        if (!menu->close())
+            return;
+}
 
 } // namespace
 
@@ -49,6 +56,7 @@ void BarWindow::dock() {
     QScreen* screen = QGuiApplication::primaryScreen();
     if (!screen)
         return;
+    closeMenus();
     windowHandle()->setScreen(screen);
     const QRect area = screen->geometry();
     setGeometry(area.left(), area.top(), area.width(), kBarHeight);
@@ -68,6 +76,11 @@ void BarWindow::placeItems(const std::vector<ItemWidget*>& items) {
 
 void BarWindow::resizeEvent(QResizeEvent*) {
     placeItems(std::vector(items_));
+}
+
+// Not in closeEvent, which Qt also calls to end the application.
+bool BarWindow::nativeEvent(const QByteArray&, void* message, qintptr*) {
+    return X11Dock::isCloseRequest(message);
 }
 
 void BarWindow::paintEvent(QPaintEvent*) {

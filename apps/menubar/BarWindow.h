@@ -9,7 +9,8 @@ namespace apps {
 class ItemWidget;
 
 /// The dock along the top of the primary screen. Adapts to changes of the screen's size, and moves
-/// when another screen becomes primary.
+/// when another screen becomes primary; both close an open menu. Ignores the window manager's
+/// requests to close it.
 class BarWindow final : public QWidget {
     Q_OBJECT
 
@@ -24,6 +25,7 @@ class BarWindow final : public QWidget {
   protected:
     void paintEvent(QPaintEvent* event) override;
     void resizeEvent(QResizeEvent* event) override;
+    bool nativeEvent(const QByteArray& type, void* message, qintptr* result) override;
 
   private:
     void followScreen();

@@ -71,4 +71,12 @@ void X11Dock::reserveTop(QWindow& window, const QScreen& screen, int height) {
     xcb_flush(x11Connection());
 }
 
+bool X11Dock::isCloseRequest(const void* event) {
+    xcb_connection_t* x = x11Connection();
+    const auto* message = static_cast<const xcb_client_message_event_t*>(event);
+    return x && (message->response_type & 0x7F) == XCB_CLIENT_MESSAGE &&
+           message->type == x11Atom(x, "WM_PROTOCOLS") &&
+           message->data.data32[0] == x11Atom(x, "WM_DELETE_WINDOW");
+}
+
 } // namespace apps

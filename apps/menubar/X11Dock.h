@@ -15,6 +15,9 @@ class X11Dock {
     static void makeDock(QWindow& window);
     /// Reserves the top @p height points of @p screen. Call it again when the screen changes.
     static void reserveTop(QWindow& window, const QScreen& screen, int height);
+    /// Returns whether @p event, the message of a QWidget::nativeEvent, is the window manager's
+    /// request to close the window.
+    static bool isCloseRequest(const void* event);
 };
 
 } // namespace apps

@@ -16,8 +16,9 @@ using namespace platform;
 
 namespace {
 
-/// Handles Shift-clicks itself, logs every click, and has a menu with two items. The name of the
-/// principal class selects a fault and when it occurs, for example "ThrowsWhenClicked".
+/// Handles Shift-clicks itself, logs every click, and has a menu with two items and a submenu
+/// between them. The name of the principal class selects a fault and when it occurs, for example
+/// "ThrowsWhenClicked".
 class TestExtra final : public HalvexMenuExtraBase {
   public:
     explicit TestExtra(std::string fault) : fault_(std::move(fault)) {}
@@ -36,6 +37,10 @@ class TestExtra final : public HalvexMenuExtraBase {
         menu_ = std::make_shared<Menu>();
         menu_->addItem(
             "Choose", [](MenuItem&) { logLine("chosen"); }, weak_from_this());
+        more_ = std::make_shared<Menu>();
+        more_->addItem(
+            "Nested item with a long title", [](MenuItem&) {}, weak_from_this());
+        menu_->addItem("More", {}, weak_from_this()).setSubmenu(more_);
         menu_->addItem(
             "Fail", [](MenuItem&) { throw 5; }, weak_from_this());
         return shared_from_this();
@@ -88,6 +93,7 @@ class TestExtra final : public HalvexMenuExtraBase {
 
     std::string fault_;
     std::unique_ptr<Watch> ticks_;
+    std::shared_ptr<Menu> more_;
 };
 
 } // namespace

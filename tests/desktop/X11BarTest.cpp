@@ -62,4 +62,34 @@ TEST(X11Bar, SurvivesKeysThatArriveWhileMenusSwitch) {
     EXPECT_EQ(bar.stop(), 0) << bar.log();
 }
 
+TEST(X11Bar, IgnoresRequestsToClose) {
+    const XServer x;
+    BarProcess bar({}, x.settings());
+    x.requestClose();
+    x.act({"mousemove", "1", "1"}); // the bar handles this round trip after the request
+    EXPECT_FALSE(bar.picture().isNull());
+    EXPECT_TRUE(bar.isRunning());
+    EXPECT_EQ(bar.stop(), 0) << bar.log();
+}
+
+TEST(X11Bar, DrawsOpenSubmenus) {
+    const XServer x;
+    BarProcess bar({HALVEX_TEST_EXTRA}, x.settings());
+    const auto paintedPixels = [&] {
+        const QImage picture = bar.picture();
+        int count = 0;
+        for (int y = 0; y < picture.height(); ++y)
+            for (int column = 0; column < picture.width(); ++column)
+                count += qAlpha(picture.pixel(column, y)) > 0 ? 1 : 0;
+        return count;
+    };
+    const int closed = paintedPixels();
+    x.clickAt(kAtItem);
+    ASSERT_TRUE(eventually([&] { return paintedPixels() > closed; }));
+    const int menu = paintedPixels();
+    x.act({"key", "Down", "Down", "Right"});
+    EXPECT_TRUE(eventually([&] { return paintedPixels() > menu + 1000; }));
+    EXPECT_EQ(bar.stop(), 0) << bar.log();
+}
+
 } // namespace

@@ -86,6 +86,21 @@ class XServer {
         }
         return {};
     }
+    /// Asks all windows to close, as a window manager does.
+    void requestClose() const {
+        const auto tree =
+            owned(xcb_query_tree_reply(connection_, xcb_query_tree(connection_, root_), nullptr));
+        for (int i = 0; i < xcb_query_tree_children_length(tree.get()); ++i) {
+            xcb_client_message_event_t event{};
+            event.response_type = XCB_CLIENT_MESSAGE;
+            event.format = 32;
+            event.window = xcb_query_tree_children(tree.get())[i];
+            event.type = atom("WM_PROTOCOLS");
+            event.data.data32[0] = atom("WM_DELETE_WINDOW");
+            xcb_send_event(connection_, 0, event.window, 0, reinterpret_cast<char*>(&event));
+        }
+        xcb_flush(connection_);
+    }
     /// Runs xdotool and returns its output.
     QString act(const QStringList& arguments) const {
         QProcess xdotool;
