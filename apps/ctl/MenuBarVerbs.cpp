@@ -7,6 +7,7 @@
 
 #include <cerrno>
 #include <csignal>
+#include <cstdint>
 #include <memory>
 #include <string>
 #include <system_error>
@@ -18,6 +19,8 @@ using platform::qt::KnownItem;
 
 namespace apps {
 namespace {
+
+constexpr int kPatience = 2; // seconds
 
 ExitStatus start() {
     BarClient bar;
@@ -33,16 +36,31 @@ ExitStatus start() {
                : fail("the menu bar did not start: it is not on the session bus");
 }
 
+/// Returns whether SIGTERM could be sent. Otherwise prints the reason.
+bool terminate(std::uint32_t process) {
+    if (::kill(static_cast<pid_t>(process), SIGTERM) == 0)
+        return true;
+    printError("the menu bar cannot be stopped: " + std::generic_category().message(errno));
+    return false;
+}
+
 ExitStatus stop() {
     BarClient bar;
     const auto process = bar.processIdentifier().value;
     if (!process)
         return fail("no menu bar is running");
-    if (::kill(static_cast<pid_t>(*process), SIGTERM) != 0)
-        return fail("the menu bar cannot be stopped: " + std::generic_category().message(errno));
-    return waitUntil([&] { return bar.processIdentifier().value != process; })
-               ? ExitStatus::Success
-               : fail("the menu bar did not exit: it is still on the session bus");
+    const auto hasExited = [&] { return bar.processIdentifier().value != process; };
+    if (!terminate(*process))
+        return ExitStatus::Failure;
+    if (waitUntil(hasExited, kPatience))
+        return ExitStatus::Success;
+    // A bar that hangs exits immediately at a second signal, without unloading its items.
+    if (!terminate(*process) && !hasExited())
+        return ExitStatus::Failure;
+    if (!waitUntil(hasExited))
+        return fail("the menu bar did not exit: it is still on the session bus");
+    printError("the menu bar did not respond and was forced to exit");
+    return ExitStatus::Success;
 }
 
 ExitStatus list(bool json) {

@@ -7,6 +7,7 @@
 #include <gmock/gmock.h>
 
 #include <chrono>
+#include <csignal>
 #include <future>
 
 using platform::qt::BarClient;
@@ -110,6 +111,25 @@ TEST(BarClient, NoticesABarThatHangsOrDiesDuringALoad) {
     extra.replaceInInfo("HangsAtStart", kFaultless);
     bar.start();
     EXPECT_EQ(get(client), 0) << "the client finds the new bar";
+}
+
+volatile std::sig_atomic_t terminations = 0;
+
+/// This process is the bar. It does not respond to the first signal.
+TEST(HalvexctlStop, SendsASecondSignalToABarThatHangsAndReportsIt) {
+    const auto previous = std::signal(SIGTERM, [](int) { terminations = terminations + 1; });
+    const PrivateBus bus;
+    bus.connection().registerService("com.quorvanesoftware.MenuBar");
+    QProcess ctl;
+    ctl.setProcessEnvironment(environmentWith({{"DBUS_SESSION_BUS_ADDRESS", bus.address()}}));
+    ctl.start(HALVEX_CTL, {"menubar", "stop"});
+    EXPECT_TRUE(eventually([] { return terminations == 2; }));
+    bus.connection().unregisterService("com.quorvanesoftware.MenuBar");
+    EXPECT_TRUE(ctl.waitForFinished(5000));
+    EXPECT_EQ(ctl.exitCode(), 0);
+    EXPECT_EQ(ctl.readAllStandardError(),
+              "halvexctl: the menu bar did not respond and was forced to exit\n");
+    std::signal(SIGTERM, previous);
 }
 
 } // namespace
