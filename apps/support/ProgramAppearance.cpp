@@ -5,6 +5,7 @@
 #include <QDBusMessage>
 #include <QDBusPendingCallWatcher>
 #include <QDBusPendingReply>
+#include <QDBusServiceWatcher>
 #include <QPalette>
 
 namespace apps {
@@ -38,12 +39,21 @@ void ProgramAppearance::followDesktop() {
     auto bus = QDBusConnection::sessionBus();
     if (!bus.isConnected())
         return;
-    bus.connect(kService, kPath, kInterface, "SettingChanged", this,
-                SLOT(settingChanged(QDBusMessage)));
+    // From any sender: for a named one, Qt would wait for a reply of the bus.
+    bus.connect({}, kPath, kInterface, "SettingChanged", this, SLOT(settingChanged(QDBusMessage)));
+    auto* watcher =
+        new QDBusServiceWatcher(kService, bus, QDBusServiceWatcher::WatchForRegistration, this);
+    connect(watcher, &QDBusServiceWatcher::serviceRegistered, this,
+            &ProgramAppearance::readSetting);
+    readSetting();
+}
+
+void ProgramAppearance::readSetting() {
     auto message = QDBusMessage::createMethodCall(kService, kPath, kInterface, "Read");
     message << kGroup << kKey;
     message.setAutoStartService(false);
-    auto* call = new QDBusPendingCallWatcher(bus.asyncCall(message), this);
+    auto* call =
+        new QDBusPendingCallWatcher(QDBusConnection::sessionBus().asyncCall(message), this);
     connect(call, &QDBusPendingCallWatcher::finished, this, [call] {
         const QDBusPendingReply<QDBusVariant> reply = *call;
         if (reply.isValid())

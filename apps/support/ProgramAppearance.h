@@ -10,7 +10,7 @@ namespace apps {
 /// Applies an appearance to the program. With Appearance::Desktop, follows the desktop's
 /// "color-scheme" setting, read from the settings portal, until this object is destroyed. If the
 /// palette of Qt's platform theme is already dark, it is left unchanged. Does not start the portal;
-/// if it is not running, the palette is not changed. Main thread only.
+/// the setting is read whenever the portal appears on the bus. Main thread only.
 class ProgramAppearance final : public QObject {
     Q_OBJECT
 
@@ -23,6 +23,7 @@ class ProgramAppearance final : public QObject {
 
   private:
     void followDesktop();
+    void readSetting();
     static void applyColorScheme(uint scheme);
 };
 

@@ -55,15 +55,21 @@ TEST(Bar, LetsAnItemRemoveItselfAndOthers) {
 }
 
 TEST(Bar, FollowsTheColourSchemeOfTheDesktop) {
+    const char* service = "org.freedesktop.portal.Desktop";
     const char* path = "/org/freedesktop/portal/desktop";
     const QVariantList setting{"org.freedesktop.appearance", "color-scheme"};
     const auto variant = [](uint v) { return QVariant::fromValue(QDBusVariant(v)); };
     const auto bus = std::make_shared<PrivateBus>();
-    const FakeService portal(
-        bus->connection(), "org.freedesktop.portal.Desktop", path, [&](const QDBusMessage& call) {
-            return call.arguments() == setting ? QVariant::fromValue(QDBusVariant(variant(1)))
-                                               : QVariant();
-        });
+    uint current = 1;
+    const auto portal = [&] {
+        return std::make_unique<FakeService>(
+            bus->connection(), service, path, [&](const QDBusMessage& call) {
+                return call.arguments() == setting
+                           ? QVariant::fromValue(QDBusVariant(variant(current)))
+                           : QVariant();
+            });
+    };
+    auto running = portal();
     BarProcess bar({}, {}, bus);
     const auto becomes = [&](bool dark) {
         return eventually([&] { return (qGray(bar.picture().pixel(5, 5)) < 128) == dark; });
@@ -75,6 +81,13 @@ TEST(Bar, FollowsTheColourSchemeOfTheDesktop) {
         signal.setArguments(setting + QVariantList{variant(scheme)});
         bus->connection().send(signal);
         EXPECT_TRUE(becomes(scheme == 1));
+    }
+    for (const uint scheme : {2U, 1U}) {
+        bus->connection().unregisterService(service);
+        bus->connection().unregisterObject(path);
+        current = scheme;
+        running = portal();
+        EXPECT_TRUE(becomes(scheme == 1)) << "the portal has restarted";
     }
 }
 
