@@ -3,23 +3,44 @@
 #include "apps/menubar/BarSnapshot.h"
 #include "apps/menubar/ItemRegistry.h"
 #include "apps/menubar/MenuBar.h"
+#include "platform/Log.h"
 #include "platform/qt/BarNames.h"
 #include "platform/qt/Strings.h"
 
 #include <QDBusConnection>
 #include <QDBusMetaType>
+#include <QDBusReply>
+#include <QGuiApplication>
 
+#include <optional>
 #include <utility>
 
+using platform::logLine;
 using platform::qt::BarItem;
 using platform::qt::kBarBusName;
 using platform::qt::kBarError;
+using platform::qt::kBarInterface;
 using platform::qt::kBarObjectPath;
 using platform::qt::KnownItem;
 using platform::qt::qString;
 
 namespace apps {
 namespace {
+
+constexpr int kDisplayTimeout = 1000; // milliseconds
+
+/// Returns std::nullopt if the bar that owns the name does not reply.
+std::optional<std::string> displayOfOtherBar() {
+    auto message = QDBusMessage::createMethodCall(kBarBusName, kBarObjectPath,
+                                                  "org.freedesktop.DBus.Properties", "Get");
+    message << kBarInterface << "Display";
+    message.setAutoStartService(false);
+    const QDBusReply<QDBusVariant> reply =
+        QDBusConnection::sessionBus().call(message, QDBus::Block, kDisplayTimeout);
+    if (!reply.isValid())
+        return std::nullopt;
+    return reply.value().variant().toString().toStdString();
+}
 
 /// Does nothing if @p reason is empty.
 void replyWithError(const QDBusMessage& message, const std::string& reason) {
@@ -51,7 +72,28 @@ BarService::BarService(MenuBar& menuBar, ItemRegistry& registry)
 }
 
 BusName::Claim BarService::registerOnBus() {
-    return busName_.claim(kBarObjectPath, menuBar_);
+    const bool isOffscreen = display().isEmpty();
+    BusName::Claim claim = busName_.claim(kBarObjectPath, menuBar_,
+                                          isOffscreen ? BusName::Replacement::Allowed
+                                                      : BusName::Replacement::Forbidden);
+    if (claim != BusName::Claim::Taken)
+        return claim;
+    const auto other = displayOfOtherBar();
+    if (other == "" && !isOffscreen)
+        claim = busName_.replaceOwner();
+    if (claim == BusName::Claim::Taken)
+        logLine("cannot start: another menu bar is running on this session bus%@",
+                !other           ? ""
+                : other->empty() ? ", without a display"
+                                 : ", on display " + *other);
+    return claim;
+}
+
+QString BarService::display() {
+    const QString platform = QGuiApplication::platformName();
+    if (platform == "offscreen" || platform == "minimal")
+        return {};
+    return qEnvironmentVariable(platform == "xcb" ? "DISPLAY" : "WAYLAND_DISPLAY");
 }
 
 int BarService::GetMenuExtra(const QString& identifier, uint& reference) {

@@ -21,13 +21,18 @@ class MenuBar;
 class BarService final : public QDBusAbstractAdaptor {
     Q_OBJECT
     Q_CLASSINFO("D-Bus Interface", "com.quorvanesoftware.MenuBar1")
+    /// The name of the bar's display, or an empty string if it draws offscreen.
+    Q_PROPERTY(QString Display READ display)
 
   public:
     /// Forwards calls that add, remove or find items to @p registry, and all others to @p menuBar.
     BarService(MenuBar& menuBar, ItemRegistry& registry);
 
-    /// Claims the bar's well-known name and object path (see BusName::claim).
+    /// Claims the bar's well-known name and object path (see BusName::claim). A bar with a display
+    /// replaces one without. If the name remains taken, logs the display of the other bar.
     BusName::Claim registerOnBus();
+
+    static QString display();
 
   public slots:
     int GetMenuExtra(const QString& identifier, uint& reference);

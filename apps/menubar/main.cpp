@@ -89,7 +89,6 @@ int runBar(const Options& options, std::vector<std::string> command) {
     BarService service(menuBar, registry);
     switch (service.registerOnBus()) {
     case BusName::Claim::Taken:
-        logLine("cannot start: another menu bar is running on this session bus");
         return 1;
     case BusName::Claim::NoBus:
         logLine("other programs cannot reach this menu bar: there is no session bus");
@@ -121,6 +120,8 @@ int main(int argc, char** argv) {
     if (!options)
         return status;
     const auto application = apps::startApplication(argv, "halvex-menubar");
+    if (!application)
+        return 1;
     std::vector<std::string> command{QApplication::applicationFilePath().toStdString()};
     command.insert(command.end(), arguments.begin(), arguments.end());
     return apps::runBar(*options, std::move(command));

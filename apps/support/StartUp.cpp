@@ -6,6 +6,7 @@
 #include <QApplication>
 
 #include <csignal>
+#include <cstdlib>
 #include <fontconfig/fontconfig.h>
 #include <malloc.h>
 #include <optional>
@@ -34,11 +35,10 @@ class QtEnvironment : platform::NonCopyable {
 
 QtEnvironment::QtEnvironment() {
     const bool hasDisplay = !qEnvironmentVariableIsEmpty("DISPLAY");
-    const char* const platform = hasDisplay ? "xcb" : "offscreen";
+    const QByteArray platform = qgetenv("QT_QPA_PLATFORM");
     // Wayland sessions set this for all their programs.
-    if (hasDisplay && qgetenv("QT_QPA_PLATFORM").startsWith("wayland"))
-        replace("QT_QPA_PLATFORM", platform);
-    setDefault("QT_QPA_PLATFORM", platform);
+    if (hasDisplay && (platform.isEmpty() || platform.startsWith("wayland")))
+        replace("QT_QPA_PLATFORM", "xcb");
     setDefault("QT_XCB_GL_INTEGRATION", "none"); // nothing is drawn with GL
     // Shared memory is not worth it for images of a few kilobytes: the server's completion event
     // wakes two threads per tick.
@@ -66,11 +66,16 @@ void QtEnvironment::replace(const char* name, const char* value) {
     qputenv(name, value);
 }
 
+bool hasStarted = false;
+
 void logQtMessages() {
-    qInstallMessageHandler([](QtMsgType, const QMessageLogContext&, const QString& message) {
+    qInstallMessageHandler([](QtMsgType type, const QMessageLogContext&, const QString& message) {
         // The offscreen platform warns about every window operation it lacks.
         if (!message.startsWith("This plugin does not support"))
             logLine("Qt: %@", message.toStdString());
+        // Qt would abort, for example because it cannot connect to the display.
+        if (type == QtFatalMsg && !hasStarted)
+            std::_Exit(1);
     });
 }
 
@@ -80,14 +85,20 @@ std::unique_ptr<QApplication> startApplication(char** argv, const char* name) {
     mallopt(M_ARENA_MAX, 1); // one heap, because several would be fragmented
     logQtMessages();
     std::signal(SIGPIPE, SIG_IGN); // the process that reads the log may exit first
-    if (qEnvironmentVariableIsEmpty("DISPLAY") && !qEnvironmentVariableIsSet("QT_QPA_PLATFORM"))
-        logLine("%@ has no display: DISPLAY is not set, drawing offscreen", name);
+    if (qEnvironmentVariableIsEmpty("DISPLAY") && qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM")) {
+        logLine(
+            "%@ cannot start: there is no display. Set DISPLAY, or QT_QPA_PLATFORM=offscreen to "
+            "draw without one.",
+            name);
+        return nullptr;
+    }
     static int argumentCount = 1;    // QApplication keeps a reference
     const QtEnvironment environment; // set before fontLoader reads the environment
     // Fontconfig reads many small files. Load them while Qt connects to the X server.
     const std::jthread fontLoader([] { FcInit(); });
     auto application = std::make_unique<QApplication>(argumentCount, argv);
     application->setApplicationName(name);
+    hasStarted = true;
     return application;
 }
 

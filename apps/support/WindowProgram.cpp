@@ -18,6 +18,8 @@ int runWindowProgram(int argc, char** argv, const char* name, const CommandLine&
     if (!options)
         return status;
     const auto application = startApplication(argv, name);
+    if (!application)
+        return 1;
     platform::expat::install();
     platform::qt::install();
     return run(*options);

@@ -46,6 +46,11 @@ BarClient::Reply BarClient::call(const char* member, const QVariantList& argumen
     }
     if (reply.errorName() == kBarError)
         return {std::nullopt, reply.errorMessage().toStdString()};
+    if (reply.errorName().startsWith("org.freedesktop.DBus.Error.Spawn."))
+        return {std::nullopt,
+                "the session bus cannot start the menu bar, perhaps because the bus has "
+                "no display: " +
+                    reply.errorMessage().toStdString()};
     if (reply.type() != QDBusMessage::ReplyMessage)
         return {std::nullopt, "cannot call the menu bar: " + reply.errorMessage().toStdString()};
     if (reply.signature() != signature)

@@ -19,7 +19,8 @@ TEST(BarClientAlone, StartsTheBarThroughTheBusAndCallsItFromAnyThread) {
     const test::PrivateBus bus({{"HOME", home},
                                 {"XDG_DATA_DIRS", HALVEX_SHARE},
                                 {"XDG_DATA_HOME", home + "/none"},
-                                {"XDG_RUNTIME_DIR", home}});
+                                {"XDG_RUNTIME_DIR", home},
+                                {"QT_QPA_PLATFORM", "offscreen"}});
     platform::qt::BarClient client(bus.addressText());
     platform::MenuExtraReference reference = 0;
     EXPECT_EQ(client.getMenuExtra(test::kOwnClock, reference), 0)
@@ -29,6 +30,24 @@ TEST(BarClientAlone, StartsTheBarThroughTheBusAndCallsItFromAnyThread) {
     EXPECT_EQ(status, 0);
     const auto items = client.listMenuExtras();
     EXPECT_TRUE(items && items.value->empty()) << items.reason;
+}
+
+TEST(BarClientAlone, IsToldThatTheBusCannotStartABarWithoutADisplay) {
+    const QString noDisplay = ":999999"; // no such X server
+    for (const QString& display : {QString(), noDisplay}) {
+        const test::TemporaryFolder folder;
+        const QString home = QString::fromStdString(folder.path().string());
+        const test::PrivateBus bus({{"HOME", home},
+                                    {"XDG_DATA_DIRS", HALVEX_SHARE},
+                                    {"XDG_DATA_HOME", home + "/none"},
+                                    {"XDG_RUNTIME_DIR", home},
+                                    {"DISPLAY", display},
+                                    {"QT_QPA_PLATFORM", ""}});
+        const std::string reason =
+            platform::qt::BarClient(bus.addressText()).listMenuExtras().reason;
+        EXPECT_THAT(reason, testing::HasSubstr("no display: Process com.quorvanesoftware.MenuBar "
+                                               "exited with status 1"));
+    }
 }
 
 } // namespace

@@ -62,6 +62,26 @@ TEST(X11Bar, SurvivesKeysThatArriveWhileMenusSwitch) {
     EXPECT_EQ(bar.stop(), 0) << bar.log();
 }
 
+TEST(X11Bar, ReplacesABarWithoutADisplayButNoOtherBar) {
+    const auto bus = std::make_shared<PrivateBus>();
+    BarProcess offscreen({HALVEX_TEST_EXTRA}, {}, bus);
+    EXPECT_EQ(offscreen.run({}, {}, {{"DISPLAY", ""}, {"QT_QPA_PLATFORM", ""}}), 1);
+    EXPECT_TRUE(offscreen.logs("halvex-menubar cannot start: there is no display. Set DISPLAY"));
+    EXPECT_EQ(offscreen.run(), 1);
+    EXPECT_TRUE(offscreen.logs("is running on this session bus, without a display"));
+
+    const XServer x, other;
+    BarProcess bar({}, x.settings(), bus);
+    EXPECT_EQ(offscreen.waitForExit(), 0) << offscreen.log();
+    EXPECT_TRUE(offscreen.logs("unloading"));
+    EXPECT_THAT(bar.identifiers(), testing::ElementsAre(kOwnClock));
+    EXPECT_EQ(bar.run({}, {}, other.settings()), 1);
+    EXPECT_TRUE(bar.logs("another menu bar is running on this session bus, on display " +
+                         x.settings()[1].second.toStdString()));
+    EXPECT_EQ(bar.run({}, {}, {{"QT_QPA_PLATFORM", "offscreen"}}), 1);
+    EXPECT_EQ(bar.stop(), 0) << bar.log();
+}
+
 TEST(X11Bar, IgnoresRequestsToClose) {
     const XServer x;
     BarProcess bar({}, x.settings());
