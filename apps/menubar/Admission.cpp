@@ -2,6 +2,7 @@
 
 #include "identifiers/ExportedIdentifiers.h"
 #include "menuextras/MenuExtraCatalogue.h"
+#include "menuextras/MenuExtraTools.h"
 #include "platform/Bundle.h"
 #include "platform/FileManager.h"
 #include "platform/base/PathStrings.h"
@@ -22,17 +23,16 @@ std::string userItemsFolder() {
     return folder;
 }
 
-bool isIn(const std::string& resolvedPath, const std::string& folder) {
-    return deletingLastPathComponent(resolvedPath) == fileManager().resolvingSymbolicLinks(folder);
+bool isIn(const std::string& path, const std::string& folder) {
+    return deletingLastPathComponent(path) == fileManager().resolvingSymbolicLinks(folder);
 }
 
-bool isCrackerInPane(const std::string& resolvedPath) {
-    const std::string plugIns = deletingLastPathComponent(resolvedPath);
-    const std::string contents = deletingLastPathComponent(plugIns);
-    if (lastPathComponent(plugIns) != "PlugIns" || lastPathComponent(contents) != "Contents" ||
-        pathExtension(deletingLastPathComponent(contents)) != "prefPane")
+/// The library requests MenuCracker from this pane.
+bool isCrackerInPane(const std::string& path) {
+    const auto plugIns = HalvexMenuExtraTools::HalvexPrefsPlugins();
+    if (!plugIns || !isIn(path, *plugIns))
         return false;
-    const auto bundle = Bundle::bundleWithPath(resolvedPath);
+    const auto bundle = Bundle::bundleWithPath(path);
     return bundle && bundle->bundleIdentifier() == menuextras::kMenuCrackerID;
 }
 
@@ -42,12 +42,11 @@ Admission::Admission(Admit mode, std::string ownItemsFolder)
     : mode_(mode), ownItemsFolder_(std::move(ownItemsFolder)) {}
 
 std::string Admission::refusalReason(const std::string& path, Cracker cracker) const {
-    const std::string resolved = fileManager().resolvingSymbolicLinks(path);
-    if (mode_ == Admit::All || isIn(resolved, ownItemsFolder_) || isCrackerInPane(resolved))
+    if (mode_ == Admit::All || isIn(path, ownItemsFolder_) || isCrackerInPane(path))
         return {};
     if (mode_ == Admit::System && cracker == Cracker::NotLoaded)
         return "the bar admits only its own items";
-    if (!isIn(resolved, userItemsFolder()))
+    if (!isIn(path, userItemsFolder()))
         return "it is not in " + userItemsFolder();
     return {};
 }

@@ -22,8 +22,9 @@ class Admission {
 
     enum class Cracker { NotLoaded, Loaded };
     /// Returns a human-readable reason if the bundle at @p path is declined, or an empty string if
-    /// it is admitted. Symbolic links are resolved first. MenuCracker is always admitted from a
-    /// preference pane's PlugIns folder.
+    /// it is admitted. The path must have no symbolic links in it; validateBundle refuses it
+    /// otherwise. MenuCracker is always admitted from the preference pane that the library finds,
+    /// see HalvexMenuExtraTools::HalvexPrefsPlugins.
     std::string refusalReason(const std::string& path, Cracker cracker) const;
 
   private:

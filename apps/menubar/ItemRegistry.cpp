@@ -37,6 +37,12 @@ std::int32_t number(MenuExtraStatus status) {
     return static_cast<std::int32_t>(status);
 }
 
+/// Returns the path by which an item is admitted, loaded and stored. Resolved once, so that a link
+/// that changes meanwhile has no effect.
+std::string resolvedPath(const std::string& path) {
+    return fileManager().resolvingSymbolicLinks(absolutePath(path));
+}
+
 std::string versionAt(const std::string& path) {
     const auto bundle = Bundle::bundleWithPath(path);
     return bundle ? bundle->version().value_or("") : "";
@@ -110,18 +116,19 @@ void ItemRegistry::restore() {
         return record.identifier == menuextras::kMenuCrackerID;
     });
     for (const ItemRecord& record : records) {
-        if (!fileManager().isDirectory(record.path)) {
+        const std::string path = resolvedPath(record.path);
+        if (!fileManager().isDirectory(path)) {
             logLine("cannot restore menu extra %@: no bundle at %@", record.identifier,
                     record.path);
-        } else if (!isDisabled(record.path) && admits(record.path)) {
-            items_.add(record.path, record.position, Origin::Request);
+        } else if (!isDisabled(path) && admits(path)) {
+            items_.add(path, record.position, Origin::Request);
         }
     }
 }
 
 void ItemRegistry::loadCommandLine(const std::vector<std::string>& bundles) {
     for (const std::string& bundle : bundles) {
-        const std::string path = absolutePath(bundle);
+        const std::string path = resolvedPath(bundle);
         if (!isDisabled(path))
             items_.add(path, kLeftmostPosition, Origin::CommandLine);
     }
@@ -176,7 +183,7 @@ std::int32_t ItemRegistry::addMenuExtra(const std::string& url, std::int32_t pos
         logLine("cannot load menu extra: %@ is not a file URL", url);
         return number(MenuExtraStatus::BadParameter);
     }
-    Addition addition{.path = absolutePath(*file), .position = position};
+    Addition addition{.path = resolvedPath(*file), .position = position};
     if (!fileManager().isDirectory(addition.path)) {
         logLine("cannot load menu extra: no bundle at %@", addition.path);
         return number(MenuExtraStatus::FileNotFound);

@@ -1,5 +1,7 @@
 #include "apps/menubar/OwnItemsFolder.h"
 
+#include "platform/FileManager.h"
+
 #include <QCoreApplication>
 #include <QDir>
 
@@ -7,7 +9,8 @@ namespace apps {
 
 std::string ownItemsFolder() {
     const QDir programFolder(QCoreApplication::applicationDirPath());
-    return QDir::cleanPath(programFolder.filePath("../" HALVEX_OWN_ITEMS_FOLDER)).toStdString();
+    const QString folder = programFolder.filePath("../" HALVEX_OWN_ITEMS_FOLDER);
+    return platform::fileManager().resolvingSymbolicLinks(folder.toStdString());
 }
 
 } // namespace apps

@@ -4,7 +4,8 @@
 
 namespace apps {
 
-/// Returns the folder of the bar's own items, based on the path of the running program.
+/// Returns the folder of the bar's own items, based on the path of the running program, with
+/// symbolic links resolved.
 std::string ownItemsFolder();
 
 } // namespace apps

@@ -16,11 +16,13 @@ TEST(Admission, AdmitsTheBarsOwnItemsAndTheUsersAndDeclinesThoseElsewhere) {
     const fs::path installed = bar.install(HALVEX_TEST_EXTRA);
     const fs::path folder = installed.parent_path();
     fs::create_directory_symlink(HALVEX_TEST_EXTRA, folder / "Link.menu");
-    for (const std::string& path :
-         {std::string(HALVEX_TEST_EXTRA), (folder / "Link.menu").string(),
-          copyBundle(HALVEX_TEST_EXTRA, folder / "Folder/TestExtra.menu")}) {
+    const std::string elsewhere = copyBundle(HALVEX_TEST_EXTRA, folder / "Folder/TestExtra.menu");
+    for (const auto& [path, resolved] :
+         {std::pair<std::string, std::string>(HALVEX_TEST_EXTRA, HALVEX_TEST_EXTRA),
+          {folder / "Link.menu", HALVEX_TEST_EXTRA},
+          {elsewhere, elsewhere}}) {
         EXPECT_EQ(bar.add(path), -2) << path;
-        EXPECT_TRUE(bar.logs(path + " declined: it is not in " + folder.string()));
+        EXPECT_TRUE(bar.logs(resolved + " declined: it is not in " + folder.string()));
     }
     EXPECT_TRUE(bar.loads(installed.string() + '/', kTestExtra)) << bar.log();
     EXPECT_EQ(bar.remove(kOwnClock), 0);
@@ -31,12 +33,30 @@ TEST(Admission, AdmitsTheBarsOwnItemsAndTheUsersAndDeclinesThoseElsewhere) {
     EXPECT_TRUE(bar.loads(HALVEX_TEST_EXTRA, kTestExtra)) << bar.log();
 }
 
+/// The bar would admit the item through the link at every start, wherever the link leads then.
+TEST(Admission, StoresTheResolvedPathOfAnItem) {
+    BarProcess bar;
+    const fs::path installed = bar.install(HALVEX_TEST_EXTRA);
+    fs::create_directory_symlink(installed, bar.home() / "Link.menu");
+    EXPECT_TRUE(bar.loads(bar.home() / "Link.menu", kTestExtra)) << bar.log();
+    bar.start();
+    EXPECT_TRUE(bar.hasLoaded(kTestExtra)) << bar.log();
+    const std::string list =
+        contents(bar.home() / "Library/Application Support/Quorvane Software/Halvex Pro/"
+                              "Menu Bar Items.plist");
+    EXPECT_NE(list.find(installed.string()), std::string::npos) << list;
+    EXPECT_EQ(list.find("Link.menu"), std::string::npos) << list;
+}
+
 TEST(Admission, OfKindSystemDeclinesForeignItemsUntilMenuCrackerIsLoaded) {
     BarProcess bar({"--admit=system"});
     const std::string installed = bar.install(HALVEX_TIME_MENU);
-    const fs::path inPane = bar.home() / "Some.prefPane/Contents/PlugIns/MenuCracker.menu";
+    const fs::path panes = bar.home() / "Library/PreferencePanes";
+    const fs::path inPane = panes / "Halvex Pro.prefPane/Contents/PlugIns/MenuCracker.menu";
+    const fs::path inOther = panes / "Other.prefPane/Contents/PlugIns/MenuCracker.menu";
     for (const std::string& path :
-         {installed, std::string(HALVEX_MENU_CRACKER), copyBundle(HALVEX_TEST_EXTRA, inPane)}) {
+         {installed, std::string(HALVEX_MENU_CRACKER), copyBundle(HALVEX_MENU_CRACKER, inOther),
+          copyBundle(HALVEX_TEST_EXTRA, inPane)}) {
         EXPECT_EQ(bar.add(path), 0) << "the caller is not told";
         EXPECT_TRUE(bar.logs("menu extra at " + path + " declined: the bar admits only its own"));
     }
