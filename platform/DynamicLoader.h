@@ -10,6 +10,8 @@
 
 namespace platform {
 
+class TrustedFile;
+
 /// The addresses from begin up to, but not including, end.
 struct AddressRange {
     std::uintptr_t begin = 0;
@@ -41,21 +43,28 @@ class DynamicLoader : NonCopyable {
     /// Returns the number of the processor that this program is built for, or 0 if it is unknown.
     virtual int hostArchitecture() const = 0;
 
-    /// Returns the path of the file that the code or data at @p address was loaded from. Empty if
-    /// it was not loaded from a file.
+    /// Returns the path of the file that the code or data at @p address was loaded from, as it was
+    /// when the file was loaded. Empty if it was not loaded from a file.
     virtual std::string fileOfAddress(const void* address) const = 0;
 
-    /// Returns whether load would succeed. If not, writes the system's message to @p reason. Loads
-    /// nothing into this process and runs neither the file's code nor that of its libraries.
-    /// Detects a missing or truncated file, a file for another processor, a file that is not a
-    /// shared object, missing libraries and versions, and undefined symbols. Does not detect errors
-    /// that occur only when the code runs. Reports symbols that are defined only by this program as
-    /// undefined. Starts a child process; takes a few milliseconds, at most 5 s.
+    /// Returns whether the system's loader would load the file at @p path. If not, writes its
+    /// message to @p reason. Loads nothing into this process and runs neither the file's code nor
+    /// that of its libraries. Detects a missing or truncated file, a file for another processor, a
+    /// file that is not a shared object, missing libraries and versions, and undefined symbols.
+    /// Does not detect errors that occur only when the code runs. Reports symbols that are defined
+    /// only by this program as undefined. Starts a child process; takes a few milliseconds, at most
+    /// 5 s.
     virtual bool preflight(const std::string& path, std::string& reason) const = 0;
-    /// Loads a shared object with RTLD_LOCAL and runs its initializers, which must not throw: an
-    /// exception terminates the process. Returns null and writes the
-    /// cause to @p reason if the file is truncated, is for another processor or cannot be loaded.
-    virtual std::unique_ptr<LoadedCode> load(const std::string& path, std::string& reason) = 0;
+    /// Returns why load refuses the file without trying, or an empty string: it is not a complete
+    /// shared object for this processor, or names folders or paths of libraries. Libraries are not
+    /// validated, and those named relative to the file ("$ORIGIN") would not be found.
+    virtual std::string refusalReason(const TrustedFile& file) const = 0;
+    /// Loads the open file with RTLD_LOCAL and runs its initializers, which must not throw: an
+    /// exception terminates the process. Keeps the file open while the code is loaded. Returns null
+    /// and writes the cause to @p reason if refusalReason returns one or the file cannot be loaded;
+    /// leaves @p reason unchanged if @p file is null.
+    virtual std::unique_ptr<LoadedCode> load(std::shared_ptr<const TrustedFile> file,
+                                             std::string& reason) = 0;
 };
 
 /// Returns the process's loader. The default is the system's.

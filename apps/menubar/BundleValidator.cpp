@@ -4,10 +4,6 @@
 #include "platform/base/PathStrings.h"
 #include "platform/widgets/MenuExtraPlugIn.h"
 
-#include <algorithm>
-#include <array>
-#include <sys/stat.h>
-#include <unistd.h>
 #include <utility>
 
 using namespace platform;
@@ -17,33 +13,7 @@ namespace {
 
 constexpr std::size_t kMaxNameLength = 255; // bytes; keeps a note in the crash journal short
 
-// Each of these returns why the bundle is refused, or an empty string.
-
-std::string ownershipError(const std::string& path) {
-    struct stat status {};
-    if (stat(path.c_str(), &status) != 0)
-        return path + " is missing";
-    if (status.st_uid != geteuid() && status.st_uid != 0)
-        return path + " belongs to another user";
-    const bool writableByOthers = (status.st_mode & S_IWOTH) != 0;
-    const bool writableByForeignGroup =
-        (status.st_mode & S_IWGRP) != 0 && status.st_gid != getegid();
-    if (writableByOthers || writableByForeignGroup)
-        return path + " is writable by other users";
-    return {};
-}
-
-std::string fileError(const std::string& bundle, const std::string& executable) {
-    const std::string contents = appendingPathComponent(bundle, "Contents");
-    const std::array paths{bundle, contents, appendingPathComponent(contents, "Info.plist"),
-                           deletingLastPathComponent(executable), executable};
-    for (const std::string& path : paths) {
-        if (std::string error = ownershipError(path); !error.empty())
-            return error;
-    }
-    return {};
-}
-
+/// Returns why the bundle is refused, or an empty string.
 std::string infoError(const Bundle& bundle) {
     if (bundle.bundleIdentifier().value_or("").empty())
         return "Info.plist has no CFBundleIdentifier";
@@ -65,18 +35,6 @@ std::string infoError(const Bundle& bundle) {
     return {};
 }
 
-std::string codeError(const std::string& executable) {
-    const auto& loader = dynamicLoader();
-    const auto architectures = loader.executableArchitectures(executable);
-    if (architectures.empty())
-        return "no executable code in " + executable;
-    const int host = loader.hostArchitecture();
-    if (std::find(architectures.begin(), architectures.end(), host) == architectures.end())
-        return executable + " is built for another processor (" +
-               std::to_string(architectures.front()) + ")";
-    return {};
-}
-
 ValidatedBundle refused(std::string reason) {
     ValidatedBundle result;
     result.reason = std::move(reason);
@@ -87,19 +45,23 @@ ValidatedBundle refused(std::string reason) {
 
 ValidatedBundle validateBundle(const std::string& path) {
     std::string reason;
+    // First of all, so that no other user can replace what is read afterwards.
+    const std::string info = appendingPathComponent(path, "Contents/Info.plist");
+    if (!TrustedFile::open(info, reason))
+        return refused(reason);
     const auto bundle = Bundle::bundleWithPath(path, &reason);
     if (!bundle || !bundle->infoDictionary())
         return refused(reason);
     if (reason = infoError(*bundle); !reason.empty())
         return refused(reason);
-    const std::string executable = *bundle->executablePath();
-    if (reason = fileError(path, executable); !reason.empty())
-        return refused(reason);
-    if (reason = codeError(executable); !reason.empty())
+    auto code = TrustedFile::open(*bundle->executablePath(), reason);
+    if (code)
+        reason = dynamicLoader().refusalReason(*code);
+    if (!reason.empty())
         return refused(reason);
     return {bundle,
             *bundle->bundleIdentifier(),
-            executable,
+            std::move(code),
             *bundle->stringForInfoDictionaryKey("NSPrincipalClass"),
             {}};
 }

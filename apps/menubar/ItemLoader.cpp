@@ -25,7 +25,7 @@ LoadedItem failed(const ValidatedBundle& bundle, std::string reason) {
 LoadedItem loadItem(const ValidatedBundle& bundle) {
     LoadedItem item;
     std::string reason;
-    item.code = dynamicLoader().load(bundle.executable, reason);
+    item.code = dynamicLoader().load(bundle.code, reason);
     if (!item.code)
         return failed(bundle, reason);
     const auto createExtra =

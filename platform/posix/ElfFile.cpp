@@ -2,12 +2,16 @@
 
 #include "platform/posix/Descriptor.h"
 
+#include <algorithm>
 #include <array>
 #include <bit>
+#include <climits>
+#include <cstdint>
 #include <cstring>
 #include <elf.h>
 #include <fcntl.h>
 #include <sys/stat.h>
+#include <utility>
 
 namespace platform::posix {
 namespace {
@@ -35,10 +39,9 @@ int architectureOf(int elfMachine) {
 
 class File {
   public:
-    explicit File(const std::string& path)
-        : descriptor_(::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK)) {
+    explicit File(int descriptor) : descriptor_(descriptor) {
         struct stat status {};
-        if (descriptor_ && ::fstat(descriptor_.get(), &status) == 0 && S_ISREG(status.st_mode))
+        if (::fstat(descriptor, &status) == 0 && S_ISREG(status.st_mode))
             size_ = static_cast<std::uint64_t>(status.st_size);
     }
 
@@ -47,12 +50,20 @@ class File {
     template <class T>
     bool readAt(std::uint64_t offset, T& value) const {
         return offset <= size_ && sizeof(T) <= size_ - offset &&
-               ::pread(descriptor_.get(), &value, sizeof(T), static_cast<off_t>(offset)) ==
-                   sizeof(T);
+               ::pread(descriptor_, &value, sizeof(T), static_cast<off_t>(offset)) == sizeof(T);
+    }
+    /// Returns the bytes up to the next zero byte, at most PATH_MAX.
+    std::string textAt(std::uint64_t offset) const {
+        std::array<char, PATH_MAX> text{};
+        const ssize_t size =
+            ::pread(descriptor_, text.data(), text.size(), static_cast<off_t>(offset));
+        const auto length =
+            ::strnlen(text.data(), static_cast<std::size_t>(std::max(size, ssize_t{0})));
+        return {text.data(), length};
     }
 
   private:
-    Descriptor descriptor_;
+    int descriptor_;
     std::uint64_t size_ = 0;
 };
 
@@ -60,21 +71,62 @@ bool fits(std::uint64_t offset, std::uint64_t length, std::uint64_t size) {
     return offset <= size && length <= size - offset;
 }
 
-/// Returns whether the file contains every byte that the loader would map, and the section table.
-bool isComplete(const File& file, const Elf64_Ehdr& header) {
-    if (header.e_phentsize != sizeof(Elf64_Phdr) || header.e_phnum == 0)
-        return false;
+/// Returns the segments if the file contains every byte that the loader would map, and the section
+/// table. Otherwise returns an empty list.
+std::vector<Elf64_Phdr> completeSegments(const File& file, const Elf64_Ehdr& header) {
+    if (header.e_phentsize != sizeof(Elf64_Phdr))
+        return {};
     const std::uint64_t sections = std::uint64_t{header.e_shnum} * header.e_shentsize;
     if (header.e_shnum > 0 && !fits(header.e_shoff, sections, file.size()))
-        return false;
+        return {};
+    std::vector<Elf64_Phdr> segments;
     for (unsigned i = 0; i < header.e_phnum; ++i) {
         Elf64_Phdr segment{};
         if (!file.readAt(header.e_phoff + i * sizeof segment, segment))
-            return false;
+            return {};
         if (!fits(segment.p_offset, segment.p_filesz, file.size()))
-            return false;
+            return {};
+        segments.push_back(segment);
     }
-    return true;
+    return segments;
+}
+
+std::vector<Elf64_Dyn> dynamicEntries(const File& file, const std::vector<Elf64_Phdr>& segments) {
+    std::vector<Elf64_Dyn> entries;
+    for (const Elf64_Phdr& segment : segments) {
+        Elf64_Dyn entry{};
+        for (std::uint64_t at = 0; segment.p_type == PT_DYNAMIC && at < segment.p_filesz;
+             at += sizeof entry)
+            if (file.readAt(segment.p_offset + at, entry))
+                entries.push_back(entry);
+    }
+    return entries;
+}
+
+/// Returns the offset in the file of what is mapped at @p address, or an offset after its end.
+std::uint64_t offsetOf(std::uint64_t address, const std::vector<Elf64_Phdr>& segments) {
+    for (const Elf64_Phdr& segment : segments)
+        if (segment.p_type == PT_LOAD && address >= segment.p_vaddr &&
+            address - segment.p_vaddr < segment.p_filesz)
+            return address - segment.p_vaddr + segment.p_offset;
+    return INT64_MAX;
+}
+
+std::vector<std::string> libraryPathsIn(const File& file, const std::vector<Elf64_Phdr>& segments) {
+    const std::vector<Elf64_Dyn> entries = dynamicEntries(file, segments);
+    const auto table = std::ranges::find(entries, DT_STRTAB, &Elf64_Dyn::d_tag);
+    std::vector<std::string> paths;
+    for (const Elf64_Dyn& entry : entries) {
+        const bool isRunPath = entry.d_tag == DT_RPATH || entry.d_tag == DT_RUNPATH;
+        const bool isLibrary =
+            entry.d_tag == DT_NEEDED || entry.d_tag == DT_AUXILIARY || entry.d_tag == DT_FILTER;
+        if (table == entries.end() || (!isRunPath && !isLibrary))
+            continue;
+        std::string text = file.textAt(offsetOf(table->d_un.d_ptr + entry.d_un.d_val, segments));
+        if (isRunPath ? !text.empty() : text.find('/') != std::string::npos)
+            paths.push_back(std::move(text));
+    }
+    return paths;
 }
 
 template <class Integer>
@@ -86,7 +138,12 @@ Integer fromByteOrder(Integer value, unsigned char order) {
 } // namespace
 
 std::optional<ElfFile> ElfFile::read(const std::string& path) {
-    const File file(path);
+    const Descriptor file(::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
+    return file ? read(file.get()) : std::nullopt;
+}
+
+std::optional<ElfFile> ElfFile::read(int descriptor) {
+    const File file(descriptor);
     // The fields up to e_machine have the same offsets in 32-bit and 64-bit files.
     Elf32_Ehdr start{};
     if (!file.readAt(0, start) || std::memcmp(start.e_ident, ELFMAG, SELFMAG) != 0)
@@ -97,8 +154,11 @@ std::optional<ElfFile> ElfFile::read(const std::string& path) {
     result.isSharedObject = fromByteOrder(start.e_type, order) == ET_DYN;
     Elf64_Ehdr header{};
     const bool native = fromByteOrder(std::uint16_t{1}, order) == 1;
-    if (start.e_ident[EI_CLASS] == ELFCLASS64 && native && file.readAt(0, header))
-        result.isComplete = platform::posix::isComplete(file, header);
+    if (start.e_ident[EI_CLASS] == ELFCLASS64 && native && file.readAt(0, header)) {
+        const auto segments = completeSegments(file, header);
+        result.isComplete = !segments.empty();
+        result.libraryPaths = libraryPathsIn(file, segments);
+    }
     return result;
 }
 

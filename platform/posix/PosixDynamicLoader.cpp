@@ -1,5 +1,6 @@
 #include "platform/Defaults.h"
 #include "platform/DynamicLoader.h"
+#include "platform/TrustedFile.h"
 #include "platform/posix/ElfFile.h"
 #include "platform/posix/LoadedFile.h"
 #include "platform/posix/Preflight.h"
@@ -8,8 +9,13 @@
 #include <dlfcn.h>
 #include <filesystem>
 #include <link.h>
+#include <map>
+#include <memory>
+#include <mutex>
+#include <optional>
 #include <sys/stat.h>
 #include <system_error>
+#include <utility>
 
 namespace platform::posix {
 namespace {
@@ -40,10 +46,53 @@ AddressRange addressesOfObjectAt(ElfW(Addr) base) {
     return search.found;
 }
 
+/// The files that code was loaded from, by the names that the dynamic loader knows them by. The
+/// loader takes two files with the same name for the same one, so a file stays open, and its
+/// descriptor's number in use, as long as its code is loaded. Thread-safe.
+class LoadedFiles {
+  public:
+    /// Returns the name. A debugger can open it too, because it contains the process's number.
+    std::string add(std::shared_ptr<const TrustedFile> file) {
+        std::error_code ignored;
+        const std::string process = std::filesystem::read_symlink("/proc/self", ignored).string();
+        const std::string name = "/proc/" + process + "/fd/" + std::to_string(file->descriptor());
+        const std::lock_guard lock(mutex_);
+        files_.insert_or_assign(name, std::move(file));
+        return name;
+    }
+    /// Closes the file unless its code is still loaded.
+    void removeIfUnloaded(const std::string& name) {
+        if (void* handle = dlopen(name.c_str(), RTLD_LAZY | RTLD_NOLOAD)) {
+            dlclose(handle);
+            return;
+        }
+        const std::lock_guard lock(mutex_);
+        files_.erase(name);
+    }
+    std::optional<std::string> pathOf(const std::string& name) {
+        const std::lock_guard lock(mutex_);
+        const auto found = files_.find(name);
+        return found == files_.end() ? std::nullopt : std::optional(found->second->path());
+    }
+
+  private:
+    std::mutex mutex_;
+    std::map<std::string, std::shared_ptr<const TrustedFile>> files_;
+};
+
+// Never destroyed, because loaded code may still be unloaded after main.
+LoadedFiles& loadedFiles() {
+    static auto* const files = new LoadedFiles;
+    return *files;
+}
+
 class SharedObject final : public LoadedCode {
   public:
-    explicit SharedObject(void* handle) : handle_(handle) {}
-    ~SharedObject() override { dlclose(handle_); }
+    SharedObject(void* handle, std::string name) : handle_(handle), name_(std::move(name)) {}
+    ~SharedObject() override {
+        dlclose(handle_);
+        loadedFiles().removeIfUnloaded(name_);
+    }
 
     void* symbol(const char* name) const override { return dlsym(handle_, name); }
     AddressRange addresses() const override {
@@ -55,6 +104,7 @@ class SharedObject final : public LoadedCode {
 
   private:
     void* handle_;
+    std::string name_;
 };
 
 class PosixDynamicLoader final : public DynamicLoader {
@@ -77,6 +127,8 @@ class PosixDynamicLoader final : public DynamicLoader {
         const std::filesystem::path file(loadedFileAt(address));
         if (file.empty())
             return {};
+        if (auto path = loadedFiles().pathOf(file))
+            return *std::move(path);
         // For the program itself, this is its name on the command line, which may not be a path.
         std::error_code ignored;
         if (!std::filesystem::exists(file, ignored) || !file.is_absolute())
@@ -88,34 +140,49 @@ class PosixDynamicLoader final : public DynamicLoader {
         // Merely opening some devices has effects, and opening a pipe would block.
         struct stat status {};
         const bool notRegular = ::stat(path.c_str(), &status) == 0 && !S_ISREG(status.st_mode);
-        reason = notRegular ? headerError(path) : preflightError(path);
-        // The loader does not check the file's size: it accepts a truncated file or crashes.
         const auto file = ElfFile::read(path);
+        reason = notRegular ? headerError(file, path) : preflightError(path);
+        // The loader does not check the file's size: it accepts a truncated file or crashes.
         if (file && file->architecture == hostArchitecture() &&
             (!file->isSharedObject || !file->isComplete))
-            reason = headerError(path);
+            reason = headerError(file, path);
         return reason.empty();
     }
 
+    std::string refusalReason(const TrustedFile& file) const override {
+        const auto header = ElfFile::read(file.descriptor());
+        std::string error = headerError(header, file.path());
+        if (error.empty() && !header->libraryPaths.empty())
+            error = "libraries outside of the system's folders (" + header->libraryPaths.front() +
+                    ") needed by " + file.path();
+        return error;
+    }
+
     // noexcept: an exception from a static constructor would leave the system's loader locked.
-    std::unique_ptr<LoadedCode> load(const std::string& path,
+    std::unique_ptr<LoadedCode> load(std::shared_ptr<const TrustedFile> file,
                                      std::string& reason) noexcept override {
-        reason = headerError(path);
+        if (!file)
+            return nullptr;
+        reason = refusalReason(*file);
         if (!reason.empty())
             return nullptr;
+        const std::string path = file->path();
+        std::string name = loadedFiles().add(std::move(file));
         // RTLD_NOW: with lazy binding, the first call of an undefined symbol would end the program.
-        if (void* handle = dlopen(path.c_str(), RTLD_NOW | RTLD_LOCAL))
-            return std::make_unique<SharedObject>(handle);
+        if (void* handle = dlopen(name.c_str(), RTLD_NOW | RTLD_LOCAL))
+            return std::make_unique<SharedObject>(handle, std::move(name));
         const char* text = dlerror();
         reason = text ? text : "unknown error of the dynamic loader";
+        if (const auto at = reason.find(name); at != std::string::npos)
+            reason.replace(at, name.size(), path);
+        loadedFiles().removeIfUnloaded(name);
         return nullptr;
     }
 
   private:
-    /// Returns why the file must not be passed to the loader, or an empty string. If the loader
-    /// mapped a truncated file, the process would crash on the missing pages.
-    std::string headerError(const std::string& path) const {
-        const auto file = ElfFile::read(path);
+    /// Returns why the file at @p path must not be passed to the loader, or an empty string. If the
+    /// loader mapped a truncated file, the process would crash on the missing pages.
+    std::string headerError(const std::optional<ElfFile>& file, const std::string& path) const {
         if (!file)
             return "no executable code in " + path;
         if (file->architecture != hostArchitecture())

@@ -35,15 +35,20 @@ TEST(BrokenBundle, IsNotLoadedAndIsNamedInTheLog) {
         {[](auto& b) { replaceContents(b.code(), std::string(5000, 'x')); }, "no executable code"},
         {[](auto& b) { makeWritableByOthers(b.code()); }, "TestExtra is writable by other users"},
         {[](auto& b) { makeWritableByOthers(b.path); }, "TestExtra.menu is writable"},
+        {[](auto& b) {
+             fs::rename(b.info(), b.path / "Info.plist");
+             fs::create_symlink("../Info.plist", b.info());
+         },
+         "Info.plist is a symbolic link"},
+        {[](auto& b) { fs::resize_file(b.code(), fs::file_size(b.code()) / 2); }, "truncated code"},
+        {[](auto& b) { makeWritableByOthers(b.path.parent_path()); }, "Menu Extras is writable"},
     };
     for (const auto& [damage, line] : refused) {
         const TestBundle bundle(bar);
         damage(bundle);
         isNamed(bundle, line, false);
     }
-    const TestBundle cut(bar);
-    fs::resize_file(cut.code(), fs::file_size(cut.code()) / 2);
-    isNamed(cut, "truncated code", true);
+    fs::permissions(TestBundle(bar).path.parent_path(), fs::perms(0755));
     const TestBundle other(bar);
     fs::copy_file(HALVEX_NO_ENTRY_POINT, other.code(), fs::copy_options::overwrite_existing);
     isNamed(other, "no entry point HalvexMenuExtraEntry_2", true);

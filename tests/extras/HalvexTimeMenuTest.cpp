@@ -1,6 +1,7 @@
 #include "extras/clock/ClockFormat.h"
 #include "menubar/HalvexMenuExtraBase.h"
 #include "platform/DynamicLoader.h"
+#include "platform/TrustedFile.h"
 #include "platform/expat/ExpatPropertyLists.h"
 #include "platform/widgets/MenuExtraPlugIn.h"
 #include "tests/paths/SupportTree.h"
@@ -44,7 +45,7 @@ class HalvexTimeMenu : public testing::Test {
     void start() {
         const auto bundle = Bundle::bundleWithPath(HALVEX_TIME_MENU);
         std::string reason;
-        code = dynamicLoader().load(*bundle->executablePath(), reason);
+        code = dynamicLoader().load(TrustedFile::open(*bundle->executablePath(), reason), reason);
         ASSERT_TRUE(code) << reason;
         const auto make = reinterpret_cast<MenuExtraEntryPoint>(code->symbol(kMenuExtraEntryPoint));
         ASSERT_NE(make, nullptr);

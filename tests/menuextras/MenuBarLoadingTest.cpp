@@ -43,7 +43,9 @@ class FixedLoader final : public platform::DynamicLoader {
         reason = fault.value_or("");
         return !fault;
     }
-    std::unique_ptr<platform::LoadedCode> load(const std::string&, std::string&) override {
+    std::string refusalReason(const platform::TrustedFile&) const override { return {}; }
+    std::unique_ptr<platform::LoadedCode> load(std::shared_ptr<const platform::TrustedFile>,
+                                               std::string&) override {
         return nullptr;
     }
 

@@ -1,6 +1,7 @@
 #include "ui/HUDWindow.h"
 #include "platform/Bundle.h"
 #include "platform/DynamicLoader.h"
+#include "platform/TrustedFile.h"
 #include "platform/expat/ExpatPropertyLists.h"
 #include "platform/widgets/MenuExtraPlugIn.h"
 #include "tests/support/Fakes.h"
@@ -187,7 +188,8 @@ TEST_F(HUDPanel, KeepsTheButtonInTheTopRightCorner) {
 TEST_F(HUDPanel, LoadsTheButtonImageFromTheBundleOfItsDynamicClass) {
     std::string reason;
     const std::string bundle = HALVEX_PANEL_PLUG_IN;
-    const auto code = dynamicLoader().load(bundle + "/Contents/Linux/PanelPlugIn", reason);
+    const auto code = dynamicLoader().load(
+        TrustedFile::open(bundle + "/Contents/Linux/PanelPlugIn", reason), reason);
     ASSERT_TRUE(code) << reason;
     const auto make = reinterpret_cast<MenuExtraEntryPoint>(code->symbol(kMenuExtraEntryPoint));
     const std::unique_ptr<MenuExtra> extra(make("PanelPlugIn"));

@@ -1,6 +1,7 @@
 #include "tests/platform/posix/FileManagerFixture.h"
 
 #include "platform/DynamicLoader.h"
+#include "platform/TrustedFile.h"
 #include "platform/posix/ElfFile.h"
 #include "tests/support/ScopedEnvironment.h"
 
@@ -9,6 +10,10 @@
 namespace {
 
 using Preflight = test::FileManagerFixture;
+
+std::unique_ptr<platform::LoadedCode> load(const std::string& path, std::string& reason) {
+    return platform::dynamicLoader().load(platform::TrustedFile::open(path, reason), reason);
+}
 
 TEST_F(Preflight, ReportsWhyTheLoaderWouldRefuseAFile) {
     const std::string good = test::contents(HALVEX_PREFLIGHT_GOOD);
@@ -43,7 +48,7 @@ TEST_F(Preflight, RunsAndLoadsNoCode) {
     EXPECT_TRUE(platform::dynamicLoader().preflight(HALVEX_PREFLIGHT_GOOD, reason));
     EXPECT_FALSE(std::filesystem::exists(trace));
     EXPECT_EQ(test::contents("/proc/self/maps").find("preflight_good"), std::string::npos);
-    EXPECT_TRUE(platform::dynamicLoader().load(HALVEX_PREFLIGHT_GOOD, reason)) << reason;
+    EXPECT_TRUE(load(HALVEX_PREFLIGHT_GOOD, reason)) << reason;
     EXPECT_TRUE(std::filesystem::exists(trace)) << "load runs the code";
 }
 
@@ -52,11 +57,11 @@ TEST_F(Preflight, RefusesTruncatedCodeAsLoadDoes) {
     std::string reason;
     for (std::size_t part = 0; part < 20; ++part) {
         const auto path = folder.write("code", bytes.substr(0, bytes.size() * part / 20));
-        EXPECT_EQ(platform::dynamicLoader().load(path, reason), nullptr) << part;
+        EXPECT_EQ(load(path, reason), nullptr) << part;
         EXPECT_FALSE(platform::dynamicLoader().preflight(path, reason)) << part;
     }
-    EXPECT_NE(platform::dynamicLoader().load(HALVEX_SHARED_OBJECT, reason), nullptr) << reason;
-    EXPECT_EQ(platform::dynamicLoader().load(HALVEX_PREFLIGHT_UNDEFINED, reason), nullptr);
+    EXPECT_NE(load(HALVEX_SHARED_OBJECT, reason), nullptr) << reason;
+    EXPECT_EQ(load(HALVEX_PREFLIGHT_UNDEFINED, reason), nullptr);
     EXPECT_THAT(reason, testing::HasSubstr("undefinedFunction"));
 }
 
