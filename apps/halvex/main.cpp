@@ -51,6 +51,12 @@ int runInBackground(const WindowOptions& options) {
     CalculatorWindow calculator;
     SessionApplication application(kBusName, makeHandlers(calculator));
     new WindowService(application, calculator);
+    // Observed before the name is owned: requests are posted as soon as it is. They are handled once
+    // the main loop runs.
+    const auto observer = std::make_shared<int>(); // removes the handler when this function returns
+    platform::distributedNotificationCenter().addObserver(
+        observer, kShowCalculator,
+        [&calculator](const platform::Notification&) { bringToFront(calculator); });
     switch (application.claim()) {
     case BusName::Claim::Taken:
         return application.callRunningInstance("Activate") ? 0 : 1;
@@ -62,11 +68,7 @@ int runInBackground(const WindowOptions& options) {
     }
     const QuitOnSignals quitOnSignals;
     const ProgramAppearance appearance(options.appearance);
-    const auto observer = std::make_shared<int>(); // removes the handler when this function returns
-    platform::distributedNotificationCenter().addObserver(
-        observer, kShowCalculator,
-        [&calculator](const platform::Notification&) { bringToFront(calculator); });
-    platform::announceLaunch(kName); // the main loop handles requests from here on
+    platform::announceLaunch(kName);
     return QApplication::exec();
 }
 

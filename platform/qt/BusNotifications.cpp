@@ -74,9 +74,13 @@ void BusNotifications::addObserver(const std::weak_ptr<const void>& observer,
                                    const std::string& name, Handler handler) {
     observers_.add(observer, name, std::move(handler));
     QDBusConnection bus = connection_.get();
-    const std::lock_guard lock(mutex_);
-    if (ensureSubscribed(bus))
+    {
+        const std::lock_guard lock(mutex_);
+        if (!ensureSubscribed(bus))
+            return;
         subscribe(bus, name);
+    }
+    flush();
 }
 
 void BusNotifications::removeObserver(const std::weak_ptr<const void>& observer,

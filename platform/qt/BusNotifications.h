@@ -19,7 +19,8 @@ class SignalReceiver;
 /// The distributed notification center over the session bus, with the signals of BusNames.h.
 /// Connects at the first post or observer, and receives only notifications with observed names.
 /// Handlers run in the thread of the application object, which is required for observing but
-/// not for posting.
+/// not for posting. addObserver waits for up to 1 s until the bus has received the subscription, so
+/// that nothing posted after it is missed.
 ///
 /// Failures are logged, and the notification is lost:
 ///   "notifications do not reach other programs: there is no session bus" (once),
@@ -40,8 +41,8 @@ class BusNotifications final : public DistributedNotificationCenter {
     void removeExpiredObservers() override;
     void post(const Notification& notification) override;
 
-    /// Waits for up to 1 s until the bus has received everything posted here. Call this before
-    /// the program exits.
+    /// Waits for up to 1 s until the bus has received everything sent here. Call this before the
+    /// program exits.
     void flush();
 
   private:

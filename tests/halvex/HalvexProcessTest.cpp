@@ -3,10 +3,14 @@
 #include "platform/qt/BusNotifications.h"
 #include "tests/desktop/support/ProgramProcess.h"
 
+#include <QCoreApplication>
+#include <QDBusServiceWatcher>
+#include <QElapsedTimer>
 #include <QThread>
 
 #include <gtest/gtest.h>
 
+#include <csignal>
 #include <filesystem>
 #include <tuple>
 
@@ -43,6 +47,38 @@ TEST_F(Halvex, AnnouncesItsLaunchAndShowsTheCalculatorWhenItIsNotified) {
     EXPECT_GT(picture.height(), picture.width()) << "the calculator is taller than wide";
     EXPECT_NE(picture.pixel(2, 2), picture.pixel(picture.width() - 30, picture.height() - 20));
     EXPECT_EQ(halvex.stop(), 0) << halvex.log();
+}
+
+TEST_F(Halvex, ShowsTheCalculatorForARequestPostedAsSoonAsItOwnsItsName) {
+    const QDBusServiceWatcher watcher("com.quorvanesoftware.Halvex", halvex.bus->connection());
+    bool ownsName = false;
+    QObject::connect(&watcher, &QDBusServiceWatcher::serviceRegistered, [&] {
+        notifications.post({"HalvexShowCalculatorNotification", {}, {}});
+        notifications.flush();
+        ownsName = true;
+    });
+    notifications.post({"Other", {}, {}}); // connects
+    for (int start = 0; start < 5;
+         ++start) { // the moment in which a request could be lost is short
+        halvex.launch();
+        QElapsedTimer timer;
+        for (timer.start(); !ownsName && timer.elapsed() < 5000;) // without eventually's pauses
+            QCoreApplication::processEvents();
+        ASSERT_TRUE(eventually([this] { return isShown(); })) << start;
+        halvex.stop();
+        ownsName = false;
+    }
+}
+
+TEST_F(Halvex, KeepsARequestMadeWhileItStarts) {
+    test::copyBundle(HALVEX_PANE, halvex.home() / "Library/PreferencePanes/Halvex Pro.prefPane");
+    halvex.launch();
+    ::kill(static_cast<pid_t>(halvex.processId()), SIGSTOP);
+    EXPECT_EQ(halvex.run({"background", "request", "HalvexShowCalculatorNotification"}, HALVEX_CTL),
+              0);
+    EXPECT_TRUE(eventually([this] { return isShown(); }));
+    ::kill(static_cast<pid_t>(halvex.processId()), SIGCONT);
+    EXPECT_EQ(halvex.waitForExit(), 0) << "another process has become the application";
 }
 
 TEST_F(Halvex, RunsOncePerSessionAndRepliesToUnknownRequestsWithAnError) {
