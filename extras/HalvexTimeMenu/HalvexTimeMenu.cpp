@@ -6,6 +6,7 @@
 #include "platform/PropertyListService.h"
 #include "platform/values/PropertyList.h"
 #include "platform/widgets/MenuExtraPlugIn.h"
+#include "prefs/HalvexPrefsTools.h"
 
 #include <memory>
 #include <string>
@@ -38,12 +39,20 @@ class HalvexTimeMenu final : public ClockItem {
         ClockItem::willUnload();
     }
 
+    /// The pane also contains the calculator. Without it, only a running calculator can be shown.
+    bool validateMenuItem(const MenuItem& item) override {
+        if (&item != calculator_ && &item != preferences_)
+            return ClockItem::validateMenuItem(item);
+        return HalvexPrefsTools::HalvexPrefsBundle() ||
+               (&item == calculator_ && HalvexPrefsTools::findHalvexBGProcess(nullptr));
+    }
+
   private:
     void addActions() {
         menu_->addSeparator();
-        menu_->addItem(
+        calculator_ = &menu_->addItem(
             "Calculator", [this](MenuItem& sender) { OpenCalculator(&sender); }, weak_from_this());
-        menu_->addItem(
+        preferences_ = &menu_->addItem(
             "Preferences…", [this](MenuItem& sender) { HalvexPrefs(&sender); }, weak_from_this());
     }
 
@@ -70,6 +79,8 @@ class HalvexTimeMenu final : public ClockItem {
     }
 
     std::unique_ptr<Watch> preferencesWatch_;
+    const MenuItem* calculator_ = nullptr;
+    const MenuItem* preferences_ = nullptr;
 };
 
 } // namespace

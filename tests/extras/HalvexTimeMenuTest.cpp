@@ -135,13 +135,29 @@ TEST_F(HalvexTimeMenu, OpensThePaneAndTheCalculatorFromItsMenu) {
     EXPECT_TRUE(items.at(2)->isSeparatorItem());
     EXPECT_EQ(items.at(4)->title(), "Preferences…");
     EXPECT_TRUE(items.at(4)->perform());
-    EXPECT_THAT(services.journal(), ElementsAre("open /Pane with System Preferences"));
+    EXPECT_THAT(services.journal(), testing::Contains("open /Pane with System Preferences"));
     EXPECT_EQ(items.at(3)->title(), "Calculator");
     EXPECT_TRUE(items.at(3)->perform());
     while (std::ranges::count(services.journal(), "front 1") == 0)
         std::this_thread::yield();
     while (extra.use_count() > 1) // until the worker thread has released the item
         services.runMainThread();
+}
+
+TEST_F(HalvexTimeMenu, DisablesTheEntriesThatNeedAMissingPane) {
+    test::ApplicationServices services;
+    start();
+    const auto enabled = [&] {
+        const auto& items = extra->menu()->items();
+        return std::pair(items.at(3)->isEnabled(), items.at(4)->isEnabled());
+    };
+    EXPECT_EQ(enabled(), std::pair(false, false));
+    EXPECT_TRUE(extra->menu()->items().at(0)->isEnabled());
+    services.running = {"Halvex"};
+    EXPECT_EQ(enabled(), std::pair(true, false));
+    services.running.clear();
+    const test::LoadedPane pane("/Pane");
+    EXPECT_EQ(enabled(), std::pair(true, true));
 }
 
 TEST_F(HalvexTimeMenu, StopsUpdatingWhenItIsUnloaded) {

@@ -76,6 +76,7 @@ TEST_F(CalculatorRequest, ActivatesTheWindowOfAnApplicationThatRefusesToDoIt) {
     application.start(QString::fromStdString(folder / "Linux/Program"), {});
     ASSERT_TRUE(eventually(
         [&] { return bar.bus->connection().interface()->isServiceRegistered("test.Halvex"); }));
+    test::copyBundle(HALVEX_PANE, pane());
     const auto window = x.manageWindowOf(static_cast<std::uint32_t>(application.processId()));
     chooseCalculator();
     EXPECT_TRUE(eventually([&] { return x.isAsked("_NET_ACTIVE_WINDOW", window); }));
