@@ -39,6 +39,13 @@ struct ReadFileResult {
     explicit operator bool() const { return contents.has_value(); }
 };
 
+/// The result of FileManager::replaceItem.
+enum class Replacement {
+    Replaced,
+    NotRemoved, ///< the old item could not be removed and is unchanged, or there was none
+    NotCopied,  ///< the old item was removed, but the new one could not be copied
+};
+
 /// File system access. Paths are absolute and UTF-8. Operations never throw; they report failure
 /// through their return value. Thread-safe, except for watchFile.
 class FileManager : NonCopyable {
@@ -105,17 +112,26 @@ class FileManager : NonCopyable {
     /// Removes a file or a symbolic link. Fails for a folder.
     virtual bool removeFile(const std::string& path) = 0;
     /// Removes a file, a symbolic link, or a folder and its contents. Does not follow symbolic
-    /// links. If permissions forbid removing any of a folder's contents, removes nothing. @p path
-    /// disappears in one step; if the process is killed after that, the rest remains in the parent
-    /// folder under a hidden name and is deleted by the next removal of the same path.
+    /// links. @p path disappears in one step. If any of a folder's contents cannot be removed, for
+    /// example because it belongs to another user or is in use, then @p path reappears unchanged.
+    /// A hidden rest remains in the parent folder only if the process is killed or the disk fails
+    /// meanwhile; see copyItem for when it is removed.
     virtual bool removeItem(const std::string& path) = 0;
     /// Copies a file, a symbolic link, or a folder and its contents. The copy is flushed to disk
     /// and then appears at @p to in one step. Keeps permissions and times; the copy belongs to the
     /// user, so the set-user-ID and set-group-ID bits are dropped. Symbolic links are copied as
     /// links. Fails if @p from contains a pipe or a device, or if @p to is inside @p from. On
-    /// failure, leaves nothing behind. Also removes temporary copies left next to @p to by killed
-    /// processes. If several copies to @p to run at the same time, one of them succeeds.
+    /// failure, leaves nothing behind. If several copies to @p to run at the same time, one of them
+    /// succeeds.
+    ///
+    /// Killed processes may leave hidden items next to the item that they wrote, copied, moved or
+    /// removed. The next of these operations on the same path removes them.
     virtual bool copyItem(const std::string& from, const std::string& to) = 0;
+    /// Removes @p to and then copies @p from to it, like removeItem and copyItem. The copy is
+    /// prepared under a hidden name first. If the process is killed, @p to is the complete old item
+    /// or the complete new one, unless the file system cannot exchange two items or there was no
+    /// space for both: then @p to may be missing.
+    virtual Replacement replaceItem(const std::string& from, const std::string& to) = 0;
     /// Moves a file, a symbolic link or a folder. Across file systems, moves only files and
     /// symbolic links: creates a copy, then removes @p from. The copy of a file is flushed to disk
     /// and has the same mode and times and, if permitted, the same owner. On failure, @p from is

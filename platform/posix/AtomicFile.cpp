@@ -24,7 +24,7 @@ bool writeFileAtomically(const std::string& path, std::string_view bytes, System
         return false;
 
     using Entry = TemporaryEntry;
-    Entry file(Entry::Kind::File, folder.get(), "save", name, old ? 0600 : 0666, calls);
+    Entry file(Entry::Kind::File, folder.get(), name, old ? 0600 : 0666, calls);
     if (!file || (old && !copyOwnerAndMode(file.get(), *old, calls)) ||
         !writeAll(file.get(), bytes, calls) || calls.flush(file.get()) != 0 ||
         !file.rename(Entry::IfTaken::Replace))

@@ -3,11 +3,13 @@
 #include "platform/base/PathStrings.h"
 #include "platform/posix/CopyFile.h"
 #include "platform/posix/Folder.h"
+#include "platform/posix/RemoveTree.h"
 #include "platform/posix/SymbolicLinks.h"
 #include "platform/posix/TemporaryEntry.h"
 
 #include <algorithm>
 #include <fcntl.h>
+#include <optional>
 
 namespace platform::posix {
 namespace {
@@ -87,39 +89,97 @@ bool TreeCopier::finish(int copy, const struct stat& original) {
            calls_.flush(copy) == 0;
 }
 
-/// Moves an entry. A read-only folder is made writable for the move: otherwise it would fail.
-int moveInto(int from, int to, const std::string& name, SystemCalls& calls) {
-    const auto status = statusOf(from, name);
-    const bool readOnly = status && S_ISDIR(status->st_mode) && (status->st_mode & S_IWUSR) == 0;
-    if (!readOnly)
-        return calls.renameWithoutReplacing(from, name, to, name);
-    const Descriptor folder = openFolder(from, name);
-    if (!folder || calls.setMode(folder.get(), (status->st_mode & 0777U) | S_IWUSR) != 0)
-        return -1;
-    const int result = calls.renameWithoutReplacing(from, name, to, name);
-    // The copy is complete and in place; if this fails, it merely stays writable.
-    if (result == 0)
-        static_cast<void>(calls.setMode(folder.get(), status->st_mode & 0777U));
-    return result;
-}
+/// Makes a read-only folder writable for its lifetime: otherwise it could not be moved.
+class Movable : NonCopyable {
+  public:
+    Movable(int parent, const std::string& name, SystemCalls& calls) : calls_(calls) {
+        const auto status = statusOf(parent, name);
+        if (!status || !S_ISDIR(status->st_mode) || (status->st_mode & S_IWUSR) != 0)
+            return;
+        mode_ = status->st_mode & 0777U;
+        folder_ = openFolder(parent, name);
+        if (folder_)
+            static_cast<void>(calls_.setMode(folder_.get(), mode_ | S_IWUSR));
+    }
+    ~Movable() {
+        if (folder_)
+            static_cast<void>(calls_.setMode(folder_.get(), mode_));
+    }
+
+  private:
+    SystemCalls& calls_;
+    mode_t mode_ = 0;
+    Descriptor folder_;
+};
+
+/// A complete copy of @p from in a TemporaryEntry in the folder of @p to.
+class PreparedCopy : NonCopyable {
+  public:
+    /// On failure the object converts to false.
+    PreparedCopy(const std::string& from, const std::string& to, SystemCalls& calls)
+        : to_(to), name_(lastPathComponent(to)), calls_(calls),
+          target_(openFolder(deletingLastPathComponent(to), calls)) {
+        const Descriptor source = openFolder(deletingLastPathComponent(from), calls);
+        if (!source || !target_ || !isEntryName(name_))
+            return;
+        folder_.emplace(TemporaryEntry::Kind::Folder, target_.get(), name_, 0700, calls);
+        isComplete_ = *folder_ && TreeCopier(folder_->get(), calls)
+                                      .copy(source.get(), lastPathComponent(from), folder_->get(),
+                                            name_);
+    }
+
+    explicit operator bool() const { return isComplete_; }
+
+    /// Moves the copy to its final path, unless something exists there.
+    bool moveIntoPlace() {
+        const Movable copy(folder_->get(), name_, calls_);
+        if (calls_.renameWithoutReplacing(folder_->get(), name_, target_.get(), name_) != 0)
+            return false;
+        flushFolderOrLog(target_.get(), to_, calls_);
+        return true;
+    }
+
+    /// Exchanges the copy with the old item, which is removed when this object is destroyed. If the
+    /// old item cannot be removed, exchanges them again and returns NotRemoved. Returns
+    /// std::nullopt if they cannot be exchanged.
+    std::optional<Replacement> exchange() {
+        const Movable copy(folder_->get(), name_, calls_);
+        if (calls_.exchange(folder_->get(), target_.get(), name_) != 0)
+            return std::nullopt;
+        if (!canBeEmptied(folder_->get(), name_, calls_) &&
+            calls_.exchange(folder_->get(), target_.get(), name_) == 0)
+            return Replacement::NotRemoved;
+        flushFolderOrLog(target_.get(), to_, calls_);
+        return Replacement::Replaced;
+    }
+
+  private:
+    std::string to_;
+    std::string name_;
+    SystemCalls& calls_;
+    Descriptor target_;
+    std::optional<TemporaryEntry> folder_;
+    bool isComplete_ = false;
+};
 
 } // namespace
 
 bool copyItem(const std::string& from, const std::string& to, SystemCalls& calls) {
-    const std::string name = lastPathComponent(to);
-    const Descriptor source = openFolder(deletingLastPathComponent(from), calls);
-    const Descriptor target = openFolder(deletingLastPathComponent(to), calls);
-    if (!source || !target || !isEntryName(name))
+    if (statusOf(AT_FDCWD, to))
         return false;
-    const TemporaryEntry folder(TemporaryEntry::Kind::Folder, target.get(), "copy", name, 0700,
-                                calls);
-    if (!folder || statusOf(target.get(), name) ||
-        !TreeCopier(folder.get(), calls)
-             .copy(source.get(), lastPathComponent(from), folder.get(), name) ||
-        moveInto(folder.get(), target.get(), name, calls) != 0)
-        return false;
-    flushFolderOrLog(target.get(), to, calls);
-    return true;
+    PreparedCopy copy(from, to, calls);
+    return copy && copy.moveIntoPlace();
+}
+
+Replacement replaceItem(const std::string& from, const std::string& to, SystemCalls& calls) {
+    PreparedCopy copy(from, to, calls);
+    if (const auto result = copy ? copy.exchange() : std::nullopt)
+        return *result;
+    if (!removeItem(to, calls))
+        return Replacement::NotRemoved;
+    // The removal may have freed the space that preparing the copy lacked.
+    const bool copied = copy ? copy.moveIntoPlace() : copyItem(from, to, calls);
+    return copied ? Replacement::Replaced : Replacement::NotCopied;
 }
 
 } // namespace platform::posix

@@ -21,7 +21,7 @@ bool copyFile(const std::string& from, const std::string& to) {
     if (!source || !folder || !isEntryName(name))
         return false;
     using Entry = TemporaryEntry;
-    Entry copy(Entry::Kind::File, folder.get(), "move", name, 0600, calls);
+    Entry copy(Entry::Kind::File, folder.get(), name, 0600, calls);
     if (!copy || !copyBytes(source.get(), copy.get(), calls) ||
         !copyOwnerAndMode(copy.get(), status, calls) || !copyTimes(copy.get(), status) ||
         calls.flush(copy.get()) != 0 || !copy.rename(Entry::IfTaken::Fail))

@@ -179,13 +179,20 @@ bool PosixFileManager::removeFile(const std::string& path) {
 
 bool PosixFileManager::removeItem(const std::string& path) {
     const auto location = systemPath(path);
-    return location && posix::removeItem(*location);
+    return location && posix::removeItem(*location, calls_);
 }
 
 bool PosixFileManager::copyItem(const std::string& from, const std::string& to) {
     const auto source = systemPath(from);
     const auto destination = systemPath(to);
     return source && destination && posix::copyItem(*source, *destination, calls_);
+}
+
+Replacement PosixFileManager::replaceItem(const std::string& from, const std::string& to) {
+    const auto destination = systemPath(to);
+    if (!destination)
+        return Replacement::NotRemoved;
+    return posix::replaceItem(systemPath(from).value_or(""), *destination, calls_);
 }
 
 bool PosixFileManager::moveFile(const std::string& from, const std::string& to) {

@@ -27,6 +27,7 @@ class PosixFileManager : public FileManager {
     bool removeFile(const std::string& path) override;
     bool removeItem(const std::string& path) override;
     bool copyItem(const std::string& from, const std::string& to) override;
+    Replacement replaceItem(const std::string& from, const std::string& to) override;
     bool moveFile(const std::string& from, const std::string& to) override;
     std::unique_ptr<Watch> watchFile(const std::string& path,
                                      std::function<void()> handler) override;

@@ -56,6 +56,10 @@ int SystemCalls::renameWithoutReplacing(int fromFolder, const std::string& from,
     return -1;
 }
 
+int SystemCalls::exchange(int oneFolder, int otherFolder, const std::string& name) {
+    return ::renameat2(oneFolder, name.c_str(), otherFolder, name.c_str(), RENAME_EXCHANGE);
+}
+
 SystemCalls& systemCalls() {
     // Never destroyed: destructors of other static objects may log or write files.
     static auto* const calls = new SystemCalls;

@@ -37,6 +37,8 @@ class SystemCalls : NonCopyable {
     /// renaming are two calls, and another process may create @p to in between.
     virtual int renameWithoutReplacing(int fromFolder, const std::string& from, int toFolder,
                                        const std::string& to);
+    /// Exchanges two entries that have the same name. Fails on file systems without this operation.
+    virtual int exchange(int oneFolder, int otherFolder, const std::string& name);
 };
 
 /// Returns the real system calls.

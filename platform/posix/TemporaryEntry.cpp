@@ -14,17 +14,6 @@ namespace {
 
 constexpr int kMaximumAttempts = 16;
 
-void removeLeftovers(int folder, const std::string& prefix) {
-    for (const std::string& name : namesIn(folder).value_or(std::vector<std::string>())) {
-        if (!name.starts_with(prefix))
-            continue;
-        const Descriptor entry(
-            ::openat(folder, name.c_str(), O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC));
-        if (entry && ::flock(entry.get(), LOCK_EX | LOCK_NB) == 0)
-            removeTree(folder, name, Permissions::MakeWritable);
-    }
-}
-
 Descriptor create(TemporaryEntry::Kind kind, int folder, const std::string& name, mode_t mode,
                   SystemCalls& calls) {
     if (kind == TemporaryEntry::Kind::File)
@@ -45,13 +34,12 @@ bool lock(int entry, int folder, const std::string& name) {
 
 } // namespace
 
-TemporaryEntry::TemporaryEntry(Kind kind, int folder, std::string_view purpose,
-                               std::string finalName, mode_t mode, SystemCalls& calls)
+TemporaryEntry::TemporaryEntry(Kind kind, int folder, std::string finalName, mode_t mode,
+                               SystemCalls& calls)
     : folder_(folder), finalName_(std::move(finalName)), calls_(calls) {
-    const std::string prefix = temporaryPrefix(purpose, finalName_);
-    removeLeftovers(folder, prefix);
+    removeLeftovers(folder, finalName_);
     for (int attempt = 0; attempt < kMaximumAttempts; ++attempt) {
-        const auto name = temporaryName(prefix);
+        const auto name = temporaryName(temporaryPrefix(finalName_));
         if (!name)
             return;
         Descriptor entry = create(kind, folder, *name, mode, calls);
@@ -67,7 +55,7 @@ TemporaryEntry::TemporaryEntry(Kind kind, int folder, std::string_view purpose,
 
 TemporaryEntry::~TemporaryEntry() {
     if (descriptor_ && !renamed_)
-        removeTree(folder_, name_, Permissions::MakeWritable);
+        removeTree(folder_, name_);
 }
 
 bool TemporaryEntry::rename(IfTaken ifTaken) {

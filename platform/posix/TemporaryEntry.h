@@ -5,16 +5,12 @@
 #include "platform/posix/SystemCalls.h"
 
 #include <string>
-#include <string_view>
 
 namespace platform::posix {
 
 /// A new file or folder with a temporary name (see temporaryPrefix), in the same folder as its
 /// final name. It is locked with flock. Destroying the object removes the entry, with everything in
-/// it, unless it has been renamed.
-///
-/// The constructor first removes all unlocked entries with the same purpose and final name, because
-/// the processes that created them have exited.
+/// it, unless it has been renamed. The constructor first calls removeLeftovers.
 class TemporaryEntry : NonCopyable {
   public:
     enum class Kind { File, Folder };
@@ -22,8 +18,7 @@ class TemporaryEntry : NonCopyable {
 
     /// Creates an entry in @p folder; the process's umask applies to @p mode. On failure the object
     /// converts to false. @p folder must stay open, and @p calls valid, for the object's lifetime.
-    TemporaryEntry(Kind kind, int folder, std::string_view purpose, std::string finalName,
-                   mode_t mode, SystemCalls& calls);
+    TemporaryEntry(Kind kind, int folder, std::string finalName, mode_t mode, SystemCalls& calls);
     ~TemporaryEntry();
 
     explicit operator bool() const { return static_cast<bool>(descriptor_); }

@@ -24,8 +24,8 @@ std::uint64_t hash(std::string_view name) {
 
 } // namespace
 
-std::string temporaryPrefix(std::string_view purpose, std::string_view finalName) {
-    return ".halvex-" + std::string(purpose) + '-' + hexadecimal(hash(finalName)) + '-';
+std::string temporaryPrefix(std::string_view finalName) {
+    return ".halvex-" + hexadecimal(hash(finalName)) + '-';
 }
 
 std::optional<std::string> temporaryName(std::string_view prefix) {

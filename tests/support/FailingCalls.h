@@ -3,16 +3,18 @@
 #include "platform/posix/SystemCalls.h"
 
 #include <cerrno>
+#include <unistd.h>
 
 namespace test {
 
-/// Fails call number @p first, or that and all later ones, with @p error. Each write that succeeds
-/// writes only half of its bytes.
+/// Fails call number @p first, or that and all later ones, with @p error; with kExit, exits the
+/// process instead. Each write that succeeds writes only half of its bytes.
 class FailingCalls final : public platform::posix::SystemCalls {
     using Real = platform::posix::SystemCalls;
 
   public:
     enum class Times { Once, ForGood };
+    static constexpr int kExit = -1;
     FailingCalls(int first, int error, Times times) : left_(first), error_(error), times_(times) {}
 
     bool failed() const { return left_ <= 0; }
@@ -38,6 +40,9 @@ class FailingCalls final : public platform::posix::SystemCalls {
                                const std::string& to) override {
         return fails() ? -1 : Real::renameWithoutReplacing(fromFolder, from, toFolder, to);
     }
+    int exchange(int oneFolder, int otherFolder, const std::string& name) override {
+        return fails() ? -1 : Real::exchange(oneFolder, otherFolder, name);
+    }
     int rename(int folder, const std::string& from, const std::string& to) override {
         return fails() ? -1 : Real::rename(folder, from, to);
     }
@@ -45,6 +50,8 @@ class FailingCalls final : public platform::posix::SystemCalls {
   private:
     bool fails() {
         --left_;
+        if (left_ == 0 && error_ == kExit)
+            ::_exit(0);
         errno = error_;
         return times_ == Times::Once ? left_ == 0 : left_ <= 0;
     }

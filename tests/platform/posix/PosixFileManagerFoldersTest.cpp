@@ -52,7 +52,7 @@ TEST_F(PosixFileManagerFolders, MovingToAnotherFileSystemKeepsContentsModeAndTim
     EXPECT_EQ(contents(path), bytes);
     EXPECT_EQ(namesIn(away), Names{"taken"});
 
-    const std::ofstream leftover(away + '/' + platform::posix::temporaryPrefix("move", "moved") +
+    const std::ofstream leftover(away + '/' + platform::posix::temporaryPrefix("moved") +
                                  "leftover");
     EXPECT_TRUE(manager.moveFile(path, away + "/moved"));
     EXPECT_TRUE(manager.moveFile(file("link"), away + "/link"));

@@ -2,7 +2,10 @@
 
 #include <atomic>
 #include <cerrno>
+#include <cstdlib>
 #include <functional>
+#include <sched.h>
+#include <sys/mount.h>
 
 namespace {
 
@@ -159,20 +162,124 @@ TEST_F(PosixFileManagerTrees, RemovingAFolderRemovesItsContentsAndFollowsNoLinks
 }
 
 TEST_F(PosixFileManagerTrees, AFolderThatCannotBeRemovedCompletelyIsUnchanged) {
-    if (::geteuid() == 0 && ::seteuid(65534) != 0)
-        GTEST_SKIP() << "permissions do not apply to this user";
-    test::TemporaryFolder own; // belongs to the user that was just set
-    const std::string path = own.file("Y.menu");
-    own.write("Y.menu/a", "1");
-    own.write("Y.menu/b/c", "1");
-    fs::permissions(path + "/b", fs::perms(0500));
-    const Names before = describe(own.path());
-    EXPECT_FALSE(manager.removeItem(path));
-    EXPECT_EQ(describe(own.path()), before);
-    fs::permissions(path + "/b", fs::perms(0700));
-    EXPECT_TRUE(manager.removeItem(path));
-    EXPECT_EQ(namesIn(own.path()), Names());
-    ASSERT_EQ(::seteuid(::getuid()), 0);
+    // Mounts disappear with this process.
+    const bool canMount = ::unshare(CLONE_NEWNS) == 0 &&
+                          ::mount(nullptr, "/", nullptr, MS_REC | MS_PRIVATE, nullptr) == 0;
+    const struct {
+        std::string make, end; // shell commands of the real user
+        bool isPossible = true;
+    } obstacles[] = {
+        {"chmod 500 b", "chmod 700 b"},
+        {"chown root b b/c && chmod 1777 b", "chmod 777 b"}, // sticky
+        {"chattr +i b/c", "chattr -i b/c"},
+        {"mount --bind a b/c", "umount b/c", canMount},
+    };
+    const auto setUser = [](uid_t user) { return ::getuid() != 0 || ::seteuid(user) == 0; };
+    std::string missing;
+    for (const auto& [make, end, isPossible] : obstacles) {
+        SCOPED_TRACE(make);
+        ASSERT_TRUE(setUser(65534)) << "permissions do not stop root";
+        test::TemporaryFolder own; // belongs to the user that was just set
+        const std::string path = own.file("Y.menu");
+        for (const char* name : {"Y.menu/a", "Y.menu/b/c", "Y.menu/d/e", "new/f"})
+            own.write(name, "1");
+        ASSERT_TRUE(setUser(0));
+        const std::string shell = "cd '" + path + "' && exec 2>/dev/null && ";
+        if (!isPossible || std::system((shell + make).c_str()) != 0) {
+            missing += " (" + make + ")";
+            continue;
+        }
+        const Names before = describe(own.path());
+        ASSERT_TRUE(setUser(65534));
+        EXPECT_FALSE(manager.removeItem(path));
+        EXPECT_EQ(manager.replaceItem(own.file("new"), path), platform::Replacement::NotRemoved);
+        ASSERT_TRUE(setUser(0));
+        EXPECT_EQ(describe(own.path()), before);
+        EXPECT_EQ(std::system((shell + end).c_str()), 0);
+        ASSERT_TRUE(setUser(65534));
+        EXPECT_EQ(manager.replaceItem(own.file("new"), path), platform::Replacement::Replaced);
+        EXPECT_EQ(namesIn(path), Names{"f"});
+        EXPECT_TRUE(manager.removeItem(path));
+        EXPECT_EQ(namesIn(own.path()), Names{"new"});
+        ASSERT_TRUE(setUser(0));
+    }
+    if (!missing.empty())
+        GTEST_SKIP() << "not tested, because this user or file system cannot create it:" << missing;
+}
+
+TEST_F(PosixFileManagerTrees, AFailingSystemCallRemovesOrReplacesAWholeFolderOrNothing) {
+    const auto recovery = Recovery::Possible;
+    const Names whole = describe(X);
+    const auto restore = [&] {
+        if (!fs::exists(copy))
+            manager.copyItem(X, copy);
+    };
+    failEachCallOf(
+        EPERM, 15,
+        [&](auto& files) {
+            restore();
+            const bool removed = files.removeItem(copy);
+            EXPECT_EQ(namesIn(to), removed ? Names() : Names{"X.menu"});
+            EXPECT_TRUE(removed || describe(copy) == whole);
+            return removed;
+        },
+        recovery);
+    folder.write("new/Contents/Info.plist", "<plist/>");
+    const Names replaced = describe(file("new"));
+    using platform::Replacement;
+    failEachCallOf(
+        ENOSPC, 25,
+        [&](auto& files) {
+            fs::remove_all(copy);
+            restore();
+            const auto result = files.replaceItem(file("new"), copy);
+            EXPECT_EQ(namesIn(to), result == Replacement::NotCopied ? Names() : Names{"X.menu"});
+            EXPECT_TRUE(result != Replacement::Replaced || describe(copy) == replaced);
+            EXPECT_TRUE(result != Replacement::NotRemoved || describe(copy) == whole);
+            return result == Replacement::Replaced;
+        },
+        recovery);
+}
+
+TEST_F(PosixFileManagerTrees, AKilledReplacementLeavesTheOldFolderOrTheNewOne) {
+    folder.write("new/Contents/Info.plist", "<plist/>");
+    const Names old = describe(X);
+    const Names replaced = describe(file("new"));
+    ASSERT_TRUE(manager.copyItem(X, copy));
+    bool leftovers = false;
+    int status = 0;
+    for (int call = 1; status == 0; ++call) {
+        const pid_t child = ::fork();
+        ASSERT_GE(child, 0);
+        if (child == 0) {
+            FailingCalls calls(call, FailingCalls::kExit, FailingCalls::Times::Once);
+            PosixFileManager({}, calls).replaceItem(file("new"), copy);
+            ::_exit(1);
+        }
+        ASSERT_EQ(::waitpid(child, &status, 0), child);
+        const Names left = describe(copy);
+        EXPECT_TRUE(left == old || left == replaced) << call;
+        leftovers = leftovers || namesIn(to).size() > 1;
+    }
+    EXPECT_EQ(describe(copy), replaced);
+    EXPECT_TRUE(leftovers) << "no process was killed in the middle";
+    EXPECT_EQ(namesIn(to), Names{"X.menu"}) << "the next replacement removes leftovers";
+}
+
+TEST_F(PosixFileManagerTrees, ReplacesEveryKindOfItemUnlessThereIsNone) {
+    using platform::Replacement;
+    fs::permissions(X, fs::perms(0500));
+    EXPECT_EQ(manager.replaceItem(X, copy), Replacement::NotRemoved);
+    folder.write("to/file", "1");
+    fs::create_symlink("nowhere", to + "/link");
+    for (const std::string name : {"/file", "/link", "/file"}) {
+        EXPECT_EQ(manager.replaceItem(X, to + name), Replacement::Replaced);
+        EXPECT_EQ(describe(to + name), describe(X)) << name;
+        EXPECT_EQ(fs::status(to + name).permissions(), fs::perms(0500));
+    }
+    EXPECT_EQ(manager.replaceItem(file("none"), to + "/link"), Replacement::NotCopied);
+    EXPECT_EQ(namesIn(to), Names{"file"});
+    fs::permissions(X, fs::perms(0700));
 }
 
 } // namespace
