@@ -5,6 +5,7 @@
 #include "platform/qt/BusNames.h"
 #include "platform/qt/SignalReceiver.h"
 #include "platform/qt/Strings.h"
+#include "platform/qt/UserInfo.h"
 
 #include <QCoreApplication>
 #include <QDBusConnection>
@@ -51,13 +52,11 @@ std::optional<Notification> decoded(const QDBusMessage& message, std::string& re
         return std::nullopt;
     }
     auto& [name, object, userInfoText] = texts;
-    const auto parsed = propertyLists().parse(userInfoText);
-    const auto* userInfo = parsed ? parsed.value->dictionary() : nullptr;
-    if (!userInfo) {
-        reason = parsed ? "its user information is not a dictionary" : parsed.error.reason;
+    auto userInfo = decodeUserInfo(userInfoText, reason);
+    if (!userInfo)
         return std::nullopt;
-    }
-    Notification notification{.name = std::move(name), .object = {}, .userInfo = *userInfo};
+    Notification notification{
+        .name = std::move(name), .object = {}, .userInfo = std::move(*userInfo)};
     if (!object.empty())
         notification.object = std::move(object);
     return notification;

@@ -1,34 +1,16 @@
-#include "platform/FileManager.h"
 #include "platform/PropertyListService.h"
-#include "platform/expat/ExpatPropertyLists.h"
+#include "tests/fuzz/Support.h"
 
 #include <algorithm>
-#include <cstdint>
-#include <cstdio>
-#include <cstdlib>
 
-namespace {
-
-void require(bool condition, const char* what) {
-    if (condition)
-        return;
-    std::fprintf(stderr, "%s\n", what);
-    std::abort();
-}
-
-} // namespace
-
-// Not used, because the fuzzer reads lists from memory.
-platform::FileManager& platform::fileManager() {
-    std::abort();
-}
+using fuzz::require;
 
 // Parsing any bytes, in pieces of any size, results either in an error with a line and a reason or
 // in a value that can be written and read back unchanged.
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-    static const bool installed = (platform::expat::install(), true);
+    static const fuzz::Program program;
     const auto& lists = platform::propertyLists();
-    std::string_view bytes(reinterpret_cast<const char*>(data), size);
+    std::string_view bytes = fuzz::text(data, size);
     const auto whole = lists.parse(bytes);
 
     const auto inPieces = lists.parse([&](char* buffer, std::size_t room) {
@@ -36,8 +18,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         bytes.remove_prefix(count);
         return std::optional(count);
     });
-    require(installed && bool(whole) == bool(inPieces),
-            "the result depends on the size of the pieces");
+    require(bool(whole) == bool(inPieces), "the result depends on the size of the pieces");
     if (!whole) {
         require(whole.error.line > 0 && !whole.error.reason.empty(),
                 "an error has no line or no reason");
