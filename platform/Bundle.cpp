@@ -40,8 +40,11 @@ Registry& registry() {
     return *instance;
 }
 
-/// Bytes; bundles with a larger Info.plist are not kept in the registry.
-constexpr std::uintmax_t kLargestKeptInfo = 1 << 20;
+constexpr std::uint64_t kMaximumInfoBytes = 1 << 20;
+
+std::string registryKey(const std::string& path) {
+    return appendingPathComponent(path, {});
+}
 
 std::string contents(const std::string& bundle, std::string_view relative) {
     return appendingPathComponent(bundle, "Contents/" + std::string(relative));
@@ -90,27 +93,25 @@ std::shared_ptr<Bundle> Bundle::mainBundle() {
 std::shared_ptr<Bundle> Bundle::bundleWithPath(const std::string& path, std::string* reason) {
     bool isDirectory = false;
     const bool exists = fileManager().fileExists(path, &isDirectory);
-    const std::string key = appendingPathComponent(path, {});
     if (!isDirectory) {
         if (reason)
             *reason = "there is no such folder";
-        return exists ? nullptr : registry().findLastRead(key);
+        return exists ? nullptr : lastRead(path);
     }
     std::optional<PropertyList::Dictionary> info;
-    const std::string file = contents(path, "Info.plist");
-    auto result = propertyLists().read(file);
+    auto result = propertyLists().read(contents(path, "Info.plist"), kMaximumInfoBytes);
     if (PropertyList::Dictionary* dictionary = result ? result.value->dictionary() : nullptr)
         info = std::move(*dictionary);
     else if (reason)
         *reason = "Info.plist: " + (result ? "not a dictionary" : result.error.text());
     auto bundle = std::make_shared<Bundle>(path, std::move(info));
-    std::error_code missing;
-    const std::uintmax_t size = std::filesystem::file_size(file, missing);
-    if (missing || size <= kLargestKeptInfo) {
-        const std::lock_guard lock(registry().mutex);
-        registry().lastRead.insert_or_assign(key, bundle);
-    }
+    const std::lock_guard lock(registry().mutex);
+    registry().lastRead.insert_or_assign(registryKey(path), bundle);
     return bundle;
+}
+
+std::shared_ptr<Bundle> Bundle::lastRead(const std::string& path) {
+    return registry().findLastRead(registryKey(path));
 }
 
 std::shared_ptr<Bundle> Bundle::bundleWithIdentifier(std::string_view identifier) {

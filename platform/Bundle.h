@@ -15,13 +15,15 @@ namespace platform {
 /// Contents/Resources, Contents/PlugIns. Immutable. Thread-safe.
 class Bundle {
   public:
-    /// Reads the bundle at @p path. If Info.plist is missing or not a dictionary, the bundle has no
-    /// information dictionary. If @p path no longer exists, returns the bundle that this process
-    /// last read there, so its files may be missing; bundles whose Info.plist exceeds 1 MiB are not
-    /// kept for this. Returns null if @p path is not a folder, or does not exist and no bundle was
-    /// kept. In all of these cases writes an explanation to @p reason, unless null. Logs nothing.
+    /// Reads the bundle at @p path. If Info.plist is missing, is not a dictionary or exceeds 1 MiB,
+    /// the bundle has no information dictionary. If @p path no longer exists, returns lastRead.
+    /// Returns null if @p path is not a folder, or does not exist and has not been read before. In
+    /// all of these cases writes an explanation to @p reason, unless null. Logs nothing.
     static std::shared_ptr<Bundle> bundleWithPath(const std::string& path,
                                                   std::string* reason = nullptr);
+    /// Returns the bundle that this process last read at @p path, or null. Its files may have been
+    /// replaced or removed since.
+    static std::shared_ptr<Bundle> lastRead(const std::string& path);
 
     /// Returns the first bundle with this identifier among those that a host has registered with
     /// setCodeState, or null. The menu bar registers none.

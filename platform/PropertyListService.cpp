@@ -28,17 +28,18 @@ PropertyListResult PropertyListService::parse(std::string_view bytes) const {
     });
 }
 
-PropertyListResult PropertyListService::read(const std::string& path) const {
+PropertyListResult PropertyListService::read(const std::string& path,
+                                             std::uint64_t maximumBytes) const {
     const OpenFileResult opened = fileManager().openFile(path);
     if (!opened)
         return {std::nullopt, {0, 0, opened.reason}};
     const std::string tooLarge =
-        "The file is larger than " + std::to_string(kMaximumFileBytes) + " bytes.";
-    if (opened.file->size() > kMaximumFileBytes)
+        "The file is larger than " + std::to_string(maximumBytes) + " bytes.";
+    if (opened.file->size() > maximumBytes)
         return {std::nullopt, {0, 0, tooLarge}};
 
     // The file may grow while it is read, and some files report a size of 0.
-    std::uint64_t left = kMaximumFileBytes;
+    std::uint64_t left = maximumBytes;
     bool grewTooLarge = false;
     bool failed = false;
     const auto source = [&](char* buffer, std::size_t size) -> std::optional<std::size_t> {

@@ -39,7 +39,7 @@ class PropertyListService : NonCopyable {
 
     /// Lists that are nested more deeply are neither read nor written.
     static constexpr int kMaximumDepth = 512;
-    /// Files with more bytes are not read.
+    /// The largest file that is read unless a caller sets a lower limit.
     static constexpr std::uint64_t kMaximumFileBytes = 1ULL << 29;
 
     virtual ~PropertyListService();
@@ -57,8 +57,9 @@ class PropertyListService : NonCopyable {
 
     // Files. These use fileManager().
 
-    /// Reads a regular file of at most kMaximumFileBytes bytes.
-    PropertyListResult read(const std::string& path) const;
+    /// Reads a regular file. Fails if it has more than @p maximumBytes bytes.
+    PropertyListResult read(const std::string& path,
+                            std::uint64_t maximumBytes = kMaximumFileBytes) const;
     /// Reads an array from a file. Returns std::nullopt if the file cannot be read or its root is
     /// not an array.
     std::optional<PropertyList::Array> readArray(const std::string& path) const;

@@ -47,7 +47,15 @@ TEST_F(BundleFolder, IsReadAgainEachTimeAndAvailableAfterItsRemoval) {
     folder.write("Test.menu/x", "");
     EXPECT_EQ(Bundle::bundleWithPath(path)->infoDictionary(), nullptr)
         << "the path is a different bundle now";
+    folder.write("Test.menu/Contents/Info.plist", infoPlist("One"));
+    ASSERT_TRUE(Bundle::bundleWithPath(path)->infoDictionary());
+    folder.write("Test.menu/Contents/Info.plist", infoPlist(std::string(1 << 20, 'x')));
+    std::string reason;
+    EXPECT_EQ(Bundle::bundleWithPath(path, &reason)->infoDictionary(), nullptr);
+    EXPECT_THAT(reason, testing::EndsWith("larger than 1048576 bytes."));
     std::filesystem::remove_all(path);
+    EXPECT_EQ(Bundle::bundleWithPath(path)->infoDictionary(), nullptr)
+        << "not the bundle that was read before the large one";
     folder.write("Test.menu", "a file");
     EXPECT_EQ(Bundle::bundleWithPath(path), nullptr);
 }
