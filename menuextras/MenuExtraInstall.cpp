@@ -15,6 +15,7 @@ using platform::Bundle;
 using platform::FileManager;
 using platform::fileManager;
 using platform::logLine;
+using platform::Replacement;
 
 namespace {
 
@@ -43,19 +44,15 @@ bool hasInfoDictionary(const std::shared_ptr<Bundle>& bundle) {
     return bundle && bundle->infoDictionary();
 }
 
-/// Returns false if there was no old copy, and true even if it could not be removed.
-bool removeOldCopy(FileManager& files, const std::string& copy) {
-    if (!entryExists(files, copy))
-        return false;
-    if (!files.removeItem(copy)) {
+Replacement replaceOldCopy(FileManager& files, const std::string& path, const std::string& copy) {
+    const Replacement result = files.replaceItem(path, copy);
+    // The version of the removed bundle is known only if this process has opened it before.
+    const auto removed = Bundle::lastRead(copy);
+    if (result == Replacement::NotRemoved)
         logLine("error removing old MenuExtra at %@", copy);
-        return true;
-    }
-    // The version of a removed bundle is known only if this process has opened it before.
-    const auto removed = Bundle::bundleWithPath(copy);
-    if (hasInfoDictionary(removed))
+    else if (hasInfoDictionary(removed))
         logLine("replacing MenuExtra (V%@) at %@", removed->version(), copy);
-    return true;
+    return result;
 }
 
 bool isReadable(const std::optional<std::string>& path) {
@@ -93,12 +90,16 @@ bool HalvexMenuExtraTools::installMenuExtra(const std::string& path) {
         return false;
     }
     const std::string copy = appendingPathComponent(folder, *name);
-    const bool isReplacing = !containsSource(files, copy, path) && removeOldCopy(files, copy);
-    if (entryExists(files, copy)) {
-        logLine("installMenuExtra already installed at %@", copy);
-        return true;
+    const bool isReplacing = !containsSource(files, copy, path) && entryExists(files, copy);
+    Replacement result = isReplacing ? replaceOldCopy(files, path, copy) : Replacement::NotRemoved;
+    if (result == Replacement::NotRemoved) {
+        if (entryExists(files, copy)) {
+            logLine("installMenuExtra already installed at %@", copy);
+            return true;
+        }
+        result = files.copyItem(path, copy) ? Replacement::Replaced : Replacement::NotCopied;
     }
-    if (!files.copyItem(path, copy)) {
+    if (result == Replacement::NotCopied) {
         logLine("failed to install MenuExtra %@", copy);
         return false;
     }

@@ -42,9 +42,10 @@ class HalvexMenuExtraTools {
 
     // Installation
 
-    /// Copies the bundle at @p path to the installed folder. A copy with the same name is removed
-    /// first, so no copy is left if copying fails. If the old copy cannot be removed, or @p path is
-    /// the installed copy or lies inside it, leaves the copy unchanged and returns true.
+    /// Copies the bundle at @p path to the installed folder. Replaces a copy with the same name,
+    /// see FileManager::replaceItem: if the process is killed, either copy is installed, but if
+    /// copying fails, none is left. If the old copy cannot be removed completely, or @p path is the
+    /// installed copy or lies inside it, leaves the copy unchanged and returns true.
     ///
     /// Returns false if the installed folder is not writable, @p path does not exist, or copying
     /// fails. Failures and new installations are logged. A replacement is logged if myDebug is not

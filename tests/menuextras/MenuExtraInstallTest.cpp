@@ -42,6 +42,7 @@ TEST_F(MenuExtraInstall, ReplacesTheOldCopyOrLogsWhyNot) {
         {"", "1", "", false, "installMenuExtra: source P/X.menu missing", "1"},
         {"2", "", "", true, "installed MenuExtra F/X.menu", "2"},
         {"2", "", "copy P/X.menu", false, "failed to install MenuExtra F/X.menu", ""},
+        {"2", "1", "copy P/X.menu", false, "failed to install MenuExtra F/X.menu", ""},
         {"2", "1", "", true, "", "2"}, // its version is not logged: it has not been opened
         {"2", "1", "remove F/X.menu", true,
          "error removing old MenuExtra at F/X.menu\ninstallMenuExtra already installed at F/X.menu",
@@ -61,6 +62,11 @@ TEST_F(MenuExtraInstall, ReplacesTheOldCopyOrLogsWhyNot) {
         EXPECT_EQ(log(), "replacing MenuExtra (V1) at F/X.menu" + more);
         EXPECT_EQ(version("X.menu"), "2");
     }
+    arrange({"2", "1", "copy P/X.menu", {}, {}, {}});
+    ASSERT_TRUE(platform::Bundle::bundleWithPath(X));
+    EXPECT_FALSE(Tools::installMenuExtra(S));
+    EXPECT_EQ(log(), "replacing MenuExtra (V1) at F/X.menu\nfailed to install MenuExtra F/X.menu");
+    tree.files.refused.clear();
     for (const std::string& target : {std::string("nowhere"), tree.systemPath(S)}) {
         fs::remove_all(X);
         fs::create_symlink(target, X);

@@ -37,6 +37,11 @@ class RefusingFiles final : public platform::posix::PosixFileManager {
     bool copyItem(const std::string& from, const std::string& to) override {
         return !refused.contains("copy " + from) && PosixFileManager::copyItem(from, to);
     }
+    platform::Replacement replaceItem(const std::string& from, const std::string& to) override {
+        if (refused.contains("remove " + to))
+            return platform::Replacement::NotRemoved;
+        return PosixFileManager::replaceItem(refused.contains("copy " + from) ? "" : from, to);
+    }
     bool moveFile(const std::string& from, const std::string& to) override {
         return !refused.contains("move " + from) && PosixFileManager::moveFile(from, to);
     }
