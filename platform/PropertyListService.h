@@ -44,7 +44,8 @@ class PropertyListService : NonCopyable {
 
     virtual ~PropertyListService();
 
-    /// Reads @p source to its end as one property list. Stops at the first error.
+    /// Reads @p source to its end as one property list. Stops at the first error. Property lists in
+    /// another format are rejected; the error names the format if it is binary or old-style text.
     virtual PropertyListResult parse(const ByteSource& source) const = 0;
     /// Returns the value as UTF-8 XML, or std::nullopt if XML cannot represent it: if a string
     /// contains invalid UTF-8 or a control character other than tab, line feed and carriage return,

@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <array>
 #include <charconv>
+#include <locale>
+#include <sstream>
 
 namespace platform::expat {
 namespace {
@@ -126,9 +128,15 @@ std::optional<PropertyList> parseReal(std::string_view text) {
         return std::nullopt;
     double value = 0;
     const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), value);
-    if (error != std::errc() || end != text.data() + text.size())
+    if (end != text.data() + text.size())
         return std::nullopt;
-    return PropertyList(value);
+    if (error == std::errc::result_out_of_range) {
+        // from_chars does not tell which: a stream fails only if the value is too large.
+        std::istringstream stream{std::string(text)};
+        stream.imbue(std::locale::classic());
+        return stream >> value ? std::optional(PropertyList(value)) : std::nullopt;
+    }
+    return error == std::errc() ? std::optional(PropertyList(value)) : std::nullopt;
 }
 
 std::optional<PropertyList> parseDate(std::string_view text) {

@@ -79,6 +79,24 @@ bool isSpace(std::string_view text) {
     });
 }
 
+/// If @p start is the start of a property list that is not XML, returns an error that names its
+/// format.
+std::optional<std::string> errorForOtherFormat(std::string_view start) {
+    constexpr const char* kConvert = " property lists are not supported; convert the file to XML";
+    if (start.starts_with("bplist"))
+        return std::string("Binary") + kConvert;
+    constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
+    if (start.starts_with(kByteOrderMark))
+        start.remove_prefix(kByteOrderMark.size());
+    start.remove_prefix(std::min(start.find_first_not_of(" \t\r\n"), start.size()));
+    const auto separator = start.find_first_of("=:");
+    const bool isJson = separator != std::string_view::npos && start[separator] == ':';
+    if (start.starts_with("// !$*UTF8*$!") || start.starts_with('(') ||
+        (start.starts_with('{') && !isJson))
+        return std::string("Old-style (text)") + kConvert;
+    return std::nullopt;
+}
+
 /// Detects unpaired surrogates in UTF-16. Expat does not: it accepts any character as the second
 /// half of a pair. Ignores other encodings.
 class SurrogateCheck {
@@ -209,8 +227,13 @@ PropertyListResult Reader::run(const PropertyListService::ByteSource& source) {
             fail("The bytes could not be read completely");
             return result();
         }
+        const std::string_view piece(static_cast<const char*>(buffer), *count);
+        if (auto error = fed_ == 0 ? errorForOtherFormat(piece) : std::nullopt) {
+            fail(std::move(*error));
+            return result();
+        }
         fed_ += *count;
-        if (!surrogates_.accept({static_cast<const char*>(buffer), *count})) {
+        if (!surrogates_.accept(piece)) {
             fail("Unpaired surrogate");
             return result();
         }

@@ -64,6 +64,8 @@ TEST_F(PropertyListXmlTest, ReadsWellFormedLists) {
          "😀"},
         {inPlist("<integer> -0x10\n</integer>"), -16},
         {inPlist("<real>+1e-3</real>"), 0.001},
+        {inPlist("<real>1e-999</real>"), 0.0},
+        {inPlist("<real>-0." + std::string(400, '0') + "1</real>"), -0.0},
         {inPlist("<real>-Infinity</real>"), -std::numeric_limits<double>::infinity()},
         {inPlist("<date>2024-02-29T23:59:59Z</date>"), PropertyList::Date{1'709'251'199}},
         {inPlist("<date>-0001-12-31T00:00:00Z</date>"), PropertyList::Date{-62'167'305'600}},
@@ -105,6 +107,11 @@ TEST_F(PropertyListXmlTest, RejectsInvalidListsWithTheLineOfTheError) {
         {"<!DOCTYPE plist [%other;]>" + inPlist("<true/>"), 1, "entity"},
         {inPlist("<true/>\n<!-- " + std::string(3 << 20, 'c') + " -->"), 2, "more than 1048576"},
         {nested(513), 1, "Nested more than 512 deep"},
+        {"bplist00\xD1\1\2", 1, "Binary property lists are not supported"},
+        {"{ key = value; }", 1, "Old-style (text) property lists are not supported"},
+        {"\xEF\xBB\xBF\n(a, b)", 1, "Old-style (text)"},
+        {"// !$*UTF8*$!\n{}", 1, "Old-style (text)"},
+        {"{\"json\": 1}", 1, "not well-formed"},
     };
     for (const auto& [bytes, line, reason] : cases) {
         const auto result = propertyLists().parse(bytes);
@@ -117,7 +124,7 @@ TEST_F(PropertyListXmlTest, RejectsInvalidListsWithTheLineOfTheError) {
 TEST_F(PropertyListXmlTest, RejectsMalformedAndOutOfRangeScalars) {
     const std::pair<std::string, std::vector<const char*>> cases[] = {
         {"integer", {"", "1.5", "--1", "0x", "18446744073709551616", "-9223372036854775809"}},
-        {"real", {"57,8", "+-1", "1e999"}},
+        {"real", {"57,8", "+-1", "1e999", "-1e999", "1e-999x"}},
         {"date",
          {"2023-02-29T00:00:00Z", "2023-01-01T24:00:00Z", "2023-1-01T00:00:00Z",
           "2023-01-01T00:00:00", "2023-01-01"}},
