@@ -135,7 +135,8 @@ class FileManager : NonCopyable {
     /// Moves a file, a symbolic link or a folder. Across file systems, moves only files and
     /// symbolic links: creates a copy, then removes @p from. The copy of a file is flushed to disk
     /// and has the same mode and times and, if permitted, the same owner. On failure, @p from is
-    /// unchanged and @p to is absent.
+    /// unchanged and @p to is absent. If the process is killed after copying, both exist; the next
+    /// move finds that @p to has the same contents and modification time, and removes @p from.
     virtual bool moveFile(const std::string& from, const std::string& to) = 0;
 
     // Watching

@@ -3,6 +3,7 @@
 
 namespace {
 
+using namespace std::string_literals;
 using namespace test;
 
 using PosixFileManagerFolders = test::FileManagerFixture;
@@ -51,6 +52,27 @@ TEST_F(PosixFileManagerFolders, MovingToAnotherFileSystemKeepsContentsModeAndTim
     EXPECT_EQ(contents(away + "/taken"), "t");
     EXPECT_EQ(contents(path), bytes);
     EXPECT_EQ(namesIn(away), Names{"taken"});
+
+    // A process that was killed after copying has left both.
+    for (const char* name : {"file", "link"}) {
+        ASSERT_TRUE(manager.moveFile(file(name), away + "/both"));
+        ASSERT_EQ(std::system(("cp -a " + away + "/both " + file(name)).c_str()), 0);
+        EXPECT_TRUE(manager.moveFile(file(name), away + "/both")) << name;
+        EXPECT_EQ(names(), name == "file"s ? (Names{"folder", "link"}) : (Names{"file", "folder"}));
+        std::ofstream(file("other")) << "a different file";
+        EXPECT_FALSE(manager.moveFile(file("other"), away + "/both"));
+        fs::remove(file("other"));
+        fs::rename(away + "/both", away + "/back");
+        ASSERT_TRUE(manager.moveFile(away + "/back", file(name)));
+    }
+    // Only the contents differ.
+    ASSERT_EQ(std::system(("cp -a " + path + " " + away + "/changed && cd " + away +
+                           " && printf y | dd of=changed conv=notrunc 2>/dev/null && touch -r " +
+                           path + " changed")
+                              .c_str()),
+              0);
+    EXPECT_FALSE(manager.moveFile(path, away + "/changed"));
+    fs::remove(away + "/changed");
 
     const std::ofstream leftover(away + '/' + platform::posix::temporaryPrefix("moved") +
                                  "leftover");
