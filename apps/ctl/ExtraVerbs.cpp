@@ -11,10 +11,12 @@
 #include "platform/MenuExtraServer.h"
 #include "platform/base/PathStrings.h"
 
+#include <filesystem>
 #include <functional>
 #include <memory>
 #include <optional>
 #include <string>
+#include <system_error>
 
 using menuextras::MenuExtraKind;
 using platform::Bundle;
@@ -42,6 +44,15 @@ const MenuExtraKind* findKind(const std::string& text) {
     return nullptr;
 }
 
+std::string installedPath(const std::string& file) {
+    return platform::appendingPathComponent(menuextras::installedFolder(), file);
+}
+
+/// Same as fileExists, but also true for a dangling symbolic link.
+bool entryExists(const std::string& path) {
+    return platform::fileManager().fileExists(path) || platform::fileManager().isSymbolicLink(path);
+}
+
 /// Returns the version of the bundle at @p path, "?" if it has none, or an empty string if there
 /// is no bundle.
 std::string versionAt(const std::string& path) {
@@ -55,8 +66,7 @@ PropertyList::Dictionary describe(const MenuExtraKind& kind, const BarState& bar
                                   const std::optional<std::string>& plugIns) {
     const std::string shipped =
         plugIns ? platform::appendingPathComponent(*plugIns, kind.fileName) : "";
-    const std::string installed =
-        platform::appendingPathComponent(menuextras::installedFolder(), kind.fileName);
+    const std::string installed = installedPath(kind.fileName);
     return {{"tag", kind.tag},
             {"identifier", kind.identifier},
             {"name", nameOf(kind)},
@@ -105,11 +115,16 @@ ExitStatus toggle(const std::string& name, const std::string& state) {
     platform::MenuExtraReference ignored = 0;
     const auto wanted = on ? MenuExtraStatus::NoError : MenuExtraStatus::NotLoaded;
     const std::int32_t status = platform::menuExtraServer().getMenuExtra(kind->identifier, ignored);
+    if (!on && (!kind->isToggleable || entryExists(installedPath(kind->fileName))))
+        return fail(name + (kind->isToggleable ? ": the installed copy was not removed"
+                                               : ": this menu extra cannot be turned off"));
     return status == static_cast<std::int32_t>(wanted) ? ExitStatus::Success : ExitStatus::Failure;
 }
 
 ExitStatus install(const std::string& path) {
-    const std::string bundle = absolutePath(path);
+    std::error_code missing;
+    const auto resolved = std::filesystem::canonical(path, missing);
+    const std::string bundle = missing ? absolutePath(path) : resolved.string();
     bool isFolder = false;
     if (platform::fileManager().fileExists(bundle, &isFolder) && !isFolder)
         return fail(path + ": a menu extra is a folder, not a file");
@@ -122,19 +137,23 @@ ExitStatus install(const std::string& path) {
 /// Accepts a name or the path of an installed copy. For any other path the library would remove the
 /// installed copy of the same name.
 ExitStatus remove(const std::string& name) {
+    paths::makeHomeFolders(platform::fileManager());
     const bool isPath = name.find('/') != std::string::npos;
     const std::string file = platform::lastPathComponent(isPath ? absolutePath(name) : name);
     if (file.empty() || file == "." || file == ".." ||
-        (isPath && absolutePath(name) !=
-                       platform::appendingPathComponent(menuextras::installedFolder(), file)))
+        (isPath && absolutePath(name) != installedPath(file)))
         return fail(name + ": this is not the name of an installed copy");
-    const bool hasExtension = platform::pathExtension(file) == "menu";
-    return Tools::removeMenuExtra(hasExtension ? file : file + ".menu")
-               ? ExitStatus::Success
-               : fail(name + ": the installed copy was not removed");
+    const std::string bundle = platform::pathExtension(file) == "menu" ? file : file + ".menu";
+    const std::string copy = installedPath(bundle);
+    // The library ignores dangling links.
+    const bool isDangling = entryExists(copy) && !platform::fileManager().fileExists(copy);
+    const bool removed =
+        isDangling ? platform::fileManager().removeFile(copy) : Tools::removeMenuExtra(bundle);
+    return removed ? ExitStatus::Success : fail(name + ": the installed copy was not removed");
 }
 
 ExitStatus upgrade(const std::string& name) {
+    paths::makeHomeFolders(platform::fileManager());
     if (name.empty())
         return printYesOrNo(Tools::DoUpgradeIfNeeded());
     const MenuExtraKind* kind = findKind(name);

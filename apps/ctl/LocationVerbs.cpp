@@ -12,7 +12,7 @@
 #include <memory>
 #include <string>
 
-using platform::PropertyList;
+using Array = platform::PropertyList::Array;
 
 namespace apps {
 namespace {
@@ -26,7 +26,8 @@ struct Options {
 };
 
 ExitStatus show(bool json) {
-    std::optional<PropertyList::Array> list = HalvexFilePaths::HalvexLoadLocationFile();
+    paths::makeHomeFolders(platform::fileManager());
+    std::optional<Array> list = HalvexFilePaths::HalvexLoadLocationFile();
     if (!list)
         return fail("the default locations cannot be read");
     return print(std::move(*list), formatFor(json));
@@ -34,27 +35,26 @@ ExitStatus show(bool json) {
 
 /// Returns the user's cache, or an empty list if it cannot be read. Unlike the library's
 /// operations, does not create the user's folders.
-PropertyList::Array userCache() {
+Array userCache() {
     std::string path = HalvexFilePaths::ovxGetUserApplSupportFolder();
     for (const char* component :
          {quorvaneSoftwareFolder, HalvexProSupportFolder, HalvexNetLocations})
         path = platform::appendingPathComponent(path, component);
-    return platform::propertyLists().readArray(path).value_or(PropertyList::Array());
+    return platform::propertyLists().readArray(path).value_or(Array());
 }
 
 ExitStatus merge(const Options& options) {
-    std::optional<PropertyList::Array> list = readArray(options.list);
+    std::optional<Array> list = readArray(options.list);
     if (!list)
         return ExitStatus::Failure;
-    std::optional<PropertyList::Array> cached =
-        options.cache.empty() ? userCache() : readArray(options.cache);
+    std::optional<Array> cached = options.cache.empty() ? userCache() : readArray(options.cache);
     if (!cached)
         return ExitStatus::Failure;
     return print(paths::mergeRecords(std::move(*list), std::move(*cached)).records, Format::Xml);
 }
 
 ExitStatus split(const Options& options) {
-    std::optional<PropertyList::Array> list = readArray(options.list);
+    std::optional<Array> list = readArray(options.list);
     if (!list)
         return ExitStatus::Failure;
     const paths::SplitRecords records = paths::splitRecords(std::move(*list));
@@ -66,22 +66,33 @@ ExitStatus split(const Options& options) {
 }
 
 ExitStatus save(const std::string& file) {
-    std::optional<PropertyList::Array> list = readArray(file);
+    std::optional<Array> list = readArray(file);
     if (!list)
         return ExitStatus::Failure;
     paths::makeHomeFolders(platform::fileManager());
-    return HalvexFilePaths::HalvexSaveLocationTable(std::move(*list)) ? ExitStatus::Success
-                                                                      : ExitStatus::Failure;
+    const Array net = paths::splitRecords(*list).net;
+    if (!HalvexFilePaths::HalvexSaveLocationTable(std::move(*list)))
+        return ExitStatus::Failure;
+    // The library does not report whether it has written the cache.
+    return net.empty() || userCache() == net ? ExitStatus::Success
+                                             : fail("the subscribed locations were not saved");
+}
+
+ExitStatus cacheExists() {
+    paths::makeHomeFolders(platform::fileManager());
+    return printYesOrNo(HalvexFilePaths::HalvexExistsNetLocation());
+}
+
+ExitStatus removeCache() {
+    paths::makeHomeFolders(platform::fileManager());
+    return HalvexFilePaths::HalvexRemoveNetLocation() ? ExitStatus::Success
+                                                      : fail("the cache cannot be removed");
 }
 
 void addCacheVerbs(CLI::App& locations, Task& task) {
     CLI::App& cache = addVerbGroup(locations, "cache", "Manage the cache of subscribed locations");
-    addVerb(cache, task, "exists", "Print whether the cache exists",
-            [] { return printYesOrNo(HalvexFilePaths::HalvexExistsNetLocation()); });
-    addVerb(cache, task, "remove", "Remove the cache", [] {
-        return HalvexFilePaths::HalvexRemoveNetLocation() ? ExitStatus::Success
-                                                          : fail("the cache cannot be removed");
-    });
+    addVerb(cache, task, "exists", "Print whether the cache exists", cacheExists);
+    addVerb(cache, task, "remove", "Remove the cache", removeCache);
 }
 
 } // namespace

@@ -19,7 +19,9 @@ class Files final : public platform::posix::PosixFileManager {
         : PosixFileManager(root), missingFolders_(missingFolders) {}
 
     bool createDirectory(const std::string& path) override {
-        return missingFolders_ == MissingFolders::Ignore || PosixFileManager::createDirectory(path);
+        if (missingFolders_ == MissingFolders::Ignore || PosixFileManager::createDirectory(path))
+            return true;
+        return missingFolders_ == MissingFolders::CreateIfPossible && path.starts_with("/Library/");
     }
 
   private:

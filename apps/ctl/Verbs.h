@@ -12,7 +12,8 @@ namespace apps {
 /// How the library's operations treat missing folders.
 enum class MissingFolders {
     Create,
-    Ignore, ///< createDirectory() returns true without creating them
+    CreateIfPossible, ///< in /Library, createDirectory() returns true even if it fails
+    Ignore,           ///< createDirectory() returns true without creating them
 };
 
 /// The operation given on the command line. Run it once the whole line is parsed.

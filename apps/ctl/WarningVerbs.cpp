@@ -1,6 +1,8 @@
 #include "apps/ctl/Verbs.h"
 #include "apps/shared/AbsolutePath.h"
+#include "paths/HomeFolders.h"
 #include "paths/ovxPaths.h"
+#include "platform/FileManager.h"
 
 #include <memory>
 #include <string>
@@ -15,10 +17,16 @@ struct Options {
 };
 
 ExitStatus show(const Options& options) {
+    paths::makeHomeFolders(platform::fileManager());
     const std::string& file = options.defaultFile;
     return print(
         HalvexFilePaths::loadWarnMeTitles(options.name, file.empty() ? file : absolutePath(file)),
         formatFor(options.json));
+}
+
+ExitStatus hasCustom(const std::string& name) {
+    paths::makeHomeFolders(platform::fileManager());
+    return printYesOrNo(HalvexFilePaths::hasCustomWarnMeFile(name));
 }
 
 } // namespace
@@ -32,18 +40,18 @@ void addWarningVerbs(CLI::App& commands, Task& task) {
                          "The list to print if NAME is not found");
     addJsonFlag(*warnings, options->json);
 
-    CLI::App& hasCustom = addVerb(
+    CLI::App& customVerb = addVerb(
         *warnings, task, "has-custom", "Print whether a custom list replaces the default",
-        [options] { return printYesOrNo(HalvexFilePaths::hasCustomWarnMeFile(options->name)); });
-    hasCustom.add_option("NAME", options->name, "The list's name")->required();
+        [options] { return hasCustom(options->name); }, MissingFolders::CreateIfPossible);
+    customVerb.add_option("NAME", options->name, "The list's name")->required();
 
-    warnings->callback([options, &hasCustom, &task] {
-        if (hasCustom.parsed())
+    warnings->callback([options, &customVerb, &task] {
+        if (customVerb.parsed())
             return;
         // Not required(), because has-custom takes its own NAME.
         if (options->name.empty())
             throw CLI::RequiredError("NAME");
-        task.run = [options] { return show(*options); };
+        task = {[options] { return show(*options); }, MissingFolders::CreateIfPossible};
     });
 }
 

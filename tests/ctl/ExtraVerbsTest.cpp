@@ -66,6 +66,9 @@ TEST(ExtraVerbs, TurnTheClockOnAndOffInTheRealBar) {
          {"halvexctl menubar remove " + clock + " && " + items, ""},
          {"halvexctl menubar remove " + clock, "", 1,
           "halvexctl: " + clock + ": the menu extra is"},
+         {"halvexctl toggle 31 off", "", 1, "31: this menu extra cannot be turned off"},
+         {"ln -s nowhere \"$user/Menu Extras/HalvexASMMenu.menu\"; halvexctl toggle 2 off", "", 1,
+          "2: the installed copy was not removed"},
          {"halvexctl menubar stop", ""},
          {"halvexctl menubar stop", "", 1, "halvexctl: no menu bar is running\n"}});
 }
@@ -86,6 +89,16 @@ TEST(ExtraVerbs, RejectInvalidArgumentsAndChangeNothing) {
          {"halvexctl upgrade 7", "", 1, "halvexctl: 7" + unknown},
          {"halvexctl preflight file.menu", "", 1, "not a bundle with code"},
          {"ls \"$user/kept.menu\"", "x\n"}});
+}
+
+TEST(ExtraVerbs, InstallTheTargetOfALinkAndRemoveADanglingLink) {
+    const Shell shell;
+    shell.write("built/Own.menu/Contents/Info.plist", "<plist><dict/></plist>");
+    shell.run({{"ln -s built/Own.menu link; halvexctl install link", "", 0, "installed MenuExtra"},
+               {"cd \"$user/Menu Extras\" && ls -F", "Own.menu/\n"},
+               {"ln -s nowhere Gone.menu; halvexctl install Gone.menu", "", 1, "Gone.menu missing"},
+               {"mv Gone.menu \"$user/Menu Extras\"; halvexctl remove Gone", ""},
+               {"cd \"$user/Menu Extras\" && ls", "Own.menu\n"}});
 }
 
 TEST(ExtraVerbs, WorkWithoutASessionBus) {

@@ -71,16 +71,29 @@ TEST(PathVerbs, ListFramesByNameAndExclusion) {
 TEST(LocationVerbs, SaveAndShowOwnAndSubscribedLocations) {
     const Shell shell;
     shell.write("list", list(kNet + kOwn));
-    shell.run({{"halvexctl locations cache exists", "no\n", 1},
-               {"halvexctl locations show --json", "[]\n"},
-               {"halvexctl locations save list && halvexctl locations show", list(kOwn + kNet)},
-               {"cat \"$user/Halvex Pro/Halvex Locations\"", list(kOwn)},
-               {"cat \"$user/Halvex Pro/Halvex Net Locations.plist\"", list(kNet)},
-               {"halvexctl locations cache exists", "yes\n"},
-               {"halvexctl locations cache remove && halvexctl locations show", list(kOwn)},
-               {"rm -r home/Library; halvexctl locations save list", ""},
-               {"rm -r home/Library; touch home/Library; halvexctl locations save list", "", 1,
-                "Unable to write: "}});
+    shell.run(
+        {{"halvexctl locations cache exists", "no\n", 1},
+         {"halvexctl locations show --json", "[]\n"},
+         {"halvexctl locations save list && halvexctl locations show", list(kOwn + kNet)},
+         {"cat \"$user/Halvex Pro/Halvex Locations\"", list(kOwn)},
+         {"cat \"$user/Halvex Pro/Halvex Net Locations.plist\"", list(kNet)},
+         {"halvexctl locations cache exists", "yes\n"},
+         {"halvexctl locations cache remove && halvexctl locations show", list(kOwn)},
+         {"rm -r home/Library; halvexctl locations save list", ""},
+         {"rm \"$user/Halvex Pro/\"*Net*; mkdir \"$user/Halvex Pro/Halvex Net Locations.plist\"",
+          ""},
+         {"halvexctl locations save list", "", 1, "the subscribed locations were not saved"},
+         {"rm -r home/Library; touch home/Library; halvexctl locations save list", "", 1,
+          "Unable to write: "}});
+}
+
+TEST(LocationVerbs, LogNoErrorsInAnEmptyHome) {
+    const Shell shell;
+    for (const std::string verb :
+         {"locations show", "locations cache exists", "locations cache remove",
+          "warnings WarningTitles", "warnings has-custom WarningTitles", "remove X", "upgrade"})
+        shell.run({{"rm -r home/* root/*; halvexctl " + verb + " >out; grep -i error error", "", 1},
+                   {"ls home/Library", "Application Support\nPreferences\n"}});
 }
 
 TEST(LocationVerbs, MergeAndSplitWithoutChangingTheUsersFiles) {
