@@ -48,9 +48,10 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     require(list.write(), "the list cannot be written");
     ItemList again(file, kOwnItems);
     require(again.read() && std::ranges::equal(list.items(), again.items(), areEqual) &&
-                std::ranges::equal(list.disabledBundles(), again.disabledBundles(), {},
-                                   [](const auto& entry) { return entry.first; },
-                                   [](const auto& entry) { return entry.first; }),
+                std::ranges::equal(
+                    list.disabledBundles(), again.disabledBundles(), {},
+                    [](const auto& entry) { return entry.first; },
+                    [](const auto& entry) { return entry.first; }),
             "the written list reads back differently");
     return 0;
 }
