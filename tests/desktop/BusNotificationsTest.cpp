@@ -19,6 +19,7 @@
 #include <fstream>
 #include <iterator>
 #include <map>
+#include <memory>
 #include <thread>
 
 using namespace platform;
@@ -241,6 +242,21 @@ TEST_F(BusNotificationsTest, RequestsPassByProcessesThatDoNotOwnTheApplicationsN
         process->kill();
         process->waitForFinished();
     }
+}
+
+TEST_F(BusNotificationsTest, ReceivesWhatACommandPostsJustBeforeItExits) {
+    constexpr int kCount = 32;
+    installApplication();
+    EXPECT_EQ(request(), 0);
+    observe("Request");
+    std::vector<std::unique_ptr<QProcess>> commands;
+    for (int i = 0; i < kCount; ++i) {
+        commands.push_back(std::make_unique<QProcess>());
+        commands.back()->start(HALVEX_CTL, {"background", "request", "Request"});
+    }
+    for (const auto& command : commands)
+        EXPECT_TRUE(command->waitForFinished());
+    EXPECT_TRUE(receives(kCount)) << received.size();
 }
 
 TEST_F(BusNotificationsTest, RequestsDoNotWaitForAHangingApplicationOrReachAKilledOne) {
