@@ -2,41 +2,51 @@
 
 #include "apps/shared/ItemList.h"
 #include "paths/ovxPaths.h"
+#include "platform/FileManager.h"
 #include "platform/Log.h"
 #include "platform/base/PathStrings.h"
 #include "platform/qt/BarClient.h"
 
 #include <algorithm>
+#include <utility>
+
+using platform::qt::KnownItem;
 
 namespace apps {
 
-BarState::BarState()
-    : list_(std::make_unique<ItemList>(
-          platform::appendingPathComponent(HalvexFilePaths::ovxGetUsersHalvexProSupportDir(),
-                                           ItemList::kFileName),
-          "")) {
-    list_->read();
+BarState::BarState() {
     platform::qt::BarClient bar;
-    if (!bar.processIdentifier())
-        return;
-    const auto items = bar.listMenuExtras();
-    if (!items) {
-        platform::logLine("cannot list the loaded menu extras: %@", items.reason);
+    if (bar.processIdentifier()) {
+        auto items = bar.items();
+        if (!items)
+            platform::logLine("cannot list the menu bar's items: %@", items.reason);
+        items_ = std::move(items.value).value_or(std::vector<KnownItem>());
         return;
     }
-    for (const platform::qt::BarItem& item : *items.value)
-        loaded_.push_back(item.identifier);
+    list_ = std::make_unique<ItemList>(
+        platform::appendingPathComponent(HalvexFilePaths::ovxGetUsersHalvexProSupportDir(),
+                                         ItemList::kFileName),
+        "");
+    list_->read();
 }
 
 BarState::~BarState() = default;
 
-bool BarState::isLoaded(const std::string& identifier) const {
-    return std::ranges::count(loaded_, identifier) > 0;
-}
-
-std::string BarState::crashStep(const std::string& path) const {
-    const ItemList::DisabledBundle* found = list_->findDisabled(path);
-    return found ? found->step : "";
+KnownItem BarState::find(const std::string& identifier, const std::string& path) const {
+    KnownItem item{.identifier = identifier, .path = path, .state = "not loaded"};
+    const auto known = std::ranges::find(items_, identifier, &KnownItem::identifier);
+    if (known != items_.end())
+        return *known;
+    const auto* disabled = list_ ? list_->findDisabled(path) : nullptr;
+    const auto* stored = list_ ? list_->findItem(identifier) : nullptr;
+    if (stored && !platform::fileManager().isDirectory(stored->path)) {
+        item.state = "missing";
+        item.reason = "no bundle at " + stored->path;
+    } else if (disabled) {
+        item.state = "disabled";
+        item.reason = ItemList::reason(*disabled);
+    }
+    return item;
 }
 
 } // namespace apps

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "platform/base/NonCopyable.h"
+#include "platform/qt/BarItem.h"
 
 #include <memory>
 #include <string>
@@ -10,21 +11,19 @@ namespace apps {
 
 class ItemList;
 
-/// The items that the bar had loaded or disabled when this object was created. Does not start the
-/// bar: if it is not running, no item counts as loaded.
+/// The states of the bar's items when this object was created. Does not start the bar: if it is not
+/// running, no item is loaded, and the stored list has the reasons.
 class BarState : platform::NonCopyable {
   public:
     BarState();
     ~BarState();
 
-    bool isLoaded(const std::string& identifier) const;
-    /// Returns what the bar was doing when the bundle at @p path crashed it (see ItemList), or an
-    /// empty string if that bundle is not disabled.
-    std::string crashStep(const std::string& path) const;
+    /// Returns the state of an item whose bundle is installed at @p path.
+    platform::qt::KnownItem find(const std::string& identifier, const std::string& path) const;
 
   private:
-    std::vector<std::string> loaded_; ///< identifiers
-    std::unique_ptr<ItemList> list_;
+    std::vector<platform::qt::KnownItem> items_;
+    std::unique_ptr<ItemList> list_; // null if the bar is running
 };
 
 } // namespace apps

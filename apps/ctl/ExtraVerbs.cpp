@@ -67,6 +67,7 @@ PropertyList::Dictionary describe(const MenuExtraKind& kind, const BarState& bar
     const std::string shipped =
         plugIns ? platform::appendingPathComponent(*plugIns, kind.fileName) : "";
     const std::string installed = installedPath(kind.fileName);
+    const platform::qt::KnownItem item = bar.find(kind.identifier, installed);
     return {{"tag", kind.tag},
             {"identifier", kind.identifier},
             {"name", nameOf(kind)},
@@ -74,8 +75,9 @@ PropertyList::Dictionary describe(const MenuExtraKind& kind, const BarState& bar
             {"shippedVersion", versionAt(shipped)},
             {"installed", installed},
             {"installedVersion", versionAt(installed)},
-            {"loaded", bar.isLoaded(kind.identifier)},
-            {"disabled", bar.crashStep(installed)}};
+            {"loaded", item.state == "loaded"},
+            {"state", item.state},
+            {"reason", item.reason}};
 }
 
 std::string textLine(const PropertyList& row) {
@@ -88,8 +90,8 @@ std::string textLine(const PropertyList& row) {
                        text("identifier") + "\tshipped " + version("shippedVersion") +
                        "\tinstalled " + version("installedVersion") + '\t' +
                        (*row.find("loaded")->boolean() ? "loaded" : "not loaded");
-    if (const std::string step = text("disabled"); !step.empty())
-        line += "\tdisabled: it crashed the bar (" + step + ")";
+    if (const std::string reason = text("reason"); !reason.empty())
+        line += '\t' + text("state") + ": " + reason;
     return line + '\n';
 }
 

@@ -96,7 +96,7 @@ ExitStatus listKnown(bool json) {
                                                    {"state", item.state},
                                                    {"reason", item.reason}});
         text += item.identifier + '\t' + item.path + '\t' + std::to_string(item.position) + '\t' +
-                item.state + (item.reason.empty() ? "" : ": " + item.reason) + '\n';
+                (item.reason.empty() ? item.state : problemOf(item)) + '\n';
     }
     return json ? print(std::move(rows), Format::Json) : print(text);
 }

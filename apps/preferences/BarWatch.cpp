@@ -11,15 +11,14 @@ namespace apps {
 
 BarWatch::BarWatch() {
     auto bus = QDBusConnection::sessionBus();
-    for (const char* member : {"MenuExtraLoaded", "MenuExtraUnloaded"})
-        bus.connect(kBarBusName, kBarObjectPath, kBarInterface, member, this,
-                    SLOT(itemChanged(QString)));
+    bus.connect(kBarBusName, kBarObjectPath, kBarInterface, "ItemsChanged", this,
+                SLOT(itemsChanged()));
     auto* const watcher =
         new QDBusServiceWatcher(kBarBusName, bus, QDBusServiceWatcher::WatchForOwnerChange, this);
     connect(watcher, &QDBusServiceWatcher::serviceOwnerChanged, this, &BarWatch::changed);
 }
 
-void BarWatch::itemChanged(const QString&) {
+void BarWatch::itemsChanged() {
     emit changed();
 }
 

@@ -1,7 +1,6 @@
 #pragma once
 
 #include <QObject>
-#include <QString>
 
 namespace apps {
 
@@ -13,11 +12,11 @@ class BarWatch final : public QObject {
     BarWatch();
 
   signals:
-    /// Emitted after the bar has loaded or unloaded an item, has started or has exited.
+    /// Emitted after the state of an item has changed, or the bar has started or exited.
     void changed();
 
   private slots:
-    void itemChanged(const QString& identifier);
+    void itemsChanged();
 };
 
 } // namespace apps

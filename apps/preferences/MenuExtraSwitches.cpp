@@ -42,8 +42,8 @@ std::vector<std::shared_ptr<Bundle>> shippedExtras(const Bundle& pane) {
 
 } // namespace
 
-MenuExtraSwitches::MenuExtraSwitches(const Bundle& pane, std::function<bool()> isBarRunning)
-    : isBarRunning_(std::move(isBarRunning)), message_(new QLabel) {
+MenuExtraSwitches::MenuExtraSwitches(const Bundle& pane, BarQueries bar)
+    : bar_(std::move(bar)), message_(new QLabel) {
     worker_.setMaxThreadCount(1);
     auto* const column = new QVBoxLayout(this);
     column->setContentsMargins(0, 0, 0, 0);
@@ -76,7 +76,12 @@ void MenuExtraSwitches::addSwitch(const Bundle& extra) {
     connect(box, &QCheckBox::clicked, this,
             [this, index = switches_.size()](bool on) { toggle(index, on); });
     layout()->addWidget(box);
-    switches_.push_back({tag, identifier, box});
+    auto* const problem = new QLabel;
+    problem->setTextFormat(Qt::PlainText);
+    problem->setWordWrap(true);
+    problem->hide();
+    layout()->addWidget(problem);
+    switches_.push_back({tag, identifier, box, problem});
 }
 
 void MenuExtraSwitches::changeEvent(QEvent* event) {
@@ -98,12 +103,10 @@ void MenuExtraSwitches::updateBoxColours() {
 void MenuExtraSwitches::refresh() {
     for (const Switch& entry : switches_) {
         runOnWorker([this, box = entry.box, identifier = entry.identifier] {
-            runOnMainThread([this, box, loaded = isLoaded(identifier)] {
+            runOnMainThread([this, box, state = stateOf(identifier)] {
                 const auto found = std::ranges::find(switches_, box, &Switch::box);
-                if (found->isBusy)
-                    return;
-                box->setChecked(loaded);
-                box->setEnabled(true);
+                if (!found->isBusy)
+                    showState(*found, state);
             });
         });
     }
@@ -117,25 +120,32 @@ void MenuExtraSwitches::toggle(std::size_t index, bool on) {
     runOnWorker([this, index, on, tag = entry.tag, identifier = entry.identifier] {
         paths::makeHomeFolders(platform::fileManager());
         HalvexMenuExtraTools::menuExtraToggle(tag, on ? 1 : 0);
-        runOnMainThread([this, index, on, loaded = isLoaded(identifier)] {
-            showToggleResult(index, on, loaded);
-        });
+        runOnMainThread(
+            [this, index, on, state = stateOf(identifier)] { showToggleResult(index, on, state); });
     });
 }
 
-void MenuExtraSwitches::showToggleResult(std::size_t index, bool requested, bool loaded) {
+void MenuExtraSwitches::showState(const Switch& entry, const State& state) {
+    entry.box->setChecked(state.isLoaded);
+    entry.box->setEnabled(true);
+    entry.problem->setText(qString(state.problem));
+    entry.problem->setVisible(!state.problem.empty());
+}
+
+void MenuExtraSwitches::showToggleResult(std::size_t index, bool requested, const State& state) {
     Switch& entry = switches_[index];
     entry.isBusy = false;
-    entry.box->setChecked(loaded);
-    entry.box->setEnabled(true);
+    showState(entry, state);
     entry.box->setFocus(); // disabling it moved the focus
     const QString failure = requested ? "%1 could not be turned on. See the system log."
                                       : "%1 could not be turned off. See the system log.";
-    message_->setText(loaded == requested ? QString() : failure.arg(entry.box->text()));
+    message_->setText(state.isLoaded == requested ? QString() : failure.arg(entry.box->text()));
 }
 
-bool MenuExtraSwitches::isLoaded(const std::string& identifier) const {
-    return isBarRunning_() && HalvexMenuExtraTools::isExtraLoaded(identifier);
+MenuExtraSwitches::State MenuExtraSwitches::stateOf(const std::string& identifier) const {
+    if (!bar_.isRunning())
+        return {};
+    return {HalvexMenuExtraTools::isExtraLoaded(identifier), bar_.problem(identifier)};
 }
 
 void MenuExtraSwitches::runOnWorker(std::function<void()> work) {

@@ -8,23 +8,30 @@
 
 #include <cstdint>
 #include <functional>
+#include <string>
 #include <vector>
 
 class QCheckBox;
 
 namespace apps {
 
+/// Queries of the menu bar that do not start it. Thread-safe.
+struct BarQueries {
+    std::function<bool()> isRunning;
+    /// Returns why an item of the running bar is not loaded, human-readable, or an empty string.
+    std::function<std::string(const std::string& identifier)> problem;
+};
+
 /// The page of the product's own preference pane: one check box per menu extra in the pane, checked
-/// while the menu bar has loaded the item. Toggling a box installs and loads the item, or unloads
-/// and removes it. Main thread only.
+/// while the menu bar has loaded the item, and the reason if the bar has not loaded it. Toggling a
+/// box installs and loads the item, or unloads and removes it. Main thread only.
 class MenuExtraSwitches final : public QWidget {
     Q_OBJECT
 
   public:
     /// @p pane must be the pane that this process has loaded (Bundle::setCodeState), because items
-    /// are installed from the loaded pane. @p isBarRunning is called on another thread before each
-    /// query, so that a query does not start the bar.
-    MenuExtraSwitches(const platform::Bundle& pane, std::function<bool()> isBarRunning);
+    /// are installed from the loaded pane. @p bar is called on another thread.
+    MenuExtraSwitches(const platform::Bundle& pane, BarQueries bar);
     /// Waits for the current operation on an item, which may take several seconds.
     ~MenuExtraSwitches() override;
 
@@ -39,21 +46,29 @@ class MenuExtraSwitches final : public QWidget {
         std::int32_t tag = 0;
         std::string identifier;
         QCheckBox* box = nullptr;
-        bool isBusy = false; ///< being toggled
+        QLabel* problem = nullptr; ///< hidden if there is none
+        bool isBusy = false;       ///< being toggled
     };
 
     void addSwitch(const platform::Bundle& extra);
     void updateBoxColours();
     void toggle(std::size_t index, bool on);
-    void showToggleResult(std::size_t index, bool requested, bool loaded);
-    bool isLoaded(const std::string& identifier) const;
+    struct State {
+        bool isLoaded = false;
+        std::string problem;
+    };
+
+    void showToggleResult(std::size_t index, bool requested, const State& state);
+    void showState(const Switch& entry, const State& state);
+    /// Queries the bar. Worker thread only.
+    State stateOf(const std::string& identifier) const;
     /// Queues @p work for the worker thread, because calls to the bar may block for seconds.
     void runOnWorker(std::function<void()> work);
     /// Queues @p work for the main thread. It is dropped if this object has been destroyed by then.
     /// Worker thread only.
     void runOnMainThread(std::function<void()> work);
 
-    const std::function<bool()> isBarRunning_;
+    const BarQueries bar_;
     std::vector<Switch> switches_;
     QLabel* message_ = nullptr;
     QThreadPool worker_;

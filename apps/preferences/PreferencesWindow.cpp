@@ -1,6 +1,5 @@
 #include "apps/preferences/PreferencesWindow.h"
 
-#include "apps/preferences/MenuExtraSwitches.h"
 #include "identifiers/ExportedIdentifiers.h"
 #include "platform/Log.h"
 #include "platform/qt/Strings.h"
@@ -51,8 +50,7 @@ QString versionText(const Bundle& pane) {
 
 } // namespace
 
-PreferencesWindow::PreferencesWindow(std::function<bool()> isBarRunning)
-    : isBarRunning_(std::move(isBarRunning)) {
+PreferencesWindow::PreferencesWindow(BarQueries bar) : bar_(std::move(bar)) {
     auto* const column = new QVBoxLayout(this);
     column->setContentsMargins(kMargin, kMargin, kMargin, kMargin);
     resize(kSize);
@@ -93,7 +91,7 @@ void PreferencesWindow::fillPanePage(QVBoxLayout& column) {
     column.addWidget(new QLabel(versionText(*pane_)));
     column.addSpacing(kMargin);
     if (pane_->bundleIdentifier() == HalvexPrefsBundleID) {
-        switches_ = new MenuExtraSwitches(*pane_, isBarRunning_);
+        switches_ = new MenuExtraSwitches(*pane_, bar_);
         column.addWidget(switches_, 1);
         return;
     }

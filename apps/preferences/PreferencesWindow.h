@@ -1,24 +1,20 @@
 #pragma once
 
+#include "apps/preferences/MenuExtraSwitches.h"
 #include "apps/preferences/PaneLookup.h"
 
 #include <QWidget>
 
-#include <functional>
-
 class QVBoxLayout;
 
 namespace apps {
-
-class MenuExtraSwitches;
 
 /// The window that shows one preference pane at a time, or the reason why it cannot be shown.
 class PreferencesWindow final : public QWidget {
     Q_OBJECT
 
   public:
-    /// @p isBarRunning must be thread-safe.
-    explicit PreferencesWindow(std::function<bool()> isBarRunning);
+    explicit PreferencesWindow(BarQueries bar);
     ~PreferencesWindow() override;
 
     /// Replaces the pane. Does nothing if the same pane is shown already. If the lookup failed,
@@ -36,7 +32,7 @@ class PreferencesWindow final : public QWidget {
     /// Replaces the page with an empty one and returns its layout.
     QVBoxLayout& newPage();
 
-    const std::function<bool()> isBarRunning_;
+    const BarQueries bar_;
     std::shared_ptr<platform::Bundle> pane_;
     QWidget* page_ = nullptr;
     MenuExtraSwitches* switches_ = nullptr; ///< null if the page has none

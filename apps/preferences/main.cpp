@@ -15,6 +15,8 @@
 #include <QDir>
 #include <QUrl>
 
+#include <algorithm>
+
 namespace apps {
 namespace {
 
@@ -76,10 +78,20 @@ bool forwardOptions(const SessionApplication& application, const WindowOptions& 
                                            {QStringList(QUrl::fromLocalFile(path).toString())});
 }
 
+std::string problem(platform::qt::BarClient& bar, const std::string& identifier) {
+    const auto items = bar.items();
+    if (!items)
+        return items.reason;
+    const auto found =
+        std::ranges::find(*items.value, identifier, &platform::qt::KnownItem::identifier);
+    return found == items.value->end() ? "" : problemOf(*found);
+}
+
 int runWindow(const WindowOptions& options) {
     platform::qt::BarClient bar;
     const platform::ScopedService<platform::MenuExtraServer> server(bar);
-    PreferencesWindow window([&bar] { return bool(bar.processIdentifier()); });
+    PreferencesWindow window({.isRunning = [&bar] { return bool(bar.processIdentifier()); },
+                              .problem = [&bar](const auto& item) { return problem(bar, item); }});
     SessionApplication application(
         kBusName, {.activate = [&window] { bringToFront(window); },
                    .open = [&window](const QStringList& uris) { return open(window, uris); },

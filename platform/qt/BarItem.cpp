@@ -7,6 +7,10 @@
 
 namespace platform::qt {
 
+std::string problemOf(const KnownItem& item) {
+    return item.reason.empty() ? "" : item.state + ": " + item.reason;
+}
+
 QDBusArgument& operator<<(QDBusArgument& argument, const BarItem& item) {
     argument.beginStructure();
     argument << qString(item.identifier) << qString(item.path) << item.position << item.width;

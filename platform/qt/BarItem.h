@@ -30,6 +30,10 @@ struct KnownItem {
     std::string reason = {}; ///< why the item is disabled, refused or missing, human-readable
 };
 
+/// Returns why the item is not loaded, for example "disabled: it crashed the menu bar (click)", or
+/// an empty string if there is no reason.
+std::string problemOf(const KnownItem& item);
+
 /// Writes and reads the D-Bus structure (ssid).
 QDBusArgument& operator<<(QDBusArgument& argument, const BarItem& item);
 const QDBusArgument& operator>>(const QDBusArgument& argument, BarItem& item);

@@ -29,6 +29,7 @@ TEST(ExtraVerbs, TurnTheClockOnAndOffInTheRealBar) {
     const std::string copy = "\"$user/Menu Extras/HalvexTimeMenu.menu\"";
     const std::string items = "halvexctl menubar items | grep '^" + clock +
                               ".*Menu Extras/' | cut -f3- | cut -d/ -f1 | tr '\\t' ' '";
+    const std::string state = "halvexctl extras | head -n 1 | cut -f6- | cut -d/ -f1";
     shell.run(
         {{"halvexctl pane install >path", ""},
          {"halvexctl menubar start && halvexctl menubar start", ""}, // already running
@@ -57,12 +58,14 @@ TEST(ExtraVerbs, TurnTheClockOnAndOffInTheRealBar) {
          {"halvexctl menubar move " + clock + " -1 && " + list, clock + "\n" + ownClock + "\n"},
          {"halvexctl menubar disable " + clock + " && " + list, ownClock + "\n"},
          {items, "-1 disabled: it was turned off\n"},
+         {state, "not loaded\tdisabled: it was turned off\n"},
          {"halvexctl menubar enable " + clock + " && " + items, "-1 loaded\n"},
          {"halvexctl menubar snapshot item.png --item " + clock, ""},
          {"halvexctl menubar snapshot item.png --item no.such.item", "", 1,
           "halvexctl: no.such.item: the menu extra is not loaded\n"},
          {"halvexctl menubar disable " + clock + " && rm -r " + copy + " && " + items,
           "-1 missing: no bundle at \n"},
+         {state, "not loaded\tmissing: no bundle at \n"},
          {"halvexctl menubar remove " + clock + " && " + items, ""},
          {"halvexctl menubar remove " + clock, "", 1,
           "halvexctl: " + clock + ": the menu extra is"},
@@ -70,7 +73,13 @@ TEST(ExtraVerbs, TurnTheClockOnAndOffInTheRealBar) {
          {"ln -s nowhere \"$user/Menu Extras/HalvexASMMenu.menu\"; halvexctl toggle 2 off", "", 1,
           "2: the installed copy was not removed"},
          {"halvexctl menubar stop", ""},
-         {"halvexctl menubar stop", "", 1, "halvexctl: no menu bar is running\n"}});
+         {"halvexctl menubar stop", "", 1, "halvexctl: no menu bar is running\n"},
+         {"cp -r \"$pane/Contents/PlugIns/HalvexTimeMenu.menu\" " + copy, ""},
+         {"halvexctl menubar start && halvexctl menubar add " + copy +
+              " && halvexctl menubar disable " + clock,
+          ""},
+         {"halvexctl menubar stop && " + state, "not loaded\tdisabled: it was turned off\n"},
+         {"rm -r " + copy + " && " + state, "not loaded\tmissing: no bundle at \n"}});
 }
 
 TEST(ExtraVerbs, RejectInvalidArgumentsAndChangeNothing) {

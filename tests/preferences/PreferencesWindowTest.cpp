@@ -73,7 +73,9 @@ class PreferencesWindowTest : public testing::Test {
     test::ManualClock clock;
     test::RecordingWorkspace workspace;
     std::atomic<bool> isBarRunning = true;
-    PreferencesWindow window{[this] { return isBarRunning.load(); }};
+    std::string problem;
+    PreferencesWindow window{{.isRunning = [this] { return isBarRunning.load(); },
+                              .problem = [this](const auto&) { return problem; }}};
 };
 
 TEST_F(PreferencesWindowTest, ShowsAndLogsWhyAPaneCannotBeShown) {
@@ -134,12 +136,16 @@ TEST_F(PreferencesWindowTest, ShowsTheBarsItemsWithoutStartingItAndReportsFailur
     EXPECT_THAT(bar.queried, testing::IsEmpty()) << "a query does not start the bar";
 
     isBarRunning = true;
+    problem = "refused: it is broken";
     expectToggled(false);
     EXPECT_THAT(texts(), Contains("HalvexTimeMenu could not be turned on. See the system log."));
+    EXPECT_THAT(texts(), Contains("refused: it is broken"));
 
+    problem.clear();
     bar.loaded.emplace_back(HalvexMenuID);
     window.refresh();
     EXPECT_TRUE(QTest::qWaitFor([this] { return box()->isChecked(); }));
+    EXPECT_THAT(texts(), testing::Not(Contains("refused: it is broken")));
 }
 
 } // namespace
