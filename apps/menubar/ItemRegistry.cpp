@@ -87,6 +87,10 @@ void ItemRegistry::start(const std::vector<std::string>& commandLine) {
             list_->insert(ownClock());
         disableCrashedItem();
     }
+    ownItemsOnly_ = journal_.exitsRepeatedly();
+    if (ownItemsOnly_)
+        logLine("the menu bar has exited three times within ten seconds for an unknown reason: "
+                "starting without third-party menu extras");
     restore();
     loadCommandLine(commandLine);
     loadOwnClockIfEmpty();
@@ -120,7 +124,7 @@ void ItemRegistry::restore() {
         if (!fileManager().isDirectory(path)) {
             logLine("cannot restore menu extra %@: no bundle at %@", record.identifier,
                     record.path);
-        } else if (!isDisabled(path) && admits(path)) {
+        } else if (!isSkipped(path) && !isDisabled(path) && admits(path)) {
             items_.add(path, record.position, Origin::Request);
         }
     }
@@ -129,7 +133,7 @@ void ItemRegistry::restore() {
 void ItemRegistry::loadCommandLine(const std::vector<std::string>& bundles) {
     for (const std::string& bundle : bundles) {
         const std::string path = resolvedPath(bundle);
-        if (!isDisabled(path))
+        if (!isSkipped(path) && !isDisabled(path))
             items_.add(path, kLeftmostPosition, Origin::CommandLine);
     }
 }
@@ -141,6 +145,10 @@ void ItemRegistry::loadOwnClockIfEmpty() {
         return;
     logLine("no menu extra could be loaded: showing the menu bar's own clock");
     items_.add(clock.path, clock.position, Origin::Request);
+}
+
+bool ItemRegistry::isSkipped(const std::string& path) const {
+    return ownItemsOnly_ && deletingLastPathComponent(path) != admission_.ownItemsFolder();
 }
 
 bool ItemRegistry::isDisabled(const std::string& path) {

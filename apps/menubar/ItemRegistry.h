@@ -35,9 +35,11 @@ class ItemRegistry final : public QObject, public platform::MenuExtraServer {
 
     /// Loads the items of the stored list, or the bar's own clock if the list is missing or
     /// unreadable. Then loads the bundles in @p commandLine, which are neither checked for
-    /// admission nor stored. Disabled bundles are skipped. Items whose bundle is missing stay in
-    /// the list. If no item could be loaded, loads the bar's own clock for this run. Failures are
-    /// logged. Does not write the list unless an item crashed the previous bar.
+    /// admission nor stored. Disabled bundles are skipped, and so are all but the bar's own items
+    /// if the last three bars exited within ten seconds for an unknown reason. They, and items
+    /// whose bundle is missing, stay in the list. If no item could be loaded, loads the bar's own
+    /// clock for this run. Failures are logged. Does not write the list unless an item crashed the
+    /// previous bar.
     void start(const std::vector<std::string>& commandLine);
 
     std::int32_t getMenuExtra(const std::string& identifier,
@@ -89,6 +91,7 @@ class ItemRegistry final : public QObject, public platform::MenuExtraServer {
     void loadOwnClockIfEmpty();
     ItemRecord ownClock() const;
     bool admits(const std::string& path);
+    bool isSkipped(const std::string& path) const;
     bool isDisabled(const std::string& path);
     void refuse(const std::string& path, const std::string& reason);
     void change(ItemList::Change change);
@@ -109,6 +112,7 @@ class ItemRegistry final : public QObject, public platform::MenuExtraServer {
     Admission admission_;
     std::unique_ptr<ItemList> list_;              // null before start
     std::map<std::string, std::string> refusals_; // reasons by path; at most kMaximumRefusals
+    bool ownItemsOnly_ = false;                   // in this run
     platform::ScopedService<platform::MenuExtraServer> asServer_{*this};
 };
 
