@@ -21,6 +21,10 @@
 #include <sys/syscall.h>
 #include <unistd.h>
 
+// Defined by the linker: the bounds of this program's code.
+extern "C" const char __executable_start; // NOLINT(bugprone-reserved-identifier)
+extern "C" const char etext;
+
 namespace {
 
 /// Returns the function that this file's function of the same name replaces.
@@ -29,9 +33,15 @@ Function* original(const char* name) {
     return reinterpret_cast<Function*>(dlsym(RTLD_NEXT, name));
 }
 
+/// The bar itself exits for its own reasons, for example on a second SIGTERM, whichever item is
+/// running.
+bool isPartOfThisProgram(const void* address) {
+    return &__executable_start <= address && address < &etext;
+}
+
 bool recordExit(const void* caller) {
     apps::CrashJournal* journal = apps::CrashJournal::current();
-    return journal &&
+    return journal && !isPartOfThisProgram(caller) &&
            journal->recordFailure(apps::Failure::Exit, reinterpret_cast<std::uintptr_t>(caller));
 }
 
