@@ -6,18 +6,23 @@
 namespace test {
 
 BarProcess::BarProcess(const QStringList& arguments, const Settings& settings,
-                       std::shared_ptr<PrivateBus> sessionBus)
+                       std::shared_ptr<PrivateBus> sessionBus, Watcher watcher)
     : ProgramProcess(HALVEX_MENUBAR, "com.quorvanesoftware.MenuBar",
-                     "com.quorvanesoftware.MenuBar1", std::move(sessionBus), settings) {
+                     "com.quorvanesoftware.MenuBar1", std::move(sessionBus), settings),
+      watcher_(watcher) {
     start(arguments);
 }
 
+QStringList BarProcess::withOptions(const QStringList& arguments) const {
+    return watcher_ == Watcher::None ? QStringList{"--no-restart"} + arguments : arguments;
+}
+
 void BarProcess::start(const QStringList& arguments) {
-    ProgramProcess::start(QStringList{"--no-restart"} + arguments);
+    ProgramProcess::start(withOptions(arguments));
 }
 
 void BarProcess::launch(const QStringList& arguments) {
-    ProgramProcess::launch(QStringList{"--no-restart"} + arguments);
+    ProgramProcess::launch(withOptions(arguments));
 }
 
 std::string BarProcess::install(const std::string& bundle) const {

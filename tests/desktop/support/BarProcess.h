@@ -12,11 +12,14 @@ constexpr const char* kTestExtra = "test.extra";
 /// The real menu bar.
 class BarProcess : public ProgramProcess {
   public:
-    /// Starts the bar.
-    explicit BarProcess(const QStringList& arguments = {}, const Settings& settings = {},
-                        std::shared_ptr<PrivateBus> bus = std::make_shared<PrivateBus>());
+    enum class Watcher { None, Started };
 
-    /// As ProgramProcess, but the bar has no watcher: the object follows one process.
+    /// Starts the bar. Without a watcher, the bar is one process, which the object follows.
+    explicit BarProcess(const QStringList& arguments = {}, const Settings& settings = {},
+                        std::shared_ptr<PrivateBus> bus = std::make_shared<PrivateBus>(),
+                        Watcher watcher = Watcher::None);
+
+    /// As ProgramProcess.
     void start(const QStringList& arguments = {});
     void launch(const QStringList& arguments = {});
 
@@ -34,6 +37,11 @@ class BarProcess : public ProgramProcess {
     int remove(const QString& identifier) const;
     bool click(const QString& identifier) const;
     std::vector<std::string> identifiers() const; ///< rightmost first
+
+  private:
+    QStringList withOptions(const QStringList& arguments) const;
+
+    const Watcher watcher_;
 };
 
 } // namespace test

@@ -83,6 +83,7 @@ ProgramProcess::ProgramProcess(QString program, QString name, QString interface,
     std::filesystem::create_directory(home());
     process_.setProcessEnvironment(environmentWith(all));
     process_.setProcessChannelMode(QProcess::MergedChannels);
+    process_.setStandardOutputFile(log_, QIODevice::Append);
 }
 
 void ProgramProcess::start(const QStringList& arguments) {
@@ -97,9 +98,9 @@ int ProgramProcess::run(const QStringList& arguments, const QString& program,
     QProcess process;
     process.setProcessEnvironment(environmentWith(changes, process_.processEnvironment()));
     process.setProcessChannelMode(QProcess::MergedChannels);
+    process.setStandardOutputFile(log_, QIODevice::Append);
     process.start(program.isEmpty() ? program_ : program, arguments);
     process.waitForFinished(2 * kLimit);
-    log_ += process.readAll().toStdString();
     return exitStatus(process);
 }
 
@@ -115,7 +116,6 @@ void ProgramProcess::kill() {
 
 int ProgramProcess::waitForExit() {
     process_.waitForFinished(4 * kLimit);
-    log();
     return exitStatus(process_);
 }
 
@@ -130,26 +130,32 @@ std::string ProgramProcess::request(const QString& member, const QVariantList& a
         .toStdString();
 }
 
+void ProgramProcess::post(const QString& member, const QVariantList& arguments) const {
+    bus->connection().send(message(interface_, member, arguments));
+}
+
 QDBusMessage ProgramProcess::send(const QString& interface, const QString& member,
                                   const QVariantList& arguments) const {
+    return bus->connection().call(message(interface, member, arguments), QDBus::Block, 2 * kLimit);
+}
+
+QDBusMessage ProgramProcess::message(const QString& interface, const QString& member,
+                                     const QVariantList& arguments) const {
     const QString path = '/' + QString(name_).replace('.', '/');
     auto message = QDBusMessage::createMethodCall(name_, path, interface, member);
     message.setArguments(arguments);
-    return bus->connection().call(message, QDBus::Block, 2 * kLimit);
+    return message;
 }
 
 QImage ProgramProcess::picture() const {
     return call("Snapshot", {picture_}).value(0).toBool() ? QImage(picture_) : QImage();
 }
 
-std::string ProgramProcess::log() {
-    if (isRunning())
-        process_.waitForReadyRead(1);
-    log_ += process_.readAll().toStdString();
-    return log_;
+std::string ProgramProcess::log() const {
+    return contents(log_.toStdString());
 }
 
-bool ProgramProcess::logs(const std::string& part) {
+bool ProgramProcess::logs(const std::string& part) const {
     return eventually([&] { return log().find(part) != std::string::npos; });
 }
 

@@ -79,15 +79,17 @@ class ProgramProcess {
 
     /// Calls a method. Returns an empty list for an error reply.
     QVariantList call(const QString& member, const QVariantList& arguments = {}) const;
+    /// Calls a method without waiting for its reply.
+    void post(const QString& member, const QVariantList& arguments = {}) const;
     /// Calls a method of org.freedesktop.Application with empty platform data. Returns the error
     /// message, or an empty string on success.
     std::string request(const QString& member, const QVariantList& arguments = {}) const;
     /// Returns what the program shows, or a null image if that is nothing.
     QImage picture() const;
 
-    /// Returns everything that the program and those of run have written.
-    std::string log();
-    bool logs(const std::string& part);
+    /// Returns everything that the program, those of run and those that they started have written.
+    std::string log() const;
+    bool logs(const std::string& part) const;
 
     std::filesystem::path home() const { return folder_.path() / "home"; }
 
@@ -96,12 +98,14 @@ class ProgramProcess {
   private:
     QDBusMessage send(const QString& interface, const QString& member,
                       const QVariantList& arguments) const;
+    QDBusMessage message(const QString& interface, const QString& member,
+                         const QVariantList& arguments) const;
 
     TemporaryFolder folder_;
     const QString program_, name_, interface_;
     const QString picture_ = QString::fromStdString(folder_.file("picture.png"));
+    const QString log_ = QString::fromStdString(folder_.file("log"));
     QProcess process_;
-    std::string log_;
 };
 
 } // namespace test
