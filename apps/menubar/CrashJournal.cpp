@@ -13,6 +13,7 @@
 #include <fcntl.h>
 #include <sys/file.h>
 #include <sys/mman.h>
+#include <system_error>
 #include <unistd.h>
 #include <utility>
 
@@ -51,8 +52,8 @@ std::optional<ItemRecord> decode(std::string_view bytes) {
     auto& [identifier, path, version, number, flag] = fields;
     std::int32_t position = 0;
     const char* numberEnd = number.data() + number.size();
-    const bool isNumber = std::from_chars(number.data(), numberEnd, position).ptr == numberEnd;
-    if (!isNumber || path.empty())
+    const auto [end, error] = std::from_chars(number.data(), numberEnd, position);
+    if (error != std::errc() || end != numberEnd || path.empty())
         return std::nullopt;
     const Origin origin = flag == kCommandLineFlag ? Origin::CommandLine : Origin::Request;
     return ItemRecord{identifier, path, position, version, origin};

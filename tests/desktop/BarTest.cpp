@@ -38,6 +38,10 @@ TEST(Bar, OpensAndClosesTheMenuOfAClickedItem) {
     EXPECT_GT(bar.picture().height(), 52);
     EXPECT_FALSE(bar.click(kOwnClock)) << "the click closes the menu";
     EXPECT_EQ(bar.picture().height(), 22);
+    const TestBundle bundle(bar, "ReplacesItsViewWhenClicked");
+    ASSERT_TRUE(bar.loads(bundle.path, kTestExtra));
+    EXPECT_FALSE(bar.click(kTestExtra));
+    EXPECT_GT(bar.picture().height(), 52) << "the click opens the menu all the same";
     EXPECT_EQ(bar.stop(), 0) << bar.log();
 }
 

@@ -10,6 +10,8 @@
 
 #include <gtest/gtest.h>
 
+#include <limits>
+
 using namespace apps;
 
 namespace {
@@ -45,6 +47,20 @@ TEST_F(ItemWidgetTest, IsAButtonWithAMenuForScreenReaders) {
     ASSERT_EQ(events.size(), 1U);
     EXPECT_EQ(events[0].modifierFlags, 0U);
     EXPECT_EQ(events[0].buttonNumber, 0);
+}
+
+TEST_F(ItemWidgetTest, IsAsWideAsAnItemOfAnyLength) {
+    constexpr float kInfinity = std::numeric_limits<float>::infinity();
+    for (const auto& [length, width] : {std::pair(20.5F, 33),
+                                        {0.0F, 0},
+                                        {-5.0F, 0},
+                                        {-kInfinity, 0},
+                                        {std::numeric_limits<float>::quiet_NaN(), 0},
+                                        {3e9F, 100'012},
+                                        {kInfinity, 100'012}}) {
+        extra->setLength(length);
+        EXPECT_EQ(widget.preferredWidth(), width) << length;
+    }
 }
 
 TEST_F(ItemWidgetTest, CountsClicksAndTranslatesButtonsAndModifiers) {

@@ -55,6 +55,8 @@ class TestExtra final : public HalvexMenuExtraBase {
             userNotifications().post({.title = "Test",
                                       .observer = weak_from_this(),
                                       .handler = [](const std::string&) { note("told"); }});
+        if (fault_ == "ReplacesItsViewWhenClicked")
+            setView(std::make_shared<HalvexMenuViewBase>()->initWithFrame({{}, {30, 22}}, this));
         return fault_ == "RemovesItemsWhenClicked" ? removeItems() : note("plain");
     }
     bool clickWithCtrlKey() override { return note("control"); }
