@@ -59,7 +59,7 @@ std::shared_ptr<MenuExtra> HalvexMenuExtraBase::initWithBundle(std::shared_ptr<B
     }
     const Bundle& info = *this->bundle();
     logLine(kStartingFormat, info.stringForInfoDictionaryKey("CFBundleName"),
-            info.stringForInfoDictionaryKey("CFBundleShortVersionString"));
+            info.textForInfoDictionaryKey("CFBundleShortVersionString"));
     if (&WarnMeTimesFile == nullptr)
         logLine("\n\nHalvexMenuExtraBase mising Halvex Library\n\n");
 

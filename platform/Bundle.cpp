@@ -6,6 +6,8 @@
 #include "platform/base/PathStrings.h"
 
 #include <algorithm>
+#include <array>
+#include <charconv>
 #include <filesystem>
 #include <map>
 #include <mutex>
@@ -135,8 +137,20 @@ std::optional<std::string> Bundle::stringForInfoDictionaryKey(std::string_view k
     return text ? std::optional(std::string(*text)) : std::nullopt;
 }
 
+std::optional<std::string> Bundle::textForInfoDictionaryKey(std::string_view key) const {
+    const PropertyList* value = info_ ? info_->find(key) : nullptr;
+    if (const auto integer = value ? value->integer() : std::nullopt)
+        return std::to_string(*integer);
+    if (const auto real = value ? value->real() : std::nullopt) {
+        std::array<char, 32> text{}; // the longest shortest form has 24 characters
+        const auto end = std::to_chars(text.data(), text.data() + text.size(), *real).ptr;
+        return std::string(text.data(), end);
+    }
+    return stringForInfoDictionaryKey(key);
+}
+
 std::optional<std::string> Bundle::version() const {
-    return stringForInfoDictionaryKey("CFBundleVersion");
+    return textForInfoDictionaryKey("CFBundleVersion");
 }
 
 std::optional<std::string> Bundle::bundleIdentifier() const {

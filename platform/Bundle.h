@@ -50,9 +50,12 @@ class Bundle {
     const PropertyList::Dictionary* infoDictionary() const { return info_ ? &*info_ : nullptr; }
     /// Returns the string under @p key of the information dictionary, or std::nullopt.
     std::optional<std::string> stringForInfoDictionaryKey(std::string_view key) const;
+    /// Returns the string under @p key of the information dictionary, or the digits of a number.
+    /// Returns std::nullopt for any other value.
+    std::optional<std::string> textForInfoDictionaryKey(std::string_view key) const;
     /// Returns CFBundleIdentifier, or std::nullopt.
     std::optional<std::string> bundleIdentifier() const;
-    /// Returns CFBundleVersion, or std::nullopt.
+    /// Returns CFBundleVersion, also if it is a number, or std::nullopt.
     std::optional<std::string> version() const;
 
     /// Returns the path of the code, or std::nullopt if CFBundleExecutable is missing or is not a

@@ -121,7 +121,7 @@ void ovxSendFeedBackViaMail(const std::shared_ptr<platform::Bundle>& bundle,
                             const std::string& product) {
     std::optional<std::string> version;
     if (bundle)
-        version = bundle->stringForInfoDictionaryKey("CFBundleShortVersionString");
+        version = bundle->textForInfoDictionaryKey("CFBundleShortVersionString");
     const std::string address =
         "mailto:" HALVEX_SUPPORT_ADDRESS + escaped(messageText(version, product));
     if (!isValidURL(address)) {

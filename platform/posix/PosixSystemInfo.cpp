@@ -53,8 +53,8 @@ std::optional<std::uint32_t> encodedVersion(std::string_view release) {
     if (!major)
         return std::nullopt;
     const std::uint32_t whole = std::min(*major, 99U);
-    const std::uint32_t minor = std::min(takeNumber(release).value_or(0), 9U);
-    const std::uint32_t patch = std::min(takeNumber(release).value_or(0), 9U);
+    const std::uint32_t minor = std::min(takeNumber(release).value_or(0), 15U);
+    const std::uint32_t patch = std::min(takeNumber(release).value_or(0), 15U);
     return (whole / 10) << 12 | (whole % 10) << 8 | minor << 4 | patch;
 }
 

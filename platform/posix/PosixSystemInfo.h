@@ -8,7 +8,7 @@
 namespace platform::posix {
 
 /// Encodes a kernel release such as "6.1.0-18-amd64" as SystemFact::SystemVersion. A major version
-/// above 99 becomes 99, a minor version or patch level above 9 becomes 9, and a missing one 0.
+/// above 99 becomes 99, a minor version or patch level above 15 becomes 15, and a missing one 0.
 /// Returns std::nullopt if @p release does not begin with a number.
 std::optional<std::uint32_t> encodedVersion(std::string_view release);
 

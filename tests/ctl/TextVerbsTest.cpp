@@ -61,9 +61,21 @@ TEST(FeedbackVerb, ReportsTheVersionsAndTheTimeZone) {
                     reported}});
 }
 
+TEST(FeedbackVerb, ReportsAVersionThatIsANumber) {
+    const Shell shell;
+    for (const auto& [value, version] :
+         {std::pair("<integer>3</integer>", "3"), {"<real>3.1</real>", "3.1"}}) {
+        writeBundle(shell, value);
+        shell.run({{std::string("halvexctl feedback Halvex --bundle a --print | grep -c "
+                                "'=Halvex%20") +
+                        version + "%20.*Halvex%20" + version + "\\.%0d'",
+                    "1\n"}});
+    }
+}
+
 TEST(FeedbackVerb, ReportsAnUnknownVersionAsNull) {
     const Shell shell;
-    writeBundle(shell, "<integer>3</integer>");
+    writeBundle(shell, "<array/>");
     const std::string unknown = " --print | grep -c '=Halvex%20(null)%20.*Halvex%20(null)\\.%0d'";
     shell.run({{"halvexctl feedback Halvex --bundle a" + unknown, "1\n"},
                {"halvexctl feedback Halvex" + unknown, "1\n"}});

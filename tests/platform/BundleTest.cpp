@@ -60,6 +60,15 @@ TEST_F(BundleFolder, IsReadAgainEachTimeAndAvailableAfterItsRemoval) {
     EXPECT_EQ(Bundle::bundleWithPath(path), nullptr);
 }
 
+TEST(BundleVersion, IsAStringOrTheTextOfANumber) {
+    const std::pair<platform::PropertyList, std::optional<std::string>> cases[] = {
+        {"1.0", "1.0"}, {12, "12"}, {-3, "-3"}, {1.5, "1.5"}, {true, std::nullopt}};
+    for (const auto& [value, text] : cases)
+        EXPECT_EQ(Bundle("/Test", platform::PropertyList::Dictionary{{"CFBundleVersion", value}})
+                      .version(),
+                  text);
+}
+
 TEST(LoadedBundles, AreFoundByIdentifierUntilTheirCodeIsUnloaded) {
     const auto make = [](const char* identifier) {
         return std::make_shared<Bundle>(

@@ -15,10 +15,10 @@ namespace {
 
 TEST(PosixSystemInfo, EncodesTheVersionOfTheKernel) {
     const std::pair<std::string, std::optional<std::uint32_t>> cases[] = {
-        {"6.1.0-18-amd64", 0x0610}, {"5.15.148", 0x0599},    {"10.4.5", 0x1045},
-        {"6.9-rc1", 0x0690},        {"7", 0x0700},           {"123.4.99999999999", 0x9949},
-        {"6..3", 0x0600},           {"6.x.3", 0x0600},       {"99999999999.1", 0x9910},
-        {"", std::nullopt},         {"rc6.1", std::nullopt},
+        {"6.1.0-18-amd64", 0x0610},    {"5.15.148", 0x05FF}, {"10.4.5", 0x1045},
+        {"6.9-rc1", 0x0690},           {"6.12.9", 0x06C9},   {"7", 0x0700},
+        {"123.4.99999999999", 0x994F}, {"6..3", 0x0600},     {"6.x.3", 0x0600},
+        {"99999999999.1", 0x9910},     {"", std::nullopt},   {"rc6.1", std::nullopt},
     };
     for (const auto& [release, version] : cases)
         EXPECT_EQ(encodedVersion(release), version) << release;
