@@ -70,7 +70,7 @@ Size parseSize(const std::string& text) {
 
 } // namespace
 
-void addHudVerb(CLI::App& commands, Task& task) {
+void addHudVerb(CLI::App& commands, DrawingTask& task) {
     const auto options = std::make_shared<Options>();
     const std::map<std::string, ui::HUDPart> parts{
         {"all", ui::HUDPart::All}, {"body", ui::HUDPart::Body}, {"bar", ui::HUDPart::TitleBar}};
@@ -85,7 +85,7 @@ void addHudVerb(CLI::App& commands, Task& task) {
     CLI::App* show = hud->add_subcommand("show", "Show the panel and print a line for each click");
     show->add_option("--title", options->title, "The text in the title bar");
     show->callback([options, &task] {
-        task = {Task::Needs::Desktop, [options] { return showPanel(options->title); }};
+        task = {DrawingTask::Needs::Desktop, [options] { return showPanel(options->title); }};
     });
 
     hud->callback([options, show, &task] {
@@ -96,7 +96,8 @@ void addHudVerb(CLI::App& commands, Task& task) {
             if (value->empty())
                 throw CLI::RequiredError(name);
         const Size size = parseSize(options->size);
-        task = {Task::Needs::Drawing, [options, size] { return drawToFile(*options, size); }};
+        task = {DrawingTask::Needs::Drawing,
+                [options, size] { return drawToFile(*options, size); }};
     });
 }
 

@@ -50,7 +50,7 @@ ExitStatus tint(const Options& options, const Color& color) {
 
 } // namespace
 
-void addTintVerb(CLI::App& commands, Task& task) {
+void addTintVerb(CLI::App& commands, DrawingTask& task) {
     const auto options = std::make_shared<Options>();
     CLI::App* verb = commands.add_subcommand("tint", "Tint an image");
     verb->add_option("IN.png", options->input, "The image to tint")->required();
@@ -65,7 +65,7 @@ void addTintVerb(CLI::App& commands, Task& task) {
     color->require_option(1);
     verb->callback([options, &task] {
         const Color parsed = parseColor(*options);
-        task = {Task::Needs::Drawing, [options, parsed] { return tint(*options, parsed); }};
+        task = {DrawingTask::Needs::Drawing, [options, parsed] { return tint(*options, parsed); }};
     });
 }
 

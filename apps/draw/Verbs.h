@@ -14,7 +14,7 @@ namespace apps {
 
 /// The operation given on the command line, and what it needs. Run it once the whole
 /// line is parsed.
-struct Task {
+struct DrawingTask {
     enum class Needs {
         Drawing, ///< no display
         Desktop,
@@ -27,8 +27,8 @@ struct Task {
 // Each function adds its verb to the command line. Parsing that verb sets @p task, which must
 // outlive the parsing.
 
-void addHudVerb(CLI::App& commands, Task& task);
-void addTintVerb(CLI::App& commands, Task& task);
+void addHudVerb(CLI::App& commands, DrawingTask& task);
+void addTintVerb(CLI::App& commands, DrawingTask& task);
 
 /// Writes @p image as PNG, one pixel per point, and replaces the file at @p path. On failure,
 /// prints the reason and leaves an existing file unchanged.

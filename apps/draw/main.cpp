@@ -40,8 +40,8 @@ std::vector<double> parseNumbers(const std::string& option, const std::string& t
 
 namespace {
 
-void configureQt(Task::Needs needs) {
-    if (needs == Task::Needs::Drawing)
+void configureQt(DrawingTask::Needs needs) {
+    if (needs == DrawingTask::Needs::Drawing)
         qputenv("QT_QPA_PLATFORM", "offscreen");
     QCoreApplication::setApplicationName(QStringLiteral("halvexctl"));
 }
@@ -53,19 +53,19 @@ bool hasDisplay() {
     return false;
 }
 
-ExitStatus draw(const Task& task) {
+ExitStatus draw(const DrawingTask& task) {
     platform::qt::QtGraphics graphics;
     graphics.setDrawingScale(1);
     const platform::ScopedService<platform::Graphics> guard(graphics);
     return task.run();
 }
 
-ExitStatus perform(const Task& task, int argc, char** argv) {
-    if (task.needs == Task::Needs::Desktop && !hasDisplay())
+ExitStatus perform(const DrawingTask& task, int argc, char** argv) {
+    if (task.needs == DrawingTask::Needs::Desktop && !hasDisplay())
         return fail("the panel cannot be shown: there is no display");
     configureQt(task.needs);
     platform::expat::install();
-    if (task.needs == Task::Needs::Drawing) {
+    if (task.needs == DrawingTask::Needs::Drawing) {
         const QGuiApplication application(argc, argv);
         return draw(task);
     }
@@ -75,7 +75,7 @@ ExitStatus perform(const Task& task, int argc, char** argv) {
 }
 
 ExitStatus run(int argc, char** argv) {
-    Task task;
+    DrawingTask task;
     CLI::App commandLine("Draw panels and images for halvexctl.", "halvexctl");
     commandLine.require_subcommand(1);
     addHudVerb(commandLine, task);
