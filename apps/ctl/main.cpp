@@ -1,6 +1,7 @@
 #include "apps/ctl/Services.h"
 #include "apps/ctl/Verbs.h"
 #include "apps/shared/AbsolutePath.h"
+#include "apps/shared/CommandLine.h"
 #include "apps/shared/Output.h"
 
 #include <cstdlib>
@@ -31,7 +32,7 @@ ExitStatus run(int argc, char** argv) {
           addDrawingVerbs, addFeedbackVerb})
         addVerbs(commandLine, task);
     try {
-        commandLine.parse(argc, argv);
+        parseArguments(commandLine, argc, argv);
         // Not left to CLI11, whose error would not name an unknown verb.
         if (!task.run)
             throw CLI::RequiredError("A verb");

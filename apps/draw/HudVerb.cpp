@@ -22,8 +22,11 @@ struct Options {
     std::string file;
     std::string size;
     std::string title;
-    ui::HUDPart part = ui::HUDPart::All;
+    std::string part = "all";
 };
+
+const std::map<std::string, ui::HUDPart> kParts{
+    {"all", ui::HUDPart::All}, {"body", ui::HUDPart::Body}, {"bar", ui::HUDPart::TitleBar}};
 
 /// Prints each action that the panel sends, one per line.
 class ActionPrinter final : public ActionTarget {
@@ -36,7 +39,7 @@ class ActionPrinter final : public ActionTarget {
 
 ExitStatus drawToFile(const Options& options, Size size) {
     const auto image = graphics().imageByDrawing(size, [&](GraphicsContext& context) {
-        ui::drawHUDBackground(context, size, options.title, options.part);
+        ui::drawHUDBackground(context, size, options.title, kParts.at(options.part));
     });
     return writePng(*image, options.file);
 }
@@ -72,14 +75,11 @@ Size parseSize(const std::string& text) {
 
 void addHudVerb(CLI::App& commands, DrawingTask& task) {
     const auto options = std::make_shared<Options>();
-    const std::map<std::string, ui::HUDPart> parts{
-        {"all", ui::HUDPart::All}, {"body", ui::HUDPart::Body}, {"bar", ui::HUDPart::TitleBar}};
-
     CLI::App* hud = commands.add_subcommand("hud", "Draw the dark panel into a file, or show it");
     hud->add_option("FILE.png", options->file, "Write the panel's background to this file");
     hud->add_option("--size", options->size, "The size of the panel's frame in points: WxH");
-    hud->add_option("--part", options->part, "all, body or bar")
-        ->transform(CLI::CheckedTransformer(parts));
+    hud->add_option("--part", options->part, "The part of the background to draw")
+        ->check(CLI::IsMember(&kParts));
     hud->add_option("--title", options->title, "The text in the title bar");
 
     CLI::App* show = hud->add_subcommand("show", "Show the panel and print a line for each click");

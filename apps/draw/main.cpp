@@ -1,4 +1,5 @@
 #include "apps/draw/Verbs.h"
+#include "apps/shared/CommandLine.h"
 #include "platform/expat/ExpatPropertyLists.h"
 #include "platform/qt/Desktop.h"
 #include "platform/qt/QtGraphics.h"
@@ -81,7 +82,7 @@ ExitStatus run(int argc, char** argv) {
     addHudVerb(commandLine, task);
     addTintVerb(commandLine, task);
     try {
-        commandLine.parse(argc, argv);
+        parseArguments(commandLine, argc, argv);
     } catch (const CLI::ParseError& error) {
         return commandLine.exit(error) == 0 ? flushOutput() : ExitStatus::UsageError;
     }

@@ -23,8 +23,10 @@ TEST(CommandLine, ReportsUsageErrorsAndChangesNothing) {
 }
 
 TEST(CommandLine, PrintsHelpToStandardOutput) {
-    Shell().run({{"halvexctl locations cache --help | grep -o '^Usage: .*S]'",
-                  "Usage: halvexctl locations cache [OPTIONS]\n"}});
+    Shell().run(
+        {{"halvexctl locations cache --help | grep -o '^Usage: .*S]'",
+          "Usage: halvexctl locations cache [OPTIONS]\n"},
+         {"halvexctl hud --help | grep -o -e '--part.*{.*}'", "--part TEXT:{all,bar,body}\n"}});
 }
 
 TEST(CommandLine, FailsIfTheOutputCannotBeWritten) {

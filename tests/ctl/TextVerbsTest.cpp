@@ -6,6 +6,8 @@ namespace {
 
 TEST(DateFormatVerb, ReplacesPlaceholders) {
     Shell().run({{"halvexctl date-format '%W %Z' --zone CET --week=-1", "-1 CET\n"},
+                 {"halvexctl date-format --week= '%W|%Z' --zone=", "|\n"},
+                 {"halvexctl date-format --week=7 -- --zone=%W", "--zone=7\n"},
                  {"halvexctl date-format '%W' --week '%W'", "", 1, "would replace %W"}});
 }
 
