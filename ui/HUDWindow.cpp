@@ -35,9 +35,7 @@ std::shared_ptr<Image> buttonImage(const std::type_info& type) {
 
 HUDWindow::HUDWindow() = default;
 
-HUDWindow::~HUDWindow() {
-    setResizeObserver({});
-}
+HUDWindow::~HUDWindow() = default;
 
 std::shared_ptr<Panel> HUDWindow::initWithContentRect(const Rect& contentRect, std::uint32_t,
                                                       BackingStore backing, bool defer) {
@@ -52,7 +50,7 @@ std::shared_ptr<Panel> HUDWindow::initWithContentRect(const Rect& contentRect, s
     forceDisplay_ = false;
     setBackgroundColor(sizedHUDBackground());
     setShowsResizeIndicator(true);
-    setResizeObserver([this] { windowDidResize(); });
+    repaintsWhenResized_ = true;
     return self;
 }
 
@@ -73,9 +71,15 @@ void HUDWindow::windowDidResize() {
 }
 
 void HUDWindow::setFrame(const Rect& frame, bool display, bool animate) {
+    const auto self = shared_from_this(); // a handler may release the panel during the animation
     forceDisplay_ = true;
     Panel::setFrame(frame, display, animate);
     forceDisplay_ = false;
+}
+
+void HUDWindow::sizeDidChange() {
+    if (repaintsWhenResized_)
+        windowDidResize();
 }
 
 void HUDWindow::setTitle(std::string title) {

@@ -31,6 +31,7 @@ class HUDWindow : public platform::Panel {
     /// Repaints the background. Displays it immediately if called during setFrame.
     void windowDidResize();
     void setFrame(const platform::Rect& frame, bool display, bool animate) override;
+    void sizeDidChange() override;
     void setTitle(std::string title) override;
 
     /// The target and the action sent to it when the mouse is released in the panel, with the panel
@@ -61,6 +62,7 @@ class HUDWindow : public platform::Panel {
 
   private:
     bool forceDisplay_ = false;
+    bool repaintsWhenResized_ = false; ///< set at the end of the initialization
     platform::Selector action_;
     std::weak_ptr<platform::ActionTarget> target_;
 };

@@ -44,6 +44,7 @@ void Panel::setTitle(std::string title) {
 }
 
 void Panel::setFrame(const Rect& frame, bool display, bool animate) {
+    const auto self = shared_from_this(); // a handler may release the panel during the animation
     window_->setFrame(frame, display, animate);
 }
 
@@ -71,8 +72,9 @@ void Panel::frameDidChange(const Rect& frame) {
         return;
     const double barHeight = titleBarHeight(styleMask_);
     contentView_.resize({frame.size.width, std::max(0.0, frame.size.height - barHeight)});
-    if (resized_)
-        resized_();
+    sizeDidChange();
+    if (const auto observer = resized_)
+        observer();
 }
 
 void Panel::didClose() {

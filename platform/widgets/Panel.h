@@ -78,7 +78,8 @@ class Panel : public ActionSender, public std::enable_shared_from_this<Panel> {
     void setShowsResizeIndicator(bool shows) { setLook(look_.showsResizeIndicator, shows); }
 
     /// Moves and resizes the panel, and calls the resize observer after each change of size. With
-    /// @p animate, takes about 0.2 s and processes timers, notifications and requests meanwhile.
+    /// @p animate, takes about 0.2 s and processes timers, notifications and requests meanwhile; a
+    /// panel that they release is destroyed afterwards.
     /// With @p display, redraws immediately.
     virtual void setFrame(const Rect& frame, bool display, bool animate);
     /// Redraws the panel immediately.
@@ -98,6 +99,9 @@ class Panel : public ActionSender, public std::enable_shared_from_this<Panel> {
     void setResizeObserver(std::function<void()> observer) { resized_ = std::move(observer); }
     /// Sets the function to call after the user has closed the panel, replacing the previous one.
     void setCloseObserver(std::function<void()> observer) { closed_ = std::move(observer); }
+
+    /// Called after the size has changed, before the resize observer. The default does nothing.
+    virtual void sizeDidChange() {}
 
     /// Called by the window after the user or setFrame has changed the frame.
     void frameDidChange(const Rect& frame);

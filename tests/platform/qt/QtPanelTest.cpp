@@ -11,6 +11,7 @@
 #include <QApplication>
 #include <QScreen>
 #include <QTest>
+#include <QTimer>
 
 using namespace platform;
 using platform::qt::PanelButton;
@@ -137,10 +138,19 @@ TEST_F(ShownPanel, SurvivesActionsThatThrowOrReleaseIt) {
     EXPECT_FALSE(widget);
 }
 
+TEST_F(ShownPanel, FinishesItsAnimationIfItIsReleasedMeanwhile) {
+    Size last;
+    panel->setResizeObserver([&, shown = panel.get()] { last = shown->frame().size; });
+    const std::weak_ptr<HUDWindow> watched = panel;
+    QTimer::singleShot(30, [this] { panel.reset(); });
+    panel->setFrame({{100, 100}, {300, 219}}, true, true);
+    EXPECT_EQ(last, (Size{300, 219}));
+    EXPECT_TRUE(watched.expired());
+}
+
 TEST_F(ShownPanel, IsResizedInStepsEachWithANewBackground) {
     std::vector<Size> sizes;
     panel->setResizeObserver([&] {
-        panel->windowDidResize();
         sizes.push_back(panel->frame().size);
         EXPECT_EQ(panel->look().backgroundColor.pattern->size(), sizes.back());
     });
