@@ -1,8 +1,5 @@
 #include "platform/qt/PanelGeometry.h"
 
-#include <QGuiApplication>
-#include <QScreen>
-
 #include <algorithm>
 #include <cmath>
 
@@ -13,24 +10,21 @@ constexpr int kEdgeWidth = 5; // inside of the frame
 constexpr int kIndicatorSide = 15;
 constexpr Size kMinimumSize{76, 40};
 
-int screenHeight() {
-    return QGuiApplication::primaryScreen()->geometry().height();
-}
-
 } // namespace
 
-QRect windowGeometry(const Rect& frame, int margin) {
+QRect windowGeometry(const Rect& frame, int margin, const QRect& screen) {
     const int width = std::max(1, static_cast<int>(std::ceil(frame.size.width)));
     const int height = static_cast<int>(std::ceil(frame.size.height));
-    const int bottom = screenHeight() - static_cast<int>(std::lround(frame.origin.y));
-    return QRect(static_cast<int>(std::lround(frame.origin.x)), bottom - height, width,
-                 std::max(1, height))
+    const int left = screen.x() + static_cast<int>(std::lround(frame.origin.x));
+    const int bottom = screen.y() + screen.height() - static_cast<int>(std::lround(frame.origin.y));
+    return QRect(left, bottom - height, width, std::max(1, height))
         .adjusted(-margin, -margin, margin, margin);
 }
 
-Rect panelFrame(const QRect& window, int margin) {
+Rect panelFrame(const QRect& window, int margin, const QRect& screen) {
     const QRect inner = window.adjusted(margin, margin, -margin, -margin);
-    return {{double(inner.x()), double(screenHeight() - inner.y() - inner.height())},
+    return {{double(inner.x() - screen.x()),
+             double(screen.y() + screen.height() - inner.y() - inner.height())},
             {double(inner.width()), double(inner.height())}};
 }
 

@@ -9,14 +9,15 @@
 namespace platform::qt {
 
 // The geometry of panels. A frame is in points, with the origin at the bottom left of the primary
-// screen and y up; everything else is in Qt's coordinates, with y down. The margin is the space for
-// the shadow between the frame and the window's edges.
+// screen and y up; everything else is in Qt's coordinates, with y down. @p screen is the geometry
+// of the primary screen, which need not be at (0, 0). The margin is the space for the shadow
+// between the frame and the window's edges.
 
 /// Returns the window geometry for a frame, rounded up to whole points and at least 1 x 1.
-QRect windowGeometry(const Rect& frame, int margin);
+QRect windowGeometry(const Rect& frame, int margin, const QRect& screen);
 
 /// Returns the frame for the window geometry @p window.
-Rect panelFrame(const QRect& window, int margin);
+Rect panelFrame(const QRect& window, int margin, const QRect& screen);
 
 /// Returns @p frame after dragging @p edges by @p distance. Never makes the frame smaller than
 /// 76 x 40 points; a side that is already shorter does not shrink. If there are no edges,

@@ -3,6 +3,7 @@
 #include "platform/qt/Layers.h"
 #include "platform/qt/Modifiers.h"
 #include "platform/qt/PanelButton.h"
+#include "platform/qt/PanelCloseButton.h"
 #include "platform/qt/PanelGeometry.h"
 #include "platform/qt/PanelPainting.h"
 #include "platform/qt/QtImage.h"
@@ -16,6 +17,7 @@
 #include <QMouseEvent>
 #include <QPainter>
 #include <QScopedValueRollback>
+#include <QScreen>
 #include <QThread>
 #include <QWindow>
 
@@ -31,6 +33,10 @@ constexpr int kKeyStep = 16;
 constexpr int kAnimationSteps = 12;
 constexpr unsigned long kAnimationStepMilliseconds = 15;
 
+QRect primaryScreen() {
+    return QGuiApplication::primaryScreen()->geometry();
+}
+
 } // namespace
 
 PanelWidget::PanelWidget(Panel& panel)
@@ -41,6 +47,11 @@ PanelWidget::PanelWidget(Panel& panel)
     setMouseTracking(true);
     content_->setMouseTracking(true);
     setFocusPolicy(Qt::StrongFocus);
+    if (hasStyle(kTitledWindowMask | kClosableWindowMask)) {
+        closeButton_ = new PanelCloseButton(this);
+        connect(closeButton_, &QAbstractButton::clicked, this, &QWidget::close);
+    }
+    translucency_ = watchTranslucency([this] { setLook(look_); });
     adoptFrame(panel.frame());
 }
 
@@ -55,6 +66,8 @@ void PanelWidget::callPanel(const std::function<void(Panel&)>& code) {
 }
 
 void PanelWidget::setLook(const PanelLook& look) {
+    if (!panel_)
+        return;
     look_ = look;
     const int margin = look.hasShadow && windowsAreTranslucent() ? kShadowMargin : 0;
     if (std::exchange(margin_, margin) != margin)
@@ -78,7 +91,9 @@ QRect PanelWidget::frameRect() const {
 
 void PanelWidget::adoptFrame(const Rect& frame) {
     const QScopedValueRollback guard(isAdopting_, true);
-    setGeometry(windowGeometry(frame, margin_));
+    setGeometry(windowGeometry(frame, margin_, primaryScreen()));
+    if (closeButton_)
+        closeButton_->placeAt(frameRect().topLeft());
     // The content view of a panel has its origin at the lower left corner of the frame.
     content_->setGeometry(frameRect());
     callPanel([&](Panel& panel) { panel.frameDidChange(frame); });
@@ -115,8 +130,8 @@ void PanelWidget::moveEvent(QMoveEvent*) {
 void PanelWidget::followGeometry() {
     if (isAdopting_ || !panel_ || !isVisible())
         return;
-    if (geometry() != windowGeometry(panel_->frame(), margin_))
-        adoptFrame(panelFrame(geometry(), margin_));
+    if (geometry() != windowGeometry(panel_->frame(), margin_, primaryScreen()))
+        adoptFrame(panelFrame(geometry(), margin_, primaryScreen()));
 }
 
 void PanelWidget::closeEvent(QCloseEvent* event) {
@@ -124,7 +139,13 @@ void PanelWidget::closeEvent(QCloseEvent* event) {
     callPanel([](Panel& panel) { panel.didClose(); });
 }
 
+void PanelWidget::showEvent(QShowEvent* event) {
+    QWidget::showEvent(event);
+    setInputArea(*this, frameRect()); // the window exists only now
+}
+
 void PanelWidget::updateMask() {
+    setInputArea(*this, frameRect());
     const bool hasImage = dynamic_cast<const QtImage*>(look_.backgroundColor.pattern.get());
     if (look_.opaque || windowsAreTranslucent() || !hasImage) {
         clearMask();
@@ -146,8 +167,12 @@ void PanelWidget::paintEvent(QPaintEvent*) {
         paintResizeIndicator(painter, frameRect());
 }
 
+bool PanelWidget::hasStyle(std::uint32_t mask) const {
+    return panel_ && (panel_->styleMask() & mask) == mask;
+}
+
 bool PanelWidget::isResizable() const {
-    return panel_ && (panel_->styleMask() & kResizableWindowMask) != 0;
+    return hasStyle(kResizableWindowMask);
 }
 
 bool PanelWidget::showsResizeIndicator() const {
@@ -169,6 +194,16 @@ void PanelWidget::mouseMoveEvent(QMouseEvent* event) {
         continueDrag(event->globalPosition().toPoint());
     else
         setCursor(resizeCursor(draggableEdgesAt(event->position().toPoint())));
+}
+
+void PanelWidget::mouseDoubleClickEvent(QMouseEvent* event) {
+    const double height = event->position().y() - frameRect().top();
+    const bool isOnTitleBar = height >= 0 && height < kPanelTitleBarHeight;
+    if (event->button() == Qt::LeftButton && isOnTitleBar &&
+        hasStyle(kTitledWindowMask | kMiniaturizableWindowMask))
+        showMinimized();
+    else
+        mousePressEvent(event);
 }
 
 void PanelWidget::continueDrag(QPoint mouse) {
@@ -215,7 +250,7 @@ void PanelWidget::keyPressEvent(QKeyEvent* event) {
     const bool closes = event->key() == Qt::Key_Escape || (control && event->key() == Qt::Key_W);
     if (control && arrow != arrows.end())
         moveByKey(arrow->second, event->modifiers() & Qt::ShiftModifier);
-    else if (closes && panel_ && (panel_->styleMask() & kClosableWindowMask) != 0)
+    else if (closes && hasStyle(kClosableWindowMask))
         close();
     else if (event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter ||
              event->key() == Qt::Key_Space)

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "platform/PanelService.h"
+#include "platform/base/Watch.h"
 #include "platform/widgets/Panel.h"
 
 #include <QPoint>
@@ -15,9 +16,14 @@
 namespace platform::qt {
 
 class PanelButton;
+class PanelCloseButton;
 
 /// The window of a panel: frameless, floating, with the panel's background. If windows can be
-/// translucent, it has a shadow; otherwise it is masked to the outline of the background.
+/// translucent, it has a shadow, through which the mouse reaches the window below; otherwise it is
+/// masked to the outline of the background. It follows the start and exit of a compositing manager.
+///
+/// A closable panel with a title bar has a close control at the left end of the title bar. A double
+/// click on the title bar minimizes the panel if its style permits.
 ///
 /// The mouse can drag it by its background and resize it by its edges and its resize indicator.
 /// Control and an arrow key move it, or with Shift resize it; Tab moves the focus to its buttons;
@@ -40,10 +46,12 @@ class PanelWidget final : public QWidget {
     void paintEvent(QPaintEvent* event) override;
     void resizeEvent(QResizeEvent* event) override;
     void moveEvent(QMoveEvent* event) override;
+    void showEvent(QShowEvent* event) override;
     void closeEvent(QCloseEvent* event) override;
     void mousePressEvent(QMouseEvent* event) override;
     void mouseMoveEvent(QMouseEvent* event) override;
     void mouseReleaseEvent(QMouseEvent* event) override;
+    void mouseDoubleClickEvent(QMouseEvent* event) override;
     void keyPressEvent(QKeyEvent* event) override;
 
   private:
@@ -56,6 +64,7 @@ class PanelWidget final : public QWidget {
     };
 
     QRect frameRect() const;
+    bool hasStyle(std::uint32_t mask) const; ///< whether the style has all bits of the mask
     bool isResizable() const;
     bool showsResizeIndicator() const;
     Qt::Edges draggableEdgesAt(QPoint position) const;
@@ -84,8 +93,10 @@ class PanelWidget final : public QWidget {
     PanelLook look_;
     QWidget* content_;
     std::vector<PanelButton*> buttons_;
+    PanelCloseButton* closeButton_ = nullptr;
     std::optional<Drag> drag_;
     bool isAdopting_ = false;
+    std::unique_ptr<Watch> translucency_;
 };
 
 } // namespace platform::qt

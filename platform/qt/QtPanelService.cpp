@@ -30,6 +30,7 @@ class QtPanelWindow final : public PanelWindow {
     void addButton(const std::shared_ptr<Button>& button) override { widget_->addButton(button); }
     void display() override { widget_->repaint(); }
     void makeKeyAndOrderFront() override {
+        widget_->setWindowState(widget_->windowState() & ~Qt::WindowMinimized);
         widget_->show();
         widget_->raise();
         widget_->activateWindow();

@@ -83,4 +83,43 @@ TEST_F(X11Panel, ReportsClicksAndClosesOnEscape) {
     EXPECT_EQ(panel.exitCode(), 0);
 }
 
+TEST_F(X11Panel, FollowsTheStartAndExitOfACompositingManager) {
+    const QRect frame(340, 31, 320, 219);
+    EXPECT_TRUE(test::eventually([&] { return occupied(x.picture()) == frame; }));
+    for (int start = 0; start < 2; ++start) {
+        x.claimCompositing(true);
+        EXPECT_TRUE(test::eventually([&] {
+            return occupied(x.picture()) == frame.adjusted(-14, -14, 14, 14);
+        })) << "with its shadow";
+        x.clickAt(500, 150);
+        EXPECT_TRUE(prints("click\n"));
+        x.claimCompositing(false);
+        EXPECT_TRUE(test::eventually([&] { return occupied(x.picture()) == frame; }));
+    }
+    EXPECT_EQ(printed, "click\nclick\n");
+    EXPECT_TRUE(isBackground(x.picture(), frame.topLeft() + QPoint(1, 1)));
+}
+
+TEST_F(X11Panel, LetsTheMouseThroughItsShadow) {
+    x.claimCompositing(true);
+    const auto windowAt = [&](int column) {
+        x.pointAt(column, 100);
+        return x.act({"getmouselocation", "--shell"}).section("WINDOW=", 1).trimmed();
+    };
+    EXPECT_TRUE(test::eventually([&] { return occupied(x.picture()).left() == 340 - 14; }));
+    EXPECT_TRUE(test::eventually([&] { return windowAt(345) == window; }));
+    EXPECT_NE(windowAt(335), window);
+}
+
+TEST_F(X11Panel, ClosesAndMinimizesWithTheMouse) {
+    x.manageWindowOf(0); // receives the requests to the window manager
+    EXPECT_TRUE(test::eventually([&] { return !occupied(x.picture()).isEmpty(); }));
+    x.pointAt(500, 40);
+    x.act({"click", "--repeat", "2", "--delay", "50", "1"});
+    EXPECT_TRUE(test::eventually([&] { return x.isAsked("WM_CHANGE_STATE", window.toUInt()); }));
+    x.clickAt(340 + 9, 31 + 9);
+    EXPECT_TRUE(panel.waitForFinished(5000));
+    EXPECT_EQ(panel.exitCode(), 0);
+}
+
 } // namespace

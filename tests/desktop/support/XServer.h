@@ -118,9 +118,20 @@ class XServer {
         act({"click", "1"});
     }
 
+    /// Owns the selection of a compositing manager, or gives it up. Nothing is composited.
+    void claimCompositing(bool claims) const {
+        const xcb_window_t window = claims ? xcb_generate_id(connection_) : 0;
+        if (claims)
+            xcb_create_window(connection_, XCB_COPY_FROM_PARENT, window, root_, 0, 0, 1, 1, 0,
+                              XCB_WINDOW_CLASS_INPUT_ONLY, XCB_COPY_FROM_PARENT, 0, nullptr);
+        xcb_set_selection_owner(connection_, window, atom("_NET_WM_CM_S0"), XCB_CURRENT_TIME);
+        xcb_flush(connection_);
+    }
+
     /// Creates a window of @p process and lists it, as a window manager does.
     std::uint32_t manageWindowOf(std::uint32_t process) const {
-        const std::uint32_t events = XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY;
+        const std::uint32_t events =
+            XCB_EVENT_MASK_STRUCTURE_NOTIFY | XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY;
         xcb_change_window_attributes(connection_, root_, XCB_CW_EVENT_MASK, &events);
         const auto window = xcb_generate_id(connection_);
         xcb_create_window(connection_, XCB_COPY_FROM_PARENT, window, root_, 0, 0, 9, 9, 0,

@@ -1,5 +1,6 @@
 #include "platform/expat/ExpatPropertyLists.h"
 #include "platform/qt/PanelButton.h"
+#include "platform/qt/PanelGeometry.h"
 #include "platform/qt/PanelWidget.h"
 #include "platform/qt/QtGraphics.h"
 #include "platform/qt/QtPanelService.h"
@@ -136,6 +137,40 @@ TEST_F(ShownPanel, SurvivesActionsThatThrowOrReleaseIt) {
     EXPECT_FALSE(panel);
     QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
     EXPECT_FALSE(widget);
+}
+
+TEST_F(ShownPanel, IsClosedByTheControlAndMinimizedByADoubleClickOnItsTitleBar) {
+    int closed = 0;
+    panel->setCloseObserver([&] { ++closed; });
+    QTest::mouseDClick(widget, Qt::LeftButton, {}, at(100, 30));
+    QTest::mouseDClick(widget, Qt::RightButton, {}, at(100, 10));
+    EXPECT_FALSE(widget->isMinimized());
+    QTest::mouseDClick(widget, Qt::LeftButton, {}, at(100, 18));
+    EXPECT_TRUE(widget->isMinimized());
+    panel->makeKeyAndOrderFront();
+    EXPECT_FALSE(widget->isMinimized());
+
+    QWidget* const control = widget->childAt(at(9, 9));
+    ASSERT_TRUE(control);
+    EXPECT_NE(widget->childAt(at(20, 9)), control) << "the title begins after 19 points";
+    EXPECT_EQ(QAccessible::queryAccessibleInterface(control)->text(QAccessible::Name), "Close");
+    QTest::mousePress(control, Qt::LeftButton);
+    QTest::mouseRelease(control, Qt::LeftButton, {}, {60, 60}); // beside it
+    EXPECT_EQ(closed, 0);
+    QTest::mouseClick(control, Qt::LeftButton);
+    EXPECT_EQ(closed, 1);
+    EXPECT_FALSE(widget->isVisible());
+}
+
+TEST(PanelGeometry, IsRelativeToThePrimaryScreenWhereverThatIs) {
+    const Rect frame{{100, 50}, {200, 119}};
+    const std::pair<QRect, QRect> cases[] = {{{0, 0, 800, 600}, {86, 417, 228, 147}},
+                                             {{1920, 200, 800, 600}, {2006, 617, 228, 147}},
+                                             {{-800, -600, 800, 600}, {-714, -183, 228, 147}}};
+    for (const auto& [screen, window] : cases) {
+        EXPECT_EQ(qt::windowGeometry(frame, kMargin, screen), window);
+        EXPECT_EQ(qt::panelFrame(window, kMargin, screen), frame);
+    }
 }
 
 TEST_F(ShownPanel, FinishesItsAnimationIfItIsReleasedMeanwhile) {

@@ -1,0 +1,46 @@
+#include "platform/qt/PanelCloseButton.h"
+
+#include <QPainter>
+
+namespace platform::qt {
+namespace {
+
+// Points. The title bar is 19 points high, and the title begins 19 points from its left end.
+constexpr int kInset = 3; // leaves the window's edges free for resizing
+constexpr int kSide = 13;
+constexpr double kRadius = 5.5;
+constexpr double kCrossReach = 2.25;
+
+const QColor kDisc(255, 255, 255, 150);
+const QColor kDiscUnderMouse(255, 255, 255, 235);
+const QColor kDiscPressed(255, 255, 255, 110);
+const QColor kCross(40, 40, 40);
+
+} // namespace
+
+PanelCloseButton::PanelCloseButton(QWidget* parent) : QAbstractButton(parent) {
+    setAttribute(Qt::WA_Hover);
+    setFocusPolicy(Qt::NoFocus);
+    setCursor(Qt::ArrowCursor);
+    setAccessibleName("Close");
+}
+
+void PanelCloseButton::placeAt(QPoint corner) {
+    setGeometry({corner + QPoint(kInset, kInset), QSize(kSide, kSide)});
+}
+
+void PanelCloseButton::paintEvent(QPaintEvent*) {
+    QPainter painter(this);
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.setPen(Qt::NoPen);
+    painter.setBrush(isDown() ? kDiscPressed : underMouse() ? kDiscUnderMouse : kDisc);
+    const QPointF center = QRectF(rect()).center();
+    painter.drawEllipse(center, kRadius, kRadius);
+    painter.setPen(QPen(kCross, 1.5, Qt::SolidLine, Qt::RoundCap));
+    const QPointF down(kCrossReach, kCrossReach);
+    const QPointF up(kCrossReach, -kCrossReach);
+    painter.drawLine(center - down, center + down);
+    painter.drawLine(center - up, center + up);
+}
+
+} // namespace platform::qt
