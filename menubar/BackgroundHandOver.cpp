@@ -7,11 +7,13 @@
 #include "platform/Log.h"
 #include "platform/MainThread.h"
 #include "platform/Notifications.h"
+#include "platform/Operation.h"
 #include "platform/Workspace.h"
 #include "platform/runtime/DetachedThread.h"
 #include "prefs/HalvexPrefsTools.h"
 
 #include <atomic>
+#include <functional>
 #include <utility>
 
 using namespace platform;
@@ -57,44 +59,56 @@ void HalvexMenuExtraBase::HalvexPrefs(const MenuItem*) {
 }
 
 void HalvexMenuExtraBase::OpenCalculator(const MenuItem*) {
-    detachThread([self = sharedSelf()]() mutable {
-        self->HalvexLaunchThread("HalvexShowCalculatorNotification");
-        // If this is the last reference, the item must be destroyed on the main thread.
-        mainThread().perform([last = std::move(self)] {}, MainThread::Wait::No);
+    guardedOperation([&] {
+        auto self = sharedSelf();
+        // If the thread holds the last reference, the item must be destroyed on the main thread.
+        std::function<void()> release = [self] {};
+        detachThread([self = std::move(self), release = std::move(release)]() mutable {
+            self->HalvexLaunchThread("HalvexShowCalculatorNotification");
+            self.reset();
+            mainThread().perform(std::move(release), MainThread::Wait::No);
+        });
     });
 }
 
 void HalvexMenuExtraBase::HalvexLaunchThread(const std::optional<std::string>& name) {
-    setRunning(false);
-    const auto notify = [self = sharedSelf(), name] { self->notifyHalvex2(name); };
-    ProcessSerialNumber process = 0;
-    if (HalvexPrefsTools::findHalvexBGProcess(&process)) {
-        setRunning(true);
-        sharedWorkspace().bringToFront(process);
-        mainThread().perform(notify, MainThread::Wait::No);
-        return;
-    }
-    const auto path = HalvexPrefsTools::getHalvexBGApplicationPath();
-    observeLaunches();
-    openBackgroundApplication(path);
-    waitUntilRunning();
-    if (name)
-        mainThread().perform(notify, MainThread::Wait::UntilDone);
+    guardedOperation([&] {
+        setRunning(false);
+        const auto notify = [self = sharedSelf(), name] { self->notifyHalvex2(name); };
+        ProcessSerialNumber process = 0;
+        if (HalvexPrefsTools::findHalvexBGProcess(&process)) {
+            setRunning(true);
+            sharedWorkspace().bringToFront(process);
+            mainThread().perform(notify, MainThread::Wait::No);
+            return;
+        }
+        const auto path = HalvexPrefsTools::getHalvexBGApplicationPath();
+        observeLaunches();
+        openBackgroundApplication(path);
+        waitUntilRunning();
+        if (name)
+            mainThread().perform(notify, MainThread::Wait::UntilDone);
+    });
 }
 
 void HalvexMenuExtraBase::notifyHalvex2(const std::optional<std::string>& name) {
-    if (name)
-        distributedNotificationCenter().post({.name = *name, .object = {}, .userInfo = {}});
+    guardedOperation([&] {
+        if (name)
+            distributedNotificationCenter().post({.name = *name, .object = {}, .userInfo = {}});
+    });
 }
 
 void HalvexMenuExtraBase::HalvexLaunched(const Notification& notification) {
-    const PropertyList* name = notification.userInfo.find(hxNSApplicationName);
-    const bool isHalvex = name && name->string() == "Halvex";
-    if (!isHalvex && !HalvexPrefsTools::findHalvexBGProcess(nullptr))
-        return;
-    setRunning(true);
-    distributedNotificationCenter().removeObserver(weak_from_this(), kDidLaunchApplication);
-    sharedWorkspace().notificationCenter().removeObserver(weak_from_this(), kDidLaunchApplication);
+    guardedOperation([&] {
+        const PropertyList* name = notification.userInfo.find(hxNSApplicationName);
+        const bool isHalvex = name && name->string() == "Halvex";
+        if (!isHalvex && !HalvexPrefsTools::findHalvexBGProcess(nullptr))
+            return;
+        setRunning(true);
+        distributedNotificationCenter().removeObserver(weak_from_this(), kDidLaunchApplication);
+        sharedWorkspace().notificationCenter().removeObserver(weak_from_this(),
+                                                              kDidLaunchApplication);
+    });
 }
 
 void HalvexMenuExtraBase::observeLaunches() {

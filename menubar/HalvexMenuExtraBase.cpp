@@ -5,6 +5,7 @@
 #include "platform/Graphics.h"
 #include "platform/Log.h"
 #include "platform/MenuExtraHost.h"
+#include "platform/Operation.h"
 #include "platform/base/Exception.h"
 
 #include <sstream>
@@ -42,8 +43,10 @@ const Shadow kTitleShadow{.offset = {2.0, 2.0}, .blurRadius = 1.5};
 
 HalvexMenuExtraBase::~HalvexMenuExtraBase() {
     if (identifiers::isVerbose())
-        logLine("dealloc HalvexMenuExtraBase %@ %d", description(*this),
-                weak_from_this().use_count());
+        guardedStep([&] {
+            logLine("dealloc HalvexMenuExtraBase %@ %d", description(*this),
+                    weak_from_this().use_count());
+        });
 }
 
 bool HalvexMenuExtraBase::OptionDown() {
@@ -53,6 +56,8 @@ bool HalvexMenuExtraBase::OptionDown() {
 }
 
 std::shared_ptr<MenuExtra> HalvexMenuExtraBase::initWithBundle(std::shared_ptr<Bundle> bundle) {
+    // Lets failed allocations propagate, including those in setTitle and recalWidth.
+    const OperationScope scope;
     if (!MenuExtra::initWithBundle(std::move(bundle))) {
         logLine("HalvexMenuExtraBase super initWithBundle failed");
         return nullptr;
@@ -96,32 +101,34 @@ void HalvexMenuExtraBase::requestRedisplay() {
 }
 
 void HalvexMenuExtraBase::setTitle(const std::optional<std::string>& title) {
-    const auto previous = appText_;
-    if (title) {
-        appText_ = std::make_shared<AttributedString>(*title);
-        if (drawsShadow())
-            appText_->addShadow(kTitleShadow, 0, appText_->length());
-    } else {
-        appText_ = nullptr;
-    }
-    const bool sameText = title && previous && *title == previous->string();
-    if (!sameText)
-        requestRedisplay();
-    recalWidth();
+    guardedOperation([&] {
+        auto text = title ? std::make_shared<AttributedString>(*title) : nullptr;
+        if (text && drawsShadow())
+            text->addShadow(kTitleShadow, 0, text->length());
+        const auto previous = std::exchange(appText_, std::move(text));
+        const bool sameText = title && previous && *title == previous->string();
+        if (!sameText)
+            requestRedisplay();
+        recalWidth();
+    });
 }
 
 void HalvexMenuExtraBase::setAttributedTitle(const std::shared_ptr<AttributedString>& title) {
-    if (title == appText_)
-        return;
-    appText_ = title ? std::make_shared<AttributedString>(*title) : nullptr;
-    recalWidth();
+    guardedOperation([&] {
+        if (title == appText_)
+            return;
+        appText_ = title ? std::make_shared<AttributedString>(*title) : nullptr;
+        recalWidth();
+    });
 }
 
 void HalvexMenuExtraBase::setImage(const std::shared_ptr<Image>& image) {
-    if (image == icon_)
-        return;
-    icon_ = image;
-    recalWidth();
+    guardedOperation([&] {
+        if (image == icon_)
+            return;
+        icon_ = image;
+        recalWidth();
+    });
 }
 
 std::shared_ptr<AttributedString> HalvexMenuExtraBase::attributedTitle() const {
@@ -138,20 +145,25 @@ std::shared_ptr<Menu> HalvexMenuExtraBase::menu() const {
 }
 
 void HalvexMenuExtraBase::recalWidth() {
-    const float shadow = drawsShadow() ? 2.5F : 0.0F;
-    const float icon = icon_ ? static_cast<float>(icon_->size().width) : 0.0F;
-    const float text = appText_ ? static_cast<float>(graphics().sizeOfText(*appText_).width) : 0.0F;
-    SetViewWidth(text + (icon + 2.0F) + shadow);
+    guardedOperation([&] {
+        const float shadow = drawsShadow() ? 2.5F : 0.0F;
+        const float icon = icon_ ? static_cast<float>(icon_->size().width) : 0.0F;
+        const float text =
+            appText_ ? static_cast<float>(graphics().sizeOfText(*appText_).width) : 0.0F;
+        SetViewWidth(text + (icon + 2.0F) + shadow);
+    });
 }
 
 void HalvexMenuExtraBase::SetViewWidth(float width) {
-    if (width == extraWidth_)
-        return;
-    extraWidth_ = width;
-    if (view_)
-        view_->setFrameSize({width, view_->frame().size.height});
-    setLength(width);
-    requestRedisplay();
+    guardedOperation([&] {
+        if (width == extraWidth_)
+            return;
+        extraWidth_ = width;
+        if (view_)
+            view_->setFrameSize({width, view_->frame().size.height});
+        setLength(width);
+        requestRedisplay();
+    });
 }
 
 bool HalvexMenuExtraBase::CheckForSecFormat(const std::optional<std::string>& format) const {

@@ -10,8 +10,9 @@
 
 /// Base class of the product's menu extras. Holds the title and the icon that the bar shows, keeps
 /// the item's width in step with them, and dispatches clicks to four overridable operations.
-/// Subclasses set the title and the icon, assign menu_ and override the clicks they handle. Main
-/// thread only, except where noted.
+/// Subclasses set the title and the icon, assign menu_ and override the clicks they handle. If
+/// memory runs out, operations log this and change nothing or only part, unless noted otherwise.
+/// Main thread only, except where noted.
 class HalvexMenuExtraBase : public platform::MenuExtra {
   public:
     /// Logs the destruction if myDebug is not 0.
@@ -26,7 +27,7 @@ class HalvexMenuExtraBase : public platform::MenuExtra {
     ///
     /// Returns this item, or null if MenuExtra::initWithBundle fails, which is logged. If creating
     /// or installing the view throws a platform::Exception, logs it and still returns the item;
-    /// other exceptions propagate.
+    /// other exceptions, such as std::bad_alloc, propagate.
     std::shared_ptr<platform::MenuExtra>
     initWithBundle(std::shared_ptr<platform::Bundle> bundle) override;
 

@@ -5,7 +5,9 @@
 #include "menubar/PreferencesFile.h"
 #include "platform/Graphics.h"
 #include "platform/Log.h"
+#include "platform/Operation.h"
 #include "platform/Workspace.h"
+#include "platform/base/NonCopyable.h"
 
 #include <cmath>
 
@@ -19,6 +21,19 @@ constexpr std::int32_t kControlClickButton = 3;
 bool hasModifiers(const Event& event, std::uint32_t mask) {
     return (event.modifierFlags & mask) == mask;
 }
+
+class SavedGraphicsState : NonCopyable {
+  public:
+    explicit SavedGraphicsState(GraphicsContext& context) : context_(context) {
+        context_.saveGraphicsState();
+    }
+    ~SavedGraphicsState() {
+        guardedStep([this] { context_.restoreGraphicsState(); });
+    }
+
+  private:
+    GraphicsContext& context_;
+};
 
 void logIfVerbose(const char* line) {
     if (myDebugME != 0)
@@ -58,7 +73,7 @@ bool HalvexMenuViewBase::toggleVerboseLogging() const {
     logLine("CTRL+Option/Alt key pressed - myDebug %d", myDebugME);
     if (myDebugME == 0)
         return false;
-    sharedWorkspace().selectFile(menubar::preferencesFile(), "");
+    guardedOperation([] { sharedWorkspace().selectFile(menubar::preferencesFile(), ""); });
     return true;
 }
 
@@ -86,16 +101,19 @@ void HalvexMenuViewBase::drawRect(const Rect& rect) {
     else if (!title && !image)
         logLine("CalendarMenuView both nil");
 
-    const double height = rect.size.height;
-    if (title)
-        drawTitle(*title, image ? std::trunc(image->size().width + 3.0) : 0, height);
-    if (image)
-        drawImage(*image, height);
+    guardedOperation([&] {
+        GraphicsContext& context = graphics().currentContext();
+        const double height = rect.size.height;
+        if (title)
+            drawTitle(context, *title, image ? std::trunc(image->size().width + 3.0) : 0, height);
+        if (image)
+            drawImage(context, *image, height);
+    });
 }
 
-void HalvexMenuViewBase::drawTitle(const AttributedString& title, double x, double height) const {
-    auto& context = graphics().currentContext();
-    context.saveGraphicsState();
+void HalvexMenuViewBase::drawTitle(GraphicsContext& context, const AttributedString& title,
+                                   double x, double height) const {
+    const SavedGraphicsState state(context);
     context.setShouldSmoothFonts(false);
     context.setTextDrawingMode(TextDrawingMode::Fill);
     if (menuExtra_->isMenuDown())
@@ -104,13 +122,13 @@ void HalvexMenuViewBase::drawTitle(const AttributedString& title, double x, doub
         context.setShadow({1.0, -1.0}, 5.0);
     const double titleHeight = graphics().sizeOfText(title).height;
     context.drawText(title, {x, std::trunc((height - titleHeight) * 0.5 + 1.5)});
-    context.restoreGraphicsState();
 }
 
-void HalvexMenuViewBase::drawImage(const Image& image, double height) const {
+void HalvexMenuViewBase::drawImage(GraphicsContext& context, const Image& image,
+                                   double height) const {
     const Size size = image.size();
     const Rect target{{0, std::trunc((height - size.height) * 0.5)}, size};
     const auto operation =
         menuExtra_->isMenuDown() ? CompositingOperation::XOR : CompositingOperation::Copy;
-    graphics().currentContext().drawImage(image, target, {{}, size}, operation, 1.0);
+    context.drawImage(image, target, {{}, size}, operation, 1.0);
 }

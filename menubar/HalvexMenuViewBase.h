@@ -1,5 +1,6 @@
 #pragma once
 
+#include "platform/GraphicsContext.h"
 #include "platform/widgets/MenuExtra.h"
 
 #include <cstdint>
@@ -39,7 +40,8 @@ class HalvexMenuViewBase : public platform::MenuExtraView {
     void mouseDown(const platform::Event& event) override;
 
     /// Draws the title, then the image. Only the height of @p rect is used. Logs
-    /// "CalendarMenuView both nil" if there is neither.
+    /// "CalendarMenuView both nil" if there is neither. If memory runs out, logs this and
+    /// draws nothing or only part.
     void drawRect(const platform::Rect& rect) override;
 
   private:
@@ -47,8 +49,10 @@ class HalvexMenuViewBase : public platform::MenuExtraView {
     bool toggleVerboseLogging() const;
     /// Returns whether the menu extra handled the click.
     bool dispatchClick(const platform::Event& event) const;
-    void drawTitle(const platform::AttributedString& title, double x, double height) const;
-    void drawImage(const platform::Image& image, double height) const;
+    void drawTitle(platform::GraphicsContext& context, const platform::AttributedString& title,
+                   double x, double height) const;
+    void drawImage(platform::GraphicsContext& context, const platform::Image& image,
+                   double height) const;
 
     HalvexMenuExtraBase* menuExtra_ = nullptr;
     std::int32_t clickCount_ = 0;

@@ -6,6 +6,7 @@
 #include "platform/DynamicLoader.h"
 #include "platform/Log.h"
 #include "platform/MenuExtraServer.h"
+#include "platform/Operation.h"
 #include "platform/base/Exception.h"
 #include "platform/base/PathStrings.h"
 #include "platform/widgets/MenuExtra.h"
@@ -76,6 +77,28 @@ void logArchitectures(const platform::Bundle& bundle) {
                 listText(architectures));
 }
 
+std::int32_t load(const std::optional<std::string>& url, const std::string& identifier) {
+    if (HalvexMenuExtraTools::isExtraLoaded(identifier))
+        return 0;
+    if (!url) {
+        logLine("loadExtraWithCrack: invalid path: nil, id: %@", identifier);
+        return -2;
+    }
+    HalvexMenuExtraTools::checkPreflight(*url);
+    std::int32_t status = requestLoad(*url, kPosition);
+    if (waitUntilLoaded(identifier))
+        return 0;
+    if (!HalvexMenuExtraTools::isExtraLoaded(kMenuCrackerID)) {
+        requestMenuCracker();
+        status = requestLoad(*url, kPosition);
+    }
+    if (waitUntilLoaded(identifier))
+        return status;
+    logLine("loadExtraWithCrack: unable to load Halvex menu extra %@ bundleid %@ - %d\n", *url,
+            identifier, status);
+    return status != 0 ? status : -1;
+}
+
 void turnOn(const MenuExtraKind& kind, const std::string& shipped, const std::string& folder) {
     HalvexMenuExtraTools::installMenuExtra(shipped);
     // The system's clock is unloaded only after a fresh load, so that users can add it back.
@@ -107,101 +130,91 @@ void reportException(const std::string& name, const std::string& reason,
 } // namespace
 
 bool HalvexMenuExtraTools::isExtraLoaded(const std::string& identifier) {
-    return loadedReference(identifier) != 0;
+    return platform::guardedOperation([&] { return loadedReference(identifier) != 0; });
 }
 
 bool HalvexMenuExtraTools::isHalvexExtraLoaded(std::int32_t tag) {
-    const MenuExtraKind* kind = menuextras::kindOfTag(tag);
-    if (kind && kind->isQueryable)
-        return isExtraLoaded(kind->identifier);
-    logLine("bad tag sent to isHalvexExtraLoaded:");
-    return false;
+    return platform::guardedOperation([&] {
+        const MenuExtraKind* kind = menuextras::kindOfTag(tag);
+        if (kind && kind->isQueryable)
+            return isExtraLoaded(kind->identifier);
+        logLine("bad tag sent to isHalvexExtraLoaded:");
+        return false;
+    });
 }
 
 void HalvexMenuExtraTools::removeExtra(const std::string& identifier) {
-    if (const auto reference = loadedReference(identifier))
-        CoreMenuExtraRemoveMenuExtra(reference, 0);
-    else
-        logLine("Unable to remove menu extra \"%@\", it is not loaded.", identifier);
+    platform::guardedOperation([&] {
+        if (const auto reference = loadedReference(identifier))
+            CoreMenuExtraRemoveMenuExtra(reference, 0);
+        else
+            logLine("Unable to remove menu extra \"%@\", it is not loaded.", identifier);
+    });
 }
 
 void HalvexMenuExtraTools::checkPreflight(const std::string& url) {
-    if (!platform::isFileURL(url)) {
-        logLine("checkPreflight not a file url");
-        return;
-    }
-    const auto path = platform::pathOfFileURL(url);
-    const auto bundle = path ? platform::Bundle::bundleWithPath(*path) : nullptr;
-    if (!bundle) {
-        logLine("checkPreflight extraBundle nil - %@", path);
-        return;
-    }
-    logArchitectures(*bundle);
-    const auto executable = bundle->executablePath();
-    if (!executable) {
-        logLine("checkPreflight: executablePath nil");
-        return;
-    }
-    if (!identifiers::isVerbose()) // the result is only logged, and needs a child process
-        return;
-    std::string reason;
-    if (platform::dynamicLoader().preflight(*executable, reason))
-        logLine("MenuExtra passed dlopen_preflight(%@)", bundle->bundlePath());
-    else
-        logLine("MenuExtra Error: \r\t%@\r", reason.empty() ? "n/a" : reason);
+    platform::guardedOperation([&] {
+        if (!platform::isFileURL(url)) {
+            logLine("checkPreflight not a file url");
+            return;
+        }
+        const auto path = platform::pathOfFileURL(url);
+        const auto bundle = path ? platform::Bundle::bundleWithPath(*path) : nullptr;
+        if (!bundle) {
+            logLine("checkPreflight extraBundle nil - %@", path);
+            return;
+        }
+        logArchitectures(*bundle);
+        const auto executable = bundle->executablePath();
+        if (!executable) {
+            logLine("checkPreflight: executablePath nil");
+            return;
+        }
+        if (!identifiers::isVerbose()) // the result is only logged, and needs a child process
+            return;
+        std::string reason;
+        if (platform::dynamicLoader().preflight(*executable, reason))
+            logLine("MenuExtra passed dlopen_preflight(%@)", bundle->bundlePath());
+        else
+            logLine("MenuExtra Error: \r\t%@\r", reason.empty() ? "n/a" : reason);
+    });
 }
 
 std::int32_t HalvexMenuExtraTools::loadExtraWithCrack(const std::optional<std::string>& url,
                                                       const std::string& withID) {
-    if (isExtraLoaded(withID))
-        return 0;
-    if (!url) {
-        logLine("loadExtraWithCrack: invalid path: nil, id: %@", withID);
-        return -2;
-    }
-    checkPreflight(*url);
-    std::int32_t status = requestLoad(*url, kPosition);
-    if (waitUntilLoaded(withID))
-        return 0;
-    if (!isExtraLoaded(kMenuCrackerID)) {
-        requestMenuCracker();
-        status = requestLoad(*url, kPosition);
-    }
-    if (waitUntilLoaded(withID))
-        return status;
-    logLine("loadExtraWithCrack: unable to load Halvex menu extra %@ bundleid %@ - %d\n", *url,
-            withID, status);
-    return status != 0 ? status : -1;
+    return platform::guardedOperation([&] { return load(url, withID); }, -1);
 }
 
 void HalvexMenuExtraTools::menuExtraToggle(std::int32_t tag, std::int32_t state) {
-    const std::string folder = menuextras::installedFolder();
-    const auto plugIns = HalvexPrefsPlugins();
-    if (!plugIns) {
-        platform::systemLog().beep();
-        logLine("MenuExtraTools - error halvex PrefsPluginPath nil");
-        return;
-    }
-    const MenuExtraKind* kind = menuextras::kindOfTag(tag);
-    if (!kind || !kind->isToggleable) {
-        logLine("error tag not set");
-        logLine("Halvex Error: Menu Extra %@ - path: %@", nullptr,
-                appendingPathComponent(*plugIns, kMenuCrackerFile));
-        return;
-    }
-    const std::string shipped = appendingPathComponent(*plugIns, kind->fileName);
-    try {
-        if (state != 0)
-            turnOn(*kind, shipped, folder);
-        else
-            turnOff(*kind, shipped);
-    } catch (const abi::__forced_unwind&) {
-        throw; // the thread is being cancelled
-    } catch (const platform::Exception& exception) {
-        reportException(exception.name(), exception.reason(), exception.userInfo());
-    } catch (const std::exception& exception) {
-        reportException("std::exception", exception.what(), std::nullopt);
-    } catch (...) {
-        reportException("unknown", "(null)", std::nullopt);
-    }
+    platform::guardedOperation([&] {
+        const std::string folder = menuextras::installedFolder();
+        const auto plugIns = HalvexPrefsPlugins();
+        if (!plugIns) {
+            platform::systemLog().beep();
+            logLine("MenuExtraTools - error halvex PrefsPluginPath nil");
+            return;
+        }
+        const MenuExtraKind* kind = menuextras::kindOfTag(tag);
+        if (!kind || !kind->isToggleable) {
+            logLine("error tag not set");
+            logLine("Halvex Error: Menu Extra %@ - path: %@", nullptr,
+                    appendingPathComponent(*plugIns, kMenuCrackerFile));
+            return;
+        }
+        const std::string shipped = appendingPathComponent(*plugIns, kind->fileName);
+        try {
+            if (state != 0)
+                turnOn(*kind, shipped, folder);
+            else
+                turnOff(*kind, shipped);
+        } catch (const abi::__forced_unwind&) {
+            throw; // the thread is being cancelled
+        } catch (const platform::Exception& exception) {
+            reportException(exception.name(), exception.reason(), exception.userInfo());
+        } catch (const std::exception& exception) {
+            reportException("std::exception", exception.what(), std::nullopt);
+        } catch (...) {
+            reportException("unknown", "(null)", std::nullopt);
+        }
+    });
 }

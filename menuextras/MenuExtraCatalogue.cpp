@@ -5,10 +5,12 @@
 #include "paths/PreferencePane.h"
 #include "paths/ovxPaths.h"
 #include "platform/Log.h"
+#include "platform/Operation.h"
 #include "platform/base/PathStrings.h"
 
 #include <algorithm>
 #include <array>
+#include <string_view>
 
 using menuextras::MenuExtraKind;
 using platform::appendingPathComponent;
@@ -60,26 +62,34 @@ std::string installedFolder() {
 } // namespace menuextras
 
 std::optional<std::string> HalvexMenuExtraTools::HalvexPrefsPanelPath() {
-    const auto pane = preferencePane();
-    return pane ? std::optional(pane->bundlePath()) : std::nullopt;
+    return platform::guardedOperation([&] {
+        const auto pane = preferencePane();
+        return pane ? std::optional(pane->bundlePath()) : std::nullopt;
+    });
 }
 
 std::optional<std::string> HalvexMenuExtraTools::HalvexPrefsPlugins() {
-    const auto pane = preferencePane();
-    return pane ? std::optional(pane->builtInPlugInsPath()) : std::nullopt;
+    return platform::guardedOperation([&] {
+        const auto pane = preferencePane();
+        return pane ? std::optional(pane->builtInPlugInsPath()) : std::nullopt;
+    });
 }
 
 std::int32_t HalvexMenuExtraTools::menuExtraTagFromID(const std::string& identifier) {
-    const auto found =
-        std::ranges::find(menuextras::allKinds(), identifier, &MenuExtraKind::identifier);
+    const auto found = std::ranges::find(
+        menuextras::allKinds(), std::string_view(identifier),
+        [](const MenuExtraKind& kind) { return std::string_view(kind.identifier); });
     return found == menuextras::allKinds().end() ? -1 : found->tag;
 }
 
 std::optional<std::string> HalvexMenuExtraTools::menuExtraPaths(std::int32_t tag) {
-    const auto plugIns = HalvexPrefsPlugins();
-    return plugIns ? pathInFolder(*plugIns, tag) : std::nullopt;
+    return platform::guardedOperation([&] {
+        const auto plugIns = HalvexPrefsPlugins();
+        return plugIns ? pathInFolder(*plugIns, tag) : std::nullopt;
+    });
 }
 
 std::optional<std::string> HalvexMenuExtraTools::menuExtraInstalledPaths(std::int32_t tag) {
-    return pathInFolder(menuextras::installedFolder(), tag);
+    return platform::guardedOperation(
+        [&] { return pathInFolder(menuextras::installedFolder(), tag); });
 }

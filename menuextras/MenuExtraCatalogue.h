@@ -16,8 +16,8 @@ inline constexpr const char* kMenuCrackerID = "net.sourceforge.menucracker";
 /// One of the product's menu extras.
 struct MenuExtraKind {
     std::int32_t tag;
-    std::string identifier;
-    std::string fileName;
+    const char* identifier;
+    const char* fileName;
     bool isQueryable;  ///< whether isHalvexExtraLoaded accepts the tag
     bool isToggleable; ///< whether menuExtraToggle accepts the tag
 };

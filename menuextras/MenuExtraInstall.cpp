@@ -4,6 +4,7 @@
 #include "platform/Bundle.h"
 #include "platform/FileManager.h"
 #include "platform/Log.h"
+#include "platform/Operation.h"
 #include "platform/Workspace.h"
 #include "platform/base/PathStrings.h"
 
@@ -78,106 +79,122 @@ void removeObsolete(std::int32_t tag, const std::string& identifier) {
 } // namespace
 
 bool HalvexMenuExtraTools::installMenuExtra(const std::string& path) {
-    FileManager& files = fileManager();
-    const std::string folder = installedFolder();
-    if (!files.isWritableFile(folder)) {
-        logLine("installMenuExtra: no write access to install Menu Extra at %@", folder);
-        return false;
-    }
-    const auto name = installedName(path);
-    if (!name || !files.fileExists(path)) {
-        logLine("installMenuExtra: source %@ missing", path);
-        return false;
-    }
-    const std::string copy = appendingPathComponent(folder, *name);
-    const bool isReplacing = !containsSource(files, copy, path) && entryExists(files, copy);
-    Replacement result = isReplacing ? replaceOldCopy(files, path, copy) : Replacement::NotRemoved;
-    if (result == Replacement::NotRemoved) {
-        if (entryExists(files, copy)) {
-            logLine("installMenuExtra already installed at %@", copy);
-            return true;
+    return platform::guardedOperation([&] {
+        FileManager& files = fileManager();
+        const std::string folder = installedFolder();
+        if (!files.isWritableFile(folder)) {
+            logLine("installMenuExtra: no write access to install Menu Extra at %@", folder);
+            return false;
         }
-        result = files.copyItem(path, copy) ? Replacement::Replaced : Replacement::NotCopied;
-    }
-    if (result == Replacement::NotCopied) {
-        logLine("failed to install MenuExtra %@", copy);
-        return false;
-    }
-    if (!isReplacing)
-        logLine("installed MenuExtra %@", copy);
-    else if (identifiers::isVerbose())
-        logLine("copying MenuExtra to %@", copy);
-    return true;
+        const auto name = installedName(path);
+        if (!name || !files.fileExists(path)) {
+            logLine("installMenuExtra: source %@ missing", path);
+            return false;
+        }
+        const std::string copy = appendingPathComponent(folder, *name);
+        const bool isReplacing = !containsSource(files, copy, path) && entryExists(files, copy);
+        Replacement result =
+            isReplacing ? replaceOldCopy(files, path, copy) : Replacement::NotRemoved;
+        if (result == Replacement::NotRemoved) {
+            if (entryExists(files, copy)) {
+                logLine("installMenuExtra already installed at %@", copy);
+                return true;
+            }
+            result = files.copyItem(path, copy) ? Replacement::Replaced : Replacement::NotCopied;
+        }
+        if (result == Replacement::NotCopied) {
+            logLine("failed to install MenuExtra %@", copy);
+            return false;
+        }
+        if (!isReplacing)
+            logLine("installed MenuExtra %@", copy);
+        else if (identifiers::isVerbose())
+            logLine("copying MenuExtra to %@", copy);
+        return true;
+    });
 }
 
 bool HalvexMenuExtraTools::removeMenuExtra(const std::string& path) {
-    FileManager& files = fileManager();
-    const std::string folder = installedFolder();
-    const auto name = installedName(path);
-    if (!name) {
-        logLine("removeMenuExtra: no menu extra name in \"%@\"", path);
-        return false;
-    }
-    const std::string copy = appendingPathComponent(folder, *name);
-    if (!files.fileExists(copy))
-        return false;
-    if (!files.isWritableFile(copy) || !files.isWritableFile(folder)) {
-        logLine("removeMenuExtra: no write access to %@", copy);
-        return false;
-    }
-    if (files.removeItem(copy))
-        return true;
-    const bool moved = platform::sharedWorkspace().recycle(copy);
-    logLine("Moved to trash Halvex file: %@", copy);
-    return moved;
+    return platform::guardedOperation([&] {
+        FileManager& files = fileManager();
+        const std::string folder = installedFolder();
+        const auto name = installedName(path);
+        if (!name) {
+            logLine("removeMenuExtra: no menu extra name in \"%@\"", path);
+            return false;
+        }
+        const std::string copy = appendingPathComponent(folder, *name);
+        if (!files.fileExists(copy))
+            return false;
+        if (!files.isWritableFile(copy) || !files.isWritableFile(folder)) {
+            logLine("removeMenuExtra: no write access to %@", copy);
+            return false;
+        }
+        if (files.removeItem(copy))
+            return true;
+        const bool moved = platform::sharedWorkspace().recycle(copy);
+        logLine("Moved to trash Halvex file: %@", copy);
+        return moved;
+    });
 }
 
 bool HalvexMenuExtraTools::DoUpgradeIfNeeded(std::int32_t tag) {
-    const auto installedPath = menuExtraInstalledPaths(tag);
-    const auto shippedPath = menuExtraPaths(tag);
-    if (!isReadable(installedPath) || !isReadable(shippedPath))
-        return false;
-    const auto installed = Bundle::bundleWithPath(*installedPath);
-    const auto shipped = Bundle::bundleWithPath(*shippedPath);
-    if (!hasInfoDictionary(installed) || !hasInfoDictionary(shipped))
-        return false;
-    // Two missing versions count as different.
-    if (installed->version() && installed->version() == shipped->version())
-        return false;
-    logLine("Halvex Pro: Changing versions of Menu Extra (logout required): %@ != %@",
-            installed->version(), shipped->version());
-    installMenuExtra(*shippedPath);
-    return true;
+    return platform::guardedOperation([&] {
+        const auto installedPath = menuExtraInstalledPaths(tag);
+        const auto shippedPath = menuExtraPaths(tag);
+        if (!isReadable(installedPath) || !isReadable(shippedPath))
+            return false;
+        const auto installed = Bundle::bundleWithPath(*installedPath);
+        const auto shipped = Bundle::bundleWithPath(*shippedPath);
+        if (!hasInfoDictionary(installed) || !hasInfoDictionary(shipped))
+            return false;
+        // Two missing versions count as different.
+        if (installed->version() && installed->version() == shipped->version())
+            return false;
+        logLine("Halvex Pro: Changing versions of Menu Extra (logout required): %@ != %@",
+                installed->version(), shipped->version());
+        installMenuExtra(*shippedPath);
+        return true;
+    });
 }
 
 bool HalvexMenuExtraTools::DoUpgradeIfNeeded() {
-    bool upgraded = false;
-    for (const std::int32_t tag : {1, 2, 5})
-        upgraded = DoUpgradeIfNeeded(tag) || upgraded;
-    if (!upgraded)
-        return false;
-    removeObsolete(31, Halvex2MenuID);
-    removeObsolete(32, Halvex2ASMid);
-    removeObsolete(6, HalvexProOldCalMenuID);
-    return true;
+    return platform::guardedOperation([&] {
+        bool upgraded = false;
+        for (const std::int32_t tag : {1, 2, 5})
+            upgraded = DoUpgradeIfNeeded(tag) || upgraded;
+        if (!upgraded)
+            return false;
+        removeObsolete(31, Halvex2MenuID);
+        removeObsolete(32, Halvex2ASMid);
+        removeObsolete(6, HalvexProOldCalMenuID);
+        return true;
+    });
 }
 
 bool HalvexMenuExtraTools::isHalvexV2Running() {
-    bool isRunning = false;
-    for (const char* identifier :
-         {Halvex2MenuID, HalvexTodoID, HalvexProOldCalMenuID, Halvex2ASMid})
-        isRunning = isExtraLoaded(identifier) || isRunning; // queries all four, even after a hit
-    return isRunning;
+    return platform::guardedOperation([&] {
+        bool isRunning = false;
+        for (const char* identifier :
+             {Halvex2MenuID, HalvexTodoID, HalvexProOldCalMenuID, Halvex2ASMid})
+            isRunning =
+                isExtraLoaded(identifier) || isRunning; // queries all four, even after a hit
+        return isRunning;
+    });
 }
 
 void HalvexMenuExtraTools::HalvexV2Remove() {
-    for (const char* identifier :
-         {Halvex2MenuID, HalvexTodoID, Halvex2ASMid, HalvexProOldCalMenuID})
-        unloadIfLoaded(identifier);
+    platform::guardedOperation([&] {
+        for (const char* identifier :
+             {Halvex2MenuID, HalvexTodoID, Halvex2ASMid, HalvexProOldCalMenuID})
+            unloadIfLoaded(identifier);
+    });
 }
 
 void HalvexMenuExtraTools::HalvexProRemove() {
-    for (const char* identifier :
-         {HalvexMenuID, HalvexTimeOnlyMenuID, HalvexProCalMenuID, HalvexASMid})
-        unloadIfLoaded(identifier);
+    platform::guardedOperation([&] {
+        for (const char* identifier :
+             {HalvexMenuID, HalvexTimeOnlyMenuID, HalvexProCalMenuID, HalvexASMid})
+            unloadIfLoaded(identifier);
+    });
 }

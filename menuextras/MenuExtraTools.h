@@ -12,7 +12,8 @@
 /// bundle is shipped in the preference pane, and is loaded from the installed copy in the user's
 /// "Menu Extras" folder. That folder is created if missing.
 ///
-/// Operations are stateless and never throw. Unless noted otherwise, an unknown tag is logged as
+/// Operations are stateless and never throw. If memory runs out, they log this and return
+/// std::nullopt, false or -1. Unless noted otherwise, an unknown tag is logged as
 /// "error tag not set". All operations are synchronous. Call them from a thread that may block:
 /// loading can take about 4 seconds, and 5 seconds more if the bar hangs. No lock is taken: if two
 /// processes install the same menu extra at the same time, one may log a failure, but the installed

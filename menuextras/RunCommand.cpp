@@ -1,6 +1,7 @@
 #include "menuextras/RunCommand.h"
 
 #include "platform/Log.h"
+#include "platform/Operation.h"
 
 #include <algorithm>
 #include <array>
@@ -35,18 +36,20 @@ void HalvexRunCommand::HalvexRunNoOutput(const std::string& command) {
 }
 
 std::optional<std::string> HalvexRunCommand::HalvexUtilGetPipeData(const std::string& command) {
-    Pipe pipe = openPipe(command);
-    if (!pipe)
-        return std::nullopt;
-    std::array<char, 512> chunk{};
-    std::string output;
-    std::size_t count = 0;
-    do {
-        count = std::fread(chunk.data(), 1, chunk.size(), pipe.get());
-        output.append(chunk.data(), count);
-    } while (count == chunk.size());
-    pipe.reset();
-    if (!isAscii(output))
-        return std::nullopt;
-    return output;
+    return platform::guardedOperation([&]() -> std::optional<std::string> {
+        Pipe pipe = openPipe(command);
+        if (!pipe)
+            return std::nullopt;
+        std::array<char, 512> chunk{};
+        std::string output;
+        std::size_t count = 0;
+        do {
+            count = std::fread(chunk.data(), 1, chunk.size(), pipe.get());
+            output.append(chunk.data(), count);
+        } while (count == chunk.size());
+        pipe.reset();
+        if (!isAscii(output))
+            return std::nullopt;
+        return output;
+    });
 }

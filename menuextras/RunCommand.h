@@ -5,7 +5,7 @@
 
 /// Runs shell commands. Each operation blocks until the command has exited. The command inherits
 /// this process's standard input; its exit status is ignored. If no pipe can be opened, logs
-/// "Error opening pipe: %@" with the command line and beeps. Thread-safe.
+/// "Error opening pipe: %@" with the command line and beeps. Operations never throw. Thread-safe.
 class HalvexRunCommand {
   public:
     HalvexRunCommand() = delete;
@@ -15,6 +15,7 @@ class HalvexRunCommand {
     static void HalvexRunNoOutput(const std::string& command);
 
     /// Runs a command and returns its standard output, up to the end or the first read error.
-    /// Returns std::nullopt if no pipe can be opened or the output is not ASCII (not logged).
+    /// Returns std::nullopt if no pipe can be opened, if the output is not ASCII (not logged), or
+    /// if memory runs out (logged).
     static std::optional<std::string> HalvexUtilGetPipeData(const std::string& command);
 };

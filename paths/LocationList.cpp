@@ -5,6 +5,7 @@
 #include "platform/Bundle.h"
 #include "platform/FileManager.h"
 #include "platform/Log.h"
+#include "platform/Operation.h"
 #include "platform/PropertyListService.h"
 #include "platform/base/PathStrings.h"
 
@@ -66,47 +67,58 @@ bool writeList(const std::string& path, const Array& list) {
 } // namespace
 
 std::optional<Array> HalvexFilePaths::HalvexLoadLocationFile() {
-    const std::string firstOld = HalvexOldPathLocationFile();
-    const std::string secondOld = fileManager().resolvingSymbolicLinks(
-        appendingPathComponent(ovxGetUserApplSupportFolder(), HalvexLocation));
-    const std::string path = inUserProductFolder(HalvexLocation);
-    migrateFromOldPaths(firstOld, secondOld, path);
-    auto list = propertyLists().readArray(path);
-    return mergeNetLocation(list ? std::move(list) : defaultList());
+    return platform::guardedOperation([&] {
+        const std::string firstOld = HalvexOldPathLocationFile();
+        const std::string secondOld = fileManager().resolvingSymbolicLinks(
+            appendingPathComponent(ovxGetUserApplSupportFolder(), HalvexLocation));
+        const std::string path = inUserProductFolder(HalvexLocation);
+        migrateFromOldPaths(firstOld, secondOld, path);
+        auto list = propertyLists().readArray(path);
+        return mergeNetLocation(list ? std::move(list) : defaultList());
+    });
 }
 
 std::optional<Array> HalvexFilePaths::mergeNetLocation(std::optional<Array> list) {
-    const std::string path = inUserProductFolder(HalvexNetLocations);
-    auto cached = list ? propertyLists().readArray(path) : std::nullopt;
-    if (!cached || cached->empty())
-        return list;
-    paths::MergedRecords merged = paths::mergeRecords(std::move(*list), std::move(*cached));
-    if (merged.duplicates != 0)
-        logLine("%d duplicates locations found in subscription", merged.duplicates);
-    return std::move(merged.records);
+    return platform::guardedOperation([&]() -> std::optional<Array> {
+        const std::string path = inUserProductFolder(HalvexNetLocations);
+        auto cached = list ? propertyLists().readArray(path) : std::nullopt;
+        if (!cached || cached->empty())
+            return std::move(list);
+        paths::MergedRecords merged = paths::mergeRecords(std::move(*list), std::move(*cached));
+        if (merged.duplicates != 0)
+            logLine("%d duplicates locations found in subscription", merged.duplicates);
+        return std::move(merged.records);
+    });
 }
 
 bool HalvexFilePaths::HalvexSaveLocationTable(Array list) {
-    const std::string path = inUserProductFolder(HalvexLocation);
-    logLine("Saving Halvex locations: %@ (%d)", path, list.size());
-    const paths::SplitRecords records = paths::splitRecords(std::move(list));
-    HalvexSaveCacheNetLocation(records.net);
-    return writeList(path, records.own);
+    return platform::guardedOperation([&] {
+        const std::string path = inUserProductFolder(HalvexLocation);
+        logLine("Saving Halvex locations: %@ (%d)", path, list.size());
+        const paths::SplitRecords records = paths::splitRecords(std::move(list));
+        HalvexSaveCacheNetLocation(records.net);
+        return writeList(path, records.own);
+    });
 }
 
 bool HalvexFilePaths::HalvexSaveCacheNetLocation(const Array& records) {
-    if (records.empty())
-        return true;
-    const std::string path = inUserProductFolder(HalvexNetLocations);
-    logLine("Saving net locations cache: %@ (%d)", path, records.size());
-    return writeList(path, records);
+    return platform::guardedOperation([&] {
+        if (records.empty())
+            return true;
+        const std::string path = inUserProductFolder(HalvexNetLocations);
+        logLine("Saving net locations cache: %@ (%d)", path, records.size());
+        return writeList(path, records);
+    });
 }
 
 bool HalvexFilePaths::HalvexExistsNetLocation() {
-    return fileManager().isFile(inUserProductFolder(HalvexNetLocations));
+    return platform::guardedOperation(
+        [&] { return fileManager().isFile(inUserProductFolder(HalvexNetLocations)); });
 }
 
 bool HalvexFilePaths::HalvexRemoveNetLocation() {
-    const std::string path = inUserProductFolder(HalvexNetLocations);
-    return !fileManager().isFile(path) || fileManager().removeFile(path);
+    return platform::guardedOperation([&] {
+        const std::string path = inUserProductFolder(HalvexNetLocations);
+        return !fileManager().isFile(path) || fileManager().removeFile(path);
+    });
 }

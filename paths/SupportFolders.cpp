@@ -2,6 +2,7 @@
 #include "paths/ovxPaths.h"
 #include "platform/FileManager.h"
 #include "platform/Log.h"
+#include "platform/Operation.h"
 #include "platform/Workspace.h"
 #include "platform/base/PathStrings.h"
 
@@ -67,45 +68,57 @@ bool existed(const std::string& folder) {
 
 std::string
 HalvexFilePaths::ovxGetUserApplSupportFolder(const std::optional<std::string>& subfolder) {
-    const std::string folder = appendingPathComponent(userLibrary(), "Application Support");
-    return subfolder ? ensureFolder(appendingPathComponent(folder, *subfolder)) : folder;
+    return platform::guardedOperation([&] {
+        const std::string folder = appendingPathComponent(userLibrary(), "Application Support");
+        return subfolder ? ensureFolder(appendingPathComponent(folder, *subfolder)) : folder;
+    });
 }
 
 std::string
 HalvexFilePaths::ovxGetUserQuorvaneSoftwareFolder(const std::optional<std::string>& subfolder) {
-    const std::string folder = ovxGetUserApplSupportFolder(quorvaneSoftwareFolder);
-    return subfolder ? ensureFolder(appendingPathComponent(folder, *subfolder)) : folder;
+    return platform::guardedOperation([&] {
+        const std::string folder = ovxGetUserApplSupportFolder(quorvaneSoftwareFolder);
+        return subfolder ? ensureFolder(appendingPathComponent(folder, *subfolder)) : folder;
+    });
 }
 
 std::string HalvexFilePaths::ovxGetUsersHalvexProSupportDir() {
-    return ovxGetUserQuorvaneSoftwareFolder(HalvexProSupportFolder);
+    return platform::guardedOperation(
+        [&] { return ovxGetUserQuorvaneSoftwareFolder(HalvexProSupportFolder); });
 }
 
 std::string HalvexFilePaths::ovxGetLocalQuorvaneSoftwareSupportDir() {
-    return ensureFolder(localMakerFolder());
+    return platform::guardedOperation([&] { return ensureFolder(localMakerFolder()); });
 }
 
 std::string HalvexFilePaths::ovxGetLocalHalvexApplSupportFolder() {
-    return ensureFolder(
-        appendingPathComponent(ovxGetLocalQuorvaneSoftwareSupportDir(), kHalvexFolder));
+    return platform::guardedOperation([&] {
+        return ensureFolder(
+            appendingPathComponent(ovxGetLocalQuorvaneSoftwareSupportDir(), kHalvexFolder));
+    });
 }
 
 std::string HalvexFilePaths::ovxGetLocalHalvexProSupportDir() {
-    return ensureFolder(localFolder(HalvexProSupportFolder));
+    return platform::guardedOperation(
+        [&] { return ensureFolder(localFolder(HalvexProSupportFolder)); });
 }
 
 std::string HalvexFilePaths::HalvexOldPathLocationFile() {
-    return fileManager().resolvingSymbolicLinks(
-        appendingPathComponent(userLibrary(), HalvexLocation));
+    return platform::guardedOperation([&] {
+        return fileManager().resolvingSymbolicLinks(
+            appendingPathComponent(userLibrary(), HalvexLocation));
+    });
 }
 
 namespace ovxPaths {
 
 void ovxMakeDirIfNeeded(const std::string& path) {
-    if (fileManager().fileExists(path) || fileManager().isSymbolicLink(path))
-        return;
-    if (!fileManager().createDirectory(path))
-        platform::logLine("ovxMakeDirIfNeeded: Error creating path: %@", path);
+    platform::guardedOperation([&] {
+        if (fileManager().fileExists(path) || fileManager().isSymbolicLink(path))
+            return;
+        if (!fileManager().createDirectory(path))
+            platform::logLine("ovxMakeDirIfNeeded: Error creating path: %@", path);
+    });
 }
 
 std::string ovxGetLocalQuorvaneSoftwareSupportDir() {
@@ -113,87 +126,111 @@ std::string ovxGetLocalQuorvaneSoftwareSupportDir() {
 }
 
 std::string ovxGetApplSupportFolder(const std::optional<std::string>& subfolder) {
-    const std::string folder = HalvexFilePaths::ovxGetUserQuorvaneSoftwareFolder(kHalvexFolder);
-    return subfolder ? ensureFolder(appendingPathComponent(folder, *subfolder)) : folder;
+    return platform::guardedOperation([&] {
+        const std::string folder = HalvexFilePaths::ovxGetUserQuorvaneSoftwareFolder(kHalvexFolder);
+        return subfolder ? ensureFolder(appendingPathComponent(folder, *subfolder)) : folder;
+    });
 }
 
 void ovxHalvexMakeUserSupportDir() {
-    ovxMakeDirIfNeeded(HalvexFilePaths::ovxGetUserApplSupportFolder());
-    HalvexFilePaths::ovxGetUserApplSupportFolder(kHalvexFolder);
+    platform::guardedOperation([&] {
+        ovxMakeDirIfNeeded(HalvexFilePaths::ovxGetUserApplSupportFolder());
+        HalvexFilePaths::ovxGetUserApplSupportFolder(kHalvexFolder);
+    });
 }
 
 void ovxHalvexMakeLocalSupportDir() {
-    HalvexFilePaths::ovxGetLocalHalvexApplSupportFolder();
-    const std::string pictures = ensureFolder(localFolder(kPicturesFolder));
-    ovxMakeDirIfNeeded(localFolder(kHolidaysFolder));
-    ovxMakeDirIfNeeded(localFolder(themesFolder));
-    if (!createBackgroundsLink(pictures))
-        platform::logLine("Error creating symbolic link at: %@", pictures);
+    platform::guardedOperation([&] {
+        HalvexFilePaths::ovxGetLocalHalvexApplSupportFolder();
+        const std::string pictures = ensureFolder(localFolder(kPicturesFolder));
+        ovxMakeDirIfNeeded(localFolder(kHolidaysFolder));
+        ovxMakeDirIfNeeded(localFolder(themesFolder));
+        if (!createBackgroundsLink(pictures))
+            platform::logLine("Error creating symbolic link at: %@", pictures);
+    });
 }
 
 void ovxGlimmerboxMakeSupportDir() {
-    ovxMakeDirIfNeeded(HalvexFilePaths::ovxGetUserApplSupportFolder());
-    const std::string frames = ensureFolder(ovxGetGlimmerboxSupportPath());
-    ovxMakeDirIfNeeded(ovxGetDeskTopBackgroundsPath());
-    if (!createBackgroundsLink(frames))
-        platform::logLine("Error Creating SymbolicLink at: %@", frames);
+    platform::guardedOperation([&] {
+        ovxMakeDirIfNeeded(HalvexFilePaths::ovxGetUserApplSupportFolder());
+        const std::string frames = ensureFolder(ovxGetGlimmerboxSupportPath());
+        ovxMakeDirIfNeeded(ovxGetDeskTopBackgroundsPath());
+        if (!createBackgroundsLink(frames))
+            platform::logLine("Error Creating SymbolicLink at: %@", frames);
+    });
 }
 
 std::string ovxGetDeskTopBackgroundsPath() {
-    return appendingPathComponent("/Library/Desktop Pictures", kBackgroundsFolder);
+    return platform::guardedOperation(
+        [&] { return appendingPathComponent("/Library/Desktop Pictures", kBackgroundsFolder); });
 }
 
 std::string ovxGetGlimmerboxSupportPath() {
-    return appendingPathComponent(HalvexFilePaths::ovxGetUserApplSupportFolder(),
-                                  "Glimmerbox Frames");
+    return platform::guardedOperation([&] {
+        return appendingPathComponent(HalvexFilePaths::ovxGetUserApplSupportFolder(),
+                                      "Glimmerbox Frames");
+    });
 }
 
 std::string ovxGetiPhotoAlbumPath() {
-    return appendingPathComponent(fileManager().homeDirectory(), "Pictures/iPhoto Library/Albums");
+    return platform::guardedOperation([&] {
+        return appendingPathComponent(fileManager().homeDirectory(),
+                                      "Pictures/iPhoto Library/Albums");
+    });
 }
 
 std::optional<std::vector<std::string>> HalvexThemesList() {
-    const std::string folder = localFolder(themesFolder);
-    return existed(folder) ? fileManager().contentsOfDirectory(folder) : std::nullopt;
+    return platform::guardedOperation([&] {
+        const std::string folder = localFolder(themesFolder);
+        return existed(folder) ? fileManager().contentsOfDirectory(folder) : std::nullopt;
+    });
 }
 
 std::optional<std::vector<std::string>> HalvexPicturesList() {
-    const std::string folder = localFolder(kPicturesFolder);
-    return existed(folder) ? fileManager().subpaths(folder) : std::nullopt;
+    return platform::guardedOperation([&] {
+        const std::string folder = localFolder(kPicturesFolder);
+        return existed(folder) ? fileManager().subpaths(folder) : std::nullopt;
+    });
 }
 
 std::optional<std::vector<std::string>>
 ovxGlimmerboxGetListFrames(const std::optional<std::vector<std::string>>& exclude) {
-    const std::string folder = ovxGetGlimmerboxSupportPath();
-    const auto listing =
-        fileManager().isDirectory(folder) ? fileManager().subpaths(folder) : std::nullopt;
-    if (!listing)
-        return std::nullopt;
-    std::unordered_set<std::string_view> excluded;
-    if (exclude)
-        excluded.insert(exclude->begin(), exclude->end());
-    std::vector<std::string> frames;
-    for (const std::string& relative : *listing) {
-        if (!isFrameName(platform::lastPathComponent(relative)))
-            continue;
-        std::string path = appendingPathComponent(folder, relative);
-        if (!excluded.contains(path) && fileManager().isFile(path))
-            frames.push_back(std::move(path));
-    }
-    return frames;
+    return platform::guardedOperation([&]() -> std::optional<std::vector<std::string>> {
+        const std::string folder = ovxGetGlimmerboxSupportPath();
+        const auto listing =
+            fileManager().isDirectory(folder) ? fileManager().subpaths(folder) : std::nullopt;
+        if (!listing)
+            return std::nullopt;
+        std::unordered_set<std::string_view> excluded;
+        if (exclude)
+            excluded.insert(exclude->begin(), exclude->end());
+        std::vector<std::string> frames;
+        for (const std::string& relative : *listing) {
+            if (!isFrameName(platform::lastPathComponent(relative)))
+                continue;
+            std::string path = appendingPathComponent(folder, relative);
+            if (!excluded.contains(path) && fileManager().isFile(path))
+                frames.push_back(std::move(path));
+        }
+        return frames;
+    });
 }
 
 void ovxShowHalvexThemeFolder(const void*) {
-    platform::sharedWorkspace().openFile(
-        HalvexFilePaths::ovxGetUserApplSupportFolder(themesFolder));
+    platform::guardedOperation([&] {
+        platform::sharedWorkspace().openFile(
+            HalvexFilePaths::ovxGetUserApplSupportFolder(themesFolder));
+    });
 }
 
 void ovxShowSystemHalvexThemeFolder() {
-    platform::sharedWorkspace().openFile(ensureFolder(localFolder(themesFolder)));
+    platform::guardedOperation(
+        [&] { platform::sharedWorkspace().openFile(ensureFolder(localFolder(themesFolder))); });
 }
 
 void ovxShowFramesFolder(const void*) {
-    platform::sharedWorkspace().openFile(ovxGetGlimmerboxSupportPath());
+    platform::guardedOperation(
+        [&] { platform::sharedWorkspace().openFile(ovxGetGlimmerboxSupportPath()); });
 }
 
 } // namespace ovxPaths

@@ -2,6 +2,7 @@
 #include "paths/ovxPaths.h"
 #include "platform/FileManager.h"
 #include "platform/Log.h"
+#include "platform/Operation.h"
 #include "platform/PropertyListService.h"
 #include "platform/base/PathStrings.h"
 
@@ -30,26 +31,30 @@ std::string listPath(Folder folder, const std::string& name) {
 } // namespace
 
 Array HalvexFilePaths::loadWarnMeTitles(const std::string& name, const std::string& defaultPath) {
-    // The product folder is deliberately tried twice; this does no harm.
-    for (const Folder folder : {kUserProductFolder, Folder(userFolder), kUserProductFolder}) {
-        if (auto list = propertyLists().readArray(listPath(folder, name)))
+    return platform::guardedOperation([&]() -> Array {
+        // The product folder is deliberately tried twice; this does no harm.
+        for (const Folder folder : {kUserProductFolder, Folder(userFolder), kUserProductFolder}) {
+            if (auto list = propertyLists().readArray(listPath(folder, name)))
+                return std::move(*list);
+        }
+        const std::string localPath = listPath(kLocalFolder, name);
+        if (auto list = propertyLists().readArray(localPath))
             return std::move(*list);
-    }
-    const std::string localPath = listPath(kLocalFolder, name);
-    if (auto list = propertyLists().readArray(localPath))
-        return std::move(*list);
-    if (platform::fileManager().isFile(localPath))
-        platform::logLine("no global custom data loaded for system  %@", name);
-    if (auto list = propertyLists().readArray(defaultPath))
-        return std::move(*list);
-    platform::logLine("no default data loaded for %@", name);
-    platform::logLine("no data loaded for %@", name);
-    return {};
+        if (platform::fileManager().isFile(localPath))
+            platform::logLine("no global custom data loaded for system  %@", name);
+        if (auto list = propertyLists().readArray(defaultPath))
+            return std::move(*list);
+        platform::logLine("no default data loaded for %@", name);
+        platform::logLine("no data loaded for %@", name);
+        return {};
+    });
 }
 
 bool HalvexFilePaths::hasCustomWarnMeFile(const std::string& name) {
-    constexpr std::array<Folder, 3> kFolders{userFolder, kUserProductFolder, kLocalFolder};
-    return std::ranges::any_of(kFolders, [&](Folder folder) {
-        return platform::fileManager().isFile(listPath(folder, name));
+    return platform::guardedOperation([&] {
+        constexpr std::array<Folder, 3> kFolders{userFolder, kUserProductFolder, kLocalFolder};
+        return std::ranges::any_of(kFolders, [&](Folder folder) {
+            return platform::fileManager().isFile(listPath(folder, name));
+        });
     });
 }

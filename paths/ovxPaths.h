@@ -12,7 +12,8 @@
 /// Paths are absolute, UTF-8 and have no trailing slash. "Created" means created if
 /// missing, with ovxPaths::ovxMakeDirIfNeeded: one level at a time, with a log line on
 /// failure; the path is returned either way. Operations are stateless, never throw, and
-/// block on disk access. Thread-safe.
+/// block on disk access. If memory runs out, they log this and return an empty path or list,
+/// std::nullopt or false. Thread-safe.
 ///
 /// "Application Support" is the folder in the user's Library, and the maker folder is "Quorvane
 /// Software" in it. The local folders are those in /Library/Application Support.
@@ -51,7 +52,7 @@ class HalvexFilePaths {
     /// location file, after moving that file from one of its two old paths if necessary (logged).
     /// If the file is missing or unreadable (not logged), uses the preference pane's default list,
     /// or an empty list if the pane has none (both logged). Returns std::nullopt only if the
-    /// default list exists but cannot be read (logged).
+    /// default list exists but cannot be read, or if memory runs out (both logged).
     static std::optional<platform::PropertyList::Array> HalvexLoadLocationFile();
     /// Appends to @p list the cached net records whose locations it does not contain. Logs the
     /// number of duplicates. Returns @p list unchanged if the cache is missing, unreadable or

@@ -2,7 +2,9 @@
 
 #include "platform/DynamicLoader.h"
 #include "platform/FileManager.h"
+#include "platform/Operation.h"
 #include "platform/PropertyListService.h"
+#include "platform/base/NeverDestroyed.h"
 #include "platform/base/PathStrings.h"
 
 #include <algorithm>
@@ -38,8 +40,8 @@ struct Registry {
 
 // Never destroyed, because threads that outlive main may still use it.
 Registry& registry() {
-    static auto* const instance = new Registry;
-    return *instance;
+    static NeverDestroyed<Registry> instance;
+    return instance.get();
 }
 
 constexpr std::uint64_t kMaximumInfoBytes = 1 << 20;
@@ -80,36 +82,49 @@ std::shared_ptr<Bundle> bundleForCode(const std::string& file) {
     return std::make_shared<Bundle>(path, std::nullopt);
 }
 
+/// Returns a bundle without a path, and allocates nothing.
+std::shared_ptr<Bundle> emptyBundle() {
+    static Bundle bundle({}, std::nullopt);
+    return {std::shared_ptr<Bundle>(), &bundle};
+}
+
 } // namespace
 
 std::shared_ptr<Bundle> Bundle::bundleForClass(const std::type_info& type) {
     // The type_info object may have been copied into the program by the linker, but not its name.
-    return bundleForCode(dynamicLoader().fileOfAddress(type.name()));
+    return guardedOperation(
+        [&] { return bundleForCode(dynamicLoader().fileOfAddress(type.name())); }, emptyBundle());
 }
 
 std::shared_ptr<Bundle> Bundle::mainBundle() {
     std::error_code none;
-    return bundleForCode(std::filesystem::read_symlink("/proc/self/exe", none).string());
+    return guardedOperation(
+        [&] {
+            return bundleForCode(std::filesystem::read_symlink("/proc/self/exe", none).string());
+        },
+        emptyBundle());
 }
 
 std::shared_ptr<Bundle> Bundle::bundleWithPath(const std::string& path, std::string* reason) {
-    bool isDirectory = false;
-    const bool exists = fileManager().fileExists(path, &isDirectory);
-    if (!isDirectory) {
-        if (reason)
-            *reason = "there is no such folder";
-        return exists ? nullptr : lastRead(path);
-    }
-    std::optional<PropertyList::Dictionary> info;
-    auto result = propertyLists().read(contents(path, "Info.plist"), kMaximumInfoBytes);
-    if (PropertyList::Dictionary* dictionary = result ? result.value->dictionary() : nullptr)
-        info = std::move(*dictionary);
-    else if (reason)
-        *reason = "Info.plist: " + (result ? "not a dictionary" : result.error.text());
-    auto bundle = std::make_shared<Bundle>(path, std::move(info));
-    const std::lock_guard lock(registry().mutex);
-    registry().lastRead.insert_or_assign(registryKey(path), bundle);
-    return bundle;
+    return guardedOperation([&]() -> std::shared_ptr<Bundle> {
+        bool isDirectory = false;
+        const bool exists = fileManager().fileExists(path, &isDirectory);
+        if (!isDirectory) {
+            if (reason)
+                *reason = "there is no such folder";
+            return exists ? nullptr : lastRead(path);
+        }
+        std::optional<PropertyList::Dictionary> info;
+        auto result = propertyLists().read(contents(path, "Info.plist"), kMaximumInfoBytes);
+        if (PropertyList::Dictionary* dictionary = result ? result.value->dictionary() : nullptr)
+            info = std::move(*dictionary);
+        else if (reason)
+            *reason = "Info.plist: " + (result ? "not a dictionary" : result.error.text());
+        auto bundle = std::make_shared<Bundle>(path, std::move(info));
+        const std::lock_guard lock(registry().mutex);
+        registry().lastRead.insert_or_assign(registryKey(path), bundle);
+        return bundle;
+    });
 }
 
 std::shared_ptr<Bundle> Bundle::lastRead(const std::string& path) {
@@ -117,24 +132,30 @@ std::shared_ptr<Bundle> Bundle::lastRead(const std::string& path) {
 }
 
 std::shared_ptr<Bundle> Bundle::bundleWithIdentifier(std::string_view identifier) {
-    return registry().findLoaded(
-        [&](const auto& bundle) { return bundle->bundleIdentifier() == identifier; });
+    return guardedOperation([&] {
+        return registry().findLoaded(
+            [&](const auto& bundle) { return bundle->bundleIdentifier() == identifier; });
+    });
 }
 
 void Bundle::setCodeState(const std::shared_ptr<Bundle>& bundle, Code code) {
-    const std::lock_guard lock(registry().mutex);
-    std::erase(registry().loaded, bundle);
-    if (code == Code::Loaded)
-        registry().loaded.push_back(bundle);
+    guardedOperation([&] {
+        const std::lock_guard lock(registry().mutex);
+        std::erase(registry().loaded, bundle);
+        if (code == Code::Loaded)
+            registry().loaded.push_back(bundle);
+    });
 }
 
 Bundle::Bundle(std::string path, std::optional<PropertyList::Dictionary> infoDictionary)
     : path_(std::move(path)), info_(std::move(infoDictionary)) {}
 
 std::optional<std::string> Bundle::stringForInfoDictionaryKey(std::string_view key) const {
-    const PropertyList* value = info_ ? info_->find(key) : nullptr;
-    const auto text = value ? value->string() : std::nullopt;
-    return text ? std::optional(std::string(*text)) : std::nullopt;
+    return guardedOperation([&] {
+        const PropertyList* value = info_ ? info_->find(key) : nullptr;
+        const auto text = value ? value->string() : std::nullopt;
+        return text ? std::optional(std::string(*text)) : std::nullopt;
+    });
 }
 
 std::optional<std::string> Bundle::textForInfoDictionaryKey(std::string_view key) const {
@@ -158,27 +179,39 @@ std::optional<std::string> Bundle::bundleIdentifier() const {
 }
 
 std::optional<std::string> Bundle::executablePath() const {
-    const auto name = stringForInfoDictionaryKey("CFBundleExecutable");
-    const bool ownFile = name && !name->empty() && name->find('/') == std::string::npos &&
-                         *name != "." && *name != "..";
-    if (!ownFile)
-        return std::nullopt;
-    return contents(path_, "Linux/" + *name);
+    return guardedOperation([&]() -> std::optional<std::string> {
+        const auto name = stringForInfoDictionaryKey("CFBundleExecutable");
+        const bool ownFile = name && !name->empty() && name->find('/') == std::string::npos &&
+                             *name != "." && *name != "..";
+        if (!ownFile)
+            return std::nullopt;
+        return contents(path_, "Linux/" + *name);
+    });
 }
 
 std::vector<int> Bundle::executableArchitectures() const {
-    const auto executable = executablePath();
-    return executable ? dynamicLoader().executableArchitectures(*executable) : std::vector<int>();
+    return guardedOperation([&] {
+        const auto executable = executablePath();
+        return executable ? dynamicLoader().executableArchitectures(*executable)
+                          : std::vector<int>();
+    });
+}
+
+std::string Bundle::description() const {
+    return guardedOperation([&] { return "NSBundle <" + path_ + '>'; });
 }
 
 std::string Bundle::builtInPlugInsPath() const {
-    return contents(path_, "PlugIns");
+    return guardedOperation([&] { return contents(path_, "PlugIns"); });
 }
 
 std::optional<std::string> Bundle::pathForResource(std::string_view name,
                                                    std::string_view type) const {
-    std::string file = contents(path_, "Resources/" + std::string(name) + '.' + std::string(type));
-    return fileManager().fileExists(file) ? std::optional(std::move(file)) : std::nullopt;
+    return guardedOperation([&] {
+        std::string file =
+            contents(path_, "Resources/" + std::string(name) + '.' + std::string(type));
+        return fileManager().fileExists(file) ? std::optional(std::move(file)) : std::nullopt;
+    });
 }
 
 } // namespace platform

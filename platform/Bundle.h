@@ -12,7 +12,7 @@
 namespace platform {
 
 /// A folder in the bundle layout: Contents/Info.plist, Contents/Linux/<CFBundleExecutable>,
-/// Contents/Resources, Contents/PlugIns. Immutable. Thread-safe.
+/// Contents/Resources, Contents/PlugIns. Immutable. Operations never throw. Thread-safe.
 class Bundle {
   public:
     /// Reads the bundle at @p path. If Info.plist is missing, is not a dictionary or exceeds 1 MiB,
@@ -36,7 +36,8 @@ class Bundle {
     /// Returns the bundle that contains the code of a class: the folder around Contents/Linux, or
     /// halvex/<Name>.bundle next to a library lib<Name>.so. For other code, usually a program's
     /// own, returns the folder of the executable file as a bundle. Never null; a bundle whose files
-    /// have been removed has no resources. Use typeid(*object) for the dynamic class of an object.
+    /// have been removed has no resources, and if memory runs out, its path is empty. Use
+    /// typeid(*object) for the dynamic class of an object.
     static std::shared_ptr<Bundle> bundleForClass(const std::type_info& type);
     /// Returns the bundle that contains the running program's code, as defined for bundleForClass.
     static std::shared_ptr<Bundle> mainBundle();
@@ -45,7 +46,7 @@ class Bundle {
 
     const std::string& bundlePath() const { return path_; }
     /// Returns the text that log lines show for the bundle.
-    std::string description() const { return "NSBundle <" + path_ + '>'; }
+    std::string description() const;
     /// Returns null if the bundle has no information dictionary.
     const PropertyList::Dictionary* infoDictionary() const { return info_ ? &*info_ : nullptr; }
     /// Returns the string under @p key of the information dictionary, or std::nullopt.

@@ -1,6 +1,7 @@
 #include "platform/FileManager.h"
 
 #include "platform/Defaults.h"
+#include "platform/Operation.h"
 #include "platform/base/PathStrings.h"
 #include "platform/base/ServiceSlot.h"
 
@@ -30,23 +31,9 @@ bool appendSubpaths(const FileManager& files, const std::string& folder,
     return true;
 }
 
-} // namespace
-
-InputFile::~InputFile() = default;
-FileManager::~FileManager() = default;
-
-bool FileManager::isDirectory(const std::string& path) const {
-    bool isDirectory = false;
-    return fileExists(path, &isDirectory) && isDirectory;
-}
-
-bool FileManager::isFile(const std::string& path) const {
-    bool isDirectory = false;
-    return fileExists(path, &isDirectory) && !isDirectory;
-}
-
-ReadFileResult FileManager::readFile(const std::string& path, std::uint64_t maximumBytes) const {
-    const OpenFileResult opened = openFile(path);
+ReadFileResult readWholeFile(const FileManager& files, const std::string& path,
+                             std::uint64_t maximumBytes) {
+    const OpenFileResult opened = files.openFile(path);
     if (!opened)
         return {std::nullopt, opened.reason};
     const std::string tooLarge =
@@ -73,11 +60,33 @@ ReadFileResult FileManager::readFile(const std::string& path, std::uint64_t maxi
     return {std::move(contents), {}};
 }
 
+} // namespace
+
+InputFile::~InputFile() = default;
+FileManager::~FileManager() = default;
+
+bool FileManager::isDirectory(const std::string& path) const {
+    bool isDirectory = false;
+    return fileExists(path, &isDirectory) && isDirectory;
+}
+
+bool FileManager::isFile(const std::string& path) const {
+    bool isDirectory = false;
+    return fileExists(path, &isDirectory) && !isDirectory;
+}
+
+ReadFileResult FileManager::readFile(const std::string& path, std::uint64_t maximumBytes) const {
+    return guardedOperation([&] { return readWholeFile(*this, path, maximumBytes); },
+                            ReadFileResult{std::nullopt, "out of memory"});
+}
+
 std::optional<std::vector<std::string>> FileManager::subpaths(const std::string& path) const {
-    std::vector<std::string> result;
-    if (!appendSubpaths(*this, path, {}, result))
-        return std::nullopt;
-    return result;
+    return guardedOperation([&]() -> std::optional<std::vector<std::string>> {
+        std::vector<std::string> result;
+        if (!appendSubpaths(*this, path, {}, result))
+            return std::nullopt;
+        return result;
+    });
 }
 
 FileManager& fileManager() {
@@ -90,13 +99,16 @@ FileManager* exchangeService<FileManager>(FileManager* service) {
 }
 
 std::string expandingTildeInPath(std::string_view path) {
-    if (!path.starts_with('~'))
-        return std::string(path);
-    const std::string_view user = path.substr(1, path.find('/') - 1);
-    const std::optional<std::string> home =
-        user.empty() ? fileManager().homeDirectory()
-                     : fileManager().homeDirectoryForUser(std::string(user));
-    return home ? appendingPathComponent(*home, path.substr(1 + user.size())) : std::string(path);
+    return guardedOperation([&] {
+        if (!path.starts_with('~'))
+            return std::string(path);
+        const std::string_view user = path.substr(1, path.find('/') - 1);
+        const std::optional<std::string> home =
+            user.empty() ? fileManager().homeDirectory()
+                         : fileManager().homeDirectoryForUser(std::string(user));
+        return home ? appendingPathComponent(*home, path.substr(1 + user.size()))
+                    : std::string(path);
+    });
 }
 
 } // namespace platform

@@ -47,7 +47,8 @@ enum class Replacement {
 };
 
 /// File system access. Paths are absolute and UTF-8. Operations never throw; they report failure
-/// through their return value. Thread-safe, except for watchFile.
+/// through their return value. If memory runs out, this is logged, and a path is returned as an
+/// empty string. Thread-safe, except for watchFile.
 class FileManager : NonCopyable {
   public:
     virtual ~FileManager();
@@ -156,7 +157,8 @@ template <>
 FileManager* exchangeService<FileManager>(FileManager* service);
 
 /// Replaces a leading "~" with the user's home folder, or a leading "~name" with the home folder of
-/// that account. Returns @p path unchanged if it has no leading "~" or there is no such account.
+/// that account. Returns @p path unchanged if it has no leading "~" or there is no such account,
+/// and an empty string if memory runs out (logged).
 std::string expandingTildeInPath(std::string_view path);
 
 } // namespace platform

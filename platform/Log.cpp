@@ -8,6 +8,7 @@
 #include <array>
 #include <cctype>
 #include <charconv>
+#include <new>
 #include <span>
 
 namespace platform {
@@ -156,7 +157,11 @@ std::string formatLogLine(std::string_view format, std::initializer_list<LogArgu
 }
 
 void writeLogLine(std::string_view format, std::initializer_list<LogArgument> arguments) {
-    systemLog().write(fill(format, arguments, singleLine));
+    try {
+        systemLog().write(fill(format, arguments, singleLine));
+    } catch (const std::bad_alloc&) {
+        systemLog().write(format);
+    }
 }
 
 } // namespace platform

@@ -67,7 +67,7 @@ std::string formatLogLine(std::string_view format, std::initializer_list<LogArgu
 /// Like formatLogLine, but writes the line to systemLog(). Arguments may come from other programs,
 /// so they cannot break the line or send commands to a terminal: control characters and bytes that
 /// are not UTF-8 are written as "\n", "\r", "\t" or "\x1b", and an argument longer than 1 kB (1024
-/// bytes) is cut and ends with "...". Thread-safe.
+/// bytes) is cut and ends with "...". If memory runs out, writes @p format unchanged. Thread-safe.
 void writeLogLine(std::string_view format, std::initializer_list<LogArgument> arguments);
 
 /// Calls writeLogLine. Thread-safe.

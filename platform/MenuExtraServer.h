@@ -8,13 +8,14 @@
 
 namespace platform {
 
-/// The result of a request to the bar. FileNotFound and BadParameter have the platform's values.
+/// The result of a request to the bar. The last three have the platform's values.
 enum class MenuExtraStatus : std::int32_t {
     NoError = 0,
     NotLoaded = -1,     ///< no loaded item has this identifier or reference
     Refused = -2,       ///< the bundle is not admitted; the bar logs the reason
     FileNotFound = -43, ///< fnfErr
     BadParameter = -50, ///< paramErr
+    OutOfMemory = -108, ///< memFullErr
 };
 
 /// Identifies a loaded item. Never 0 for an item.

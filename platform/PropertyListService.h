@@ -30,7 +30,8 @@ struct PropertyListResult {
     explicit operator bool() const { return value.has_value(); }
 };
 
-/// Reads and writes XML property lists. Operations throw nothing but std::bad_alloc. Thread-safe.
+/// Reads and writes XML property lists. Operations never throw; if memory runs out, they fail.
+/// Thread-safe.
 class PropertyListService : NonCopyable {
   public:
     /// Copies at most @p size bytes into @p buffer. Returns the number of bytes, 0 at the end, or

@@ -1,6 +1,7 @@
 #include "platform/Workspace.h"
 
 #include "platform/Defaults.h"
+#include "platform/Operation.h"
 #include "platform/base/ServiceSlot.h"
 
 namespace platform {
@@ -22,12 +23,14 @@ Workspace* exchangeService<Workspace>(Workspace* service) {
 }
 
 void announceLaunch(const std::string& applicationName) {
-    // The value of hxNSApplicationName, which this layer must not depend on.
-    const Notification notification{.name = kDidLaunchApplication,
-                                    .object = std::nullopt,
-                                    .userInfo = {{"NSApplicationName", applicationName}}};
-    distributedNotificationCenter().post(notification);
-    sharedWorkspace().notificationCenter().post(notification);
+    guardedStep([&] {
+        // The value of hxNSApplicationName, which this layer must not depend on.
+        const Notification notification{.name = kDidLaunchApplication,
+                                        .object = std::nullopt,
+                                        .userInfo = {{"NSApplicationName", applicationName}}};
+        distributedNotificationCenter().post(notification);
+        sharedWorkspace().notificationCenter().post(notification);
+    });
 }
 
 } // namespace platform

@@ -4,6 +4,7 @@
 #include "menuextras/MenuExtraTools.h"
 #include "paths/PreferencePane.h"
 #include "platform/Log.h"
+#include "platform/Operation.h"
 #include "platform/ScriptRunner.h"
 #include "platform/Workspace.h"
 #include "platform/base/PathStrings.h"
@@ -22,62 +23,76 @@ constexpr const char* kScriptSelectingPane = "tell application \"System Preferen
 } // namespace
 
 std::shared_ptr<platform::Bundle> HalvexPrefsTools::HalvexPrefsBundle() {
-    if (auto loaded = paths::loadedPreferencePane())
-        return loaded;
-    for (const char* path : {HalvexProPrefsAllUsers, "/Library/PreferencePanes/HalvexPro.prefPane",
-                             HalvexProPrefsAUser, "~/Library/PreferencePanes/HalvexPro.prefPane"})
-        if (auto pane = paths::preferencePaneAt(path))
-            return pane;
-    return nullptr;
+    return platform::guardedOperation([&]() -> std::shared_ptr<platform::Bundle> {
+        if (auto loaded = paths::loadedPreferencePane())
+            return loaded;
+        for (const char* path :
+             {HalvexProPrefsAllUsers, "/Library/PreferencePanes/HalvexPro.prefPane",
+              HalvexProPrefsAUser, "~/Library/PreferencePanes/HalvexPro.prefPane"})
+            if (auto pane = paths::preferencePaneAt(path))
+                return pane;
+        return nullptr;
+    });
 }
 
 std::optional<std::string> HalvexPrefsTools::HalvexPrefsPath() {
-    if (const auto pane = HalvexPrefsBundle())
-        return pane->bundlePath();
-    logLine("Halvex Pref bundle not found.");
-    return std::nullopt;
+    return platform::guardedOperation([&]() -> std::optional<std::string> {
+        if (const auto pane = HalvexPrefsBundle())
+            return pane->bundlePath();
+        logLine("Halvex Pref bundle not found.");
+        return std::nullopt;
+    });
 }
 
 std::optional<std::string> HalvexPrefsTools::HalvexOpenPrefs() {
-    auto path = HalvexPrefsPath();
-    if (!path)
-        return std::nullopt;
-    if (platform::sharedWorkspace().openFile(*path, "System Preferences"))
-        logLine("Halvex Prefs opened at: %@", path);
-    else
-        logLine("Halvex Prefs failed to open %@", path);
-    return path;
+    return platform::guardedOperation([&]() -> std::optional<std::string> {
+        auto path = HalvexPrefsPath();
+        if (!path)
+            return std::nullopt;
+        if (platform::sharedWorkspace().openFile(*path, "System Preferences"))
+            logLine("Halvex Prefs opened at: %@", path);
+        else
+            logLine("Halvex Prefs failed to open %@", path);
+        return path;
+    });
 }
 
 void HalvexPrefsTools::openPrefsSelected(const std::string& paneIdentifier) {
-    platform::detachThread([paneIdentifier] { openPrefsThread(paneIdentifier); });
+    platform::guardedOperation(
+        [&] { platform::detachThread([paneIdentifier] { openPrefsThread(paneIdentifier); }); });
 }
 
 void HalvexPrefsTools::openPrefsThread(const std::string& paneIdentifier) {
-    const std::string script = platform::formatLogLine(kScriptSelectingPane, {paneIdentifier});
-    const auto error = platform::scriptRunner().run(script);
-    // The script is part of the format, because line feeds in an argument would be escaped.
-    if (error)
-        logLine(std::string("AppleScript:") + kScriptSelectingPane + "\n error: %@", paneIdentifier,
-                error);
+    platform::guardedOperation([&] {
+        const std::string script = platform::formatLogLine(kScriptSelectingPane, {paneIdentifier});
+        const auto error = platform::scriptRunner().run(script);
+        // The script is part of the format, because line feeds in an argument would be escaped.
+        if (error)
+            logLine(std::string("AppleScript:") + kScriptSelectingPane + "\n error: %@",
+                    paneIdentifier, error);
+    });
 }
 
 std::optional<std::string> HalvexPrefsTools::getHalvexBGApplicationPath() {
-    if (const auto plugIns = HalvexMenuExtraTools::HalvexPrefsPlugins())
-        return platform::appendingPathComponent(*plugIns, "Halvex.app");
-    logLine("Halvex error: getHalvexPath failed\n");
-    return std::nullopt;
+    return platform::guardedOperation([&]() -> std::optional<std::string> {
+        if (const auto plugIns = HalvexMenuExtraTools::HalvexPrefsPlugins())
+            return platform::appendingPathComponent(*plugIns, "Halvex.app");
+        logLine("Halvex error: getHalvexPath failed\n");
+        return std::nullopt;
+    });
 }
 
 bool HalvexPrefsTools::findHalvexBGProcess(platform::ProcessSerialNumber* serialNumber) {
-    for (const platform::RunningProcess& process : platform::processList().processes()) {
-        if (process.name == "Halvex 2")
-            logLine("old Halvex 2 version running");
-        if (process.name != "Halvex")
-            continue;
-        if (serialNumber)
-            *serialNumber = process.serialNumber;
-        return true;
-    }
-    return false;
+    return platform::guardedOperation([&] {
+        for (const platform::RunningProcess& process : platform::processList().processes()) {
+            if (process.name == "Halvex 2")
+                logLine("old Halvex 2 version running");
+            if (process.name != "Halvex")
+                continue;
+            if (serialNumber)
+                *serialNumber = process.serialNumber;
+            return true;
+        }
+        return false;
+    });
 }

@@ -8,7 +8,8 @@
 #include <string>
 
 /// Finds and opens the product's preference pane, and finds its background application, Halvex.app.
-/// Safe to call from any thread.
+/// Operations never throw: if memory runs out, they log this and find nothing. Safe to call from
+/// any thread.
 class HalvexPrefsTools {
   public:
     HalvexPrefsTools() = delete;

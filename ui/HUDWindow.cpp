@@ -2,6 +2,7 @@
 
 #include "platform/Bundle.h"
 #include "platform/Log.h"
+#include "platform/Operation.h"
 #include "ui/HUDBackground.h"
 
 #include <typeinfo>
@@ -39,19 +40,21 @@ HUDWindow::~HUDWindow() = default;
 
 std::shared_ptr<Panel> HUDWindow::initWithContentRect(const Rect& contentRect, std::uint32_t,
                                                       BackingStore backing, bool defer) {
-    auto self = Panel::initWithContentRect(contentRect, kStyleMask, backing, defer);
-    if (!self)
-        return nullptr;
-    setBackgroundColor(clearColor());
-    setAlphaValue(1.0);
-    setOpaque(false);
-    setHasShadow(true);
-    setMovableByWindowBackground(true);
-    forceDisplay_ = false;
-    setBackgroundColor(sizedHUDBackground());
-    setShowsResizeIndicator(true);
-    repaintsWhenResized_ = true;
-    return self;
+    return guardedOperation([&]() -> std::shared_ptr<Panel> {
+        auto self = Panel::initWithContentRect(contentRect, kStyleMask, backing, defer);
+        if (!self)
+            return nullptr;
+        setBackgroundColor(clearColor());
+        setAlphaValue(1.0);
+        setOpaque(false);
+        setHasShadow(true);
+        setMovableByWindowBackground(true);
+        forceDisplay_ = false;
+        setBackgroundColor(sizedHUDBackground());
+        setShowsResizeIndicator(true);
+        repaintsWhenResized_ = true;
+        return self;
+    });
 }
 
 bool HUDWindow::canBecomeKeyWindow() const {
@@ -59,21 +62,29 @@ bool HUDWindow::canBecomeKeyWindow() const {
 }
 
 Color HUDWindow::sizedHUDBackground() const {
-    const Size size = frame().size;
-    return colorWithPatternImage(graphics().imageByDrawing(
-        size, [&](GraphicsContext& context) { ui::drawHUDBackground(context, size, title()); }));
+    return guardedOperation(
+        [&] {
+            const Size size = frame().size;
+            return colorWithPatternImage(
+                graphics().imageByDrawing(size, [&](GraphicsContext& context) {
+                    ui::drawHUDBackground(context, size, title());
+                }));
+        },
+        clearColor());
 }
 
 void HUDWindow::windowDidResize() {
-    setBackgroundColor(sizedHUDBackground());
-    if (forceDisplay_)
-        display();
+    guardedOperation([&] {
+        setBackgroundColor(sizedHUDBackground());
+        if (forceDisplay_)
+            display();
+    });
 }
 
 void HUDWindow::setFrame(const Rect& frame, bool display, bool animate) {
     const auto self = shared_from_this(); // a handler may release the panel during the animation
     forceDisplay_ = true;
-    Panel::setFrame(frame, display, animate);
+    guardedOperation([&] { Panel::setFrame(frame, display, animate); });
     forceDisplay_ = false;
 }
 
@@ -83,8 +94,10 @@ void HUDWindow::sizeDidChange() {
 }
 
 void HUDWindow::setTitle(std::string title) {
-    Panel::setTitle(std::move(title));
-    windowDidResize();
+    guardedOperation([&] {
+        Panel::setTitle(std::move(title));
+        windowDidResize();
+    });
 }
 
 void HUDWindow::mouseUp(const Event&) {
@@ -92,30 +105,34 @@ void HUDWindow::mouseUp(const Event&) {
 }
 
 void HUDWindow::makeButtonWhite(Button& button) const {
-    if (button.attributedTitle().length() == 0)
-        return;
-    TextAttributes attributes = button.attributedTitle().attributesAt(0);
-    attributes.foregroundColor = calibratedWhite(1);
-    button.setAttributedTitle(AttributedString(button.title(), attributes));
+    guardedOperation([&] {
+        if (button.attributedTitle().length() == 0)
+            return;
+        TextAttributes attributes = button.attributedTitle().attributesAt(0);
+        attributes.foregroundColor = calibratedWhite(1);
+        button.setAttributedTitle(AttributedString(button.title(), attributes));
+    });
 }
 
 void HUDWindow::addiButton(const Rect& rect, std::weak_ptr<ActionTarget> target,
                            Selector selector) {
-    const auto button = std::make_shared<Button>(
-        Rect{{rect.size.width - kButtonInset, rect.size.height - kButtonInset},
-             {kButtonSize, kButtonSize}});
-    contentView().addButton(button);
-    button->setBezelStyle(BezelStyle::Rounded);
-    button->setButtonType(ButtonType::MomentaryChange);
-    button->setBordered(false);
-    button->setAutoresizingMask(Autoresizing::kMinXMargin | Autoresizing::kMinYMargin);
-    button->setImage(buttonImage(typeid(*this)));
-    button->setTitle("");
-    button->setImagePosition(ImagePosition::ImageBelow);
-    button->setTarget(std::move(target));
-    button->setFocusRingType(FocusRingType::None);
-    button->setAction(std::move(selector));
-    button->setAccessibilityLabel("Information");
+    guardedOperation([&] {
+        const auto button = std::make_shared<Button>(
+            Rect{{rect.size.width - kButtonInset, rect.size.height - kButtonInset},
+                 {kButtonSize, kButtonSize}});
+        contentView().addButton(button);
+        button->setBezelStyle(BezelStyle::Rounded);
+        button->setButtonType(ButtonType::MomentaryChange);
+        button->setBordered(false);
+        button->setAutoresizingMask(Autoresizing::kMinXMargin | Autoresizing::kMinYMargin);
+        button->setImage(buttonImage(typeid(*this)));
+        button->setTitle("");
+        button->setImagePosition(ImagePosition::ImageBelow);
+        button->setTarget(std::move(target));
+        button->setFocusRingType(FocusRingType::None);
+        button->setAction(std::move(selector));
+        button->setAccessibilityLabel("Information");
+    });
 }
 
 void HUDWindow::addCloseButton(const std::shared_ptr<ActionTarget>&) {}

@@ -6,14 +6,16 @@
 
 /// A dark, translucent panel with a rounded title bar. It paints its own background, repaints it on
 /// every resize, can show an "i" button, and sends an action when the mouse is released in the
-/// panel. Main thread only.
+/// panel. If memory runs out, operations log this and may be incomplete. Main thread only.
 class HUDWindow : public platform::Panel {
   public:
     HUDWindow();
     ~HUDWindow() override;
 
-    /// Returns this panel, or null if the desktop cannot create a window. @p styleMask is ignored:
-    /// the panel is always a titled, closable, miniaturizable and resizable utility and HUD window.
+    /// Returns this panel, or null if memory runs out or the desktop cannot create a window.
+    /// Ignores
+    /// @p styleMask: the panel is always a titled, closable, miniaturizable and resizable utility
+    /// and HUD window.
     std::shared_ptr<platform::Panel> initWithContentRect(const platform::Rect& contentRect,
                                                          std::uint32_t styleMask,
                                                          platform::BackingStore backing,
@@ -25,7 +27,8 @@ class HUDWindow : public platform::Panel {
     HUDWindow& window() { return *this; }
 
     /// Returns the background as a pattern colour: a new image of the size of the frame, with the
-    /// title. The corner radius is 6 points. A title that does not fit ends in an ellipsis.
+    /// title. The corner radius is 6 points. A title that does not fit ends in an ellipsis. If
+    /// memory runs out, returns the clear colour.
     platform::Color sizedHUDBackground() const;
 
     /// Repaints the background. Displays it immediately if called during setFrame.

@@ -1,6 +1,7 @@
 #include "ui/NSMutableString-DateFormat.h"
 
 #include "platform/Log.h"
+#include "platform/Operation.h"
 
 #include <algorithm>
 #include <optional>
@@ -50,10 +51,12 @@ std::optional<std::string> replaceAll(std::string_view format, std::string_view 
 }
 
 std::string& fill(std::string& format, std::string_view placeholder, std::string_view value) {
-    if (auto filled = replaceAll(format, placeholder, value))
-        format = *std::move(filled);
-    else
-        platform::logLine("value \"%@\" would replace %@ without end", value, placeholder);
+    platform::guardedOperation([&] {
+        if (auto filled = replaceAll(format, placeholder, value))
+            format = *std::move(filled);
+        else
+            platform::logLine("value \"%@\" would replace %@ without end", value, placeholder);
+    });
     return format;
 }
 

@@ -14,7 +14,8 @@
 /// also refused if more than 16 MiB of replacements have been inserted. Runs in time linear in the
 /// length of the format and of the replacements.
 ///
-/// Thread-safe for different formats.
+/// If memory runs out, this is logged and @p format stays unchanged. Thread-safe for different
+/// formats.
 namespace HalvexDateFormat {
 
 /// Replaces "%W" with @p week, the number of the week.

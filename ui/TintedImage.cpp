@@ -1,5 +1,7 @@
 #include "ui/TintedImage.h"
 
+#include "platform/Operation.h"
+
 using namespace platform;
 
 namespace {
@@ -25,10 +27,11 @@ std::shared_ptr<Image> tintedImageWithColor(const Image& image, const Color& col
 std::shared_ptr<Image> tintedImageWithColor(const Image& image, const Color& color,
                                             CompositingOperation operation) {
     const Rect bounds{{}, image.size()};
-    return graphics().imageByDrawing(bounds.size, [&](GraphicsContext& context) {
+    const auto draw = [&](GraphicsContext& context) {
         context.drawImage(image, bounds, bounds, CompositingOperation::SourceOver, 1.0);
         context.fillRect(bounds, color, operation);
-    });
+    };
+    return guardedOperation([&] { return graphics().imageByDrawing(bounds.size, draw); });
 }
 
 } // namespace HalvexTintedImage

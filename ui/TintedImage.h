@@ -5,7 +5,7 @@
 #include <memory>
 
 /// Tinting of images. Each operation returns a new image of the size of @p image and leaves
-/// @p image unchanged. Main thread only.
+/// @p image unchanged. If memory runs out, it logs this and returns null. Main thread only.
 namespace HalvexTintedImage {
 
 /// Tints the painted parts of @p image with @p color; transparent parts stay transparent. An opaque

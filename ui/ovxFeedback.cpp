@@ -1,6 +1,7 @@
 #include "ui/ovxFeedback.h"
 
 #include "platform/Log.h"
+#include "platform/Operation.h"
 #include "platform/SystemInfo.h"
 #include "platform/Workspace.h"
 
@@ -119,16 +120,18 @@ namespace ovxFeedback {
 
 void ovxSendFeedBackViaMail(const std::shared_ptr<platform::Bundle>& bundle,
                             const std::string& product) {
-    std::optional<std::string> version;
-    if (bundle)
-        version = bundle->textForInfoDictionaryKey("CFBundleShortVersionString");
-    const std::string address =
-        "mailto:" HALVEX_SUPPORT_ADDRESS + escaped(messageText(version, product));
-    if (!isValidURL(address)) {
-        platform::logLine("Bad feedback URL: %@", address);
-        return;
-    }
-    platform::sharedWorkspace().openURL(address);
+    platform::guardedOperation([&] {
+        std::optional<std::string> version;
+        if (bundle)
+            version = bundle->textForInfoDictionaryKey("CFBundleShortVersionString");
+        const std::string address =
+            "mailto:" HALVEX_SUPPORT_ADDRESS + escaped(messageText(version, product));
+        if (!isValidURL(address)) {
+            platform::logLine("Bad feedback URL: %@", address);
+            return;
+        }
+        platform::sharedWorkspace().openURL(address);
+    });
 }
 
 } // namespace ovxFeedback

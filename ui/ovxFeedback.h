@@ -18,7 +18,7 @@ namespace ovxFeedback {
 /// Only spaces, line feeds and colons are escaped. If the result is not a valid URL, for example
 /// because @p product contains a quote, a non-ASCII letter or a "%" that is not followed by two
 /// hexadecimal digits, opens nothing and logs "Bad feedback URL: %@". A failure to start the mail
-/// program is not reported. Main thread only.
+/// program is not reported. If memory runs out, logs this and opens nothing. Main thread only.
 void ovxSendFeedBackViaMail(const std::shared_ptr<platform::Bundle>& bundle,
                             const std::string& product);
 

@@ -29,7 +29,8 @@ namespace {
 
 /// Returns the file name without its extension.
 std::string nameOf(const MenuExtraKind& kind) {
-    return kind.fileName.substr(0, kind.fileName.rfind('.'));
+    const std::string file = kind.fileName;
+    return file.substr(0, file.rfind('.'));
 }
 
 /// Finds a kind by its tag, identifier or file name (with or without extension). Otherwise prints

@@ -183,6 +183,7 @@ class Reader {
     std::vector<std::string> keys_;
     std::string text_;
     bool failed_ = false;
+    bool outOfMemory_ = false;
     PropertyListError error_;
 };
 
@@ -212,7 +213,8 @@ void Reader::call(void* reader, Arguments... arguments) noexcept {
     try {
         (self.*Member)(arguments...);
     } catch (const std::bad_alloc&) {
-        self.fail("Out of memory");
+        self.outOfMemory_ = true;
+        self.fail({});
     }
 }
 
@@ -239,6 +241,8 @@ PropertyListResult Reader::run(const PropertyListService::ByteSource& source) {
         }
         const auto status =
             XML_ParseBuffer(parser_.get(), static_cast<int>(*count), *count == 0 ? 1 : 0);
+        if (outOfMemory_ || XML_GetErrorCode(parser_.get()) == XML_ERROR_NO_MEMORY)
+            throw std::bad_alloc();
         if (status != XML_STATUS_OK && !failed_)
             fail(XML_ErrorString(XML_GetErrorCode(parser_.get())));
         if (!failed_ && unfinishedBytes() > kLongestToken)
@@ -396,11 +400,7 @@ void Reader::skippedEntity(const XML_Char* name, int) {
 } // namespace
 
 PropertyListResult readXml(const PropertyListService::ByteSource& source) {
-    try {
-        return Reader().run(source);
-    } catch (const std::bad_alloc&) {
-        return {std::nullopt, {0, 0, "Out of memory"}};
-    }
+    return Reader().run(source);
 }
 
 } // namespace platform::expat

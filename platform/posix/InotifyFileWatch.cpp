@@ -2,6 +2,7 @@
 
 #include "platform/Log.h"
 #include "platform/MainThread.h"
+#include "platform/Operation.h"
 #include "platform/posix/Descriptor.h"
 #include "platform/posix/SymbolicLinks.h"
 #include "platform/posix/SystemCalls.h"
@@ -165,7 +166,7 @@ bool InotifyFileWatch::readEvents() {
 
 void InotifyFileWatch::onReadable() {
     const bool changed = readEvents();
-    if (!updateWatches())
+    if (!guardedStep([&] { return updateWatches(); }))
         logWatchFailure(path_);
     const Identity now = identity();
     if (!changed && now == last_)

@@ -3,6 +3,8 @@
 #include "platform/Defaults.h"
 #include "platform/FileManager.h"
 #include "platform/Log.h"
+#include "platform/Operation.h"
+#include "platform/base/NeverDestroyed.h"
 #include "platform/posix/Descriptor.h"
 
 #include <cerrno>
@@ -90,17 +92,19 @@ void PosixClock::sleep(std::uint64_t microseconds) {
 }
 
 std::unique_ptr<Watch> PosixClock::tick(TickInterval interval, std::function<void()> handler) {
-    auto ticker = std::make_unique<Ticker>(interval, std::move(handler));
-    if (ticker->start(*this, zoneFile_))
-        return ticker;
-    logLine("cannot create a clock timer: %@", std::strerror(errno));
-    return nullptr;
+    return guardedStep([&]() -> std::unique_ptr<Watch> {
+        auto ticker = std::make_unique<Ticker>(interval, std::move(handler));
+        if (ticker->start(*this, zoneFile_))
+            return ticker;
+        logLine("cannot create a clock timer: %@", std::strerror(errno));
+        return nullptr;
+    });
 }
 
 } // namespace platform::posix
 
 // Never destroyed: threads that outlive main may be sleeping in it.
 platform::Clock& platform::defaults::clock() {
-    static auto* const clock = new posix::PosixClock;
-    return *clock;
+    static NeverDestroyed<posix::PosixClock> clock;
+    return clock.get();
 }

@@ -1,5 +1,6 @@
 #include "platform/Defaults.h"
 #include "platform/DynamicLoader.h"
+#include "platform/Operation.h"
 #include "platform/TrustedFile.h"
 #include "platform/posix/ElfFile.h"
 #include "platform/posix/LoadedFile.h"
@@ -110,9 +111,11 @@ class SharedObject final : public LoadedCode {
 class PosixDynamicLoader final : public DynamicLoader {
   public:
     std::vector<int> executableArchitectures(const std::string& path) const override {
-        const auto file = ElfFile::read(path);
-        return file && file->architecture != 0 ? std::vector{file->architecture}
-                                               : std::vector<int>{};
+        return guardedOperation([&] {
+            const auto file = ElfFile::read(path);
+            return file && file->architecture != 0 ? std::vector{file->architecture}
+                                                   : std::vector<int>{};
+        });
     }
 
     int hostArchitecture() const override {
@@ -124,62 +127,78 @@ class PosixDynamicLoader final : public DynamicLoader {
     }
 
     std::string fileOfAddress(const void* address) const override {
-        const std::filesystem::path file(loadedFileAt(address));
-        if (file.empty())
-            return {};
-        if (auto path = loadedFiles().pathOf(file))
-            return *std::move(path);
-        // For the program itself, this is its name on the command line, which may not be a path.
-        std::error_code ignored;
-        if (!std::filesystem::exists(file, ignored) || !file.is_absolute())
-            return std::filesystem::read_symlink("/proc/self/exe", ignored).string();
-        return file.lexically_normal().string();
+        return guardedOperation([&]() -> std::string {
+            const std::filesystem::path file(loadedFileAt(address));
+            if (file.empty())
+                return {};
+            if (auto path = loadedFiles().pathOf(file))
+                return *std::move(path);
+            // For the program itself, this is its name on the command line, which may not be a
+            // path.
+            std::error_code ignored;
+            if (!std::filesystem::exists(file, ignored) || !file.is_absolute())
+                return std::filesystem::read_symlink("/proc/self/exe", ignored).string();
+            return file.lexically_normal().string();
+        });
     }
 
     bool preflight(const std::string& path, std::string& reason) const override {
-        // Merely opening some devices has effects, and opening a pipe would block.
-        struct stat status {};
-        const bool notRegular = ::stat(path.c_str(), &status) == 0 && !S_ISREG(status.st_mode);
-        const auto file = ElfFile::read(path);
-        reason = notRegular ? headerError(file, path) : preflightError(path);
-        // The loader does not check the file's size: it accepts a truncated file or crashes.
-        if (file && file->architecture == hostArchitecture() &&
-            (!file->isSharedObject || !file->isComplete))
-            reason = headerError(file, path);
+        reason = guardedOperation([&] { return loadError(path); }, "out of memory");
         return reason.empty();
     }
-
     std::string refusalReason(const TrustedFile& file) const override {
-        const auto header = ElfFile::read(file.descriptor());
-        std::string error = headerError(header, file.path());
-        if (error.empty() && !header->libraryPaths.empty())
-            error = "libraries outside of the system's folders (" + header->libraryPaths.front() +
-                    ") needed by " + file.path();
-        return error;
+        return guardedOperation(
+            [&] {
+                const auto header = ElfFile::read(file.descriptor());
+                std::string error = headerError(header, file.path());
+                if (error.empty() && !header->libraryPaths.empty())
+                    error = "libraries outside of the system's folders (" +
+                            header->libraryPaths.front() + ") needed by " + file.path();
+                return error;
+            },
+            "out of memory");
     }
 
     // noexcept: an exception from a static constructor would leave the system's loader locked.
     std::unique_ptr<LoadedCode> load(std::shared_ptr<const TrustedFile> file,
                                      std::string& reason) noexcept override {
-        if (!file)
+        reason = "out of memory";
+        return guardedStep([&]() -> std::unique_ptr<LoadedCode> {
+            if (!file)
+                return nullptr;
+            reason = refusalReason(*file);
+            if (!reason.empty())
+                return nullptr;
+            const std::string path = file->path();
+            std::string name = loadedFiles().add(std::move(file));
+            // RTLD_NOW: with lazy binding, the first call of an undefined symbol would end the
+            // program.
+            if (void* handle = dlopen(name.c_str(), RTLD_NOW | RTLD_LOCAL))
+                return std::make_unique<SharedObject>(handle, std::move(name));
+            const char* text = dlerror();
+            reason = text ? text : "unknown error of the dynamic loader";
+            if (const auto at = reason.find(name); at != std::string::npos)
+                reason.replace(at, name.size(), path);
+            loadedFiles().removeIfUnloaded(name);
             return nullptr;
-        reason = refusalReason(*file);
-        if (!reason.empty())
-            return nullptr;
-        const std::string path = file->path();
-        std::string name = loadedFiles().add(std::move(file));
-        // RTLD_NOW: with lazy binding, the first call of an undefined symbol would end the program.
-        if (void* handle = dlopen(name.c_str(), RTLD_NOW | RTLD_LOCAL))
-            return std::make_unique<SharedObject>(handle, std::move(name));
-        const char* text = dlerror();
-        reason = text ? text : "unknown error of the dynamic loader";
-        if (const auto at = reason.find(name); at != std::string::npos)
-            reason.replace(at, name.size(), path);
-        loadedFiles().removeIfUnloaded(name);
-        return nullptr;
+        });
     }
 
   private:
+    /// Returns why the file cannot be loaded, or an empty string.
+    std::string loadError(const std::string& path) const {
+        // Merely opening some devices has effects, and opening a pipe would block.
+        struct stat status {};
+        const bool notRegular = ::stat(path.c_str(), &status) == 0 && !S_ISREG(status.st_mode);
+        const auto file = ElfFile::read(path);
+        std::string reason = notRegular ? headerError(file, path) : preflightError(path);
+        // The loader does not check the file's size: it accepts a truncated file or crashes.
+        if (file && file->architecture == hostArchitecture() &&
+            (!file->isSharedObject || !file->isComplete))
+            reason = headerError(file, path);
+        return reason;
+    }
+
     /// Returns why the file at @p path must not be passed to the loader, or an empty string. If the
     /// loader mapped a truncated file, the process would crash on the missing pages.
     std::string headerError(const std::optional<ElfFile>& file, const std::string& path) const {

@@ -1,6 +1,8 @@
 #include "platform/posix/PosixFileManager.h"
 
 #include "platform/Defaults.h"
+#include "platform/Operation.h"
+#include "platform/base/NeverDestroyed.h"
 #include "platform/base/PathStrings.h"
 #include "platform/posix/AtomicFile.h"
 #include "platform/posix/CopyTree.h"
@@ -53,6 +55,24 @@ std::string notRegular(mode_t mode) {
     return "is not a regular file";
 }
 
+OpenFileResult openRegularFile(const char* path) {
+    // Merely opening some devices has effects, so the kind is checked before opening and, because
+    // the file may be replaced in between, after it.
+    struct stat status {};
+    if (::stat(path, &status) != 0)
+        return {nullptr, std::strerror(errno)};
+    if (!S_ISREG(status.st_mode))
+        return {nullptr, notRegular(status.st_mode)};
+    Descriptor file(::open(path, O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY));
+    if (!file || ::fstat(file.get(), &status) != 0)
+        return {nullptr, std::strerror(errno)};
+    if (!S_ISREG(status.st_mode))
+        return {nullptr, notRegular(status.st_mode)};
+    return {std::make_unique<PosixInputFile>(std::move(file),
+                                             static_cast<std::uint64_t>(status.st_size)),
+            {}};
+}
+
 /// @p lookUp is getpwuid_r or getpwnam_r, @p account its first argument.
 template <class LookUp, class Account>
 std::optional<std::string> homeOf(LookUp lookUp, Account account) {
@@ -78,139 +98,162 @@ std::optional<std::string> PosixFileManager::systemPath(const std::string& path)
 }
 
 bool PosixFileManager::fileExists(const std::string& path, bool* isDirectory) const {
-    const auto location = systemPath(path);
-    struct stat status {};
-    const bool exists = location && ::stat(location->c_str(), &status) == 0;
-    if (isDirectory)
-        *isDirectory = exists && S_ISDIR(status.st_mode);
-    return exists;
+    return guardedOperation([&] {
+        const auto location = systemPath(path);
+        struct stat status {};
+        const bool exists = location && ::stat(location->c_str(), &status) == 0;
+        if (isDirectory)
+            *isDirectory = exists && S_ISDIR(status.st_mode);
+        return exists;
+    });
 }
 
 bool PosixFileManager::isReadableFile(const std::string& path) const {
-    const auto location = systemPath(path);
-    return location && ::faccessat(AT_FDCWD, location->c_str(), R_OK, AT_EACCESS) == 0;
+    return guardedOperation([&] {
+        const auto location = systemPath(path);
+        return location && ::faccessat(AT_FDCWD, location->c_str(), R_OK, AT_EACCESS) == 0;
+    });
 }
 
 bool PosixFileManager::isWritableFile(const std::string& path) const {
-    const auto location = systemPath(path);
-    return location && ::faccessat(AT_FDCWD, location->c_str(), W_OK, AT_EACCESS) == 0;
+    return guardedOperation([&] {
+        const auto location = systemPath(path);
+        return location && ::faccessat(AT_FDCWD, location->c_str(), W_OK, AT_EACCESS) == 0;
+    });
 }
 
 bool PosixFileManager::isSymbolicLink(const std::string& path) const {
-    const auto location = systemPath(path);
-    return location && linkTarget(*location);
+    return guardedOperation([&] {
+        const auto location = systemPath(path);
+        return location && linkTarget(*location);
+    });
 }
 
 std::string PosixFileManager::resolvingSymbolicLinks(const std::string& path) const {
-    if (!path.starts_with('/'))
-        return path;
-    PathWalk walk(path);
-    while (auto next = walk.next()) {
-        const auto location = systemPath(*next);
-        const auto target = location ? linkTarget(*location) : std::nullopt;
-        if (!target)
-            walk.enter(std::move(*next));
-        else if (!walk.follow(*target))
+    return guardedOperation([&] {
+        if (!path.starts_with('/'))
             return path;
-    }
-    return walk.folder();
+        PathWalk walk(path);
+        while (auto next = walk.next()) {
+            const auto location = systemPath(*next);
+            const auto target = location ? linkTarget(*location) : std::nullopt;
+            if (!target)
+                walk.enter(std::move(*next));
+            else if (!walk.follow(*target))
+                return path;
+        }
+        return walk.folder();
+    });
 }
 
 std::optional<std::vector<std::string>>
 PosixFileManager::contentsOfDirectory(const std::string& path) const {
-    const auto location = systemPath(path);
-    if (!location)
-        return std::nullopt;
-    const Descriptor folder = openFolder(*location);
-    return folder ? namesIn(folder.get()) : std::nullopt;
+    return guardedOperation([&]() -> std::optional<std::vector<std::string>> {
+        const auto location = systemPath(path);
+        if (!location)
+            return std::nullopt;
+        const Descriptor folder = openFolder(*location);
+        return folder ? namesIn(folder.get()) : std::nullopt;
+    });
 }
 
 OpenFileResult PosixFileManager::openFile(const std::string& path) const {
-    const auto location = systemPath(path);
-    if (!location)
-        return {nullptr, "not a valid path"};
-    // Merely opening some devices has effects, so the kind is checked before opening and, because
-    // the file may be replaced in between, after it.
-    struct stat status {};
-    if (::stat(location->c_str(), &status) != 0)
-        return {nullptr, std::strerror(errno)};
-    if (!S_ISREG(status.st_mode))
-        return {nullptr, notRegular(status.st_mode)};
-    Descriptor file(::open(location->c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY));
-    if (!file || ::fstat(file.get(), &status) != 0)
-        return {nullptr, std::strerror(errno)};
-    if (!S_ISREG(status.st_mode))
-        return {nullptr, notRegular(status.st_mode)};
-    return {std::make_unique<PosixInputFile>(std::move(file),
-                                             static_cast<std::uint64_t>(status.st_size)),
-            {}};
+    return guardedOperation(
+        [&] {
+            const auto location = systemPath(path);
+            return location ? openRegularFile(location->c_str())
+                            : OpenFileResult{nullptr, "not a valid path"};
+        },
+        OpenFileResult{nullptr, "out of memory"});
 }
 
 bool PosixFileManager::writeFileAtomically(const std::string& path, std::string_view bytes) {
-    const auto location = systemPath(path);
-    return location && posix::writeFileAtomically(*location, bytes, calls_);
+    return guardedStep([&] {
+        const auto location = systemPath(path);
+        return location && posix::writeFileAtomically(*location, bytes, calls_);
+    });
 }
 
 std::string PosixFileManager::homeDirectory() const {
-    const char* home = std::getenv("HOME");
-    if (home && *home == '/')
-        return home;
-    return homeOf(::getpwuid_r, ::geteuid()).value_or("/");
+    return guardedOperation([&]() -> std::string {
+        const char* home = std::getenv("HOME");
+        if (home && *home == '/')
+            return home;
+        return homeOf(::getpwuid_r, ::geteuid()).value_or("/");
+    });
 }
 
 std::optional<std::string> PosixFileManager::homeDirectoryForUser(const std::string& name) const {
-    return homeOf(::getpwnam_r, name.c_str());
+    return guardedOperation([&] { return homeOf(::getpwnam_r, name.c_str()); });
 }
 
 bool PosixFileManager::createDirectory(const std::string& path) {
-    const auto location = systemPath(path);
-    return location && ::mkdir(location->c_str(), 0777) == 0;
+    return guardedStep([&] {
+        const auto location = systemPath(path);
+        return location && ::mkdir(location->c_str(), 0777) == 0;
+    });
 }
 
 bool PosixFileManager::createSymbolicLink(const std::string& path, const std::string& target) {
-    const auto location = systemPath(path);
-    return location && ::symlink(target.c_str(), location->c_str()) == 0;
+    return guardedStep([&] {
+        const auto location = systemPath(path);
+        return location && ::symlink(target.c_str(), location->c_str()) == 0;
+    });
 }
 
 bool PosixFileManager::removeFile(const std::string& path) {
-    const auto location = systemPath(path);
-    return location && ::unlink(location->c_str()) == 0;
+    return guardedStep([&] {
+        const auto location = systemPath(path);
+        return location && ::unlink(location->c_str()) == 0;
+    });
 }
 
 bool PosixFileManager::removeItem(const std::string& path) {
-    const auto location = systemPath(path);
-    return location && posix::removeItem(*location, calls_);
+    return guardedStep([&] {
+        const auto location = systemPath(path);
+        return location && posix::removeItem(*location, calls_);
+    });
 }
 
 bool PosixFileManager::copyItem(const std::string& from, const std::string& to) {
-    const auto source = systemPath(from);
-    const auto destination = systemPath(to);
-    return source && destination && posix::copyItem(*source, *destination, calls_);
+    return guardedStep([&] {
+        const auto source = systemPath(from);
+        const auto destination = systemPath(to);
+        return source && destination && posix::copyItem(*source, *destination, calls_);
+    });
 }
 
 Replacement PosixFileManager::replaceItem(const std::string& from, const std::string& to) {
-    const auto destination = systemPath(to);
-    if (!destination)
-        return Replacement::NotRemoved;
-    return posix::replaceItem(systemPath(from).value_or(""), *destination, calls_);
+    return guardedOperation(
+        [&] {
+            const auto destination = systemPath(to);
+            return destination
+                       ? posix::replaceItem(systemPath(from).value_or(""), *destination, calls_)
+                       : Replacement::NotRemoved;
+        },
+        Replacement::NotRemoved);
 }
 
 bool PosixFileManager::moveFile(const std::string& from, const std::string& to) {
-    const auto source = systemPath(from);
-    const auto destination = systemPath(to);
-    return source && destination && posix::moveFile(*source, *destination);
+    return guardedStep([&] {
+        const auto source = systemPath(from);
+        const auto destination = systemPath(to);
+        return source && destination && posix::moveFile(*source, *destination);
+    });
 }
 
 std::unique_ptr<Watch> PosixFileManager::watchFile(const std::string& path,
                                                    std::function<void()> handler) {
-    const auto location = systemPath(path);
-    return location ? makeInotifyFileWatch(*location, std::move(handler)) : nullptr;
+    return guardedStep([&] {
+        const auto location = systemPath(path);
+        return location ? makeInotifyFileWatch(*location, std::move(handler)) : nullptr;
+    });
 }
 
 } // namespace platform::posix
 
 // Never destroyed: threads that outlive main may use it.
 platform::FileManager& platform::defaults::fileManager() {
-    static auto* const manager = new posix::PosixFileManager;
-    return *manager;
+    static NeverDestroyed<posix::PosixFileManager> manager;
+    return manager.get();
 }

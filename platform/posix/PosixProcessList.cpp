@@ -2,8 +2,10 @@
 
 #include "platform/Bundle.h"
 #include "platform/Defaults.h"
+#include "platform/Operation.h"
 #include "platform/base/PathStrings.h"
 #include "platform/posix/ApplicationBundle.h"
+#include "platform/posix/Folder.h"
 
 #include <algorithm>
 #include <charconv>
@@ -75,10 +77,9 @@ bool isOfCurrentUser(pid_t process) {
 
 std::vector<pid_t> processesOfCurrentUser() {
     std::vector<pid_t> found;
-    std::error_code error;
-    for (fs::directory_iterator at("/proc", error); !error && at != fs::directory_iterator();
-         at.increment(error)) {
-        const std::string name = at->path().filename().string();
+    const Descriptor folder = openFolder("/proc");
+    const auto names = folder ? namesIn(folder.get()) : std::nullopt;
+    for (const std::string& name : names.value_or(std::vector<std::string>())) {
         pid_t process = 0;
         const auto end = std::from_chars(name.data(), name.data() + name.size(), process).ptr;
         if (end == name.data() + name.size() && isOfCurrentUser(process))
@@ -91,11 +92,13 @@ std::vector<pid_t> processesOfCurrentUser() {
 } // namespace
 
 std::vector<RunningProcess> PosixProcessList::processes() const {
-    std::vector<RunningProcess> result;
-    for (const pid_t process : processesOfCurrentUser())
-        if (const auto status = statusOf(process))
-            result.push_back({serialNumber(process, *status), nameOf(process, *status)});
-    return result;
+    return guardedOperation([&] {
+        std::vector<RunningProcess> result;
+        for (const pid_t process : processesOfCurrentUser())
+            if (const auto status = statusOf(process))
+                result.push_back({serialNumber(process, *status), nameOf(process, *status)});
+        return result;
+    });
 }
 
 std::optional<pid_t> processIdentifier(ProcessSerialNumber wanted) {

@@ -1,6 +1,7 @@
 #include "platform/posix/PosixScriptRunner.h"
 
 #include "platform/Defaults.h"
+#include "platform/Operation.h"
 #include "platform/posix/SystemPreferences.h"
 
 #include <string_view>
@@ -28,13 +29,17 @@ std::optional<std::string> paneIdentifier(std::string_view script) {
 } // namespace
 
 std::optional<std::string> PosixScriptRunner::run(const std::string& script) {
-    const auto identifier = paneIdentifier(script);
-    if (!identifier)
-        return "unsupported script: it does not select a pane of System Preferences";
-    std::string reason;
-    if (startSystemPreferences({"--select", *identifier}, reason))
-        return std::nullopt;
-    return reason;
+    return guardedOperation(
+        [&]() -> std::optional<std::string> {
+            const auto identifier = paneIdentifier(script);
+            if (!identifier)
+                return "unsupported script: it does not select a pane of System Preferences";
+            std::string reason;
+            if (startSystemPreferences({"--select", *identifier}, reason))
+                return std::nullopt;
+            return reason;
+        },
+        "out of memory");
 }
 
 } // namespace platform::posix

@@ -1,6 +1,7 @@
 #include "platform/posix/PosixSystemInfo.h"
 
 #include "platform/Defaults.h"
+#include "platform/Operation.h"
 
 #include <algorithm>
 #include <charconv>
@@ -68,17 +69,19 @@ std::optional<std::uint32_t> PosixSystemInfo::query(SystemFact fact) const {
 }
 
 TimeZone PosixSystemInfo::systemTimeZone() const {
-    const std::time_t now = std::time(nullptr);
-    std::tm local{};
-    tzset(); // localtime_r alone may use the previous zone
-    localtime_r(&now, &local);
-    std::error_code ignored;
-    std::string name = zoneOfEnvironment();
-    if (name.empty() && !std::getenv("TZ"))
-        name = zoneOfFile(std::filesystem::read_symlink(zoneFile_, ignored).string());
-    return {.name = name.empty() ? local.tm_zone : name,
-            .abbreviation = local.tm_zone,
-            .secondsFromGMT = static_cast<std::int32_t>(local.tm_gmtoff)};
+    return guardedOperation([&]() -> TimeZone {
+        const std::time_t now = std::time(nullptr);
+        std::tm local{};
+        tzset(); // localtime_r alone may use the previous zone
+        localtime_r(&now, &local);
+        std::error_code ignored;
+        std::string name = zoneOfEnvironment();
+        if (name.empty() && !std::getenv("TZ"))
+            name = zoneOfFile(std::filesystem::read_symlink(zoneFile_, ignored).string());
+        return {.name = name.empty() ? local.tm_zone : name,
+                .abbreviation = local.tm_zone,
+                .secondsFromGMT = static_cast<std::int32_t>(local.tm_gmtoff)};
+    });
 }
 
 } // namespace platform::posix

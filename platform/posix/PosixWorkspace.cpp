@@ -3,6 +3,8 @@
 #include "platform/Bundle.h"
 #include "platform/Defaults.h"
 #include "platform/Log.h"
+#include "platform/Operation.h"
+#include "platform/base/NeverDestroyed.h"
 #include "platform/posix/ApplicationBundle.h"
 #include "platform/posix/StartProgram.h"
 #include "platform/posix/SystemPreferences.h"
@@ -37,24 +39,28 @@ bool PosixWorkspace::selectFile(const std::string&, const std::string&) {
 }
 
 bool PosixWorkspace::openFile(const std::string& path) {
-    return isApplicationBundle(path) && startApplication(path);
+    return guardedStep([&] { return isApplicationBundle(path) && startApplication(path); });
 }
 
 bool PosixWorkspace::openFile(const std::string& path, const std::string& withApplication) {
-    std::string reason = "unknown application";
-    if (withApplication == kSystemPreferences && startSystemPreferences({path}, reason))
-        return true;
-    logLine("cannot open %@ with %@: %@", path, withApplication, reason);
-    return false;
+    return guardedStep([&] {
+        std::string reason = "unknown application";
+        if (withApplication == kSystemPreferences && startSystemPreferences({path}, reason))
+            return true;
+        logLine("cannot open %@ with %@: %@", path, withApplication, reason);
+        return false;
+    });
 }
 
 bool PosixWorkspace::openURL(const std::string& url) {
-    return !url.empty() && std::isalpha(static_cast<unsigned char>(url.front())) &&
-           startProgram("xdg-open", {url}) == 0;
+    return guardedStep([&] {
+        return !url.empty() && std::isalpha(static_cast<unsigned char>(url.front())) &&
+               startProgram("xdg-open", {url}) == 0;
+    });
 }
 
 bool PosixWorkspace::recycle(const std::string& path) {
-    return moveToTrash(path);
+    return guardedStep([&] { return moveToTrash(path); });
 }
 
 void PosixWorkspace::bringToFront(ProcessSerialNumber) {}
@@ -63,6 +69,6 @@ void PosixWorkspace::bringToFront(ProcessSerialNumber) {}
 
 // Never destroyed: threads that outlive main may use it.
 platform::Workspace& platform::defaults::workspace() {
-    static auto* const workspace = new posix::PosixWorkspace;
-    return *workspace;
+    static NeverDestroyed<posix::PosixWorkspace> workspace;
+    return workspace.get();
 }

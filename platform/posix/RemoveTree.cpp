@@ -1,5 +1,6 @@
 #include "platform/posix/RemoveTree.h"
 
+#include "platform/Operation.h"
 #include "platform/base/PathStrings.h"
 #include "platform/posix/CopyFile.h"
 #include "platform/posix/Folder.h"
@@ -80,10 +81,10 @@ bool removeFolder(int parent, const std::string& name, SystemCalls& calls) {
     ::flock(folder.get(), LOCK_EX | LOCK_NB);
     if (calls.renameWithoutReplacing(parent, name, parent, *temporary) != 0)
         return false;
-    if (!canBeEmptied(parent, *temporary, calls) &&
+    if (!guardedStep([&] { return canBeEmptied(parent, *temporary, calls); }) &&
         calls.renameWithoutReplacing(parent, *temporary, parent, name) == 0)
         return false;
-    removeTree(parent, *temporary);
+    guardedStep([&] { removeTree(parent, *temporary); });
     return true;
 }
 

@@ -1,5 +1,7 @@
 #include "platform/posix/SystemCalls.h"
 
+#include "platform/base/NeverDestroyed.h"
+
 #include <cerrno>
 #include <cstdio>
 #include <fcntl.h>
@@ -62,8 +64,8 @@ int SystemCalls::exchange(int oneFolder, int otherFolder, const std::string& nam
 
 SystemCalls& systemCalls() {
     // Never destroyed: destructors of other static objects may log or write files.
-    static auto* const calls = new SystemCalls;
-    return *calls;
+    static NeverDestroyed<SystemCalls> calls;
+    return calls.get();
 }
 
 } // namespace platform::posix

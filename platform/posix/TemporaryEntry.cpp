@@ -1,5 +1,6 @@
 #include "platform/posix/TemporaryEntry.h"
 
+#include "platform/Operation.h"
 #include "platform/posix/Folder.h"
 #include "platform/posix/RemoveTree.h"
 #include "platform/posix/TemporaryName.h"
@@ -39,7 +40,7 @@ TemporaryEntry::TemporaryEntry(Kind kind, int folder, std::string finalName, mod
     : folder_(folder), finalName_(std::move(finalName)), calls_(calls) {
     removeLeftovers(folder, finalName_);
     for (int attempt = 0; attempt < kMaximumAttempts; ++attempt) {
-        const auto name = temporaryName(temporaryPrefix(finalName_));
+        auto name = temporaryName(temporaryPrefix(finalName_));
         if (!name)
             return;
         Descriptor entry = create(kind, folder, *name, mode, calls);
@@ -47,7 +48,7 @@ TemporaryEntry::TemporaryEntry(Kind kind, int folder, std::string finalName, mod
             return;
         if (!entry || !lock(entry.get(), folder, *name))
             continue;
-        name_ = *name;
+        name_ = std::move(*name); // unlike a copy, cannot fail
         descriptor_ = std::move(entry);
         return;
     }
@@ -55,7 +56,7 @@ TemporaryEntry::TemporaryEntry(Kind kind, int folder, std::string finalName, mod
 
 TemporaryEntry::~TemporaryEntry() {
     if (descriptor_ && !renamed_)
-        removeTree(folder_, name_);
+        guardedStep([&] { removeTree(folder_, name_); });
 }
 
 bool TemporaryEntry::rename(IfTaken ifTaken) {

@@ -3,7 +3,7 @@
 #include "platform/Log.h"
 #include "platform/runtime/Guard.h"
 
-#include <system_error>
+#include <exception>
 #include <thread>
 #include <utility>
 
@@ -14,7 +14,7 @@ void detachThread(std::function<void()> work) {
         std::thread([owner = currentOwner(), work = std::move(work)] {
             runGuarded(owner, work);
         }).detach();
-    } catch (const std::system_error& error) {
+    } catch (const std::exception& error) { // std::system_error or std::bad_alloc
         logLine("cannot start a thread: %@", error.what());
     }
 }

@@ -1,10 +1,12 @@
 #include "platform/runtime/Guard.h"
 
 #include "platform/Log.h"
+#include "platform/Operation.h"
 #include "platform/base/Exception.h"
 #include "platform/base/NonCopyable.h"
 
 #include <cxxabi.h>
+#include <string_view>
 #include <utility>
 
 namespace platform {
@@ -26,7 +28,7 @@ class OwnerScope : NonCopyable {
     const std::string* previous_;
 };
 
-void logException(const std::string& name, const std::string& type, const std::string& reason) {
+void logException(std::string_view name, std::string_view type, std::string_view reason) {
     logLine("%@ raised an exception: %@   reason: %@", name.empty() ? "this program" : name, type,
             reason);
 }
@@ -38,8 +40,9 @@ const std::string& currentOwner() {
 }
 
 bool runGuarded(const std::string& name, const std::function<void()>& code) {
-    const OwnerScope scope(name);
     try {
+        const OwnerScope ownerScope(name);
+        const OperationScope operationScope(OperationScope::Code::PlugIn);
         code();
         return true;
     } catch (const abi::__forced_unwind&) {

@@ -1,5 +1,6 @@
 #include "platform/runtime/ObserverList.h"
 
+#include "platform/Operation.h"
 #include "platform/runtime/Guard.h"
 
 #include <algorithm>
@@ -26,17 +27,19 @@ ObserverList::~ObserverList() = default;
 
 void ObserverList::add(const std::weak_ptr<const void>& observer, const std::string& name,
                        NotificationCenter::Handler handler) {
-    auto registration = std::make_shared<const Registration>(
-        Registration{observer, name, std::move(handler), currentOwner()});
-    const std::lock_guard lock(mutex_);
-    removeExpiredLocked();
-    const auto existing = std::ranges::find_if(registrations_, [&](const auto& candidate) {
-        return candidate->name == name && isSame(candidate->observer, observer);
+    guardedOperation([&] {
+        auto registration = std::make_shared<const Registration>(
+            Registration{observer, name, std::move(handler), currentOwner()});
+        const std::lock_guard lock(mutex_);
+        removeExpiredLocked();
+        const auto existing = std::ranges::find_if(registrations_, [&](const auto& candidate) {
+            return candidate->name == name && isSame(candidate->observer, observer);
+        });
+        if (existing == registrations_.end())
+            registrations_.push_back(std::move(registration));
+        else
+            *existing = std::move(registration);
     });
-    if (existing == registrations_.end())
-        registrations_.push_back(std::move(registration));
-    else
-        *existing = std::move(registration);
 }
 
 void ObserverList::remove(const std::weak_ptr<const void>& observer, const std::string& name) {
@@ -52,18 +55,20 @@ void ObserverList::removeExpired() {
 }
 
 void ObserverList::deliver(const Notification& notification) {
-    std::unique_lock lock(mutex_);
-    removeExpiredLocked();
-    const auto registrations = registrations_;
-    lock.unlock();
-    for (const auto& registration : registrations) {
-        if (registration->name != notification.name)
-            continue;
-        const auto observer = registration->observer.lock();
-        // An earlier handler may have removed this one.
-        if (observer && contains(registration))
-            runGuarded(registration->owner, [&] { registration->handler(notification); });
-    }
+    guardedOperation([&] {
+        std::unique_lock lock(mutex_);
+        removeExpiredLocked();
+        const auto registrations = registrations_;
+        lock.unlock();
+        for (const auto& registration : registrations) {
+            if (registration->name != notification.name)
+                continue;
+            const auto observer = registration->observer.lock();
+            // An earlier handler may have removed this one.
+            if (observer && contains(registration))
+                runGuarded(registration->owner, [&] { registration->handler(notification); });
+        }
+    });
 }
 
 bool ObserverList::observes(const std::string& name) {
