@@ -7,6 +7,7 @@
 #include "platform/Log.h"
 #include "platform/Operation.h"
 #include "platform/Workspace.h"
+#include "platform/base/Exception.h"
 #include "platform/base/NonCopyable.h"
 
 #include <cmath>
@@ -34,6 +35,16 @@ class SavedGraphicsState : NonCopyable {
   private:
     GraphicsContext& context_;
 };
+
+/// Returns null, and logs the reason, outside of drawing.
+GraphicsContext* currentContext() {
+    try {
+        return &graphics().currentContext();
+    } catch (const Exception& exception) {
+        logLine("cannot draw an item: %@", exception.reason());
+        return nullptr;
+    }
+}
 
 void logIfVerbose(const char* line) {
     if (myDebugME != 0)
@@ -102,12 +113,12 @@ void HalvexMenuViewBase::drawRect(const Rect& rect) {
         logLine("CalendarMenuView both nil");
 
     guardedOperation([&] {
-        GraphicsContext& context = graphics().currentContext();
+        GraphicsContext* context = title || image ? currentContext() : nullptr;
         const double height = rect.size.height;
-        if (title)
-            drawTitle(context, *title, image ? std::trunc(image->size().width + 3.0) : 0, height);
-        if (image)
-            drawImage(context, *image, height);
+        if (context && title)
+            drawTitle(*context, *title, image ? std::trunc(image->size().width + 3.0) : 0, height);
+        if (context && image)
+            drawImage(*context, *image, height);
     });
 }
 

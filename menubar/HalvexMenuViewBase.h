@@ -40,8 +40,8 @@ class HalvexMenuViewBase : public platform::MenuExtraView {
     void mouseDown(const platform::Event& event) override;
 
     /// Draws the title, then the image. Only the height of @p rect is used. Logs
-    /// "CalendarMenuView both nil" if there is neither. If memory runs out, logs this and
-    /// draws nothing or only part.
+    /// "CalendarMenuView both nil" if there is neither. Outside of drawing, or if memory runs out,
+    /// logs this and draws nothing or only part.
     void drawRect(const platform::Rect& rect) override;
 
   private:

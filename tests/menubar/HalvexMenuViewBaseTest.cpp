@@ -148,6 +148,13 @@ TEST_F(MenuView, DrawsShadowsAlwaysAndUsesXorWhileTheMenuIsOpen) {
                             "image 0 0 16 16 into 0 3 16 16 operation 10 fraction 1"));
 }
 
+TEST_F(MenuView, OnlyLogsThatItCannotDrawOutsideOfDrawing) {
+    extra->setTitle("ab");
+    graphics.isDrawing = false;
+    EXPECT_NO_THROW(view->drawRect({{}, {60, 22}}));
+    EXPECT_EQ(log.take().back(), "cannot draw an item: nothing is being drawn");
+}
+
 TEST_F(MenuView, LogsTheTitleOnlyWhenVerboseAndAnEmptyItemAlways) {
     for (const bool verbose : {false, true}) {
         myDebugME = verbose;

@@ -56,7 +56,12 @@ class RecordingGraphics final : public platform::Graphics, public platform::Grap
         return std::make_shared<BlankImage>(size.width, size.height);
     }
     std::string namedImage; ///< the only name for which imageNamed returns an image
-    platform::GraphicsContext& currentContext() override { return *this; }
+    bool isDrawing = true;  ///< if false, currentContext throws
+    platform::GraphicsContext& currentContext() override {
+        if (!isDrawing)
+            throw platform::Exception("Name", "nothing is being drawn");
+        return *this;
+    }
 
     void saveGraphicsState() override { drawn.emplace_back("save"); }
     void restoreGraphicsState() override { drawn.emplace_back("restore"); }
