@@ -88,15 +88,15 @@ void* runThread(void* data) {
 // NOLINTBEGIN(bugprone-reserved-identifier): these are the C library's names.
 extern "C" {
 
-[[noreturn]] void _exit(int status) {
+void _exit(int status) {
     exitImmediately(status, __builtin_return_address(0));
 }
 
-[[noreturn]] void _Exit(int status) noexcept {
+void _Exit(int status) noexcept {
     exitImmediately(status, __builtin_return_address(0));
 }
 
-[[noreturn]] void exit(int status) noexcept {
+void exit(int status) noexcept {
     static const auto function = original<void(int)>("exit");
     const void* caller = __builtin_return_address(0);
     // Qt calls this when the display is gone, whichever item is running. If an item calls it, the

@@ -66,7 +66,7 @@ TEST(Watcher, DoesNotRestartAHungBarThatIsToldToQuit) {
         const TestBundle extra(bar);
         failWhenClicked(bar, extra, "endless wait");
         const auto time = millisecondsOf([&] {
-            EXPECT_TRUE(bar.endsForGood([&] {
+            EXPECT_TRUE(bar.endsForGood([&, count = count] {
                 for (int i = 0; i < count; ++i) {
                     bar.send(SIGTERM);
                     QThread::msleep(50); // two pending signals would be one
