@@ -26,6 +26,9 @@ struct Place {
     const char* step; ///< as recorded
     Trigger trigger;
 };
+void PrintTo(const Place& place, std::ostream* stream) {
+    *stream << place.name;
+}
 constexpr Place kPlaces[] = {
     {"static constructor", "loading", Trigger::Add},
     {"initialiser", "loading", Trigger::Add},
