@@ -61,8 +61,8 @@ class DynamicLoader : NonCopyable {
     virtual std::string refusalReason(const TrustedFile& file) const = 0;
     /// Loads the open file with RTLD_LOCAL and runs its initializers, which must not throw: an
     /// exception terminates the process. Keeps the file open while the code is loaded. Returns null
-    /// and writes the cause to @p reason if refusalReason returns one or the file cannot be loaded;
-    /// leaves @p reason unchanged if @p file is null.
+    /// and writes the cause to @p reason if refusalReason returns one or the file cannot be loaded.
+    /// A null @p file is reported as a failed allocation.
     virtual std::unique_ptr<LoadedCode> load(std::shared_ptr<const TrustedFile> file,
                                              std::string& reason) = 0;
 };

@@ -56,7 +56,7 @@ class LoadedFiles {
     std::string add(std::shared_ptr<const TrustedFile> file) {
         std::error_code ignored;
         const std::string process = std::filesystem::read_symlink("/proc/self", ignored).string();
-        std::string name = "/proc/" + process + "/fd/" + std::to_string(file->descriptor());
+        const std::string name = "/proc/" + process + "/fd/" + std::to_string(file->descriptor());
         const std::lock_guard lock(mutex_);
         files_.insert_or_assign(name, std::move(file));
         return name;
@@ -146,6 +146,7 @@ class PosixDynamicLoader final : public DynamicLoader {
         reason = guardedOperation([&] { return loadError(path); }, "out of memory");
         return reason.empty();
     }
+
     std::string refusalReason(const TrustedFile& file) const override {
         return guardedOperation(
             [&] {
@@ -159,7 +160,6 @@ class PosixDynamicLoader final : public DynamicLoader {
             "out of memory");
     }
 
-    // noexcept: an exception from a static constructor would leave the system's loader locked.
     std::unique_ptr<LoadedCode> load(std::shared_ptr<const TrustedFile> file,
                                      std::string& reason) noexcept override {
         reason = "out of memory";
@@ -171,10 +171,12 @@ class PosixDynamicLoader final : public DynamicLoader {
                 return nullptr;
             const std::string path = file->path();
             std::string name = loadedFiles().add(std::move(file));
-            // RTLD_NOW: with lazy binding, the first call of an undefined symbol would end the
-            // program.
-            if (void* handle = dlopen(name.c_str(), RTLD_NOW | RTLD_LOCAL))
-                return std::make_unique<SharedObject>(handle, std::move(name));
+            std::unique_ptr<void, int (*)(void*)> handle(open(name), ::dlclose);
+            if (handle) {
+                auto code = std::make_unique<SharedObject>(handle.get(), std::move(name));
+                static_cast<void>(handle.release());
+                return code;
+            }
             const char* text = dlerror();
             reason = text ? text : "unknown error of the dynamic loader";
             if (const auto at = reason.find(name); at != std::string::npos)
@@ -185,6 +187,12 @@ class PosixDynamicLoader final : public DynamicLoader {
     }
 
   private:
+    // RTLD_NOW: with lazy binding, the first call of an undefined symbol would end the program.
+    // noexcept: an exception from a static constructor would leave the system's loader locked.
+    static void* open(const std::string& name) noexcept {
+        return dlopen(name.c_str(), RTLD_NOW | RTLD_LOCAL);
+    }
+
     /// Returns why the file cannot be loaded, or an empty string.
     std::string loadError(const std::string& path) const {
         // Merely opening some devices has effects, and opening a pipe would block.

@@ -84,7 +84,9 @@ bool removeFolder(int parent, const std::string& name, SystemCalls& calls) {
     if (!guardedStep([&] { return canBeEmptied(parent, *temporary, calls); }) &&
         calls.renameWithoutReplacing(parent, *temporary, parent, name) == 0)
         return false;
-    guardedStep([&] { removeTree(parent, *temporary); });
+    const auto removeRest = [&] { return removeTree(parent, *temporary); };
+    if (!guardedStep(removeRest)) // memory may have run out only for a moment
+        guardedStep(removeRest);
     return true;
 }
 

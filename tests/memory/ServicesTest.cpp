@@ -6,12 +6,15 @@
 #include "platform/PropertyListService.h"
 #include "platform/ScriptRunner.h"
 #include "platform/SystemInfo.h"
+#include "platform/TrustedFile.h"
 #include "platform/posix/PosixWorkspace.h"
 #include "platform/runtime/DetachedThread.h"
 #include "platform/runtime/Guard.h"
 #include "tests/memory/Tree.h"
 #include "tests/support/Fakes.h"
 #include "tests/support/PollingMainThread.h"
+
+#include <fcntl.h>
 
 using namespace platform;
 using Services = test::Tree;
@@ -23,6 +26,10 @@ const std::string kTilde = "~/" + kText;
 const std::string kURL = "mailto:" + kText;
 const char* const kThisFile = typeid(Services).name();
 const std::string kPreferences = "System Preferences";
+
+std::shared_ptr<const TrustedFile> opened(const char* path) {
+    return std::make_shared<TrustedFile>(path, ::open(path, O_RDONLY | O_CLOEXEC));
+}
 
 TEST_F(Services, OfFilesFailCompletelyIfMemoryRunsOut) {
     const std::string folder = tree.path("~/a folder with a long name");
@@ -98,8 +105,9 @@ TEST_F(Services, OfTheDesktopFailIfMemoryRunsOut) {
     };
     const auto observer = std::make_shared<int>(0);
     const Notification notification{kText, std::nullopt, {}};
-    const std::string library =
-        dynamicLoader().fileOfAddress(reinterpret_cast<const void*>(&runGuarded));
+    const auto library =
+        opened(dynamicLoader().fileOfAddress(reinterpret_cast<const void*>(&runGuarded)).c_str());
+    const auto noLibrary = opened("/dev/null");
     std::string reason;
     const auto whyNot = [&] { return reason; };
     const std::vector<std::string> outOfMemory{"\"out of memory\""};
@@ -137,7 +145,7 @@ TEST_F(Services, OfTheDesktopFailIfMemoryRunsOut) {
              {},
              whyNot},
             {"refuse to load",
-             [&] { return dynamicLoader().load(file, reason); },
+             [&] { return dynamicLoader().load(noLibrary, reason); },
              {"null out of memory"},
              makeFile,
              whyNot},
