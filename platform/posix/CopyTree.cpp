@@ -1,5 +1,6 @@
 #include "platform/posix/CopyTree.h"
 
+#include "platform/Operation.h"
 #include "platform/base/PathStrings.h"
 #include "platform/posix/CopyFile.h"
 #include "platform/posix/Folder.h"
@@ -146,7 +147,7 @@ class PreparedCopy : NonCopyable {
         const Movable copy(folder_->get(), name_, calls_);
         if (calls_.exchange(folder_->get(), target_.get(), name_) != 0)
             return std::nullopt;
-        if (!canBeEmptied(folder_->get(), name_, calls_) &&
+        if (!guardedStep([&] { return canBeEmptied(folder_->get(), name_, calls_); }) &&
             calls_.exchange(folder_->get(), target_.get(), name_) == 0)
             return Replacement::NotRemoved;
         flushFolderOrLog(target_.get(), to_, calls_);

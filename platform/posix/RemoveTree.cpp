@@ -84,9 +84,7 @@ bool removeFolder(int parent, const std::string& name, SystemCalls& calls) {
     if (!guardedStep([&] { return canBeEmptied(parent, *temporary, calls); }) &&
         calls.renameWithoutReplacing(parent, *temporary, parent, name) == 0)
         return false;
-    const auto removeRest = [&] { return removeTree(parent, *temporary); };
-    if (!guardedStep(removeRest)) // memory may have run out only for a moment
-        guardedStep(removeRest);
+    removeTemporaryTree(parent, *temporary);
     return true;
 }
 
@@ -118,6 +116,12 @@ bool removeTree(int folder, const std::string& name) {
     ::fchmodat(folder, name.c_str(), 0700, 0);
     const Descriptor below = openFolder(folder, name);
     return below && empty(below.get()) && remove(folder, name, AT_REMOVEDIR);
+}
+
+void removeTemporaryTree(int folder, const std::string& name) {
+    const auto remove = [&] { return removeTree(folder, name); };
+    if (!guardedStep(remove)) // memory may have run out only for a moment
+        guardedStep(remove);
 }
 
 bool removeItem(const std::string& path, SystemCalls& calls) {

@@ -25,4 +25,8 @@ void removeLeftovers(int folder, const std::string& finalName);
 /// first if permitted to. Returns false if anything remains, and true if the entry does not exist.
 bool removeTree(int folder, const std::string& name);
 
+/// Same as removeTree, for an entry that nothing else will remove: tries again if memory runs out.
+/// Does not throw.
+void removeTemporaryTree(int folder, const std::string& name);
+
 } // namespace platform::posix

@@ -1,6 +1,5 @@
 #include "platform/posix/TemporaryEntry.h"
 
-#include "platform/Operation.h"
 #include "platform/posix/Folder.h"
 #include "platform/posix/RemoveTree.h"
 #include "platform/posix/TemporaryName.h"
@@ -56,7 +55,7 @@ TemporaryEntry::TemporaryEntry(Kind kind, int folder, std::string finalName, mod
 
 TemporaryEntry::~TemporaryEntry() {
     if (descriptor_ && !renamed_)
-        guardedStep([&] { removeTree(folder_, name_); });
+        removeTemporaryTree(folder_, name_);
 }
 
 bool TemporaryEntry::rename(IfTaken ifTaken) {

@@ -108,7 +108,6 @@ TEST_F(BarItems, AreInTheSameOrderAfterARestart) {
     for (const auto& [step, expected] : steps) {
         step();
         EXPECT_EQ(bar.identifiers(), expected);
-        bar.kill();
         bar.start();
         EXPECT_EQ(bar.identifiers(), expected) << "after a restart";
     }

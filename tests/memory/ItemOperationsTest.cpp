@@ -1,6 +1,7 @@
 #include "identifiers/ExportedIdentifiers.h"
 #include "menubar/HalvexMenuExtraBase.h"
 #include "menubar/PreferencesFile.h"
+#include "platform/expat/ExpatPropertyLists.h"
 #include "tests/memory/FailedAllocations.h"
 #include "tests/support/ApplicationServices.h"
 #include "tests/support/Fakes.h"
@@ -23,6 +24,8 @@ std::string shown(const Color& color) {
 class ItemOperations : public testing::Test {
   protected:
     ~ItemOperations() override { myDebug = myDebugME = 0; }
+
+    ItemOperations() { expat::install(); }
 
     void makeExtra() {
         myDebug = myDebugME = 0;

@@ -25,7 +25,6 @@ const std::string kText = "a text that does not fit into a small string";
 const std::string kTilde = "~/" + kText;
 const std::string kURL = "mailto:" + kText;
 const char* const kThisFile = typeid(Services).name();
-const std::string kPreferences = "System Preferences";
 
 std::shared_ptr<const TrustedFile> opened(const char* path) {
     return std::make_shared<TrustedFile>(path, ::open(path, O_RDONLY | O_CLOEXEC));
@@ -120,7 +119,7 @@ TEST_F(Services, OfTheDesktopFailIfMemoryRunsOut) {
              makeFile,
              exists},
             {"open", [&] { return workspace.openFile(application); }, {"false"}},
-            {"open with", [&] { return workspace.openFile(file, kPreferences); }},
+            {"open with", [&] { return workspace.openFile(file, kText); }},
             {"open a URL", [&] { return workspace.openURL(kURL); }, {"false"}},
             {"announce", [] { announceLaunch(kText); }},
             {"processes", [] { defaults::processList().processes(); }},
