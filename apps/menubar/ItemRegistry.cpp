@@ -1,6 +1,5 @@
 #include "apps/menubar/ItemRegistry.h"
 
-#include "apps/menubar/CrashJournal.h"
 #include "apps/menubar/ItemCollection.h"
 #include "apps/shared/AbsolutePath.h"
 #include "apps/shared/FileLock.h"
@@ -48,6 +47,19 @@ std::string versionAt(const std::string& path) {
     return bundle ? bundle->version().value_or("") : "";
 }
 
+const char* nameOf(Failure failure) {
+    switch (failure) {
+    case Failure::Hang:
+        return ItemList::kHang;
+    case Failure::Exit:
+        return ItemList::kExit;
+    case Failure::Crash:
+    case Failure::None:
+        break;
+    }
+    return "crash";
+}
+
 bool isShipped(const std::string& identifier) {
     return std::ranges::count(menuextras::allKinds(), identifier,
                               &menuextras::MenuExtraKind::identifier) > 0;
@@ -88,9 +100,11 @@ void ItemRegistry::start(const std::vector<std::string>& commandLine) {
         disableCrashedItem();
     }
     ownItemsOnly_ = journal_.exitsRepeatedly();
-    if (ownItemsOnly_)
+    if (ownItemsOnly_) {
         logLine("the menu bar has exited three times within ten seconds for an unknown reason: "
                 "starting without third-party menu extras");
+        emit startedWithOwnItemsOnly();
+    }
     restore();
     loadCommandLine(commandLine);
     loadOwnClockIfEmpty();
@@ -107,10 +121,9 @@ void ItemRegistry::disableCrashedItem() {
     if (!note)
         return;
     const ItemRecord& item = note->item;
-    if (item.origin == Origin::Request)
-        list_->insert(item);
-    list_->disable({item.identifier, item.path, item.version, note->step});
+    list_->disable({item.identifier, item.path, item.version, note->step, nameOf(note->failure)});
     list_->write(); // not scheduled: another item may crash the bar before that
+    emit disabledAfterFailure(*note);
 }
 
 void ItemRegistry::restore() {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "apps/menubar/Admission.h"
+#include "apps/menubar/CrashJournal.h"
 #include "apps/shared/ItemList.h"
 #include "platform/MenuExtraServer.h"
 #include "platform/qt/BarItem.h"
@@ -16,7 +17,6 @@
 
 namespace apps {
 
-class CrashJournal;
 class ItemCollection;
 struct Item;
 
@@ -75,6 +75,10 @@ class ItemRegistry final : public QObject, public platform::MenuExtraServer {
     void itemsChanged();
     /// Emitted if a requested or restored bundle is not loaded. @p reason is human-readable.
     void refused(const std::string& path, const std::string& reason);
+    /// Emitted by start() for an item that ended the previous bar.
+    void disabledAfterFailure(const apps::CrashJournal::Note& note);
+    /// Emitted by start() if the last three bars exited within ten seconds for an unknown reason.
+    void startedWithOwnItemsOnly();
 
   private:
     /// A bundle that is to be loaded.

@@ -1,6 +1,7 @@
 #include "apps/menubar/BarService.h"
 #include "apps/menubar/CrashHandler.h"
 #include "apps/menubar/CrashJournal.h"
+#include "apps/menubar/FailureNotices.h"
 #include "apps/menubar/HangTimer.h"
 #include "apps/menubar/ItemRegistry.h"
 #include "apps/menubar/MenuBar.h"
@@ -87,6 +88,7 @@ int runBar(const Options& options, std::vector<std::string> command) {
     ItemRegistry registry(menuBar.items(), protection.journal,
                           Admission(options.admit, ownItemsFolder()));
     BarService service(menuBar, registry);
+    const FailureNotices failureNotices(registry);
     switch (service.registerOnBus()) {
     case BusName::Claim::Taken:
         return 1;

@@ -27,6 +27,7 @@ constexpr const char* kPath = "Path";
 constexpr const char* kPosition = "Position";
 constexpr const char* kVersion = "Version";
 constexpr const char* kStep = "Step";
+constexpr const char* kFailure = "Failure";
 
 /// Returns std::nullopt if there is no number or it is out of range.
 std::optional<std::int32_t> positionOf(const PropertyList& row) {
@@ -105,7 +106,8 @@ void ItemList::readItem(const PropertyList& row) {
 
 void ItemList::readDisabled(const PropertyList& row) {
     DisabledBundle bundle{std::string(row.stringAt(kIdentifier)), resolvedPath(row.stringAt(kPath)),
-                          std::string(row.stringAt(kVersion)), std::string(row.stringAt(kStep))};
+                          std::string(row.stringAt(kVersion)), std::string(row.stringAt(kStep)),
+                          std::string(row.stringAt(kFailure))};
     if (bundle.path.empty())
         logLine("skipped a disabled bundle without Path in %@", file_);
     else
@@ -123,7 +125,8 @@ bool ItemList::write() const {
         append(disabled, PropertyList::Dictionary{{kIdentifier, bundle.identifier},
                                                   {kPath, storedPath(path)},
                                                   {kVersion, bundle.version},
-                                                  {kStep, bundle.step}});
+                                                  {kStep, bundle.step},
+                                                  {kFailure, bundle.failure}});
     const auto bytes = propertyLists().serialize(PropertyList(PropertyList::Dictionary{
         {kItems, PropertyList(std::move(items))}, {kDisabled, PropertyList(std::move(disabled))}}));
     if (bytes && bytes->size() > kMaximumBytes) {
@@ -227,8 +230,12 @@ bool ItemList::enable(std::string_view path) {
 }
 
 std::string ItemList::reason(const DisabledBundle& bundle) {
-    return bundle.step == kTurnedOff ? "it was turned off"
-                                     : "it crashed the menu bar (" + bundle.step + ")";
+    if (bundle.step == kTurnedOff)
+        return "it was turned off";
+    const char* what = bundle.failure == kHang   ? "it stopped responding"
+                       : bundle.failure == kExit ? "it ended the menu bar"
+                                                 : "it crashed the menu bar";
+    return what + (" (" + bundle.step + ")");
 }
 
 } // namespace apps

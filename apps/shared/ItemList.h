@@ -22,12 +22,13 @@ namespace apps {
 /// that are disabled. Stored in a property list:
 ///
 ///     Items     an array of dictionaries: Identifier, Path, Position
-///     Left Out  an array of dictionaries: Identifier, Path, Version, Step
+///     Left Out  an array of dictionaries: Identifier, Path, Version, Step, Failure
 ///
 /// For the bar's own items, Path is only the bundle's name, so that they are found wherever the bar
-/// is installed. Step is what the bar was doing when the bundle crashed it: "loading", "first
-/// drawing", "click", "menu" or "its own code"; or kTurnedOff. A bundle that crashed the bar is
-/// skipped at start while its CFBundleVersion equals Version.
+/// is installed. Step is what the bar was doing when the bundle ended it: "loading", "drawing",
+/// "click", "menu", "unloading", "its own code" or "its own thread"; or kTurnedOff. Failure is how
+/// it ended the bar, see reason(). A bundle that ended the bar is skipped at start while its
+/// CFBundleVersion equals Version.
 ///
 /// Several bars may share the file, so it is changed only under a lock, and a change is applied to
 /// the contents that the file has then.
@@ -38,6 +39,7 @@ class ItemList : platform::NonCopyable {
         std::string path;
         std::string version;
         std::string step;
+        std::string failure = {};
     };
 
     /// The file's name in the user's product folder.
@@ -95,6 +97,10 @@ class ItemList : platform::NonCopyable {
     void disable(DisabledBundle bundle);
     /// Removes the entry of the bundle at @p path. Returns whether there was one.
     bool enable(std::string_view path);
+    /// The failures of a bundle that kept the bar from responding or made it exit. Others crashed
+    /// it.
+    static constexpr const char* kHang = "hang";
+    static constexpr const char* kExit = "exit";
     /// Returns why a bundle is disabled, human-readable: "it crashed the menu bar (loading)".
     static std::string reason(const DisabledBundle& bundle);
 

@@ -2,7 +2,7 @@
 
 #include "platform/base/Exception.h"
 #include "platform/runtime/Guard.h"
-#include "tests/desktop/support/FakeService.h"
+#include "tests/desktop/support/FakeNotificationServer.h"
 #include "tests/desktop/support/TestBundle.h"
 #include "tests/support/RecordingLog.h"
 
@@ -14,71 +14,18 @@
 
 using namespace platform;
 using test::eventually;
+using test::FakeNotificationServer;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
 namespace {
-
-constexpr const char* kName = "org.freedesktop.Notifications";
-constexpr const char* kPath = "/org/freedesktop/Notifications";
-
-/// A notification server that records its calls as text. Ids count from @p firstId.
-class FakeServer {
-  public:
-    FakeServer(const test::PrivateBus& bus, QStringList capabilities, std::uint32_t firstId = 1)
-        : capabilities_(std::move(capabilities)), nextId_(firstId),
-          connection_(QDBusConnection::connectToBus(bus.address(), "notification server")) {}
-    ~FakeServer() {
-        connection_.unregisterService(kName);
-        QDBusConnection::disconnectFromBus("notification server");
-    }
-
-    void emitSignal(const char* member, const QVariantList& arguments) {
-        auto signal = QDBusMessage::createSignal(kPath, kName, member);
-        signal.setArguments(arguments);
-        connection_.send(signal);
-    }
-    bool hasCalls(std::size_t count) {
-        return eventually([&] { return calls.size() >= count; });
-    }
-
-    std::vector<std::string> calls;
-    bool refuses = false;
-
-  private:
-    QVariant answer(const QDBusMessage& call) {
-        const QVariantList arguments = call.arguments();
-        if (call.member() == "GetCapabilities")
-            return capabilities_;
-        if (call.member() == "CloseNotification") {
-            calls.push_back("close " + arguments.at(0).toString().toStdString());
-            return 0;
-        }
-        if (call.signature() != "susssasa{sv}i" || refuses)
-            return {};
-        const std::uint32_t replaced = arguments.at(1).toUInt();
-        const QString text =
-            QString("%1 %2|%3|%4|%5")
-                .arg(replaced)
-                .arg(arguments.at(2).toString(), arguments.at(3).toString(),
-                     arguments.at(4).toString(), arguments.at(5).toStringList().join(','));
-        calls.push_back(text.toStdString());
-        return replaced ? replaced : nextId_++;
-    }
-
-    QStringList capabilities_;
-    std::uint32_t nextId_;
-    QDBusConnection connection_;
-    test::FakeService service_{connection_, kName, kPath,
-                               [this](const QDBusMessage& call) { return answer(call); }};
-};
 
 class BusUserNotificationsTest : public testing::Test {
   protected:
     void startServer(const QStringList& capabilities = {"body", "actions"},
                      std::uint32_t firstId = 1) {
         server.reset();
-        server = std::make_unique<FakeServer>(bus, capabilities, firstId);
+        server = std::make_unique<FakeNotificationServer>(bus, capabilities, firstId);
     }
     /// Posts a notification whose handler records its title and the action.
     bool post(const std::string& key, const std::string& title, const std::string& body = {}) {
@@ -111,7 +58,7 @@ class BusUserNotificationsTest : public testing::Test {
 
     test::PrivateBus bus;
     test::RecordingLog log;
-    std::unique_ptr<FakeServer> server;
+    std::unique_ptr<FakeNotificationServer> server;
     std::shared_ptr<int> self = std::make_shared<int>();
     std::vector<std::string> chosen;
     std::optional<platform::qt::BusUserNotifications> notifications{bus.addressText()};
@@ -239,7 +186,7 @@ TEST_F(BusUserNotificationsTest, FailuresAreLogged) {
 
 TEST(BarNotifications, AreWithdrawnBeforeTheirItemIsUnloaded) {
     const test::BarProcess bar;
-    FakeServer server(*bar.bus, {});
+    FakeNotificationServer server(*bar.bus, {});
     const test::TestBundle bundle(bar, "NotifiesWhenClicked");
     ASSERT_TRUE(bar.loads(bundle.path, test::kTestExtra));
     bar.click(test::kTestExtra);

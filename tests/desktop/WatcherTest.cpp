@@ -1,3 +1,4 @@
+#include "tests/desktop/support/FakeNotificationServer.h"
 #include "tests/desktop/support/TestBundle.h"
 #include "tests/desktop/support/WatchedBar.h"
 #include "tests/desktop/support/XServer.h"
@@ -199,6 +200,32 @@ TEST(Journal, BlamesAnItemEvenIfItsFileCannotBeUsed) {
         EXPECT_TRUE(bar.logs("test.faulty at " + extra.path.string() + " is disabled"));
         EXPECT_EQ(bar.reference(kFaultyExtra), 0U);
         close(file);
+    }
+}
+
+TEST(Watcher, LetsTheBarTellTheUserWhichItemWasTurnedOff) {
+    struct Case {
+        const char* failure;
+        const char* reason;
+        const char* logged;
+    };
+    for (const auto& [failure, reason, logged] :
+         {Case{"abort", "It crashed the menu bar.", "it crashed the menu bar (click)"},
+          Case{"exit", "It ended the menu bar.", "it ended the menu bar (click)"},
+          Case{"endless wait", "It stopped responding.", "it stopped responding (click)"}}) {
+        WatchedBar bar({"--hang-limit", "1"});
+        FakeNotificationServer server(*bar.bus, {"body", "actions"});
+        const TestBundle extra(bar);
+        failWhenClicked(bar, extra, failure);
+        ASSERT_TRUE(server.hasCalls(1)) << bar.log();
+        EXPECT_EQ(server.calls.front(),
+                  std::string("0 dialog-warning|FaultyExtra was turned off|") + reason +
+                      "|turn-on,Turn on again");
+        EXPECT_TRUE(bar.logs(logged)) << bar.log();
+        EXPECT_EQ(bar.reference(kFaultyExtra), 0U);
+        server.emitSignal("ActionInvoked", {1U, "turn-on"});
+        EXPECT_TRUE(bar.hasLoaded(kFaultyExtra)) << bar.log();
+        EXPECT_THAT(bar.disabled(), IsEmpty());
     }
 }
 
