@@ -60,6 +60,11 @@ const char* nameOf(Failure failure) {
     return "crash";
 }
 
+void logDisabled(const ItemList::DisabledBundle& bundle) {
+    logLine("menu extra %@ at %@ is disabled: %@", bundle.identifier, bundle.path,
+            ItemList::reason(bundle));
+}
+
 bool isShipped(const std::string& identifier) {
     return std::ranges::count(menuextras::allKinds(), identifier,
                               &menuextras::MenuExtraKind::identifier) > 0;
@@ -121,8 +126,12 @@ void ItemRegistry::disableCrashedItem() {
     if (!note)
         return;
     const ItemRecord& item = note->item;
-    list_->disable({item.identifier, item.path, item.version, note->step, nameOf(note->failure)});
+    const ItemList::DisabledBundle bundle{item.identifier, item.path, item.version, note->step,
+                                          nameOf(note->failure)};
+    list_->disable(bundle);
     list_->write(); // not scheduled: another item may crash the bar before that
+    if (!list_->findItem(item.identifier)) // it was being removed; restore() logs the others
+        logDisabled(bundle);
     emit disabledAfterFailure(*note);
 }
 
@@ -172,8 +181,7 @@ bool ItemRegistry::isDisabled(const std::string& path) {
         list_->changeLater([path](ItemList& list) { return list.enable(path); });
         return false;
     }
-    logLine("menu extra %@ at %@ is disabled: %@", disabled->identifier, path,
-            ItemList::reason(*disabled));
+    logDisabled(*disabled);
     return true;
 }
 

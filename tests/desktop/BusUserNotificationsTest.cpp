@@ -97,6 +97,7 @@ TEST_F(BusUserNotificationsTest, AreReplacedAndWithdrawnByTheKeyOfTheirOwner) {
     notifications->withdraw("k");
     notifications->withdraw("");
     byOther([&] { notifications->withdraw("k"); });
+    EXPECT_TRUE(server->hasCalls(7));
     show("k", "last");
     const std::string start = "dialog-warning|", end = "||default,Show,undo,Undo";
     EXPECT_THAT(server->calls,
