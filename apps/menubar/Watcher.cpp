@@ -10,11 +10,11 @@
 
 #include <array>
 #include <cerrno>
+#include <csignal>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
 #include <fcntl.h>
-#include <spawn.h>
 #include <sys/syscall.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -37,22 +37,30 @@ int handleOf(int process) {
     return static_cast<int>(syscall(SYS_pidfd_open, process, 0));
 }
 
-/// Starts @p command, which inherits @p files. Returns the process identifier, or -1 with errno.
+/// Starts @p command, which inherits @p files and starts with all signals blocked. Returns the
+/// process identifier, or -1 with errno. posix_spawn would take two system calls per signal.
 int spawn(const std::vector<std::string>& command, const std::array<int, 3>& files) {
-    posix_spawn_file_actions_t actions;
-    posix_spawn_file_actions_init(&actions);
-    for (const int file : files)
-        if (file >= 0)
-            posix_spawn_file_actions_adddup2(&actions, file, file); // clears FD_CLOEXEC
     std::vector<char*> arguments;
     for (const std::string& argument : command)
         arguments.push_back(const_cast<char*>(argument.c_str()));
     arguments.push_back(nullptr);
-    pid_t process = -1;
-    errno = posix_spawn(&process, arguments.front(), &actions, nullptr, arguments.data(), environ);
-    const bool started = errno == 0;
-    posix_spawn_file_actions_destroy(&actions);
-    return started ? process : -1;
+    sigset_t all, previous;
+    sigfillset(&all);
+    pthread_sigmask(SIG_SETMASK, &all, &previous); // the child shares this process's memory
+    volatile int error = 0;
+    const pid_t process = vfork();
+    if (process == 0) {
+        for (const int file : files)
+            fcntl(file, F_SETFD, 0); // -1 is ignored
+        execv(arguments.front(), arguments.data());
+        error = errno;
+        _exit(EXIT_FAILURE);
+    }
+    if (process < 0)
+        error = errno;
+    pthread_sigmask(SIG_SETMASK, &previous, nullptr);
+    errno = error;
+    return error == 0 ? process : -1;
 }
 
 } // namespace

@@ -136,11 +136,15 @@ void delayRestart() {
 constexpr std::array kIgnoredSignals{SIGINT, SIGTERM, SIGHUP, SIGQUIT};
 sigset_t notIgnoredBefore;
 
+/// The bar starts this program with all signals blocked.
 void ignoreSignals() {
     sigemptyset(&notIgnoredBefore);
     for (const int signal : kIgnoredSignals)
         if (std::signal(signal, SIG_IGN) != SIG_IGN)
             sigaddset(&notIgnoredBefore, signal);
+    sigset_t none;
+    sigemptyset(&none);
+    sigprocmask(SIG_SETMASK, &none, nullptr);
 }
 
 /// Starts the bar. Returns whether that succeeded.

@@ -37,6 +37,9 @@ int architectureOf(int elfMachine) {
     return 0;
 }
 
+/// More rows than any real file has: a table read from a damaged file must not fill the memory.
+constexpr std::uint64_t kMaximumRows = 1 << 16;
+
 class File {
   public:
     explicit File(int descriptor) : descriptor_(descriptor) {
@@ -51,6 +54,16 @@ class File {
     bool readAt(std::uint64_t offset, T& value) const {
         return offset <= size_ && sizeof(T) <= size_ - offset &&
                ::pread(descriptor_, &value, sizeof(T), static_cast<off_t>(offset)) == sizeof(T);
+    }
+    /// Reads a table with one system call. Returns std::nullopt if the file does not contain it.
+    template <class T>
+    std::optional<std::vector<T>> tableAt(std::uint64_t offset, std::uint64_t count) const {
+        if (count > kMaximumRows || offset > size_ || count * sizeof(T) > size_ - offset)
+            return std::nullopt;
+        std::vector<T> rows(count);
+        const std::size_t bytes = count * sizeof(T);
+        const ssize_t read = ::pread(descriptor_, rows.data(), bytes, static_cast<off_t>(offset));
+        return read == static_cast<ssize_t>(bytes) ? std::optional(std::move(rows)) : std::nullopt;
     }
     /// Returns the bytes up to the next zero byte, at most PATH_MAX.
     std::string textAt(std::uint64_t offset) const {
@@ -79,26 +92,26 @@ std::vector<Elf64_Phdr> completeSegments(const File& file, const Elf64_Ehdr& hea
     const std::uint64_t sections = std::uint64_t{header.e_shnum} * header.e_shentsize;
     if (header.e_shnum > 0 && !fits(header.e_shoff, sections, file.size()))
         return {};
-    std::vector<Elf64_Phdr> segments;
-    for (unsigned i = 0; i < header.e_phnum; ++i) {
-        Elf64_Phdr segment{};
-        if (!file.readAt(header.e_phoff + i * sizeof segment, segment))
-            return {};
-        if (!fits(segment.p_offset, segment.p_filesz, file.size()))
-            return {};
-        segments.push_back(segment);
-    }
-    return segments;
+    auto segments = file.tableAt<Elf64_Phdr>(header.e_phoff, header.e_phnum);
+    const bool complete =
+        segments && std::ranges::all_of(*segments, [&](const Elf64_Phdr& segment) {
+            return fits(segment.p_offset, segment.p_filesz, file.size());
+        });
+    return complete ? std::move(*segments) : std::vector<Elf64_Phdr>();
 }
 
-std::vector<Elf64_Dyn> dynamicEntries(const File& file, const std::vector<Elf64_Phdr>& segments) {
+/// Returns std::nullopt if the entries cannot be read.
+std::optional<std::vector<Elf64_Dyn>> dynamicEntries(const File& file,
+                                                     const std::vector<Elf64_Phdr>& segments) {
     std::vector<Elf64_Dyn> entries;
     for (const Elf64_Phdr& segment : segments) {
-        Elf64_Dyn entry{};
-        for (std::uint64_t at = 0; segment.p_type == PT_DYNAMIC && at < segment.p_filesz;
-             at += sizeof entry)
-            if (file.readAt(segment.p_offset + at, entry))
-                entries.push_back(entry);
+        if (segment.p_type != PT_DYNAMIC)
+            continue;
+        const auto table =
+            file.tableAt<Elf64_Dyn>(segment.p_offset, segment.p_filesz / sizeof(Elf64_Dyn));
+        if (!table)
+            return std::nullopt;
+        entries.insert(entries.end(), table->begin(), table->end());
     }
     return entries;
 }
@@ -112,8 +125,8 @@ std::uint64_t offsetOf(std::uint64_t address, const std::vector<Elf64_Phdr>& seg
     return INT64_MAX;
 }
 
-std::vector<std::string> libraryPathsIn(const File& file, const std::vector<Elf64_Phdr>& segments) {
-    const std::vector<Elf64_Dyn> entries = dynamicEntries(file, segments);
+std::vector<std::string> libraryPathsIn(const File& file, const std::vector<Elf64_Phdr>& segments,
+                                        const std::vector<Elf64_Dyn>& entries) {
     const auto table = std::ranges::find(entries, DT_STRTAB, &Elf64_Dyn::d_tag);
     std::vector<std::string> paths;
     for (const Elf64_Dyn& entry : entries) {
@@ -156,8 +169,10 @@ std::optional<ElfFile> ElfFile::read(int descriptor) {
     const bool native = fromByteOrder(std::uint16_t{1}, order) == 1;
     if (start.e_ident[EI_CLASS] == ELFCLASS64 && native && file.readAt(0, header)) {
         const auto segments = completeSegments(file, header);
-        result.isComplete = !segments.empty();
-        result.libraryPaths = libraryPathsIn(file, segments);
+        const auto entries = dynamicEntries(file, segments);
+        result.isComplete = !segments.empty() && entries;
+        if (entries)
+            result.libraryPaths = libraryPathsIn(file, segments, *entries);
     }
     return result;
 }
