@@ -1,5 +1,9 @@
 #include "apps/menubar/BundleValidator.h"
+#include "platform/DynamicLoader.h"
+#include "platform/TrustedFile.h"
 #include "tests/fuzz/Support.h"
+
+#include <gnu/libc-version.h>
 
 namespace fs = std::filesystem;
 using fuzz::require;
@@ -10,7 +14,8 @@ namespace {
 struct TestBundle {
     TestBundle() {
         fs::create_directories(code.parent_path());
-        fs::create_symlink(fs::read_symlink("/proc/self/exe"), code);
+        const auto anyFunction = reinterpret_cast<const void*>(&gnu_get_libc_version);
+        fs::copy_file(platform::dynamicLoader().fileOfAddress(anyFunction), code);
     }
 
     const fuzz::Program program;
@@ -28,7 +33,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     require(bool(result) == result.reason.empty(), "refused without a reason");
     if (!result)
         return 0;
-    require(result.executable == bundle.code, "the code is outside of the bundle");
+    require(result.code->path() == bundle.code, "the code is outside of the bundle");
     require(!result.identifier.empty() && result.identifier.size() <= 255 &&
                 !result.principalClass.empty() &&
                 result.bundle->version().value_or("").size() <= 255,
