@@ -1,6 +1,7 @@
 #include "apps/ctl/BarState.h"
 
 #include "apps/shared/ItemList.h"
+#include "menuextras/MenuExtraCatalogue.h"
 #include "paths/ovxPaths.h"
 #include "platform/FileManager.h"
 #include "platform/Log.h"
@@ -8,6 +9,7 @@
 #include "platform/qt/BarClient.h"
 
 #include <algorithm>
+#include <iterator>
 #include <utility>
 
 using platform::qt::KnownItem;
@@ -31,6 +33,26 @@ BarState::BarState() {
 }
 
 BarState::~BarState() = default;
+
+std::vector<KnownItem> BarState::thirdPartyItems() const {
+    std::vector<KnownItem> found;
+    std::ranges::copy_if(items_, std::back_inserter(found),
+                         [](const KnownItem& item) { return !item.isOwn; });
+    if (!list_)
+        return found;
+    for (const auto& [path, bundle] : list_->disabledBundles()) {
+        const auto kinds = menuextras::allKinds();
+        const bool isShipped = std::ranges::count(kinds, bundle.identifier,
+                                                  &menuextras::MenuExtraKind::identifier) > 0;
+        if (!isShipped)
+            found.push_back({.identifier = bundle.identifier,
+                             .path = path,
+                             .version = bundle.version,
+                             .state = "disabled",
+                             .reason = ItemList::reason(bundle)});
+    }
+    return found;
+}
 
 KnownItem BarState::find(const std::string& identifier, const std::string& path) const {
     KnownItem item{.identifier = identifier, .path = path, .state = "not loaded"};

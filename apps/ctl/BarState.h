@@ -20,6 +20,9 @@ class BarState : platform::NonCopyable {
 
     /// Returns the state of an item whose bundle is installed at @p path.
     platform::qt::KnownItem find(const std::string& identifier, const std::string& path) const;
+    /// Returns the items of third parties that the bar knows; if it is not running, those that it
+    /// has disabled.
+    std::vector<platform::qt::KnownItem> thirdPartyItems() const;
 
   private:
     std::vector<platform::qt::KnownItem> items_;

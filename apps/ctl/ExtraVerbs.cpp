@@ -81,6 +81,21 @@ PropertyList::Dictionary describe(const MenuExtraKind& kind, const BarState& bar
             {"reason", item.reason}};
 }
 
+/// An item of a third party has no tag, which is shown as 0, and no shipped bundle.
+PropertyList::Dictionary describeThirdParty(const platform::qt::KnownItem& item) {
+    const std::string name = item.name.empty() ? platform::lastPathComponent(item.path) : item.name;
+    return {{"tag", std::int64_t{0}},
+            {"identifier", item.identifier},
+            {"name", name},
+            {"shipped", ""},
+            {"shippedVersion", ""},
+            {"installed", item.path},
+            {"installedVersion", item.version},
+            {"loaded", item.state == "loaded"},
+            {"state", item.state},
+            {"reason", item.reason}};
+}
+
 std::string textLine(const PropertyList& row) {
     const auto text = [&](const char* key) { return std::string(row.stringAt(key)); };
     const auto version = [&](const char* key) {
@@ -103,6 +118,10 @@ ExitStatus printExtras(bool json) {
     std::string text;
     for (const MenuExtraKind& kind : menuextras::allKinds()) {
         rows.emplace_back(describe(kind, bar, plugIns));
+        text += textLine(rows.back());
+    }
+    for (const platform::qt::KnownItem& item : bar.thirdPartyItems()) {
+        rows.emplace_back(describeThirdParty(item));
         text += textLine(rows.back());
     }
     return json ? print(std::move(rows), Format::Json) : print(text);

@@ -22,6 +22,7 @@ namespace apps {
 namespace {
 
 constexpr int kUnknownTag = -1;
+constexpr int kGap = 8;            // points
 constexpr int kBoxLightness = 280; // percent of the window colour
 
 /// Returns the menu extras in a pane, sorted by file name.
@@ -43,7 +44,7 @@ std::vector<std::shared_ptr<Bundle>> shippedExtras(const Bundle& pane) {
 } // namespace
 
 MenuExtraSwitches::MenuExtraSwitches(const Bundle& pane, BarQueries bar)
-    : bar_(std::move(bar)), message_(new QLabel) {
+    : bar_(std::move(bar)), message_(new QLabel), thirdPartyProblems_(new QLabel) {
     worker_.setMaxThreadCount(1);
     auto* const column = new QVBoxLayout(this);
     column->setContentsMargins(0, 0, 0, 0);
@@ -54,6 +55,10 @@ MenuExtraSwitches::MenuExtraSwitches(const Bundle& pane, BarQueries bar)
         column->addWidget(new QLabel("This pane contains no menu extras."));
     message_->setWordWrap(true);
     column->addWidget(message_);
+    thirdPartyProblems_->setTextFormat(Qt::PlainText);
+    thirdPartyProblems_->setWordWrap(true);
+    column->addSpacing(kGap);
+    column->addWidget(thirdPartyProblems_);
     column->addStretch();
     updateBoxColours();
     refresh();
@@ -110,6 +115,13 @@ void MenuExtraSwitches::refresh() {
             });
         });
     }
+    runOnWorker([this] {
+        const std::string problems = bar_.isRunning() ? bar_.thirdPartyProblems() : "";
+        runOnMainThread([this, problems] {
+            thirdPartyProblems_->setText(qString(problems));
+            thirdPartyProblems_->setVisible(!problems.empty());
+        });
+    });
 }
 
 void MenuExtraSwitches::toggle(std::size_t index, bool on) {

@@ -20,11 +20,14 @@ struct BarQueries {
     std::function<bool()> isRunning;
     /// Returns why an item of the running bar is not loaded, human-readable, or an empty string.
     std::function<std::string(const std::string& identifier)> problem;
+    /// Returns the same for all items of third parties that are not loaded, one line each.
+    std::function<std::string()> thirdPartyProblems;
 };
 
 /// The page of the product's own preference pane: one check box per menu extra in the pane, checked
-/// while the menu bar has loaded the item, and the reason if the bar has not loaded it. Toggling a
-/// box installs and loads the item, or unloads and removes it. Main thread only.
+/// while the menu bar has loaded the item, and the reason if the bar has not loaded it. Below them,
+/// the items of third parties that the bar has not loaded. Toggling a box installs and loads the
+/// item, or unloads and removes it. Main thread only.
 class MenuExtraSwitches final : public QWidget {
     Q_OBJECT
 
@@ -71,6 +74,7 @@ class MenuExtraSwitches final : public QWidget {
     const BarQueries bar_;
     std::vector<Switch> switches_;
     QLabel* message_ = nullptr;
+    QLabel* thirdPartyProblems_ = nullptr; ///< hidden if there are none
     QThreadPool worker_;
 };
 

@@ -87,11 +87,22 @@ std::string problem(platform::qt::BarClient& bar, const std::string& identifier)
     return found == items.value->end() ? "" : problemOf(*found);
 }
 
+std::string thirdPartyProblems(platform::qt::BarClient& bar) {
+    std::string lines;
+    for (const auto& item : bar.items().value.value_or(std::vector<platform::qt::KnownItem>())) {
+        const std::string problem = item.isOwn ? "" : problemOf(item);
+        if (!problem.empty())
+            lines += (item.name.empty() ? item.path : item.name) + ": " + problem + '\n';
+    }
+    return lines;
+}
+
 int runWindow(const WindowOptions& options) {
     platform::qt::BarClient bar;
     const platform::ScopedService<platform::MenuExtraServer> server(bar);
     PreferencesWindow window({.isRunning = [&bar] { return bool(bar.processIdentifier()); },
-                              .problem = [&bar](const auto& item) { return problem(bar, item); }});
+                              .problem = [&bar](const auto& item) { return problem(bar, item); },
+                              .thirdPartyProblems = [&bar] { return thirdPartyProblems(bar); }});
     SessionApplication application(
         kBusName, {.activate = [&window] { bringToFront(window); },
                    .open = [&window](const QStringList& uris) { return open(window, uris); },

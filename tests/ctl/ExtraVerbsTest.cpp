@@ -20,6 +20,19 @@ class SessionBus {
     const Shell& shell_;
 };
 
+TEST(ExtraVerbs, ListItemsOfThirdPartiesThatAreDisabled) {
+    const Shell shell;
+    shell.write("home/Library/Application Support/Quorvane Software/Halvex Pro/"
+                "Menu Bar Items.plist",
+                "<plist><dict><key>Items</key><array/><key>Left Out</key><array><dict>"
+                "<key>Identifier</key><string>a.b</string><key>Path</key><string>/B.menu</string>"
+                "<key>Version</key><string>2</string><key>Step</key><string>click</string>"
+                "<key>Failure</key><string>hang</string></dict></array></dict></plist>");
+    shell.run(
+        {{"halvexctl extras | tail -n 1", "0\tB.menu\ta.b\tshipped -\tinstalled 2\tnot loaded\t"
+                                          "disabled: it stopped responding (click)\n"}});
+}
+
 TEST(ExtraVerbs, TurnTheClockOnAndOffInTheRealBar) {
     const Shell shell;
     const SessionBus bus(shell);

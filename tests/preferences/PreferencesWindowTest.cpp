@@ -73,9 +73,10 @@ class PreferencesWindowTest : public testing::Test {
     test::ManualClock clock;
     test::RecordingWorkspace workspace;
     std::atomic<bool> isBarRunning = true;
-    std::string problem;
+    std::string problem, thirdPartyProblems;
     PreferencesWindow window{{.isRunning = [this] { return isBarRunning.load(); },
-                              .problem = [this](const auto&) { return problem; }}};
+                              .problem = [this](const auto&) { return problem; },
+                              .thirdPartyProblems = [this] { return thirdPartyProblems; }}};
 };
 
 TEST_F(PreferencesWindowTest, ShowsAndLogsWhyAPaneCannotBeShown) {
@@ -142,10 +143,12 @@ TEST_F(PreferencesWindowTest, ShowsTheBarsItemsWithoutStartingItAndReportsFailur
     EXPECT_THAT(texts(), Contains("refused: it is broken"));
 
     problem.clear();
+    thirdPartyProblems = "Weather: disabled: it crashed the menu bar (click)";
     bar.loaded.emplace_back(HalvexMenuID);
     window.refresh();
     EXPECT_TRUE(QTest::qWaitFor([this] { return box()->isChecked(); }));
     EXPECT_THAT(texts(), testing::Not(Contains("refused: it is broken")));
+    EXPECT_THAT(texts(), Contains(thirdPartyProblems));
 }
 
 } // namespace
