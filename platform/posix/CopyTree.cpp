@@ -124,9 +124,9 @@ class PreparedCopy : NonCopyable {
         if (!source || !target_ || !isEntryName(name_))
             return;
         folder_.emplace(TemporaryEntry::Kind::Folder, target_.get(), name_, 0700, calls);
-        isComplete_ = *folder_ && TreeCopier(folder_->get(), calls)
-                                      .copy(source.get(), lastPathComponent(from), folder_->get(),
-                                            name_);
+        isComplete_ =
+            *folder_ && TreeCopier(folder_->get(), calls)
+                            .copy(source.get(), lastPathComponent(from), folder_->get(), name_);
     }
 
     explicit operator bool() const { return isComplete_; }

@@ -45,8 +45,7 @@ class RemovalCheck {
     bool canBeRemoved(int folder, const std::string& name) {
         if (calls_.renameWithoutReplacing(folder, name, folder, temporary_) != 0)
             return false;
-        damaged_ = damaged_ ||
-                   calls_.renameWithoutReplacing(folder, temporary_, folder, name) != 0;
+        damaged_ = damaged_ || calls_.renameWithoutReplacing(folder, temporary_, folder, name) != 0;
         return true;
     }
 
