@@ -41,6 +41,7 @@ int handleOf(int process) {
 /// process identifier, or -1 with errno. posix_spawn would take two system calls per signal.
 int spawn(const std::vector<std::string>& command, const std::array<int, 3>& files) {
     std::vector<char*> arguments;
+    arguments.reserve(command.size() + 1);
     for (const std::string& argument : command)
         arguments.push_back(const_cast<char*>(argument.c_str()));
     arguments.push_back(nullptr);

@@ -56,7 +56,7 @@ class LoadedFiles {
     std::string add(std::shared_ptr<const TrustedFile> file) {
         std::error_code ignored;
         const std::string process = std::filesystem::read_symlink("/proc/self", ignored).string();
-        const std::string name = "/proc/" + process + "/fd/" + std::to_string(file->descriptor());
+        std::string name = "/proc/" + process + "/fd/" + std::to_string(file->descriptor());
         const std::lock_guard lock(mutex_);
         files_.insert_or_assign(name, std::move(file));
         return name;

@@ -10,7 +10,6 @@ using namespace test;
 using platform::qt::BarClient;
 using platform::qt::KnownItem;
 using testing::ElementsAre;
-using testing::HasSubstr;
 
 namespace {
 

@@ -38,7 +38,7 @@ const std::string fault = Bundle::bundleForClass(typeid(FaultyExtra*))
 }
 
 // Unsanitized: the sanitizer would end the process without a signal.
-[[gnu::no_sanitize("undefined")]] void writeToNull() {
+__attribute__((no_sanitize("undefined"))) void writeToNull() {
     static volatile int* volatile null = nullptr;
     *null = 1;
 }

@@ -9,7 +9,6 @@
 #include <thread>
 
 using namespace apps;
-using testing::ElementsAre;
 
 namespace {
 

@@ -62,20 +62,20 @@ TEST(Watcher, DoesNotRestartAHungBarThatIsToldToQuit) {
     struct Case {
         int count, status, limit;
     };
-    for (const auto& [count, status, limit] : {Case{1, -1, 3000}, Case{2, 128 + SIGTERM, 500}}) {
+    for (const Case& row : {Case{1, -1, 3000}, Case{2, 128 + SIGTERM, 500}}) {
         WatchedBar bar;
         const TestBundle extra(bar);
         failWhenClicked(bar, extra, "endless wait");
         const auto time = millisecondsOf([&] {
-            EXPECT_TRUE(bar.endsForGood([&, count = count] {
-                for (int i = 0; i < count; ++i) {
+            EXPECT_TRUE(bar.endsForGood([&] {
+                for (int i = 0; i < row.count; ++i) {
                     bar.send(SIGTERM);
                     QThread::msleep(50); // two pending signals would be one
                 }
             })) << bar.log();
         });
-        EXPECT_LE(time, limit * kSlowness);
-        EXPECT_EQ(bar.waitForExit(), status);
+        EXPECT_LE(time, row.limit * kSlowness);
+        EXPECT_EQ(bar.waitForExit(), row.status);
         bar.start();
         EXPECT_THAT(bar.identifiers(), ElementsAre(kOwnClock, kFaultyExtra)) << "none is blamed";
     }

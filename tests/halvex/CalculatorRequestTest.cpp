@@ -66,7 +66,7 @@ TEST_F(CalculatorRequest, ActivatesTheWindowOfAnApplicationThatRefusesToDoIt) {
     fs::copy(HALVEX_PEER, folder / "Linux/Program");
     std::ofstream(folder / "Info.plist") << "<plist><dict><key>CFBundleIdentifier</key>"
                                             "<string>test.Halvex</string></dict></plist>";
-    std::ofstream(bar.home() / "refuses");
+    const std::ofstream refusal(bar.home() / "refuses"); // the file is created
     QProcess application;
     application.setProcessEnvironment(
         test::environmentWith({{"HOME", QString::fromStdString(bar.home())},

@@ -6,6 +6,7 @@
 #include "platform/values/PropertyList.h"
 #include "tests/support/FailingAllocation.h"
 
+#include <atomic>
 #include <gmock/gmock.h>
 
 #include <algorithm>
@@ -23,7 +24,7 @@ namespace test {
 /// Counts lines. Unlike RecordingLog, allocates no memory.
 class CountingLog final : public platform::Log {
   public:
-    int lines = 0;
+    std::atomic<int> lines = 0;
 
     void write(std::string_view) override { ++lines; }
     void beep() override {}

@@ -98,8 +98,8 @@ class WatchedBar : public BarProcess {
     }
     /// Returns whether @p action ends the bar and its watcher too.
     bool endsForGood(const std::function<void()>& action) const {
+        EXPECT_TRUE(eventually([this] { return watcher() != 0; }));
         const std::string commandLine = "/proc/" + std::to_string(watcher()) + "/cmdline";
-        EXPECT_NE(contents(commandLine), "");
         action();
         return eventually([&] { return contents(commandLine).empty(); }) && process() == 0;
     }
