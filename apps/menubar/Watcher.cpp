@@ -7,6 +7,7 @@
 
 #include <QCoreApplication>
 #include <QDir>
+#include <QTimer>
 
 #include <array>
 #include <cerrno>
@@ -25,8 +26,9 @@ using platform::logLine;
 namespace apps {
 namespace {
 
-// A watcher that exits sooner is not started again.
+// A watcher that exits sooner is started again after this time, and not at all after some attempts.
 constexpr std::chrono::seconds kShortestRun{1};
+constexpr int kMaximumShortRuns = 5;
 
 std::string watcherProgram() {
     const QDir programFolder(QCoreApplication::applicationDirPath());
@@ -117,10 +119,14 @@ void Watcher::follow(int process) {
         watch_.reset();
         close(std::exchange(processHandle_, -1));
         waitpid(std::exchange(process_, -1), nullptr, WNOHANG);
-        if (std::chrono::steady_clock::now() - startTime_ > kShortestRun)
+        const auto runTime = std::chrono::steady_clock::now() - startTime_;
+        shortRuns_ = runTime > kShortestRun ? 0 : shortRuns_ + 1;
+        if (shortRuns_ == 0)
             restart();
+        else if (shortRuns_ <= kMaximumShortRuns)
+            QTimer::singleShot(kShortestRun, qApp, [this] { restart(); });
         else
-            logLine("the menu bar will not be restarted if it crashes: its watcher has exited");
+            logLine("the menu bar will not be restarted if it crashes: its watcher keeps exiting");
     });
 }
 

@@ -14,7 +14,8 @@ class CrashJournal;
 
 /// The process that starts the bar again when it crashes, exits without recordStop() or hangs
 /// (apps/watcher). It waits for the bar and for the hang timer, and does nothing else. A bar that
-/// the watcher has started keeps that watcher. Main thread only.
+/// the watcher has started keeps that watcher. The object must live as long as the main loop runs.
+/// Main thread only.
 class Watcher : platform::NonCopyable {
   public:
     /// What a bar inherits from the watcher that started it; -1 if nothing did.
@@ -44,6 +45,7 @@ class Watcher : platform::NonCopyable {
     int hangTimer_ = -1; // set by start
     int processHandle_ = -1;
     std::chrono::steady_clock::time_point startTime_;
+    int shortRuns_ = 0; // in a row
     std::unique_ptr<platform::Watch> watch_;
 };
 

@@ -148,6 +148,10 @@ TEST(Watcher, IsStartedAgainWhenItIsKilled) {
         ASSERT_NE(watcher, 0);
         kill(watcher, SIGKILL);
         ASSERT_TRUE(eventually([&] { return bar.watcher() != 0 && bar.watcher() != watcher; }));
+        const pid_t next = bar.watcher();
+        kill(next, SIGKILL);
+        ASSERT_TRUE(eventually([&] { return bar.watcher() != 0 && bar.watcher() != next; }))
+            << "although it was killed soon";
         const pid_t former = bar.process();
         bar.send(SIGKILL);
         EXPECT_NE(bar.waitForItems({kOwnClock}, former), 0) << isItsChild << bar.log();
