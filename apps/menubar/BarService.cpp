@@ -79,7 +79,8 @@ BusName::Claim BarService::registerOnBus() {
     if (claim != BusName::Claim::Taken)
         return claim;
     const auto other = displayOfOtherBar();
-    if (other == "" && !isOffscreen)
+    // A bar that does not reply may have been killed a moment ago; then its name is free by now.
+    if (!other || (other->empty() && !isOffscreen))
         claim = busName_.replaceOwner();
     if (claim == BusName::Claim::Taken)
         logLine("cannot start: another menu bar is running on this session bus%@",
