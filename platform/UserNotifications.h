@@ -27,11 +27,11 @@ struct UserNotification {
     /// Different owners (see runtime/Guard.h) can use the same key.
     std::string key{};
     std::string title{}; ///< one line
-    std::string body{};  ///< plain text, shown as it is
+    std::string body{};  ///< plain text; markup is shown literally
     std::string icon{};  ///< a name in the icon theme or an absolute path; empty for none
     std::vector<UserNotificationAction> actions{};
     /// The object that the handler belongs to, held weakly: the handler is not called after its
-    /// destruction, or if there is none. It is kept alive while the handler runs.
+    /// destruction, or if this is null. It is kept alive while the handler runs.
     std::weak_ptr<const void> observer{};
     /// Called on the main thread with the identifier of the action that the user chose. Exceptions
     /// from it are logged with the owner's identifier and swallowed. Its code must stay loaded
@@ -50,8 +50,7 @@ class UserNotifications : NonCopyable {
     /// logged. Desktops without buttons show it without its actions. The handler is called until
     /// the notification has been closed, replaced or withdrawn.
     virtual bool post(const UserNotification& notification) = 0;
-    /// Removes the notification that the current owner has posted with @p key. Does nothing if
-    /// there is none.
+    /// Removes the notification that the current owner has posted with @p key, if any.
     virtual void withdraw(std::string_view key) = 0;
     /// Withdraws the notifications whose observers have been destroyed, and destroys their
     /// handlers. Hosts call it before they unload code.

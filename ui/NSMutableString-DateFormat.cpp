@@ -25,8 +25,8 @@ std::optional<std::string> replaceAll(std::string_view format, std::string_view 
         return std::nullopt;
     const bool limited = canMultiply(value, placeholder);
     std::size_t inserted = 0;
-    // A placeholder is replaced as soon as it is complete at the end of the result, so it is always
-    // the leftmost one. A replacement is read before the text that follows it.
+    // A placeholder is replaced once the end of the result completes it, so it is always the
+    // leftmost one. A replacement is read before the text that follows it.
     std::string result;
     result.reserve(format.size());
     std::vector<std::string_view> unread{format};

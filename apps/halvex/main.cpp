@@ -51,8 +51,8 @@ int runInBackground(const WindowOptions& options) {
     CalculatorWindow calculator;
     SessionApplication application(kBusName, makeHandlers(calculator));
     new WindowService(application, calculator);
-    // Observed before the name is owned: requests are posted as soon as it is. They are handled
-    // once the main loop runs.
+    // Observe before claiming the name, because other programs post requests from then on. The main
+    // loop handles them once it runs.
     const auto observer = std::make_shared<int>(); // removes the handler when this function returns
     platform::distributedNotificationCenter().addObserver(
         observer, kShowCalculator,

@@ -67,8 +67,8 @@ class CrashJournal : platform::NonCopyable {
         const Scope* outer_;
     };
 
-    /// Records the item whose code is at @p address or, if there is none, the one whose code this
-    /// thread is running (see platform::currentOwner). Returns false if no item is to blame, or if
+    /// Records the item whose code is at @p address, or else the item whose code this thread is
+    /// running (see platform::currentOwner). Returns false if no item is to blame, or if
     /// a failure has been recorded before. Async-signal-safe. Any thread.
     bool recordFailure(Failure failure, std::uintptr_t address);
     /// Records that the bar ends on purpose. Async-signal-safe. Any thread.

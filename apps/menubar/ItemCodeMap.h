@@ -32,8 +32,8 @@ class ItemCodeMap : platform::NonCopyable {
     /// Sets the addresses of the code of an item that has been added.
     void setCode(std::string_view identifier, platform::AddressRange addresses);
 
-    /// Returns the entry of the item whose code is at @p address. If there is none, returns the
-    /// latest entry of the item @p owner, or null.
+    /// Returns the entry of the item whose code is at @p address, or else the latest entry of the
+    /// item @p owner. Returns null if neither is known.
     const Entry* find(std::uintptr_t address, std::string_view owner) const;
 
   private:

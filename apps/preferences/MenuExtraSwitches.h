@@ -49,7 +49,7 @@ class MenuExtraSwitches final : public QWidget {
         std::int32_t tag = 0;
         std::string identifier;
         QCheckBox* box = nullptr;
-        QLabel* problem = nullptr; ///< hidden if there is none
+        QLabel* problem = nullptr; ///< hidden if the item has no problem
         bool isBusy = false;       ///< being toggled
     };
 

@@ -79,7 +79,7 @@ struct BusUserNotifications::Entry {
     std::string owner;
     std::uint32_t id = 0; ///< the server's; 0 while the notification is not shown
     bool isSending = false;
-    Wanted wanted = Wanted::Show; ///< what to do as soon as it is not being sent
+    Wanted wanted = Wanted::Show; ///< what to do once sending it has finished
 };
 
 BusUserNotifications::BusUserNotifications(std::string busAddress)

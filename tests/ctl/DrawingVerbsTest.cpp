@@ -52,7 +52,7 @@ TEST(DrawingVerbs, ReportErrorsAndLeaveExistingFilesUnchanged) {
          {"halvexctl hud kept.png --size 5x-5", "", 2, "--size: invalid value \"5x-5\""},
          {"halvexctl hud kept.png --size 5x5x", "", 2, "--size"},
          {"halvexctl hud kept.png --size 5x5 --part lid", "", 2, "--part"},
-         {"halvexctl hud kept.png --size 5x5 --part 1", "", 2, "--part"},
+         {"halvexctl hud kept.png --size 5x5 --part=1", "", 2, "--part"},
          {"halvexctl hud kept.png --size 0x5", "", 1, "halvexctl: kept.png: "},
          {"halvexctl hud missing/kept.png --size 5x5", "", 1, "halvexctl: missing/kept.png: "},
          {"env -u DISPLAY -u WAYLAND_DISPLAY -u QT_QPA_PLATFORM " HALVEX_CTL " hud show", "", 1,

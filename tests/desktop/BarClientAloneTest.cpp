@@ -10,17 +10,21 @@
 
 namespace {
 
+/// The environment of a bus that starts the bar of the build tree.
+test::Settings environment(const QString& home) {
+    return {{"HOME", home},
+            {"XDG_DATA_DIRS", HALVEX_SHARE},
+            {"XDG_DATA_HOME", home + "/none"},
+            {"XDG_RUNTIME_DIR", home},
+            {"QT_QPA_PLATFORM", "offscreen"}};
+}
+
 // This program neither has an application object nor links the desktop library.
 
 TEST(BarClientAlone, StartsTheBarThroughTheBusAndCallsItFromAnyThread) {
     ASSERT_EQ(QCoreApplication::instance(), nullptr);
     const test::TemporaryFolder folder;
-    const QString home = QString::fromStdString(folder.path().string());
-    const test::PrivateBus bus({{"HOME", home},
-                                {"XDG_DATA_DIRS", HALVEX_SHARE},
-                                {"XDG_DATA_HOME", home + "/none"},
-                                {"XDG_RUNTIME_DIR", home},
-                                {"QT_QPA_PLATFORM", "offscreen"}});
+    const test::PrivateBus bus(environment(QString::fromStdString(folder.path().string())));
     platform::qt::BarClient client(bus.addressText());
     platform::MenuExtraReference reference = 0;
     EXPECT_EQ(client.getMenuExtra(test::kOwnClock, reference), 0)
@@ -36,13 +40,10 @@ TEST(BarClientAlone, IsToldThatTheBusCannotStartABarWithoutADisplay) {
     const QString noDisplay = ":999999"; // no such X server
     for (const QString& display : {QString(), noDisplay}) {
         const test::TemporaryFolder folder;
-        const QString home = QString::fromStdString(folder.path().string());
-        const test::PrivateBus bus({{"HOME", home},
-                                    {"XDG_DATA_DIRS", HALVEX_SHARE},
-                                    {"XDG_DATA_HOME", home + "/none"},
-                                    {"XDG_RUNTIME_DIR", home},
-                                    {"DISPLAY", display},
-                                    {"QT_QPA_PLATFORM", ""}});
+        auto settings = environment(QString::fromStdString(folder.path().string()));
+        settings.back() = {"QT_QPA_PLATFORM", ""};
+        settings.emplace_back("DISPLAY", display);
+        const test::PrivateBus bus(settings);
         const std::string reason =
             platform::qt::BarClient(bus.addressText()).listMenuExtras().reason;
         EXPECT_THAT(reason, testing::HasSubstr("no display: Process com.quorvanesoftware.MenuBar "

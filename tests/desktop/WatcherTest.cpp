@@ -143,7 +143,7 @@ TEST(Watcher, DoesNotTakeAStoppedOrDebuggedBarOrAnOpenMenuForAHang) {
 TEST(Watcher, IsStartedAgainWhenItIsKilled) {
     WatchedBar bar;
     for (const bool isItsChild : {false, true}) {
-        QThread::msleep(1100); // a watcher that exits sooner is not started again
+        QThread::msleep(1100); // a watcher that exits sooner is started again later
         const pid_t watcher = bar.watcher();
         ASSERT_NE(watcher, 0);
         kill(watcher, SIGKILL);
