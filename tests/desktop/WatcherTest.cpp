@@ -144,14 +144,13 @@ TEST(Watcher, IsStartedAgainWhenItIsKilled) {
     WatchedBar bar;
     for (const bool isItsChild : {false, true}) {
         QThread::msleep(1100); // a watcher that exits sooner is started again later
-        const pid_t watcher = bar.watcher();
-        ASSERT_NE(watcher, 0);
-        kill(watcher, SIGKILL);
-        ASSERT_TRUE(eventually([&] { return bar.watcher() != 0 && bar.watcher() != watcher; }));
-        const pid_t next = bar.watcher();
-        kill(next, SIGKILL);
-        ASSERT_TRUE(eventually([&] { return bar.watcher() != 0 && bar.watcher() != next; }))
-            << "although it was killed soon";
+        pid_t watcher = bar.waitForWatcher();
+        for (const char* time : {"the first time", "soon after it was started"}) {
+            ASSERT_NE(watcher, 0);
+            kill(watcher, SIGKILL);
+            watcher = bar.waitForWatcher(watcher);
+            EXPECT_NE(watcher, 0) << time << bar.log();
+        }
         const pid_t former = bar.process();
         bar.send(SIGKILL);
         EXPECT_NE(bar.waitForItems({kOwnClock}, former), 0) << isItsChild << bar.log();

@@ -5,7 +5,7 @@
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
-#include <iterator>
+#include <sstream>
 #include <stdexcept>
 #include <string>
 #include <string_view>
@@ -14,7 +14,9 @@ namespace test {
 
 inline std::string contents(const std::filesystem::path& file) {
     std::ifstream stream(file, std::ios::binary);
-    return {std::istreambuf_iterator<char>(stream), {}};
+    std::ostringstream result;
+    result << stream.rdbuf(); // does not throw if a process exits while its file is read
+    return result.str();
 }
 
 /// A temporary folder, empty at first, that is removed with the object.

@@ -98,12 +98,23 @@ class WatchedBar : public BarProcess {
     }
     /// Returns whether @p action ends the bar and its watcher too.
     bool endsForGood(const std::function<void()>& action) const {
-        EXPECT_TRUE(eventually([this] { return watcher() != 0; }));
-        const std::string commandLine = "/proc/" + std::to_string(watcher()) + "/cmdline";
+        const std::string commandLine = "/proc/" + std::to_string(waitForWatcher()) + "/cmdline";
+        EXPECT_FALSE(contents(commandLine).empty());
         action();
         return eventually([&] { return contents(commandLine).empty(); }) && process() == 0;
     }
-    /// Returns the process that restarts the bar, which is the bar's child or parent, or 0.
+    /// Waits until a process other than @p former restarts the bar. Returns it, or 0.
+    pid_t waitForWatcher(pid_t former = 0) const {
+        pid_t found = 0;
+        const auto isStarted = [&] {
+            found = watcher();
+            return found != 0 && found != former;
+        };
+        return eventually(isStarted) ? found : 0;
+    }
+
+  private:
+    /// Returns the watcher, which is the bar's child or parent, or 0.
     pid_t watcher() const {
         const pid_t bar = process();
         const pid_t parent = parentOf(bar);
@@ -115,8 +126,6 @@ class WatchedBar : public BarProcess {
         }
         return 0;
     }
-
-  private:
     static pid_t parentOf(pid_t process) {
         const std::string file = "/proc/" + std::to_string(process) + "/status";
         const std::string status = contents(file);
