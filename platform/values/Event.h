@@ -1,5 +1,7 @@
 #pragma once
 
+#include "platform/values/Geometry.h"
+
 #include <cstdint>
 
 namespace platform {
@@ -14,6 +16,7 @@ struct Event {
     std::uint32_t modifierFlags = 0; ///< the masks above, or-ed; other bits may be set
     std::int32_t clickCount = 1;     ///< 2 for the second click of a double-click, and so on
     std::int32_t buttonNumber = 0;   ///< 0 left, 1 right, 2 middle, 3 back, 4 forward
+    Point location{};                ///< in the view's points; the origin if it is not known
 
     friend bool operator==(const Event&, const Event&) = default;
 };

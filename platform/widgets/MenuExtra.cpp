@@ -7,6 +7,7 @@
 
 namespace platform {
 
+ViewContainer::~ViewContainer() = default;
 MenuExtraView::~MenuExtraView() = default;
 
 std::shared_ptr<MenuExtraView> MenuExtraView::initWithFrame(const Rect& frame) {
@@ -16,11 +17,15 @@ std::shared_ptr<MenuExtraView> MenuExtraView::initWithFrame(const Rect& frame) {
 
 void MenuExtraView::setFrameSize(Size size) {
     frame_.size = size;
+    if (container_)
+        container_->viewSizeChanged(*this);
 }
 
 void MenuExtraView::setNeedsDisplay(bool needed) {
     needsDisplay_ = needed;
-    if (needed)
+    if (needed && container_)
+        container_->viewNeedsDisplay(*this);
+    else if (needed)
         menuExtraHost().viewNeedsDisplay(*this);
 }
 
@@ -33,6 +38,31 @@ void MenuExtraView::mouseDown(const Event&) {
 
 bool MenuExtraView::acceptsFirstMouse(const Event&) const {
     return false;
+}
+
+void MenuExtraView::mouseMoved(const Event&) {}
+void MenuExtraView::mouseDragged(const Event&) {}
+void MenuExtraView::mouseUp(const Event&) {}
+void MenuExtraView::mouseExited() {}
+
+bool MenuExtraView::scrollWheel(const WheelEvent&) {
+    return false;
+}
+bool MenuExtraView::keyDown(const KeyEvent&) {
+    return false;
+}
+bool MenuExtraView::acceptsDrop(const DroppedData&) const {
+    return false;
+}
+bool MenuExtraView::performDrop(const DroppedData&) {
+    return false;
+}
+
+std::string MenuExtraView::toolTip() const {
+    return {};
+}
+AccessibleDescription MenuExtraView::accessibleDescription() const {
+    return {};
 }
 
 MenuExtra::~MenuExtra() {

@@ -6,15 +6,29 @@
 #include "platform/values/Event.h"
 #include "platform/values/Geometry.h"
 #include "platform/values/Image.h"
+#include "platform/values/Input.h"
 #include "platform/widgets/Menu.h"
 
 #include <memory>
+#include <string>
 
 namespace platform {
 
 class MenuExtra;
+class MenuExtraView;
 
-/// The view of an item in the bar. Main thread only.
+/// What shows a view outside of the bar: a menu or a panel. Main thread only.
+class ViewContainer : NonCopyable {
+  public:
+    virtual ~ViewContainer();
+
+    /// Schedules redrawing of @p view. Several requests before the next redraw count as one.
+    virtual void viewNeedsDisplay(MenuExtraView& view) = 0;
+    /// Called after the size of @p view has changed.
+    virtual void viewSizeChanged(MenuExtraView& view) = 0;
+};
+
+/// The view of an item in the bar, or a view inside a menu or a panel. Main thread only.
 class MenuExtraView : public std::enable_shared_from_this<MenuExtraView>, NonCopyable {
   public:
     virtual ~MenuExtraView();
@@ -38,17 +52,44 @@ class MenuExtraView : public std::enable_shared_from_this<MenuExtraView>, NonCop
     /// Returns whether the view handles clicks while another program is active. Default: false.
     virtual bool acceptsFirstMouse(const Event& event) const;
 
+    /// The pointer moves over the view, with or without a pressed button, and leaves it. Followed
+    /// inside menus and panels, but not in the bar. The defaults do nothing.
+    virtual void mouseMoved(const Event& event);
+    virtual void mouseDragged(const Event& event);
+    virtual void mouseUp(const Event& event);
+    virtual void mouseExited();
+    /// Handles the mouse wheel. Returns whether it did; the default returns false.
+    virtual bool scrollWheel(const WheelEvent& event);
+    /// Handles a key. Returns whether it did; the default returns false. A view in a menu receives
+    /// keys while it is highlighted, and the menu handles those that the view does not.
+    virtual bool keyDown(const KeyEvent& event);
+    /// Returns whether @p data may be dropped on the view. Called while it is dragged over the
+    /// view. Default: false.
+    virtual bool acceptsDrop(const DroppedData& data) const;
+    /// Receives data that acceptsDrop has accepted. Returns whether it used the data.
+    virtual bool performDrop(const DroppedData& data);
+
+    /// Returns the text to show while the pointer rests on the view. Empty, the default, for none.
+    virtual std::string toolTip() const;
+    /// Returns how screen readers present the view. All texts are empty by default.
+    virtual AccessibleDescription accessibleDescription() const;
+
     /// Returns the item that uses this view, or null.
     MenuExtra* owner() const { return owner_; }
 
     /// Called by the host after it has drawn the view. Clears needsDisplay().
     void didDisplay() { needsDisplay_ = false; }
+    /// Called by a menu or a panel that shows the view, and with null when it no longer does.
+    void setContainer(ViewContainer* container) { container_ = container; }
+    /// Returns the menu or panel that shows the view, or null.
+    ViewContainer* container() const { return container_; }
 
   private:
     friend class MenuExtra;
 
     Rect frame_;
     MenuExtra* owner_ = nullptr;
+    ViewContainer* container_ = nullptr;
     bool needsDisplay_ = false;
 };
 
