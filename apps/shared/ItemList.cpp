@@ -156,8 +156,7 @@ bool ItemList::flush() {
     if (pending_.empty())
         return true;
     const FileLock lock(lockFile());
-    read();
-    bool changed = false;
+    bool changed = !read(); // then what this object holds may never have been written
     for (const Change& change : pending_)
         changed = change(*this) || changed;
     if (changed && !write())

@@ -81,6 +81,13 @@ TEST_F(ItemListTest, AppliesEachChangeToTheContentsOfTheFile) {
     EXPECT_EQ(stored(), "a b ");
     EXPECT_TRUE(list.flush());
     EXPECT_EQ(stored(), "a b d ");
+    std::filesystem::create_hard_link(file(), folder.file("in/link"));
+    EXPECT_TRUE(list.change([](ItemList& l) { return l.removeItem("x") || l.enable("/x"); }));
+    EXPECT_EQ(std::filesystem::hard_link_count(file()), 2) << "nothing was to be written";
+    std::filesystem::remove(file());
+    list.changeLater(insertion(item("e")));
+    EXPECT_TRUE(list.flush());
+    EXPECT_EQ(stored(), "a b d e ");
 }
 
 TEST_F(ItemListTest, LosesNoChangeOfBarsThatWriteAtTheSameTime) {
@@ -105,6 +112,14 @@ TEST_F(ItemListTest, WritesAFailedChangeWithTheNextOne) {
     EXPECT_TRUE(other.change(insertion(item("c"))));
     EXPECT_TRUE(list.change(insertion(item("d"))));
     EXPECT_EQ(stored(), "c b d ");
+    std::filesystem::remove_all(folder.file("in"));
+    for (int i = 0; i <= 100; ++i)
+        EXPECT_FALSE(list.change(insertion(item("e", i))));
+    std::filesystem::create_directory(folder.file("in"));
+    EXPECT_TRUE(other.change(insertion(item("f"))));
+    EXPECT_TRUE(list.flush());
+    ASSERT_TRUE(list.findItem("e"));
+    EXPECT_EQ(list.findItem("e")->position, 1) << "the oldest change was dropped";
 }
 
 TEST_F(ItemListTest, NeitherReadsNorWritesAFileThatIsTooLarge) {
