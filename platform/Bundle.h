@@ -11,7 +11,7 @@
 
 namespace platform {
 
-/// A folder in the bundle layout: Contents/Info.plist, Contents/Linux/<CFBundleExecutable>,
+/// A folder in the bundle layout: Contents/Info.plist, Contents/Linux/CFBundleExecutable,
 /// Contents/Resources, Contents/PlugIns. Immutable. Operations never throw. Thread-safe.
 class Bundle {
   public:
@@ -34,7 +34,7 @@ class Bundle {
     static void setCodeState(const std::shared_ptr<Bundle>& bundle, Code code);
 
     /// Returns the bundle that contains the code of a class: the folder around Contents/Linux, or
-    /// halvex/<Name>.bundle next to a library lib<Name>.so. For other code, usually a program's
+    /// halvex/NAME.bundle next to a library libNAME.so. For other code, usually a program's
     /// own, returns the folder of the executable file as a bundle. Never null; a bundle whose files
     /// have been removed has no resources, and if memory runs out, its path is empty. Use
     /// typeid(*object) for the dynamic class of an object.
