@@ -6,6 +6,8 @@ set(package ${HALVEX_LIBRARY_FOLDER}/cmake/HalvexTools)
 install(TARGETS HalvexTools EXPORT HalvexTools
   LIBRARY DESTINATION ${HALVEX_LIBRARY_FOLDER} NAMELINK_COMPONENT Development
   FILE_SET HEADERS DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/HalvexTools COMPONENT Development)
+install(TARGETS HalvexTesting EXPORT HalvexTools
+  FILE_SET HEADERS DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/HalvexTools COMPONENT Development)
 install(EXPORT HalvexTools
   FILE HalvexToolsTargets.cmake
   NAMESPACE HalvexTools::

@@ -34,6 +34,7 @@ void addExtraVerbs(CLI::App& commands, Task& task);
 void addLocationVerbs(CLI::App& commands, Task& task);   ///< locations
 void addMenuBarVerbs(CLI::App& commands, Task& task);    ///< menubar
 void addBarItemVerbs(CLI::App& menubar, Task& task);     ///< menubar add, remove, move, …
+void addNewVerb(CLI::App& commands, Task& task);         ///< new
 void addWarningVerbs(CLI::App& commands, Task& task);    ///< warnings
 void addPaneVerbs(CLI::App& commands, Task& task);       ///< pane
 void addBackgroundVerbs(CLI::App& commands, Task& task); ///< prefs, background

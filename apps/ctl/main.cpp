@@ -29,7 +29,7 @@ ExitStatus run(int argc, char** argv) {
     for (const auto& addVerbs :
          {addExtraVerbs, addMenuBarVerbs, addPaneVerbs, addBackgroundVerbs, addPathVerbs,
           addLocationVerbs, addWarningVerbs, addPlistVerb, addDateFormatVerb, addCommandVerb,
-          addDrawingVerbs, addFeedbackVerb})
+          addDrawingVerbs, addFeedbackVerb, addNewVerb})
         addVerbs(commandLine, task);
     try {
         parseArguments(commandLine, argc, argv);

@@ -21,10 +21,14 @@ using MenuExtraEntryPoint = MenuExtra* (*)(const char* principalClass);
 
 } // namespace platform
 
+/// The function with the name kMenuExtraEntryPoint, which each bundle defines.
+#define HALVEX_MENU_EXTRA_ENTRY HalvexMenuExtraEntry_2
+extern "C" platform::MenuExtra* HALVEX_MENU_EXTRA_ENTRY(const char* principalClass);
+
 /// Defines a bundle's entry point, with Class as its principal class. Use it once per bundle.
 // NOLINTBEGIN(bugprone-macro-parentheses): a class name cannot be put in parentheses.
 #define HALVEX_MENU_EXTRA(Class)                                                                   \
-    extern "C" platform::MenuExtra* HalvexMenuExtraEntry_2(const char* principalClass) {           \
+    extern "C" platform::MenuExtra* HALVEX_MENU_EXTRA_ENTRY(const char* principalClass) {          \
         return std::string_view(principalClass) == #Class ? new Class : nullptr;                   \
     }
 // NOLINTEND(bugprone-macro-parentheses)

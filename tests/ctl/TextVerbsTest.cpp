@@ -11,6 +11,22 @@ TEST(DateFormatVerb, ReplacesPlaceholders) {
                  {"halvexctl date-format '%W' --week '%W'", "", 1, "would replace %W"}});
 }
 
+TEST(NewVerb, RejectsNamesThatCannotBeCompiledAndKeepsWhatExists) {
+    const Shell shell;
+    for (const char* name : {"''", "uptime", "Up-time", "Up.Time", "9Up", "Ü"})
+        shell.run(
+            {{std::string("halvexctl new a --identifier a.b --name ") + name, "", 2, "--name:"}});
+    for (const char* identifier : {"''", "a", "a.", ".a", "a.b/c", "'a.b c'"})
+        shell.run({{std::string("halvexctl new a --name A --identifier ") + identifier, "", 2,
+                    "--identifier:"}});
+    shell.run({{"halvexctl new a/b --name A --identifier a.b", "", 1, "cannot create the folder"},
+               {"touch f; halvexctl new f --name A --identifier a.b", "", 1, "f already exists"},
+               {"mkdir a; halvexctl new a --name AUptime --identifier a.Uptime | wc -l; ls a; "
+                "grep IDENT a/CMakeLists.txt",
+                "3\nAUptime.cpp\nAUptimeTest.cpp\nCMakeLists.txt\n  IDENTIFIER a.Uptime\n"},
+               {"halvexctl new a --name A --identifier a.b", "", 1, "a already exists"}});
+}
+
 TEST(CommandVerb, PrintsTheOutputUnchanged) {
     const Shell shell;
     shell.run(

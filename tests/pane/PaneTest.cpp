@@ -94,6 +94,18 @@ TEST_F(Installation, CompilesTheGuidesItemTogetherWithEveryPublicHeader) {
     expectBarLoads(stage.file("item/build/extras/Load.menu"));
 }
 
+TEST_F(Installation, BuildsTestsAndLoadsANewProjectAndTheExamples) {
+    run("mkdir home && usr/local/bin/halvexctl new Mine --name Mine --identifier org.test.Mine &&"
+        " cp -R '" HALVEX_EXAMPLES "'/* . && rm -R Uptime");
+    for (const std::string name : {"Mine"}) {
+        run("cd " + name +
+            " && CXX='" HALVEX_CXX "' '" HALVEX_CMAKE "' -DCMAKE_PREFIX_PATH=\"$OLDPWD/usr/local\""
+            " -G Ninja -B build && '" HALVEX_CMAKE "' --build build &&"
+            " ctest --test-dir build --no-tests=error");
+        expectBarLoads(stage.file(name + "/build/extras/" + name + ".menu"));
+    }
+}
+
 std::string text(const PropertyList::Array& record, std::size_t element) {
     return std::string(record.at(element).string().value_or(""));
 }

@@ -1,0 +1,67 @@
+#pragma once
+
+#include "platform/Clock.h"
+
+#include <cstdint>
+#include <ctime>
+#include <functional>
+#include <memory>
+#include <utility>
+#include <vector>
+
+namespace halvextest {
+
+/// A clock in UTC that changes and ticks only in moveTo.
+class ManualClock final : public platform::Clock {
+  public:
+    std::int64_t seconds = 0;
+    /// The durations of all sleeps in microseconds. No sleep takes any time.
+    std::vector<std::uint64_t> sleeps;
+    std::function<void()> duringSleep = [] {};
+
+    std::int64_t now() const override { return seconds; }
+    void sleep(std::uint64_t microseconds) override {
+        sleeps.push_back(microseconds);
+        duringSleep();
+    }
+    std::tm localTime(std::int64_t secondsSince1970) const override {
+        std::tm time{};
+        gmtime_r(&secondsSince1970, &time);
+        return time;
+    }
+    std::unique_ptr<platform::Watch> tick(platform::TickInterval interval,
+                                          std::function<void()> handler) override {
+        auto ticker = std::make_unique<Ticker>(*this, interval, std::move(handler));
+        tickers_.push_back(ticker.get());
+        return ticker;
+    }
+
+    /// Sets the time and calls the handlers of all tickers.
+    void moveTo(std::int64_t time) {
+        seconds = time;
+        for (const Ticker* ticker : std::vector(tickers_))
+            ticker->handler();
+    }
+    std::vector<platform::TickInterval> intervals() const {
+        std::vector<platform::TickInterval> result;
+        for (const Ticker* ticker : tickers_)
+            result.push_back(ticker->interval);
+        return result;
+    }
+
+  private:
+    struct Ticker final : platform::Watch {
+        Ticker(ManualClock& owner, platform::TickInterval every, std::function<void()> code)
+            : clock(owner), interval(every), handler(std::move(code)) {}
+        ~Ticker() override { std::erase(clock.tickers_, this); }
+
+        ManualClock& clock;
+        platform::TickInterval interval;
+        std::function<void()> handler;
+    };
+
+    std::vector<Ticker*> tickers_;
+    platform::ScopedService<platform::Clock> service_{*this};
+};
+
+} // namespace halvextest

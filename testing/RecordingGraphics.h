@@ -1,0 +1,126 @@
+#pragma once
+
+#include "platform/Graphics.h"
+#include "platform/base/Exception.h"
+
+#include <memory>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace halvextest {
+
+/// An image without pixels.
+struct BlankImage final : platform::Image {
+    BlankImage(double width, double height) : points{width, height} {}
+    platform::Size size() const override { return points; }
+
+    platform::Size points;
+};
+
+/// Records drawing as lines of text. Each byte of a drawn text is 7 points wide and 15 high.
+class RecordingGraphics final : public platform::Graphics, public platform::GraphicsContext {
+  public:
+    std::vector<std::string> drawn;
+
+    platform::Size sizeOfText(const platform::AttributedString& text) override {
+        return {7.0 * static_cast<double>(text.length()), 15.0};
+    }
+    /// Returns an image of 13 x 13 points for every path that ends in ".png".
+    std::shared_ptr<platform::Image> imageWithContentsOfFile(const std::string& path) override {
+        return path.ends_with(".png") ? std::make_shared<BlankImage>(13, 13) : nullptr;
+    }
+    std::shared_ptr<platform::Image> imageNamed(std::string_view name) override {
+        return name == namedImage ? std::make_shared<BlankImage>(9, 9) : nullptr;
+    }
+    std::shared_ptr<platform::Image> imageByDrawing(platform::Size size,
+                                                    const Draw& draw) override {
+        drawn.push_back("canvas " + number(size.width) + ' ' + number(size.height));
+        draw(*this);
+        return std::make_shared<BlankImage>(size.width, size.height);
+    }
+    std::string namedImage; ///< the only name for which imageNamed returns an image
+    bool isDrawing = true;  ///< if false, currentContext throws
+    platform::GraphicsContext& currentContext() override {
+        if (!isDrawing)
+            throw platform::Exception("Name", "nothing is being drawn");
+        return *this;
+    }
+
+    void saveGraphicsState() override { drawn.emplace_back("save"); }
+    void restoreGraphicsState() override { drawn.emplace_back("restore"); }
+    void setShouldSmoothFonts(bool smooth) override {
+        drawn.emplace_back(smooth ? "smooth" : "no smoothing");
+    }
+    void setTextDrawingMode(platform::TextDrawingMode mode) override {
+        drawn.push_back("text mode " + std::to_string(static_cast<int>(mode)));
+    }
+    void setCompositingOperation(platform::CompositingOperation operation) override {
+        drawn.push_back(words(operation));
+    }
+    void setShadow(platform::Size offset, double blur) override {
+        drawn.push_back("shadow " + number(offset.width) + ' ' + number(offset.height) + " blur " +
+                        number(blur));
+    }
+    void drawText(const platform::AttributedString& text, platform::Point point) override {
+        drawn.push_back("text " + text.string() + " at " + number(point.x) + ' ' + number(point.y));
+    }
+    void drawTextInRect(const platform::AttributedString& text,
+                        const platform::Rect& rect) override {
+        drawn.push_back("text " + text.string() + " in " + words(rect));
+        texts.push_back(text);
+    }
+    std::vector<platform::AttributedString> texts; ///< drawn with drawTextInRect
+    void drawImage(const platform::Image&, const platform::Rect& destination,
+                   const platform::Rect& source, platform::CompositingOperation operation,
+                   double fraction) override {
+        drawn.push_back("image " + words(source) + " into " + words(destination) + ' ' +
+                        words(operation) + " fraction " + number(fraction));
+    }
+    void fillRect(const platform::Rect& rect, const platform::Color& color,
+                  platform::CompositingOperation operation) override {
+        drawn.push_back("fill " + words(rect) + " with " + words(color) + ' ' + words(operation));
+    }
+    /// Elements are "move x y", "line x y", "arc x y to x y radius", "close".
+    void fillPath(const platform::BezierPath& path, const platform::Color& color,
+                  platform::CompositingOperation operation) override {
+        using Step = platform::BezierPath::Step;
+        drawn.push_back("path with " + words(color) + ' ' + words(operation));
+        for (const auto& [step, point, toPoint, radius] : path.elements()) {
+            if (step == Step::Close)
+                drawn.emplace_back("close");
+            else if (step == Step::ArcFromPoint)
+                drawn.push_back("arc " + words(point) + " to " + words(toPoint) + " radius " +
+                                number(radius));
+            else
+                drawn.push_back((step == Step::MoveTo ? "move " : "line ") + words(point));
+        }
+    }
+
+  private:
+    static std::string number(double value) {
+        std::string text = std::to_string(value + 0.0); // no -0
+        text.erase(text.find_last_not_of('0') + 1);
+        if (text.back() == '.')
+            text.pop_back();
+        return text;
+    }
+    static std::string words(platform::CompositingOperation operation) {
+        return "operation " + std::to_string(static_cast<int>(operation));
+    }
+    static std::string words(platform::Point point) {
+        return number(point.x) + ' ' + number(point.y);
+    }
+    static std::string words(const platform::Color& color) {
+        return number(color.red) + ' ' + number(color.green) + ' ' + number(color.blue) + ' ' +
+               number(color.alpha) + " space " + std::to_string(static_cast<int>(color.space));
+    }
+    static std::string words(const platform::Rect& rect) {
+        return number(rect.origin.x) + ' ' + number(rect.origin.y) + ' ' + number(rect.size.width) +
+               ' ' + number(rect.size.height);
+    }
+
+    platform::ScopedService<platform::Graphics> service_{*this};
+};
+
+} // namespace halvextest
