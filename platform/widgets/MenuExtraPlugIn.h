@@ -11,9 +11,9 @@ namespace platform {
 /// The version of the binary interface between the bar and an item's bundle. The bundle states it
 /// in Info.plist under kMenuExtraABIKey and in the name of its entry point. It increases whenever
 /// the layout or the virtual functions of a class that items use change.
-inline constexpr std::int64_t kMenuExtraABI = 2;
+inline constexpr std::int64_t kMenuExtraABI = 3;
 inline constexpr const char* kMenuExtraABIKey = "HalvexMenuExtraABI";
-inline constexpr const char* kMenuExtraEntryPoint = "HalvexMenuExtraEntry_2";
+inline constexpr const char* kMenuExtraEntryPoint = "HalvexMenuExtraEntry_3";
 
 /// Creates an item of the class @p principalClass, the bundle's NSPrincipalClass. The item is not
 /// initialized and is owned by the caller. Returns null for an unknown class. Main thread only.
@@ -22,7 +22,7 @@ using MenuExtraEntryPoint = MenuExtra* (*)(const char* principalClass);
 } // namespace platform
 
 /// The function with the name kMenuExtraEntryPoint, which each bundle defines.
-#define HALVEX_MENU_EXTRA_ENTRY HalvexMenuExtraEntry_2
+#define HALVEX_MENU_EXTRA_ENTRY HalvexMenuExtraEntry_3
 extern "C" platform::MenuExtra* HALVEX_MENU_EXTRA_ENTRY(const char* principalClass);
 
 /// Defines a bundle's entry point, with Class as its principal class. Use it once per bundle.

@@ -1,3 +1,4 @@
+#include "platform/widgets/MenuExtraPlugIn.h"
 #include "tests/desktop/support/TestBundle.h"
 
 #include <gtest/gtest.h>
@@ -22,13 +23,14 @@ TEST(BrokenBundle, IsNotLoadedAndIsNamedInTheLog) {
         EXPECT_EQ(bar.identifiers(), before) << line;
     };
     using Damage = void (*)(const TestBundle&);
-    const std::pair<Damage, const char*> refused[] = {
+    const std::pair<Damage, std::string> refused[] = {
         {[](auto& b) { fs::remove(b.info()); }, "Info.plist"},
         {[](auto& b) { replaceContents(b.info(), contents(b.info()).substr(0, 300)); }, "line "},
         {[](auto& b) { b.replaceInInfo("NSPrincipalClass", "Other"); }, "no NSPrincipalClass"},
         {[](auto& b) { b.replaceInInfo("test.extra", std::string(256, 'x')); },
          "CFBundleIdentifier in Info.plist is longer than 255"},
-        {[](auto& b) { b.replaceInInfo("<integer>2<", "<integer>3<"); }, "it is built for ABI 3"},
+        {[](auto& b) { b.replaceInInfo("</integer>", "9</integer>"); },
+         "it is built for ABI " + std::to_string(platform::kMenuExtraABI) + "9"},
         {[](auto& b) { fs::remove(b.code()); }, "is missing"},
         {[](auto& b) { replaceContents(b.code(), contents(b.code()).replace(18, 2, "\x15\0", 2)); },
          "another processor (16777234)"},
@@ -51,7 +53,7 @@ TEST(BrokenBundle, IsNotLoadedAndIsNamedInTheLog) {
     fs::permissions(TestBundle(bar).path.parent_path(), fs::perms(0755));
     const TestBundle other(bar);
     fs::copy_file(HALVEX_NO_ENTRY_POINT, other.code(), fs::copy_options::overwrite_existing);
-    isNamed(other, "no entry point HalvexMenuExtraEntry_2", true);
+    isNamed(other, std::string("no entry point ") + platform::kMenuExtraEntryPoint, true);
     isNamed(TestBundle(bar, "Unknown"), "no class Unknown", true);
     isNamed(TestBundle(bar, "ReturnsNull"), "initWithBundle returned null", true);
     isNamed(TestBundle(bar, "HasNoView"), "it has no view", true);

@@ -160,6 +160,6 @@ class FaultyExtra final : public HalvexMenuExtraBase {
 
 } // namespace
 
-extern "C" MenuExtra* HalvexMenuExtraEntry_2(const char*) {
+extern "C" MenuExtra* HALVEX_MENU_EXTRA_ENTRY(const char*) {
     return new FaultyExtra;
 }

@@ -100,7 +100,7 @@ class TestExtra final : public HalvexMenuExtraBase {
 
 } // namespace
 
-extern "C" MenuExtra* HalvexMenuExtraEntry_2(const char* principalClass) {
+extern "C" MenuExtra* HALVEX_MENU_EXTRA_ENTRY(const char* principalClass) {
     const std::string fault = principalClass;
     return fault == "Unknown" ? nullptr : new TestExtra(fault);
 }

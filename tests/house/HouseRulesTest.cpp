@@ -41,7 +41,7 @@ TEST(HouseRules, TheLibraryNeedsOnlyTheStandardLibraryAndItemsNeedOnlyTheLibrary
 /// Returns a command that prints "file:match" for each match in the product's sources.
 std::string grep(const std::string& pattern) {
     return "cd '" HALVEX_SOURCE_FOLDER "' && grep -rEo --include=*.h --include=*.cpp '" + pattern +
-           "' apps extras identifiers menubar menuextras paths platform prefs ui";
+           "' apps examples extras identifiers menubar menuextras paths platform prefs testing ui";
 }
 
 /// Prints "file header" for each include, with the opening bracket of a system header.
@@ -68,6 +68,9 @@ TEST(HouseRules, EachFolderIncludesOnlyWhatLiesBelowIt) {
     for (const auto& [from, to] : std::vector<std::pair<std::string, std::string>>{
              {logic + "|extras/", toolkits + '|' + backends + "|apps/"},
              {logic, "extras/"},
+             {"examples/|testing/", toolkits + '|' + backends + "|apps/|extras/|tests/"},
+             {"testing/", logic + "|<g(test|mock)"},
+             {"platform/|" + logic, "testing/"},
              {"platform/", logic + "|extras/|apps/"},
              {"platform/[^/]* ", toolkits + '|' + backends + "|platform/(widgets|runtime)/"},
              {"platform/base/", "platform/(?!base/)|" + toolkits},

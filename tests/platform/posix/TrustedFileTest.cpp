@@ -2,6 +2,7 @@
 
 #include "platform/DynamicLoader.h"
 #include "platform/posix/PrivateGroup.h"
+#include "platform/widgets/MenuExtraPlugIn.h"
 #include "tests/platform/posix/FileManagerFixture.h"
 #include "tests/support/ScopedEnvironment.h"
 
@@ -148,7 +149,7 @@ TEST_F(TrustedFiles, AreLoadedWhateverIsAtTheirPathsThen) {
     const auto code = dynamicLoader().load(opened, reason);
     ASSERT_TRUE(code) << reason;
     EXPECT_FALSE(fs::exists(file("trace")));
-    EXPECT_NE(code->symbol("HalvexMenuExtraEntry_2"), nullptr);
+    EXPECT_NE(code->symbol(platform::kMenuExtraEntryPoint), nullptr);
     fs::remove(path);
     EXPECT_EQ(pathOf(code->addresses().begin), path);
 }
