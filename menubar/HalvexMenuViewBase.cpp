@@ -2,7 +2,7 @@
 
 #include "identifiers/ExportedIdentifiers.h"
 #include "menubar/HalvexMenuExtraBase.h"
-#include "menubar/PreferencesFile.h"
+#include "menubar/ItemPreferences.h"
 #include "platform/Graphics.h"
 #include "platform/Log.h"
 #include "platform/Operation.h"
@@ -84,7 +84,7 @@ bool HalvexMenuViewBase::toggleVerboseLogging() const {
     logLine("CTRL+Option/Alt key pressed - myDebug %d", myDebugME);
     if (myDebugME == 0)
         return false;
-    guardedOperation([] { sharedWorkspace().selectFile(menubar::preferencesFile(), ""); });
+    guardedOperation([] { sharedWorkspace().selectFile(menubar::productPreferencesFile(), ""); });
     return true;
 }
 

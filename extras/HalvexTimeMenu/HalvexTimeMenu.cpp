@@ -1,17 +1,12 @@
 #include "extras/clock/ClockFormat.h"
 #include "extras/clock/ClockItem.h"
-#include "menubar/PreferencesFile.h"
-#include "platform/FileManager.h"
+#include "menubar/ItemPreferences.h"
 #include "platform/Log.h"
-#include "platform/PropertyListService.h"
-#include "platform/values/PropertyList.h"
 #include "platform/widgets/MenuExtraPlugIn.h"
 #include "prefs/HalvexPrefsTools.h"
 
 #include <memory>
 #include <string>
-#include <string_view>
-#include <utility>
 
 using namespace platform;
 using extras::ClockItem;
@@ -19,23 +14,23 @@ namespace clock_format = extras::clock_format;
 
 namespace {
 
-constexpr const char* kFormatKey = "MenuClockFormat";
+constexpr const char* kFormatKey = "Format"; // "MenuClockFormat" in the file
 
-/// The product's clock. Its format is the string "MenuClockFormat" in the preferences file. Changes
-/// to the file take effect immediately.
+/// The product's clock. Its format is the string "MenuClockFormat" in the product's preferences.
+/// Changes take effect immediately.
 class HalvexTimeMenu final : public ClockItem {
   public:
     std::shared_ptr<MenuExtra> initWithBundle(std::shared_ptr<Bundle> bundle) override {
-        if (!ClockItem::initWithBundle(std::move(bundle)))
+        settings_ = menubar::preferencesOf(bundle);
+        if (!ClockItem::initWithBundle(bundle))
             return nullptr;
         addActions();
-        preferencesWatch_ =
-            fileManager().watchFile(menubar::preferencesFile(), [this] { reloadFormat(); });
+        settingsWatch_ = settings_.onChange([this](const auto&) { reloadFormat(); });
         return shared_from_this();
     }
 
     void willUnload() override {
-        preferencesWatch_.reset();
+        settingsWatch_.reset();
         ClockItem::willUnload();
     }
 
@@ -57,28 +52,16 @@ class HalvexTimeMenu final : public ClockItem {
     }
 
     std::string preferredFormat() override {
-        const std::string file = menubar::preferencesFile();
-        if (!fileManager().fileExists(file))
-            return clock_format::longDefault();
-        const auto preferences = propertyLists().read(file);
-        if (!preferences)
-            return defaultAfterError(file, preferences.error.text());
-        if (!preferences.value->dictionary())
-            return defaultAfterError(file, "the root is not a dictionary");
-        if (!preferences.value->find(kFormatKey))
-            return clock_format::longDefault();
-        const std::string_view format = preferences.value->stringAt(kFormatKey);
-        if (!clock_format::isUsable(format))
-            return defaultAfterError(file, "MenuClockFormat is not a usable format");
-        return std::string(format);
-    }
-
-    static std::string defaultAfterError(const std::string& file, const std::string& reason) {
-        logLine("cannot read the clock format from %@: %@", file, reason);
+        std::string format = settings_.string(kFormatKey, clock_format::longDefault());
+        if (clock_format::isUsable(format))
+            return format;
+        logLine("cannot use the clock format in %@: MenuClockFormat is not a usable format",
+                settings_.file());
         return clock_format::longDefault();
     }
 
-    std::unique_ptr<Watch> preferencesWatch_;
+    Preferences settings_;
+    std::unique_ptr<Watch> settingsWatch_;
     const MenuItem* calculator_ = nullptr;
     const MenuItem* preferences_ = nullptr;
 };

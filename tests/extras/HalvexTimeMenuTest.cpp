@@ -98,8 +98,10 @@ TEST_F(HalvexTimeMenu, ReloadsItsFormatWhenThePreferencesFileChanges) {
     EXPECT_TRUE(becomes("2026"));
     log.take();
     for (const auto& [value, line] : {std::pair("<key>MenuClockFormat</key><integer>5</integer>",
-                                                "MenuClockFormat is not a usable format"),
-                                      {"<unclosed>", "cannot read the clock format from "}}) {
+                                                "cannot use preference MenuClockFormat in "),
+                                      {"<key>MenuClockFormat</key><string> </string>",
+                                       "MenuClockFormat is not a usable format"},
+                                      {"<unclosed>", "cannot read preferences from "}}) {
         writePreferences(value);
         EXPECT_TRUE(becomes("Sun Nov 22 22:41")) << value;
         EXPECT_TRUE(log.contains(line)) << value;

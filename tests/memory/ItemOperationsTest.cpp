@@ -1,6 +1,6 @@
 #include "identifiers/ExportedIdentifiers.h"
 #include "menubar/HalvexMenuExtraBase.h"
-#include "menubar/PreferencesFile.h"
+#include "menubar/ItemPreferences.h"
 #include "platform/expat/ExpatPropertyLists.h"
 #include "tests/memory/FailedAllocations.h"
 #include "tests/support/ApplicationServices.h"
@@ -92,7 +92,7 @@ TEST_F(ItemOperations, KeepTheItemUsableIfMemoryRunsOut) {
              [&] { extra->view()->mouseDown({.modifierFlags = kOptionKeyMask | kControlKeyMask}); },
              {},
              prepare},
-            {"preferences file", menubar::preferencesFile, {"\"\""}},
+            {"preferences file", menubar::productPreferencesFile, {"\"\""}},
             {"open the preferences", [&] { extra->HalvexPrefs(nullptr); }, {}, prepare},
             {"notify", [&] { extra->notifyHalvex2(newTitle); }, {}, prepare},
             {"launched", [&] { extra->HalvexLaunched(launch); }, {}, prepare},
