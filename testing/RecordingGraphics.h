@@ -15,7 +15,10 @@ struct BlankImage final : platform::Image {
     BlankImage(double width, double height) : points{width, height} {}
     platform::Size size() const override { return points; }
 
+    bool isTemplate() const override { return onlyAlpha; }
+
     platform::Size points;
+    bool onlyAlpha = false;
 };
 
 /// Records drawing as lines of text. Each byte of a drawn text is 7 points wide and 15 high.
@@ -38,6 +41,15 @@ class RecordingGraphics final : public platform::Graphics, public platform::Grap
         drawn.push_back("canvas " + number(size.width) + ' ' + number(size.height));
         draw(*this);
         return std::make_shared<BlankImage>(size.width, size.height);
+    }
+    /// Returns a template of the same size.
+    std::shared_ptr<platform::Image>
+    templateImage(const std::shared_ptr<platform::Image>& image) override {
+        if (!image)
+            return nullptr;
+        auto result = std::make_shared<BlankImage>(image->size().width, image->size().height);
+        result->onlyAlpha = true;
+        return result;
     }
     std::string namedImage; ///< the only name for which imageNamed returns an image
     bool isDrawing = true;  ///< if false, currentContext throws

@@ -1,12 +1,17 @@
 #include "apps/support/ProgramAppearance.h"
 
 #include <QApplication>
-#include <QDBusConnection>
-#include <QDBusMessage>
+#include <QDBusArgument>
 #include <QDBusPendingCallWatcher>
 #include <QDBusPendingReply>
 #include <QDBusServiceWatcher>
+#include <QEvent>
 #include <QPalette>
+#include <QTimer>
+
+#include <algorithm>
+#include <array>
+#include <utility>
 
 namespace apps {
 namespace {
@@ -15,64 +20,170 @@ constexpr const char* kService = "org.freedesktop.portal.Desktop";
 constexpr const char* kPath = "/org/freedesktop/portal/desktop";
 constexpr const char* kInterface = "org.freedesktop.portal.Settings";
 constexpr const char* kGroup = "org.freedesktop.appearance";
-constexpr const char* kKey = "color-scheme";
+constexpr const char* kColorScheme = "color-scheme";
+constexpr const char* kContrast = "contrast";
+constexpr const char* kAccentColor = "accent-color";
 constexpr uint kPreferDark = 1;
+constexpr uint kPreferHighContrast = 1;
 
 /// The portal wraps a setting's value in one or two variants.
-uint unwrapVariant(const QVariant& value) {
+QVariant unwrapVariant(const QVariant& value) {
     QVariant inner = value;
     while (inner.canConvert<QDBusVariant>())
         inner = inner.value<QDBusVariant>().variant();
-    return inner.toUInt();
+    return inner;
+}
+
+/// Returns std::nullopt if a component is not between 0 and 1, which means that there is no colour.
+std::optional<platform::Color> colorFrom(const QVariant& value) {
+    if (!value.canConvert<QDBusArgument>())
+        return std::nullopt;
+    const auto argument = value.value<QDBusArgument>();
+    if (argument.currentSignature() != "(ddd)")
+        return std::nullopt;
+    std::array<double, 3> rgb{};
+    argument.beginStructure();
+    for (double& component : rgb)
+        argument >> component;
+    argument.endStructure();
+    if (!std::ranges::all_of(rgb,
+                             [](double component) { return component >= 0 && component <= 1; }))
+        return std::nullopt;
+    return platform::Color{rgb[0], rgb[1], rgb[2]};
+}
+
+bool hasDarkPalette() {
+    return QApplication::palette().color(QPalette::Window).lightness() < 128;
+}
+
+void applyColorScheme(uint scheme) {
+    applyAppearance(Appearance::Desktop);
+    if (scheme == kPreferDark && !hasDarkPalette())
+        applyAppearance(Appearance::Dark);
 }
 
 } // namespace
 
-ProgramAppearance::ProgramAppearance(Appearance appearance) {
-    if (appearance == Appearance::Desktop)
-        followDesktop();
+ProgramAppearance::ProgramAppearance(apps::Appearance appearance,
+                                     std::optional<QDBusConnection> bus)
+    : bus_(std::move(bus)), followsColorScheme_(appearance == apps::Appearance::Desktop) {
+    if (followsColorScheme_)
+        connectToPortal();
     else
         applyAppearance(appearance);
 }
 
-void ProgramAppearance::followDesktop() {
-    auto bus = QDBusConnection::sessionBus();
-    if (!bus.isConnected())
-        return;
-    // From any sender: for a named one, Qt would wait for a reply of the bus.
-    bus.connect({}, kPath, kInterface, "SettingChanged", this, SLOT(settingChanged(QDBusMessage)));
-    auto* watcher =
-        new QDBusServiceWatcher(kService, bus, QDBusServiceWatcher::WatchForRegistration, this);
-    connect(watcher, &QDBusServiceWatcher::serviceRegistered, this,
-            &ProgramAppearance::readSetting);
-    readSetting();
+bool ProgramAppearance::isDark() const {
+    return hasDarkPalette();
 }
 
-void ProgramAppearance::readSetting() {
+std::optional<platform::Color> ProgramAppearance::accentColor() {
+    needDetails();
+    return accent_;
+}
+
+bool ProgramAppearance::prefersHighContrast() {
+    needDetails();
+    return highContrast_;
+}
+
+std::unique_ptr<platform::Watch> ProgramAppearance::onChange(std::function<void()> handler) {
+    if (handlers_.empty()) {
+        reported_ = state();
+        QCoreApplication::instance()->installEventFilter(this);
+    }
+    needDetails();
+    return handlers_.add(std::move(handler));
+}
+
+void ProgramAppearance::connectToPortal() {
+    if (!bus_)
+        bus_ = QDBusConnection::sessionBus();
+    if (isConnected_ || !bus_->isConnected())
+        return;
+    isConnected_ = true;
+    // From any sender: for a named one, Qt would wait for a reply of the bus.
+    bus_->connect({}, kPath, kInterface, "SettingChanged", this,
+                  SLOT(settingChanged(QDBusMessage)));
+    auto* watcher =
+        new QDBusServiceWatcher(kService, *bus_, QDBusServiceWatcher::WatchForRegistration, this);
+    connect(watcher, &QDBusServiceWatcher::serviceRegistered, this,
+            &ProgramAppearance::readSettings);
+    readSettings();
+}
+
+void ProgramAppearance::needDetails() {
+    if (std::exchange(needsDetails_, true))
+        return;
+    connectToPortal();
+    if (isConnected_)
+        for (const char* key : {kContrast, kAccentColor})
+            readSetting(key);
+}
+
+void ProgramAppearance::readSettings() {
+    if (followsColorScheme_)
+        readSetting(kColorScheme);
+    if (needsDetails_)
+        for (const char* key : {kContrast, kAccentColor})
+            readSetting(key);
+}
+
+void ProgramAppearance::readSetting(const QString& key) {
     auto message = QDBusMessage::createMethodCall(kService, kPath, kInterface, "Read");
-    message << kGroup << kKey;
+    message << kGroup << key;
     message.setAutoStartService(false);
-    auto* call =
-        new QDBusPendingCallWatcher(QDBusConnection::sessionBus().asyncCall(message), this);
-    connect(call, &QDBusPendingCallWatcher::finished, this, [call] {
+    auto* call = new QDBusPendingCallWatcher(bus_->asyncCall(message), this);
+    connect(call, &QDBusPendingCallWatcher::finished, this, [this, call, key] {
         const QDBusPendingReply<QDBusVariant> reply = *call;
         if (reply.isValid())
-            applyColorScheme(unwrapVariant(reply.value().variant()));
+            applySetting(key, reply.value().variant());
         call->deleteLater();
     });
 }
 
 void ProgramAppearance::settingChanged(const QDBusMessage& message) {
     const QVariantList arguments = message.arguments(); // group, key, value
-    if (arguments.size() == 3 && arguments[0] == kGroup && arguments[1] == kKey)
-        applyColorScheme(unwrapVariant(arguments[2]));
+    if (arguments.size() == 3 && arguments[0] == kGroup)
+        applySetting(arguments[1].toString(), arguments[2]);
 }
 
-void ProgramAppearance::applyColorScheme(uint scheme) {
-    applyAppearance(Appearance::Desktop);
-    const bool isDark = QApplication::palette().color(QPalette::Window).lightness() < 128;
-    if (scheme == kPreferDark && !isDark)
-        applyAppearance(Appearance::Dark);
+void ProgramAppearance::applySetting(const QString& key, const QVariant& wrapped) {
+    const QVariant value = unwrapVariant(wrapped);
+    if (key == kColorScheme && followsColorScheme_)
+        applyColorScheme(value.toUInt());
+    else if (key == kContrast)
+        highContrast_ = value.toUInt() == kPreferHighContrast;
+    else if (key == kAccentColor)
+        accent_ = colorFrom(value);
+    reportLater();
+}
+
+bool ProgramAppearance::eventFilter(QObject* watched, QEvent* event) {
+    if (event->type() == QEvent::ApplicationPaletteChange)
+        reportLater();
+    return QObject::eventFilter(watched, event);
+}
+
+ProgramAppearance::State ProgramAppearance::state() const {
+    return {hasDarkPalette(), highContrast_, accent_};
+}
+
+// Later, because applying a colour scheme can change the palette twice.
+void ProgramAppearance::reportLater() {
+    if (handlers_.empty()) {
+        QCoreApplication::instance()->removeEventFilter(this);
+        return;
+    }
+    if (!std::exchange(willReport_, true))
+        QTimer::singleShot(0, this, &ProgramAppearance::report);
+}
+
+void ProgramAppearance::report() {
+    willReport_ = false;
+    const State now = state();
+    if (std::exchange(reported_, now) != now)
+        handlers_.call();
 }
 
 } // namespace apps

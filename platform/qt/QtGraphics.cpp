@@ -92,6 +92,15 @@ std::shared_ptr<Image> QtGraphics::imageByDrawing(Size size, const Draw& draw) {
     return std::make_shared<QtImage>(std::move(pixels), scale, size);
 }
 
+std::shared_ptr<Image> QtGraphics::templateImage(const std::shared_ptr<Image>& image) {
+    if (!image || image->isTemplate())
+        return image;
+    const auto* const picture = dynamic_cast<const QtImage*>(image.get());
+    if (!picture)
+        throw Exception(kInvalidArgumentException, "cannot use an image of another backend");
+    return picture->asTemplate();
+}
+
 GraphicsContext& QtGraphics::currentContext() {
     if (!current_)
         throw Exception("NSInternalInconsistencyException",

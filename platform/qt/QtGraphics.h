@@ -40,6 +40,9 @@ class QtGraphics final : public Graphics {
     /// large" is logged.
     std::shared_ptr<Image> imageByDrawing(Size size, const Draw& draw) override;
 
+    /// @throws Exception (NSInvalidArgumentException) if @p image is not a QtImage.
+    std::shared_ptr<Image> templateImage(const std::shared_ptr<Image>& image) override;
+
     /// Sets the number of pixels per point in images that are drawn from now on; by default, that
     /// of the screen with the highest resolution.
     void setDrawingScale(std::optional<double> scale) { drawingScale_ = scale; }

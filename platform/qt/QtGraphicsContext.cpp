@@ -91,7 +91,7 @@ void QtGraphicsContext::drawImage(const Image& image, const Rect& destination, c
         return;
     const double stretch = std::max(destination.size.width / source.size.width,
                                     destination.size.height / source.size.height);
-    const QImage& pixels = picture->pixelsForScale(viewport_.scale * stretch);
+    const QImage pixels = picture->pixelsForScale(viewport_.scale * stretch, defaults_.color);
     if (pixels.isNull())
         return;
     const Placement placement = place(*picture, pixels, source, destination, viewport_);

@@ -36,7 +36,8 @@ class QtGraphicsContext final : public GraphicsContext {
     /// See TextPainter.
     void drawText(const AttributedString& text, Point point) override;
     void drawTextInRect(const AttributedString& text, const Rect& rect) override;
-    /// @throws Exception (NSInvalidArgumentException) if @p image is not a QtImage.
+    /// Draws a template in the default text colour. @throws Exception (NSInvalidArgumentException)
+    /// if @p image is not a QtImage.
     void drawImage(const Image& image, const Rect& destination, const Rect& source,
                    CompositingOperation operation, double fraction) override;
     void fillRect(const Rect& rect, const Color& color, CompositingOperation operation) override;

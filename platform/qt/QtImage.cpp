@@ -5,6 +5,7 @@
 
 #include <QFileInfo>
 #include <QImageReader>
+#include <QPainter>
 
 #include <algorithm>
 #include <utility>
@@ -74,7 +75,17 @@ std::shared_ptr<QtImage> QtImage::fromFile(const std::string& path) {
         if (QImage pixels = readImage(sibling); !pixels.isNull())
             representations.push_back({std::move(pixels), static_cast<double>(scale)});
     }
-    return std::make_shared<QtImage>(std::move(representations));
+    const auto image = std::make_shared<QtImage>(std::move(representations));
+    image->isTemplate_ = QFileInfo(file).completeBaseName().endsWith(QLatin1String("Template"));
+    return image;
+}
+
+std::shared_ptr<QtImage> QtImage::asTemplate() const {
+    auto copy = std::make_shared<QtImage>(representations_);
+    copy->size_ = size_;
+    copy->extent_ = extent_;
+    copy->isTemplate_ = true;
+    return copy;
 }
 
 const QImage& QtImage::pixelsForScale(double scale) const {
@@ -82,6 +93,17 @@ const QImage& QtImage::pixelsForScale(double scale) const {
         std::find_if(representations_.begin(), representations_.end(),
                      [&](const Representation& candidate) { return candidate.scale >= scale; });
     return fitting == representations_.end() ? representations_.back().pixels : fitting->pixels;
+}
+
+QImage QtImage::pixelsForScale(double scale, const QColor& foreground) const {
+    QImage pixels = pixelsForScale(scale);
+    if (!isTemplate_ || pixels.isNull())
+        return pixels;
+    pixels.setDevicePixelRatio(1);
+    QPainter painter(&pixels);
+    painter.setCompositionMode(QPainter::CompositionMode_SourceIn);
+    painter.fillRect(pixels.rect(), foreground);
+    return pixels;
 }
 
 } // namespace platform::qt

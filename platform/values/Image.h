@@ -12,6 +12,9 @@ class Image : NonCopyable {
 
     /// Returns the size in points, which may be fractional.
     virtual Size size() const = 0;
+    /// Returns whether only the alpha counts: the image is drawn in the colour of text that has
+    /// none of its own, such as the bar's text colour. See Graphics::templateImage.
+    virtual bool isTemplate() const { return false; }
 };
 
 } // namespace platform

@@ -13,13 +13,13 @@ namespace test {
 /// A transparent image, and the current graphics context for it.
 class Canvas {
   public:
-    Canvas(double width, double height, double scale = 1)
+    Canvas(double width, double height, double scale = 1, const QColor& textColor = Qt::black)
         : image_(static_cast<int>(std::ceil(width * scale)),
                  static_cast<int>(std::ceil(height * scale)), QImage::Format_ARGB32_Premultiplied) {
         image_.fill(Qt::transparent);
         QFont font(QStringLiteral("DejaVu Sans"));
         font.setPixelSize(14);
-        scope_.emplace(graphics_, image_, QSizeF(width, height), scale, Qt::black, font);
+        scope_.emplace(graphics_, image_, QSizeF(width, height), scale, textColor, font);
     }
 
     platform::GraphicsContext* operator->() { return &graphics_.currentContext(); }

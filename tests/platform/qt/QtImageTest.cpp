@@ -1,6 +1,7 @@
 #include "platform/qt/QtImage.h"
 
 #include "Canvas.h"
+#include "platform/base/Exception.h"
 #include "tests/support/RecordingLog.h"
 #include "tests/support/TemporaryFolder.h"
 
@@ -114,4 +115,65 @@ TEST(QtImage, IsAveragedWhenShrunk) {
         draw(canvas, QtImage(stripes), {{0, 0}, {4, 4}}, {{0, 0}, {16, 16}});
         EXPECT_NEAR(canvas.alphaAt(canvas.image().width() / 2, 1), 128, 24) << scale;
     }
+}
+
+TEST(TemplateImage, IsDrawnInTheTextColourWithItsOwnAlpha) {
+    const test::TemporaryFolder folder;
+    for (const auto& [name, side] :
+         {std::pair("loadTemplate.png", 4), {"loadTemplate@2x.png", 8}}) {
+        QImage image = plain(side, side, QColor(200, 30, 90, 0));
+        for (int y = 0; y < side; ++y) { // the left half opaque, the next quarter half transparent
+            for (int x = 0; x < side * 3 / 4; ++x)
+                image.setPixelColor(x, y, QColor(200, 30, 90, x < side / 2 ? 255 : 128));
+        }
+        ASSERT_TRUE(image.save(QString::fromStdString(folder.file(name))));
+    }
+    ASSERT_TRUE(plain(4, 4, Qt::red).save(QString::fromStdString(folder.file("Templates.png"))));
+    platform::qt::QtGraphics graphics;
+    const auto image = graphics.imageWithContentsOfFile(folder.file("loadTemplate.png"));
+    ASSERT_TRUE(image);
+    EXPECT_TRUE(image->isTemplate());
+    EXPECT_EQ(graphics.templateImage(image), image);
+    EXPECT_FALSE(graphics.imageWithContentsOfFile(folder.file("Templates.png"))->isTemplate());
+
+    using Operation = CompositingOperation;
+    using Pixel = std::array<int, 4>;
+    for (const double scale : {1.0, 1.5, 2.0}) {
+        for (const int grey : {0, 240}) { // the text colours of a light and a dark bar
+            const Pixel opaque{255, grey, grey, grey};
+            Canvas canvas(4, 4, scale, QColor(grey, grey, grey));
+            canvas.image().fill(Qt::blue);
+            canvas->drawImage(*image, {{0, 0}, {4, 4}}, {{0, 0}, {4, 4}}, Operation::Copy, 1);
+            const int last = static_cast<int>(4 * scale) - 1;
+            EXPECT_EQ(canvas.at(0, last), opaque) << scale;
+            EXPECT_EQ(canvas.alphaAt(last, 0), 0) << "copied, not drawn over the blue";
+
+            canvas.image().fill(Qt::blue); // the highlight, while the menu is open
+            canvas->drawImage(*image, {{0, 0}, {4, 4}}, {{0, 0}, {4, 4}}, Operation::XOR, 1);
+            EXPECT_EQ(canvas.alphaAt(0, 0), 0) << "the bar shows through the shape";
+            EXPECT_EQ(canvas.at(last, 0), (Pixel{255, 0, 0, 255}));
+            const int half = canvas.alphaAt(static_cast<int>(2.5 * scale), 0);
+            EXPECT_NEAR(half, 127, scale == 1.5 ? 64 : 1) << scale; // between pixels at 1.5
+        }
+    }
+}
+
+TEST(TemplateImage, IsMadeFromAnyImageAndLeavesThatUnchanged) {
+    Canvas canvas(3, 3, 2, Qt::green);
+    canvas.graphics().setDrawingScale(2);
+    const auto red = canvas.graphics().imageByDrawing({2.5, 2.5}, [](GraphicsContext& context) {
+        context.fillRect({{0, 0}, {2, 2}}, {1, 0, 0}, CompositingOperation::Copy);
+    });
+    const auto shape = canvas.graphics().templateImage(red);
+    EXPECT_EQ(shape->size(), red->size());
+    for (const auto& [image, color] : {std::pair(shape, Qt::green), {red, Qt::red}}) {
+        draw(canvas, *image, {{0, 0}, image->size()}, {{}, image->size()});
+        EXPECT_EQ(canvas.image().pixelColor(0, 5), QColor(color));
+    }
+    EXPECT_EQ(canvas.ink(), QRect(0, 2, 4, 4));
+    EXPECT_EQ(canvas.graphics().templateImage(nullptr), nullptr);
+    class Foreign final : public platform::Image {
+        platform::Size size() const override { return {1, 1}; }
+    };
+    EXPECT_THROW(canvas.graphics().templateImage(std::make_shared<Foreign>()), Exception);
 }
