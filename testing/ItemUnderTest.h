@@ -5,7 +5,9 @@
 #include "platform/values/PropertyList.h"
 #include "platform/widgets/MenuExtraPlugIn.h"
 #include "testing/FixedEvents.h"
+#include "testing/ManualAppearance.h"
 #include "testing/ManualClock.h"
+#include "testing/ManualPreferences.h"
 #include "testing/RecordingGraphics.h"
 #include "testing/RecordingHost.h"
 #include "testing/RecordingLog.h"
@@ -24,8 +26,10 @@ namespace halvextest {
 /// item's sources into the test program. Main thread only.
 class ItemUnderTest : platform::NonCopyable {
   public:
-    FixedEvents events;
+    ManualAppearance appearance;
     ManualClock clock;
+    ManualPreferences preferences;
+    FixedEvents events;
     RecordingGraphics graphics;
     RecordingHost host;
     RecordingLog log;

@@ -35,7 +35,8 @@ class Uptime final : public HalvexMenuExtraBase {
         if (!HalvexMenuExtraBase::initWithBundle(std::move(bundle)))
             return nullptr;
         menu_ = std::make_shared<platform::Menu>();
-        menu_->addItem("Copy", [this](platform::MenuItem&) { copy(); }, weak_from_this());
+        menu_->addItem(
+            "Copy", [this](platform::MenuItem&) { copy(); }, weak_from_this());
         ticks_ = platform::systemClock().tick(platform::TickInterval::Minute, [this] { update(); });
         update();
         return shared_from_this();

@@ -131,6 +131,9 @@ TEST_F(ItemListTest, NeitherReadsNorWritesAFileThatIsTooLarge) {
     EXPECT_FALSE(other.read());
     EXPECT_TRUE(log.contains("The file is larger than 1048576 bytes."));
     EXPECT_TRUE(std::filesystem::exists(file() + ".unreadable"));
+    folder.write("in/list", "not a list either");
+    EXPECT_FALSE(other.read());
+    EXPECT_EQ(test::contents(file() + ".unreadable"), "not a list either");
 }
 
 /// If an operation took time in proportion to the length, this would run for minutes.

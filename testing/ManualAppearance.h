@@ -8,7 +8,7 @@
 #include <optional>
 #include <utility>
 
-namespace test {
+namespace halvextest {
 
 /// An appearance that changes only in the setters. Replaces the process's appearance for the
 /// lifetime of the object.
@@ -41,4 +41,4 @@ class ManualAppearance final : public platform::Appearance {
     platform::ScopedService<platform::Appearance> service_{*this};
 };
 
-} // namespace test
+} // namespace halvextest
