@@ -9,8 +9,10 @@
 namespace platform::qt {
 
 void callAsynchronously(const QDBusConnection& bus, const QDBusMessage& call,
-                        std::function<void(const QDBusMessage& reply)> onReply) {
-    auto* watcher = new QDBusPendingCallWatcher(bus.asyncCall(call));
+                        std::function<void(const QDBusMessage& reply)> onReply,
+                        std::chrono::milliseconds timeLimit) {
+    auto* watcher =
+        new QDBusPendingCallWatcher(bus.asyncCall(call, static_cast<int>(timeLimit.count())));
     QObject::connect(watcher, &QDBusPendingCallWatcher::finished, watcher,
                      [watcher, onReply = std::move(onReply)] {
                          onReply(watcher->reply());

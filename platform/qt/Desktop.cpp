@@ -1,9 +1,11 @@
 #include "platform/qt/Desktop.h"
 
 #include "platform/Log.h"
+#include "platform/qt/BusLoginSession.h"
 #include "platform/qt/BusNotifications.h"
 #include "platform/qt/BusProcessList.h"
 #include "platform/qt/BusUserNotifications.h"
+#include "platform/qt/BusWireless.h"
 #include "platform/qt/QtGraphics.h"
 #include "platform/qt/QtMainThread.h"
 #include "platform/qt/QtPanelService.h"
@@ -28,6 +30,7 @@ class DesktopLog final : public Log {
 
 struct Desktop {
     DesktopLog log{systemLog()};
+    BusLoginSession loginSession;
     BusNotifications notifications;
     BusProcessList processes;
     QtGraphics graphics;
@@ -35,6 +38,7 @@ struct Desktop {
     QtPanelService panels;
     QtPasteboard pasteboard;
     BusUserNotifications userNotifications;
+    BusWireless wireless;
     QtWorkspace workspace;
 };
 
@@ -47,11 +51,13 @@ QtGraphics& install() {
     exchangeService<DistributedNotificationCenter>(&desktop->notifications);
     QObject::connect(qApp, &QCoreApplication::aboutToQuit, [] { desktop->notifications.flush(); });
     exchangeService<Graphics>(&desktop->graphics);
+    exchangeService<LoginSession>(&desktop->loginSession);
     exchangeService<MainThread>(&desktop->mainThread);
     exchangeService<PanelService>(&desktop->panels);
     exchangeService<Pasteboard>(&desktop->pasteboard);
     exchangeService<ProcessList>(&desktop->processes);
     exchangeService<UserNotifications>(&desktop->userNotifications);
+    exchangeService<Wireless>(&desktop->wireless);
     exchangeService<Workspace>(&desktop->workspace);
     return desktop->graphics;
 }

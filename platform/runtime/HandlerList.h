@@ -13,54 +13,71 @@
 
 namespace platform {
 
-/// Handlers that a service calls when something changes. The watches that add() returns may outlive
-/// the list. Main thread only.
+/// The handlers that plug-ins have registered for one kind of event. Main thread only.
 template <class... Arguments>
 class HandlerList : NonCopyable {
   public:
-    using Handler = std::function<void(const Arguments&...)>;
+    using Handler = std::function<void(Arguments...)>;
 
-    /// Adds a handler until the watch is destroyed. Exceptions from the handler are logged with the
-    /// identifier of the current owner and swallowed.
+    /// @p onEmpty is called after the last handler has been removed.
+    explicit HandlerList(std::function<void()> onEmpty = [] {})
+        : state_(std::make_shared<State>(State{{}, std::move(onEmpty)})) {}
+
+    /// Adds a handler of the current owner. Destroying the result removes and destroys the handler.
     std::unique_ptr<Watch> add(Handler handler) {
-        auto entry = std::make_shared<const Entry>(Entry{currentOwner(), std::move(handler)});
-        entries_->push_back(entry);
-        return std::make_unique<Registration>(entries_, std::move(entry));
+        auto entry = std::make_shared<Entry>(Entry{currentOwner(), std::move(handler)});
+        auto watch = std::make_unique<Registration>(state_, entry.get());
+        state_->entries.push_back(std::move(entry));
+        return watch;
     }
 
-    /// Calls the handlers in the order they were added. A handler may add handlers, which are not
-    /// called this time, and destroy watches and the list.
+    /// Calls the handlers in the order they were added, each guarded with its owner. Handlers may
+    /// add and remove handlers, including themselves.
     void call(const Arguments&... arguments) const {
-        const Entries entries = *entries_;
-        for (const auto& weak : entries)
+        for (const std::weak_ptr<Entry>& weak : weakEntries())
             if (const auto entry = weak.lock())
                 runGuarded(entry->owner, [&] { entry->handler(arguments...); });
     }
 
-    bool empty() const { return entries_->empty(); }
+    bool isEmpty() const { return state_->entries.empty(); }
 
   private:
     struct Entry {
         std::string owner;
         Handler handler;
     };
-    using Entries = std::vector<std::weak_ptr<const Entry>>;
-
+    struct State {
+        std::vector<std::shared_ptr<Entry>> entries;
+        std::function<void()> onEmpty;
+    };
+    /// May outlive the list.
     class Registration final : public Watch {
       public:
-        Registration(std::weak_ptr<Entries> entries, std::shared_ptr<const Entry> entry)
-            : entries_(std::move(entries)), entry_(std::move(entry)) {}
+        Registration(std::weak_ptr<State> state, const Entry* entry)
+            : state_(std::move(state)), entry_(entry) {}
         ~Registration() override {
-            if (const auto entries = entries_.lock())
-                std::erase_if(*entries, [&](const auto& each) { return each.lock() == entry_; });
+            const auto state = state_.lock();
+            if (!state)
+                return;
+            const auto found =
+                std::ranges::find(state->entries, entry_, &std::shared_ptr<Entry>::get);
+            // Moved out first: destroying the handler may destroy other registrations.
+            const std::shared_ptr<Entry> entry = std::move(*found);
+            state->entries.erase(found);
+            if (state->entries.empty())
+                state->onEmpty();
         }
 
       private:
-        std::weak_ptr<Entries> entries_;
-        std::shared_ptr<const Entry> entry_;
+        std::weak_ptr<State> state_;
+        const Entry* entry_;
     };
 
-    std::shared_ptr<Entries> entries_ = std::make_shared<Entries>();
+    std::vector<std::weak_ptr<Entry>> weakEntries() const {
+        return {state_->entries.begin(), state_->entries.end()};
+    }
+
+    std::shared_ptr<State> state_;
 };
 
 } // namespace platform
