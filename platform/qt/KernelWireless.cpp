@@ -1,6 +1,8 @@
 #include "platform/qt/KernelWireless.h"
 
 #include "platform/MainThread.h"
+#include "platform/qt/KernelWirelessName.h"
+#include "platform/qt/NetworkNames.h"
 
 #include <algorithm>
 #include <array>
@@ -108,8 +110,12 @@ WirelessAdapter adapterAt(const fs::path& interface, const Strengths& strengths)
                             .state = stateOf(interface)};
     if (adapter.state == WirelessState::Connected || adapter.state == WirelessState::Connecting) {
         const auto strength = strengths.find(adapter.interface);
-        adapter.network = WirelessNetwork{
-            .strength = strength == strengths.end() ? 0 : strength->second, .isVisible = true};
+        const std::string ssid = kernelSsid(adapter.interface);
+        adapter.network =
+            WirelessNetwork{.ssid = ssid,
+                            .name = nameOfSsid(ssid),
+                            .strength = strength == strengths.end() ? 0 : strength->second,
+                            .isVisible = true};
     }
     if (adapter.state == WirelessState::Connected)
         adapter.addresses = addressesOf(adapter.interface);

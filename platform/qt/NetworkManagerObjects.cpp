@@ -1,7 +1,7 @@
 #include "platform/qt/NetworkManagerObjects.h"
 
-#include "platform/base/Utf8.h"
 #include "platform/qt/NetworkManagerNames.h"
+#include "platform/qt/NetworkNames.h"
 #include "platform/qt/Strings.h"
 
 #include <QDBusArgument>
@@ -103,20 +103,6 @@ std::optional<WirelessSecurity> securityOfKeyManagement(const QString& keyManage
         if (keyManagement == name)
             return security;
     return std::nullopt;
-}
-
-std::string nameOfSsid(std::string_view ssid) {
-    std::string name;
-    while (!ssid.empty()) {
-        const std::size_t length = utf8SequenceLength(ssid);
-        const auto first = static_cast<unsigned char>(ssid.front());
-        if (length == 0 || first < 0x20 || first == 0x7F)
-            name += "\uFFFD";
-        else
-            name += ssid.substr(0, length);
-        ssid.remove_prefix(std::max<std::size_t>(length, 1));
-    }
-    return name;
 }
 
 void NetworkManagerObjects::replace(const ManagedObjects& objects) {

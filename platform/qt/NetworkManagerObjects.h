@@ -23,10 +23,6 @@ WirelessSecurity securityOfFlags(std::uint32_t flags, std::uint32_t wpa, std::ui
 /// Returns std::nullopt for an unknown value.
 std::optional<WirelessSecurity> securityOfKeyManagement(const QString& keyManagement);
 
-/// Returns the text to show for the bytes of an ssid: each malformed or control byte becomes
-/// U+FFFD.
-std::string nameOfSsid(std::string_view ssid);
-
 /// A stored connection for a wireless network.
 struct StoredConnection {
     std::string ssid{};

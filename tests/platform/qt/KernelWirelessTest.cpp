@@ -1,5 +1,6 @@
 #include "platform/qt/KernelWireless.h"
 
+#include "platform/qt/KernelWirelessName.h"
 #include "platform/qt/QtMainThread.h"
 #include "tests/support/Fakes.h"
 #include "tests/support/TemporaryFolder.h"
@@ -26,6 +27,21 @@ TEST(KernelStrength, IsReadFromTheLevelOrElseTheQuality) {
                             "wlan7 without colon"),
                 ElementsAre(Pair("wlan0", 73), Pair("wlan1", 0), Pair("wlan2", 50),
                             Pair("wlan3", 100), Pair("wlan4", 100)));
+}
+
+TEST(KernelNames, AreReadFromGenericNetlink) {
+    const std::string odd("\x05\0\x07\0a\0\0\0", 8), name("\x08\0\x34\0Home", 8);
+    for (const auto& [bytes, value] :
+         std::vector<std::pair<std::string, std::optional<std::string_view>>>{
+             {odd + name, "Home"},
+             {name.substr(0, 7), {}},
+             {std::string("\x03\0\x34\0", 4), {}},
+             {std::string("\x04\0\x34\x80", 4), ""},
+             {odd.substr(0, 5), {}},
+             {"", {}}})
+        EXPECT_EQ(platform::qt::netlinkAttribute(bytes, 0x34), value);
+    EXPECT_EQ(platform::qt::genericNetlinkFamily("nlctrl"), 16);
+    EXPECT_EQ(platform::qt::genericNetlinkFamily("missing"), std::nullopt);
 }
 
 TEST(KernelWireless, DescribesTheAdaptersInTheFolder) {

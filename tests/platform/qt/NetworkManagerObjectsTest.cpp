@@ -1,5 +1,7 @@
 #include "platform/qt/NetworkManagerObjects.h"
 
+#include "platform/qt/NetworkNames.h"
+
 #include <gmock/gmock.h>
 
 #include <tuple>
@@ -90,10 +92,10 @@ class NetworkManagerObjectsTest : public testing::Test {
         store("/new", "Home", "sae", 9);
     }
     void addAccessPoint(const QString& object, uchar strength) {
-        objects.add(
-            object,
-            {{kBase + ".AccessPoint",
-              {{"Ssid", QByteArray("Home")}, {"RsnFlags", 0x100U}, {"Strength", QVariant::fromValue(strength)}}}});
+        objects.add(object, {{kBase + ".AccessPoint",
+                              {{"Ssid", QByteArray("Home")},
+                               {"RsnFlags", 0x100U},
+                               {"Strength", QVariant::fromValue(strength)}}}});
     }
     void store(const QString& object, const QByteArray& ssid, const QString& keyManagement,
                qulonglong lastUse, const QString& mode = {}) {

@@ -1,0 +1,26 @@
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+
+namespace platform::qt {
+
+/// Returns the value of the first attribute of this type in a sequence of netlink attributes.
+/// Returns std::nullopt if there is none before the end or before a malformed one.
+std::optional<std::string_view> netlinkAttribute(std::string_view attributes, std::uint16_t type);
+
+/// Sends a generic netlink request with one attribute to the kernel. Returns the attributes of the
+/// reply; empty if the kernel does not reply immediately or replies with an error.
+std::string genericNetlinkReply(std::uint16_t family, std::uint8_t command, std::uint16_t type,
+                                std::string_view value);
+
+/// Returns the kernel's number of a generic netlink family; std::nullopt if it has none.
+std::optional<std::uint16_t> genericNetlinkFamily(const std::string& name);
+
+/// Returns the bytes of the ssid that an interface is connected to. Empty if it is not connected or
+/// the driver is too old (without nl80211). Thread-safe, does not block.
+std::string kernelSsid(const std::string& interface);
+
+} // namespace platform::qt
