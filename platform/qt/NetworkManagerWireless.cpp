@@ -61,7 +61,7 @@ void NetworkManagerWireless::appeared() {
 }
 
 void NetworkManagerWireless::query() {
-    phase_ = Phase::Querying;
+    phase_ = Phase::QueryingObjects;
     pendingSettings_ = 0;
     peer_.call(methodCall(nm::kObjectsPath, nm::kObjectManager, "GetManagedObjects"), timeLimit_,
                [this](const QDBusMessage& reply) { queried(reply); });
@@ -70,6 +70,7 @@ void NetworkManagerWireless::query() {
 void NetworkManagerWireless::queried(const QDBusMessage& reply) {
     if (!isReply(reply, "a{oa{sa{sv}}}"))
         return fail("NetworkManager does not report its state: " + failureOf(reply));
+    phase_ = Phase::QueryingSettings;
     objects_.replace(qdbus_cast<ManagedObjects>(reply.arguments().at(0)));
     for (const QString& connection : objects_.connections())
         querySettings(connection);
@@ -98,20 +99,22 @@ void NetworkManagerWireless::receivedSettings(const QString& connection,
 }
 
 void NetworkManagerWireless::changed() {
-    if (phase_ == Phase::Querying && pendingSettings_ == 0)
+    if (phase_ == Phase::QueryingSettings && pendingSettings_ == 0)
         phase_ = Phase::Ready;
     if (phase_ == Phase::Ready)
         handlers_.changed();
 }
 
 void NetworkManagerWireless::fail(const std::string& reason) {
-    phase_ = Phase::Idle;
+    phase_ = Phase::Failed;
     handlers_.unavailable(reason);
 }
 
 void NetworkManagerWireless::receive(const QDBusMessage& signal) {
-    if (phase_ == Phase::Idle)
+    if (phase_ == Phase::Failed)
         return query(); // it is alive
+    if (phase_ == Phase::QueryingObjects)
+        return; // the reply will contain it
     apply(signal);
     changed();
 }
@@ -146,7 +149,7 @@ void NetworkManagerWireless::request(const QDBusMessage& message, std::string fa
 }
 
 void NetworkManagerWireless::scan() {
-    if (phase_ == Phase::Idle)
+    if (phase_ == Phase::Failed)
         return query();
     if (phase_ != Phase::Ready)
         return;

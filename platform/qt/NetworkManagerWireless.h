@@ -44,7 +44,13 @@ class NetworkManagerWireless : NonCopyable {
     bool setRadio(WirelessRadio radio);
 
   private:
-    enum class Phase { Absent, Idle, Querying, Ready };
+    enum class Phase {
+        Absent,
+        Failed, ///< its next signal or a scan starts another query
+        QueryingObjects,
+        QueryingSettings,
+        Ready,
+    };
 
     void appeared();
     void query();

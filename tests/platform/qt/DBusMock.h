@@ -2,6 +2,7 @@
 
 #include "tests/desktop/support/ProgramProcess.h"
 
+#include <QDBusArgument>
 #include <QDBusConnectionInterface>
 #include <QElapsedTimer>
 #include <QProcess>
@@ -49,6 +50,14 @@ class DBusMock {
                     const QVariantList& arguments) {
         control("EmitSignal", {interface, member, signature, arguments});
     }
+    bool wasCalled(const QString& path, const QString& method) {
+        const auto calls = call(path, "org.freedesktop.DBus.Mock", "GetMethodCalls", {method})
+                               .arguments()
+                               .at(0)
+                               .value<QDBusArgument>();
+        calls.beginArray();
+        return !calls.atEnd();
+    }
     /// Stops replying, as a service that hangs.
     void suspend() { ::kill(static_cast<pid_t>(process_.processId()), SIGSTOP); }
     void resume() { ::kill(static_cast<pid_t>(process_.processId()), SIGCONT); }
@@ -62,6 +71,13 @@ class DBusMock {
     const QString name_, path_;
     QProcess process_;
 };
+
+/// Runs the event loop for @p milliseconds.
+inline void runFor(int milliseconds) {
+    QElapsedTimer timer;
+    timer.start();
+    eventually([&] { return timer.elapsed() >= milliseconds; });
+}
 
 /// Like eventually, and checks that no event takes long, as a blocking call would.
 inline bool eventuallyWithoutBlocking(const std::function<bool()>& condition) {
