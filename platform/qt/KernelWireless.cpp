@@ -8,6 +8,7 @@
 #include <array>
 #include <cerrno>
 #include <charconv>
+#include <cmath>
 #include <filesystem>
 #include <fstream>
 #include <ifaddrs.h>
@@ -101,7 +102,7 @@ int percent(double quality, double level) {
     constexpr double kStrongest = -40, kWeakest = -100, kHighestQuality = 70;
     const double fraction = level < 0 && level > -256 ? (level - kWeakest) / (kStrongest - kWeakest)
                                                       : quality / kHighestQuality;
-    return static_cast<int>(std::clamp(fraction, 0.0, 1.0) * 100 + 0.5);
+    return static_cast<int>(std::lround(std::clamp(fraction, 0.0, 1.0) * 100));
 }
 
 WirelessAdapter adapterAt(const fs::path& interface, const Strengths& strengths) {

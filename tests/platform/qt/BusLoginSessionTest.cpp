@@ -10,7 +10,6 @@
 
 using namespace platform;
 using test::eventuallyWithoutBlocking;
-using testing::ElementsAre;
 using testing::IsEmpty;
 
 namespace {
