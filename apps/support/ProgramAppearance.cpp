@@ -88,7 +88,7 @@ bool ProgramAppearance::prefersHighContrast() {
 }
 
 std::unique_ptr<platform::Watch> ProgramAppearance::onChange(std::function<void()> handler) {
-    if (handlers_.empty()) {
+    if (handlers_.isEmpty()) {
         reported_ = state();
         QCoreApplication::instance()->installEventFilter(this);
     }
@@ -171,7 +171,7 @@ ProgramAppearance::State ProgramAppearance::state() const {
 
 // Later, because applying a colour scheme can change the palette twice.
 void ProgramAppearance::reportLater() {
-    if (handlers_.empty()) {
+    if (handlers_.isEmpty()) {
         QCoreApplication::instance()->removeEventFilter(this);
         return;
     }

@@ -256,7 +256,7 @@ bool FilePreferencesDomain::startWatching() {
 }
 
 void FilePreferencesDomain::stopWatchingIfUnused() {
-    if (handlers_.empty())
+    if (handlers_.isEmpty())
         fileWatch_.reset();
 }
 
