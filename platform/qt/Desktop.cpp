@@ -11,6 +11,7 @@
 #include "platform/qt/QtPanelService.h"
 #include "platform/qt/QtPasteboard.h"
 #include "platform/qt/QtWorkspace.h"
+#include "platform/qt/X11Applications.h"
 
 #include <QApplication>
 
@@ -29,6 +30,7 @@ class DesktopLog final : public Log {
 };
 
 struct Desktop {
+    X11Applications applications;
     DesktopLog log{systemLog()};
     BusLoginSession loginSession;
     BusNotifications notifications;
@@ -47,6 +49,7 @@ struct Desktop {
 QtGraphics& install() {
     // Never destroyed: code that outlives main may still log.
     static auto* const desktop = new Desktop;
+    exchangeService<Applications>(&desktop->applications);
     exchangeService<Log>(&desktop->log);
     exchangeService<DistributedNotificationCenter>(&desktop->notifications);
     QObject::connect(qApp, &QCoreApplication::aboutToQuit, [] { desktop->notifications.flush(); });

@@ -53,6 +53,8 @@ class XServer {
     Settings settings(const QString& scale = "1") const {
         return {{"QT_QPA_PLATFORM", "xcb"}, {"DISPLAY", display_}, {"QT_SCALE_FACTOR", scale}};
     }
+    const QString& display() const { return display_; }
+    xcb_connection_t* connection() const { return connection_; }
     QImage picture() const {
         const auto reply =
             owned(xcb_get_image_reply(connection_,
