@@ -68,7 +68,8 @@ fs::path findFile(const fs::path& folder, const std::string& identifier, int dep
     for (auto dash = identifier.find('-'); dash != std::string::npos;
          dash = identifier.find('-', dash + 1)) {
         const fs::path subfolder = folder / identifier.substr(0, dash);
-        if (dash == 0 || !fs::is_directory(subfolder, ignored))
+        // "..-x" must not lead out of the folder.
+        if (dash == 0 || identifier.starts_with('.') || !fs::is_directory(subfolder, ignored))
             continue;
         if (auto file = findFile(subfolder, identifier.substr(dash + 1), depth + 1); !file.empty())
             return file;

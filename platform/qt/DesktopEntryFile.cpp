@@ -21,10 +21,20 @@ std::string_view trimmed(std::string_view text) {
     return text.substr(first, text.find_last_not_of(kBlanks) - first + 1);
 }
 
+/// Whether a key such as "Name[de]" has no locale or one of @p locales. Most lines of a file are
+/// translations into other languages.
+bool isOfInterest(std::string_view key, const std::vector<std::string>& locales) {
+    const auto bracket = key.find('[');
+    if (bracket == std::string_view::npos)
+        return true;
+    const auto locale = key.substr(bracket + 1, key.size() - bracket - 2);
+    return std::ranges::count(locales, locale) > 0;
+}
+
 /// The values of the first group "Desktop Entry", still escaped. Keys include their locale.
 using Values = std::map<std::string_view, std::string_view>;
 
-Values valuesOf(std::string_view text) {
+Values valuesOf(std::string_view text, const std::vector<std::string>& locales) {
     Values values;
     bool isInGroup = false;
     while (!text.empty()) {
@@ -37,8 +47,10 @@ Values valuesOf(std::string_view text) {
             isInGroup = line == kGroup;
         }
         const auto equals = line.find('=');
-        if (isInGroup && !line.starts_with('#') && equals != std::string_view::npos)
-            values.emplace(trimmed(line.substr(0, equals)), trimmed(line.substr(equals + 1)));
+        if (!isInGroup || line.starts_with('#') || equals == std::string_view::npos)
+            continue;
+        if (const auto key = trimmed(line.substr(0, equals)); isOfInterest(key, locales))
+            values.emplace(key, trimmed(line.substr(equals + 1)));
     }
     return values;
 }
@@ -70,7 +82,7 @@ std::vector<std::string> listOf(std::string_view value) {
 class Reader {
   public:
     Reader(std::string_view text, const std::vector<std::string>& locales)
-        : values_(valuesOf(text)), locales_(locales) {}
+        : values_(valuesOf(text, locales)), locales_(locales) {}
 
     std::string string(std::string_view key) const { return unescaped(raw(key)); }
     std::string localized(std::string_view key) const {

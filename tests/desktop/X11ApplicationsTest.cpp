@@ -2,9 +2,12 @@
 
 #include "platform/base/Exception.h"
 #include "platform/runtime/Guard.h"
+#include "tests/desktop/support/FakeService.h"
 #include "tests/desktop/support/XServer.h"
 #include "tests/support/RecordingLog.h"
 #include "tests/support/ScopedEnvironment.h"
+
+#include <QDBusArgument>
 
 #include <gmock/gmock.h>
 
@@ -309,6 +312,40 @@ TEST_F(X11ApplicationsTest, AreLaunchedWithATokenForTheFocus) {
         ElementsAre("cannot launch missing.desktop: /does/not/exist: No such file or directory",
                     "cannot launch broken.desktop: its command is missing or invalid",
                     "cannot launch none.desktop: there is no desktop entry with this identifier"));
+}
+
+TEST_F(X11ApplicationsTest, AreLaunchedOverTheBusIfItCanStartThem) {
+    startManager();
+    const auto watch = observe();
+    test::PrivateBus bus;
+    const test::ScopedEnvironment address("DBUS_SESSION_BUS_ADDRESS", bus.addressText());
+    const test::ScopedEnvironment display("DISPLAY", x.display().toStdString());
+    QStringList calls;
+    const test::FakeService application(
+        bus.connection(), "org.example.Two-Parts", "/org/example/Two_Parts",
+        [&](const QDBusMessage& call) {
+            QVariantMap platformData;
+            call.arguments().last().value<QDBusArgument>() >> platformData;
+            const QString token = platformData.value("desktop-startup-id").toString();
+            calls << call.interface() + '.' + call.member() + ' ' +
+                         call.arguments().first().toStringList().join(' ') + token.left(6);
+            return true;
+        });
+    entry("org.example.Two-Parts", "Name=T\nDBusActivatable=true\nExec=/does/not/exist\n");
+    EXPECT_TRUE(service->launch("org.example.Two-Parts.desktop", {}));
+    EXPECT_TRUE(service->launch("org.example.Two-Parts.desktop", {"/a b", "https://c/"}));
+    EXPECT_TRUE(eventually([&] { return calls.size() == 2; }));
+    EXPECT_EQ(calls,
+              QStringList({"org.freedesktop.Application.Activate halvex",
+                           "org.freedesktop.Application.Open file:///a%20b https://c/halvex"}));
+    EXPECT_THAT(log.take(), IsEmpty());
+
+    entry("org.example.None",
+          "Name=N\nDBusActivatable=true\nExec=" HALVEX_WINDOW_CLIENT " n N %c\n");
+    EXPECT_TRUE(service->launch("org.example.None.desktop", {}));
+    EXPECT_TRUE(becomes({"N*: N*"})) << "its command is run instead";
+    EXPECT_TRUE(log.contains("cannot activate org.example.None.desktop: "));
+    service->quit("N");
 }
 
 } // namespace
