@@ -12,7 +12,7 @@
 #include <QTimer>
 
 #include <algorithm>
-#include <ranges>
+#include <array>
 #include <unistd.h>
 
 namespace platform::qt {
@@ -55,6 +55,16 @@ xcb_window_t mainWindow(xcb_window_t window, const std::map<xcb_window_t, const 
         window = found->second->transientFor;
     }
     return window;
+}
+
+void addWindow(RunningApplication& application, const X11Client& client, bool isActive) {
+    application.isActive = application.isActive || isActive;
+    application.isHidden = application.isHidden && client.isMinimised;
+    application.windows.push_back({.identifier = client.window,
+                                   .title = titleOf(client),
+                                   .isActive = isActive,
+                                   .isMinimised = client.isMinimised,
+                                   .needsAttention = client.needsAttention});
 }
 
 /// Quotes a value of a startup notification message.
@@ -229,38 +239,41 @@ std::vector<RunningApplication> X11Applications::makeList(const X11Clients& sour
     const xcb_window_t active = mainWindow(source.activeWindow(), all);
 
     std::vector<RunningApplication> list;
-    std::map<IdentityKey, Identity> identities;
+    Identities current;
     for (const X11Client& client : clients) {
         if (!isListed(client, all))
             continue;
         const bool isLocal = client.host.empty() || client.host == host;
         const std::int64_t process = isLocal ? client.process : 0;
-        const IdentityKey key{client.applicationId, client.instance, client.windowClass, process};
-        const auto known = identities_.find(key);
-        const Identity& identity =
-            identities
-                .emplace(key,
-                         known == identities_.end() ? identify(client, process) : known->second)
-                .first->second;
-        auto application =
-            std::ranges::find(list, identity.identifier, &RunningApplication::identifier);
+        const auto& [identifier, name, hasDesktopEntry] = identityOf(client, process, current);
+        auto application = std::ranges::find(list, identifier, &RunningApplication::identifier);
         if (application == list.end())
-            application = list.insert(
-                list.end(), {.identifier = identity.identifier,
-                             .name = identity.name.empty() ? titleOf(client) : identity.name,
-                             .hasDesktopEntry = identity.hasDesktopEntry,
-                             .process = process,
-                             .isHidden = true});
-        application->isActive = application->isActive || client.window == active;
-        application->isHidden = application->isHidden && client.isMinimised;
-        application->windows.push_back({.identifier = client.window,
-                                        .title = titleOf(client),
-                                        .isActive = client.window == active,
-                                        .isMinimised = client.isMinimised,
-                                        .needsAttention = client.needsAttention});
+            application = list.insert(list.end(), {.identifier = identifier,
+                                                   .name = name.empty() ? titleOf(client) : name,
+                                                   .hasDesktopEntry = hasDesktopEntry,
+                                                   .process = process,
+                                                   .isHidden = true});
+        addWindow(*application, client, client.window == active);
     }
-    identities_ = std::move(identities);
+    identities_ = std::move(current);
     return list;
+}
+
+/// Finds the identity among those of the previous list, or else by reading the desktop entries, and
+/// adds it to @p current.
+const X11Applications::Identity& X11Applications::identityOf(const X11Client& client,
+                                                             std::int64_t process,
+                                                             Identities& current) const {
+    const bool isUnknown = client.applicationId.empty() && client.instance.empty() &&
+                           client.windowClass.empty() && process == 0;
+    const IdentityKey key{client.applicationId, client.instance, client.windowClass, process,
+                          isUnknown ? client.window : 0};
+    if (const auto known = current.find(key); known != current.end())
+        return known->second;
+    const auto previous = identities_.find(key);
+    return current
+        .emplace(key, previous == identities_.end() ? identify(client, process) : previous->second)
+        .first->second;
 }
 
 X11Applications::Identity X11Applications::identify(const X11Client& client,
@@ -379,11 +392,12 @@ bool X11Applications::show(const std::string& identifier) {
         return false;
     std::vector<std::uint64_t> minimised, byHide;
     // Restoring may raise a window: the most recently used one comes last.
-    for (const ApplicationWindow& window : application->windows | std::views::reverse) {
-        if (window.isMinimised)
-            minimised.push_back(window.identifier);
-        if (minimised_.erase(window.identifier) > 0 && window.isMinimised)
-            byHide.push_back(window.identifier);
+    const auto& windows = application->windows;
+    for (auto window = windows.rbegin(); window != windows.rend(); ++window) {
+        if (window->isMinimised)
+            minimised.push_back(window->identifier);
+        if (minimised_.erase(window->identifier) > 0 && window->isMinimised)
+            byHide.push_back(window->identifier);
     }
     for (const std::uint64_t window : byHide.empty() ? minimised : byHide)
         session_->clients->restore(static_cast<xcb_window_t>(window));

@@ -55,8 +55,11 @@ class X11Applications final : public Applications {
         std::string name; ///< empty: the title of the window
         bool hasDesktopEntry = false;
     };
-    /// The properties that determine the identity.
-    using IdentityKey = std::tuple<std::string, std::string, std::string, std::int64_t>;
+    /// The properties that determine the identity. The last one is the window if the others say
+    /// nothing.
+    using IdentityKey =
+        std::tuple<std::string, std::string, std::string, std::int64_t, std::uint32_t>;
+    using Identities = std::map<IdentityKey, Identity>;
 
     X11Clients* connect();
     void update();
@@ -66,6 +69,8 @@ class X11Applications final : public Applications {
     void startTimer(int milliseconds);
 
     std::vector<RunningApplication> makeList(const X11Clients& clients);
+    const Identity& identityOf(const X11Client& client, std::int64_t process,
+                               Identities& current) const;
     Identity identify(const X11Client& client, std::int64_t process) const;
     const RunningApplication* find(const std::string& identifier);
     std::shared_ptr<Image> loadIcon(const std::string& identifier, double size);
@@ -80,7 +85,7 @@ class X11Applications final : public Applications {
     std::unique_ptr<QTimer> timer_;    ///< null until needed; runs while changes are collected
     std::shared_ptr<Observers> observers_;
     std::vector<RunningApplication> list_;
-    std::map<IdentityKey, Identity> identities_; ///< of the windows in the list
+    Identities identities_; ///< of the windows in the list
     std::map<std::pair<std::string, double>, std::shared_ptr<Image>> icons_;
     std::set<std::uint64_t> minimised_; ///< windows, by hide and hideOthers
     std::set<std::string> logged_;

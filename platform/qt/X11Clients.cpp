@@ -30,7 +30,8 @@ enum AtomIndex : std::size_t {
     StartupRest,
     TypeNormal,
     TypeDialog,
-    kAtomCount
+    FirstOtherType,
+    kAtomCount = FirstOtherType + 12
 };
 
 constexpr std::array<std::string_view, kAtomCount> kAtomNames{
@@ -48,6 +49,18 @@ constexpr std::array<std::string_view, kAtomCount> kAtomNames{
     "_NET_STARTUP_INFO",
     "_NET_WM_WINDOW_TYPE_NORMAL",
     "_NET_WM_WINDOW_TYPE_DIALOG",
+    "_NET_WM_WINDOW_TYPE_DESKTOP",
+    "_NET_WM_WINDOW_TYPE_DOCK",
+    "_NET_WM_WINDOW_TYPE_TOOLBAR",
+    "_NET_WM_WINDOW_TYPE_MENU",
+    "_NET_WM_WINDOW_TYPE_UTILITY",
+    "_NET_WM_WINDOW_TYPE_SPLASH",
+    "_NET_WM_WINDOW_TYPE_DROPDOWN_MENU",
+    "_NET_WM_WINDOW_TYPE_POPUP_MENU",
+    "_NET_WM_WINDOW_TYPE_TOOLTIP",
+    "_NET_WM_WINDOW_TYPE_NOTIFICATION",
+    "_NET_WM_WINDOW_TYPE_COMBO",
+    "_NET_WM_WINDOW_TYPE_DND",
 };
 
 /// Of windows in a list, and of other short lists. Longer ones are cut.
@@ -127,9 +140,13 @@ void applyState(X11Client& client, const Value& value, const Atoms& atoms) {
     client.needsAttention = value.contains(atoms[StateAttention]);
 }
 
+/// Programs list several types, the most specific one first, some of which are their own.
 void applyType(X11Client& client, const Value& value, const Atoms& atoms) {
-    client.hasOrdinaryType = value.numbers().empty() || value.contains(atoms[TypeNormal]) ||
-                             value.contains(atoms[TypeDialog]);
+    const auto types = std::span(atoms).subspan(TypeNormal, kAtomCount - TypeNormal);
+    const auto numbers = value.numbers();
+    const auto type = std::ranges::find_first_of(numbers, types);
+    client.hasOrdinaryType =
+        type == numbers.end() || *type == atoms[TypeNormal] || *type == atoms[TypeDialog];
 }
 
 void applyClass(X11Client& client, const Value& value, const Atoms&) {

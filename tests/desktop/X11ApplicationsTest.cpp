@@ -13,6 +13,7 @@
 
 #include <optional>
 #include <ranges>
+#include <unistd.h>
 
 using namespace platform;
 using test::eventually;
@@ -181,6 +182,39 @@ TEST_F(X11ApplicationsTest, AreHiddenShownAndAskedToQuit) {
     for (const auto operation :
          {&Applications::hide, &Applications::hideOthers, &Applications::show, &Applications::quit})
         EXPECT_FALSE(((*service).*operation)("editor.desktop"));
+}
+
+TEST_F(X11ApplicationsTest, HaveOnlyTheWindowsThatUsersTellApart) {
+    startManager();
+    const auto watch = observe();
+    const auto client = start({"a", "A", "One"});
+    EXPECT_TRUE(becomes({"A*: One*"}));
+    const auto other = start({"b", "B", "Two"});
+    EXPECT_TRUE(becomes({"B*: Two*", "A: One"}));
+    const std::uint64_t id = window("Two").identifier;
+    struct Row {
+        const char* property;
+        std::vector<std::string> values;
+        bool isListed;
+    };
+    const char *type = "_NET_WM_WINDOW_TYPE", *state = "_NET_WM_STATE";
+    for (const auto& [property, names, isListed] : std::vector<Row>{
+             {type, {"_NET_WM_WINDOW_TYPE_UTILITY", "_NET_WM_WINDOW_TYPE_NORMAL"}, false},
+             {type, {"_EXAMPLE_OWN", "_NET_WM_WINDOW_TYPE_NORMAL"}, true},
+             {type, {"_NET_WM_WINDOW_TYPE_DOCK"}, false},
+             {type, {"_NET_WM_WINDOW_TYPE_DIALOG"}, true},
+             {state, {"_NET_WM_STATE_SKIP_TASKBAR"}, false},
+             {state, {"_NET_WM_STATE_DEMANDS_ATTENTION"}, true}}) {
+        std::vector<std::uint32_t> atoms;
+        for (const std::string& name : names)
+            atoms.push_back(x.atom(name));
+        set(id, property, "ATOM", 32, atoms);
+        EXPECT_TRUE(eventually([&] { return (changed.size() == 2) == isListed; })) << names[0];
+    }
+    EXPECT_TRUE(becomes({"B*: Two*!", "A: One"}));
+    const auto own = static_cast<std::uint32_t>(getpid());
+    set<std::uint32_t>(id, "_NET_WM_PID", "CARDINAL", 32, {own});
+    EXPECT_TRUE(becomes({"A: One"})) << "this process's are left out";
 }
 
 TEST_F(X11ApplicationsTest, FollowTheWindowManager) {
