@@ -5,7 +5,9 @@
 #include "platform/values/BezierPath.h"
 #include "platform/values/Color.h"
 #include "platform/values/Geometry.h"
+#include "platform/values/Gradient.h"
 #include "platform/values/Image.h"
+#include "platform/values/StrokeStyle.h"
 
 namespace platform {
 
@@ -38,9 +40,25 @@ class GraphicsContext : NonCopyable {
   public:
     virtual ~GraphicsContext();
 
-    /// Saves all settings below, or restores the ones last saved. Calls nest.
+    /// Saves all settings below, the coordinate system and the clip, or restores the ones last
+    /// saved. Calls nest.
     virtual void saveGraphicsState() = 0;
     virtual void restoreGraphicsState() = 0;
+
+    // Each of these changes the coordinate system for what is drawn from now on. Lengths are in
+    // units of the one before; the origin is that of the one before. An argument that is not finite
+    // has no effect. After scaling by 0, nothing is drawn.
+
+    /// Moves the origin.
+    virtual void translateBy(double deltaX, double deltaY) = 0;
+    /// Rotates the axes counterclockwise around the origin.
+    virtual void rotateByDegrees(double angle) = 0;
+    /// Multiplies the lengths on each axis; a negative factor mirrors it.
+    virtual void scaleBy(double factorX, double factorY) = 0;
+
+    /// Restricts drawing to the inside of a path, by its winding rule and with antialiasing, where
+    /// it was not restricted before. An empty path excludes everything.
+    virtual void clipToPath(const BezierPath& path) = 0;
 
     /// Allows or forbids subpixel smoothing of text.
     virtual void setShouldSmoothFonts(bool smooth) = 0;
@@ -48,7 +66,7 @@ class GraphicsContext : NonCopyable {
     /// Sets the operation for text. The initial value is SourceOver.
     virtual void setCompositingOperation(CompositingOperation operation) = 0;
     /// Sets the shadow of text whose attributes have none, in points. Its colour is the
-    /// default shadow colour.
+    /// default shadow colour. Changes of the coordinate system do not affect shadows.
     virtual void setShadow(Size offset, double blurRadius) = 0;
 
     /// Draws text with its lower left corner, including the descent, at @p point.
@@ -62,10 +80,18 @@ class GraphicsContext : NonCopyable {
                            CompositingOperation operation, double fraction) = 0;
     /// Fills a rectangle. Does nothing for a pattern colour.
     virtual void fillRect(const Rect& rect, const Color& color, CompositingOperation operation) = 0;
-    /// Fills a path by the nonzero winding rule, with antialiasing. Closes open subpaths. Does
-    /// nothing for a pattern colour.
+    /// Fills a path by its winding rule, with antialiasing. Closes open subpaths. Does nothing for
+    /// a pattern colour.
     virtual void fillPath(const BezierPath& path, const Color& color,
                           CompositingOperation operation) = 0;
+    /// Fills a path with a gradient. Pixels without a colour do not change.
+    virtual void fillPathWithGradient(const BezierPath& path, const Gradient& gradient,
+                                      CompositingOperation operation) = 0;
+    /// Draws a line along a path, with antialiasing. A subpath without length is a dot, unless the
+    /// caps are butt. Does nothing for a pattern colour, or if the width is not positive and
+    /// finite.
+    virtual void strokePath(const BezierPath& path, const StrokeStyle& style, const Color& color,
+                            CompositingOperation operation) = 0;
 };
 
 } // namespace platform

@@ -93,23 +93,82 @@ class RecordingGraphics final : public platform::Graphics, public platform::Grap
                   platform::CompositingOperation operation) override {
         drawn.push_back("fill " + words(rect) + " with " + words(color) + ' ' + words(operation));
     }
-    /// Elements are "move x y", "line x y", "arc x y to x y radius", "close".
+    void translateBy(double deltaX, double deltaY) override {
+        drawn.push_back("translate " + words(platform::Point{deltaX, deltaY}));
+    }
+    void rotateByDegrees(double angle) override { drawn.push_back("rotate " + number(angle)); }
+    void scaleBy(double factorX, double factorY) override {
+        drawn.push_back("scale " + words(platform::Point{factorX, factorY}));
+    }
+    void clipToPath(const platform::BezierPath& path) override {
+        drawn.emplace_back("clip");
+        recordElements(path);
+    }
     void fillPath(const platform::BezierPath& path, const platform::Color& color,
                   platform::CompositingOperation operation) override {
-        using Step = platform::BezierPath::Step;
         drawn.push_back("path with " + words(color) + ' ' + words(operation));
-        for (const auto& [step, point, toPoint, radius] : path.elements()) {
-            if (step == Step::Close)
-                drawn.emplace_back("close");
-            else if (step == Step::ArcFromPoint)
-                drawn.push_back("arc " + words(point) + " to " + words(toPoint) + " radius " +
-                                number(radius));
-            else
-                drawn.push_back((step == Step::MoveTo ? "move " : "line ") + words(point));
+        recordElements(path);
+    }
+    void fillPathWithGradient(const platform::BezierPath& path, const platform::Gradient& gradient,
+                              platform::CompositingOperation operation) override {
+        drawn.push_back("path with " +
+                        std::visit([](const auto& any) { return words(any); }, gradient) + ' ' +
+                        words(operation));
+        recordElements(path);
+    }
+    void strokePath(const platform::BezierPath& path, const platform::StrokeStyle& style,
+                    const platform::Color& color,
+                    platform::CompositingOperation operation) override {
+        drawn.push_back("stroke width " + number(style.width) + " cap " +
+                        number(static_cast<int>(style.cap)) + " join " +
+                        number(static_cast<int>(style.join)) + " with " + words(color) + ' ' +
+                        words(operation));
+        if (!style.dashes.empty()) {
+            drawn.emplace_back("dashes");
+            for (const double dash : style.dashes)
+                drawn.back() += ' ' + number(dash);
+            drawn.back() += " phase " + number(style.dashPhase);
         }
+        recordElements(path);
     }
 
   private:
+    /// Elements are "move x y", "line x y", "curve x y by x y and x y", "arc x y to x y radius",
+    /// "close". The even-odd rule comes first.
+    void recordElements(const platform::BezierPath& path) {
+        using Step = platform::BezierPath::Step;
+        if (path.windingRule() == platform::WindingRule::EvenOdd)
+            drawn.emplace_back("even-odd");
+        for (const auto& element : path.elements()) {
+            if (element.step == Step::Close)
+                drawn.emplace_back("close");
+            else if (element.step == Step::ArcFromPoint)
+                drawn.push_back("arc " + words(element.point) + " to " + words(element.toPoint) +
+                                " radius " + number(element.radius));
+            else if (element.step == Step::CurveTo)
+                drawn.push_back("curve " + words(element.point) + " by " +
+                                words(element.firstControl) + " and " +
+                                words(element.secondControl));
+            else
+                drawn.push_back((element.step == Step::MoveTo ? "move " : "line ") +
+                                words(element.point));
+        }
+    }
+    static std::string words(const platform::GradientStops& stops) {
+        std::string text;
+        for (const auto& [location, color] : stops)
+            text += " stop " + number(location) + ' ' + words(color);
+        return text;
+    }
+    static std::string words(const platform::LinearGradient& gradient) {
+        return "gradient " + words(gradient.start) + " to " + words(gradient.end) +
+               words(gradient.stops);
+    }
+    static std::string words(const platform::RadialGradient& gradient) {
+        return "gradient " + words(gradient.startCenter) + " radius " +
+               number(gradient.startRadius) + " to " + words(gradient.endCenter) + " radius " +
+               number(gradient.endRadius) + words(gradient.stops);
+    }
     static std::string number(double value) {
         std::string text = std::to_string(value + 0.0); // no -0
         text.erase(text.find_last_not_of('0') + 1);

@@ -113,6 +113,20 @@ void compositeMask(QImage& target, const Mask& mask, const QColor& color,
         [&](int x, int y) { return mask.at(x, y); });
 }
 
+void compositeColors(QImage& target, const Mask& mask, const std::vector<Pixel>& colors,
+                     CompositingOperation operation) {
+    const auto sourceAt = [&](int x, int y) { return colors[mask.index(x, y)]; };
+    merge(target, mask.area, operation, sourceAt, [&](int x, int y) { return mask.at(x, y); });
+}
+
+void replaceThrough(QImage& target, const Mask& mask, const QImage& changed) {
+    const auto after = [&](int x, int y) {
+        return unpacked(pixelAt(changed, QPoint(x, y) - mask.area.topLeft()));
+    };
+    merge(target, mask.area, CompositingOperation::Copy, after,
+          [&](int x, int y) { return mask.at(x, y); });
+}
+
 void compositeGlyphs(QImage& target, const QImage& glyphs, const QImage& coverage, QPoint origin,
                      CompositingOperation operation) {
     const auto coverageAt = [&](int x, int y) {

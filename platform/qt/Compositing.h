@@ -2,11 +2,14 @@
 
 #include "platform/Graphics.h"
 #include "platform/qt/Mask.h"
+#include "platform/qt/Pixel.h"
 
 #include <QColor>
 #include <QImage>
 #include <QPoint>
 #include <QRect>
+
+#include <vector>
 
 namespace platform::qt {
 
@@ -30,6 +33,15 @@ void compositeImage(QImage& target, const QRectF& shape, const QImage& layer, QP
 /// Fills the covered area of a mask with a colour.
 void compositeMask(QImage& target, const Mask& mask, const QColor& color,
                    CompositingOperation operation);
+
+/// Draws the colour of each pixel of a mask's area where the mask covers. @p colors has components
+/// of 0 to 1, row by row.
+void compositeColors(QImage& target, const Mask& mask, const std::vector<Pixel>& colors,
+                     CompositingOperation operation);
+
+/// Replaces the pixels of a mask's area with those of @p changed, in proportion to their coverage.
+/// @p changed has the size of the area; the area must be inside the target.
+void replaceThrough(QImage& target, const Mask& mask, const QImage& changed);
 
 /// Draws @p glyphs, a transparent layer with glyphs on it, at @p origin. @p coverage is a layer
 /// with the same glyphs drawn opaque: its alpha is their shape.

@@ -3,19 +3,28 @@
 #include "platform/base/Exception.h"
 #include "platform/qt/Colors.h"
 #include "platform/qt/Compositing.h"
+#include "platform/qt/GradientColors.h"
 #include "platform/qt/Layers.h"
 #include "platform/qt/PathOutline.h"
 #include "platform/qt/QtImage.h"
 #include "platform/qt/Resampling.h"
+#include "platform/qt/TurnedImage.h"
 
 #include <QPainter>
 #include <QPainterPath>
 
 #include <algorithm>
+#include <cmath>
 #include <utility>
 
 namespace platform::qt {
 namespace {
+
+BezierPath rectPath(const Rect& rect) {
+    BezierPath path;
+    path.appendRect(rect);
+    return path;
+}
 
 /// Which pixels of an image to draw where. Rectangles are in pixels, with y down.
 struct Placement {
@@ -49,8 +58,67 @@ bool isPixelCopy(const Placement& placement) {
            placement.source.size() == placement.destination.size();
 }
 
-void fillOutline(QImage& target, const QPainterPath& outline, const QColor& color) {
-    QPainter painter(&target);
+/// The arguments of drawImage.
+struct ImageDrawing {
+    Rect destination;
+    Rect source;
+    CompositingOperation operation;
+    double opacity;
+    QColor textColor; ///< of template images
+};
+
+/// Draws a rotated, mirrored or sheared image.
+void drawTurned(QImage& target, const QImage& pixels, const Placement& placement,
+                const QTransform& turn, const ImageDrawing& drawing) {
+    const QRectF& to = placement.destination;
+    const QTransform onto(to.width(), 0, 0, to.height(), to.left(), to.top());
+    TurnedImage image = turnedImage(pixels, placement.source, onto * turn, target.rect());
+    for (Pixel& color : image.colors)
+        color = color * static_cast<float>(drawing.opacity);
+    compositeColors(target, image.mask, image.colors, drawing.operation);
+}
+
+void drawImageInto(QImage& target, const Viewport& viewport, const QtImage& image,
+                   const ImageDrawing& drawing) {
+    const auto& [destination, source, operation, opacity, textColor] = drawing;
+    const QSizeF unit = viewport.pixelsPerUnit();
+    const double scale = std::max(destination.size.width / source.size.width * unit.width(),
+                                  destination.size.height / source.size.height * unit.height());
+    const QImage pixels = image.pixelsForScale(scale, textColor);
+    if (pixels.isNull())
+        return;
+    const Viewport plain{viewport.height, viewport.scale, viewport.left};
+    if (!viewport.keepsRects()) {
+        const Placement placement = place(image, pixels, source, destination, plain);
+        if (!placement.source.isEmpty())
+            drawTurned(target, pixels, placement, plain.toPixels().inverted() * viewport.toPixels(),
+                       drawing);
+        return;
+    }
+    const Placement placement = place(image, pixels, source, viewport.inPoints(destination), plain);
+    const QRectF visible = placement.destination & QRectF(target.rect());
+    if (placement.source.isEmpty() || visible.isEmpty())
+        return;
+    if (opacity == 1 && isSourceOver(operation) && isPixelCopy(placement)) {
+        QImage view = unscaledView(target);
+        QPainter(&view).drawImage(placement.destination.topLeft(), pixels, placement.source);
+        return;
+    }
+    const QRect area = visible.toAlignedRect();
+    const QImage layer = resampled(pixels, placement.source, placement.destination, area);
+    compositeImage(target, placement.destination, layer, area.topLeft(), opacity, operation);
+}
+
+void fillOutline(QImage& target, const QPainterPath& outline, const QColor& color,
+                 CompositingOperation operation) {
+    if (!isSourceOver(operation)) {
+        compositeMask(target, outlineMask(outline, target.rect()), color, operation);
+        return;
+    }
+    if ((outline.controlPointRect() & QRectF(target.rect())).isEmpty())
+        return;
+    QImage view = unscaledView(target);
+    QPainter painter(&view);
     painter.setRenderHint(QPainter::Antialiasing);
     painter.fillPath(outline, color);
 }
@@ -59,27 +127,78 @@ void fillOutline(QImage& target, const QPainterPath& outline, const QColor& colo
 
 QtGraphicsContext::QtGraphicsContext(TextLineCache& lines, QImage& target, const Viewport& viewport,
                                      TextPainter::Defaults defaults)
-    : lines_(lines), target_(target), viewport_(viewport), defaults_(std::move(defaults)) {}
+    : lines_(lines), target_(target), defaults_(std::move(defaults)), state_{{}, viewport} {}
 
 QtGraphicsContext::~QtGraphicsContext() = default;
 
 void QtGraphicsContext::restoreGraphicsState() {
     if (saved_.empty())
         return;
-    settings_ = saved_.back();
+    state_ = std::move(saved_.back());
     saved_.pop_back();
 }
 
+void QtGraphicsContext::translateBy(double deltaX, double deltaY) {
+    if (std::isfinite(deltaX) && std::isfinite(deltaY))
+        state_.viewport.transform.translate(deltaX, deltaY);
+}
+
+void QtGraphicsContext::rotateByDegrees(double angle) {
+    if (std::isfinite(angle))
+        state_.viewport.transform.rotate(angle);
+}
+
+void QtGraphicsContext::scaleBy(double factorX, double factorY) {
+    if (std::isfinite(factorX) && std::isfinite(factorY))
+        state_.viewport.transform.scale(factorX, factorY);
+}
+
+void QtGraphicsContext::clipToPath(const BezierPath& path) {
+    Mask mask = outlineMask(pathOutline(path, state_.viewport), target_.rect());
+    if (state_.clip)
+        mask = intersected(*state_.clip, mask);
+    state_.clip = std::make_shared<const Mask>(std::move(mask));
+}
+
 void QtGraphicsContext::setShadow(Size offset, double blurRadius) {
-    settings_.shadow = Shadow{offset, blurRadius};
+    state_.text.shadow = Shadow{offset, blurRadius};
+}
+
+template <class Draw>
+void QtGraphicsContext::drawClipped(const Draw& draw) {
+    if (!state_.viewport.isUsable())
+        return;
+    if (!state_.clip) {
+        draw(target_, state_.viewport);
+        return;
+    }
+    const QRect& area = state_.clip->area;
+    if (area.isEmpty())
+        return;
+    QImage layer = target_.copy(area);
+    draw(layer, state_.viewport.movedTo(area.topLeft()));
+    replaceThrough(target_, *state_.clip, layer);
 }
 
 void QtGraphicsContext::drawText(const AttributedString& text, Point point) {
-    textPainter().draw(text, point);
+    drawClipped([&](QImage& target, const Viewport& viewport) {
+        textPainter(target, viewport).draw(text, point);
+    });
 }
 
 void QtGraphicsContext::drawTextInRect(const AttributedString& text, const Rect& rect) {
-    textPainter().drawInRect(text, rect);
+    if (state_.viewport.keepsRects()) {
+        drawClipped([&](QImage& target, const Viewport& viewport) {
+            textPainter(target, viewport).drawInRect(text, rect);
+        });
+        return;
+    }
+    const std::shared_ptr<const Mask> clip = state_.clip;
+    clipToPath(rectPath(rect));
+    drawClipped([&](QImage& target, const Viewport& viewport) {
+        textPainter(target, viewport).drawAtTopOfRect(text, rect);
+    });
+    state_.clip = clip;
 }
 
 void QtGraphicsContext::drawImage(const Image& image, const Rect& destination, const Rect& source,
@@ -89,46 +208,55 @@ void QtGraphicsContext::drawImage(const Image& image, const Rect& destination, c
         throw Exception(kInvalidArgumentException, "cannot draw an image of another backend");
     if (!isDrawable(destination) || !isDrawable(source))
         return;
-    const double stretch = std::max(destination.size.width / source.size.width,
-                                    destination.size.height / source.size.height);
-    const QImage pixels = picture->pixelsForScale(viewport_.scale * stretch, defaults_.color);
-    if (pixels.isNull())
-        return;
-    const Placement placement = place(*picture, pixels, source, destination, viewport_);
-    const QRectF visible = placement.destination & QRectF(target_.rect());
-    if (placement.source.isEmpty() || visible.isEmpty())
-        return;
-    if (fraction == 1 && isSourceOver(operation) && isPixelCopy(placement)) {
-        QImage view = unscaledView(target_);
-        QPainter(&view).drawImage(placement.destination.topLeft(), pixels, placement.source);
-        return;
-    }
-    const QRect area = visible.toAlignedRect();
-    const QImage layer = resampled(pixels, placement.source, placement.destination, area);
-    compositeImage(target_, placement.destination, layer, area.topLeft(),
-                   fraction > 0 ? std::min(fraction, 1.0) : 0, operation);
+    const double opacity = fraction > 0 ? std::min(fraction, 1.0) : 0;
+    drawClipped([&](QImage& target, const Viewport& viewport) {
+        drawImageInto(target, viewport, *picture,
+                      {destination, source, operation, opacity, defaults_.color});
+    });
 }
 
 void QtGraphicsContext::fillRect(const Rect& rect, const Color& color,
                                  CompositingOperation operation) {
-    if (isDrawable(rect) && color.space != ColorSpace::Pattern)
-        compositeRect(target_, viewport_.toPixels(rect), qColor(color), operation);
+    if (!isDrawable(rect) || color.space == ColorSpace::Pattern)
+        return;
+    if (!state_.viewport.keepsRects()) {
+        fillPath(rectPath(rect), color, operation);
+        return;
+    }
+    drawClipped([&](QImage& target, const Viewport& viewport) {
+        compositeRect(target, viewport.toPixels(rect), qColor(color), operation);
+    });
 }
 
 void QtGraphicsContext::fillPath(const BezierPath& path, const Color& color,
                                  CompositingOperation operation) {
-    const QPainterPath outline = pathOutline(path, viewport_);
-    const QRect area = (outline.controlPointRect() & QRectF(target_.rect())).toAlignedRect();
-    if (area.isEmpty() || color.space == ColorSpace::Pattern)
+    if (color.space == ColorSpace::Pattern)
         return;
-    if (isSourceOver(operation)) {
-        QImage view = unscaledView(target_);
-        fillOutline(view, outline, qColor(color));
+    drawClipped([&](QImage& target, const Viewport& viewport) {
+        fillOutline(target, pathOutline(path, viewport), qColor(color), operation);
+    });
+}
+
+void QtGraphicsContext::fillPathWithGradient(const BezierPath& path, const Gradient& gradient,
+                                             CompositingOperation operation) {
+    drawClipped([&](QImage& target, const Viewport& viewport) {
+        const auto gradientColors = GradientColors::create(gradient, viewport);
+        if (!gradientColors)
+            return;
+        Mask mask = outlineMask(pathOutline(path, viewport), target.rect());
+        const auto colors =
+            colorsOf(mask, [&](QPointF pixel) { return gradientColors->at(pixel); });
+        compositeColors(target, mask, colors, operation);
+    });
+}
+
+void QtGraphicsContext::strokePath(const BezierPath& path, const StrokeStyle& style,
+                                   const Color& color, CompositingOperation operation) {
+    if (color.space == ColorSpace::Pattern)
         return;
-    }
-    QImage layer = transparentLayer(area.size());
-    fillOutline(layer, outline.translated(-area.topLeft()), Qt::black);
-    compositeMask(target_, alphaMask(layer, area.topLeft()), qColor(color), operation);
+    drawClipped([&](QImage& target, const Viewport& viewport) {
+        fillOutline(target, strokeOutline(path, style, viewport), qColor(color), operation);
+    });
 }
 
 } // namespace platform::qt

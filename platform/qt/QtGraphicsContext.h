@@ -1,12 +1,14 @@
 #pragma once
 
 #include "platform/Graphics.h"
+#include "platform/qt/Mask.h"
 #include "platform/qt/TextLineCache.h"
 #include "platform/qt/TextPainter.h"
 #include "platform/qt/Viewport.h"
 
 #include <QImage>
 
+#include <memory>
 #include <vector>
 
 namespace platform::qt {
@@ -22,14 +24,19 @@ class QtGraphicsContext final : public GraphicsContext {
 
     const QFont& defaultFont() const { return defaults_.font; }
 
-    void saveGraphicsState() override { saved_.push_back(settings_); }
+    void saveGraphicsState() override { saved_.push_back(state_); }
     /// Has no effect if no state is saved.
     void restoreGraphicsState() override;
 
-    void setShouldSmoothFonts(bool smooth) override { settings_.smoothing = smooth; }
-    void setTextDrawingMode(TextDrawingMode mode) override { settings_.mode = mode; }
+    void translateBy(double deltaX, double deltaY) override;
+    void rotateByDegrees(double angle) override;
+    void scaleBy(double factorX, double factorY) override;
+    void clipToPath(const BezierPath& path) override;
+
+    void setShouldSmoothFonts(bool smooth) override { state_.text.smoothing = smooth; }
+    void setTextDrawingMode(TextDrawingMode mode) override { state_.text.mode = mode; }
     void setCompositingOperation(CompositingOperation operation) override {
-        settings_.operation = operation;
+        state_.text.operation = operation;
     }
     void setShadow(Size offset, double blurRadius) override;
 
@@ -43,16 +50,31 @@ class QtGraphicsContext final : public GraphicsContext {
     void fillRect(const Rect& rect, const Color& color, CompositingOperation operation) override;
     void fillPath(const BezierPath& path, const Color& color,
                   CompositingOperation operation) override;
+    void fillPathWithGradient(const BezierPath& path, const Gradient& gradient,
+                              CompositingOperation operation) override;
+    void strokePath(const BezierPath& path, const StrokeStyle& style, const Color& color,
+                    CompositingOperation operation) override;
 
   private:
-    TextPainter textPainter() { return {lines_, target_, viewport_, defaults_, settings_}; }
+    struct State {
+        TextPainter::Settings text;
+        Viewport viewport;
+        std::shared_ptr<const Mask> clip{}; ///< null if drawing is not restricted
+    };
+
+    /// Calls @p draw with an image that covers the clip, and its viewport. Does not call it if
+    /// nothing can be drawn.
+    template <class Draw>
+    void drawClipped(const Draw& draw);
+    TextPainter textPainter(QImage& target, const Viewport& viewport) const {
+        return {lines_, target, viewport, defaults_, state_.text};
+    }
 
     TextLineCache& lines_;
     QImage& target_;
-    Viewport viewport_;
     TextPainter::Defaults defaults_;
-    TextPainter::Settings settings_;
-    std::vector<TextPainter::Settings> saved_;
+    State state_;
+    std::vector<State> saved_;
 };
 
 } // namespace platform::qt

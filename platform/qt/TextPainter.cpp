@@ -87,17 +87,24 @@ Size TextPainter::sizeOf(const AttributedString& text) const {
     return lines_.line(text, defaults_.font, FontSmoothing::Greyscale)->size();
 }
 
+/// Maps the coordinates of a line whose box has its lower left corner at @p point.
+QTransform TextPainter::lineToPixels(Point point, Size size) const {
+    if (!viewport_.keepsRects())
+        return QTransform(1, 0, 0, -1, point.x, point.y + size.height) * viewport_.toPixels();
+    const QPointF topLeft = viewport_.toPixels(Rect{point, size}).topLeft();
+    const QSizeF unit = viewport_.pixelsPerUnit();
+    return translated(QTransform::fromScale(unit.width(), unit.height()), topLeft);
+}
+
 void TextPainter::draw(const AttributedString& text, Point point) {
     if (target_.isNull() || settings_.mode == TextDrawingMode::Invisible || !isFinite(point))
         return;
     const bool direct = isSourceOver(settings_.operation);
     const bool shadowed = hasShadow(text);
-    const bool subpixel = settings_.smoothing && direct && !shadowed;
+    const bool subpixel = settings_.smoothing && direct && !shadowed && viewport_.keepsRects();
     const auto line = lines_.line(text, defaults_.font,
                                   subpixel ? FontSmoothing::Subpixel : FontSmoothing::Greyscale);
-    const QPointF topLeft = viewport_.toPixels(Rect{point, line->size()}).topLeft();
-    const QTransform toPixels =
-        translated(QTransform::fromScale(viewport_.scale, viewport_.scale), topLeft);
+    const QTransform toPixels = lineToPixels(point, line->size());
     const bool plain = direct && settings_.mode == TextDrawingMode::Fill;
     const Parts parts = plain && !shadowed ? Parts() : line->parts();
     drawShadows(parts, toPixels);
@@ -118,7 +125,17 @@ void TextPainter::drawInRect(const AttributedString& text, const Rect& rect) {
     const QRect area = isDrawable(rect)
                            ? (viewport_.toPixels(rect) & QRectF(target_.rect())).toAlignedRect()
                            : QRect();
-    if (area.isEmpty() || text.runs().empty())
+    if (area.isEmpty())
+        return;
+    // This image shares the target's pixels. It clips what is drawn to the area.
+    QImage clipped(target_.scanLine(area.top()) + 4 * static_cast<std::ptrdiff_t>(area.left()),
+                   area.width(), area.height(), target_.bytesPerLine(), target_.format());
+    const Viewport inside = viewport_.movedTo(area.topLeft());
+    TextPainter(lines_, clipped, inside, defaults_, settings_).drawAtTopOfRect(text, rect);
+}
+
+void TextPainter::drawAtTopOfRect(const AttributedString& text, const Rect& rect) {
+    if (!isDrawable(rect) || text.runs().empty())
         return;
     const ParagraphStyle style =
         text.runs().front().attributes.paragraphStyle.value_or(ParagraphStyle());
@@ -127,15 +144,7 @@ void TextPainter::drawInRect(const AttributedString& text, const Rect& rect) {
     const Size size = sizeOf(shown);
     const double spare = std::max(0.0, rect.size.width - size.width);
     const double left = spare * kLeftFraction[static_cast<std::size_t>(style.alignment)];
-
-    // This image shares the target's pixels. It clips what is drawn to the area.
-    const double scale = viewport_.scale;
-    QImage clipped(target_.scanLine(area.top()) + 4 * static_cast<std::ptrdiff_t>(area.left()),
-                   area.width(), area.height(), target_.bytesPerLine(), target_.format());
-    const Viewport inside{viewport_.height - area.top() / scale, scale};
-    TextPainter(lines_, clipped, inside, defaults_, settings_)
-        .draw(shown, {rect.origin.x + left - area.left() / scale,
-                      rect.origin.y + rect.size.height - size.height});
+    draw(shown, {rect.origin.x + left, rect.origin.y + rect.size.height - size.height});
 }
 
 void TextPainter::drawShadows(const Parts& parts, const QTransform& toPixels) {

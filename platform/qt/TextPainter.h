@@ -42,6 +42,8 @@ class TextPainter {
     /// Draws @p text at the top of @p rect, aligned and truncated by the paragraph style of the
     /// first run, and clipped to the rectangle.
     void drawInRect(const AttributedString& text, const Rect& rect);
+    /// The same, without clipping.
+    void drawAtTopOfRect(const AttributedString& text, const Rect& rect);
 
   private:
     using Parts = std::vector<TextLine::Part>;
@@ -51,6 +53,7 @@ class TextPainter {
     bool hasShadow(const AttributedString& text) const;
     AttributedString fitted(const AttributedString& text, double width) const;
     Size sizeOf(const AttributedString& text) const;
+    QTransform lineToPixels(Point point, Size size) const;
 
     void drawShadows(const Parts& parts, const QTransform& toPixels);
     void drawShadow(const Shadow& shadow, Parts::const_iterator first, Parts::const_iterator last,
