@@ -76,15 +76,10 @@ void TextLine::layOut(const QString& text, const QList<QTextLayout::FormatRange>
     layout_.setText(text);
     layout_.setFormats(formats);
     layout_.beginLayout();
-    layout_.createLine().setLineWidth(kUnlimitedWidth);
+    QTextLine line = layout_.createLine();
+    line.setLineWidth(kUnlimitedWidth);
     layout_.endLayout();
-}
-
-Size TextLine::size() const {
-    if (layout_.lineCount() == 0)
-        return {};
-    const QTextLine line = layout_.lineAt(0);
-    return {line.naturalTextWidth(), line.ascent() + line.descent()};
+    size_ = {line.naturalTextWidth(), line.ascent() + line.descent()};
 }
 
 void TextLine::fill(QPainter& painter) const {

@@ -27,7 +27,7 @@ class TextLine {
              FontSmoothing smoothing);
 
     /// Returns the advance width and the ascent plus descent, or 0 x 0 for empty text.
-    Size size() const;
+    Size size() const { return size_; }
     std::vector<Part> parts() const;
     /// Draws all glyphs filled, in the colours of their runs or else the painter's. The line's top
     /// left corner is at the painter's origin. Much faster than drawing the parts.
@@ -44,6 +44,7 @@ class TextLine {
                 const QFont& font);
 
     QTextLayout layout_;
+    Size size_;
     std::vector<Range> ranges_;
 };
 

@@ -1,18 +1,20 @@
 #include "platform/qt/TextLineCache.h"
 
-#include <algorithm>
-
 namespace platform::qt {
 
 std::shared_ptr<const TextLine> TextLineCache::line(const AttributedString& text,
                                                     const QFont& defaultFont,
                                                     FontSmoothing smoothing) {
-    const auto cached = std::find_if(entries_.begin(), entries_.end(), [&](const Entry& entry) {
-        return entry.line && entry.text == text && entry.smoothing == smoothing &&
+    const auto matches = [&](const Entry& entry) {
+        return entry.line && entry.smoothing == smoothing && entry.text == text &&
                entry.defaultFont == defaultFont;
-    });
-    if (cached != entries_.end())
-        return cached->line;
+    };
+    // The newest first: most text is looked up again soon.
+    for (std::size_t age = 1; age <= entries_.size(); ++age) {
+        const Entry& entry = entries_[(next_ + entries_.size() - age) % entries_.size()];
+        if (matches(entry))
+            return entry.line;
+    }
     Entry& entry = entries_[next_];
     next_ = (next_ + 1) % entries_.size();
     entry = {text, defaultFont, smoothing,

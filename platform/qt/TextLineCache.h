@@ -9,8 +9,9 @@
 
 namespace platform::qt {
 
-/// Lays out text and caches the last few lines: most text is drawn right after it has been
-/// measured, and shaping takes most of the time. Main thread.
+/// Lays out text and caches the last lines, because shaping takes most of the time and text is
+/// drawn after it has been measured. Items may change together and are drawn only after all of them
+/// have changed, so there is room for the titles of a full bar. Main thread.
 class TextLineCache {
   public:
     std::shared_ptr<const TextLine> line(const AttributedString& text, const QFont& defaultFont,
@@ -25,8 +26,8 @@ class TextLineCache {
     };
 
     Fonts fonts_;
-    std::array<Entry, 4> entries_;
-    std::size_t next_ = 0;
+    std::array<Entry, 16> entries_;
+    std::size_t next_ = 0; // the entry to replace, which is the oldest
 };
 
 } // namespace platform::qt

@@ -79,6 +79,19 @@ TEST(Text, IsMeasuredByAdvanceWidthAndAscentPlusDescent) {
     EXPECT_EQ(both.height, large.height);
 }
 
+TEST(Text, IsLaidOutOnceIfAFullBarOfItemsIsMeasuredBeforeItIsDrawn) {
+    qt::TextLineCache cache;
+    const auto line = [&](int item) {
+        return cache.line(AttributedString("item " + std::to_string(item)), QFont(),
+                          qt::FontSmoothing::Greyscale);
+    };
+    std::vector<std::shared_ptr<const qt::TextLine>> measured;
+    for (int item = 0; item < 12; ++item)
+        measured.push_back(line(item));
+    for (int item = 0; item < 12; ++item)
+        EXPECT_EQ(line(item), measured[static_cast<std::size_t>(item)]) << item;
+}
+
 TEST(Text, ChangesOnlyTheGlyphsPixelsWithEveryOperation) {
     const AttributedString text("Xor 8", {{}, platform::Color{1, 0, 0, 1}, {}});
     Canvas glyphs(60, 20);
