@@ -22,15 +22,17 @@ struct DrawingTask {
 
     Needs needs = Needs::Drawing;
     std::function<ExitStatus()> run;
+    double scale = 1; ///< pixels per point of the images that it draws
 };
 
 // Each function adds its verb to the command line. Parsing that verb sets @p task, which must
 // outlive the parsing.
 
 void addHudVerb(CLI::App& commands, DrawingTask& task);
+void addSheetVerb(CLI::App& commands, DrawingTask& task);
 void addTintVerb(CLI::App& commands, DrawingTask& task);
 
-/// Writes @p image as PNG, one pixel per point, and replaces the file at @p path. On failure,
+/// Writes the pixels of @p image as PNG, and replaces the file at @p path. On failure,
 /// prints the reason and leaves an existing file unchanged.
 ExitStatus writePng(const platform::Image& image, const std::string& path);
 

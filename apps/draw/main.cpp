@@ -56,7 +56,7 @@ bool hasDisplay() {
 
 ExitStatus draw(const DrawingTask& task) {
     platform::qt::QtGraphics graphics;
-    graphics.setDrawingScale(1);
+    graphics.setDrawingScale(task.scale);
     const platform::ScopedService<platform::Graphics> guard(graphics);
     return task.run();
 }
@@ -80,6 +80,7 @@ ExitStatus run(int argc, char** argv) {
     CLI::App commandLine("Draw panels and images for halvexctl.", "halvexctl");
     commandLine.require_subcommand(1);
     addHudVerb(commandLine, task);
+    addSheetVerb(commandLine, task);
     addTintVerb(commandLine, task);
     try {
         parseArguments(commandLine, argc, argv);
