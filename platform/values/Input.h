@@ -38,7 +38,9 @@ enum class Key {
 /// A key press, or a repetition while the key is held.
 struct KeyEvent {
     Key key = Key::None;
-    std::string text{}; ///< what the key enters, in UTF-8, if it is not one of the keys above
+    /// What the key enters, in UTF-8, if it is not one of the keys above. With Control, the key's
+    /// own character in lower case.
+    std::string text{};
     std::uint32_t modifierFlags = 0; ///< the masks of Event.h
 };
 

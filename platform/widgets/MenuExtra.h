@@ -26,6 +26,9 @@ class ViewContainer : NonCopyable {
     virtual void viewNeedsDisplay(MenuExtraView& view) = 0;
     /// Called after the size of @p view has changed.
     virtual void viewSizeChanged(MenuExtraView& view) = 0;
+    /// Closes the menu that shows the view, with the menus that it was opened from. A panel decides
+    /// itself whether it closes.
+    virtual void dismiss() = 0;
 };
 
 /// The view of an item in the bar, or a view inside a menu or a panel. Main thread only.
