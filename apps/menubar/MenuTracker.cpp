@@ -52,8 +52,8 @@ void MenuTracker::open(Item& item) {
     std::unique_ptr<qt::QtMenu> menu;
     runGuarded(item.identifier(), [&] {
         extra.menuWillOpen();
-        if (const auto model = extra.menu())
-            menu = std::make_unique<qt::QtMenu>(*model, item.identifier());
+        if (auto model = extra.menu())
+            menu = std::make_unique<qt::QtMenu>(std::move(model), item.identifier());
     });
     if (!menu || menu->isEmpty()) {
         runGuarded(item.identifier(), [&] { extra.menuDidClose(); });

@@ -27,24 +27,25 @@ std::int32_t buttonNumber(Qt::MouseButton button) {
     return static_cast<std::int32_t>(found - kOrder.begin());
 }
 
+constexpr std::array<std::pair<Qt::Key, Key>, 15> kKeys{{
+    {Qt::Key_Return, Key::Return},
+    {Qt::Key_Enter, Key::Return},
+    {Qt::Key_Escape, Key::Escape},
+    {Qt::Key_Tab, Key::Tab},
+    {Qt::Key_Backtab, Key::Tab},
+    {Qt::Key_Backspace, Key::Backspace},
+    {Qt::Key_Delete, Key::Delete},
+    {Qt::Key_Left, Key::Left},
+    {Qt::Key_Right, Key::Right},
+    {Qt::Key_Up, Key::Up},
+    {Qt::Key_Down, Key::Down},
+    {Qt::Key_PageUp, Key::PageUp},
+    {Qt::Key_PageDown, Key::PageDown},
+    {Qt::Key_Home, Key::Home},
+    {Qt::Key_End, Key::End},
+}};
+
 Key keyNamed(int key) {
-    constexpr std::array<std::pair<Qt::Key, Key>, 15> kKeys{{
-        {Qt::Key_Return, Key::Return},
-        {Qt::Key_Enter, Key::Return},
-        {Qt::Key_Escape, Key::Escape},
-        {Qt::Key_Tab, Key::Tab},
-        {Qt::Key_Backtab, Key::Tab},
-        {Qt::Key_Backspace, Key::Backspace},
-        {Qt::Key_Delete, Key::Delete},
-        {Qt::Key_Left, Key::Left},
-        {Qt::Key_Right, Key::Right},
-        {Qt::Key_Up, Key::Up},
-        {Qt::Key_Down, Key::Down},
-        {Qt::Key_PageUp, Key::PageUp},
-        {Qt::Key_PageDown, Key::PageDown},
-        {Qt::Key_Home, Key::Home},
-        {Qt::Key_End, Key::End},
-    }};
     const auto* const found = std::find_if(kKeys.begin(), kKeys.end(),
                                            [key](const auto& entry) { return entry.first == key; });
     return found == kKeys.end() ? Key::None : found->second;
@@ -88,6 +89,12 @@ DroppedData inputEvent(const QDropEvent& event) {
         if (url.isLocalFile())
             data.files.push_back(url.toLocalFile().toStdString());
     return data;
+}
+
+Qt::Key qtKey(Key key) {
+    const auto* const found = std::find_if(
+        kKeys.begin(), kKeys.end(), [key](const auto& entry) { return entry.second == key; });
+    return found == kKeys.end() ? Qt::Key_unknown : found->first;
 }
 
 std::int32_t ClickCounter::count(const QMouseEvent& press) {

@@ -20,6 +20,9 @@ WheelEvent inputEvent(const QWheelEvent& event);
 KeyEvent inputEvent(const QKeyEvent& event);
 DroppedData inputEvent(const QDropEvent& event);
 
+/// Returns Qt's key, and Qt::Key_unknown for Key::None.
+Qt::Key qtKey(Key key);
+
 /// Counts double and triple clicks.
 class ClickCounter {
   public:

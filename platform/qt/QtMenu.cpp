@@ -1,104 +1,112 @@
 #include "platform/qt/QtMenu.h"
 
-#include "platform/qt/Strings.h"
+#include "platform/qt/HandledEvent.h"
+#include "platform/qt/InputEvents.h"
+#include "platform/qt/MenuAccessible.h"
+#include "platform/qt/MenuShortcut.h"
+#include "platform/qt/MenuStyle.h"
+#include "platform/qt/Modifiers.h"
+#include "platform/qt/ToolTip.h"
+#include "platform/qt/ViewWidget.h"
 #include "platform/runtime/Guard.h"
 
-#include <QApplication>
+#include <QGuiApplication>
+#include <QHelpEvent>
 #include <QKeyEvent>
 #include <QMouseEvent>
 #include <QPointer>
-#include <QProxyStyle>
+#include <QToolTip>
 
+#include <algorithm>
 #include <utility>
 
 namespace platform::qt {
 namespace {
 
-/// Escapes ampersands, which would mark a mnemonic, and replaces line ends and tabs by blanks.
-QString actionText(const std::string& title) {
-    return qString(title).replace('&', "&&").replace('\n', ' ').replace('\t', ' ');
+/// Returns the flag of a modifier key, or 0 for another key.
+std::uint32_t modifierOf(const QKeyEvent& event) {
+    switch (event.key()) {
+    case Qt::Key_Shift:
+        return kShiftKeyMask;
+    case Qt::Key_Control:
+        return kControlKeyMask;
+    case Qt::Key_Alt:
+        return kOptionKeyMask;
+    default:
+        return 0;
+    }
 }
 
-void showState(QAction& action, const MenuItem& item) {
-    action.setText(actionText(item.title()));
-    action.setCheckable(item.state() != MenuItem::State::Off);
-    action.setChecked(item.state() != MenuItem::State::Off);
-}
-
-/// Makes menus that are higher than the screen scroll. Some styles add columns instead, which may
-/// extend beyond the screen.
-class ScrollingMenuStyle final : public QProxyStyle {
-  public:
-    int styleHint(StyleHint hint, const QStyleOption* option, const QWidget* widget,
-                  QStyleHintReturn* data) const override {
-        return hint == SH_Menu_Scrollable ? 1 : QProxyStyle::styleHint(hint, option, widget, data);
-    }
-};
-
-QStyle* menuStyle() {
-    static QPointer<ScrollingMenuStyle> style;
-    if (!style) {
-        style = new ScrollingMenuStyle;
-        style->setParent(qApp);
-    }
-    return style;
+/// Returns the modifier flags after a key event. Its own modifiers may be those before it.
+std::uint32_t modifiersAfter(const QKeyEvent& event) {
+    const std::uint32_t flags = modifierFlags(event.modifiers());
+    const std::uint32_t flag = modifierOf(event);
+    return event.type() == QEvent::KeyPress ? flags | flag : flags & ~flag;
 }
 
 } // namespace
 
-QtMenu::QtMenu(const Menu& menu, std::string owner, QWidget* parent)
-    : QMenu(parent), menu_(&menu), owner_(std::move(owner)) {
+QtMenu::QtMenu(std::shared_ptr<Menu> menu, std::string owner, QWidget* parent)
+    : QMenu(parent), menu_(std::move(menu)), owner_(std::move(owner)) {
+    installMenuAccessibility();
     setStyle(menuStyle());
     // Presses outside of the menu are left to the mouse handler.
     setAttribute(Qt::WA_NoMouseReplay);
-    for (const auto& item : menu.items())
-        addItem(item);
+    menu_->addDisplay(*this);
+    if (&root() != this) {
+        connect(this, &QMenu::aboutToShow, this, &QtMenu::refreshAll);
+        return;
+    }
+    modifiers_ = modifierFlags(QGuiApplication::queryKeyboardModifiers());
+    refreshAll();
 }
 
 QtMenu::~QtMenu() {
-    for (const auto& item : items_)
-        item->setChangeHandler({});
+    menu_->removeDisplay(*this);
+    for (const auto& item : observed_)
+        item->removeDisplay(*this);
+    if (highlighted_)
+        highlighted_->setHighlighted(false);
 }
 
-void QtMenu::addItem(const std::shared_ptr<MenuItem>& item) {
-    if (item->isSeparatorItem()) {
-        addSeparator();
-        return;
-    }
-    items_.push_back(item);
-    QAction* action = nullptr;
-    const bool isCyclic = item->submenu() && isNestedIn(*item->submenu());
-    if (item->submenu() && !isCyclic) {
-        auto* submenu = new QtMenu(*item->submenu(), owner_, this);
-        connect(submenu, &QtMenu::neighbourRequested, this, &QtMenu::neighbourRequested);
-        submenus_.push_back(submenu);
-        action = addMenu(submenu);
-    } else {
-        action = addAction(QString());
-        connect(action, &QAction::triggered, this,
-                [owner = owner_, item] { runGuarded(owner, [&] { item->perform(); }); });
-    }
-    showState(*action, *item);
-    bool enabled = false;
-    runGuarded(owner_, [&] { enabled = !isCyclic && item->isEnabled(); });
-    action->setEnabled(enabled);
-    item->setChangeHandler([action, raw = item.get()] { showState(*action, *raw); });
+QtMenu& QtMenu::root() {
+    auto* const parent = qobject_cast<QtMenu*>(parentWidget());
+    return parent ? parent->root() : *this;
 }
 
 /// Whether this widget or one of its parent menus shows @p menu.
 bool QtMenu::isNestedIn(const Menu& menu) const {
     const auto* parent = qobject_cast<const QtMenu*>(parentWidget());
-    return menu_ == &menu || (parent && parent->isNestedIn(menu));
+    return menu_.get() == &menu || (parent && parent->isNestedIn(menu));
+}
+
+QtMenu::Row* QtMenu::rowOf(const QAction* action) const {
+    const auto found = std::find_if(rows_.begin(), rows_.end(),
+                                    [&](const auto& row) { return row->action == action; });
+    return action && found != rows_.end() ? found->get() : nullptr;
+}
+
+const MenuItem* QtMenu::itemOf(const QAction& action) const {
+    const Row* const row = rowOf(&action);
+    return row ? row->shown.get() : nullptr;
+}
+
+const ViewWidget* QtMenu::viewOf(const QAction& action) const {
+    const Row* const row = rowOf(&action);
+    return row ? row->viewWidget : nullptr;
+}
+
+void QtMenu::dismiss() {
+    root().close();
 }
 
 void QtMenu::setOutsideMouseHandler(MouseHandler handler) {
-    for (QtMenu* submenu : submenus_)
-        submenu->setOutsideMouseHandler(handler);
     mouseHandler_ = std::move(handler);
 }
 
-bool QtMenu::handles(const QMouseEvent& event) const {
-    return !rect().contains(event.pos()) && mouseHandler_ && mouseHandler_(event);
+bool QtMenu::handles(const QMouseEvent& event) {
+    const MouseHandler& handler = root().mouseHandler_;
+    return !rect().contains(event.pos()) && handler && handler(event);
 }
 
 void QtMenu::mousePressEvent(QMouseEvent* event) {
@@ -107,19 +115,168 @@ void QtMenu::mousePressEvent(QMouseEvent* event) {
 }
 
 void QtMenu::mouseMoveEvent(QMouseEvent* event) {
+    for (const auto& row : rows_)
+        if (row->viewWidget)
+            row->viewWidget->sendExit();
     if (!handles(*event))
         QMenu::mouseMoveEvent(event);
 }
 
+/// Highlights the row of a view while the pointer is over it.
+bool QtMenu::eventFilter(QObject* watched, QEvent* event) {
+    if (event->type() == QEvent::MouseMove) {
+        const auto& move = static_cast<const QMouseEvent&>(*event);
+        const QPointF position = static_cast<const QWidget*>(watched)->mapTo(this, move.position());
+        // Without buttons, because the release is for the view.
+        QMouseEvent hover(QEvent::MouseMove, position, move.globalPosition(), Qt::NoButton, {},
+                          move.modifiers());
+        QMenu::mouseMoveEvent(&hover);
+        root().setModifiers(modifierFlags(move.modifiers()));
+        updateHighlight();
+    }
+    return QMenu::eventFilter(watched, event);
+}
+
 void QtMenu::keyPressEvent(QKeyEvent* event) {
+    if (modifierOf(*event) != 0)
+        return; // QMenu would lose the highlighted row
+    const Row* const row = rowOf(activeAction());
+    if (row && row->viewWidget && (row->viewWidget->sendKey(*event) || swallows(*row, *event)))
+        return;
+    if (!event->isAutoRepeat() && performShortcut(*event))
+        return;
     const bool opensSubmenu = activeAction() && activeAction()->menu();
-    const bool closesSubmenu = qobject_cast<QtMenu*>(parentWidget()) != nullptr;
+    const bool closesSubmenu = &root() != this;
     if (event->key() == Qt::Key_Right && !opensSubmenu)
-        emit neighbourRequested(1);
+        emit root().neighbourRequested(1);
     else if (event->key() == Qt::Key_Left && !closesSubmenu)
-        emit neighbourRequested(-1);
+        emit root().neighbourRequested(-1);
     else
         QMenu::keyPressEvent(event);
+}
+
+/// Whether a key does nothing on the row of a view: Return or Space without an action.
+bool QtMenu::swallows(const Row& row, const QKeyEvent& event) {
+    const int key = event.key();
+    return !row.shown->hasAction() && !row.submenu &&
+           (key == Qt::Key_Return || key == Qt::Key_Enter || key == Qt::Key_Space);
+}
+
+bool QtMenu::performShortcut(const QKeyEvent& event) {
+    std::shared_ptr<MenuItem> item;
+    runGuarded(owner_, [&] { item = itemWithShortcut(*root().menu_, inputEvent(event)); });
+    if (!item)
+        return false;
+    const std::string owner = owner_;
+    const std::uint32_t modifiers = modifierFlags(event.modifiers());
+    root().close();
+    perform(owner, item, modifiers);
+    return true;
+}
+
+/// The action may destroy the menu.
+void QtMenu::perform(std::string owner, std::shared_ptr<MenuItem> item, std::uint32_t modifiers) {
+    const HandledEvent scope({.modifierFlags = modifiers});
+    runGuarded(owner, [&] { item->perform(); });
+}
+
+bool QtMenu::event(QEvent* event) {
+    switch (event->type()) {
+    case QEvent::KeyPress:
+    case QEvent::KeyRelease:
+        root().setModifiers(modifiersAfter(static_cast<const QKeyEvent&>(*event)));
+        break;
+    case QEvent::MouseMove:
+        root().setModifiers(modifierFlags(static_cast<const QMouseEvent&>(*event).modifiers()));
+        break;
+    case QEvent::ToolTip:
+        showToolTip(static_cast<const QHelpEvent&>(*event));
+        return true;
+    default:
+        break;
+    }
+    const QPointer<QtMenu> self = this;
+    const bool handled = QMenu::event(event);
+    if (self)
+        updateHighlight();
+    return handled;
+}
+
+/// Shows the tooltip of the row at a position: its own, or its title if that is cut off.
+void QtMenu::showToolTip(const QHelpEvent& event) {
+    const Row* const row = rowOf(actionAt(event.pos()));
+    if (!row)
+        return QToolTip::hideText();
+    QString text = toolTipText(row->shown->toolTip());
+    if (text.isEmpty() && !row->view &&
+        isTitleCut(*row->shown, columns_, font(), actionGeometry(row->action).width()))
+        text = toolTipText(row->shown->title());
+    QToolTip::showText(event.globalPos(), text, this, actionGeometry(row->action));
+}
+
+void QtMenu::setModifiers(std::uint32_t flags) {
+    if (std::exchange(modifiers_, flags) == flags)
+        return;
+    for (QtMenu* menu : findChildren<QtMenu*>())
+        menu->showAlternates();
+    showAlternates();
+}
+
+void QtMenu::showAlternates() {
+    for (const auto& row : rows_) {
+        if (row->group.size() > 1 && itemFor(row->group) != row->shown)
+            refresh(*row);
+    }
+    updateHighlight();
+}
+
+/// Tells the items, and their views, which one is highlighted.
+void QtMenu::updateHighlight() {
+    Row* const row = isVisible() ? rowOf(activeAction()) : nullptr;
+    const auto item = row ? row->shown : nullptr;
+    if (item == highlighted_)
+        return;
+    const auto before = std::exchange(highlighted_, item);
+    runGuarded(owner_, [&] {
+        if (before)
+            before->setHighlighted(false);
+        if (item)
+            item->setHighlighted(true);
+    });
+    for (const auto& other : rows_)
+        showHighlight(*other);
+}
+
+void QtMenu::showHighlight(const Row& row) {
+    if (!row.viewWidget)
+        return;
+    const bool highlighted =
+        row.shown == highlighted_ && row.shown->viewStyle() == MenuItem::ViewStyle::Highlighted;
+    row.viewWidget->setHighlighted(highlighted);
+    row.viewWidget->setForegroundRole(highlighted ? QPalette::HighlightedText : QPalette::Text);
+}
+
+void QtMenu::initStyleOption(QStyleOptionMenuItem* option, const QAction* action) const {
+    QMenu::initStyleOption(option, action);
+    styled_ = rowOf(action);
+}
+
+std::optional<QSize> QtMenu::styledRowSize() const {
+    if (!styled_)
+        return std::nullopt;
+    if (styled_->viewWidget)
+        return styled_->viewWidget->sizeHint();
+    QSize size;
+    for (const auto& item : styled_->group)
+        size = size.expandedTo(menuRowSize(*item, columns_, font()));
+    return size;
+}
+
+bool QtMenu::paintStyledRow(QPainter& painter, const QStyleOptionMenuItem& option) const {
+    if (!styled_)
+        return false;
+    paintMenuRow(painter, *styled_->shown, columns_, option, font());
+    return true;
 }
 
 } // namespace platform::qt

@@ -1,20 +1,27 @@
 #pragma once
 
+#include "platform/qt/MenuRow.h"
 #include "platform/widgets/Menu.h"
 
 #include <QMenu>
 
 #include <functional>
 #include <memory>
+#include <optional>
+#include <set>
 #include <string>
 #include <vector>
 
+class QHelpEvent;
+
 namespace platform::qt {
 
-/// The widget of a menu. Contains the items that the menu has at construction, and follows later
-/// changes of their titles and states. Actions run under the owner's identifier; see runGuarded.
-/// Main thread only.
-class QtMenu final : public QMenu {
+class ViewWidget;
+
+/// The widget of a menu. Follows all changes of the menu and its items, coalesced until the event
+/// loop runs, and keeps the highlighted item. Actions, targets and views run under the owner's
+/// identifier; see runGuarded. Main thread only.
+class QtMenu final : public QMenu, public MenuDisplay {
     Q_OBJECT
 
   public:
@@ -22,32 +29,94 @@ class QtMenu final : public QMenu {
     /// it handled the event.
     using MouseHandler = std::function<bool(const QMouseEvent& event)>;
 
-    /// Shares ownership of the items, but does not keep @p menu alive. An item whose submenu is the
-    /// menu that contains it, or a parent of that menu, is shown disabled and without a submenu.
-    QtMenu(const Menu& menu, std::string owner, QWidget* parent = nullptr);
+    /// Shares ownership of the menu, which must not be null, and of its items. An item whose
+    /// submenu is the menu that contains it, or a parent of that menu, is shown disabled and
+    /// without a submenu.
+    QtMenu(std::shared_ptr<Menu> menu, std::string owner, QWidget* parent = nullptr);
     ~QtMenu() override;
 
     void setOutsideMouseHandler(MouseHandler handler);
+
+    void itemsChanged() override;
+    void itemChanged(const MenuItem& item) override;
+    void dismiss() override;
+
+    /// Returns the item that a row shows, or null for an unknown action.
+    const MenuItem* itemOf(const QAction& action) const;
+    /// Returns the widget of the view that a row shows, or null if it shows none.
+    const ViewWidget* viewOf(const QAction& action) const;
+
+    // For the style, about the row that it was last passed. std::nullopt and false if there is
+    // none.
+    std::optional<QSize> styledRowSize() const;
+    bool paintStyledRow(QPainter& painter, const QStyleOptionMenuItem& option) const;
 
   signals:
     /// Emitted when an arrow key would leave the menu: with -1 to the left, with 1 to the right.
     void neighbourRequested(int direction);
 
   protected:
+    bool event(QEvent* event) override;
+    bool eventFilter(QObject* watched, QEvent* event) override;
     void mousePressEvent(QMouseEvent* event) override;
     void mouseMoveEvent(QMouseEvent* event) override;
     void keyPressEvent(QKeyEvent* event) override;
+    void initStyleOption(QStyleOptionMenuItem* option, const QAction* action) const override;
 
   private:
-    void addItem(const std::shared_ptr<MenuItem>& item);
-    bool isNestedIn(const Menu& menu) const;
-    bool handles(const QMouseEvent& event) const;
+    using Group = std::vector<std::shared_ptr<MenuItem>>; // an item and its alternates
 
-    const Menu* menu_; // only compared, never dereferenced
-    std::string owner_;
-    std::vector<std::shared_ptr<MenuItem>> items_;
-    std::vector<QtMenu*> submenus_;
-    MouseHandler mouseHandler_;
+    /// One line of the menu.
+    struct Row {
+        Group group;
+        std::shared_ptr<MenuItem> shown; // one of the group
+        std::shared_ptr<MenuExtraView> view;
+        std::shared_ptr<Menu> submenu;
+        QAction* action = nullptr;
+        ViewWidget* viewWidget = nullptr; // owned by the action
+        QtMenu* submenuWidget = nullptr;
+    };
+    using Rows = std::vector<std::unique_ptr<Row>>;
+
+    QtMenu& root();
+    bool isNestedIn(const Menu& menu) const;
+    Row* rowOf(const QAction* action) const;
+
+    void scheduleSync();
+    void refreshAll();
+    void sync();
+    void observeItems();
+    static std::vector<Group> groups(const Menu& menu);
+    void arrangeRows();
+    std::unique_ptr<Row> makeRow(const std::shared_ptr<MenuItem>& item);
+    QAction* makeViewAction(Row& row);
+    void retire(Row& row);
+    const std::shared_ptr<MenuItem>& itemFor(const Group& group);
+    void refresh(Row& row);
+    void showSubmenu(Row& row, const std::shared_ptr<Menu>& submenu);
+    void relayout();
+
+    bool handles(const QMouseEvent& event);
+    static bool swallows(const Row& row, const QKeyEvent& event);
+    bool performShortcut(const QKeyEvent& event);
+    static void perform(std::string owner, std::shared_ptr<MenuItem> item, std::uint32_t modifiers);
+    void showToolTip(const QHelpEvent& event);
+    void setModifiers(std::uint32_t flags);
+    void showAlternates();
+    void updateHighlight();
+    void showHighlight(const Row& row);
+
+    const std::shared_ptr<Menu> menu_;
+    const std::string owner_;
+    MouseHandler mouseHandler_; // of the root
+    Rows rows_;
+    std::vector<std::shared_ptr<MenuItem>> observed_;
+    std::set<const MenuItem*> changed_; // since the last sync
+    MenuColumns columns_;
+    std::shared_ptr<MenuItem> highlighted_;
+    mutable const Row* styled_ = nullptr;
+    std::uint32_t modifiers_ = 0; // of the root: those that are held
+    bool needsSync_ = false;
 };
 
 } // namespace platform::qt

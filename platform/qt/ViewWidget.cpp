@@ -1,8 +1,10 @@
 #include "platform/qt/ViewWidget.h"
 
 #include "platform/qt/HandledEvent.h"
+#include "platform/qt/MenuRow.h"
 #include "platform/qt/QtGraphics.h"
 #include "platform/qt/Strings.h"
+#include "platform/qt/ToolTip.h"
 #include "platform/runtime/Guard.h"
 
 #include <QAccessibleWidget>
@@ -115,6 +117,11 @@ void ViewWidget::dismiss() {
     emit dismissRequested();
 }
 
+void ViewWidget::setHighlighted(bool highlighted) {
+    highlighted_ = highlighted;
+    update();
+}
+
 void ViewWidget::resizeEvent(QResizeEvent*) {
     followWidget();
 }
@@ -149,7 +156,10 @@ void ViewWidget::paintEvent(QPaintEvent*) {
         view.drawRect({{}, {points.width(), points.height()}});
     });
     layer.setDevicePixelRatio(scale);
-    QPainter(this).drawImage(0, 0, layer);
+    QPainter painter(this);
+    if (highlighted_)
+        paintMenuHighlight(painter, rect(), palette());
+    painter.drawImage(0, 0, layer);
     view_->didDisplay();
     announceChanges();
 }
@@ -216,6 +226,7 @@ void ViewWidget::sendExit() {
 void ViewWidget::wheelEvent(QWheelEvent* event) {
     WheelEvent input = inputEvent(*event);
     input.location = location(event->position());
+    const HandledEvent scope({.modifierFlags = input.modifierFlags, .clickCount = 0});
     bool handled = false;
     callView([&](MenuExtraView& view) { handled = view.scrollWheel(input); });
     event->setAccepted(handled);
@@ -234,25 +245,31 @@ bool ViewWidget::sendKey(const QKeyEvent& event) {
 }
 
 void ViewWidget::dragEnterEvent(QDragEnterEvent* event) {
-    event->acceptProposedAction(); // what may be dropped can depend on the position
+    event->accept(); // what may be dropped can depend on the position
+}
+
+/// Calls a handler for dropped data. The view copies it: the source must not delete what it moves.
+void ViewWidget::sendDrop(QDropEvent& event,
+                          const std::function<bool(MenuExtraView&, const DroppedData&)>& handler) {
+    DroppedData dropped = inputEvent(event);
+    dropped.location = location(event.position());
+    bool accepted = false;
+    if (event.possibleActions() & Qt::CopyAction)
+        callView([&](MenuExtraView& view) { accepted = handler(view, dropped); });
+    event.setDropAction(accepted ? Qt::CopyAction : Qt::IgnoreAction);
+    event.setAccepted(accepted);
 }
 
 void ViewWidget::dragMoveEvent(QDragMoveEvent* event) {
-    DroppedData dropped = inputEvent(*event);
-    dropped.location = location(event->position());
-    bool accepted = false;
-    callView([&](const MenuExtraView& view) { accepted = view.acceptsDrop(dropped); });
-    event->setAccepted(accepted);
+    sendDrop(*event, [](const MenuExtraView& view, const DroppedData& dropped) {
+        return view.acceptsDrop(dropped);
+    });
 }
 
 void ViewWidget::dropEvent(QDropEvent* event) {
-    DroppedData dropped = inputEvent(*event);
-    dropped.location = location(event->position());
-    bool used = false;
-    callView([&](MenuExtraView& view) {
-        used = view.acceptsDrop(dropped) && view.performDrop(dropped);
+    sendDrop(*event, [](MenuExtraView& view, const DroppedData& dropped) {
+        return view.acceptsDrop(dropped) && view.performDrop(dropped);
     });
-    event->setAccepted(used);
 }
 
 bool ViewWidget::event(QEvent* event) {
@@ -263,7 +280,7 @@ bool ViewWidget::event(QEvent* event) {
         callView([&](const MenuExtraView& view) { text = view.toolTip(); });
         if (text.empty())
             break;
-        QToolTip::showText(help.globalPos(), qString(text), this);
+        QToolTip::showText(help.globalPos(), toolTipText(text), this);
         return true;
     }
     case QEvent::Leave:

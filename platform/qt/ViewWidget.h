@@ -34,12 +34,17 @@ class ViewWidget final : public QWidget, public ViewContainer {
     /// the view keeps its size and is shown at the top left of the widget.
     void setFollowsWidget(Qt::Orientations dimensions);
 
+    /// Draws the menu's highlight behind the view, or stops doing so.
+    void setHighlighted(bool highlighted);
+
     /// Returns the size that the view's code has set, in points, rounded up and limited to 4096.
     QSize sizeHint() const override;
     QSize minimumSizeHint() const override { return sizeHint(); }
 
     /// Passes a key to the view. Returns whether the view handled it.
     bool sendKey(const QKeyEvent& event);
+    /// Tells the view that the pointer has left it, unless the view knows.
+    void sendExit();
     /// Returns the view's texts for screen readers.
     AccessibleDescription accessibleDescription() const;
 
@@ -73,7 +78,9 @@ class ViewWidget final : public QWidget, public ViewContainer {
 
     bool callView(const std::function<void(MenuExtraView& view)>& code) const;
     void sendMouse(const QMouseEvent& event, Handler handler, std::int32_t clickCount);
-    void sendExit();
+    void
+    sendDrop(QDropEvent& event,
+             const std::function<bool(MenuExtraView& view, const DroppedData& dropped)>& handler);
     Point location(QPointF position) const;
     void followWidget();
     void announceChanges();
@@ -84,6 +91,7 @@ class ViewWidget final : public QWidget, public ViewContainer {
     Qt::Orientations following_;
     bool isFollowing_ = false; // while the widget resizes the view
     bool hasPointer_ = false;
+    bool highlighted_ = false;
     ClickCounter clicks_;
     std::int32_t clickCount_ = 1; // of the last press
     AccessibleDescription announced_;

@@ -16,6 +16,29 @@ using namespace platform;
 
 namespace {
 
+/// A view for a menu that logs its input. Handles the wheel.
+class LoggingView final : public MenuExtraView {
+  public:
+    LoggingView() { setFrameSize({120, 60}); }
+    void mouseDown(const Event& event) override { note("down", event); }
+    void mouseDragged(const Event& event) override { note("drag", event); }
+    void mouseUp(const Event& event) override { note("up", event); }
+    void mouseExited() override { logLine("view exit"); }
+    bool scrollWheel(const WheelEvent& event) override {
+        logLine("view wheel %d", static_cast<int>(event.deltaY));
+        return true;
+    }
+    bool keyDown(const KeyEvent& event) override {
+        logLine("view key %@", event.text);
+        return !event.text.empty();
+    }
+
+  private:
+    static void note(const char* what, const Event& event) {
+        logLine("view %@ %d of %d", what, static_cast<int>(event.location.y), event.clickCount);
+    }
+};
+
 /// Handles Shift-clicks itself, logs every click, and has a menu with two items and a submenu
 /// between them. The name of the principal class selects a fault and when it occurs, for example
 /// "ThrowsWhenClicked".
@@ -35,6 +58,8 @@ class TestExtra final : public HalvexMenuExtraBase {
         if (fault_.ends_with("WhenTicking"))
             ticks_ = systemClock().tick(TickInterval::Second, [this] { failIf("WhenTicking"); });
         menu_ = std::make_shared<Menu>();
+        if (fault_ == "HasAViewInItsMenu")
+            menu_->addItem("View", {}, weak_from_this()).setView(std::make_shared<LoggingView>());
         menu_->addItem(
             "Choose", [](MenuItem&) { logLine("chosen"); }, weak_from_this());
         more_ = std::make_shared<Menu>();

@@ -1,4 +1,5 @@
 #include "tests/desktop/support/BarProcess.h"
+#include "tests/desktop/support/TestBundle.h"
 #include "tests/desktop/support/XServer.h"
 
 #include <gmock/gmock.h>
@@ -109,6 +110,40 @@ TEST(X11Bar, DrawsOpenSubmenus) {
     const int menu = paintedPixels();
     x.act({"key", "Down", "Down", "Right"});
     EXPECT_TRUE(eventually([&] { return paintedPixels() > menu + 1000; }));
+    EXPECT_EQ(bar.stop(), 0) << bar.log();
+}
+
+TEST(X11Bar, PassesInputToAViewInAMenu) {
+    const XServer x;
+    BarProcess bar({}, x.settings());
+    const TestBundle bundle(bar, "HasAViewInItsMenu");
+    ASSERT_TRUE(bar.loads(bundle.path, kTestExtra));
+    // The view is from 31 to 91 points below the top of the screen, below a margin and a frame.
+    x.clickAt(kAtItem);
+    ASSERT_TRUE(eventually([&] { return bar.picture().height() > 90; }));
+    const auto leads = [&](const QStringList& input, const std::string& line) {
+        x.act(input);
+        EXPECT_TRUE(bar.logs(line)) << bar.log();
+    };
+    const QString column = QString::number(kAtItem + 10);
+    leads({"mousemove", column, "50", "click", "--repeat", "2", "1"}, "of 2");
+    leads({"click", "4"}, "view wheel 1");
+    leads({"key", "k"}, "view key k");
+    leads({"mousedown", "1", "mousemove", column, "200"}, "view drag -");
+    leads({"mouseup", "1"}, "view up -");
+    leads({"mousemove", QString::number(kAtClock), "10"}, "view exit");
+    // From the bar to the view with the button held, then on to an entry with the keyboard.
+    x.act({"key", "Escape"});
+    leads({"mousemove", QString::number(kAtItem), "10", "mousedown", "1", "mousemove", column, "60",
+           "mousemove", column, "61", "mouseup", "1"},
+          "view up");
+    leads({"key", "Down", "Return"}, "chosen");
+    // The item is unloaded while its view holds the pointer.
+    x.clickAt(kAtItem);
+    x.act({"mousemove", column, "50", "mousedown", "1"});
+    EXPECT_EQ(bar.remove(kTestExtra), 0);
+    x.act({"mousemove", column, "70", "mouseup", "1"});
+    EXPECT_TRUE(eventually([&] { return bar.reference(kTestExtra) == 0; }));
     EXPECT_EQ(bar.stop(), 0) << bar.log();
 }
 

@@ -53,7 +53,7 @@ class RecordingView final : public platform::MenuExtraView {
     bool performDrop(const platform::DroppedData& data) override {
         for (const std::string& file : data.files)
             calls += file + ';';
-        note("drop " + data.text, data.location);
+        note(data.files.empty() ? "drop " + data.text : "drop", data.location);
         return handles;
     }
     std::string toolTip() const override { return "a tip"; }

@@ -1,9 +1,16 @@
 #include "platform/qt/QtMenu.h"
 
+#include "platform/EventSource.h"
+#include "platform/qt/HandledEvent.h"
+#include "platform/qt/MenuShortcut.h"
+#include "platform/qt/QtGraphics.h"
 #include "tests/support/RecordingLog.h"
+#include "tests/support/RecordingView.h"
 
+#include <QAccessible>
 #include <QApplication>
 #include <QTest>
+#include <QWidgetAction>
 
 #include <gtest/gtest.h>
 
@@ -16,13 +23,19 @@ namespace {
 class Target final : public MenuTarget {
   public:
     std::string chosen;
+    bool notesModifiers = false;
     bool validateMenuItem(const MenuItem& item) override {
         if (item.title() == "throws")
             throw 42;
         return item.title() != "forbidden";
     }
     MenuItem::Action choose() {
-        return [this](MenuItem& item) { chosen += item.title() + ';'; };
+        return [this](MenuItem& item) {
+            chosen += item.title();
+            if (notesModifiers)
+                chosen += ' ' + std::to_string(qt::HandledEvent::current().modifierFlags);
+            chosen += ';';
+        };
     }
 };
 
@@ -36,41 +49,61 @@ class QtMenuTest : public testing::Test {
         }
     }
 
+    static std::string rows(const QtMenu& shown) {
+        std::string rows;
+        for (const QAction* action : shown.actions())
+            rows += (action->isSeparator() ? "-" : action->text().toStdString()) + ';';
+        return rows;
+    }
+
     test::RecordingLog log;
+    qt::QtGraphics graphics;
+    ScopedService<Graphics> asGraphics{graphics};
     std::shared_ptr<Target> target = std::make_shared<Target>();
-    Menu menu;
+    std::shared_ptr<Menu> menu = std::make_shared<Menu>();
 };
 
 TEST_F(QtMenuTest, ShowsTitlesStatesSeparatorsAndDisabledItems) {
-    menu.addItem("Cut & paste\nx", target->choose(), target).setState(MenuItem::State::On);
-    menu.addSeparator();
-    menu.addItem("forbidden", target->choose(), target);
-    menu.addItem("throws", target->choose(), target);
-    menu.addItem("a heading", {}, target);
-    const QtMenu shown(menu, "test.item");
+    menu->addItem("Cut & paste\nx", target->choose(), target).setState(MenuItem::State::On);
+    menu->addSeparator();
+    menu->addItem("forbidden", target->choose(), target);
+    menu->addItem("throws", target->choose(), target);
+    menu->addItem("a heading", {}, target);
+    menu->addItem(MenuItem::sectionHeader("Header"));
+    menu->addItem("m", target->choose(), target).setState(MenuItem::State::Mixed);
+    menu->items().back()->setShortcut(KeyShortcut{Key::None, "m", kOptionKeyMask});
+    QtMenu shown(menu, "test.item");
+    auto* accessible = QAccessible::queryAccessibleInterface(&shown);
     std::string rows;
-    for (const QAction* action : shown.actions()) {
-        rows += action->isSeparator() ? "----" : action->text().toStdString();
-        rows += action->isChecked() ? " checked" : "";
-        rows += action->isEnabled() ? "\n" : " disabled\n";
+    for (int i = 0; i < accessible->childCount(); ++i) {
+        const auto* row = accessible->child(i);
+        rows += row->text(QAccessible::Name).toStdString();
+        rows += row->role() == QAccessible::Separator ? "----" : "";
+        rows += row->role() == QAccessible::Heading ? " heading" : "";
+        rows += row->state().checked ? " checked" : "";
+        rows += row->state().checkStateMixed ? " mixed " : "";
+        rows += row->text(QAccessible::Accelerator).toStdString();
+        rows += row->state().disabled ? " disabled\n" : "\n";
     }
-    EXPECT_EQ(rows, "Cut && paste x checked\n----\nforbidden disabled\nthrows disabled\n"
-                    "a heading disabled\n");
+    EXPECT_EQ(rows, "Cut & paste\nx checked\n---- disabled\nforbidden disabled\nthrows disabled\n"
+                    "a heading disabled\nHeader heading disabled\nm mixed Alt+M\n");
+    accessible->child(0)->actionInterface()->doAction(QAccessibleActionInterface::pressAction());
+    EXPECT_EQ(target->chosen, "Cut & paste\nx;");
     EXPECT_TRUE(log.contains("test.item"))
         << "an exception from the target is logged with the owner";
     const auto cyclic = std::make_shared<Menu>();
     cyclic->addItem("itself", {}, target).setSubmenu(cyclic);
-    EXPECT_FALSE(QtMenu(*cyclic, "test.item").actions().front()->isEnabled());
+    EXPECT_FALSE(QtMenu(cyclic, "test.item").actions().front()->isEnabled());
     cyclic->removeAllItems();
 }
 
 TEST_F(QtMenuTest, FollowsChangesOfTitlesAndStates) {
-    MenuItem& item = menu.addItem("12:00", target->choose(), target);
+    MenuItem& item = menu->addItem("12:00", target->choose(), target);
     auto shown = std::make_unique<QtMenu>(menu, "test.item");
     item.setTitle("12:01");
     item.setState(MenuItem::State::On);
+    QCoreApplication::processEvents();
     EXPECT_EQ(shown->actions().front()->text(), "12:01");
-    EXPECT_TRUE(shown->actions().front()->isChecked());
     shown.reset();
     item.setTitle("after the widget was destroyed");
 }
@@ -78,9 +111,9 @@ TEST_F(QtMenuTest, FollowsChangesOfTitlesAndStates) {
 TEST_F(QtMenuTest, LetsTheKeyboardChooseItemsAndLeaveTheMenu) {
     const auto submenu = std::make_shared<Menu>();
     submenu->addItem("inner", target->choose(), target);
-    menu.addItem("first", target->choose(), target);
-    menu.addItem("forbidden", target->choose(), target);
-    menu.addItem("more", {}, target).setSubmenu(submenu);
+    menu->addItem("first", target->choose(), target);
+    menu->addItem("forbidden", target->choose(), target);
+    menu->addItem("more", {}, target).setSubmenu(submenu);
     QtMenu shown(menu, "test.item");
     std::string directions;
     QObject::connect(&shown, &QtMenu::neighbourRequested,
@@ -95,6 +128,206 @@ TEST_F(QtMenuTest, LetsTheKeyboardChooseItemsAndLeaveTheMenu) {
     EXPECT_EQ(directions, "left;right;") << "inside the menu, the keys open and close submenus";
     EXPECT_FALSE(shown.isVisible());
     EXPECT_EQ(target->chosen, "first;inner;");
+}
+
+TEST_F(QtMenuTest, FollowsEveryChangeWhileItIsOpen) {
+    for (const char* title : {"a", "b", "c"})
+        menu->addItem(title, target->choose(), target);
+    QtMenu shown(menu, "test.item");
+    press(shown, {Qt::Key_Down, Qt::Key_Down});
+    const int height = shown.height();
+    menu->removeItem(*menu->items()[0]);
+    menu->insertItem(std::make_shared<MenuItem>("first"), 0);
+    menu->insertItem(MenuItem::separatorItem(), 1);
+    menu->addItem("last", {}, target).setHidden(true);
+    menu->items()[2]->setTitle("b!");
+    menu->items()[3]->setTrailingText("1 & 2");
+    EXPECT_EQ(shown.height(), height) << "resized once, later";
+    QCoreApplication::processEvents();
+    EXPECT_EQ(rows(shown), "first;-;b!;c, 1 && 2;");
+    EXPECT_GT(shown.height(), height);
+    EXPECT_EQ(shown.activeAction()->text(), "b!") << "the highlight stays";
+    EXPECT_TRUE(menu->items()[2]->isHighlighted());
+
+    const auto c = menu->items()[3];
+    menu->removeItem(*c);
+    menu->insertItem(c, 0);
+    menu->items().back()->setHidden(false);
+    QCoreApplication::processEvents();
+    EXPECT_EQ(rows(shown), "c, 1 && 2;first;-;b!;last;");
+    EXPECT_EQ(shown.activeAction()->text(), "b!");
+    menu->removeItem(*menu->items()[3]);
+    QCoreApplication::processEvents();
+    EXPECT_EQ(shown.activeAction(), nullptr);
+    menu->removeAllItems();
+    QCoreApplication::processEvents();
+    EXPECT_FALSE(shown.isVisible());
+}
+
+TEST_F(QtMenuTest, ShowsAlternatesWhileTheirModifiersAreHeld) {
+    menu->addItem("quit", target->choose(), target);
+    menu->addItem("force", target->choose(), target).setAlternateModifiers(kOptionKeyMask);
+    menu->addItem("both", {}, target).setAlternateModifiers(kOptionKeyMask | kShiftKeyMask);
+    menu->addItem("other", target->choose(), target);
+    QtMenu shown(menu, "test.item");
+    press(shown, {Qt::Key_Down});
+    const QSize size = shown.size();
+    using Row = std::tuple<QEvent::Type, Qt::Key, Qt::KeyboardModifiers, const char*>;
+    for (const auto& [type, key, modifiers, expected] :
+         {Row{QEvent::KeyPress, Qt::Key_Alt, {}, "force;other;"},
+          {QEvent::KeyPress, Qt::Key_Shift, Qt::AltModifier, "both;other;"},
+          {QEvent::KeyRelease, Qt::Key_Alt, Qt::AltModifier | Qt::ShiftModifier, "quit;other;"},
+          {QEvent::KeyRelease, Qt::Key_Shift, Qt::ShiftModifier, "quit;other;"},
+          {QEvent::KeyPress, Qt::Key_Alt, Qt::AltModifier, "force;other;"}}) {
+        QKeyEvent event(type, key, modifiers);
+        QApplication::sendEvent(&shown, &event);
+        EXPECT_EQ(rows(shown), expected);
+        EXPECT_EQ(shown.size(), size);
+        EXPECT_TRUE(shown.activeAction());
+    }
+    QTest::keyClick(&shown, Qt::Key_Return, Qt::AltModifier);
+    EXPECT_EQ(target->chosen, "force;");
+}
+
+TEST_F(QtMenuTest, PerformsShortcutsWithTheModifiersOfTheMoment) {
+    const auto submenu = std::make_shared<Menu>();
+    const auto add = [&](Menu& to, const char* title, KeyShortcut shortcut) {
+        to.addItem(title, target->choose(), target).setShortcut(shortcut);
+    };
+    add(*menu, "forbidden", {Key::None, "k", kControlKeyMask});
+    add(*menu, "k", {Key::None, "K", kControlKeyMask});
+    add(*menu, "?", {Key::None, "?", 0});
+    add(*menu, "delete", {Key::Delete, {}, 0});
+    menu->addItem("more", {}, target).setSubmenu(submenu);
+    add(*submenu, "nested", {Key::Delete, {}, kShiftKeyMask});
+    submenu->addItem("cycle", {}, target).setSubmenu(menu);
+    std::string shortcuts;
+    for (const auto& item : menu->items())
+        if (item->shortcut())
+            shortcuts += qt::shortcutText(*item->shortcut()).toStdString() + ';';
+    EXPECT_EQ(shortcuts, "Ctrl+K;Ctrl+K;?;Del;");
+    using Row = std::tuple<Qt::Key, Qt::KeyboardModifiers, const char*, std::string>;
+    for (const auto& [key, modifiers, text, chosen] :
+         {Row{Qt::Key_K, Qt::ControlModifier, "\x0b", "k 262144;"},
+          {Qt::Key_K, Qt::ControlModifier | Qt::ShiftModifier, "\x0b", ""},
+          {Qt::Key_K, {}, "k", ""},
+          {Qt::Key_Question, Qt::ShiftModifier, "?", "? 131072;"},
+          {Qt::Key_Delete, {}, "\x7f", "delete 0;"},
+          {Qt::Key_Delete, Qt::ShiftModifier, "\x7f", "nested 131072;"}}) {
+        QtMenu shown(menu, "test.item");
+        shown.popup({});
+        target->chosen.clear();
+        target->notesModifiers = true;
+        QKeyEvent event(QEvent::KeyPress, key, modifiers, text);
+        QApplication::sendEvent(&shown, &event);
+        EXPECT_EQ(target->chosen, chosen) << text;
+        EXPECT_EQ(shown.isVisible(), chosen.empty());
+    }
+    submenu->removeAllItems();
+}
+
+/// A menu with an item, a view of 40 x 20 points, and another item.
+class ViewInMenuTest : public QtMenuTest {
+  protected:
+    ViewInMenuTest() {
+        menu->addItem("before, which is wider", target->choose(), target);
+        menu->addItem("view", {}, target).setView(view, MenuItem::ViewStyle::FillsWidth);
+        menu->addItem("after", target->choose(), target);
+        shown = std::make_unique<QtMenu>(menu, "test.item");
+        shown->popup({});
+    }
+    QWidget* widget() { return static_cast<QWidgetAction*>(viewAction())->defaultWidget(); }
+    QAction* viewAction() { return shown->actions()[1]; }
+
+    std::shared_ptr<test::RecordingView> view = std::make_shared<test::RecordingView>(40, 20);
+    std::unique_ptr<QtMenu> shown;
+};
+
+TEST_F(ViewInMenuTest, ReceivesTheMouseWithoutClosingTheMenu) {
+    QTest::mouseMove(widget(), {5, 6});
+    QTest::mouseClick(widget(), Qt::LeftButton, {}, {3, 4});
+    EXPECT_EQ(shown->activeAction(), viewAction());
+    EXPECT_TRUE(menu->items()[1]->isHighlighted());
+    QTest::mouseMove(shown.get(), shown->actionGeometry(shown->actions()[2]).center());
+    EXPECT_EQ(view->calls, "move 5,14;down1 3,16;up0 3,16;exit;");
+    EXPECT_FALSE(menu->items()[1]->isHighlighted());
+    EXPECT_TRUE(shown->isVisible());
+    view->onMouseDown = [&] { view->container()->dismiss(); };
+    QTest::mouseClick(widget(), Qt::LeftButton, {}, {3, 4});
+    EXPECT_FALSE(shown->isVisible());
+}
+
+TEST_F(ViewInMenuTest, ReceivesKeysWhileHighlighted) {
+    struct Row {
+        Qt::Key key;
+        bool handles;
+        int active;
+        bool isOpen = true;
+    };
+    for (const auto& [key, handles, active, isOpen] : {Row{Qt::Key_Down, true, 0},
+                                                       {Qt::Key_Down, true, 1},
+                                                       {Qt::Key_Down, true, 1},
+                                                       {Qt::Key_Up, false, 0},
+                                                       {Qt::Key_Down, false, 1},
+                                                       {Qt::Key_Return, false, 1},
+                                                       {Qt::Key_Down, false, 2},
+                                                       {Qt::Key_Up, false, 1},
+                                                       {Qt::Key_Escape, true, 1},
+                                                       {Qt::Key_Escape, false, 1, false}}) {
+        view->handles = handles;
+        QTest::keyClick(shown.get(), key);
+        EXPECT_EQ(shown->isVisible(), isOpen) << key;
+        if (isOpen) {
+            EXPECT_EQ(shown->actions().indexOf(shown->activeAction()), active) << key;
+        }
+    }
+    EXPECT_EQ(target->chosen, "");
+}
+
+TEST_F(ViewInMenuTest, FollowsTheSizeOfTheView) {
+    EXPECT_EQ(view->frame().size.height, 20);
+    EXPECT_GT(view->frame().size.width, 100) << "as wide as the menu";
+    const QSize before = shown->size();
+    view->setFrameSize({500, 50});
+    QCoreApplication::processEvents();
+    EXPECT_EQ(shown->height(), before.height() + 30);
+    EXPECT_GE(shown->width(), 500);
+    EXPECT_EQ(view->frame().size.width, widget()->width());
+    menu->items()[1]->setView(view);
+    QCoreApplication::processEvents();
+    view->setFrameSize({70, 50});
+    QCoreApplication::processEvents();
+    EXPECT_EQ(view->frame().size, (Size{70, 50}));
+    EXPECT_EQ(shown->width(), before.width());
+}
+
+TEST_F(ViewInMenuTest, SurvivesTheRemovalOfItsItemWhileItsCodeRuns) {
+    view->onMouseDown = [&] {
+        menu->removeItem(*menu->items()[1]);
+        QCoreApplication::processEvents(); // as a dialog does
+        view->setNeedsDisplay(true);
+    };
+    QTest::mousePress(widget(), Qt::LeftButton, {}, {3, 4});
+    EXPECT_EQ(shown->actions().size(), 2);
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    EXPECT_EQ(view->container(), nullptr);
+
+    menu->items()[0]->setView(view);
+    QCoreApplication::processEvents();
+    EXPECT_NE(view->container(), nullptr) << "a view can be added again";
+    shown.reset();
+    EXPECT_EQ(view->container(), nullptr);
+}
+
+TEST_F(ViewInMenuTest, IsAMenuItemForScreenReaders) {
+    view->texts = {"June", "Monday", "Arrow keys move"};
+    auto* accessible = QAccessible::queryAccessibleInterface(shown.get())->child(1);
+    EXPECT_EQ(accessible->role(), QAccessible::MenuItem);
+    EXPECT_EQ(accessible->text(QAccessible::Name), "June");
+    EXPECT_EQ(accessible->text(QAccessible::Value), "Monday");
+    EXPECT_EQ(accessible->text(QAccessible::Description), "Arrow keys move");
+    view->texts = {};
+    EXPECT_EQ(accessible->text(QAccessible::Name), "view") << "the item's title";
 }
 
 } // namespace
