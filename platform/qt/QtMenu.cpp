@@ -115,18 +115,31 @@ void QtMenu::mousePressEvent(QMouseEvent* event) {
 }
 
 void QtMenu::mouseMoveEvent(QMouseEvent* event) {
-    for (const auto& row : rows_)
+    for (const auto& row : rows_) {
+        if (row->viewWidget && row->viewWidget->isPressed())
+            return forward(*event, *row->viewWidget); // Qt sends the one that leaves the menu here
         if (row->viewWidget)
             row->viewWidget->sendExit();
+    }
     if (!handles(*event))
         QMenu::mouseMoveEvent(event);
+}
+
+void QtMenu::forward(const QMouseEvent& event, QWidget& widget) {
+    QMouseEvent forwarded(event.type(), widget.mapFromGlobal(event.globalPosition()),
+                          event.globalPosition(), event.button(), event.buttons(),
+                          event.modifiers());
+    QCoreApplication::sendEvent(&widget, &forwarded);
 }
 
 /// Highlights the row of a view while the pointer is over it.
 bool QtMenu::eventFilter(QObject* watched, QEvent* event) {
     if (event->type() == QEvent::MouseMove) {
         const auto& move = static_cast<const QMouseEvent&>(*event);
-        const QPointF position = static_cast<const QWidget*>(watched)->mapTo(this, move.position());
+        const auto& widget = static_cast<const QWidget&>(*watched);
+        if (!widget.rect().contains(move.position().toPoint()))
+            return false;
+        const QPointF position = widget.mapTo(this, move.position());
         // Without buttons, because the release is for the view.
         QMouseEvent hover(QEvent::MouseMove, position, move.globalPosition(), Qt::NoButton, {},
                           move.modifiers());

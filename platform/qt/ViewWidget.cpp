@@ -12,6 +12,7 @@
 #include <QHelpEvent>
 #include <QMouseEvent>
 #include <QPainter>
+#include <QPointer>
 #include <QToolTip>
 #include <QWheelEvent>
 
@@ -199,6 +200,7 @@ void ViewWidget::sendMouse(const QMouseEvent& event, Handler handler, std::int32
 
 void ViewWidget::mousePressEvent(QMouseEvent* event) {
     hasPointer_ = true;
+    isPressed_ = true;
     clickCount_ = clicks_.count(*event);
     sendMouse(*event, &MenuExtraView::mouseDown, clickCount_);
 }
@@ -215,11 +217,17 @@ void ViewWidget::mouseMoveEvent(QMouseEvent* event) {
 }
 
 void ViewWidget::mouseReleaseEvent(QMouseEvent* event) {
+    const QPointer<ViewWidget> self = this;
     sendMouse(*event, &MenuExtraView::mouseUp, clickCount_);
+    if (!self || event->buttons() != Qt::NoButton)
+        return;
+    isPressed_ = false;
+    if (!rect().contains(event->position().toPoint()))
+        sendExit();
 }
 
 void ViewWidget::sendExit() {
-    if (std::exchange(hasPointer_, false))
+    if (!isPressed_ && std::exchange(hasPointer_, false))
         callView([](MenuExtraView& view) { view.mouseExited(); });
 }
 
@@ -283,8 +291,10 @@ bool ViewWidget::event(QEvent* event) {
         QToolTip::showText(help.globalPos(), toolTipText(text), this);
         return true;
     }
-    case QEvent::Leave:
     case QEvent::Hide:
+        isPressed_ = false;
+        [[fallthrough]];
+    case QEvent::Leave:
         sendExit();
         break;
     default:

@@ -43,7 +43,9 @@ class ViewWidget final : public QWidget, public ViewContainer {
 
     /// Passes a key to the view. Returns whether the view handled it.
     bool sendKey(const QKeyEvent& event);
-    /// Tells the view that the pointer has left it, unless the view knows.
+    /// Returns whether a mouse button was pressed over the view and is still held.
+    bool isPressed() const { return isPressed_; }
+    /// Tells the view that the pointer has left it, unless the view knows or a button is held.
     void sendExit();
     /// Returns the view's texts for screen readers.
     AccessibleDescription accessibleDescription() const;
@@ -91,6 +93,7 @@ class ViewWidget final : public QWidget, public ViewContainer {
     Qt::Orientations following_;
     bool isFollowing_ = false; // while the widget resizes the view
     bool hasPointer_ = false;
+    bool isPressed_ = false;
     bool highlighted_ = false;
     ClickCounter clicks_;
     std::int32_t clickCount_ = 1; // of the last press

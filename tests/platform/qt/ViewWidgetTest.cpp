@@ -60,16 +60,18 @@ TEST_F(ViewWidgetTest, PassesMouseEventsWithLocationsFromTheBottomLeft) {
     mouse(QEvent::MouseMove, {5, 6}, Qt::NoButton, {});
     mouse(QEvent::MouseButtonPress, {3, 4}, Qt::LeftButton, Qt::LeftButton, Qt::ShiftModifier);
     EXPECT_EQ(current.modifierFlags, kShiftKeyMask);
-    mouse(QEvent::MouseMove, {7, 25}, Qt::NoButton, Qt::LeftButton);
-    mouse(QEvent::MouseButtonRelease, {3, 4}, Qt::LeftButton, {});
+    mouse(QEvent::MouseMove, {7, 35}, Qt::NoButton, Qt::LeftButton);
+    send(QEvent(QEvent::Leave));
+    mouse(QEvent::MouseButtonRelease, {3, 34}, Qt::LeftButton, {});
     mouse(QEvent::MouseButtonDblClick, {3, 4}, Qt::LeftButton, Qt::LeftButton);
     mouse(QEvent::MouseButtonRelease, {3, 4}, Qt::LeftButton, {});
     mouse(QEvent::MouseButtonPress, {3, 4}, Qt::RightButton, Qt::RightButton);
     mouse(QEvent::MouseButtonRelease, {3, 4}, Qt::RightButton, {});
     send(QEvent(QEvent::Leave));
     send(QEvent(QEvent::Leave));
-    EXPECT_EQ(view->calls, "move 5,14;down1 3,16 shift;drag1 7,-5;up0 3,16;down2 3,16;up0 3,16;"
-                           "down1 3,16;up1 3,16;exit;");
+    EXPECT_EQ(view->calls,
+              "move 5,14;down1 3,16 shift;drag1 7,-15;up0 3,-14;exit;down2 3,16;up0 3,16;"
+              "down1 3,16;up1 3,16;exit;");
     EXPECT_EQ(qt::HandledEvent::current().clickCount, 0);
 }
 
