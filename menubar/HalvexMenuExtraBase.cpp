@@ -183,6 +183,31 @@ bool HalvexMenuExtraBase::clickWithCtrlKey() {
     return false;
 }
 
+void HalvexMenuExtraBase::setToolTip(std::string text) {
+    toolTip_ = std::move(text);
+}
+std::string HalvexMenuExtraBase::toolTip() const {
+    return guardedOperation([&] { return toolTip_; });
+}
+
+void HalvexMenuExtraBase::setAccessibleTexts(AccessibleDescription texts) {
+    accessibleTexts_ = std::move(texts);
+    requestRedisplay(); // the host announces changes when it draws
+}
+AccessibleDescription HalvexMenuExtraBase::accessibleTexts() const {
+    return guardedOperation([&] { return accessibleTexts_; });
+}
+
+bool HalvexMenuExtraBase::scrolled(const WheelEvent&) {
+    return false;
+}
+bool HalvexMenuExtraBase::acceptsDrop(const DroppedData&) const {
+    return false;
+}
+bool HalvexMenuExtraBase::performDrop(const DroppedData&) {
+    return false;
+}
+
 bool HalvexMenuExtraBase::validateMenuItem(const MenuItem&) {
     return true;
 }

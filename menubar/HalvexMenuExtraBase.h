@@ -69,6 +69,24 @@ class HalvexMenuExtraBase : public platform::MenuExtra {
     bool validateMenuItem(const platform::MenuItem& item) override;
     void willUnload() override;
 
+    /// Sets the text to show while the pointer rests on the item; empty, as at first, for none. If
+    /// setAccessibleTexts has set no description, screen readers use it too.
+    virtual void setToolTip(std::string text);
+    /// Returns the text set last.
+    virtual std::string toolTip() const;
+    /// Sets what screen readers speak. Empty texts, as at first, are replaced by the bundle's name,
+    /// the title and the tooltip. Set a value if the item shows an image without a title.
+    virtual void setAccessibleTexts(platform::AccessibleDescription texts);
+    /// Returns the texts set last.
+    virtual platform::AccessibleDescription accessibleTexts() const;
+
+    // Called by the view for the mouse wheel and for text or files dropped on the item; see
+    // platform::MenuExtraView. The base class returns false.
+
+    virtual bool scrolled(const platform::WheelEvent& event);
+    virtual bool acceptsDrop(const platform::DroppedData& data) const;
+    virtual bool performDrop(const platform::DroppedData& data);
+
     // The preference pane and the background application (Halvex.app). Operations that serve as
     // menu actions ignore their sender, which may be null.
 
@@ -112,4 +130,7 @@ class HalvexMenuExtraBase : public platform::MenuExtra {
     void requestRedisplay();
     void observeLaunches();
     std::shared_ptr<HalvexMenuExtraBase> sharedSelf();
+
+    std::string toolTip_;
+    platform::AccessibleDescription accessibleTexts_;
 };

@@ -104,6 +104,22 @@ bool HalvexMenuViewBase::dispatchClick(const Event& event) const {
     return menuExtra_->clicked();
 }
 
+bool HalvexMenuViewBase::scrollWheel(const WheelEvent& event) {
+    return menuExtra_->scrolled(event);
+}
+bool HalvexMenuViewBase::acceptsDrop(const DroppedData& data) const {
+    return menuExtra_->acceptsDrop(data);
+}
+bool HalvexMenuViewBase::performDrop(const DroppedData& data) {
+    return menuExtra_->performDrop(data);
+}
+std::string HalvexMenuViewBase::toolTip() const {
+    return menuExtra_->toolTip();
+}
+AccessibleDescription HalvexMenuViewBase::accessibleDescription() const {
+    return menuExtra_->accessibleTexts();
+}
+
 void HalvexMenuViewBase::drawRect(const Rect& rect) {
     const auto image = menuExtra_->image();
     const auto title = menuExtra_->attributedTitle();

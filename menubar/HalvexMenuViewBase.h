@@ -5,6 +5,7 @@
 
 #include <cstdint>
 #include <memory>
+#include <string>
 
 class HalvexMenuExtraBase;
 
@@ -43,6 +44,14 @@ class HalvexMenuViewBase : public platform::MenuExtraView {
     /// "CalendarMenuView both nil" if there is neither. Outside of drawing, or if memory runs out,
     /// logs this and draws nothing or only part.
     void drawRect(const platform::Rect& rect) override;
+
+    // These call the menu extra's operations.
+
+    bool scrollWheel(const platform::WheelEvent& event) override;
+    bool acceptsDrop(const platform::DroppedData& data) const override;
+    bool performDrop(const platform::DroppedData& data) override;
+    std::string toolTip() const override;
+    platform::AccessibleDescription accessibleDescription() const override;
 
   private:
     /// Returns whether verbose logging is now on.

@@ -4,12 +4,14 @@
 #include "apps/menubar/ItemWidget.h"
 #include "apps/menubar/X11Dock.h"
 
+#include <QAccessibleWidget>
 #include <QApplication>
 #include <QPainter>
 #include <QScreen>
 #include <QWindow>
 
 #include <algorithm>
+#include <iterator>
 
 namespace apps {
 namespace {
@@ -23,15 +25,49 @@ void closeMenus() {
             return;
 }
 
+/// Presents the bar to screen readers as a menu bar, with the visible items from left to right.
+class BarAccessible final : public QAccessibleWidget {
+  public:
+    explicit BarAccessible(BarWindow& bar)
+        : QAccessibleWidget(&bar, QAccessible::MenuBar), bar_(bar) {}
+
+    int childCount() const override { return static_cast<int>(bar_.visibleItems().size()); }
+    QAccessibleInterface* child(int index) const override {
+        const auto items = bar_.visibleItems();
+        const auto position = static_cast<std::size_t>(index);
+        return index < 0 || position >= items.size()
+                   ? nullptr
+                   : QAccessible::queryAccessibleInterface(items[position]);
+    }
+    int indexOfChild(const QAccessibleInterface* child) const override {
+        const auto items = bar_.visibleItems();
+        const auto found = std::ranges::find(items, child ? child->object() : nullptr);
+        return found == items.end() ? -1 : static_cast<int>(found - items.begin());
+    }
+
+  private:
+    const BarWindow& bar_;
+};
+
+QAccessibleInterface* createAccessible(const QString&, QObject* object) {
+    auto* bar = qobject_cast<BarWindow*>(object);
+    return bar ? new BarAccessible(*bar) : nullptr;
+}
+
 } // namespace
 
 BarWindow::BarWindow() {
+    [[maybe_unused]] static const bool installed = [] {
+        QAccessible::installFactory(createAccessible);
+        return true;
+    }();
     setObjectName("halvex-menubar");
     setWindowTitle("Menu bar");
     setAccessibleName("Menu bar");
     setWindowFlags(Qt::Window | Qt::FramelessWindowHint | Qt::WindowDoesNotAcceptFocus);
     setAttribute(Qt::WA_OpaquePaintEvent);
     setAttribute(Qt::WA_ShowWithoutActivating);
+    setAttribute(Qt::WA_AlwaysShowToolTips); // the bar is never the active window
     winId(); // creates the native window, whose dock properties must be set before it is shown
     X11Dock::makeDock(*windowHandle());
     connect(qGuiApp, &QGuiApplication::primaryScreenChanged, this, &BarWindow::followScreen);
@@ -72,6 +108,13 @@ void BarWindow::placeItems(const std::vector<ItemWidget*>& items) {
         item->setGeometry(right, 0, itemWidth, kBarHeight);
         item->setVisible(itemWidth > 0);
     }
+}
+
+std::vector<ItemWidget*> BarWindow::visibleItems() const {
+    std::vector<ItemWidget*> visible;
+    std::copy_if(items_.rbegin(), items_.rend(), std::back_inserter(visible),
+                 [](const ItemWidget* item) { return !item->isHidden(); });
+    return visible;
 }
 
 void BarWindow::resizeEvent(QResizeEvent*) {

@@ -21,6 +21,8 @@ class BarWindow final : public QWidget {
     /// Places the items, rightmost first. Each item gets its preferred width or the remaining
     /// space, whichever is smaller. Items with no space left are hidden.
     void placeItems(const std::vector<ItemWidget*>& items);
+    /// Returns the items that have space in the bar, from left to right.
+    std::vector<ItemWidget*> visibleItems() const;
 
   protected:
     void paintEvent(QPaintEvent* event) override;

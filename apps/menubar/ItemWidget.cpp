@@ -1,18 +1,20 @@
 #include "apps/menubar/ItemWidget.h"
 
 #include "apps/menubar/BarStyle.h"
-#include "platform/qt/Modifiers.h"
+#include "platform/qt/HandledEvent.h"
 #include "platform/qt/QtGraphics.h"
+#include "platform/qt/Strings.h"
 #include "platform/runtime/Guard.h"
 
 #include <QAccessibleWidget>
-#include <QApplication>
+#include <QDropEvent>
+#include <QHelpEvent>
 #include <QMouseEvent>
 #include <QPainter>
-#include <QStyleHints>
+#include <QToolTip>
+#include <QWheelEvent>
 
 #include <algorithm>
-#include <array>
 #include <cmath>
 #include <utility>
 
@@ -23,12 +25,49 @@ namespace {
 
 constexpr float kMaxLength = 100'000; // points; wider than any screen
 
-std::int32_t buttonNumber(Qt::MouseButton button) {
-    constexpr std::array kOrder{Qt::LeftButton, Qt::RightButton, Qt::MiddleButton, Qt::BackButton,
-                                Qt::ForwardButton};
-    const auto found = std::find(kOrder.begin(), kOrder.end(), button);
-    return static_cast<std::int32_t>(found - kOrder.begin());
+/// Adds @p turn to @p rest, and removes and returns the complete notches. A turn in the other
+/// direction drops the rest.
+double takeNotches(double turn, double& rest) {
+    constexpr double kRounding = 1e-6; // parts of a notch may not add up exactly
+    if (turn * rest < 0)
+        rest = 0;
+    rest += turn;
+    const double notches = std::trunc(rest + std::copysign(kRounding, rest));
+    rest -= notches;
+    return notches;
 }
+
+/// Returns text that QToolTip does not mistake for rich text.
+QString toolTipText(const std::string& text) {
+    const QString plain = qt::qString(text);
+    return Qt::mightBeRichText(plain) ? Qt::convertFromPlainText(plain) : plain;
+}
+
+/// Returns the action with which the item takes dropped data, or Qt::IgnoreAction. The item copies:
+/// the source must not delete what it has moved.
+Qt::DropAction dropAction(const QDropEvent& event) {
+    for (const Qt::DropAction action : {Qt::CopyAction, Qt::LinkAction})
+        if (event.possibleActions() & action)
+            return action;
+    return Qt::IgnoreAction;
+}
+
+/// Follows whether a screen reader is active. Never destroyed, because Qt keeps a pointer to it.
+class ScreenReader final : QAccessible::ActivationObserver {
+  public:
+    static bool isActive() {
+        static const auto& reader = *new ScreenReader;
+        return reader.isActive_;
+    }
+
+  private:
+    ScreenReader() : isActive_(QAccessible::isActive()) {
+        QAccessible::installActivationObserver(this);
+    }
+    void accessibilityActiveChanged(bool active) override { isActive_ = active; }
+
+    bool isActive_;
+};
 
 /// Presents an item to screen readers as a button that opens a menu.
 class ItemAccessible final : public QAccessibleWidget {
@@ -37,8 +76,23 @@ class ItemAccessible final : public QAccessibleWidget {
         : QAccessibleWidget(&widget, QAccessible::ButtonMenu), item_(widget) {}
 
     QString text(QAccessible::Text kind) const override {
-        return kind == QAccessible::Name ? QString::fromStdString(item_.accessibleItemName())
-                                         : QAccessibleWidget::text(kind);
+        switch (kind) {
+        case QAccessible::Name: // with the value, which some screen readers do not speak
+            return qt::qString(item_.accessibleItemName());
+        case QAccessible::Value:
+            return qt::qString(item_.accessibleTexts().value);
+        case QAccessible::Description:
+            return qt::qString(item_.accessibleTexts().description);
+        default:
+            return QAccessibleWidget::text(kind);
+        }
+    }
+    QAccessible::State state() const override {
+        QAccessible::State state = QAccessibleWidget::state();
+        state.focusable = true;
+        state.focused = item_.isSelected();
+        state.hasPopup = true;
+        return state;
     }
     QStringList actionNames() const override { return {pressAction()}; }
     void doAction(const QString& name) override {
@@ -61,6 +115,9 @@ ItemWidget::ItemWidget(std::string owner, std::shared_ptr<MenuExtra> extra,
                        qt::QtGraphics& graphics, QWidget* parent)
     : QWidget(parent), owner_(std::move(owner)), extra_(std::move(extra)), graphics_(graphics) {
     setAttribute(Qt::WA_OpaquePaintEvent);
+    setAcceptDrops(true);
+    announcement_.setSingleShot(true);
+    connect(&announcement_, &QTimer::timeout, this, &ItemWidget::announce);
     [[maybe_unused]] static const bool installed = [] {
         QAccessible::installFactory(createAccessible);
         return true;
@@ -72,14 +129,65 @@ int ItemWidget::preferredWidth() const {
     return length > 0 ? static_cast<int>(std::ceil(length)) + 2 * kPadding : 0;
 }
 
-std::string ItemWidget::accessibleItemName() const {
-    std::string name;
-    runGuarded(owner_, [&] {
-        name = extra_->bundle()->stringForInfoDictionaryKey("CFBundleName").value_or(owner_);
-        if (const auto title = extra_->attributedTitle())
-            name += ", " + title->string();
+/// Runs code of the view, which may replace the view. Returns false after an exception.
+bool ItemWidget::callView(const std::function<void(MenuExtraView& view)>& code) const {
+    const std::shared_ptr<MenuExtraView> view = extra_->view();
+    return runGuarded(owner_, [&] { code(*view); });
+}
+
+AccessibleDescription ItemWidget::accessibleTexts() const {
+    AccessibleDescription texts;
+    callView([&](const MenuExtraView& view) {
+        texts = view.accessibleDescription();
+        if (texts.name.empty())
+            texts.name =
+                extra_->bundle()->stringForInfoDictionaryKey("CFBundleName").value_or(owner_);
+        const auto title = extra_->attributedTitle();
+        if (texts.value.empty() && title)
+            texts.value = title->string();
+        if (texts.description.empty())
+            texts.description = view.toolTip();
     });
-    return name;
+    return texts;
+}
+
+std::string ItemWidget::accessibleItemName() const {
+    const AccessibleDescription texts = accessibleTexts();
+    return texts.value.empty() ? texts.name : texts.name + ", " + texts.value;
+}
+
+/// Announces a change of the name for screen readers, or leaves it to the timer if the last
+/// announcement was a short time ago.
+void ItemWidget::announceLater() {
+    if (!ScreenReader::isActive() || announcement_.isActive() || accessibleItemName() == announced_)
+        return;
+    const auto passed = std::chrono::milliseconds(
+        sinceAnnounced_.isValid() ? sinceAnnounced_.elapsed() : interval_.count());
+    if (passed >= interval_)
+        announce();
+    else
+        announcement_.start(interval_ - passed);
+}
+
+void ItemWidget::announce() {
+    std::string name = accessibleItemName();
+    if (!ScreenReader::isActive() || name == announced_)
+        return;
+    announced_ = std::move(name);
+    sinceAnnounced_.start();
+    QAccessibleEvent change(this, QAccessible::NameChanged);
+    QAccessible::updateAccessibility(&change);
+    emit announced(announced_);
+}
+
+void ItemWidget::setSelected(bool selected) {
+    if (std::exchange(isSelected_, selected) == selected)
+        return;
+    update();
+    if (!selected || !ScreenReader::isActive())
+        return;
+    QAccessibleEvent focus(this, QAccessible::Focus);
+    QAccessible::updateAccessibility(&focus);
 }
 
 void ItemWidget::paintEvent(QPaintEvent*) {
@@ -87,12 +195,13 @@ void ItemWidget::paintEvent(QPaintEvent*) {
     drawLayer();
     QPainter painter(this);
     paintBarBackground(painter, rect(), palette());
-    if (extra_->isMenuDown()) {
+    if (isHighlighted()) {
         painter.fillRect(0, 0, kPadding, height(), palette().highlight());
         painter.fillRect(width() - kPadding, 0, kPadding, height(), palette().highlight());
     }
     painter.drawImage(kPadding, 0, layer_);
     emit drawn();
+    announceLater();
 }
 
 void ItemWidget::drawLayer() {
@@ -103,13 +212,15 @@ void ItemWidget::drawLayer() {
     if (layer_.size() != pixels)
         layer_ = QImage(pixels, QImage::Format_ARGB32_Premultiplied);
     layer_.setDevicePixelRatio(scale);
-    layer_.fill(extra_->isMenuDown() ? palette().color(QPalette::Highlight)
-                                     : QColor(Qt::transparent));
+    layer_.fill(isHighlighted() ? palette().color(QPalette::Highlight) : QColor(Qt::transparent));
+    // While its menu is open, the item cuts its text out of the highlight.
+    const auto textColor =
+        isSelected_ && !extra_->isMenuDown() ? QPalette::HighlightedText : QPalette::WindowText;
     runGuarded(owner_, [&] {
         const auto view = extra_->view();
         const Rect whole{{}, {view->frame().size.width, static_cast<double>(height())}};
         const qt::ScopedContext context(graphics_, layer_, points, scale,
-                                        palette().color(QPalette::WindowText));
+                                        palette().color(textColor));
         view->drawRect(whole);
     });
 }
@@ -122,23 +233,73 @@ void ItemWidget::mouseDoubleClickEvent(QMouseEvent* event) {
 }
 
 void ItemWidget::press(const QMouseEvent& event) {
-    emit pressed(Event{.modifierFlags = qt::modifierFlags(event.modifiers()),
-                       .clickCount = countClick(event),
-                       .buttonNumber = buttonNumber(event.button())});
+    Event input = qt::inputEvent(event, clicks_.count(event));
+    // Not event.position(): Qt may have delivered the event to another widget.
+    input.location = location(mapFromGlobal(event.globalPosition()));
+    emit pressed(input);
 }
 
-std::int32_t ItemWidget::countClick(const QMouseEvent& event) {
-    const auto* hints = QGuiApplication::styleHints();
-    const QPoint position = event.globalPosition().toPoint();
-    const bool soon =
-        event.timestamp() - lastTime_ <= static_cast<quint64>(hints->mouseDoubleClickInterval());
-    const bool near =
-        (position - lastPosition_).manhattanLength() <= hints->mouseDoubleClickDistance();
-    clickCount_ = soon && near && event.button() == lastButton_ ? clickCount_ + 1 : 1;
-    lastTime_ = event.timestamp();
-    lastPosition_ = position;
-    lastButton_ = event.button();
-    return clickCount_;
+Point ItemWidget::location(QPointF position) const {
+    return {position.x() - kPadding, height() - position.y()};
+}
+
+void ItemWidget::leaveEvent(QEvent*) {
+    wheelRest_ = {};
+}
+
+void ItemWidget::wheelEvent(QWheelEvent* event) {
+    WheelEvent input = qt::inputEvent(*event);
+    input.location = location(event->position());
+    input.deltaX = takeNotches(input.deltaX, wheelRest_.rx());
+    input.deltaY = takeNotches(input.deltaY, wheelRest_.ry());
+    if (input.deltaX == 0 && input.deltaY == 0)
+        return;
+    const qt::HandledEvent scope({.modifierFlags = input.modifierFlags, .clickCount = 0});
+    bool handled = false;
+    callView([&](MenuExtraView& view) { handled = view.scrollWheel(input); });
+    event->setAccepted(handled);
+}
+
+void ItemWidget::dragEnterEvent(QDragEnterEvent* event) {
+    event->acceptProposedAction(); // what may be dropped can depend on the position
+}
+
+DroppedData ItemWidget::droppedData(const QDropEvent& event) const {
+    DroppedData dropped = qt::inputEvent(event);
+    dropped.location = location(event.position());
+    return dropped;
+}
+
+bool ItemWidget::acceptsDrop(const QDropEvent& event) const {
+    const DroppedData dropped = droppedData(event);
+    bool accepted = false;
+    if (dropAction(event) != Qt::IgnoreAction && !(dropped.text.empty() && dropped.files.empty()))
+        callView([&](const MenuExtraView& view) { accepted = view.acceptsDrop(dropped); });
+    return accepted;
+}
+
+void ItemWidget::dragMoveEvent(QDragMoveEvent* event) {
+    event->setDropAction(dropAction(*event));
+    event->setAccepted(acceptsDrop(*event)); // false if there is no such action
+}
+
+void ItemWidget::dropEvent(QDropEvent* event) {
+    const DroppedData dropped = droppedData(*event);
+    bool used = false;
+    if (acceptsDrop(*event))
+        callView([&](MenuExtraView& view) { used = view.performDrop(dropped); });
+    event->setDropAction(dropAction(*event));
+    event->setAccepted(used);
+}
+
+bool ItemWidget::event(QEvent* event) {
+    if (event->type() != QEvent::ToolTip)
+        return QWidget::event(event);
+    std::string text;
+    callView([&](const MenuExtraView& view) { text = view.toolTip(); });
+    const QPoint position = static_cast<const QHelpEvent*>(event)->globalPos();
+    QToolTip::showText(position, toolTipText(text), this); // an empty text hides the last one
+    return true;
 }
 
 } // namespace apps

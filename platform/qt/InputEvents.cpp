@@ -70,9 +70,12 @@ Event inputEvent(const QMouseEvent& event, std::int32_t clickCount) {
 }
 
 WheelEvent inputEvent(const QWheelEvent& event) {
+    // With Alt, Qt exchanges the axes.
+    const QPoint angle =
+        event.modifiers() & Qt::AltModifier ? event.angleDelta().transposed() : event.angleDelta();
     // Qt counts turns to the left as positive.
-    return {.deltaX = -event.angleDelta().x() / kUnitsPerNotch,
-            .deltaY = event.angleDelta().y() / kUnitsPerNotch,
+    return {.deltaX = -angle.x() / kUnitsPerNotch,
+            .deltaY = angle.y() / kUnitsPerNotch,
             .modifierFlags = modifierFlags(event.modifiers())};
 }
 
@@ -84,10 +87,12 @@ KeyEvent inputEvent(const QKeyEvent& event) {
 }
 
 DroppedData inputEvent(const QDropEvent& event) {
-    DroppedData data{.text = event.mimeData()->text().toStdString()};
+    DroppedData data;
     for (const QUrl& url : event.mimeData()->urls())
         if (url.isLocalFile())
             data.files.push_back(url.toLocalFile().toStdString());
+    if (data.files.empty()) // otherwise the text is only the files' names again
+        data.text = event.mimeData()->text().toStdString();
     return data;
 }
 

@@ -6,15 +6,45 @@
 
 #include <QAccessible>
 #include <QApplication>
+#include <QDropEvent>
+#include <QHelpEvent>
+#include <QMimeData>
 #include <QTest>
+#include <QToolTip>
+#include <QWheelEvent>
 
 #include <gtest/gtest.h>
 
 #include <limits>
+#include <string>
+#include <tuple>
+#include <utility>
+#include <vector>
 
 using namespace apps;
 
 namespace {
+
+/// Records wheel turns and drops, and accepts drops on its left half.
+class RecordingItem final : public HalvexMenuExtraBase {
+  public:
+    std::string calls;
+
+    bool scrolled(const platform::WheelEvent& event) override {
+        calls += std::to_string(static_cast<int>(event.deltaX)) + ',' +
+                 std::to_string(static_cast<int>(event.deltaY)) + ' ';
+        return true;
+    }
+    bool acceptsDrop(const platform::DroppedData& data) const override {
+        return data.location.x < 20;
+    }
+    bool performDrop(const platform::DroppedData& data) override {
+        calls += data.text;
+        for (const std::string& file : data.files)
+            calls += file + ' ';
+        return data.text != "useless";
+    }
+};
 
 /// Shows an item with the title "12:34".
 class ItemWidgetTest : public testing::Test {
@@ -31,7 +61,7 @@ class ItemWidgetTest : public testing::Test {
 
     platform::qt::QtGraphics& graphics = platform::qt::install();
     test::RecordingHost host;
-    std::shared_ptr<HalvexMenuExtraBase> extra = std::make_shared<HalvexMenuExtraBase>();
+    std::shared_ptr<RecordingItem> extra = std::make_shared<RecordingItem>();
     ItemWidget widget{"test.item", extra, graphics, nullptr};
     std::vector<platform::Event> events;
 };
@@ -43,6 +73,15 @@ TEST_F(ItemWidgetTest, IsAButtonWithAMenuForScreenReaders) {
     EXPECT_EQ(accessible->text(QAccessible::Name), "Test, 12:34");
     extra->setTitle("12:35");
     EXPECT_EQ(accessible->text(QAccessible::Name), "Test, 12:35");
+    extra->setToolTip("the time");
+    EXPECT_EQ(accessible->text(QAccessible::Value), "12:35");
+    EXPECT_EQ(accessible->text(QAccessible::Description), "the time");
+    extra->setAccessibleTexts({.name = "Clock", .value = "noon", .description = "local"});
+    EXPECT_EQ(accessible->text(QAccessible::Name), "Clock, noon");
+    EXPECT_EQ(accessible->text(QAccessible::Description), "local");
+    EXPECT_FALSE(accessible->state().focused);
+    widget.setSelected(true);
+    EXPECT_TRUE(accessible->state().focused);
     accessible->actionInterface()->doAction(QAccessibleActionInterface::pressAction());
     ASSERT_EQ(events.size(), 1U);
     EXPECT_EQ(events[0].modifierFlags, 0U);
@@ -78,7 +117,94 @@ TEST_F(ItemWidgetTest, CountsClicksAndTranslatesButtonsAndModifiers) {
         QApplication::sendEvent(&widget, &press);
         EXPECT_EQ(events.back().buttonNumber, buttonNumber);
         EXPECT_EQ(events.back().modifierFlags, flags);
+        EXPECT_EQ(events.back().location, (platform::Point{x - 6.0, 12})) << "from the bottom left";
         EXPECT_EQ(events.back().clickCount, clickCount) << "button " << buttonNumber;
+    }
+}
+
+TEST_F(ItemWidgetTest, AnnouncesChangesAtMostOncePerInterval) {
+    QAccessible::setActive(true);
+    std::vector<std::string> announcements;
+    QObject::connect(&widget, &ItemWidget::announced,
+                     [&](const std::string& name) { announcements.push_back(name); });
+    const auto draw = [this](const char* title) {
+        extra->setTitle(title);
+        widget.grab();
+    };
+    widget.setAnnouncementInterval(std::chrono::milliseconds(200));
+    draw("1");
+    draw("2");
+    draw("3");
+    ASSERT_EQ(announcements, std::vector<std::string>{"Test, 1"});
+    ASSERT_TRUE(QTest::qWaitFor([&] { return announcements.size() > 1; }, 2000));
+    EXPECT_EQ(announcements.back(), "Test, 3") << "the last change is not lost";
+    QTest::qWait(220);
+    draw("3");
+    EXPECT_EQ(announcements.size(), 2U) << "the same title";
+    QAccessible::setActive(false);
+    draw("4");
+    EXPECT_EQ(announcements.size(), 2U) << "no screen reader";
+}
+
+TEST_F(ItemWidgetTest, SendsCompleteNotchesOfTheWheel) {
+    using Row = std::tuple<QPoint, Qt::KeyboardModifiers, const char*>;
+    for (const auto& [angle, modifiers, calls] :
+         {Row{{0, 120}, {}, "0,1 "}, Row{{0, -240}, {}, "0,-2 "}, Row{{120, 0}, {}, "-1,0 "},
+          Row{{120, 0}, Qt::AltModifier, "0,1 "}, // Qt has exchanged the axes
+          Row{{0, 50}, {}, ""}, Row{{0, 50}, {}, ""}, Row{{0, 50}, {}, "0,1 "},
+          Row{{0, -110}, {}, ""}, Row{{0, -10}, {}, "0,-1 "}}) {
+        QWheelEvent event({10, 10}, widget.mapToGlobal(QPointF(10, 10)), {}, angle, Qt::NoButton,
+                          modifiers, Qt::NoScrollPhase, false);
+        QApplication::sendEvent(&widget, &event);
+        EXPECT_EQ(std::exchange(extra->calls, {}), calls) << angle.x() << ' ' << angle.y();
+    }
+}
+
+TEST_F(ItemWidgetTest, PassesDropsThatTheItemAccepts) {
+    struct Row {
+        const char* text;
+        QList<QUrl> urls;
+        int x;
+        Qt::DropActions possible;
+        bool isAccepted;
+        const char* calls;
+    };
+    for (const auto& [text, urls, x, possible, isAccepted, calls] :
+         {Row{"text", {}, 10, Qt::MoveAction | Qt::CopyAction, true, "text"},
+          Row{"text", {}, 26, Qt::CopyAction, false, ""},
+          Row{"text", {}, 10, Qt::MoveAction, false, ""}, // the source would delete it
+          Row{"", {}, 10, Qt::CopyAction, false, ""},
+          Row{"useless", {}, 10, Qt::CopyAction, true, "useless"},
+          Row{"/a", {QUrl("file:///a%20b"), QUrl("http://c/d")}, 10, Qt::LinkAction, true, "/a b "},
+          Row{"http://c/d", {QUrl("http://c/d")}, 10, Qt::CopyAction, true, "http://c/d"}}) {
+        QMimeData data;
+        data.setText(text);
+        if (!urls.empty())
+            data.setUrls(urls);
+        QDragEnterEvent enter({x, 10}, possible, &data, Qt::LeftButton, {});
+        QApplication::sendEvent(&widget, &enter);
+        QDragMoveEvent move({x, 10}, possible, &data, Qt::LeftButton, {});
+        QApplication::sendEvent(&widget, &move);
+        EXPECT_EQ(move.isAccepted(), isAccepted) << text;
+        QDropEvent drop(QPointF(x, 10), possible, &data, Qt::LeftButton, {});
+        QApplication::sendEvent(&widget, &drop);
+        EXPECT_EQ(drop.isAccepted(), isAccepted && text != std::string("useless")) << text;
+        EXPECT_NE(drop.dropAction(), Qt::MoveAction) << text;
+        EXPECT_EQ(std::exchange(extra->calls, {}), calls);
+    }
+}
+
+TEST_F(ItemWidgetTest, ShowsTheToolTipAsPlainText) {
+    for (const auto& [text, shown] : {std::pair("two &\nlines", "two &\nlines"),
+                                      {"a <b>bold</b> tip", "&lt;b&gt;bold&lt;/b&gt;"},
+                                      {"", ""}}) {
+        extra->setToolTip(text);
+        QHelpEvent event(QEvent::ToolTip, {5, 5}, widget.mapToGlobal(QPoint(5, 5)));
+        QApplication::sendEvent(&widget, &event);
+        if (*text != '\0')
+            EXPECT_TRUE(QToolTip::text().contains(shown)) << QToolTip::text().toStdString();
+        else // it fades out
+            EXPECT_TRUE(QTest::qWaitFor([] { return !QToolTip::isVisible(); }, 2000));
     }
 }
 

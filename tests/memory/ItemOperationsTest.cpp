@@ -76,6 +76,20 @@ TEST_F(ItemOperations, KeepTheItemUsableIfMemoryRunsOut) {
              {test::kException},
              [this] { extra = std::make_shared<HalvexMenuExtraBase>(); }},
             {"setTitle", [&] { extra->setTitle(newTitle); }, {failed}, prepare, now},
+            {"toolTip",
+             [&] { return extra->view()->toolTip(); },
+             {"\"\""},
+             [this] {
+                 makeExtra();
+                 extra->setToolTip("a tooltip longer than a small string");
+             }},
+            {"accessible texts",
+             [&] { return extra->view()->accessibleDescription().value; },
+             {"\"\""},
+             [this] {
+                 makeExtra();
+                 extra->setAccessibleTexts({.value = "a value longer than a small string"});
+             }},
             {"setAttributedTitle",
              [&] { extra->setAttributedTitle(attributed); },
              {failed},
