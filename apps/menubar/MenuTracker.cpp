@@ -45,7 +45,7 @@ void MenuTracker::toggle(Item& item) {
         open(item);
 }
 
-void MenuTracker::open(Item& item) {
+bool MenuTracker::open(Item& item) {
     closeOpenMenu();
     const CrashJournal::Scope step(journal_, "menu", item.identifier());
     MenuExtra& extra = item.extra();
@@ -57,7 +57,7 @@ void MenuTracker::open(Item& item) {
     });
     if (!menu || menu->isEmpty()) {
         runGuarded(item.identifier(), [&] { extra.menuDidClose(); });
-        return;
+        return false;
     }
     connect(menu.get(), &QMenu::aboutToHide, this, [this, &extra] { menuClosed(extra); });
     connect(menu.get(), &qt::QtMenu::neighbourRequested, this,
@@ -67,6 +67,7 @@ void MenuTracker::open(Item& item) {
     item.widget->update();
     menus_.push_back({&extra, std::move(menu)});
     menus_.back().menu->popup(item.widget->mapToGlobal(QPoint(0, kBarHeight)));
+    return true;
 }
 
 void MenuTracker::close(Item& item) {
@@ -84,6 +85,7 @@ void MenuTracker::menuClosed(MenuExtra& extra) {
         item->widget->update();
         runGuarded(item->identifier(), [&] { extra.menuDidClose(); });
     }
+    emit closed();
     QTimer::singleShot(0, this, [this] {
         std::erase_if(menus_,
                       [](const TrackedMenu& tracked) { return !tracked.menu->isVisible(); });
@@ -115,6 +117,8 @@ bool MenuTracker::handleMouse(const QMouseEvent& event) {
 void MenuTracker::switchToNeighbour(MenuExtra& extra, int direction) {
     if (!extra.isMenuDown())
         return; // a quick second key press: the menu is already being switched
+    if (neighbourHandler_ && neighbourHandler_(direction))
+        return;
     std::vector<const Item*> withMenu; // rightmost first
     for (const Item& item : items_) {
         if (&item.extra() == &extra || hasMenu(item))

@@ -2,7 +2,9 @@
 
 #include <QObject>
 
+#include <functional>
 #include <memory>
+#include <utility>
 #include <vector>
 
 class QMouseEvent;
@@ -34,10 +36,23 @@ class MenuTracker final : public QObject {
 
     /// Opens the item's menu below it, or closes it if it is open.
     void toggle(Item& item);
+    /// Opens the item's menu below it and closes the one that is open. Returns false if the item
+    /// has no menu.
+    bool open(Item& item);
     /// Closes the item's menu, if it is open, and destroys it.
     void close(Item& item);
+    /// Closes the open menu, if there is one.
+    void closeOpenMenu();
+    /// @p handler is called for an arrow key that leaves the menu, with -1 to the left and 1 to the
+    /// right. If it returns false, the next item's menu is opened.
+    void setNeighbourHandler(std::function<bool(int direction)> handler) {
+        neighbourHandler_ = std::move(handler);
+    }
     /// Returns the open menu, or null.
     platform::qt::QtMenu* openMenu() const;
+
+  signals:
+    void closed();
 
   private:
     struct TrackedMenu {
@@ -45,8 +60,6 @@ class MenuTracker final : public QObject {
         std::unique_ptr<platform::qt::QtMenu> menu;
     };
 
-    void open(Item& item);
-    void closeOpenMenu();
     void switchTo(const Item& item);
     void switchToNeighbour(platform::MenuExtra& extra, int direction);
     bool handleMouse(const QMouseEvent& event);
@@ -54,6 +67,7 @@ class MenuTracker final : public QObject {
 
     ItemCollection& items_;
     CrashJournal& journal_;
+    std::function<bool(int direction)> neighbourHandler_;
     std::vector<TrackedMenu> menus_; // at most one is open; the event loop destroys closed ones
 };
 
