@@ -11,6 +11,7 @@
 namespace platform {
 
 class Button;
+class Control;
 class Panel;
 
 /// The appearance of a panel, and whether its background can be dragged to move it.
@@ -19,7 +20,7 @@ struct PanelLook {
     double alphaValue = 1; ///< opacity of the whole panel, 0 to 1
     bool opaque = true;
     bool hasShadow = false;
-    bool movableByWindowBackground = false; ///< draggable anywhere except on buttons
+    bool movableByWindowBackground = false; ///< draggable anywhere except on controls
     bool showsResizeIndicator = false;
 };
 
@@ -34,7 +35,12 @@ class PanelWindow : NonCopyable {
     /// Changes the frame, in steps if @p animate is set, and calls Panel::frameDidChange for each
     /// step. With @p display, redraws immediately.
     virtual void setFrame(const Rect& frame, bool display, bool animate) = 0;
-    virtual void addButton(const std::shared_ptr<Button>& button) = 0;
+    /// Shows a control. Its class must be one of the controls of platform/widgets.
+    virtual void addControl(const std::shared_ptr<Control>& control) = 0;
+    /// Stops showing a control that was added. Afterwards the window does not refer to it.
+    virtual void removeControl(Control& control) = 0;
+    /// Sets the button that Return clicks. Null for none.
+    virtual void setDefaultButton(Button* button) = 0;
     /// Redraws the whole window immediately.
     virtual void display() = 0;
     virtual void makeKeyAndOrderFront() = 0;

@@ -45,7 +45,13 @@ class RecordingPanels final : public platform::PanelService {
                      {(size.width + frame.size.width) / 2, (size.height + frame.size.height) / 2}});
             panel_.frameDidChange(frame);
         }
-        void addButton(const std::shared_ptr<platform::Button>&) override { call("button"); }
+        void addControl(const std::shared_ptr<platform::Control>& control) override {
+            call(dynamic_cast<platform::Button*>(control.get()) ? "button" : "control");
+        }
+        void removeControl(platform::Control&) override { call("remove control"); }
+        void setDefaultButton(platform::Button* button) override {
+            call("default " + (button ? button->title() : "none"));
+        }
         void display() override { call("display"); }
         void makeKeyAndOrderFront() override {}
         void orderOut() override {}

@@ -1,9 +1,8 @@
 #include "platform/qt/PanelButton.h"
 
+#include "platform/qt/PanelStyle.h"
 #include "platform/qt/QtImage.h"
-#include "platform/qt/Strings.h"
 #include "platform/qt/TextLine.h"
-#include "platform/runtime/Guard.h"
 
 #include <QKeyEvent>
 #include <QPainter>
@@ -14,11 +13,8 @@
 namespace platform::qt {
 namespace {
 
-constexpr double kPlateRadius = 4;
 constexpr double kPressedOpacity = 0.6;
-const QColor kPlate(255, 255, 255, 40);
-const QColor kRim(255, 255, 255, 110);
-const QColor kFocus(255, 255, 255, 90);
+constexpr double kDisabledOpacity = 0.4;
 
 QRectF centered(QSizeF size, const QRectF& area) {
     QRectF result({}, size);
@@ -29,29 +25,24 @@ QRectF centered(QSizeF size, const QRectF& area) {
 } // namespace
 
 PanelButton::PanelButton(std::shared_ptr<Button> button, std::string owner, QWidget* parent)
-    : QAbstractButton(parent), button_(std::move(button)), owner_(std::move(owner)) {
+    : QAbstractButton(parent), PanelControl(*this, std::move(button), std::move(owner)) {
     setFocusPolicy(Qt::StrongFocus);
     connect(this, &QAbstractButton::clicked, this, [this] {
-        // The action may destroy the panel, including this widget.
-        const auto clicked = button_;
-        runGuarded(owner_, [&] { clicked->performClick(); });
+        if (const auto clicked = control<Button>())
+            run([&] { clicked->performClick(); });
     });
-    button_->setChangeHandler([this] { applySettings(); });
-    applySettings();
-    show();
+    controlDidChange();
 }
 
-PanelButton::~PanelButton() {
-    button_->setChangeHandler({});
+void PanelButton::setDefault(bool isDefault) {
+    isDefault_ = isDefault;
+    update();
 }
 
 void PanelButton::applySettings() {
-    const Rect frame = button_->frame();
-    const double top = parentWidget()->height() - frame.origin.y - frame.size.height;
-    setGeometry(QRectF(frame.origin.x, top, frame.size.width, frame.size.height).toAlignedRect());
-    const QString label = qString(button_->accessibilityLabel());
-    setAccessibleName(label);
-    setToolTip(button_->title().empty() ? label : QString());
+    const auto button = control<Button>();
+    if (button->toolTip().empty() && button->title().empty())
+        setToolTip(accessibleName());
     update();
 }
 
@@ -60,7 +51,7 @@ QSize PanelButton::sizeHint() const {
 }
 
 void PanelButton::keyPressEvent(QKeyEvent* event) {
-    // A panel has no default button: Return clicks the focused button.
+    // Return clicks the focused button rather than the panel's default button.
     if (event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter)
         click();
     else
@@ -68,47 +59,54 @@ void PanelButton::keyPressEvent(QKeyEvent* event) {
 }
 
 void PanelButton::paintEvent(QPaintEvent*) {
+    const auto button = control<Button>();
+    if (!button)
+        return;
+    const Button::Look& look = button->look();
     QPainter painter(this);
     painter.setRenderHints(QPainter::Antialiasing | QPainter::SmoothPixmapTransform);
-    paintPlate(painter);
+    painter.setOpacity(isEnabled() ? 1 : kDisabledOpacity);
+    paintPlate(painter, *button);
     if (isDown())
         painter.setOpacity(kPressedOpacity);
-    const auto* const picture = dynamic_cast<const QtImage*>(button_->look().image.get());
-    if (picture && button_->look().imagePosition != ImagePosition::NoImage) {
+    const auto* const picture = dynamic_cast<const QtImage*>(look.image.get());
+    if (picture && look.imagePosition != ImagePosition::NoImage) {
         const QSizeF size(picture->size().width, picture->size().height);
         painter.drawImage(centered(size, rect()), picture->pixelsForScale(devicePixelRatioF()));
     }
-    if (!button_->title().empty() && button_->look().imagePosition != ImagePosition::ImageOnly)
-        paintTitle(painter);
+    if (!button->title().empty() && look.imagePosition != ImagePosition::ImageOnly)
+        paintTitle(painter, *button);
 }
 
-void PanelButton::paintPlate(QPainter& painter) const {
+void PanelButton::paintPlate(QPainter& painter, const Button& button) const {
+    const PanelColors colors(palette());
     const QRectF plate = QRectF(rect()).adjusted(0.5, 0.5, -0.5, -0.5);
-    const bool hasRing = hasFocus() && button_->look().focusRingType != FocusRingType::None;
+    const bool hasRing = hasFocus() && button.look().focusRingType != FocusRingType::None;
     painter.setPen(Qt::NoPen);
-    if (button_->look().bordered) {
-        painter.setPen(kRim);
-        painter.setBrush(kPlate);
-        painter.drawRoundedRect(plate, kPlateRadius, kPlateRadius);
+    if (button.look().bordered) {
+        if (!isDefault_)
+            painter.setPen(colors.plateRim);
+        painter.setBrush(isDefault_ ? colors.accent : colors.plate);
+        painter.drawRoundedRect(plate, kPanelControlRadius, kPanelControlRadius);
     }
     // Keyboard users need to see the focus on buttons without a ring, too.
     if (hasFocus() && !hasRing) {
-        painter.setBrush(kFocus);
-        painter.drawRoundedRect(plate, kPlateRadius, kPlateRadius);
+        painter.setPen(Qt::NoPen);
+        painter.setBrush(colors.focusFill);
+        painter.drawRoundedRect(plate, kPanelControlRadius, kPanelControlRadius);
     }
-    if (hasRing) {
-        painter.setBrush(Qt::NoBrush);
-        painter.setPen(QPen(palette().highlight().color(), 2));
-        painter.drawRoundedRect(plate, kPlateRadius, kPlateRadius);
-    }
+    if (hasRing)
+        paintFocusRing(painter, rect(), isDefault_ ? colors.accentText : colors.accent);
 }
 
-void PanelButton::paintTitle(QPainter& painter) const {
+void PanelButton::paintTitle(QPainter& painter, const Button& button) const {
     Fonts fonts;
-    const TextLine line(button_->attributedTitle(), fonts, font(), FontSmoothing::Greyscale);
+    const TextLine line(button.attributedTitle(), fonts, font(), FontSmoothing::Greyscale);
     const QRectF place = centered({line.size().width, line.size().height}, rect());
     painter.translate(place.left(), std::round(place.top()));
-    painter.setPen(palette().windowText().color());
+    const bool isFilled = isDefault_ && button.look().bordered;
+    painter.setPen(isFilled ? palette().highlightedText().color()
+                            : palette().windowText().color());
     line.fill(painter);
 }
 

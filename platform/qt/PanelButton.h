@@ -1,5 +1,6 @@
 #pragma once
 
+#include "platform/qt/PanelControl.h"
 #include "platform/widgets/Button.h"
 
 #include <QAbstractButton>
@@ -9,30 +10,27 @@
 
 namespace platform::qt {
 
-/// The widget of a panel's button. Applies changes of the button's settings immediately. The parent
-/// widget's lower left corner must be that of the content view. Main thread.
-class PanelButton final : public QAbstractButton {
+/// The widget of a panel's button. Main thread.
+class PanelButton final : public QAbstractButton, public PanelControl {
     Q_OBJECT
 
   public:
-    /// Clicks run the button's action under the identifier @p owner (see runGuarded).
     PanelButton(std::shared_ptr<Button> button, std::string owner, QWidget* parent);
-    ~PanelButton() override;
 
-    /// Applies the button's frame and texts. Call this when the parent's height changes.
-    void applySettings();
+    /// Sets whether Return in the panel clicks the button, which is then drawn filled.
+    void setDefault(bool isDefault);
     QSize sizeHint() const override;
 
   protected:
+    void applySettings() override;
     void paintEvent(QPaintEvent* event) override;
     void keyPressEvent(QKeyEvent* event) override;
 
   private:
-    void paintPlate(QPainter& painter) const;
-    void paintTitle(QPainter& painter) const;
+    void paintPlate(QPainter& painter, const Button& button) const;
+    void paintTitle(QPainter& painter, const Button& button) const;
 
-    std::shared_ptr<Button> button_;
-    std::string owner_;
+    bool isDefault_ = false;
 };
 
 } // namespace platform::qt

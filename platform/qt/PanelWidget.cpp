@@ -1,11 +1,15 @@
 #include "platform/qt/PanelWidget.h"
 
+#include "platform/Log.h"
 #include "platform/qt/Layers.h"
 #include "platform/qt/Modifiers.h"
 #include "platform/qt/PanelButton.h"
 #include "platform/qt/PanelCloseButton.h"
+#include "platform/qt/PanelControl.h"
 #include "platform/qt/PanelGeometry.h"
+#include "platform/qt/PanelLabel.h"
 #include "platform/qt/PanelPainting.h"
+#include "platform/qt/PanelStyle.h"
 #include "platform/qt/QtImage.h"
 #include "platform/qt/X11Compositing.h"
 #include "platform/runtime/Guard.h"
@@ -18,6 +22,7 @@
 #include <QPainter>
 #include <QScopedValueRollback>
 #include <QScreen>
+#include <QScrollBar>
 #include <QThread>
 #include <QWindow>
 
@@ -32,6 +37,22 @@ constexpr int kShadowMargin = 14;
 constexpr int kKeyStep = 16;
 constexpr int kAnimationSteps = 12;
 constexpr unsigned long kAnimationStepMilliseconds = 15;
+
+/// Prepares the widget of a control, and the parts of a list.
+void prepareWidget(QWidget& widget, PanelStyle& style) {
+    widget.setStyle(&style);
+    for (auto* const bar : widget.findChildren<QScrollBar*>()) {
+        bar->setStyle(&style);
+        bar->setAttribute(Qt::WA_OpaquePaintEvent, false);
+        bar->setCursor(Qt::ArrowCursor);
+    }
+    if (qobject_cast<PanelLabel*>(&widget))
+        return;
+    // Clicks on a disabled control do not count as clicks on the background.
+    widget.setAttribute(Qt::WA_NoMousePropagation);
+    if (!widget.testAttribute(Qt::WA_SetCursor))
+        widget.setCursor(Qt::ArrowCursor); // not the panel's resize cursor
+}
 
 QRect primaryScreen() {
     return QGuiApplication::primaryScreen()->geometry();
@@ -55,7 +76,9 @@ PanelWidget::PanelWidget(Panel& panel)
     adoptFrame(panel.frame());
 }
 
-PanelWidget::~PanelWidget() = default;
+PanelWidget::~PanelWidget() {
+    delete content_; // before the style of its widgets
+}
 
 void PanelWidget::callPanel(const std::function<void(Panel&)>& code) {
     if (!panel_)
@@ -72,6 +95,7 @@ void PanelWidget::setLook(const PanelLook& look) {
     const int margin = look.hasShadow && windowsAreTranslucent() ? kShadowMargin : 0;
     if (std::exchange(margin_, margin) != margin)
         adoptFrame(panel_->frame());
+    content_->setPalette(panelPalette(look, panel_->styleMask() & kHUDWindowMask));
     setWindowOpacity(std::clamp(look.alphaValue, 0.0, 1.0));
     // Setting a flag hides the window, even if the flag does not change.
     const bool refusesKeyboard = !panel_->canBecomeKeyWindow();
@@ -81,8 +105,58 @@ void PanelWidget::setLook(const PanelLook& look) {
     update();
 }
 
-void PanelWidget::addButton(const std::shared_ptr<Button>& button) {
-    buttons_.push_back(new PanelButton(button, owner_, content_));
+void PanelWidget::addControl(const std::shared_ptr<Control>& control) {
+    PanelControl* const shown = makePanelControl(control, owner_, content_);
+    if (!shown)
+        return logLine("a panel cannot show this kind of control");
+    if (!style_)
+        style_ = std::make_unique<PanelStyle>();
+    prepareWidget(shown->widget(), *style_);
+    controls_.push_back(shown);
+    for (PanelControl* other : controls_) // a label may have been waiting for the control it names
+        if (dynamic_cast<PanelLabel*>(other))
+            other->controlDidChange();
+}
+
+void PanelWidget::removeControl(Control& control) {
+    const auto found = std::ranges::find_if(
+        controls_, [&](const PanelControl* shown) { return shown->shows(control); });
+    if (found == controls_.end())
+        return;
+    PanelControl* const removed = *found;
+    controls_.erase(found);
+    removed->detach();
+    removed->widget().hide();
+    removed->widget().deleteLater(); // one of its functions may be running
+}
+
+void PanelWidget::setDefaultButton(const Button* button) {
+    defaultButton_ = button;
+    for (PanelControl* shown : controls_)
+        if (auto* const widget = dynamic_cast<PanelButton*>(shown))
+            widget->setDefault(button && widget->shows(*button));
+}
+
+void PanelWidget::detach() {
+    panel_ = nullptr;
+    for (PanelControl* shown : controls_)
+        shown->detach();
+}
+
+void PanelWidget::makeKeyAndOrderFront() {
+    setWindowState(windowState() & ~Qt::WindowMinimized);
+    const bool wasVisible = isVisible();
+    show();
+    raise();
+    activateWindow();
+    if (wasVisible || focusWidget())
+        return;
+    const auto first = std::ranges::find_if(
+        controls_, [](const PanelControl* shown) { return shown->wantsFirstFocus(); });
+    if (first == controls_.end())
+        setFocus();
+    else
+        (*first)->takeFocus();
 }
 
 QRect PanelWidget::frameRect() const {
@@ -97,8 +171,8 @@ void PanelWidget::adoptFrame(const Rect& frame) {
     // The content view of a panel has its origin at the lower left corner of the frame.
     content_->setGeometry(frameRect());
     callPanel([&](Panel& panel) { panel.frameDidChange(frame); });
-    for (PanelButton* button : buttons_)
-        button->applySettings();
+    for (PanelControl* control : controls_)
+        control->place();
     updateMask();
 }
 
@@ -132,6 +206,12 @@ void PanelWidget::followGeometry() {
         return;
     if (geometry() != windowGeometry(panel_->frame(), margin_, primaryScreen()))
         adoptFrame(panelFrame(geometry(), margin_, primaryScreen()));
+}
+
+void PanelWidget::hideEvent(QHideEvent* event) {
+    QWidget::hideEvent(event);
+    if (QWidget* const focused = focusWidget(); focused && !event->spontaneous())
+        focused->clearFocus(); // the next time, the panel starts like a new one
 }
 
 void PanelWidget::closeEvent(QCloseEvent* event) {
@@ -252,11 +332,31 @@ void PanelWidget::keyPressEvent(QKeyEvent* event) {
         moveByKey(arrow->second, event->modifiers() & Qt::ShiftModifier);
     else if (closes && hasStyle(kClosableWindowMask))
         close();
-    else if (event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter ||
-             event->key() == Qt::Key_Space)
+    else if (event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter)
+        pressReturn(event->modifiers());
+    else if (event->key() == Qt::Key_Space && hasBackgroundFocus())
         sendMouseUp(event->modifiers());
     else
         QWidget::keyPressEvent(event);
+}
+
+bool PanelWidget::hasBackgroundFocus() const {
+    const QWidget* const focused = focusWidget();
+    return !focused || focused == this;
+}
+
+void PanelWidget::pressReturn(Qt::KeyboardModifiers modifiers) {
+    const auto isDefault = [this](const PanelControl* shown) {
+        return defaultButton_ && shown->shows(*defaultButton_);
+    };
+    const auto found = std::ranges::find_if(controls_, isDefault);
+    if (found != controls_.end()) {
+        // A field may have closed the panel when Return committed its text.
+        if (auto* const button = dynamic_cast<PanelButton*>(*found); isVisible())
+            button->click();
+    } else if (hasBackgroundFocus()) {
+        sendMouseUp(modifiers);
+    }
 }
 
 void PanelWidget::moveByKey(QPoint direction, bool resizes) {

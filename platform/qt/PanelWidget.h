@@ -15,8 +15,9 @@
 
 namespace platform::qt {
 
-class PanelButton;
 class PanelCloseButton;
+class PanelControl;
+class PanelStyle;
 
 /// The window of a panel: frameless, floating, with the panel's background. If windows can be
 /// translucent, it has a shadow, through which the mouse reaches the window below; otherwise it is
@@ -26,8 +27,9 @@ class PanelCloseButton;
 /// click on the title bar minimizes the panel if its style permits.
 ///
 /// The mouse can drag it by its background and resize it by its edges and its resize indicator.
-/// Control and an arrow key move it, or with Shift resize it; Tab moves the focus to its buttons;
-/// Escape and Control-W close it. Return and Space count as a click on the background. Main thread.
+/// Control and an arrow key move it, or with Shift resize it; Tab moves the focus to its controls;
+/// Escape and Control-W close it. Return clicks its default button. If there is none and no control
+/// has the focus, Return counts as a click on the background, as Space does. Main thread.
 class PanelWidget final : public QWidget {
     Q_OBJECT
 
@@ -35,18 +37,26 @@ class PanelWidget final : public QWidget {
     explicit PanelWidget(Panel& panel);
     ~PanelWidget() override;
 
-    /// Disconnects the widget from its panel, which may be destroyed afterwards.
-    void detach() { panel_ = nullptr; }
+    /// Disconnects the widget from its panel and the panel's controls, which may be destroyed
+    /// afterwards.
+    void detach();
 
     void setLook(const PanelLook& look);
     void setFrame(const Rect& frame, bool display, bool animate);
-    void addButton(const std::shared_ptr<Button>& button);
+    /// Logs "a panel cannot show this kind of control" for a class of controls that is not known.
+    void addControl(const std::shared_ptr<Control>& control);
+    void removeControl(Control& control);
+    void setDefaultButton(const Button* button);
+    /// Shows the panel in front and activates it. Unless a control has the focus, the first text
+    /// field or list gets it, or else the panel.
+    void makeKeyAndOrderFront();
 
   protected:
     void paintEvent(QPaintEvent* event) override;
     void resizeEvent(QResizeEvent* event) override;
     void moveEvent(QMoveEvent* event) override;
     void showEvent(QShowEvent* event) override;
+    void hideEvent(QHideEvent* event) override;
     void closeEvent(QCloseEvent* event) override;
     void mousePressEvent(QMouseEvent* event) override;
     void mouseMoveEvent(QMouseEvent* event) override;
@@ -81,6 +91,8 @@ class PanelWidget final : public QWidget {
     /// and returns true.
     bool startSystemDrag();
     void moveByKey(QPoint direction, bool resizes);
+    void pressReturn(Qt::KeyboardModifiers modifiers);
+    bool hasBackgroundFocus() const;
     void sendMouseUp(Qt::KeyboardModifiers modifiers);
 
     /// Calls @p code with the panel, guarded with the owner's identifier. Does nothing after
@@ -92,7 +104,9 @@ class PanelWidget final : public QWidget {
     int margin_ = 0; ///< the width of the shadow around the frame, in points
     PanelLook look_;
     QWidget* content_;
-    std::vector<PanelButton*> buttons_;
+    std::unique_ptr<PanelStyle> style_; ///< created for the first control
+    std::vector<PanelControl*> controls_;
+    const Button* defaultButton_ = nullptr;
     PanelCloseButton* closeButton_ = nullptr;
     std::optional<Drag> drag_;
     bool isAdopting_ = false;

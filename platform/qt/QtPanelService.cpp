@@ -27,15 +27,13 @@ class QtPanelWindow final : public PanelWindow {
     void setFrame(const Rect& frame, bool display, bool animate) override {
         widget_->setFrame(frame, display, animate);
     }
-    void addButton(const std::shared_ptr<Button>& button) override { widget_->addButton(button); }
-    void display() override { widget_->repaint(); }
-    void makeKeyAndOrderFront() override {
-        widget_->setWindowState(widget_->windowState() & ~Qt::WindowMinimized);
-        widget_->show();
-        widget_->raise();
-        widget_->activateWindow();
-        widget_->setFocus();
+    void addControl(const std::shared_ptr<Control>& control) override {
+        widget_->addControl(control);
     }
+    void removeControl(Control& control) override { widget_->removeControl(control); }
+    void setDefaultButton(Button* button) override { widget_->setDefaultButton(button); }
+    void display() override { widget_->repaint(); }
+    void makeKeyAndOrderFront() override { widget_->makeKeyAndOrderFront(); }
     void orderOut() override { widget_->hide(); }
 
   private:

@@ -1,5 +1,6 @@
 #include "platform/widgets/Panel.h"
 #include "platform/PanelService.h"
+#include "platform/base/Exception.h"
 
 #include <algorithm>
 #include <utility>
@@ -13,15 +14,54 @@ double titleBarHeight(std::uint32_t styleMask) {
 
 } // namespace
 
+ContentView::~ContentView() {
+    for (const auto& control : controls_)
+        control->inPanel_ = false;
+}
+
+std::vector<std::shared_ptr<Button>> ContentView::buttons() const {
+    std::vector<std::shared_ptr<Button>> result;
+    for (const auto& control : controls_)
+        if (auto button = std::dynamic_pointer_cast<Button>(control))
+            result.push_back(std::move(button));
+    return result;
+}
+
+void ContentView::addControl(std::shared_ptr<Control> control) {
+    if (!control || control->inPanel_)
+        throw Exception(kInvalidArgumentException, "a panel needs a control that is in no panel");
+    controls_.push_back(std::move(control));
+    controls_.back()->inPanel_ = true;
+    window_->addControl(controls_.back());
+}
+
 void ContentView::addButton(std::shared_ptr<Button> button) {
-    buttons_.push_back(std::move(button));
-    window_->addButton(buttons_.back());
+    addControl(std::move(button));
+}
+
+void ContentView::removeControl(const std::shared_ptr<Control>& control) {
+    const auto found = std::ranges::find(controls_, control);
+    if (found == controls_.end())
+        return;
+    const auto removed = *found; // @p control may refer to an element of controls_
+    controls_.erase(found);
+    removed->inPanel_ = false;
+    if (removed == defaultButton_)
+        setDefaultButton(nullptr);
+    window_->removeControl(*removed);
+}
+
+void ContentView::setDefaultButton(std::shared_ptr<Button> button) {
+    if (button && std::ranges::find(controls_, button) == controls_.end())
+        throw Exception(kInvalidArgumentException, "the default button must be in the panel");
+    defaultButton_ = std::move(button);
+    window_->setDefaultButton(defaultButton_.get());
 }
 
 void ContentView::resize(Size size) {
     const Size before = std::exchange(size_, size);
-    for (const auto& button : std::vector(buttons_))
-        button->setFrame(autoresized(button->frame(), button->autoresizingMask(), before, size));
+    for (const auto& control : std::vector(controls_))
+        control->setFrame(autoresized(control->frame(), control->autoresizingMask(), before, size));
 }
 
 Panel::Panel() = default;

@@ -34,17 +34,39 @@ enum class BackingStore : int { Retained = 0, Nonretained = 1, Buffered = 2 };
 /// The area of a panel below its title bar. The origin is at the bottom left of the panel.
 class ContentView {
   public:
+    ContentView() = default;
+    ContentView(const ContentView&) = delete;
+    ContentView& operator=(const ContentView&) = delete;
+    ~ContentView();
+
     Size size() const { return size_; }
-    const std::vector<std::shared_ptr<Button>>& buttons() const { return buttons_; }
-    /// Adds a button, which is displayed at its frame.
+    /// Returns the controls in the order in which they were added. Tab moves the keyboard focus in
+    /// this order.
+    const std::vector<std::shared_ptr<Control>>& controls() const { return controls_; }
+    /// Returns the buttons among the controls.
+    std::vector<std::shared_ptr<Button>> buttons() const;
+    std::shared_ptr<Button> defaultButton() const { return defaultButton_; }
+
+    /// Adds a control, which is displayed at its frame. @throws Exception
+    /// (NSInvalidArgumentException) if it is null or already in a panel.
+    void addControl(std::shared_ptr<Control> control);
     void addButton(std::shared_ptr<Button> button);
+    /// Removes a control. Does nothing if it is not in this panel.
+    void removeControl(const std::shared_ptr<Control>& control);
+
+    /// Sets the button that Return clicks, unless another button or a list with an activation
+    /// handler has the keyboard focus. Null, the default, for none: Return then counts as a click
+    /// on the background if that has the focus. @throws Exception (NSInvalidArgumentException) if
+    /// the button is not in this panel.
+    void setDefaultButton(std::shared_ptr<Button> button);
 
   private:
     friend class Panel;
     void resize(Size size);
 
     Size size_;
-    std::vector<std::shared_ptr<Button>> buttons_;
+    std::vector<std::shared_ptr<Control>> controls_;
+    std::shared_ptr<Button> defaultButton_;
     PanelWindow* window_ = nullptr;
 };
 
@@ -84,7 +106,9 @@ class Panel : public ActionSender, public std::enable_shared_from_this<Panel> {
     virtual void setFrame(const Rect& frame, bool display, bool animate);
     /// Redraws the panel immediately.
     virtual void display();
-    /// Shows the panel in front of the others and gives it the keyboard focus.
+    /// Shows the panel in front of the others and gives it the keyboard focus. If the panel was
+    /// hidden and no control has requested the focus, the first text field or list gets it, or else
+    /// the background.
     void makeKeyAndOrderFront();
     /// Hides the panel. It can be shown again.
     void orderOut();

@@ -1,0 +1,57 @@
+#include "platform/qt/PanelLabel.h"
+
+#include "platform/qt/Strings.h"
+
+#include <cmath>
+
+namespace platform::qt {
+namespace {
+
+Qt::Alignment horizontal(TextAlignment alignment) {
+    switch (alignment) {
+    case TextAlignment::Left:
+        return Qt::AlignLeft;
+    case TextAlignment::Right:
+        return Qt::AlignRight;
+    case TextAlignment::Center:
+        return Qt::AlignHCenter;
+    }
+    return Qt::AlignLeft;
+}
+
+} // namespace
+
+PanelLabel::PanelLabel(std::shared_ptr<Label> label, std::string owner, QWidget* parent)
+    : QLabel(parent), PanelControl(*this, std::move(label), std::move(owner)) {
+    setTextFormat(Qt::PlainText);
+    setMouseTracking(true); // the panel's cursor depends on the position
+    controlDidChange();
+}
+
+void PanelLabel::applySettings() {
+    const auto label = control<Label>();
+    QFont font = parentWidget()->font();
+    const double scale =
+        systemFontSize(label->controlSize()) / systemFontSize(ControlSize::Regular);
+    font.setPixelSize(static_cast<int>(std::lround(QFontInfo(font).pixelSize() * scale)));
+    setFont(font);
+    setWordWrap(label->wraps());
+    setAlignment(horizontal(label->alignment()) |
+                 (label->wraps() ? Qt::AlignTop : Qt::AlignVCenter));
+    QWidget* const named = widgetOf(label->namedControl().get());
+    setBuddy(named);
+    QString text = qString(label->text());
+    // Only the label of another control underlines the letter after an ampersand.
+    setText(named ? text.replace('&', "&&") : text);
+}
+
+QWidget* PanelLabel::widgetOf(const Control* control) const {
+    if (!control)
+        return nullptr;
+    for (QObject* child : parentWidget()->children())
+        if (auto* shown = dynamic_cast<PanelControl*>(child); shown && shown->shows(*control))
+            return &shown->widget();
+    return nullptr;
+}
+
+} // namespace platform::qt

@@ -1,0 +1,24 @@
+#pragma once
+
+#include "platform/qt/PanelControl.h"
+#include "platform/widgets/Label.h"
+
+#include <QLabel>
+
+namespace platform::qt {
+
+/// The widget of a label. The mouse acts on what is behind it. Main thread only.
+class PanelLabel final : public QLabel, public PanelControl {
+    Q_OBJECT
+
+  public:
+    PanelLabel(std::shared_ptr<Label> label, std::string owner, QWidget* parent);
+
+  protected:
+    void applySettings() override;
+
+  private:
+    QWidget* widgetOf(const Control* control) const;
+};
+
+} // namespace platform::qt

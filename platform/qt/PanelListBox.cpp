@@ -1,0 +1,241 @@
+#include "platform/qt/PanelListBox.h"
+
+#include "platform/qt/PanelStyle.h"
+#include "platform/qt/QtImage.h"
+#include "platform/qt/Strings.h"
+
+#include <QAbstractListModel>
+#include <QKeyEvent>
+#include <QPainter>
+#include <QScopedValueRollback>
+#include <QScrollBar>
+#include <QStyledItemDelegate>
+
+#include <algorithm>
+
+namespace platform::qt {
+
+/// The rows of a list. Its number of rows changes when it is told of a change.
+class PanelListModel final : public QAbstractListModel {
+  public:
+    PanelListModel(std::shared_ptr<ListBox> list, QObject* parent)
+        : QAbstractListModel(parent), list_(std::move(list)) {
+        reset();
+    }
+
+    int rowCount(const QModelIndex& parent = {}) const override {
+        return parent.isValid() ? 0 : count_;
+    }
+    QVariant data(const QModelIndex& index, int role) const override {
+        const ListRow* const row = rowAt(index);
+        if (row && role == Qt::DisplayRole)
+            return qString(row->text);
+        if (row && role == Qt::AccessibleTextRole)
+            return qString(row->detail.empty() ? row->text : row->text + ", " + row->detail);
+        return {};
+    }
+    const ListRow* rowAt(const QModelIndex& index) const {
+        const auto position = static_cast<std::size_t>(index.row());
+        return list_ && position < list_->rows().size() ? &list_->rows()[position] : nullptr;
+    }
+
+    void reset() {
+        beginResetModel();
+        count_ = list_ ? static_cast<int>(list_->rows().size()) : 0;
+        endResetModel();
+    }
+    void clear() {
+        list_.reset();
+        reset();
+    }
+    void insert(int row) {
+        beginInsertRows({}, row, row);
+        ++count_;
+        endInsertRows();
+    }
+    void remove(int row) {
+        beginRemoveRows({}, row, row);
+        --count_;
+        endRemoveRows();
+    }
+    void update(int row) { emit dataChanged(index(row), index(row)); }
+
+  private:
+    std::shared_ptr<ListBox> list_;
+    int count_ = 0;
+};
+
+namespace {
+
+constexpr int kImageSide = 16;
+constexpr int kPadding = 6;
+constexpr int kRowMargin = 4; // above and below the text
+
+/// Draws a row: image, text, and at the right the detail in a paler colour.
+class RowDelegate final : public QStyledItemDelegate {
+  public:
+    RowDelegate(const PanelListModel& model, QObject* parent)
+        : QStyledItemDelegate(parent), model_(model) {}
+
+    QSize sizeHint(const QStyleOptionViewItem& option, const QModelIndex&) const override {
+        return {0, std::max(option.fontMetrics.height(), kImageSide) + 2 * kRowMargin};
+    }
+
+    void paint(QPainter* painter, const QStyleOptionViewItem& option,
+               const QModelIndex& index) const override {
+        const ListRow* const row = model_.rowAt(index);
+        if (!row)
+            return;
+        const PanelColors colors(option.palette);
+        const bool isSelected = option.state & QStyle::State_Selected;
+        const bool isActive = option.state & QStyle::State_HasFocus || hasFocus(option.widget);
+        painter->save();
+        painter->setRenderHints(QPainter::Antialiasing | QPainter::SmoothPixmapTransform);
+        if (isSelected) {
+            painter->setPen(Qt::NoPen);
+            painter->setBrush(isActive ? colors.accent : colors.focusFill);
+            painter->drawRoundedRect(option.rect, kPanelControlRadius - 1, kPanelControlRadius - 1);
+        }
+        QRect area = option.rect.adjusted(kPadding, 0, -kPadding, 0);
+        paintImage(*painter, *row, area, option.widget->devicePixelRatioF());
+        const auto group = option.state & QStyle::State_Enabled ? QPalette::Active
+                                                                : QPalette::Disabled;
+        const QColor text = isSelected && isActive ? colors.accentText
+                                                   : option.palette.color(group, QPalette::Text);
+        paintTexts(*painter, *row, area, option.fontMetrics, text);
+        painter->restore();
+    }
+
+  private:
+    static bool hasFocus(const QWidget* widget) { return widget && widget->hasFocus(); }
+
+    static void paintImage(QPainter& painter, const ListRow& row, QRect& area, double scale) {
+        const auto* const image = dynamic_cast<const QtImage*>(row.image.get());
+        if (!image || image->size().width <= 0 || image->size().height <= 0)
+            return;
+        QSizeF size(image->size().width, image->size().height);
+        if (size.width() > kImageSide || size.height() > kImageSide)
+            size.scale(kImageSide, kImageSide, Qt::KeepAspectRatio);
+        const QRect square(area.left(), area.center().y() + 1 - kImageSide / 2, kImageSide,
+                           kImageSide);
+        QRectF place({}, size);
+        place.moveCenter(QRectF(square).center());
+        painter.drawImage(place, image->pixelsForScale(scale));
+        area.setLeft(square.right() + 1 + kPadding);
+    }
+
+    static void paintTexts(QPainter& painter, const ListRow& row, QRect area,
+                           const QFontMetrics& metrics, QColor color) {
+        if (!row.detail.empty()) {
+            const QString detail =
+                metrics.elidedText(qString(row.detail), Qt::ElideRight, area.width() / 2);
+            QColor pale = color;
+            pale.setAlphaF(color.alphaF() * 0.7F);
+            painter.setPen(pale);
+            painter.drawText(area, Qt::AlignRight | Qt::AlignVCenter | Qt::TextSingleLine, detail);
+            area.setRight(area.right() - metrics.horizontalAdvance(detail) - 2 * kPadding);
+        }
+        painter.setPen(color);
+        painter.drawText(area, Qt::AlignLeft | Qt::AlignVCenter | Qt::TextSingleLine,
+                         metrics.elidedText(qString(row.text), Qt::ElideRight, area.width()));
+    }
+
+    const PanelListModel& model_;
+};
+
+} // namespace
+
+PanelListBox::PanelListBox(std::shared_ptr<ListBox> list, std::string owner, QWidget* parent)
+    : QListView(parent), PanelControl(*this, list, std::move(owner)),
+      model_(new PanelListModel(list, this)) {
+    setModel(model_);
+    setItemDelegate(new RowDelegate(*model_, this));
+    setUniformItemSizes(true);
+    setSelectionMode(QAbstractItemView::SingleSelection);
+    setEditTriggers(QAbstractItemView::NoEditTriggers);
+    setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    setVerticalScrollMode(QAbstractItemView::ScrollPerPixel);
+    setFrameShape(QFrame::StyledPanel);
+    viewport()->setAutoFillBackground(false);
+    connect(selectionModel(), &QItemSelectionModel::selectionChanged, this,
+            [this] { followSelection(); });
+    connect(this, &QAbstractItemView::activated, this,
+            [this](const QModelIndex& index) { activate(index); });
+    list->setListDisplay(this);
+    controlDidChange();
+}
+
+PanelListBox::~PanelListBox() {
+    detach();
+}
+
+void PanelListBox::willDetach() {
+    control<ListBox>()->setListDisplay(nullptr);
+    applyRows([](PanelListModel& model) { model.clear(); });
+}
+
+void PanelListBox::applyRows(const std::function<void(PanelListModel& model)>& code) {
+    const QScopedValueRollback guard(isApplying_, true);
+    code(*model_);
+}
+
+void PanelListBox::applySettings() {
+    const auto selected = control<ListBox>()->selectedRow();
+    applyRows([&](const PanelListModel& model) {
+        if (selected)
+            setCurrentIndex(model.index(static_cast<int>(*selected)));
+        else
+            selectionModel()->clear();
+    });
+}
+
+void PanelListBox::rowsDidChange() {
+    applyRows([](PanelListModel& model) { model.reset(); });
+    applySettings();
+}
+
+void PanelListBox::rowDidChange(std::size_t index) {
+    model_->update(static_cast<int>(index));
+}
+
+void PanelListBox::rowWasInserted(std::size_t index) {
+    applyRows([&](PanelListModel& model) { model.insert(static_cast<int>(index)); });
+}
+
+void PanelListBox::rowWasRemoved(std::size_t index) {
+    applyRows([&](PanelListModel& model) { model.remove(static_cast<int>(index)); });
+    applySettings(); // the next row would be selected
+}
+
+void PanelListBox::scrollToRow(std::size_t index) {
+    scrollTo(model_->index(static_cast<int>(index)));
+}
+
+void PanelListBox::followSelection() {
+    const auto list = control<ListBox>();
+    if (!list || isApplying_)
+        return;
+    const QModelIndexList rows = selectionModel()->selectedIndexes();
+    std::optional<std::size_t> row;
+    if (!rows.isEmpty())
+        row = static_cast<std::size_t>(rows.front().row());
+    run([&] { list->userDidSelect(row); });
+}
+
+void PanelListBox::activate(const QModelIndex& index) {
+    const auto list = control<ListBox>();
+    if (list && index.isValid())
+        run([&] { list->userDidActivate(static_cast<std::size_t>(index.row())); });
+}
+
+void PanelListBox::keyPressEvent(QKeyEvent* event) {
+    if (event->key() != Qt::Key_Return && event->key() != Qt::Key_Enter)
+        return QListView::keyPressEvent(event);
+    const auto list = control<ListBox>();
+    const bool activates = list && list->canActivate() && list->selectedRow();
+    event->setAccepted(activates); // otherwise for the panel's default button
+    if (activates)
+        activate(model_->index(static_cast<int>(*list->selectedRow())));
+}
+
+} // namespace platform::qt
