@@ -33,6 +33,7 @@ void addDrawingVerbs(CLI::App& commands, Task& task) {
         });
     };
     add("hud", "Draw the dark panel into a file, or show it");
+    add("panel", "Show a panel with all kinds of controls");
     add("tint", "Tint an image");
 }
 

@@ -39,7 +39,7 @@ void addWarningVerbs(CLI::App& commands, Task& task);    ///< warnings
 void addPaneVerbs(CLI::App& commands, Task& task);       ///< pane
 void addBackgroundVerbs(CLI::App& commands, Task& task); ///< prefs, background
 void addPlistVerb(CLI::App& commands, Task& task);       ///< plist
-void addDrawingVerbs(CLI::App& commands, Task& task);    ///< hud, tint
+void addDrawingVerbs(CLI::App& commands, Task& task);    ///< hud, panel, tint
 
 // Used by the functions above.
 

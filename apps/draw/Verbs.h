@@ -30,6 +30,7 @@ struct DrawingTask {
 
 void addHudVerb(CLI::App& commands, DrawingTask& task);
 void addSheetVerb(CLI::App& commands, DrawingTask& task);
+void addPanelVerb(CLI::App& commands, DrawingTask& task);
 void addTintVerb(CLI::App& commands, DrawingTask& task);
 
 /// Writes the pixels of @p image as PNG, and replaces the file at @p path. On failure,

@@ -81,6 +81,7 @@ ExitStatus run(int argc, char** argv) {
     commandLine.require_subcommand(1);
     addHudVerb(commandLine, task);
     addSheetVerb(commandLine, task);
+    addPanelVerb(commandLine, task);
     addTintVerb(commandLine, task);
     try {
         parseArguments(commandLine, argc, argv);

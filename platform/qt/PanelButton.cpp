@@ -105,8 +105,9 @@ void PanelButton::paintTitle(QPainter& painter, const Button& button) const {
     const QRectF place = centered({line.size().width, line.size().height}, rect());
     painter.translate(place.left(), std::round(place.top()));
     const bool isFilled = isDefault_ && button.look().bordered;
-    painter.setPen(isFilled ? palette().highlightedText().color()
-                            : palette().windowText().color());
+    // The button is drawn paler as a whole while it is disabled.
+    painter.setPen(palette().color(QPalette::Active,
+                                   isFilled ? QPalette::HighlightedText : QPalette::WindowText));
     line.fill(painter);
 }
 

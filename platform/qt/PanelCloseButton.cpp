@@ -11,10 +11,11 @@ constexpr int kSide = 13;
 constexpr double kRadius = 5.5;
 constexpr double kCrossReach = 2.25;
 
-const QColor kDisc(255, 255, 255, 150);
-const QColor kDiscUnderMouse(255, 255, 255, 235);
-const QColor kDiscPressed(255, 255, 255, 110);
-const QColor kCross(40, 40, 40);
+// Opacities of the disc, which has the panel's text colour.
+constexpr int kNormal = 150;
+constexpr int kUnderMouse = 235;
+constexpr int kPressed = 110;
+const QColor kDarkCross(40, 40, 40);
 
 } // namespace
 
@@ -33,10 +34,13 @@ void PanelCloseButton::paintEvent(QPaintEvent*) {
     QPainter painter(this);
     painter.setRenderHint(QPainter::Antialiasing);
     painter.setPen(Qt::NoPen);
-    painter.setBrush(isDown() ? kDiscPressed : underMouse() ? kDiscUnderMouse : kDisc);
+    QColor disc = palette().color(QPalette::Active, QPalette::WindowText);
+    const QColor cross = disc.lightness() < 128 ? QColor(Qt::white) : kDarkCross;
+    disc.setAlpha(isDown() ? kPressed : underMouse() ? kUnderMouse : kNormal);
+    painter.setBrush(disc);
     const QPointF center = QRectF(rect()).center();
     painter.drawEllipse(center, kRadius, kRadius);
-    painter.setPen(QPen(kCross, 1.5, Qt::SolidLine, Qt::RoundCap));
+    painter.setPen(QPen(cross, 1.5, Qt::SolidLine, Qt::RoundCap));
     const QPointF down(kCrossReach, kCrossReach);
     const QPointF up(kCrossReach, -kCrossReach);
     painter.drawLine(center - down, center + down);

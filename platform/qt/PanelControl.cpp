@@ -5,6 +5,7 @@
 #include "platform/qt/PanelListBox.h"
 #include "platform/qt/PanelSlider.h"
 #include "platform/qt/PanelTextField.h"
+#include "platform/qt/PanelViewBox.h"
 #include "platform/qt/Strings.h"
 #include "platform/runtime/Guard.h"
 
@@ -51,9 +52,23 @@ void PanelControl::controlDidChange() {
     place();
     widget_.setEnabled(control_->isEnabled());
     widget_.setToolTip(qString(control_->toolTip()));
-    widget_.setAccessibleName(qString(control_->accessibilityLabel()));
+    updateAccessibleName();
     applySettings();
     widget_.setVisible(!control_->isHidden());
+}
+
+void PanelControl::updateAccessibleName() {
+    if (control_)
+        widget_.setAccessibleName(nameForScreenReaders());
+}
+
+QString PanelControl::nameForScreenReaders() const {
+    if (!control_->accessibilityLabel().empty())
+        return qString(control_->accessibilityLabel());
+    for (const auto* label : widget_.parentWidget()->findChildren<PanelLabel*>())
+        if (label->buddy() == &widget_)
+            return label->plainText();
+    return {};
 }
 
 void PanelControl::takeFocus() {
@@ -66,9 +81,9 @@ void PanelControl::run(const std::function<void()>& code) const {
 
 PanelControl* makePanelControl(const std::shared_ptr<Control>& control, const std::string& owner,
                                QWidget* parent) {
-    for (const auto maker :
-         {make<Button, PanelButton>, make<Label, PanelLabel>, make<Slider, PanelSlider>,
-          make<TextField, PanelTextField>, make<ListBox, PanelListBox>})
+    for (const auto maker : {make<Button, PanelButton>, make<Label, PanelLabel>,
+                             make<Slider, PanelSlider>, make<TextField, PanelTextField>,
+                             make<ListBox, PanelListBox>, make<ViewBox, PanelViewBox>})
         if (PanelControl* const made = maker(control, owner, parent))
             return made;
     return nullptr;

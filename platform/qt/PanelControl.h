@@ -2,6 +2,7 @@
 
 #include "platform/widgets/Control.h"
 
+#include <QString>
 #include <QWidget>
 
 #include <functional>
@@ -23,6 +24,8 @@ class PanelControl : public ControlDisplay {
     /// Returns whether the widget gets the keyboard focus when the panel is shown.
     virtual bool wantsFirstFocus() const { return false; }
 
+    /// Sets the name for screen readers again, because the label of the control has changed.
+    void updateAccessibleName();
     /// Moves the widget to the control's frame. Call this when the parent's height changes.
     void place();
     /// Stops referring to the control, whose handlers are not called afterwards.
@@ -48,6 +51,9 @@ class PanelControl : public ControlDisplay {
     virtual void willDetach() {}
 
   private:
+    /// Returns the control's name for screen readers, which may be the text of its label.
+    QString nameForScreenReaders() const;
+
     QWidget& widget_;
     std::shared_ptr<Control> control_;
     const std::string owner_;

@@ -38,19 +38,25 @@ void PanelLabel::applySettings() {
     setWordWrap(label->wraps());
     setAlignment(horizontal(label->alignment()) |
                  (label->wraps() ? Qt::AlignTop : Qt::AlignVCenter));
-    QWidget* const named = widgetOf(label->namedControl().get());
-    setBuddy(named);
-    QString text = qString(label->text());
-    // Only the label of another control underlines the letter after an ampersand.
-    setText(named ? text.replace('&', "&&") : text);
+    PanelControl* const named = displayOf(label->namedControl().get());
+    setBuddy(named ? &named->widget() : nullptr);
+    // With a buddy, an ampersand would underline the next letter.
+    setText(named ? plainText().replace('&', "&&") : plainText());
+    if (named)
+        named->updateAccessibleName();
 }
 
-QWidget* PanelLabel::widgetOf(const Control* control) const {
+QString PanelLabel::plainText() const {
+    const auto label = control<Label>();
+    return label ? qString(label->text()) : QString();
+}
+
+PanelControl* PanelLabel::displayOf(const Control* control) const {
     if (!control)
         return nullptr;
-    for (QObject* child : parentWidget()->children())
+    for (QObject* child : parentWidget()->findChildren<QObject*>())
         if (auto* shown = dynamic_cast<PanelControl*>(child); shown && shown->shows(*control))
-            return &shown->widget();
+            return shown;
     return nullptr;
 }
 

@@ -14,11 +14,14 @@ class PanelLabel final : public QLabel, public PanelControl {
   public:
     PanelLabel(std::shared_ptr<Label> label, std::string owner, QWidget* parent);
 
+    /// Returns the text. That of QLabel has its ampersands doubled.
+    QString plainText() const;
+
   protected:
     void applySettings() override;
 
   private:
-    QWidget* widgetOf(const Control* control) const;
+    PanelControl* displayOf(const Control* control) const;
 };
 
 } // namespace platform::qt

@@ -98,8 +98,8 @@ class RowDelegate final : public QStyledItemDelegate {
         }
         QRect area = option.rect.adjusted(kPadding, 0, -kPadding, 0);
         paintImage(*painter, *row, area, option.widget->devicePixelRatioF());
-        const auto group = option.state & QStyle::State_Enabled ? QPalette::Active
-                                                                : QPalette::Disabled;
+        const auto group =
+            option.state & QStyle::State_Enabled ? QPalette::Active : QPalette::Disabled;
         const QColor text = isSelected && isActive ? colors.accentText
                                                    : option.palette.color(group, QPalette::Text);
         paintTexts(*painter, *row, area, option.fontMetrics, text);

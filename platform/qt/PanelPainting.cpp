@@ -2,6 +2,7 @@
 
 #include "platform/qt/Colors.h"
 #include "platform/qt/QtImage.h"
+#include "platform/values/TextAttributes.h"
 
 #include <QPainter>
 #include <QPainterPath>
@@ -11,7 +12,7 @@ namespace {
 
 constexpr double kShadowOpacity = 0.3;
 constexpr double kShadowRadius = 6;
-const QColor kIndicatorColor(255, 255, 255, 130);
+constexpr int kIndicatorAlpha = 130;
 
 } // namespace
 
@@ -52,9 +53,24 @@ void paintPanelBackground(QPainter& painter, const QRect& frame, const Color& co
     painter.restore();
 }
 
-void paintResizeIndicator(QPainter& painter, const QRect& frame) {
+void paintPanelTitle(QPainter& painter, const QRect& frame, int height, const QString& title,
+                     const QColor& color) {
+    // As far from the ends as the title of a HUD panel.
+    const QRect area(frame.left() + height, frame.top(), frame.width() - 2 * height, height);
+    painter.save();
+    QFont font = painter.font();
+    font.setPixelSize(static_cast<int>(systemFontSize(ControlSize::Small)));
+    painter.setFont(font);
+    painter.setPen(color);
+    painter.drawText(area, Qt::AlignCenter | Qt::TextSingleLine,
+                     painter.fontMetrics().elidedText(title, Qt::ElideRight, area.width()));
+    painter.restore();
+}
+
+void paintResizeIndicator(QPainter& painter, const QRect& frame, QColor color) {
     const QPointF corner(frame.right() - 1.5, frame.bottom() - 1.5);
-    painter.setPen(QPen(kIndicatorColor, 1));
+    color.setAlpha(kIndicatorAlpha);
+    painter.setPen(QPen(color, 1));
     for (const int length : {4, 8, 12})
         painter.drawLine(corner - QPointF(length, 0), corner - QPointF(0, length));
 }

@@ -3,7 +3,9 @@
 #include "platform/values/Color.h"
 
 #include <QRect>
+#include <QString>
 
+class QColor;
 class QPainter;
 
 namespace platform::qt {
@@ -19,7 +21,12 @@ void paintPanelShadow(QPainter& painter, const QRect& frame, int width);
 void paintPanelBackground(QPainter& painter, const QRect& frame, const Color& color,
                           double devicePixelRatio);
 
+/// Draws a title in a title bar of @p height points, centred and with an ellipsis if it is too
+/// long.
+void paintPanelTitle(QPainter& painter, const QRect& frame, int height, const QString& title,
+                     const QColor& color);
+
 /// Draws three diagonal lines in the lower right corner.
-void paintResizeIndicator(QPainter& painter, const QRect& frame);
+void paintResizeIndicator(QPainter& painter, const QRect& frame, QColor color);
 
 } // namespace platform::qt

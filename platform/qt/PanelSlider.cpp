@@ -72,11 +72,27 @@ PanelSlider::PanelSlider(std::shared_ptr<Slider> slider, std::string owner, QWid
         return true;
     }();
     setFocusPolicy(Qt::StrongFocus);
-    connect(this, &QSlider::valueChanged, this, [this](int position) {
-        if (const auto moved = this->slider())
-            run([&] { moved->userDidMove(position); });
-    });
+    connect(this, &QSlider::valueChanged, this, &PanelSlider::report);
     controlDidChange();
+}
+
+void PanelSlider::report(int position) {
+    const auto moved = slider();
+    // A press beside the handle changes the value without tracking, too.
+    if (moved && (moved->isContinuous() || !isPressed_))
+        run([&] { moved->userDidMove(position); });
+}
+
+void PanelSlider::mousePressEvent(QMouseEvent* event) {
+    isPressed_ = true;
+    QSlider::mousePressEvent(event);
+}
+
+void PanelSlider::mouseReleaseEvent(QMouseEvent* event) {
+    isPressed_ = false;
+    QSlider::mouseReleaseEvent(event);
+    if (const auto moved = slider(); moved && value() != moved->positionOf(moved->value()))
+        report(value());
 }
 
 void PanelSlider::applySettings() {

@@ -20,6 +20,13 @@ class PanelSlider final : public QSlider, public PanelControl {
   protected:
     void applySettings() override;
     void paintEvent(QPaintEvent* event) override;
+    void mousePressEvent(QMouseEvent* event) override;
+    void mouseReleaseEvent(QMouseEvent* event) override;
+
+  private:
+    void report(int position);
+
+    bool isPressed_ = false; ///< by the mouse, on the handle or beside it
 };
 
 } // namespace platform::qt

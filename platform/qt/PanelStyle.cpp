@@ -3,6 +3,7 @@
 #include "platform/qt/Colors.h"
 
 #include <QApplication>
+#include <QFrame>
 #include <QPainter>
 #include <QStyleFactory>
 #include <QStyleOptionSlider>
@@ -199,9 +200,8 @@ void paintSliderTicks(QPainter& painter, const QRect& rect, Qt::Orientation orie
     const double first = (isHorizontal ? strip.left() : strip.top()) + kSliderHandleSide / 2;
     // Half a point more than the last, which may be inexact.
     for (double at = first; at < end - kSliderHandleSide / 2 + 0.5; at += distance)
-        painter.drawRect(isHorizontal
-                             ? QRectF(at - 0.5, strip.bottom() + 2, 1, kTickLength)
-                             : QRectF(strip.right() + 2, at - 0.5, kTickLength, 1));
+        painter.drawRect(isHorizontal ? QRectF(at - 0.5, strip.bottom() + 2, 1, kTickLength)
+                                      : QRectF(strip.right() + 2, at - 0.5, kTickLength, 1));
 }
 
 PanelStyle::PanelStyle() : QProxyStyle(QStyleFactory::create("Fusion")) {}
@@ -221,7 +221,8 @@ void PanelStyle::drawPrimitive(PrimitiveElement element, const QStyleOption* opt
 
 void PanelStyle::drawControl(ControlElement element, const QStyleOption* option, QPainter* painter,
                              const QWidget* widget) const {
-    if (element == CE_ShapedFrame)
+    const auto* const frame = qstyleoption_cast<const QStyleOptionFrame*>(option);
+    if (element == CE_ShapedFrame && frame && frame->frameShape == QFrame::StyledPanel)
         paintField(*painter, *option, widget && widget->hasFocus());
     else
         QProxyStyle::drawControl(element, option, painter, widget);

@@ -26,8 +26,8 @@ struct PanelColors {
     QColor fieldRim;
     QColor plate; ///< of buttons
     QColor plateRim;
-    QColor groove;    ///< of sliders and scroll bars
-    QColor handle;    ///< of sliders
+    QColor groove; ///< of sliders and scroll bars
+    QColor handle; ///< of sliders
     QColor handleRim;
     QColor focusFill; ///< behind what has the focus and no ring, or is selected without the focus
     QColor accent;

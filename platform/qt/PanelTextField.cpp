@@ -9,7 +9,7 @@
 namespace platform::qt {
 namespace {
 
-constexpr int kTextMargin = 3; // points, inside of the frame
+constexpr int kTextMargin = 4; // points, inside of the frame
 
 } // namespace
 

@@ -95,7 +95,9 @@ void PanelWidget::setLook(const PanelLook& look) {
     const int margin = look.hasShadow && windowsAreTranslucent() ? kShadowMargin : 0;
     if (std::exchange(margin_, margin) != margin)
         adoptFrame(panel_->frame());
-    content_->setPalette(panelPalette(look, panel_->styleMask() & kHUDWindowMask));
+    content_->setPalette(panelPalette(look, hasStyle(kHUDWindowMask)));
+    if (closeButton_)
+        closeButton_->setPalette(content_->palette());
     setWindowOpacity(std::clamp(look.alphaValue, 0.0, 1.0));
     // Setting a flag hides the window, even if the flag does not change.
     const bool refusesKeyboard = !panel_->canBecomeKeyWindow();
@@ -243,8 +245,12 @@ void PanelWidget::paintEvent(QPaintEvent*) {
     painter.setRenderHints(QPainter::Antialiasing | QPainter::SmoothPixmapTransform);
     paintPanelShadow(painter, frameRect(), margin_);
     paintPanelBackground(painter, frameRect(), look_.backgroundColor, devicePixelRatioF());
+    const QColor text = content_->palette().windowText().color();
+    if (hasStyle(kTitledWindowMask) && !hasStyle(kHUDWindowMask)) // a HUD panel draws its title
+        paintPanelTitle(painter, frameRect(), static_cast<int>(kPanelTitleBarHeight), windowTitle(),
+                        text);
     if (showsResizeIndicator())
-        paintResizeIndicator(painter, frameRect());
+        paintResizeIndicator(painter, frameRect(), text);
 }
 
 bool PanelWidget::hasStyle(std::uint32_t mask) const {

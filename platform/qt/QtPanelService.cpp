@@ -22,6 +22,7 @@ class QtPanelWindow final : public PanelWindow {
     void setTitle(const std::string& title) override {
         widget_->setWindowTitle(qString(title));
         widget_->setAccessibleName(qString(title));
+        widget_->update();
     }
     void setLook(const PanelLook& look) override { widget_->setLook(look); }
     void setFrame(const Rect& frame, bool display, bool animate) override {

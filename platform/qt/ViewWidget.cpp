@@ -80,8 +80,13 @@ ViewWidget::ViewWidget(std::shared_ptr<MenuExtraView> view, std::string owner, Q
 }
 
 ViewWidget::~ViewWidget() {
-    if (view_->container() == this)
-        view_->setContainer(nullptr);
+    detach();
+}
+
+void ViewWidget::detach() {
+    const auto view = std::exchange(view_, nullptr);
+    if (view && view->container() == this)
+        view->setContainer(nullptr);
 }
 
 void ViewWidget::setFollowsWidget(Qt::Orientations dimensions) {
@@ -98,7 +103,7 @@ QSize ViewWidget::sizeHint() const {
 /// after an exception.
 bool ViewWidget::callView(const std::function<void(MenuExtraView& view)>& code) const {
     const std::shared_ptr<MenuExtraView> view = view_;
-    return runGuarded(owner_, [&] { code(*view); });
+    return view && runGuarded(owner_, [&] { code(*view); });
 }
 
 void ViewWidget::viewNeedsDisplay(MenuExtraView&) {
@@ -128,6 +133,8 @@ void ViewWidget::resizeEvent(QResizeEvent*) {
 }
 
 void ViewWidget::followWidget() {
+    if (!view_)
+        return;
     Size size = view_->frame().size;
     if (following_ & Qt::Horizontal)
         size.width = width();
@@ -143,6 +150,8 @@ void ViewWidget::followWidget() {
 
 void ViewWidget::paintEvent(QPaintEvent*) {
     auto* const target = dynamic_cast<QtGraphics*>(&graphics());
+    if (!view_)
+        return;
     const QSizeF points = drawableSize(view_->frame().size);
     if (!target || points.isEmpty())
         return;
@@ -161,7 +170,8 @@ void ViewWidget::paintEvent(QPaintEvent*) {
     if (highlighted_)
         paintMenuHighlight(painter, rect(), palette());
     painter.drawImage(0, 0, layer);
-    view_->didDisplay();
+    if (view_) // its code may have removed it
+        view_->didDisplay();
     announceChanges();
 }
 
@@ -188,7 +198,8 @@ AccessibleDescription ViewWidget::accessibleDescription() const {
 }
 
 Point ViewWidget::location(QPointF position) const {
-    return {position.x(), drawableSize(view_->frame().size).height() - position.y()};
+    const Size size = view_ ? view_->frame().size : Size{};
+    return {position.x(), drawableSize(size).height() - position.y()};
 }
 
 void ViewWidget::sendMouse(const QMouseEvent& event, Handler handler, std::int32_t clickCount) {

@@ -28,7 +28,10 @@ class ViewWidget final : public QWidget, public ViewContainer {
     ViewWidget(std::shared_ptr<MenuExtraView> view, std::string owner, QWidget* parent = nullptr);
     ~ViewWidget() override;
 
+    /// Returns the view, or null after detach().
     const std::shared_ptr<MenuExtraView>& view() const { return view_; }
+    /// Stops showing the view, which may be destroyed afterwards. Call this before deleteLater.
+    void detach();
 
     /// Chooses which dimensions of the view follow the widget when it is resized. At first none:
     /// the view keeps its size and is shown at the top left of the widget.
@@ -87,7 +90,7 @@ class ViewWidget final : public QWidget, public ViewContainer {
     void followWidget();
     void announceChanges();
 
-    const std::shared_ptr<MenuExtraView> view_;
+    std::shared_ptr<MenuExtraView> view_;
     const std::string owner_;
     Size requestedSize_;
     Qt::Orientations following_;

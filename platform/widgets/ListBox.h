@@ -15,8 +15,9 @@ namespace platform {
 /// A row of a list.
 struct ListRow {
     std::string text;
-    std::string detail{};           ///< shown in a second column, at the right
-    std::shared_ptr<Image> image{}; ///< shown before the text, scaled down to at most 16 x 16 points
+    std::string detail{}; ///< shown in a second column, at the right
+    std::shared_ptr<Image>
+        image{}; ///< shown before the text, scaled down to at most 16 x 16 points
 };
 
 /// Follows changes of a list's rows. Used by the window of the panel.
@@ -59,8 +60,8 @@ class ListBox final : public Control {
     /// Selects a row, or none, without calling a handler, and scrolls to it.
     /// @throws Exception (NSInvalidArgumentException) if there is no such row.
     void setSelectedRow(std::optional<std::size_t> row);
-    /// Scrolls as far as needed to show a row. @throws Exception (NSInvalidArgumentException) if there is no
-    /// such row.
+    /// Scrolls as far as needed to show a row. @throws Exception (NSInvalidArgumentException) if
+    /// there is no such row.
     void scrollToRow(std::size_t row);
 
     /// Sets the function to call after the user has selected another row, or none, replacing the
