@@ -20,13 +20,14 @@ QRect occupied(const QImage& picture) {
     return area;
 }
 
-/// The panel of the command line on a screen without a window manager or compositing manager.
+/// A panel of the command line on a screen without a window manager or compositing manager.
 class X11Panel : public testing::Test {
   protected:
-    X11Panel() {
+    X11Panel() : X11Panel({"hud", "show", "--title", "Clock"}, "^Clock$") {}
+    X11Panel(const QStringList& arguments, const QString& title) {
         panel.setProcessEnvironment(test::environmentWith(x.settings()));
-        panel.start(HALVEX_CTL, {"hud", "show", "--title", "Clock"});
-        window = x.act({"search", "--sync", "--onlyvisible", "--name", "^Clock$"}).trimmed();
+        panel.start(HALVEX_CTL, arguments);
+        window = x.act({"search", "--sync", "--onlyvisible", "--name", title}).trimmed();
     }
     ~X11Panel() override {
         panel.kill();
@@ -81,6 +82,31 @@ TEST_F(X11Panel, ReportsClicksAndClosesOnEscape) {
     EXPECT_TRUE(panel.waitForFinished(5000));
     EXPECT_EQ(panel.exitStatus(), QProcess::NormalExit);
     EXPECT_EQ(panel.exitCode(), 0);
+}
+
+/// The panel with all kinds of controls, whose frame is 340 x 279 points at (330, 10).
+struct X11Controls : X11Panel {
+    X11Controls() : X11Panel({"panel"}, "^Controls$") {}
+};
+
+TEST_F(X11Controls, AreUsedWithTheMouseAndTheKeyboard) {
+    ASSERT_FALSE(window.isEmpty()) << panel.readAllStandardError().toStdString();
+    x.clickAt(600, 52); // the field: without a window manager, this gives it the focus
+    x.act({"type", "Oslo"});
+    EXPECT_TRUE(prints("edited Oslo\n")) << printed.toStdString();
+    x.act({"key", "Return"});
+    EXPECT_TRUE(prints("committed Oslo\nOK\n")) << printed.toStdString();
+    x.act({"key", "Tab", "key", "Tab", "key", "Right", "key", "Tab", "key", "Down"});
+    EXPECT_TRUE(prints("rate 3.000000\nselected 2\n")) << printed.toStdString();
+    x.act({"key", "Tab", "key", "Right"});
+    EXPECT_TRUE(prints("chart 6\n")) << printed.toStdString();
+    x.clickAt(330 + 96 + 3, 80); // the left end of the first slider
+    EXPECT_TRUE(prints("volume 0.000000\n")) << printed.toStdString();
+    const QColor ring(0x34, 0x78, 0xe0);
+    EXPECT_TRUE(test::eventually([&] { return x.picture().pixelColor(427, 80) == ring; }))
+        << x.picture().pixelColor(427, 80).name().toStdString();
+    x.act({"key", "Escape"});
+    EXPECT_TRUE(panel.waitForFinished(5000));
 }
 
 TEST_F(X11Panel, FollowsTheStartAndExitOfACompositingManager) {
