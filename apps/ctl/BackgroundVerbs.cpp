@@ -107,7 +107,8 @@ ExitStatus request(const std::string& name) {
 
 void addBackgroundVerbs(CLI::App& commands, Task& task) {
     const auto text = std::make_shared<std::string>();
-    CLI::App& prefs = addVerbGroup(commands, "prefs", "Open the preference pane");
+    CLI::App& prefs =
+        addVerbGroup(commands, "prefs", "Open the preference pane, read and change preferences");
     addVerb(prefs, task, "path", "Print the path of the pane that \"prefs open\" opens",
             [] { return printPath(Tools::HalvexPrefsPath()); });
     addVerb(prefs, task, "open", "Open the pane", openPane);
@@ -115,6 +116,7 @@ void addBackgroundVerbs(CLI::App& commands, Task& task) {
             [text] { return selectPane(*text); })
         .add_option("IDENTIFIER", *text, "The pane's bundle identifier")
         ->required();
+    addPreferencesVerbs(prefs, task);
 
     CLI::App& background =
         addVerbGroup(commands, "background", "Control the background application");

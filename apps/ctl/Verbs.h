@@ -38,6 +38,7 @@ void addNewVerb(CLI::App& commands, Task& task);         ///< new
 void addWarningVerbs(CLI::App& commands, Task& task);    ///< warnings
 void addPaneVerbs(CLI::App& commands, Task& task);       ///< pane
 void addBackgroundVerbs(CLI::App& commands, Task& task); ///< prefs, background
+void addPreferencesVerbs(CLI::App& prefs, Task& task);   ///< prefs read, write, delete
 void addPlistVerb(CLI::App& commands, Task& task);       ///< plist
 void addDrawingVerbs(CLI::App& commands, Task& task);    ///< hud, panel, tint
 

@@ -162,4 +162,24 @@ TEST(PlistVerb, ReportsTheLineAndColumnOfAnError) {
          {"halvexctl plist 'two\nlines'", "", 1, ": two?lines: line 1, column 1: syntax error\n"}});
 }
 
+TEST(PreferencesVerbs, ReadWriteAndDelete) {
+    Shell().run(
+        {{"halvexctl prefs write org.example.A Text a-b; grep -c a-b "
+          "home/Library/Preferences/*.plist",
+          "1\n"},
+         {"halvexctl prefs read org.example.A Text", "a-b\n"},
+         {"halvexctl prefs write org.example.A Number --type integer -- -5", ""},
+         {"halvexctl prefs write org.example.A Real --type real 2.5", ""},
+         {"halvexctl prefs write org.example.A On --type boolean true", ""},
+         {"halvexctl prefs delete org.example.A Text", ""},
+         {"halvexctl prefs read org.example.A Text", "", 1, "there is no preference Text"},
+         {"halvexctl prefs read org.example.A --json",
+          "{\n  \"Number\": -5,\n  \"Real\": 2.5,\n  \"On\": true\n}\n"},
+         {"halvexctl prefs write org.example.A Number --type integer 5x", "", 1, "5x is not of"},
+         {"halvexctl prefs write org.example.A On --type boolean yes", "", 1, "yes is not of"},
+         {"halvexctl prefs write org.example.A On --type word 1", "", 2, "word"},
+         {"halvexctl prefs read ../A", "", 1, "cannot open preferences"},
+         {"halvexctl prefs write a/b Key 1", "", 1, "cannot open preferences"}});
+}
+
 } // namespace

@@ -3,16 +3,19 @@
 #include "platform/Defaults.h"
 #include "platform/DynamicLoader.h"
 #include "platform/MenuExtraServer.h"
+#include "platform/Preferences.h"
 #include "platform/PropertyListService.h"
 #include "platform/ScriptRunner.h"
 #include "platform/SystemInfo.h"
 #include "platform/TrustedFile.h"
+#include "platform/expat/ExpatPropertyLists.h"
 #include "platform/posix/PosixWorkspace.h"
 #include "platform/runtime/DetachedThread.h"
 #include "platform/runtime/Guard.h"
 #include "tests/memory/Tree.h"
 #include "tests/support/Fakes.h"
 #include "tests/support/PollingMainThread.h"
+#include "tests/support/TemporaryPreferences.h"
 
 #include <fcntl.h>
 
@@ -52,6 +55,10 @@ TEST_F(Services, OfFilesFailCompletelyIfMemoryRunsOut) {
     const std::vector<std::string> unchanged{"false old none"};
     const auto reason = [&](const auto& result) { return result ? "file" : result.reason; };
     test::PollingMainThread mainThread;
+    expat::install();
+    const test::TemporaryPreferences temporary;
+    const auto changes = PreferenceChanges().set("key", kText);
+    const Preferences settings = preferences("a domain with a name that is not small");
     test::failEachAllocation(
         log,
         {
@@ -71,6 +78,9 @@ TEST_F(Services, OfFilesFailCompletelyIfMemoryRunsOut) {
              prepare},
             {"write", [&] { return files.writeFileAtomically(file, "new"); }, unchanged, prepare,
              now},
+            {"preferences: read", [&] { return settings.string(kText); }, emptyPath, prepare},
+            {"preferences: write", [&] { return settings.write(changes); }, no, prepare},
+            {"preferences: open", [&] { return preferences(kText).file(); }, emptyPath},
             {"home", [&] { return files.homeDirectory(); }, emptyPath},
             {"home of a user", [&] { return files.homeDirectoryForUser("root"); }, empty},
             {"expand", [] { return expandingTildeInPath(kTilde); }, emptyPath},
