@@ -3,10 +3,12 @@
 
 #include <array>
 #include <charconv>
+#include <cstdint>
 #include <memory>
 #include <optional>
 #include <string>
 #include <utility>
+#include <vector>
 
 using platform::PropertyList;
 
@@ -45,6 +47,7 @@ constexpr std::array<std::pair<const char*, Parse>, 4> kTypes{{
 
 CLI::IsMember typeNames() {
     std::vector<std::string> names;
+    names.reserve(kTypes.size());
     for (const auto& [name, parse] : kTypes)
         names.emplace_back(name);
     return CLI::IsMember(names);

@@ -75,7 +75,7 @@ std::shared_ptr<QtImage> QtImage::fromFile(const std::string& path) {
         if (QImage pixels = readImage(sibling); !pixels.isNull())
             representations.push_back({std::move(pixels), static_cast<double>(scale)});
     }
-    const auto image = std::make_shared<QtImage>(std::move(representations));
+    auto image = std::make_shared<QtImage>(std::move(representations));
     image->isTemplate_ = QFileInfo(file).completeBaseName().endsWith(QLatin1String("Template"));
     return image;
 }
