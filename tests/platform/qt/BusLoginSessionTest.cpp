@@ -1,8 +1,8 @@
 #include "platform/qt/BusLoginSession.h"
 
-#include "platform/qt/QtMainThread.h"
 #include "tests/desktop/support/FakeService.h"
 #include "tests/platform/qt/DBusMock.h"
+#include "tests/platform/qt/MainLoop.h"
 #include "tests/support/RecordingLog.h"
 #include "tests/support/ScopedEnvironment.h"
 
@@ -58,8 +58,7 @@ class BusLoginSessionTest : public testing::Test {
         return eventuallyWithoutBlocking([&] { return log.contains(part); });
     }
 
-    platform::qt::QtMainThread thread;
-    ScopedService<MainThread> mainThread{thread};
+    test::MainLoop mainLoop;
     test::ScopedEnvironment id{"XDG_SESSION_ID", "c1"};
     test::RecordingLog log;
     test::PrivateBus bus;

@@ -1,8 +1,8 @@
 #include "platform/qt/BusWireless.h"
 
-#include "platform/qt/QtMainThread.h"
 #include "tests/desktop/support/FakeService.h"
 #include "tests/platform/qt/DBusMock.h"
+#include "tests/platform/qt/MainLoop.h"
 #include "tests/support/RecordingLog.h"
 #include "tests/support/TemporaryFolder.h"
 
@@ -82,8 +82,7 @@ class BusWirelessTest : public testing::Test {
         return kUnknown;
     }
 
-    platform::qt::QtMainThread thread;
-    ScopedService<MainThread> mainThread{thread};
+    test::MainLoop mainLoop;
     test::RecordingLog log;
     test::PrivateBus bus;
     test::TemporaryFolder folder;

@@ -1,7 +1,7 @@
 #include "platform/qt/KernelWireless.h"
 
 #include "platform/qt/KernelWirelessName.h"
-#include "platform/qt/QtMainThread.h"
+#include "tests/platform/qt/MainLoop.h"
 #include "tests/support/Fakes.h"
 #include "tests/support/TemporaryFolder.h"
 
@@ -66,8 +66,7 @@ TEST(KernelWireless, DescribesTheAdaptersInTheFolder) {
         folder.write(path + "operstate", std::string(operstate) + '\n');
         folder.write(path + "address", "00:11\n");
     }
-    platform::qt::QtMainThread thread;
-    const ScopedService<MainThread> service(thread);
+    const test::MainLoop mainLoop;
     const platform::qt::KernelWireless kernel(
         {folder.path().string(), folder.write("proc", "lo: 0 35. -70. 0")}, [] {});
     const WirelessStatus status = kernel.read();
@@ -84,8 +83,7 @@ TEST(KernelWireless, DescribesTheAdaptersInTheFolder) {
 }
 
 TEST(KernelWireless, WakesOnceAMinuteOnlyWithAnAdapter) {
-    platform::qt::QtMainThread thread;
-    const ScopedService<MainThread> service(thread);
+    const test::MainLoop mainLoop;
     test::ManualClock clock;
     const test::TemporaryFolder folder;
     const platform::qt::KernelFiles files{folder.path().string(), folder.file("proc")};
