@@ -37,11 +37,11 @@ std::vector<std::string> partsOf(const std::string& list, char separator) {
 
 /// Returns the folders that may contain entries, the most important one first.
 std::vector<fs::path> baseFolders() {
-    const std::string home =
-        environment("XDG_DATA_HOME", environment("HOME", "") + "/.local/share");
-    const auto system = environment("XDG_DATA_DIRS", "/usr/local/share:/usr/share");
+    std::string list = environment("XDG_DATA_HOME", environment("HOME", "") + "/.local/share");
+    list += ':';
+    list += environment("XDG_DATA_DIRS", "/usr/local/share:/usr/share");
     std::vector<fs::path> folders;
-    for (const std::string& folder : partsOf(home + ':' + system, ':'))
+    for (const std::string& folder : partsOf(list, ':'))
         if (folder.starts_with('/'))
             folders.push_back(fs::path(folder) / "applications");
     return folders;

@@ -68,7 +68,7 @@ void addWindow(RunningApplication& application, const X11Client& client, bool is
 }
 
 /// Quotes a value of a startup notification message.
-std::string quoted(const std::string& text) {
+std::string quotedValue(const std::string& text) {
     std::string result = "\"";
     for (const char character : text) {
         if (character == '"' || character == '\\')
@@ -422,13 +422,14 @@ std::string X11Applications::startupToken(const DesktopEntryFile& file) {
     X11Clients* const clients = connect();
     if (!clients)
         return {};
-    const std::string token = "halvex-" + std::to_string(getpid()) + '-' +
-                              std::to_string(++launches_) + "-" + hostName() + "_TIME" +
-                              std::to_string(clients->serverTime());
+    std::string token = "halvex-" + std::to_string(getpid()) + '-' + std::to_string(++launches_) +
+                        "-" + hostName() + "_TIME" + std::to_string(clients->serverTime());
     if (file.notifiesStartup)
-        clients->broadcastStartup("new: ID=" + quoted(token) + " NAME=" + quoted(file.entry.name) +
-                                  " SCREEN=0 ICON=" + quoted(file.entry.icon) + " APPLICATION_ID=" +
-                                  quoted(file.entry.path) + " WMCLASS=" + quoted(file.windowClass));
+        clients->broadcastStartup("new: ID=" + quotedValue(token) +
+                                  " NAME=" + quotedValue(file.entry.name) +
+                                  " SCREEN=0 ICON=" + quotedValue(file.entry.icon) +
+                                  " APPLICATION_ID=" + quotedValue(file.entry.path) +
+                                  " WMCLASS=" + quotedValue(file.windowClass));
     settle();
     return token;
 }

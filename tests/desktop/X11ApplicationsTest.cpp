@@ -209,7 +209,8 @@ TEST_F(X11ApplicationsTest, HaveOnlyTheWindowsThatUsersTellApart) {
         for (const std::string& name : names)
             atoms.push_back(x.atom(name));
         set(id, property, "ATOM", 32, atoms);
-        EXPECT_TRUE(eventually([&] { return (changed.size() == 2) == isListed; })) << names[0];
+        EXPECT_TRUE(eventually([&, count = isListed ? 2U : 1U] { return changed.size() == count; }))
+            << names[0];
     }
     EXPECT_TRUE(becomes({"B*: Two*!", "A: One"}));
     const auto own = static_cast<std::uint32_t>(getpid());
