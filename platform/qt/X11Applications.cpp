@@ -139,7 +139,8 @@ std::unique_ptr<Watch> X11Applications::observe(std::function<void()> handler) {
     struct ObserverWatch final : Watch {
         ObserverWatch(std::shared_ptr<Observers> all, std::function<void()> code)
             : observers(std::move(all)),
-              observer(std::make_shared<Observers::Observer>(std::move(code), currentOwner())) {
+              observer(std::make_shared<Observers::Observer>(
+                  Observers::Observer{std::move(code), currentOwner()})) {
             observers->add(observer);
         }
         ~ObserverWatch() override { observers->remove(observer); }
