@@ -311,11 +311,13 @@ ExitStatus drawSheet(const Options& options) {
     const Size size{kColumns * kCell.width, static_cast<double>(rows) * kCell.height};
     const auto image = graphics().imageByDrawing(size, [&](GraphicsContext& context) {
         context.fillRect({{}, size}, palette.ground, CompositingOperation::Copy);
-        for (std::size_t i = 0; i < cells.size(); ++i)
+        for (std::size_t i = 0; i < cells.size(); ++i) {
+            const auto column = static_cast<double>(i % kColumns);
+            const std::size_t row = i / kColumns + 1; // from the top
             drawCell(context, cells[i],
-                     {static_cast<double>(i % kColumns) * kCell.width,
-                      size.height - static_cast<double>(i / kColumns + 1) * kCell.height},
+                     {column * kCell.width, size.height - static_cast<double>(row) * kCell.height},
                      palette);
+        }
     });
     return writePng(*image, options.file);
 }

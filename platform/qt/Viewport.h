@@ -54,6 +54,8 @@ struct Viewport {
     }
     /// Returns the number of pixels per unit of each axis.
     QSizeF pixelsPerUnit() const {
+        if (transform.isIdentity())
+            return {scale, scale};
         return {scale * std::hypot(transform.m11(), transform.m12()),
                 scale * std::hypot(transform.m21(), transform.m22())};
     }

@@ -71,7 +71,7 @@ TEST(Paths, FillTheAreaOfTheirShape) {
              path.moveToPoint({30, 30});
              path.appendArcWithCenter({30, 30}, 20, 90, 0, ArcDirection::Clockwise);
          })},
-        {"quadratic curve", 40 * 60 / 2 * 2.0 / 3, pathOf([](BezierPath& path) {
+        {"quadratic curve", 800, pathOf([](BezierPath& path) {
              path.moveToPoint({10, 10});
              path.quadraticCurveToPoint({50, 10}, {30, 70});
          })},
@@ -89,7 +89,8 @@ TEST(Paths, FillTheAreaOfTheirShape) {
          })},
     };
     for (const auto& [name, area, path] : cases)
-        expectArea(name, area, [&](Canvas& canvas) { canvas->fillPath(path, kBlack, kOver); });
+        expectArea(name, area,
+                   [&shape = path](Canvas& canvas) { canvas->fillPath(shape, kBlack, kOver); });
 }
 
 TEST(Paths, AreStrokedWithTheirWidthCapsJoinsAndDashes) {
@@ -142,8 +143,9 @@ TEST(Paths, AreStrokedWithTheirWidthCapsJoinsAndDashes) {
         {"infinite width", 0, line, {.width = HUGE_VAL}},
     };
     for (const auto& [name, area, path, style] : cases)
-        expectArea(name, area,
-                   [&](Canvas& canvas) { canvas->strokePath(path, style, kBlack, kOver); });
+        expectArea(name, area, [&line = path, &style = style](Canvas& canvas) {
+            canvas->strokePath(line, style, kBlack, kOver);
+        });
 }
 
 /// Every operation that draws, in an area of about 40 x 40 points around the origin.
