@@ -40,7 +40,7 @@ QString shortcutText(const KeyShortcut& shortcut) {
          {std::pair(kControlKeyMask, Qt::CTRL), std::pair(kOptionKeyMask, Qt::ALT),
           std::pair(kShiftKeyMask, Qt::SHIFT)})
         if (shortcut.modifierFlags & flag)
-            text += QKeySequence(modifier).toString(QKeySequence::NativeText);
+            text += QKeySequence(static_cast<int>(modifier)).toString(QKeySequence::NativeText);
     if (shortcut.key != Key::None)
         return text + QKeySequence(qtKey(shortcut.key)).toString(QKeySequence::NativeText);
     if (shortcut.character == " ")

@@ -236,10 +236,8 @@ void QtMenu::setModifiers(std::uint32_t flags) {
 }
 
 void QtMenu::showAlternates() {
-    for (const auto& row : rows_) {
-        if (row->group.size() > 1 && itemFor(row->group) != row->shown)
-            refresh(*row);
-    }
+    refreshRows(
+        [this](const Row& row) { return row.group.size() > 1 && itemFor(row.group) != row.shown; });
     updateHighlight();
 }
 

@@ -92,6 +92,7 @@ class QtMenu final : public QMenu, public MenuDisplay {
     QAction* makeViewAction(Row& row);
     void retire(Row& row);
     const std::shared_ptr<MenuItem>& itemFor(const Group& group);
+    void refreshRows(const std::function<bool(const Row& row)>& needsRefresh);
     void refresh(Row& row);
     void showSubmenu(Row& row, const std::shared_ptr<Menu>& submenu);
     void relayout();
@@ -118,6 +119,7 @@ class QtMenu final : public QMenu, public MenuDisplay {
     mutable const Row* styled_ = nullptr;
     std::uint32_t modifiers_ = 0; // of the root: those that are held
     bool needsSync_ = false;
+    bool isRefreshing_ = false;
 };
 
 } // namespace platform::qt

@@ -57,6 +57,8 @@ void QtMenu::refreshAll() {
 }
 
 void QtMenu::sync() {
+    if (isRefreshing_)
+        return; // called by an event loop that a target runs; needsSync_ remains set
     needsSync_ = false;
     const auto changed = std::exchange(changed_, {});
     observeItems();
@@ -64,13 +66,24 @@ void QtMenu::sync() {
     {
         const FrozenSize frozen(*this);
         arrangeRows();
-        for (const auto& row : rows_) {
+        refreshRows([&](const Row& row) {
             const auto isChanged = [&](const auto& item) { return changed.contains(item.get()); };
-            if (!row->shown || std::any_of(row->group.begin(), row->group.end(), isChanged))
-                refresh(*row);
-        }
+            return !row.shown || std::any_of(row.group.begin(), row.group.end(), isChanged);
+        });
     }
     relayout();
+}
+
+/// Refreshes the rows that @p needsRefresh chooses.
+void QtMenu::refreshRows(const std::function<bool(const Row& row)>& needsRefresh) {
+    if (std::exchange(isRefreshing_, true))
+        return;
+    for (const auto& row : rows_)
+        if (needsRefresh(*row))
+            refresh(*row);
+    isRefreshing_ = false;
+    if (std::exchange(needsSync_, false))
+        scheduleSync();
 }
 
 void QtMenu::observeItems() {

@@ -24,9 +24,12 @@ class Target final : public MenuTarget {
   public:
     std::string chosen;
     bool notesModifiers = false;
+    std::function<void()> onWait = [] {};
     bool validateMenuItem(const MenuItem& item) override {
         if (item.title() == "throws")
             throw 42;
+        if (item.title() == "waits")
+            std::exchange(onWait, [] {})();
         return item.title() != "forbidden";
     }
     MenuItem::Action choose() {
@@ -159,9 +162,25 @@ TEST_F(QtMenuTest, FollowsEveryChangeWhileItIsOpen) {
     menu->removeItem(*menu->items()[3]);
     QCoreApplication::processEvents();
     EXPECT_EQ(shown.activeAction(), nullptr);
+    for (int i = 0; i < 100; ++i)
+        menu->addItem("more", target->choose(), target);
+    QCoreApplication::processEvents();
+    EXPECT_TRUE(shown.screen()->geometry().contains(shown.geometry())) << "scrolls instead";
     menu->removeAllItems();
     QCoreApplication::processEvents();
     EXPECT_FALSE(shown.isVisible());
+}
+
+TEST_F(QtMenuTest, SurvivesATargetThatRunsAnEventLoopAndChangesTheMenu) {
+    for (const char* title : {"a", "waits", "c"})
+        menu->addItem(title, target->choose(), target);
+    target->onWait = [this] {
+        menu->removeItem(*menu->items()[0]);
+        QCoreApplication::processEvents();
+    };
+    const QtMenu shown(menu, "test.item");
+    QCoreApplication::processEvents();
+    EXPECT_EQ(rows(shown), "waits;c;");
 }
 
 TEST_F(QtMenuTest, ShowsAlternatesWhileTheirModifiersAreHeld) {
