@@ -111,8 +111,8 @@ class MenuItem : NonCopyable {
     void setTrailingImage(std::shared_ptr<const Image> image) {
         change(trailingImage_, std::move(image));
     }
-    /// Sets the key that performs the item while its menu, or a menu that it was opened from, is
-    /// open. If several items have the same one, the first enabled item is performed.
+    /// Sets the key that performs the item while the menu is open. The shortcuts of submenus work
+    /// too, open or not. If several items have the same one, the first enabled item is performed.
     void setShortcut(std::optional<KeyShortcut> shortcut) { change(shortcut_, shortcut); }
     void setState(State state) { change(state_, state); }
     /// Sets how far the title is indented, from 0 to 15 levels. Other levels are limited to these.
