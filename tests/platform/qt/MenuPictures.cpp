@@ -50,7 +50,8 @@ class MonthView final : public MenuExtraView {
         for (int day = 0; day < 35; ++day) {
             const AttributedString text(std::to_string(day + 1));
             const Size size = graphics().sizeOfText(text);
-            const Point origin{day % 7 * cell, rect.size.height - (day / 7 + 1) * 24.0};
+            const int week = day / 7;
+            const Point origin{day % 7 * cell, rect.size.height - (week + 1) * 24.0};
             if (day == 16)
                 graphics().currentContext().fillRect({{origin.x + 3, origin.y}, {cell - 6, 24}},
                                                      deviceRGB(0.9, 0.4, 0.2),
