@@ -156,8 +156,8 @@ class SampleControls {
     }
     void addButtons(double y) {
         const auto button = [&](double x, const char* title) {
-            const auto made = add(std::make_shared<Button>(Rect{{x, y}, {76, 24}}),
-                                  Autoresizing::kMinXMargin | Autoresizing::kMaxYMargin);
+            auto made = add(std::make_shared<Button>(Rect{{x, y}, {76, 24}}),
+                            Autoresizing::kMinXMargin | Autoresizing::kMaxYMargin);
             made->setTitle(title);
             made->setHandler([title] { print(title); });
             return made;
@@ -176,7 +176,7 @@ std::shared_ptr<Panel> makePanel(const Options& options) {
     const Rect content{{(screen.width() - kContentSize.width) / 2,
                         (screen.height() - kContentSize.height - kPanelTitleBarHeight) / 2},
                        kContentSize};
-    const auto panel = options.isPlain ? std::make_shared<Panel>() : std::make_shared<HUDWindow>();
+    auto panel = options.isPlain ? std::make_shared<Panel>() : std::make_shared<HUDWindow>();
     if (!panel->initWithContentRect(content,
                                     kTitledWindowMask | kClosableWindowMask | kResizableWindowMask,
                                     BackingStore::Buffered, false))

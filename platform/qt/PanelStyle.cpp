@@ -147,10 +147,10 @@ void paintScrollBar(QPainter& painter, const QStyleOptionSlider& option, const Q
 } // namespace
 
 QPalette panelPalette(const PanelLook& look, bool isHUD) {
-    const QPalette dark = palette(gray(0x26), Qt::white);
+    QPalette dark = palette(gray(0x26), Qt::white);
     if (isHUD)
         return dark;
-    const QPalette application = QApplication::palette();
+    QPalette application = QApplication::palette();
     const Color& ground = look.backgroundColor;
     if (ground.space == ColorSpace::Pattern || ground.alpha < 0.5)
         return application;
