@@ -110,6 +110,11 @@ ExitStatus snapshot(const std::string& file, const std::string& item) {
     return *written.value ? ExitStatus::Success : fail(file + ": the picture cannot be written");
 }
 
+ExitStatus focus() {
+    const std::string reason = BarClient().focus();
+    return reason.empty() ? ExitStatus::Success : fail(reason);
+}
+
 } // namespace
 
 void addMenuBarVerbs(CLI::App& commands, Task& task) {
@@ -122,6 +127,8 @@ void addMenuBarVerbs(CLI::App& commands, Task& task) {
     CLI::App& bar = addVerbGroup(commands, "menubar", "Control the menu bar and its items");
     addVerb(bar, task, "start", "Start the bar unless it is running", start);
     addVerb(bar, task, "stop", "Stop the bar", stop);
+    addVerb(bar, task, "focus", "Open the leftmost item's menu and use the bar with the keyboard",
+            focus);
     CLI::App& listing = addVerb(bar, task, "list", "List the items by position, rightmost first",
                                 [options] { return list(options->json); });
     addJsonFlag(listing, options->json);

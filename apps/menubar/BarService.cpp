@@ -171,6 +171,15 @@ void BarService::Enable(const QString& identifier, bool on, const QDBusMessage& 
     replyWithError(message, on ? registry_.enable(name) : registry_.disable(name));
 }
 
+void BarService::Focus(const QDBusMessage& message) {
+    message.setDelayedReply(true);
+    menuBar_.focus([message](const std::string& problem) {
+        if (problem.empty())
+            QDBusConnection::sessionBus().send(message.createReply());
+        replyWithError(message, problem);
+    });
+}
+
 /// Sends one signal for all changes up to the next iteration of the main loop.
 void BarService::announceChange() {
     if (std::exchange(changeAnnounced_, true))

@@ -47,6 +47,7 @@ class BarService final : public QDBusAbstractAdaptor {
                const QDBusMessage& message);
     bool SnapshotItem(const QString& identifier, const QString& path, const QDBusMessage& message);
     void SetPosition(const QString& identifier, int position, const QDBusMessage& message);
+    void Focus(const QDBusMessage& message);
     void Enable(const QString& identifier, bool on, const QDBusMessage& message);
 
   signals:

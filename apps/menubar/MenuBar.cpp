@@ -4,12 +4,11 @@
 #include "apps/menubar/BarStyle.h"
 #include "apps/menubar/CrashJournal.h"
 #include "platform/Log.h"
-#include "platform/qt/Modifiers.h"
+#include "platform/qt/HandledEvent.h"
 #include "platform/qt/QtMenu.h"
 #include "platform/runtime/Guard.h"
 
 #include <QAbstractEventDispatcher>
-#include <QGuiApplication>
 
 #include <utility>
 #include <vector>
@@ -20,10 +19,11 @@ namespace apps {
 
 MenuBar::MenuBar(qt::QtGraphics& graphics, CrashJournal& journal)
     : journal_(journal), asHost_(*this), asEventSource_(*this), items_(graphics, journal, window_),
-      menus_(items_, journal) {
+      menus_(items_, journal), keyboard_(window_, items_, menus_) {
     connect(&items_, &ItemCollection::added, this, &MenuBar::itemAdded);
     connect(&items_, &ItemCollection::removed, this, &MenuBar::placeItems);
     connect(&items_, &ItemCollection::sorted, this, &MenuBar::placeItems);
+    connect(&keyboard_, &KeyboardNavigation::pressed, this, &MenuBar::send);
     // Drawing happens just before the event loop blocks. QWidget::update would need another
     // iteration of the loop per tick.
     connect(QAbstractEventDispatcher::instance(), &QAbstractEventDispatcher::aboutToBlock, this,
@@ -85,10 +85,7 @@ void MenuBar::lengthChanged(MenuExtra& extra) {
 }
 
 Event MenuBar::currentEvent() const {
-    if (handledEvent_)
-        return *handledEvent_;
-    return {.modifierFlags = qt::modifierFlags(QGuiApplication::keyboardModifiers()),
-            .clickCount = 0};
+    return qt::HandledEvent::current();
 }
 
 bool MenuBar::click(std::string_view identifier, const Event& event) {
@@ -103,10 +100,9 @@ bool MenuBar::click(std::string_view identifier, const Event& event) {
 bool MenuBar::send(const Item& item, const Event& event) {
     const CrashJournal::Scope step(journal_, "click", item.identifier());
     menuRequested_ = false;
-    const auto outerEvent = std::exchange(handledEvent_, event);
+    const qt::HandledEvent scope(event);
     const auto view = item.extra().view(); // the click may replace it
     const bool returned = runGuarded(item.identifier(), [&] { view->mouseDown(event); });
-    handledEvent_ = outerEvent;
     return returned && !menuRequested_;
 }
 

@@ -3,6 +3,7 @@
 #include "apps/menubar/BarWindow.h"
 #include "apps/menubar/CrashJournal.h"
 #include "apps/menubar/ItemCollection.h"
+#include "apps/menubar/KeyboardNavigation.h"
 #include "apps/menubar/MenuTracker.h"
 #include "platform/EventSource.h"
 #include "platform/MenuExtraHost.h"
@@ -13,6 +14,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <utility>
 
 namespace apps {
 
@@ -39,6 +41,9 @@ class MenuBar final : public QObject, public platform::MenuExtraHost, public pla
     /// Returns whether the last click requested the item's menu.
     bool hasRequestedMenu() const { return menuRequested_; }
 
+    /// Lets the keyboard select items, beginning with the leftmost; see KeyboardNavigation.
+    void focus(KeyboardNavigation::Started started) { keyboard_.start(std::move(started)); }
+
     /// Saves an image of the bar and the open menu; see apps::writeSnapshot.
     bool snapshot(const std::string& path);
 
@@ -61,10 +66,10 @@ class MenuBar final : public QObject, public platform::MenuExtraHost, public pla
     BarWindow window_;
     ItemCollection items_;
     MenuTracker menus_;
+    KeyboardNavigation keyboard_;
 
     bool displayNeeded_ = false;
     bool menuRequested_ = false; // by the click that is being handled
-    std::optional<platform::Event> handledEvent_;
     std::optional<CrashJournal::Scope> drawing_;
 };
 

@@ -71,6 +71,26 @@ void X11Dock::reserveTop(QWindow& window, const QScreen& screen, int height) {
     xcb_flush(x11Connection());
 }
 
+bool X11Dock::grabKeyboard(QWindow& window) {
+    xcb_connection_t* x = x11Connection();
+    if (!x)
+        return true; // popup windows receive the keys
+    const auto reply = ownedReply(xcb_grab_keyboard_reply(
+        x,
+        xcb_grab_keyboard(x, 0, static_cast<xcb_window_t>(window.winId()), XCB_CURRENT_TIME,
+                          XCB_GRAB_MODE_ASYNC, XCB_GRAB_MODE_ASYNC),
+        nullptr));
+    return reply && reply->status == XCB_GRAB_STATUS_SUCCESS;
+}
+
+void X11Dock::releaseKeyboard() {
+    xcb_connection_t* x = x11Connection();
+    if (!x)
+        return;
+    xcb_ungrab_keyboard(x, XCB_CURRENT_TIME);
+    xcb_flush(x);
+}
+
 bool X11Dock::isCloseRequest(const void* event) {
     xcb_connection_t* x = x11Connection();
     const auto* message = static_cast<const xcb_client_message_event_t*>(event);

@@ -163,6 +163,10 @@ std::string BarClient::setPosition(const std::string& identifier, std::int32_t p
     return call("SetPosition", {qString(identifier), position}, "").reason;
 }
 
+std::string BarClient::focus() {
+    return call("Focus", {}, "").reason;
+}
+
 std::string BarClient::enable(const std::string& identifier) {
     return call("Enable", {qString(identifier), true}, "").reason;
 }

@@ -72,6 +72,8 @@ class BarClient final : public MenuExtraServer {
 
     /// Moves an item to the left of those with the same position.
     std::string setPosition(const std::string& identifier, std::int32_t position);
+    /// Lets the keyboard select items. Returns when the first one is selected, within two seconds.
+    std::string focus();
     /// Enables an item. The bar loads it after it has replied.
     std::string enable(const std::string& identifier);
     /// Unloads an item and disables it, or forgets it if its bundle is missing.

@@ -53,6 +53,7 @@ class TestExtra final : public HalvexMenuExtraBase {
         if (fault_ == "ReturnsNull" || !HalvexMenuExtraBase::initWithBundle(std::move(bundle)))
             return nullptr;
         setTitle("Test");
+        setToolTip("An item for tests");
         sharedWorkspace().notificationCenter().addObserver(
             weak_from_this(), "Test", [](const Notification&) { note("told"); });
         if (fault_.ends_with("WhenTicking"))
@@ -68,6 +69,8 @@ class TestExtra final : public HalvexMenuExtraBase {
         menu_->addItem("More", {}, weak_from_this()).setSubmenu(more_);
         menu_->addItem(
             "Fail", [](MenuItem&) { throw 5; }, weak_from_this());
+        if (fault_ == "HasNoMenu")
+            menu_.reset();
         return shared_from_this();
     }
     std::shared_ptr<AttributedString> attributedTitle() const override {
@@ -83,6 +86,10 @@ class TestExtra final : public HalvexMenuExtraBase {
         if (fault_ == "ReplacesItsViewWhenClicked")
             setView(std::make_shared<HalvexMenuViewBase>()->initWithFrame({{}, {30, 22}}, this));
         return fault_ == "RemovesItemsWhenClicked" ? removeItems() : note("plain");
+    }
+    bool scrolled(const WheelEvent& event) override {
+        logLine("scrolled %d", static_cast<int>(event.deltaY));
+        return true;
     }
     bool clickWithCtrlKey() override { return note("control"); }
     bool clickWithShiftKey() override { return !note("shift"); }

@@ -88,6 +88,14 @@ class XServer {
         }
         return {};
     }
+    bool hasWindowManager() const {
+        const auto reply = owned(xcb_get_property_reply(
+            connection_,
+            xcb_get_property(connection_, 0, root_, atom("_NET_SUPPORTING_WM_CHECK"),
+                             XCB_ATOM_WINDOW, 0, 1),
+            nullptr));
+        return reply->value_len > 0;
+    }
     /// Asks all windows to close, as a window manager does.
     void requestClose() const {
         const auto tree =
@@ -127,6 +135,43 @@ class XServer {
             xcb_create_window(connection_, XCB_COPY_FROM_PARENT, window, root_, 0, 0, 1, 1, 0,
                               XCB_WINDOW_CLASS_INPUT_ONLY, XCB_COPY_FROM_PARENT, 0, nullptr);
         xcb_set_selection_owner(connection_, window, atom("_NET_WM_CM_S0"), XCB_CURRENT_TIME);
+        xcb_flush(connection_);
+    }
+
+    /// Shows a window that records the keys that it receives. A window manager focuses it.
+    void showTextField() const {
+        const auto window = xcb_generate_id(connection_);
+        const std::uint32_t events = XCB_EVENT_MASK_KEY_PRESS;
+        xcb_create_window(connection_, XCB_COPY_FROM_PARENT, window, root_, 100, 100, 200, 50, 0,
+                          XCB_WINDOW_CLASS_INPUT_OUTPUT, XCB_COPY_FROM_PARENT, XCB_CW_EVENT_MASK,
+                          &events);
+        xcb_map_window(connection_, window);
+        xcb_flush(connection_);
+    }
+    /// Returns the letters that the window has received since the last call.
+    std::string typed() const {
+        std::string letters;
+        while (const auto event = owned(xcb_poll_for_event(connection_))) {
+            if ((event->response_type & 0x7f) != XCB_KEY_PRESS)
+                continue;
+            const auto* key = reinterpret_cast<const xcb_key_press_event_t*>(event.get());
+            const auto symbols = owned(xcb_get_keyboard_mapping_reply(
+                connection_, xcb_get_keyboard_mapping(connection_, key->detail, 1), nullptr));
+            const auto symbol = xcb_get_keyboard_mapping_keysyms(symbols.get())[0];
+            letters += symbol < 0x80 ? static_cast<char>(symbol) : '?';
+        }
+        return letters;
+    }
+    /// Grabs the keyboard, as a screen locker does, or releases it.
+    void grabKeyboard(bool grabs) const {
+        if (grabs)
+            owned(
+                xcb_grab_keyboard_reply(connection_,
+                                        xcb_grab_keyboard(connection_, 0, root_, XCB_CURRENT_TIME,
+                                                          XCB_GRAB_MODE_ASYNC, XCB_GRAB_MODE_ASYNC),
+                                        nullptr));
+        else
+            xcb_ungrab_keyboard(connection_, XCB_CURRENT_TIME);
         xcb_flush(connection_);
     }
 
