@@ -11,6 +11,8 @@ class PreferencesService;
 class ProcessList;
 class ScriptRunner;
 class SystemInfo;
+class TimeZones;
+class Timers;
 class Workspace;
 } // namespace platform
 
@@ -29,6 +31,8 @@ PreferencesService& preferences();
 ProcessList& processList();
 ScriptRunner& scriptRunner();
 SystemInfo& systemInfo();
+TimeZones& timeZones();
+Timers& timers();
 Workspace& workspace();
 
 } // namespace platform::defaults

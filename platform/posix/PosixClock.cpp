@@ -1,7 +1,6 @@
 #include "platform/posix/PosixClock.h"
 
 #include "platform/Defaults.h"
-#include "platform/FileManager.h"
 #include "platform/Log.h"
 #include "platform/Operation.h"
 #include "platform/base/NeverDestroyed.h"
@@ -33,10 +32,7 @@ class Ticker final : public Watch {
         if (!timer_ || !arm(clock))
             return false;
         timerWatch_ = mainThread().watchReadable(timer_.get(), [this, &clock] { expired(clock); });
-        zoneWatch_ = fileManager().watchFile(zoneFile, [handler = handler_] {
-            tzset();
-            (*handler)();
-        });
+        zoneWatch_ = watchLocalZone(zoneFile, [handler = handler_] { (*handler)(); });
         return true;
     }
 

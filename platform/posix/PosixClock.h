@@ -1,6 +1,7 @@
 #pragma once
 
 #include "platform/Clock.h"
+#include "platform/posix/LocalZone.h"
 
 #include <string>
 
@@ -11,7 +12,7 @@ namespace platform::posix {
 class PosixClock final : public Clock {
   public:
     /// @p zoneFile is the file, or the link to it, that holds the system's time zone.
-    explicit PosixClock(std::string zoneFile = "/etc/localtime");
+    explicit PosixClock(std::string zoneFile = kLocalZoneFile);
 
     std::int64_t now() const override;
     std::tm localTime(std::int64_t secondsSince1970) const override;

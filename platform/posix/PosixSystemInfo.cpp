@@ -2,12 +2,11 @@
 
 #include "platform/Defaults.h"
 #include "platform/Operation.h"
+#include "platform/posix/LocalZone.h"
 
 #include <algorithm>
 #include <charconv>
-#include <cstdlib>
 #include <ctime>
-#include <filesystem>
 #include <sys/utsname.h>
 #include <system_error>
 #include <utility>
@@ -29,22 +28,6 @@ std::optional<std::uint32_t> takeNumber(std::string_view& text) {
     else
         text = {};
     return error == std::errc() ? number : UINT32_MAX;
-}
-
-/// Returns the name of a file in the tz database, or an empty string for any other file.
-std::string zoneOfFile(const std::string& path) {
-    constexpr std::string_view kDatabase = "/zoneinfo/";
-    const auto found = path.find(kDatabase);
-    return found == std::string::npos ? "" : path.substr(found + kDatabase.size());
-}
-
-/// Returns the zone that TZ names, or an empty string if it names none.
-std::string zoneOfEnvironment() {
-    const char* const value = std::getenv("TZ");
-    std::string_view zone = value ? value : "";
-    if (zone.starts_with(':'))
-        zone.remove_prefix(1);
-    return zone.starts_with('/') ? zoneOfFile(std::string(zone)) : std::string(zone);
 }
 
 } // namespace
@@ -74,10 +57,7 @@ TimeZone PosixSystemInfo::systemTimeZone() const {
         std::tm local{};
         tzset(); // localtime_r alone may use the previous zone
         localtime_r(&now, &local);
-        std::error_code ignored;
-        std::string name = zoneOfEnvironment();
-        if (name.empty() && !std::getenv("TZ"))
-            name = zoneOfFile(std::filesystem::read_symlink(zoneFile_, ignored).string());
+        const std::string name = localZoneName(zoneFile_);
         return {.name = name.empty() ? local.tm_zone : name,
                 .abbreviation = local.tm_zone,
                 .secondsFromGMT = static_cast<std::int32_t>(local.tm_gmtoff)};

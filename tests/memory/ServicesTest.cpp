@@ -7,8 +7,11 @@
 #include "platform/PropertyListService.h"
 #include "platform/ScriptRunner.h"
 #include "platform/SystemInfo.h"
+#include "platform/TimeZones.h"
+#include "platform/Timers.h"
 #include "platform/TrustedFile.h"
 #include "platform/expat/ExpatPropertyLists.h"
+#include "platform/posix/PosixTimeZones.h"
 #include "platform/posix/PosixWorkspace.h"
 #include "platform/runtime/DetachedThread.h"
 #include "platform/runtime/Guard.h"
@@ -138,6 +141,21 @@ TEST_F(Services, OfTheDesktopFailIfMemoryRunsOut) {
              [] { return defaults::systemInfo().systemTimeZone().name; },
              {"\"\""},
              [] { setenv("TZ", "America/Argentina/Buenos_Aires", 1); }},
+            {"zone",
+             [] { return posix::PosixTimeZones().zone("Asia/Tokyo").has_value(); },
+             {"false"}},
+            {"local zone",
+             [] { return defaults::timeZones().local().offsetAt(0).secondsFromUTC; },
+             {"0"}},
+            {"name of the local zone", [] { return defaults::timeZones().localName(); }, {"\"\""}},
+            {"names of zones", [] { return defaults::timeZones().names(); }, {"0 elements"}},
+            {"watch the zone", [] { return defaults::timeZones().watchLocal([] {}); }, {"null"}},
+            {"timer",
+             [] { return defaults::timers().every(std::chrono::seconds(1), {}, [] {}); },
+             {"null"}},
+            {"local time",
+             [] { return defaults::timers().atLocalTime("Europe/Paris", {}, [] {}); },
+             {"null"}},
             {"tick", [] { return defaults::clock().tick(TickInterval::Minute, [] {}); }, {"null"}},
             {"architectures",
              [] { return dynamicLoader().executableArchitectures("/proc/self/exe"); },
