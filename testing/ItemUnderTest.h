@@ -8,6 +8,8 @@
 #include "testing/ManualAppearance.h"
 #include "testing/ManualClock.h"
 #include "testing/ManualPreferences.h"
+#include "testing/ManualTimeZones.h"
+#include "testing/ManualTimers.h"
 #include "testing/RecordingGraphics.h"
 #include "testing/RecordingHost.h"
 #include "testing/RecordingLog.h"
@@ -29,6 +31,8 @@ class ItemUnderTest : platform::NonCopyable {
     ManualAppearance appearance;
     ManualClock clock;
     ManualPreferences preferences;
+    ManualTimeZones zones;
+    ManualTimers timers;
     FixedEvents events;
     RecordingGraphics graphics;
     RecordingHost host;

@@ -39,9 +39,10 @@ class ManualPreferences final : public platform::PreferencesService {
         bool write(const platform::PreferenceChanges& changes) override {
             std::vector<std::string> keys;
             for (const auto& [key, value] : changes.list()) {
-                values_.erase(key);
                 if (value)
-                    values_.emplace(key, *value);
+                    values_.set(key, *value);
+                else
+                    values_.erase(key);
                 keys.push_back(key);
             }
             handlers_.call(keys);

@@ -4,6 +4,7 @@
 #include "platform/qt/HandledEvent.h"
 #include "platform/qt/QtGraphics.h"
 #include "platform/qt/Strings.h"
+#include "platform/qt/ToolTip.h"
 #include "platform/runtime/Guard.h"
 
 #include <QAccessibleWidget>
@@ -35,12 +36,6 @@ double takeNotches(double turn, double& rest) {
     const double notches = std::trunc(rest + std::copysign(kRounding, rest));
     rest -= notches;
     return notches;
-}
-
-/// Returns text that QToolTip does not mistake for rich text.
-QString toolTipText(const std::string& text) {
-    const QString plain = qt::qString(text);
-    return Qt::mightBeRichText(plain) ? Qt::convertFromPlainText(plain) : plain;
 }
 
 /// Returns the action with which the item takes dropped data, or Qt::IgnoreAction. The item copies:
@@ -298,7 +293,7 @@ bool ItemWidget::event(QEvent* event) {
     std::string text;
     callView([&](const MenuExtraView& view) { text = view.toolTip(); });
     const QPoint position = static_cast<const QHelpEvent*>(event)->globalPos();
-    QToolTip::showText(position, toolTipText(text), this); // an empty text hides the last one
+    QToolTip::showText(position, qt::toolTipText(text), this); // an empty text hides the last one
     return true;
 }
 

@@ -97,7 +97,7 @@ TEST_F(Installation, CompilesTheGuidesItemTogetherWithEveryPublicHeader) {
 TEST_F(Installation, BuildsTestsAndLoadsANewProjectAndTheExamples) {
     run("mkdir home && usr/local/bin/halvexctl new Mine --name Mine --identifier org.test.Mine &&"
         " cp -R '" HALVEX_EXAMPLES "'/* . && rm -R Uptime");
-    for (const std::string name : {"Mine"}) {
+    for (const std::string name : {"Mine", "LoadGraph", "Month"}) {
         run("cd " + name +
             " && CXX='" HALVEX_CXX "' '" HALVEX_CMAKE "' -DCMAKE_PREFIX_PATH=\"$OLDPWD/usr/local\""
             " -G Ninja -B build && '" HALVEX_CMAKE "' --build build &&"

@@ -1,6 +1,6 @@
 #include "platform/Applications.h"
 
-#include "tests/support/FakeApplications.h"
+#include "testing/ManualApplications.h"
 #include "tests/support/RecordingLog.h"
 
 #include <gmock/gmock.h>
@@ -22,8 +22,8 @@ TEST(Applications, WithoutADesktopThereAreNone) {
                                         "cannot launch a.desktop: this program has no desktop"));
 }
 
-TEST(FakeApplications, StandInForTheDesktops) {
-    test::FakeApplications fake;
+TEST(ManualApplications, StandInForTheDesktops) {
+    halvextest::ManualApplications fake;
     platform::Applications& service = platform::applications();
     int calls = 0;
     std::unique_ptr<platform::Watch> watch = service.observe([&] {

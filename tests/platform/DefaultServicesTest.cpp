@@ -1,6 +1,6 @@
-#include "tests/support/ManualLoginSession.h"
+#include "testing/ManualLoginSession.h"
 #include "tests/support/RecordingLog.h"
-#include "tests/support/RecordingWireless.h"
+#include "testing/ManualWireless.h"
 
 #include <gmock/gmock.h>
 
@@ -23,8 +23,8 @@ TEST(DefaultServices, HaveNoAdaptersAndASessionThatIsNeverLocked) {
 }
 
 TEST(FakeServices, ReplaceTheDefaultsAndNotifyTheirObservers) {
-    test::RecordingWireless adapters;
-    test::ManualLoginSession session;
+    halvextest::ManualWireless adapters;
+    halvextest::ManualLoginSession session;
     std::vector<std::string> seen;
     auto first =
         wireless().observe([&] { seen.push_back(wireless().status().isRadioOn ? "on" : "off"); });

@@ -1,6 +1,6 @@
-#include "tests/support/ManualTimers.h"
+#include "testing/ManualTimers.h"
 #include "tests/support/Fakes.h"
-#include "tests/support/ManualTimeZones.h"
+#include "testing/ManualTimeZones.h"
 
 #include <gtest/gtest.h>
 
@@ -10,8 +10,8 @@ namespace {
 
 TEST(ManualTimers, FireInOrderAsTimePassesAndTheClockMoves) {
     test::ManualClock clock;
-    test::ManualTimeZones zones;
-    test::ManualTimers timers;
+    halvextest::ManualTimeZones zones;
+    halvextest::ManualTimers timers;
     zones.add("Asia/Tokyo", "JST-9");
     std::string calls;
     auto every = timers.every(2s, 1s, [&] { calls += 'e'; });

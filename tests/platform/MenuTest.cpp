@@ -1,6 +1,7 @@
 #include "platform/widgets/Menu.h"
 
 #include "platform/values/Event.h"
+#include "platform/widgets/MenuExtra.h"
 #include "tests/support/Fakes.h"
 
 #include <gtest/gtest.h>

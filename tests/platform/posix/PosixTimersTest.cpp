@@ -1,7 +1,7 @@
 #include "platform/posix/PosixTimers.h"
 
 #include "platform/Clock.h"
-#include "tests/support/ManualTimeZones.h"
+#include "testing/ManualTimeZones.h"
 #include "tests/support/PollingMainThread.h"
 #include "tests/support/RecordingLog.h"
 
@@ -15,7 +15,7 @@ namespace {
 class PosixTimersTest : public testing::Test {
   protected:
     test::RecordingLog log;
-    test::ManualTimeZones zones;
+    halvextest::ManualTimeZones zones;
     test::PollingMainThread loop;
     platform::posix::PosixTimers timers;
 };

@@ -1,7 +1,7 @@
 #include "platform/posix/TimerQueue.h"
 
 #include "platform/runtime/Guard.h"
-#include "tests/support/ManualTimeZones.h"
+#include "testing/ManualTimeZones.h"
 
 #include <gmock/gmock.h>
 
@@ -61,7 +61,7 @@ class TimerQueueTest : public testing::Test {
     }
     std::vector<std::string> take() { return std::exchange(calls, {}); }
 
-    test::ManualTimeZones zones;
+    halvextest::ManualTimeZones zones;
     TimerQueue queue;
     TimerQueue::Now now{0, kNoon* kSecond};
     std::vector<std::string> calls;

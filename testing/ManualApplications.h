@@ -11,11 +11,11 @@
 #include <utility>
 #include <vector>
 
-namespace test {
+namespace halvextest {
 
 /// Applications that the test defines. Replaces the process's service for its lifetime, and records
 /// the requests that are sent, such as "hide editor.desktop", without carrying them out.
-class FakeApplications final : public platform::Applications {
+class ManualApplications final : public platform::Applications {
   public:
     std::vector<platform::DesktopEntry> installed;
     std::map<std::string, std::shared_ptr<platform::Image>> icons; ///< by identifier
@@ -34,14 +34,14 @@ class FakeApplications final : public platform::Applications {
     /// Unlike the desktop's, does not call the handler before the first change.
     std::unique_ptr<platform::Watch> observe(std::function<void()> handler) override {
         struct Observer final : platform::Watch {
-            Observer(FakeApplications& applications, Handler code)
+            Observer(ManualApplications& applications, Handler code)
                 : owner(applications), handler(std::move(code)) {}
             ~Observer() override {
                 *handler = nullptr;
                 std::erase(owner.handlers_, handler);
             }
 
-            FakeApplications& owner;
+            ManualApplications& owner;
             const Handler handler;
         };
         handlers_.push_back(std::make_shared<std::function<void()>>(std::move(handler)));
@@ -97,4 +97,4 @@ class FakeApplications final : public platform::Applications {
     platform::ScopedService<platform::Applications> service_{*this};
 };
 
-} // namespace test
+} // namespace halvextest

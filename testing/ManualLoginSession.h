@@ -7,7 +7,7 @@
 #include <memory>
 #include <utility>
 
-namespace test {
+namespace halvextest {
 
 /// A login session that changes only in report.
 class ManualLoginSession final : public platform::LoginSession {
@@ -37,4 +37,4 @@ class ManualLoginSession final : public platform::LoginSession {
     platform::ScopedService<platform::LoginSession> service_{*this};
 };
 
-} // namespace test
+} // namespace halvextest

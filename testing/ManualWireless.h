@@ -8,10 +8,10 @@
 #include <utility>
 #include <vector>
 
-namespace test {
+namespace halvextest {
 
 /// Wireless adapters that change only in show, and record requests.
-class RecordingWireless final : public platform::Wireless {
+class ManualWireless final : public platform::Wireless {
   public:
     /// "scan", "connect wlan0 NAME", "disconnect wlan0", "radio on" or "radio off".
     std::vector<std::string> calls;
@@ -50,4 +50,4 @@ class RecordingWireless final : public platform::Wireless {
     platform::ScopedService<platform::Wireless> service_{*this};
 };
 
-} // namespace test
+} // namespace halvextest

@@ -12,7 +12,7 @@
 #include <utility>
 #include <vector>
 
-namespace test {
+namespace halvextest {
 
 /// Zones with rules that the test sets. The system's zone is UTC until setLocal.
 class ManualTimeZones final : public platform::TimeZones {
@@ -63,4 +63,4 @@ class ManualTimeZones final : public platform::TimeZones {
     platform::ScopedService<platform::TimeZones> service_{*this};
 };
 
-} // namespace test
+} // namespace halvextest

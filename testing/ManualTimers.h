@@ -16,7 +16,7 @@
 #include <utility>
 #include <vector>
 
-namespace test {
+namespace halvextest {
 
 /// Timers for which time passes only in advance. Tolerances are recorded, but not used.
 class ManualTimers final : public platform::Timers {
@@ -115,4 +115,4 @@ class ManualTimers final : public platform::Timers {
     platform::ScopedService<platform::Timers> service_{*this};
 };
 
-} // namespace test
+} // namespace halvextest
