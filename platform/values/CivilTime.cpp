@@ -14,6 +14,12 @@ std::int64_t floorDivide(std::int64_t number, std::int64_t divisor) {
     return number / divisor - (number % divisor < 0 ? 1 : 0);
 }
 
+/// Not computed from the quotient, whose product may not fit near the lower limit.
+constexpr std::int64_t floorModulo(std::int64_t dividend, std::int64_t divisor) {
+    const std::int64_t rest = dividend % divisor;
+    return rest < 0 ? rest + divisor : rest;
+}
+
 /// A year that begins in March, so that the leap day is its last, as a cycle and a day in it.
 struct CycleDay {
     std::int64_t cycle;
@@ -25,7 +31,7 @@ CycleDay cycleDay(const CivilTime& time) {
     const std::int64_t carriedYears = floorDivide(months, 12);
     const std::int64_t month = months - carriedYears * 12;
     std::int64_t cycle = floorDivide(time.year, kYearsPerCycle);
-    std::int64_t year = time.year - cycle * kYearsPerCycle + carriedYears;
+    std::int64_t year = floorModulo(time.year, kYearsPerCycle) + carriedYears;
     cycle += floorDivide(year, kYearsPerCycle);
     year -= floorDivide(year, kYearsPerCycle) * kYearsPerCycle;
     return {cycle, year * 365 + year / 4 - year / 100 + (153 * month + 2) / 5 + time.day - 1};
@@ -35,7 +41,7 @@ CycleDay cycleDay(const CivilTime& time) {
 
 CivilTime civilTime(std::int64_t seconds, std::int32_t secondsFromUTC) {
     std::int64_t days = floorDivide(seconds, kSecondsPerDay);
-    std::int64_t second = seconds - days * kSecondsPerDay + secondsFromUTC;
+    std::int64_t second = floorModulo(seconds, kSecondsPerDay) + secondsFromUTC;
     days += floorDivide(second, kSecondsPerDay);
     second -= floorDivide(second, kSecondsPerDay) * kSecondsPerDay;
 

@@ -99,7 +99,8 @@ TEST_F(Installation, BuildsTestsAndLoadsANewProjectAndTheExamples) {
         " cp -R '" HALVEX_EXAMPLES "'/* . && rm -R Uptime");
     for (const std::string name : {"Mine", "LoadGraph", "Month"}) {
         run("cd " + name +
-            " && CXX='" HALVEX_CXX "' '" HALVEX_CMAKE "' -DCMAKE_PREFIX_PATH=\"$OLDPWD/usr/local\""
+            " && CXX='" HALVEX_CXX "' '" HALVEX_CMAKE
+            "' -DCMAKE_PREFIX_PATH=\"$OLDPWD/usr/local\" " HALVEX_SANITIZER_OPTIONS
             " -G Ninja -B build && '" HALVEX_CMAKE "' --build build &&"
             " ctest --test-dir build --no-tests=error");
         expectBarLoads(stage.file(name + "/build/extras/" + name + ".menu"));
