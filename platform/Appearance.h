@@ -19,9 +19,9 @@ class Appearance : NonCopyable {
 
     /// Returns whether the background is dark.
     virtual bool isDark() const = 0;
-    /// Returns the colour that the user has chosen for highlights, or std::nullopt if there is none
-    /// or the desktop has not reported it yet. The first call requests it; onChange reports the
-    /// result.
+    /// Returns the colour that the user has chosen for highlights, or std::nullopt if none is
+    /// chosen or the desktop has not reported it yet. The first call requests it; onChange reports
+    /// the result.
     virtual std::optional<Color> accentColor() = 0;
     /// Returns whether the user prefers higher contrast. False if the desktop does not know, or, as
     /// for accentColor, has not reported it yet.

@@ -76,7 +76,7 @@ class Applications : NonCopyable {
     /// icon that cannot be read counts as none.
     virtual std::shared_ptr<Image> icon(const std::string& identifier, double size) = 0;
     /// Reads a desktop entry. A file in the user's folder replaces one of the system with the same
-    /// identifier. Returns std::nullopt if there is none, or if it is deleted or invalid.
+    /// identifier. Returns std::nullopt if it does not exist, is deleted or is invalid.
     virtual std::optional<DesktopEntry> desktopEntry(const std::string& identifier) = 0;
 
     /// Brings the most recently used window of a running application to the front. If all its

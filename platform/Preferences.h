@@ -77,7 +77,8 @@ class Preferences {
     /// Every key is @p prefix followed by the key that is passed to the operations.
     explicit Preferences(std::shared_ptr<PreferencesDomain> domain, std::string prefix = "");
 
-    /// Returns the path of the file, which may not exist, or an empty path if there is none.
+    /// Returns the path of the file, which may not exist, or an empty path if these preferences
+    /// have no file.
     std::string file() const;
 
     bool boolean(std::string_view key, bool fallback = false) const;

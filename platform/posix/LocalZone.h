@@ -17,7 +17,7 @@ inline constexpr const char* kLocalZoneFile = "/etc/localtime";
 std::string_view zoneInEnvironment();
 
 /// Returns the name in the tz database of the system's time zone: that in TZ or, without TZ, that
-/// of the file to which @p zoneFile is a link. Empty if there is none. TZ may hold rules instead of
+/// of the file to which @p zoneFile is a link. Empty if it is no link. TZ may hold rules instead of
 /// a name; they are returned unchanged. Throws nothing but std::bad_alloc.
 std::string localZoneName(const std::string& zoneFile);
 

@@ -16,7 +16,7 @@ namespace platform::qt {
 /// Main thread.
 class DesktopEntries {
   public:
-    /// Reads an entry. Returns std::nullopt if there is none, or if it is deleted, invalid or
+    /// Reads an entry. Returns std::nullopt if it does not exist, is deleted, invalid or
     /// larger than 1 MiB.
     std::optional<DesktopEntryFile> read(const std::string& identifier) const;
 

@@ -8,7 +8,7 @@
 namespace platform::qt {
 
 /// Returns the value of the first attribute of this type in a sequence of netlink attributes.
-/// Returns std::nullopt if there is none before the end or before a malformed one.
+/// Returns std::nullopt if it is not found before the end or before a malformed one.
 std::optional<std::string_view> netlinkAttribute(std::string_view attributes, std::uint16_t type);
 
 /// Sends a generic netlink request with one attribute to the kernel. Returns the attributes of the

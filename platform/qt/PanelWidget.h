@@ -28,7 +28,7 @@ class PanelStyle;
 ///
 /// The mouse can drag it by its background and resize it by its edges and its resize indicator.
 /// Control and an arrow key move it, or with Shift resize it; Tab moves the focus to its controls;
-/// Escape and Control-W close it. Return clicks its default button. If there is none and no control
+/// Escape and Control-W close it. Return clicks its default button. Without one, and if no control
 /// has the focus, Return counts as a click on the background, as Space does. Main thread.
 class PanelWidget final : public QWidget {
     Q_OBJECT

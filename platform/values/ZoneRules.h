@@ -64,9 +64,9 @@ class ZoneRules {
     /// fit.
     std::optional<std::tm> brokenDownTime(std::int64_t instant) const;
 
-    /// Returns the first transition after @p instant, or std::nullopt if there is none.
+    /// Returns the first transition after @p instant, or std::nullopt after the last one.
     std::optional<ZoneTransition> nextTransition(std::int64_t instant) const;
-    /// Returns the last transition at or before @p instant, or std::nullopt if there is none.
+    /// Returns the last transition at or before @p instant, or std::nullopt before the first one.
     std::optional<ZoneTransition> previousTransition(std::int64_t instant) const;
 
     /// Returns when the clocks show @p local, whose fields may be out of range (see

@@ -1,6 +1,6 @@
 #include "testing/ManualLoginSession.h"
-#include "tests/support/RecordingLog.h"
 #include "testing/ManualWireless.h"
+#include "tests/support/RecordingLog.h"
 
 #include <gmock/gmock.h>
 

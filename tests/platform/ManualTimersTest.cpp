@@ -1,6 +1,6 @@
 #include "testing/ManualTimers.h"
-#include "tests/support/Fakes.h"
 #include "testing/ManualTimeZones.h"
+#include "tests/support/Fakes.h"
 
 #include <gtest/gtest.h>
 
