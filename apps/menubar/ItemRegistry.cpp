@@ -191,9 +191,9 @@ void ItemRegistry::change(ItemList::Change change) {
 }
 
 void ItemRegistry::refuse(const std::string& path, const std::string& reason) {
-    refusals_[path] = reason;
-    if (refusals_.size() > kMaximumRefusals)
+    if (refusals_.size() >= kMaximumRefusals && !refusals_.contains(path))
         refusals_.erase(refusals_.begin());
+    refusals_[path] = reason;
     emit refused(path, reason);
     emit itemsChanged();
 }

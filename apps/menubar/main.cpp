@@ -61,8 +61,9 @@ void startWatcher(Protection& protection, ItemCollection& items, const std::stri
     auto* dispatcher = QAbstractEventDispatcher::instance();
     auto* untilDrawn = new QObject(dispatcher);
     QObject::connect(dispatcher, &QAbstractEventDispatcher::aboutToBlock, untilDrawn, [=, &items] {
-        if (std::none_of(items.begin(), items.end(),
-                         [](const Item& item) { return item.wasDrawn; }))
+        const bool isDrawn =
+            std::any_of(items.begin(), items.end(), [](const Item& item) { return item.wasDrawn; });
+        if (!isDrawn && items.begin() != items.end())
             return;
         start();
         untilDrawn->deleteLater();

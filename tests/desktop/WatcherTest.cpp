@@ -157,6 +157,15 @@ TEST(Watcher, IsStartedAgainWhenItIsKilled) {
     }
 }
 
+TEST(Watcher, IsAlsoStartedIfTheBarIsEmpty) {
+    WatchedBar bar;
+    EXPECT_EQ(bar.remove(kOwnClock), 0);
+    EXPECT_TRUE(bar.endsForGood([&] { bar.stop(); }));
+    bar.start();
+    EXPECT_THAT(bar.identifiers(), IsEmpty());
+    EXPECT_NE(bar.waitForWatcher(), 0) << bar.log();
+}
+
 /// A full disk, mounted at a folder.
 class FullDisk {
   public:
