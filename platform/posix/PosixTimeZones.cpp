@@ -179,8 +179,7 @@ std::vector<std::string> PosixTimeZones::names() {
         const auto list = fileManager().readFile(folder + "/tzdata.zi", kMostBytesOfList);
         auto names = list ? listedNames(*list.contents) : namesOfFiles(folder);
         std::ranges::sort(names);
-        const auto repeated = std::ranges::unique(names);
-        names.erase(repeated.begin(), repeated.end());
+        names.erase(std::unique(names.begin(), names.end()), names.end());
         return names;
     });
 }
