@@ -343,7 +343,8 @@ QSize menuRowSize(const MenuItem& item, const MenuColumns& columns, const QFont&
         return {1, kSeparatorHeight}; // QMenu leaves out empty rows
     const Parts parts(item, columns, font);
     const int text = std::min(textWidth(item, parts), kMaximumTitle);
-    return {parts.left + text + parts.trailing() + parts.right,
+    constexpr int kFrame = 4; // the menu's frame takes a part of the width
+    return {parts.left + text + parts.trailing() + parts.right + kFrame,
             parts.height() + (item.isSectionHeader() ? kHeaderMargin : 0)};
 }
 
