@@ -29,7 +29,7 @@ BusPeer::BusPeer(std::string busAddress, QString name, std::string title, Handle
 
 BusPeer::~BusPeer() {
     if (!bus_)
-        return; // closed as soon as it is open
+        return; // closed right after it was opened
     bus_.reset();
     QDBusConnection::disconnectFromBus(connectionName_);
 }
