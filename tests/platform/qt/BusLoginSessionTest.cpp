@@ -62,7 +62,7 @@ class BusLoginSessionTest : public testing::Test {
     test::ScopedEnvironment id{"XDG_SESSION_ID", "c1"};
     test::RecordingLog log;
     test::PrivateBus bus;
-    platform::qt::BusLoginSession session{bus.addressText(), std::chrono::milliseconds(300)};
+    platform::qt::BusLoginSession session{bus.addressText()};
     std::unique_ptr<Watch> watch;
     std::vector<std::string> events;
 };
@@ -121,7 +121,8 @@ TEST_F(BusLoginSessionTest, IsReportedAgainWhenLogindStartsLater) {
     for (int i = 0; i < 2; ++i) {
         LogindMock logind(bus);
         EXPECT_TRUE(eventuallyWithoutBlocking([&] { return logind.hasInhibitor(); }));
-        logind.callSession("c1", i == 0 ? "Lock" : "Unlock");
+        // Not the signals: they are missed until the session has been found.
+        logind.callSession("c1", "SetLockedHint", {i == 0});
         ASSERT_TRUE(happens({i == 0 ? "locked" : "unlocked"}));
         log.take();
         logind.kill();
@@ -133,7 +134,8 @@ TEST_F(BusLoginSessionTest, IsReportedAgainWhenLogindStartsLater) {
 TEST_F(BusLoginSessionTest, LogindThatHangsDiesOrRepliesGarbageIsLoggedOnce) {
     LogindMock logind(bus);
     logind.suspend();
-    observe();
+    platform::qt::BusLoginSession hung(bus.addressText(), std::chrono::milliseconds(300));
+    const auto hungWatch = hung.observe([](auto) {});
     ASSERT_TRUE(logs("lock of the session is not noticed: "));
     logind.kill();
     ASSERT_TRUE(logs("lock and sleep are not noticed: logind has exited"));
@@ -141,8 +143,7 @@ TEST_F(BusLoginSessionTest, LogindThatHangsDiesOrRepliesGarbageIsLoggedOnce) {
 
     auto peer = QDBusConnection::connectToBus(bus.address(), "garbage");
     test::FakeService garbage(peer, kName, kPath, [](const auto&) { return "garbage"; });
-    platform::qt::BusLoginSession other(bus.addressText(), std::chrono::seconds(5));
-    const auto otherWatch = other.observe([](auto) {});
+    observe();
     ASSERT_TRUE(logs("lock of the session is not noticed: its reply has the signature \"s\""));
     peer.send(QDBusMessage::createSignal(kPath, kManager, "PrepareForSleep"));
     EXPECT_TRUE(happens({}));
