@@ -333,7 +333,7 @@ TEST_F(X11ApplicationsTest, AreLaunchedWithATokenForTheFocus) {
                         " editor \"Editor\" %c %f\n");
     EXPECT_TRUE(service->launch("editor.desktop", {"file:///a%20b", "/c"}));
     EXPECT_TRUE(eventually([&] { return window("/a b").identifier && window("/c").identifier; }));
-    EXPECT_TRUE(window("/a b").isActive || window("/c").isActive);
+    EXPECT_TRUE(eventually([&] { return window("/a b").isActive || window("/c").isActive; }));
     const std::string token = text(window("/c").identifier, "_NET_STARTUP_ID");
     EXPECT_THAT(token, testing::MatchesRegex("halvex-[0-9]+-1-.*_TIME[1-9][0-9]*"));
     service->quit("editor.desktop");
