@@ -57,7 +57,8 @@ void BusLoginSession::start() {
         busAddress_, kName, "logind",
         BusPeer::Handlers{.appeared = [this] { appeared(); },
                           .unavailable = [this](const std::string& why) { unavailable(why); },
-                          .received = [this](const QDBusMessage& signal) { receive(signal); }});
+                          .received = [this](const QDBusMessage& signal) { receive(signal); }},
+        timeLimit_);
 }
 
 void BusLoginSession::stopUnlessObserved() {

@@ -29,7 +29,8 @@ class BusPeer;
 /// know the session.
 class BusLoginSession final : public LoginSession {
   public:
-    /// @p busAddress is empty for the system bus. @p timeLimit is for each reply of logind.
+    /// @p busAddress is empty for the system bus. @p timeLimit is for each reply of logind
+    /// and of the bus.
     explicit BusLoginSession(std::string busAddress = {},
                              std::chrono::milliseconds timeLimit = std::chrono::seconds(5));
     ~BusLoginSession() override;

@@ -2,6 +2,7 @@
 
 #include "platform/MainThread.h"
 #include "platform/qt/BusCall.h"
+#include "platform/qt/BusProbe.h"
 #include "platform/qt/SignalReceiver.h"
 #include "platform/qt/Strings.h"
 #include "platform/runtime/DetachedThread.h"
@@ -17,13 +18,14 @@ namespace {
 
 constexpr const char* kBus = "org.freedesktop.DBus";
 constexpr const char* kBusPath = "/org/freedesktop/DBus";
-constexpr std::chrono::seconds kBusTimeLimit{5};
 
 } // namespace
 
-BusPeer::BusPeer(std::string busAddress, QString name, std::string title, Handlers handlers)
+BusPeer::BusPeer(std::string busAddress, QString name, std::string title, Handlers handlers,
+                 std::chrono::milliseconds busTimeLimit)
     : busAddress_(std::move(busAddress)), name_(std::move(name)), title_(std::move(title)),
-      handlers_(std::move(handlers)), self_(std::make_shared<BusPeer*>(this)) {
+      handlers_(std::move(handlers)), busTimeLimit_(busTimeLimit),
+      self_(std::make_shared<BusPeer*>(this)) {
     connect();
 }
 
@@ -34,7 +36,7 @@ BusPeer::~BusPeer() {
     QDBusConnection::disconnectFromBus(connectionName_);
 }
 
-// Connects on a separate thread, because Qt waits for the first reply of the bus without a timeout.
+// Connects on a separate thread, which waits for the replies of the bus.
 void BusPeer::connect() {
     static int count = 0;
     connectionName_ = QString("halvex-peer-%1").arg(++count);
@@ -49,18 +51,20 @@ void BusPeer::connect() {
             };
             mainThread().perform(finish, MainThread::Wait::No);
         });
-    detachThread([ending, name = connectionName_, address = qString(busAddress_)] {
-        if (address.isEmpty())
+    detachThread([ending, name = connectionName_, address = busAddress_, limit = busTimeLimit_] {
+        if (!busReplies(address, limit))
+            return;
+        if (address.empty())
             QDBusConnection::connectToBus(QDBusConnection::SystemBus, name);
         else
-            QDBusConnection::connectToBus(address, name);
+            QDBusConnection::connectToBus(qString(address), name);
     });
 }
 
 void BusPeer::connected() {
     bus_ = std::make_unique<QDBusConnection>(connectionName_);
     if (!bus_->isConnected())
-        return handlers_.unavailable("there is no system bus");
+        return handlers_.unavailable("there is no system bus, or it does not reply");
     busReceiver_ = std::make_unique<SignalReceiver>([this](const auto& signal) { //
         receiveFromBus(signal);
     });
@@ -83,7 +87,7 @@ void BusPeer::connected() {
             else
                 handlers_.unavailable("the system bus has failed: " + failureOf(reply));
         },
-        kBusTimeLimit);
+        busTimeLimit_);
 }
 
 void BusPeer::receiveFromBus(const QDBusMessage& signal) {

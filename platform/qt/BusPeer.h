@@ -34,8 +34,9 @@ class BusPeer : NonCopyable {
     };
 
     /// Starts connecting. @p busAddress is empty for the system bus, @p title is the service's
-    /// human-readable name.
-    BusPeer(std::string busAddress, QString name, std::string title, Handlers handlers);
+    /// human-readable name, @p busTimeLimit is for each reply of the bus itself.
+    BusPeer(std::string busAddress, QString name, std::string title, Handlers handlers,
+            std::chrono::milliseconds busTimeLimit = std::chrono::seconds(5));
     ~BusPeer();
 
     /// Subscribes to a signal of the running service on all of its objects, or only those with
@@ -55,6 +56,7 @@ class BusPeer : NonCopyable {
     const QString name_;
     const std::string title_;
     const Handlers handlers_;
+    const std::chrono::milliseconds busTimeLimit_;
     QString connectionName_;
     std::unique_ptr<QDBusConnection> bus_; ///< null until connected
     std::unique_ptr<SignalReceiver> busReceiver_;

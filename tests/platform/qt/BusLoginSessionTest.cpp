@@ -1,12 +1,17 @@
 #include "platform/qt/BusLoginSession.h"
 
+#include "platform/posix/Descriptor.h"
 #include "tests/desktop/support/FakeService.h"
 #include "tests/platform/qt/DBusMock.h"
 #include "tests/platform/qt/MainLoop.h"
 #include "tests/support/RecordingLog.h"
 #include "tests/support/ScopedEnvironment.h"
+#include "tests/support/TemporaryFolder.h"
 
 #include <gmock/gmock.h>
+
+#include <sys/socket.h>
+#include <sys/un.h>
 
 using namespace platform;
 using test::eventuallyWithoutBlocking;
@@ -129,6 +134,24 @@ TEST_F(BusLoginSessionTest, IsReportedAgainWhenLogindStartsLater) {
         ASSERT_TRUE(logs("lock and sleep are not noticed: logind has exited"));
     }
     EXPECT_EQ(log.take().size(), 1U);
+}
+
+/// Until the bus replies, Qt blocks all other connections of the process.
+TEST_F(BusLoginSessionTest, ABusThatDoesNotReplyBlocksNoOther) {
+    const test::TemporaryFolder folder;
+    sockaddr_un name{};
+    name.sun_family = AF_UNIX;
+    folder.file("bus").copy(name.sun_path, sizeof name.sun_path - 1);
+    const posix::Descriptor silent(socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0));
+    ASSERT_EQ(bind(silent.get(), reinterpret_cast<const sockaddr*>(&name), sizeof name), 0);
+    ASSERT_EQ(listen(silent.get(), 1), 0);
+    platform::qt::BusLoginSession hung("unix:path=" + folder.file("bus"),
+                                       std::chrono::milliseconds(300));
+    const auto hungWatch = hung.observe([](auto) {});
+    ASSERT_TRUE(eventuallyWithoutBlocking([&] {
+        QDBusConnection("unknown").isConnected();
+        return log.contains("lock and sleep are not noticed: there is no system bus");
+    }));
 }
 
 TEST_F(BusLoginSessionTest, LogindThatHangsDiesOrRepliesGarbageIsLoggedOnce) {

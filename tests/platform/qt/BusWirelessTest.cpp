@@ -232,8 +232,10 @@ TEST_F(BusWirelessTest, AMissingBusIsLoggedOnce) {
         watch.reset();
         ASSERT_TRUE(shows("not ready read off"));
     }
-    EXPECT_THAT(log.take(),
-                ElementsAre("wireless networks cannot be changed: there is no system bus"));
+    EXPECT_THAT(
+        log.take(),
+        ElementsAre(
+            "wireless networks cannot be changed: there is no system bus, or it does not reply"));
 }
 
 TEST_F(BusWirelessTest, IsConnectedOnlyWhileItIsObserved) {
