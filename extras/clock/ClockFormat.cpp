@@ -52,10 +52,6 @@ bool putsMonthFirst() {
     return date.find("%m") < date.find("%d");
 }
 
-std::string timeFormat() {
-    return usesTwelveHourTime() ? "%-I:%M %p" : "%H:%M";
-}
-
 /// Returns what a composite conversion stands for, or an empty string for any other.
 std::string_view expansion(char conversion) {
     const std::array<std::pair<char, std::string_view>, 5> table{{
@@ -109,12 +105,20 @@ std::string formatted(const std::string& format, const std::tm& moment) {
 
 } // namespace
 
+std::string time() {
+    return usesTwelveHourTime() ? "%-I:%M %p" : "%H:%M";
+}
+
+std::string date() {
+    return putsMonthFirst() ? "%a %b %-d" : "%a %-d %b";
+}
+
 std::string shortDefault() {
-    return "%a " + timeFormat();
+    return "%a " + time();
 }
 
 std::string longDefault() {
-    return (putsMonthFirst() ? "%a %b %-d " : "%a %-d %b ") + timeFormat();
+    return date() + ' ' + time();
 }
 
 std::string fullDate() {
@@ -127,6 +131,10 @@ std::string fullTime() {
 
 std::string expanded(std::string_view format) {
     return expanded(format, 0);
+}
+
+bool showsSeconds(std::string_view format) {
+    return expanded(bare(format)).find("%S") != std::string::npos;
 }
 
 std::string bare(std::string_view format) {

@@ -8,6 +8,10 @@
 /// "53") and that "%%" does not escape "%W" and "%Z". Thread-safe.
 namespace extras::clock_format {
 
+/// Returns the format for the time without seconds: "22:05" or "10:05 PM".
+std::string time();
+/// Returns the format for weekday, day and month: "Sun 22 Nov" or "Sun Nov 22".
+std::string date();
 /// Returns the format for weekday and time: "Sun 22:05" or "Sun 10:05 PM".
 std::string shortDefault();
 /// Returns the format for weekday, day and time: "Sun 22 Nov 22:05" or "Sun Nov 22 10:05 PM".
@@ -25,6 +29,9 @@ std::string expanded(std::string_view format);
 /// seconds since 1970, also becomes "%S". Use the result to find out which units a format shows,
 /// not to format a time.
 std::string bare(std::string_view format);
+
+/// Returns whether a title in @p format changes every second.
+bool showsSeconds(std::string_view format);
 
 /// Returns whether a clock can show @p format: it must be UTF-8 without control characters, at most
 /// 256 bytes long, and produce text that is not blank.

@@ -19,8 +19,7 @@ struct WorldClock {
     std::string zoneName; ///< in the tz database; the zone may not exist
     std::optional<paths::Coordinates> coordinates;
     bool isInBar = false;
-    std::string barFormat; ///< a usable clock format; its default is that of clock_format::time()
-    friend bool operator==(const WorldClock&, const WorldClock&) = default;
+    std::string barFormat; ///< a usable clock format, or empty for the default
 };
 
 /// What the clocks at a location show at some instant.
@@ -29,7 +28,7 @@ struct WorldTime {
     int dayDifference = 0;           ///< its date minus the local date, in days
     std::int32_t secondsFromUTC = 0; ///< positive east of Greenwich
     std::int32_t secondsAhead = 0;   ///< of the local time; negative if it is behind
-    std::optional<bool> isDay;       ///< whether the sun is up; not without coordinates
+    std::optional<bool> isDay{};     ///< whether the sun is up, if the coordinates are known
 };
 
 /// Returns the time at a location at @p instant, in seconds since 1970-01-01 00:00:00 UTC, or
@@ -38,33 +37,30 @@ std::optional<WorldTime> worldTime(const WorldClock& clock, std::int64_t instant
 
 /// Returns "+1", "−1", or an empty text for 0.
 std::string dayDifferenceText(int days);
-/// Returns the time difference as "+5:45 h", "−3 h" or "±0 h".
+/// Returns a time difference as "+5:45 h", "−3 h" or "±0 h".
 std::string offsetText(std::int32_t seconds);
-/// Returns the time and the day difference as one text, "07:05 +1", for the clipboard.
+/// Returns the time and, unless it is 0, the day difference: "07:05 +1".
 std::string timeWithDay(const WorldTime& time);
 
 /// The location list as the items show it. Read from the files when it is first needed, and again
 /// after they have changed. Main thread only.
 class WorldClocks : platform::NonCopyable {
   public:
-    /// Reads nothing yet. @p changeHandler is called after the files have changed, but only once
-    /// they have been read; the list is then read again when it is next needed.
+    /// Reads nothing yet. Once the list has been read, @p changeHandler is called after its files
+    /// have changed; the list is read again when it is next needed.
     explicit WorldClocks(std::function<void()> changeHandler = {});
 
     /// Returns the locations that the user has chosen, in list order: all of them if there is a
-    /// location file, otherwise only those of subscriptions. The result stays valid until the next
-    /// call after a change.
+    /// location file, otherwise only those of subscriptions. Leaves out records without a name.
+    /// References stay valid until the next call after a change.
     const std::vector<WorldClock>& list();
-
     /// Returns the records of list(), in the same order.
     const std::vector<paths::WorldLocation>& records();
+    /// Returns why the location file exists but cannot be read, or an empty text. Logged once.
+    const std::string& error();
 
-    /// Returns whether list() may contain anything. Only checks whether the files exist.
+    /// Returns whether there is a file with locations. Reads nothing.
     static bool exist();
-
-    /// Replaces the user's list, keeping those records that the product cannot interpret. Returns
-    /// false if it could not be written (logged).
-    bool save(const std::vector<paths::WorldLocation>& records);
 
   private:
     void load();
@@ -73,8 +69,9 @@ class WorldClocks : platform::NonCopyable {
     std::function<void()> changeHandler_;
     std::vector<WorldClock> clocks_;
     std::vector<paths::WorldLocation> records_;
+    std::string error_;
     std::vector<std::unique_ptr<platform::Watch>> watches_;
-    bool loaded_ = false;
+    bool isLoaded_ = false;
 };
 
 } // namespace extras
