@@ -1,37 +1,93 @@
+#include "extras/HalvexTimeMenu/ClockTitle.h"
+#include "extras/HalvexTimeMenu/ClockView.h"
+#include "extras/HalvexTimeMenu/LocationMenu.h"
+#include "extras/HalvexTimeMenu/WorldClockMenu.h"
 #include "extras/clock/ClockFormat.h"
 #include "extras/clock/ClockItem.h"
+#include "extras/clock/WorldClocks.h"
+#include "extras/shared/Texts.h"
 #include "menubar/ItemPreferences.h"
 #include "platform/Log.h"
+#include "platform/Pasteboard.h"
+#include "platform/Timers.h"
 #include "platform/widgets/MenuExtraPlugIn.h"
 #include "prefs/HalvexPrefsTools.h"
 
 #include <memory>
+#include <optional>
 #include <string>
+#include <utility>
 
 using namespace platform;
 using extras::ClockItem;
+using extras::tr;
 namespace clock_format = extras::clock_format;
 
 namespace {
 
-constexpr const char* kFormatKey = "Format"; // "MenuClockFormat" in the file
+// With the prefix "MenuClock" in the file.
+constexpr const char* kFormatKey = "Format";
+constexpr const char* kTwoLinesKey = "TwoLines";
+constexpr const char* kDateFormatKey = "DateFormat";
 
-/// The product's clock. Its format is the string "MenuClockFormat" in the product's preferences.
-/// Changes take effect immediately.
+/// The product's clock, with the user's locations. docs/preferences.md lists its preferences.
 class HalvexTimeMenu final : public ClockItem {
   public:
     std::shared_ptr<MenuExtra> initWithBundle(std::shared_ptr<Bundle> bundle) override {
+        if (bundle)
+            extras::bindTexts(*bundle);
         settings_ = menubar::preferencesOf(bundle);
+        if (extras::WorldClocks::exist())
+            title_.setLocations(worldClocks_.list());
         if (!ClockItem::initWithBundle(bundle))
             return nullptr;
-        addActions();
+        installView();
+        addLocations();
+        addTools();
         settingsWatch_ = settings_.onChange([this](const auto&) { reloadFormat(); });
+        startTimer_ = timers().after({}, {}, [this] { worldClocks_.watchFiles(); });
         return shared_from_this();
     }
 
+    void menuWillOpen() override {
+        showLocations();
+        ClockItem::menuWillOpen();
+    }
+
     void willUnload() override {
+        startTimer_.reset();
         settingsWatch_.reset();
+        locationMenu_.reset();
         ClockItem::willUnload();
+    }
+
+    bool clicked() override {
+        setShowsUTC(false);
+        return false;
+    }
+    bool clickWithAltKey() override {
+        setShowsUTC(!title_.showsUTC);
+        return true;
+    }
+    bool clickWithShiftKey() override {
+        generalPasteboard().setString(title_.timeText(systemClock().now()));
+        setShowsUTC(false);
+        return true;
+    }
+    bool clickWithCtrlKey() override {
+        setShowsUTC(false);
+        HalvexPrefs(nullptr);
+        return true;
+    }
+
+    void recalWidth() override {
+        if (!clockView_)
+            return ClockItem::recalWidth();
+        const std::string text = appText_ ? appText_->string() : "";
+        const double width = clockView_->hasColumns()
+                                 ? clockView_->widthOfColumns()
+                                 : clockView_->reservedWidth(text, clockLook().title);
+        SetViewWidth(static_cast<float>(width) + 2.0F);
     }
 
     /// The pane also contains the calculator. Without it, only a running calculator can be shown.
@@ -43,25 +99,105 @@ class HalvexTimeMenu final : public ClockItem {
     }
 
   private:
-    void addActions() {
+    void installView() {
+        clockView_ = std::make_shared<ClockView>();
+        clockView_->initWithFrame(view_->frame(), this);
+        view_ = clockView_;
+        setView(view_);
+        updateTitle(systemClock().now());
+    }
+
+    void addLocations() {
+        menu_->addSeparator();
+        worldClockMenu_.emplace(menu_, weak_from_this());
+        locationMenu_.emplace(*menu_, weak_from_this());
+    }
+
+    /// Adds the entries that open something. Other tools of the clock belong here too.
+    void addTools() {
         menu_->addSeparator();
         calculator_ = &menu_->addItem(
-            "Calculator", [this](MenuItem& sender) { OpenCalculator(&sender); }, weak_from_this());
+            tr("Calculator"), [this](MenuItem& sender) { OpenCalculator(&sender); },
+            weak_from_this());
         preferences_ = &menu_->addItem(
-            "Preferences…", [this](MenuItem& sender) { HalvexPrefs(&sender); }, weak_from_this());
+            tr("Preferences…"), [this](MenuItem& sender) { HalvexPrefs(&sender); },
+            weak_from_this());
+    }
+
+    /// Brings the menu up to date with the list of locations.
+    void showLocations() {
+        if (!std::exchange(locationsChanged_, false))
+            return;
+        worldClockMenu_->setClocks(worldClocks_);
+        locationMenu_->setClocks(worldClocks_);
+    }
+
+    void locationsChanged() {
+        locationsChanged_ = true;
+        if (isMenuOpen())
+            showLocations();
+        title_.setLocations(worldClocks_.list());
+        reloadFormat();
+    }
+
+    void setShowsUTC(bool shows) {
+        if (std::exchange(title_.showsUTC, shows) != shows)
+            updateTitle(systemClock().now());
     }
 
     std::string preferredFormat() override {
-        std::string format = settings_.string(kFormatKey, clock_format::longDefault());
+        const bool twoLines = settings_.boolean(kTwoLinesKey);
+        title_.dateFormat = twoLines ? usableFormat(kDateFormatKey, clock_format::date()) : "";
+        title_.format =
+            usableFormat(kFormatKey, twoLines ? clock_format::time() : clock_format::longDefault());
+        if (clockView_)
+            clockView_->resetDigits();
+        return title_.format;
+    }
+
+    std::string usableFormat(const char* key, const std::string& fallback) {
+        const std::string format = settings_.string(key, fallback);
         if (clock_format::isUsable(format))
-            return format;
-        logLine("cannot use the clock format in %@: MenuClockFormat is not a usable format",
-                settings_.file());
-        return clock_format::longDefault();
+            return clock_format::expanded(format);
+        logLine("cannot use the clock format in %@: MenuClock%@ is not a usable format",
+                settings_.file(), key);
+        return clock_format::expanded(fallback);
+    }
+
+    bool titleShowsSeconds() override { return title_.showsSeconds(); }
+
+    void updateTitle(std::int64_t now) override {
+        if (clockView_)
+            clockView_->setColumns(title_.hasTwoLines() ? title_.columns(now)
+                                                        : std::vector<TitleColumn>());
+        showText(title_.text(now));
+    }
+
+    void showText(const std::string& text) {
+        const TextAttributes attributes = clockLook().title;
+        if (attributes == TextAttributes())
+            return setTitle(text);
+        const auto title = std::make_shared<AttributedString>(text, attributes);
+        if (appText_ && *appText_ == *title)
+            return;
+        setAttributedTitle(title);
+        view_->setNeedsDisplay(true);
+    }
+
+    void updateMenu(std::int64_t now) override {
+        ClockItem::updateMenu(now);
+        worldClockMenu_->update(now);
     }
 
     Preferences settings_;
     std::unique_ptr<Watch> settingsWatch_;
+    std::unique_ptr<Watch> startTimer_;
+    extras::WorldClocks worldClocks_{[this] { locationsChanged(); }};
+    ClockTitle title_;
+    std::shared_ptr<ClockView> clockView_;
+    std::optional<WorldClockMenu> worldClockMenu_;
+    std::optional<LocationMenu> locationMenu_;
+    bool locationsChanged_ = true; // since they were shown in the menu
     const MenuItem* calculator_ = nullptr;
     const MenuItem* preferences_ = nullptr;
 };

@@ -34,18 +34,29 @@ void ClockItem::reloadFormat() {
     updateTexts();
 }
 
+bool ClockItem::titleShowsSeconds() {
+    return clock_format::showsSeconds(format_);
+}
+
 void ClockItem::scheduleTicks() {
-    const bool showsSeconds =
-        menuOpen_ || CheckForSecFormat(clock_format::expanded(clock_format::bare(format_)));
-    ticks_ = systemClock().tick(showsSeconds ? TickInterval::Second : TickInterval::Minute,
+    const bool everySecond = menuOpen_ || titleShowsSeconds();
+    ticks_ = systemClock().tick(everySecond ? TickInterval::Second : TickInterval::Minute,
                                 [this] { updateTexts(); });
 }
 
 void ClockItem::updateTexts() {
-    const std::tm moment = systemClock().localTime(systemClock().now());
-    setTitle(clock_format::text(format_, moment));
-    if (!menuOpen_)
-        return;
+    const std::int64_t now = systemClock().now();
+    updateTitle(now);
+    if (menuOpen_)
+        updateMenu(now);
+}
+
+void ClockItem::updateTitle(std::int64_t now) {
+    setTitle(clock_format::text(format_, systemClock().localTime(now)));
+}
+
+void ClockItem::updateMenu(std::int64_t now) {
+    const std::tm moment = systemClock().localTime(now);
     dateItem_->setTitle(clock_format::text(clock_format::fullDate(), moment));
     timeItem_->setTitle(clock_format::text(clock_format::fullTime(), moment));
 }

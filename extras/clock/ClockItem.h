@@ -3,12 +3,13 @@
 #include "menubar/HalvexMenuExtraBase.h"
 #include "platform/Clock.h"
 
+#include <cstdint>
 #include <memory>
 #include <string>
 
 namespace extras {
 
-/// A clock in the bar. It updates once a second while its format shows seconds or its menu is open,
+/// A clock in the bar. It updates once a second while its title shows seconds or its menu is open,
 /// otherwise once a minute, and whenever the system time or the time zone changes or the machine
 /// resumes. Its menu shows the full date and the full time; choosing one of them copies it to the
 /// clipboard. Main thread only.
@@ -24,9 +25,17 @@ class ClockItem : public HalvexMenuExtraBase {
   protected:
     /// Returns the format to show. Called by initWithBundle and reloadFormat.
     virtual std::string preferredFormat() = 0;
+    /// Returns whether the title changes every second. By default, if the format shows seconds.
+    virtual bool titleShowsSeconds();
+    /// Shows the time in the bar. Called with each tick. The default sets the title.
+    virtual void updateTitle(std::int64_t now);
+    /// Updates the menu. Called with each tick while it is open. The default shows date and time.
+    virtual void updateMenu(std::int64_t now);
 
     /// Reads the preferred format again and updates the title.
     void reloadFormat();
+    const std::string& format() const { return format_; }
+    bool isMenuOpen() const { return menuOpen_; }
 
   private:
     void scheduleTicks();

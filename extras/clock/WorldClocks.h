@@ -46,8 +46,8 @@ std::string timeWithDay(const WorldTime& time);
 /// after they have changed. Main thread only.
 class WorldClocks : platform::NonCopyable {
   public:
-    /// Reads nothing yet. Once the list has been read, @p changeHandler is called after its files
-    /// have changed; the list is read again when it is next needed.
+    /// Reads nothing yet. After the list has been read, or watchFiles has been called, calls
+    /// @p changeHandler when the files have changed. The list is read again when it is next needed.
     explicit WorldClocks(std::function<void()> changeHandler = {});
 
     /// Returns the locations that the user has chosen, in list order: all of them if there is a
@@ -59,12 +59,13 @@ class WorldClocks : platform::NonCopyable {
     /// Returns why the location file exists but cannot be read, or an empty text. Logged once.
     const std::string& error();
 
+    /// Starts to observe the files, also if they do not exist, without reading them.
+    void watchFiles();
     /// Returns whether there is a file with locations. Reads nothing.
     static bool exist();
 
   private:
     void load();
-    void watchFiles();
 
     std::function<void()> changeHandler_;
     std::vector<WorldClock> clocks_;

@@ -1,0 +1,32 @@
+#pragma once
+
+#include "extras/clock/WorldClocks.h"
+#include "platform/base/Watch.h"
+#include "platform/widgets/Menu.h"
+
+#include <memory>
+#include <vector>
+
+/// The submenu with which users change their list of locations: which of them are in the bar, and
+/// cities to add and to remove. Main thread only.
+class LocationMenu {
+  public:
+    /// Appends the entry with the submenu to @p menu. Actions have @p target.
+    LocationMenu(platform::Menu& menu, std::weak_ptr<platform::MenuTarget> target);
+
+    /// Shows the user's locations. Reads the cities to add soon after the first call, when the menu
+    /// is on the screen.
+    void setClocks(extras::WorldClocks& clocks);
+
+  private:
+    void showCities();
+    void showInBar(const std::vector<paths::WorldLocation>& locations);
+    void showRemovable(const std::vector<paths::WorldLocation>& locations);
+
+    const std::weak_ptr<platform::MenuTarget> target_;
+    std::shared_ptr<platform::MenuItem> inBar_;
+    std::shared_ptr<platform::MenuItem> add_;
+    std::shared_ptr<platform::MenuItem> remove_;
+    std::unique_ptr<platform::Watch> citiesTimer_;
+    bool hasCities_ = false;
+};
