@@ -1,20 +1,24 @@
 #pragma once
 
 #include "platform/Clock.h"
+#include "platform/values/ZoneRules.h"
 
 #include <cstdint>
 #include <ctime>
 #include <functional>
 #include <memory>
+#include <optional>
 #include <utility>
 #include <vector>
 
 namespace halvextest {
 
-/// A clock in UTC that changes and ticks only in moveTo.
+/// A clock that changes and ticks only in moveTo. Its local time is UTC until zone is set.
 class ManualClock final : public platform::Clock {
   public:
     std::int64_t seconds = 0;
+    /// The rules of the local time.
+    std::optional<platform::ZoneRules> zone;
     /// The durations of all sleeps in microseconds. No sleep takes any time.
     std::vector<std::uint64_t> sleeps;
     std::function<void()> duringSleep = [] {};
@@ -25,6 +29,8 @@ class ManualClock final : public platform::Clock {
         duringSleep();
     }
     std::tm localTime(std::int64_t secondsSince1970) const override {
+        if (zone)
+            return zone->brokenDownTime(secondsSince1970).value_or(std::tm{});
         std::tm time{};
         gmtime_r(&secondsSince1970, &time);
         return time;

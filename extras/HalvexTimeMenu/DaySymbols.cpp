@@ -48,3 +48,7 @@ std::shared_ptr<Image> moonSymbol() {
         context.fillPath(shadow, {}, CompositingOperation::DestinationOut);
     });
 }
+
+std::shared_ptr<Image> blankSymbol() {
+    return symbol([](GraphicsContext&) {});
+}

@@ -8,3 +8,5 @@
 std::shared_ptr<platform::Image> sunSymbol();
 /// Same for places where it is down.
 std::shared_ptr<platform::Image> moonSymbol();
+/// Returns an empty image of that size.
+std::shared_ptr<platform::Image> blankSymbol();

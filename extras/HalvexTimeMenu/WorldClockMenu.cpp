@@ -88,9 +88,12 @@ void WorldClockMenu::setClocks(extras::WorldClocks& clocks) {
     shown_.reset();
     if (!clocks.error().empty())
         insert(std::make_shared<MenuItem>(tr("The list of locations cannot be read")));
+    if (!blank_)
+        blank_ = blankSymbol();
     std::vector<std::shared_ptr<MenuItem>> others;
     for (const WorldClock& clock : clocks.list()) {
         rows_.push_back({clock, makeItem(clock)});
+        rows_.back().item->setImage(blank_); // so that the names line up
         if (rows_.size() <= kMostInMenu)
             insert(rows_.back().item);
         else
@@ -122,7 +125,8 @@ void WorldClockMenu::updateRow(const Row& row, std::int64_t now) {
     row.item->setTrailingText(days.empty() ? time->time : days + "  " + time->time);
     row.item->setSubtitle(extras::offsetText(time->secondsAhead));
     row.item->setToolTip(toolTip(row.clock, now));
-    row.item->setImage(time->isDay ? symbol(*time->isDay) : nullptr);
+    if (time->isDay)
+        row.item->setImage(symbol(*time->isDay));
 }
 
 const std::shared_ptr<Image>& WorldClockMenu::symbol(bool isDay) {

@@ -47,6 +47,7 @@ class WorldClockMenu {
     std::vector<std::shared_ptr<platform::MenuItem>> entries_; ///< those in the menu itself
     std::vector<Row> rows_;
     std::optional<Moment> shown_;
+    std::shared_ptr<platform::Image> blank_;
     std::shared_ptr<platform::Image> sun_;
     std::shared_ptr<platform::Image> moon_;
 };

@@ -32,6 +32,7 @@ auto find(Array& records, const WorldLocation& location) {
 /// Reads the list, changes it with @p change, and writes it if that returns true.
 template <class Change>
 bool edit(const Change& change) {
+    ovxPaths::ovxMakeDirIfNeeded(HalvexFilePaths::ovxGetUserApplSupportFolder());
     if (!fileError().empty())
         return false; // writing would replace what the user may be able to repair
     Array records = chosenRecords();

@@ -17,9 +17,9 @@ namespace extras {
 struct WorldClock {
     std::string name;     ///< to show; never empty
     std::string zoneName; ///< in the tz database; the zone may not exist
-    std::optional<paths::Coordinates> coordinates;
+    std::optional<paths::Coordinates> coordinates{};
     bool isInBar = false;
-    std::string barFormat; ///< a usable clock format, or empty for the default
+    std::string barFormat{}; ///< a usable clock format, or empty for the default
 };
 
 /// What the clocks at a location show at some instant.
