@@ -1,6 +1,7 @@
 #include "extras/HalvexTimeMenu/ClockTitle.h"
 
 #include "extras/clock/ClockFormat.h"
+#include "extras/shared/Texts.h"
 #include "platform/Clock.h"
 #include "platform/TimeZones.h"
 
@@ -76,5 +77,7 @@ std::vector<TitleColumn> ClockTitle::columns(std::int64_t now) const {
     for (const WorldClock& clock : locations_)
         if (const auto time = timeIn(clock, now))
             result.push_back({clock.name, *time});
+    if (extras::isRightToLeft())
+        std::ranges::reverse(result);
     return result;
 }

@@ -28,7 +28,8 @@ class ClockTitle {
     std::string timeText(std::int64_t now) const;
     /// Returns the title on one line.
     std::string text(std::int64_t now) const;
-    /// Returns the title on two lines, the local time first.
+    /// Returns the title on two lines, the local time first, from left to right. In languages that
+    /// are written from right to left, the local time is last.
     std::vector<TitleColumn> columns(std::int64_t now) const;
 
   private:

@@ -37,15 +37,16 @@ class HalvexTimeMenu final : public ClockItem {
         if (bundle)
             extras::bindTexts(*bundle);
         settings_ = menubar::preferencesOf(bundle);
+        worldClocks_.emplace([this] { locationsChanged(); });
         if (extras::WorldClocks::exist())
-            title_.setLocations(worldClocks_.list());
+            title_.setLocations(worldClocks_->list());
         if (!ClockItem::initWithBundle(bundle))
             return nullptr;
         installView();
         addLocations();
         addTools();
         settingsWatch_ = settings_.onChange([this](const auto&) { reloadFormat(); });
-        startTimer_ = timers().after({}, {}, [this] { worldClocks_.watchFiles(); });
+        startTimer_ = timers().after({}, {}, [this] { worldClocks_->watchFiles(); });
         return shared_from_this();
     }
 
@@ -58,6 +59,8 @@ class HalvexTimeMenu final : public ClockItem {
         startTimer_.reset();
         settingsWatch_.reset();
         locationMenu_.reset();
+        worldClockMenu_.reset();
+        worldClocks_.reset();
         ClockItem::willUnload();
     }
 
@@ -93,7 +96,7 @@ class HalvexTimeMenu final : public ClockItem {
     /// The pane also contains the calculator. Without it, only a running calculator can be shown.
     bool validateMenuItem(const MenuItem& item) override {
         if (&item != calculator_ && &item != preferences_)
-            return ClockItem::validateMenuItem(item);
+            return !worldClockMenu_ || worldClockMenu_->isUsable(item);
         return HalvexPrefsTools::HalvexPrefsBundle() ||
                (&item == calculator_ && HalvexPrefsTools::findHalvexBGProcess(nullptr));
     }
@@ -128,15 +131,15 @@ class HalvexTimeMenu final : public ClockItem {
     void showLocations() {
         if (!std::exchange(locationsChanged_, false))
             return;
-        worldClockMenu_->setClocks(worldClocks_);
-        locationMenu_->setClocks(worldClocks_);
+        worldClockMenu_->setClocks(*worldClocks_);
+        locationMenu_->setClocks(*worldClocks_);
     }
 
     void locationsChanged() {
         locationsChanged_ = true;
         if (isMenuOpen())
             showLocations();
-        title_.setLocations(worldClocks_.list());
+        title_.setLocations(worldClocks_->list());
         reloadFormat();
     }
 
@@ -192,7 +195,7 @@ class HalvexTimeMenu final : public ClockItem {
     Preferences settings_;
     std::unique_ptr<Watch> settingsWatch_;
     std::unique_ptr<Watch> startTimer_;
-    extras::WorldClocks worldClocks_{[this] { locationsChanged(); }};
+    std::optional<extras::WorldClocks> worldClocks_; // until the item is unloaded, as the menus
     ClockTitle title_;
     std::shared_ptr<ClockView> clockView_;
     std::optional<WorldClockMenu> worldClockMenu_;

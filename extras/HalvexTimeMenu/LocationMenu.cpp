@@ -62,11 +62,12 @@ LocationMenu::LocationMenu(Menu& menu, std::weak_ptr<MenuTarget> target)
 }
 
 void LocationMenu::setClocks(extras::WorldClocks& clocks) {
-    const auto& records = clocks.records();
-    showInBar(records);
-    showRemovable(records);
-    if (!std::exchange(hasCities_, true))
-        citiesTimer_ = timers().after({}, {}, [this] { showCities(); });
+    timer_ = timers().after({}, {}, [this, &clocks] {
+        showInBar(clocks.records());
+        showRemovable(clocks.records());
+        if (!std::exchange(hasCities_, true))
+            showCities();
+    });
 }
 
 void LocationMenu::showInBar(const std::vector<WorldLocation>& records) {

@@ -14,8 +14,8 @@ class LocationMenu {
     /// Appends the entry with the submenu to @p menu. Actions have @p target.
     LocationMenu(platform::Menu& menu, std::weak_ptr<platform::MenuTarget> target);
 
-    /// Shows the user's locations. Reads the cities to add soon after the first call, when the menu
-    /// is on the screen.
+    /// Shows the user's locations and the cities to add soon after the call, when the menu is on
+    /// the screen. @p clocks must outlive this object.
     void setClocks(extras::WorldClocks& clocks);
 
   private:
@@ -27,6 +27,6 @@ class LocationMenu {
     std::shared_ptr<platform::MenuItem> inBar_;
     std::shared_ptr<platform::MenuItem> add_;
     std::shared_ptr<platform::MenuItem> remove_;
-    std::unique_ptr<platform::Watch> citiesTimer_;
+    std::unique_ptr<platform::Watch> timer_;
     bool hasCities_ = false;
 };

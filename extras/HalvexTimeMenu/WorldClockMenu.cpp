@@ -8,7 +8,9 @@
 #include "platform/Clock.h"
 #include "platform/Pasteboard.h"
 #include "platform/TimeZones.h"
+#include "platform/Timers.h"
 
+#include <algorithm>
 #include <utility>
 
 using namespace platform;
@@ -18,7 +20,7 @@ using extras::WorldClock;
 
 namespace {
 
-constexpr std::size_t kMostInMenu = 20;
+constexpr std::size_t kMostInMenu = 12; // fits on a screen of 768 pixels
 
 /// Returns a time at the place, without seconds.
 std::string placeTime(const ZoneRules& zone, std::int64_t instant) {
@@ -68,10 +70,7 @@ WorldClockMenu::WorldClockMenu(std::shared_ptr<Menu> menu, std::weak_ptr<MenuTar
     menu_->addItem(header_);
 }
 
-/// Without a zone, the entry is disabled.
 std::shared_ptr<MenuItem> WorldClockMenu::makeItem(const WorldClock& clock) {
-    if (clock.zoneName.empty() || !timeZones().zone(clock.zoneName))
-        return std::make_shared<MenuItem>(clock.name);
     return std::make_shared<MenuItem>(
         clock.name, [clock](MenuItem&) { copyTime(clock); }, target_);
 }
@@ -85,6 +84,8 @@ void WorldClockMenu::setClocks(extras::WorldClocks& clocks) {
     for (const auto& entry : std::exchange(entries_, {}))
         menu_->removeItem(*entry);
     rows_.clear();
+    unusable_.clear();
+    othersTimer_.reset();
     shown_.reset();
     if (!clocks.error().empty())
         insert(std::make_shared<MenuItem>(tr("The list of locations cannot be read")));
@@ -111,16 +112,27 @@ void WorldClockMenu::update(std::int64_t now) {
     const Moment moment{now / 60, timeZones().local().offsetAt(now).secondsFromUTC};
     if (std::exchange(shown_, moment) == moment)
         return;
-    for (const Row& row : rows_)
-        updateRow(row, now);
+    const std::size_t direct = std::min(rows_.size(), kMostInMenu);
+    for (std::size_t i = 0; i < direct; ++i)
+        updateRow(rows_[i], now);
+    if (rows_.size() > direct)
+        othersTimer_ = timers().after({}, {}, [this, now] { updateOthers(now); });
+}
+
+/// Their zones may have to be read from hundreds of files.
+void WorldClockMenu::updateOthers(std::int64_t now) {
+    for (std::size_t i = kMostInMenu; i < rows_.size(); ++i)
+        updateRow(rows_[i], now);
 }
 
 void WorldClockMenu::updateRow(const Row& row, std::int64_t now) {
     const auto time = extras::worldTime(row.clock, now);
     if (!time) {
+        unusable_.insert(row.item.get());
         row.item->setTrailingText(tr("no usable time zone"));
         return;
     }
+    unusable_.erase(row.item.get());
     const std::string days = extras::dayDifferenceText(time->dayDifference);
     row.item->setTrailingText(days.empty() ? time->time : days + "  " + time->time);
     row.item->setSubtitle(extras::offsetText(time->secondsAhead));

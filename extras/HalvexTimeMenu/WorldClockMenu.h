@@ -1,12 +1,14 @@
 #pragma once
 
 #include "extras/clock/WorldClocks.h"
+#include "platform/base/Watch.h"
 #include "platform/values/Image.h"
 #include "platform/widgets/Menu.h"
 
 #include <cstdint>
 #include <memory>
 #include <optional>
+#include <set>
 #include <vector>
 
 /// The world clocks in the clock's menu, in list order below a section header: the first 20
@@ -20,8 +22,11 @@ class WorldClockMenu {
 
     /// Replaces the entries with those of @p clocks, without times.
     void setClocks(extras::WorldClocks& clocks);
-    /// Shows the times, unless they are still those of the last call.
+    /// Shows the times, unless they are still those of the last call; those in the submenu soon
+    /// after it.
     void update(std::int64_t now);
+    /// Returns false for the entry of a location without a usable zone.
+    bool isUsable(const platform::MenuItem& item) const { return !unusable_.contains(&item); }
 
   private:
     struct Row {
@@ -38,6 +43,7 @@ class WorldClockMenu {
 
     std::shared_ptr<platform::MenuItem> makeItem(const extras::WorldClock& clock);
     void insert(const std::shared_ptr<platform::MenuItem>& item);
+    void updateOthers(std::int64_t now);
     void updateRow(const Row& row, std::int64_t now);
     const std::shared_ptr<platform::Image>& symbol(bool isDay);
 
@@ -46,6 +52,8 @@ class WorldClockMenu {
     const std::shared_ptr<platform::MenuItem> header_;
     std::vector<std::shared_ptr<platform::MenuItem>> entries_; ///< those in the menu itself
     std::vector<Row> rows_;
+    std::set<const platform::MenuItem*> unusable_;
+    std::unique_ptr<platform::Watch> othersTimer_;
     std::optional<Moment> shown_;
     std::shared_ptr<platform::Image> blank_;
     std::shared_ptr<platform::Image> sun_;

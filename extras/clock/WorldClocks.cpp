@@ -25,8 +25,13 @@ std::int64_t dayNumber(CivilTime time) {
     return secondsSince1970(time).value_or(0) / 86400;
 }
 
+/// Returns @p sign so that it is shown to the left of the number after it. Between texts that are
+/// written from right to left, it needs a left-to-right mark.
+std::string signText(const char* sign) {
+    return (isRightToLeft() ? "\u200E" : "") + std::string(sign);
+}
 std::string signText(std::int64_t number) {
-    return number < 0 ? "−" : "+";
+    return signText(number < 0 ? "−" : "+");
 }
 
 WorldClock clockOf(const WorldLocation& location) {
@@ -70,7 +75,8 @@ std::string dayDifferenceText(int days) {
 
 std::string offsetText(std::int32_t seconds) {
     const std::int32_t minutes = std::abs(seconds) / 60;
-    std::string text = (minutes == 0 ? "±" : signText(seconds)) + std::to_string(minutes / 60);
+    std::string text =
+        (minutes == 0 ? signText("±") : signText(seconds)) + std::to_string(minutes / 60);
     if (const std::string rest = std::to_string(minutes % 60); rest != "0")
         text += (rest.size() == 1 ? ":0" : ":") + rest;
     return fill(tr("%1 h"), {text});

@@ -51,7 +51,7 @@ TEST(ExtraVerbs, TurnTheClockOnAndOffInTheRealBar) {
          {"test -d " + copy, ""},
          {"halvexctl extras | head -n 1",
           "1\tHalvexTimeMenu\t" + clock + "\tshipped 1.0.0\tinstalled 1.0.0\tloaded\n"},
-         {"halvexctl menubar click " + clock + " --modifiers shift,option --button 1", "menu\n"},
+         {"halvexctl menubar click " + clock + " --modifiers shift,option --button 1", "handled\n"},
          {"halvexctl menubar click no.such.item", "", 1, "no.such.item: the menu extra"},
          {"halvexctl menubar snapshot bar.png && head -c 4 bar.png | tail -c 3", "PNG"},
          {"halvexctl pro remove && " + list, ""},

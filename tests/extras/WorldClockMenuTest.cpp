@@ -94,12 +94,14 @@ TEST_F(WorldClockMenu, StaysShortWithManyLocations) {
     writeLocations(records);
     start();
     openMenu(kSunday);
-    EXPECT_LT(extra->menu()->items().size(), 35U);
+    EXPECT_LT(extra->menu()->items().size(), 25U);
     const auto& groups = item("More Locations")->submenu()->items();
     ASSERT_EQ(groups.size(), 16U);
-    EXPECT_EQ(groups.front()->title(), "City 21 – City 45");
-    EXPECT_EQ(groups.back()->title(), "City 396 – City 400");
-    EXPECT_EQ(entry("City 20"), "+1  07:41, +9 h");
+    EXPECT_EQ(groups.front()->title(), "City 13 – City 37");
+    EXPECT_EQ(groups.back()->title(), "City 388 – City 400");
+    EXPECT_EQ(entry("City 12"), "+1  07:41, +9 h");
+    EXPECT_EQ(entry("City 400"), ", ") << "not yet";
+    timers.advance({});
     EXPECT_EQ(entry("City 400"), "+1  07:41, +9 h");
 }
 
@@ -119,11 +121,14 @@ TEST_F(WorldClockMenu, EditsTheList) {
     EXPECT_TRUE(
         loop.runUntil([&] { return entry("Oslo") == "23:41, +1 h"; }, std::chrono::seconds(5)));
 
+    timers.advance({});
     EXPECT_TRUE(item(*item("Show in the Bar")->submenu(), "Oslo")->perform());
     EXPECT_TRUE(becomes("22:41   Oslo 23:41"));
+    timers.advance({});
     EXPECT_EQ(item(*item("Show in the Bar")->submenu(), "Oslo")->state(), MenuItem::State::On);
     EXPECT_TRUE(item(*item("Remove")->submenu(), "Oslo")->perform());
     EXPECT_TRUE(becomes("22:41"));
+    timers.advance({});
     EXPECT_TRUE(item("Remove")->isHidden());
 }
 
