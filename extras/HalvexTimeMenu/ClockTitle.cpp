@@ -15,6 +15,8 @@ namespace clock_format = extras::clock_format;
 namespace {
 
 constexpr const char* kLocationGap = "   ";
+constexpr const char* kRightToLeft = "\u2067"; // the parts of what follows, up to the end
+constexpr const char* kEndOfDirection = "\u2069";
 
 std::string barFormat(const WorldClock& clock) {
     return clock.barFormat.empty() ? clock_format::time() : clock.barFormat;
@@ -65,11 +67,13 @@ std::string ClockTitle::timeText(std::int64_t now) const {
 }
 
 std::string ClockTitle::text(std::int64_t now) const {
-    std::string title = timeText(now);
+    const std::string local = timeText(now);
+    std::string title = local;
     for (const WorldClock& clock : locations_)
         if (const auto time = timeIn(clock, now))
             title += kLocationGap + (clock.barFormat.empty() ? clock.name + ' ' + *time : *time);
-    return title;
+    const bool isMirrored = extras::isRightToLeft() && title != local;
+    return isMirrored ? kRightToLeft + title + kEndOfDirection : title;
 }
 
 std::vector<TitleColumn> ClockTitle::columns(std::int64_t now) const {
