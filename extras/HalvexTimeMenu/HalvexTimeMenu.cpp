@@ -7,6 +7,7 @@
 #include "extras/clock/WorldClocks.h"
 #include "extras/shared/Texts.h"
 #include "menubar/ItemPreferences.h"
+#include "platform/EventSource.h"
 #include "platform/Log.h"
 #include "platform/Pasteboard.h"
 #include "platform/Timers.h"
@@ -29,6 +30,8 @@ namespace {
 constexpr const char* kFormatKey = "Format";
 constexpr const char* kTwoLinesKey = "TwoLines";
 constexpr const char* kDateFormatKey = "DateFormat";
+
+constexpr std::int32_t kMiddleButton = 2;
 
 /// The product's clock, with the user's locations. docs/preferences.md lists its preferences.
 class HalvexTimeMenu final : public ClockItem {
@@ -64,7 +67,10 @@ class HalvexTimeMenu final : public ClockItem {
         ClockItem::willUnload();
     }
 
+    /// Some window managers handle clicks with Alt, so a middle click does the same.
     bool clicked() override {
+        if (eventSource().currentEvent().buttonNumber == kMiddleButton)
+            return clickWithAltKey();
         setShowsUTC(false);
         return false;
     }

@@ -63,8 +63,9 @@ class ShippedClock : public testing::Test {
         clock.seconds = time;
         extra->menuWillOpen();
     }
-    void click(std::uint32_t flags) {
-        extra->view()->mouseDown({.modifierFlags = flags, .clickCount = 1});
+    void click(std::uint32_t flags, std::int32_t button = 0) {
+        events.event = {.modifierFlags = flags, .clickCount = 1, .buttonNumber = button};
+        extra->view()->mouseDown(events.event);
     }
     /// Returns the first entry with this title in the menu or its submenus, or null.
     static std::shared_ptr<platform::MenuItem> item(const platform::Menu& menu,
@@ -99,6 +100,7 @@ class ShippedClock : public testing::Test {
     RecordingHost host;
     RecordingGraphics graphics;
     RecordingPasteboard pasteboard;
+    FixedEvents events;
     PollingMainThread loop;
     ManualClock clock;
     halvextest::ManualTimers timers;
