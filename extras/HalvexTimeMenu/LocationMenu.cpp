@@ -35,7 +35,7 @@ std::array<Region, 9> regions() {
              {"Pacific/", tr("Pacific Ocean")}}};
 }
 
-/// Makes @p items the submenu of @p entry, which is hidden if there are none.
+/// Makes @p items the submenu of @p entry, and hides the entry if there are none.
 void setItems(MenuItem& entry, const Items& items) {
     const auto submenu = std::make_shared<Menu>();
     appendGrouped(*submenu, items);
@@ -52,16 +52,20 @@ void toggleInBar(const WorldLocation& location) {
 } // namespace
 
 LocationMenu::LocationMenu(Menu& menu, std::weak_ptr<MenuTarget> target)
-    : target_(std::move(target)), inBar_(std::make_shared<MenuItem>(tr("Show in the Bar"))),
-      add_(std::make_shared<MenuItem>(tr("Add"))),
+    : target_(std::move(target)), entry_(std::make_shared<MenuItem>("")),
+      inBar_(std::make_shared<MenuItem>(tr("Show in the Bar"))),
       remove_(std::make_shared<MenuItem>(tr("Remove"))) {
-    const auto submenu = std::make_shared<Menu>();
-    for (const auto& entry : {inBar_, add_, remove_})
-        submenu->addItem(entry);
-    menu.addItem(std::make_shared<MenuItem>(tr("Edit Locations"))).setSubmenu(submenu);
+    const auto add = std::make_shared<MenuItem>(tr("Add"));
+    add->setSubmenu(cities_);
+    for (const auto& entry : {inBar_, add, remove_})
+        edit_->addItem(entry);
+    menu.addItem(entry_);
 }
 
 void LocationMenu::setClocks(extras::WorldClocks& clocks) {
+    const bool isEmpty = clocks.records().empty();
+    entry_->setTitle(isEmpty ? tr("Add Location") : tr("Edit Locations"));
+    entry_->setSubmenu(isEmpty ? cities_ : edit_);
     timer_ = timers().after({}, {}, [this, &clocks] {
         showInBar(clocks.records());
         showRemovable(clocks.records());
@@ -92,7 +96,6 @@ void LocationMenu::showRemovable(const std::vector<WorldLocation>& records) {
 
 void LocationMenu::showCities() {
     const std::vector<WorldLocation> cities = locations::knownLocations();
-    const auto submenu = std::make_shared<Menu>();
     for (const auto& [prefix, name] : regions()) {
         Items items;
         for (const WorldLocation& city : cities) {
@@ -102,8 +105,6 @@ void LocationMenu::showCities() {
                 city.city(), [city](MenuItem&) { locations::add(city); }, target_));
             items.back()->setTrailingText(city.country());
         }
-        setItems(submenu->addItem(std::make_shared<MenuItem>(name)), items);
+        setItems(cities_->addItem(std::make_shared<MenuItem>(name)), items);
     }
-    add_->setSubmenu(submenu);
-    add_->setHidden(cities.empty());
 }

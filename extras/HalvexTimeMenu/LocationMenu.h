@@ -8,7 +8,8 @@
 #include <vector>
 
 /// The submenu with which users change their list of locations: which of them are in the bar, and
-/// cities to add and to remove. Main thread only.
+/// cities to add and to remove. While the list is empty, contains the cities to add. Main thread
+/// only.
 class LocationMenu {
   public:
     /// Appends the entry with the submenu to @p menu. Actions have @p target.
@@ -24,9 +25,11 @@ class LocationMenu {
     void showRemovable(const std::vector<paths::WorldLocation>& locations);
 
     const std::weak_ptr<platform::MenuTarget> target_;
-    std::shared_ptr<platform::MenuItem> inBar_;
-    std::shared_ptr<platform::MenuItem> add_;
-    std::shared_ptr<platform::MenuItem> remove_;
+    const std::shared_ptr<platform::MenuItem> entry_;
+    const std::shared_ptr<platform::Menu> edit_ = std::make_shared<platform::Menu>();
+    const std::shared_ptr<platform::Menu> cities_ = std::make_shared<platform::Menu>();
+    const std::shared_ptr<platform::MenuItem> inBar_; ///< in edit_, as the next one
+    const std::shared_ptr<platform::MenuItem> remove_;
     std::unique_ptr<platform::Watch> timer_;
     bool hasCities_ = false;
 };
