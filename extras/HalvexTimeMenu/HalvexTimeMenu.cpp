@@ -14,6 +14,7 @@
 #include "platform/widgets/MenuExtraPlugIn.h"
 #include "prefs/HalvexPrefsTools.h"
 
+#include <map>
 #include <memory>
 #include <optional>
 #include <string>
@@ -146,7 +147,7 @@ class HalvexTimeMenu final : public ClockItem {
         if (isMenuOpen())
             showLocations();
         title_.setLocations(worldClocks_->list());
-        reloadFormat();
+        refresh();
     }
 
     void setShowsUTC(bool shows) {
@@ -166,10 +167,13 @@ class HalvexTimeMenu final : public ClockItem {
 
     std::string usableFormat(const char* key, const std::string& fallback) {
         const std::string format = settings_.string(key, fallback);
-        if (clock_format::isUsable(format))
+        if (clock_format::isUsable(format)) {
+            refusedFormats_.erase(key);
             return clock_format::expanded(format);
-        logLine("cannot use the clock format in %@: MenuClock%@ is not a usable format",
-                settings_.file(), key);
+        }
+        if (std::exchange(refusedFormats_[key], format) != format)
+            logLine("cannot use the clock format in %@: MenuClock%@ is not a usable format",
+                    settings_.file(), key);
         return clock_format::expanded(fallback);
     }
 
@@ -200,6 +204,7 @@ class HalvexTimeMenu final : public ClockItem {
 
     Preferences settings_;
     std::unique_ptr<Watch> settingsWatch_;
+    std::map<std::string, std::string> refusedFormats_; // by key, logged
     std::unique_ptr<Watch> startTimer_;
     std::optional<extras::WorldClocks> worldClocks_; // until the item is unloaded, as the menus
     ClockTitle title_;

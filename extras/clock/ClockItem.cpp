@@ -30,6 +30,10 @@ std::shared_ptr<MenuExtra> ClockItem::initWithBundle(std::shared_ptr<Bundle> bun
 
 void ClockItem::reloadFormat() {
     format_ = clock_format::expanded(preferredFormat());
+    refresh();
+}
+
+void ClockItem::refresh() {
     scheduleTicks();
     updateTexts();
 }
@@ -63,8 +67,7 @@ void ClockItem::updateMenu(std::int64_t now) {
 
 void ClockItem::menuWillOpen() {
     menuOpen_ = true;
-    scheduleTicks();
-    updateTexts();
+    refresh();
 }
 
 void ClockItem::menuDidClose() {

@@ -34,7 +34,8 @@ class ClockItem : public HalvexMenuExtraBase {
 
     /// Reads the preferred format again and updates the title.
     void reloadFormat();
-    const std::string& format() const { return format_; }
+    /// Updates the title and the menu, and follows a change of titleShowsSeconds.
+    void refresh();
     bool isMenuOpen() const { return menuOpen_; }
 
   private:

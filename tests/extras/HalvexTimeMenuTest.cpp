@@ -55,6 +55,27 @@ TEST_F(HalvexTimeMenu, ReloadsItsFormatWhenThePreferencesFileChanges) {
     }
 }
 
+TEST_F(HalvexTimeMenu, LogsAnUnusableFormatOnceUntilItChanges) {
+    const std::string blank = "<key>MenuClockFormat</key><string> </string>";
+    const std::string twoLines = "<key>MenuClockTwoLines</key><true/>";
+    const std::string line = "MenuClockFormat is not a usable format";
+    writePreferences(blank);
+    start();
+    EXPECT_TRUE(log.contains(line));
+    log.take();
+    writePreferences(blank + twoLines + "<key>MenuClockDateFormat</key><string>%Y</string>");
+    EXPECT_TRUE(becomes("2026 22:41"));
+    EXPECT_FALSE(log.contains(line));
+    writePreferences(blank + twoLines + "<key>MenuClockDateFormat</key><string> </string>");
+    EXPECT_TRUE(becomes("Sun Nov 22 22:41"));
+    EXPECT_TRUE(log.contains("MenuClockDateFormat is not a usable format"));
+    setFormat("%Y");
+    EXPECT_TRUE(becomes("2026"));
+    writePreferences(blank);
+    EXPECT_TRUE(becomes("Sun Nov 22 22:41"));
+    EXPECT_TRUE(log.contains(line));
+}
+
 TEST_F(HalvexTimeMenu, ShowsDateAndTimeInItsMenuAndCopiesTheOneChosen) {
     start();
     extra->menuWillOpen();
