@@ -63,6 +63,8 @@ ReadFileResult readWholeFile(const FileManager& files, const std::string& path,
 } // namespace
 
 InputFile::~InputFile() = default;
+
+HeldFileLock::~HeldFileLock() = default;
 FileManager::~FileManager() = default;
 
 bool FileManager::isDirectory(const std::string& path) const {

@@ -39,6 +39,19 @@ struct ReadFileResult {
     explicit operator bool() const { return contents.has_value(); }
 };
 
+/// A lock on a file. Destroying it releases the lock, and so does the end of the process.
+class HeldFileLock : NonCopyable {
+  public:
+    virtual ~HeldFileLock();
+};
+
+struct LockFileResult {
+    std::unique_ptr<HeldFileLock> lock; ///< null if the file could not be locked
+    bool isBusy = false;                ///< another lock is held on the file
+    std::string reason;                 ///< user-visible cause if @p lock is null
+    explicit operator bool() const { return lock != nullptr; }
+};
+
 /// The result of FileManager::replaceItem.
 enum class Replacement {
     Replaced,
@@ -139,6 +152,12 @@ class FileManager : NonCopyable {
     /// unchanged and @p to is absent. If the process is killed after copying, both exist; the next
     /// move finds that @p to has the same contents and modification time, and removes @p from.
     virtual bool moveFile(const std::string& from, const std::string& to) = 0;
+
+    // Locking
+
+    /// Excludes other processes, and other objects in this one, that lock the same file. Does not
+    /// wait. Creates the file if necessary; it remains, and its contents are unchanged.
+    virtual LockFileResult lockFile(const std::string& path) = 0;
 
     // Watching
 

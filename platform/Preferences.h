@@ -49,6 +49,9 @@ class PreferencesDomain : NonCopyable {
     virtual std::shared_ptr<const PropertyList::Dictionary> values() = 0;
     /// See Preferences::write.
     virtual bool write(const PreferenceChanges& changes) = 0;
+    /// Same for changes that depend on the values: @p change is called with the values in the file
+    /// while this program has the file locked. It is not called if the file cannot be read.
+    virtual bool update(const std::function<void(PropertyList::Dictionary& values)>& change) = 0;
     /// See Preferences::onChange.
     virtual std::unique_ptr<Watch> onChange(Handler handler) = 0;
 

@@ -5,6 +5,7 @@
 
 #include <functional>
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -21,6 +22,12 @@ struct UserNotificationAction {
 /// is among the actions; some desktops show its label.
 inline constexpr const char* kDefaultAction = "default";
 
+/// What has become of a notification.
+enum class UserNotificationEvent {
+    Shown,  ///< the desktop has accepted it
+    Closed, ///< the user or the desktop has closed it, or it could not be shown
+};
+
 /// A message that the desktop shows to the user.
 struct UserNotification {
     /// Names the notification, so that it can be replaced and withdrawn; empty if it never is.
@@ -30,6 +37,10 @@ struct UserNotification {
     std::string body{};  ///< plain text; markup is shown literally
     std::string icon{};  ///< a name in the icon theme or an absolute path; empty for none
     std::vector<UserNotificationAction> actions{};
+    /// The sound to play: a name of the sound naming specification, such as "alarm-clock-elapsed",
+    /// or the absolute path of a file. Empty for no sound, std::nullopt for what the desktop plays.
+    std::optional<std::string> sound{};
+    bool staysVisible = false; ///< shown until the user closes it, if the desktop can do that
     /// The object that the handler belongs to, held weakly: the handler is not called after its
     /// destruction, or if this is null. It is kept alive while the handler runs.
     std::weak_ptr<const void> observer{};
@@ -37,6 +48,9 @@ struct UserNotification {
     /// from it are logged with the owner's identifier and swallowed. Its code must stay loaded
     /// until removeExpired has been called.
     std::function<void(const std::string& action)> handler{};
+    /// Like handler, but called for the events of the notification, never from within an operation.
+    /// Closed is not reported for a notification that the owner replaces or withdraws.
+    std::function<void(UserNotificationEvent event)> eventHandler{};
 };
 
 /// Shows notifications on the desktop. Main thread only; needs a running main loop.

@@ -48,6 +48,19 @@ class ManualPreferences final : public platform::PreferencesService {
             handlers_.call(keys);
             return true;
         }
+        bool
+        update(const std::function<void(platform::PropertyList::Dictionary&)>& change) override {
+            platform::PropertyList::Dictionary values = values_;
+            change(values);
+            platform::PreferenceChanges changes;
+            for (const auto& [key, value] : values_)
+                if (!values.find(key))
+                    changes.remove(key);
+            for (const auto& [key, value] : values)
+                if (const auto* old = values_.find(key); !old || *old != value)
+                    changes.set(key, value);
+            return changes.list().empty() || write(changes);
+        }
         std::unique_ptr<platform::Watch> onChange(Handler handler) override {
             return handlers_.add(std::move(handler));
         }

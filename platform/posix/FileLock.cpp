@@ -12,7 +12,6 @@ namespace {
 
 using Clock = std::chrono::steady_clock;
 
-constexpr std::chrono::seconds kPatience{1};
 constexpr std::chrono::milliseconds kInterval{1};
 
 // The bytes of the file that are locked. The owner of kNext is the next to get kLock. Without it,
@@ -32,7 +31,7 @@ int change(int file, short type, Byte byte) {
 int lock(int file, Byte byte, Clock::time_point end) {
     for (;;) {
         const int error = change(file, F_WRLCK, byte);
-        if ((error != EAGAIN && error != EACCES) || Clock::now() > end)
+        if ((error != EAGAIN && error != EACCES) || Clock::now() >= end)
             return error;
         std::this_thread::sleep_for(kInterval);
     }
@@ -40,11 +39,11 @@ int lock(int file, Byte byte, Clock::time_point end) {
 
 } // namespace
 
-FileLock::FileLock(const std::string& path)
+FileLock::FileLock(const std::string& path, std::chrono::milliseconds patience)
     : file_(retryInterrupted([&] {
           return ::open(path.c_str(), O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK, 0600);
       })) {
-    const auto end = Clock::now() + kPatience;
+    const auto end = Clock::now() + patience;
     error_ = file_ ? lock(file_.get(), kNext, end) : errno;
     if (error_ == 0)
         error_ = lock(file_.get(), kLock, end);

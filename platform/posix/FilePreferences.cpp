@@ -100,6 +100,7 @@ class FilePreferencesDomain final : public PreferencesDomain,
     std::string file() const override { return file_; }
     std::shared_ptr<const Dictionary> values() override;
     bool write(const PreferenceChanges& changes) override;
+    bool update(const std::function<void(Dictionary&)>& change) override;
     std::unique_ptr<Watch> onChange(Handler handler) override;
 
   private:
@@ -107,7 +108,7 @@ class FilePreferencesDomain final : public PreferencesDomain,
 
     bool isCurrent(const FileState& now) const;
     Dictionary read(const FileState& state);
-    bool change(const PreferenceChanges& changes);
+    bool changeLocked(const std::function<void(Dictionary&)>& change);
     std::optional<Dictionary> valuesToChange();
     std::string setAside() const;
     bool startWatching();
@@ -155,6 +156,17 @@ bool FilePreferencesDomain::writeFailed(std::string_view reason) const {
 }
 
 bool FilePreferencesDomain::write(const PreferenceChanges& changes) {
+    return update([&](Dictionary& values) {
+        for (const auto& [key, value] : changes.list()) {
+            if (value)
+                values.set(key, *value);
+            else
+                values.erase(key);
+        }
+    });
+}
+
+bool FilePreferencesDomain::update(const std::function<void(Dictionary&)>& change) {
     return guardedStep([&] {
         const std::string folder = deletingLastPathComponent(file_);
         if (!fileManager().fileExists(folder)) {
@@ -165,21 +177,16 @@ bool FilePreferencesDomain::write(const PreferenceChanges& changes) {
         if (lock.error() != 0)
             return writeFailed(lock.error() == EAGAIN ? "another program has locked the file"
                                                       : std::strerror(lock.error()));
-        return change(changes);
+        return changeLocked(change);
     });
 }
 
-bool FilePreferencesDomain::change(const PreferenceChanges& changes) {
+bool FilePreferencesDomain::changeLocked(const std::function<void(Dictionary&)>& change) {
     const auto old = valuesToChange();
     if (!old)
         return false;
     Dictionary values = *old;
-    for (const auto& [key, value] : changes.list()) {
-        if (value)
-            values.set(key, *value);
-        else
-            values.erase(key);
-    }
+    change(values);
     if (values == *old)
         return true;
     const auto bytes = propertyLists().serialize(values);

@@ -7,6 +7,7 @@
 #include "platform/posix/AtomicFile.h"
 #include "platform/posix/CopyTree.h"
 #include "platform/posix/Descriptor.h"
+#include "platform/posix/FileLock.h"
 #include "platform/posix/Folder.h"
 #include "platform/posix/InotifyFileWatch.h"
 #include "platform/posix/MoveFile.h"
@@ -25,6 +26,13 @@
 
 namespace platform::posix {
 namespace {
+
+class HeldPosixLock final : public HeldFileLock {
+  public:
+    explicit HeldPosixLock(const std::string& path) : lock(path, std::chrono::seconds(0)) {}
+
+    const FileLock lock;
+};
 
 class PosixInputFile final : public InputFile {
   public:
@@ -239,6 +247,19 @@ bool PosixFileManager::moveFile(const std::string& from, const std::string& to) 
         const auto source = systemPath(from);
         const auto destination = systemPath(to);
         return source && destination && posix::moveFile(*source, *destination);
+    });
+}
+
+LockFileResult PosixFileManager::lockFile(const std::string& path) {
+    return guardedStep([&]() -> LockFileResult {
+        const auto location = systemPath(path);
+        if (!location)
+            return {nullptr, false, std::strerror(EINVAL)};
+        auto held = std::make_unique<HeldPosixLock>(*location);
+        const int error = held->lock.error();
+        if (error != 0)
+            return {nullptr, error == EAGAIN || error == EACCES, std::strerror(error)};
+        return {std::move(held), false, {}};
     });
 }
 

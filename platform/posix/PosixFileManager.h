@@ -29,6 +29,7 @@ class PosixFileManager : public FileManager {
     bool copyItem(const std::string& from, const std::string& to) override;
     Replacement replaceItem(const std::string& from, const std::string& to) override;
     bool moveFile(const std::string& from, const std::string& to) override;
+    LockFileResult lockFile(const std::string& path) override;
     std::unique_ptr<Watch> watchFile(const std::string& path,
                                      std::function<void()> handler) override;
 

@@ -1,6 +1,7 @@
 #include "platform/qt/BusUserNotifications.h"
 
 #include "platform/Log.h"
+#include "platform/posix/StartProgram.h"
 #include "platform/qt/BusCall.h"
 #include "platform/qt/SignalReceiver.h"
 #include "platform/qt/Strings.h"
@@ -55,6 +56,22 @@ bool offers(const UserNotification& notification, const std::string& action) {
            0;
 }
 
+QVariantMap hintsArgument(const UserNotification& notification) {
+    const auto& sound = notification.sound;
+    if (!sound)
+        return {};
+    if (sound->empty())
+        return {{"suppress-sound", true}};
+    return {{sound->starts_with('/') ? "sound-file" : "sound-name", qString(*sound)}};
+}
+
+/// Plays a sound without the notification server, or beeps.
+void play(const std::string& sound) {
+    const std::string option = sound.starts_with('/') ? "--file=" : "--id=";
+    if (posix::startProgram("canberra-gtk-play", {option + sound}) != 0)
+        systemLog().beep();
+}
+
 void logFailure(const UserNotification& notification, const QDBusMessage& reply) {
     const bool isError = reply.type() == QDBusMessage::ErrorMessage;
     logLine("notification \"%@\" not shown: %@", notification.title,
@@ -80,6 +97,13 @@ struct BusUserNotifications::Entry {
     std::uint32_t id = 0; ///< the server's; 0 while the notification is not shown
     bool isSending = false;
     Wanted wanted = Wanted::Show; ///< what to do once sending it has finished
+
+    void report(UserNotificationEvent event) const {
+        const auto observer = notification.observer.lock();
+        // Copied: the handler may replace or withdraw its notification.
+        if (const auto handler = notification.eventHandler; observer && handler)
+            runGuarded(std::string(owner), [&] { handler(event); });
+    }
 };
 
 BusUserNotifications::BusUserNotifications(std::string busAddress)
@@ -117,9 +141,11 @@ void BusUserNotifications::withdraw(std::string_view key) {
 void BusUserNotifications::removeExpired() {
     for (const EntryPointer& entry : std::vector(entries_)) {
         UserNotification& notification = entry->notification;
-        if (!notification.handler || !notification.observer.expired())
+        if (!(notification.handler || notification.eventHandler) ||
+            !notification.observer.expired())
             continue;
         notification.handler = nullptr;
+        notification.eventHandler = nullptr;
         entry->wanted = Entry::Wanted::Close;
         advance(entry);
     }
@@ -171,7 +197,7 @@ void BusUserNotifications::serverReplied(const QDBusMessage& reply) {
     server_.reset();
     for (const EntryPointer& entry : entries) {
         logFailure(entry->notification, reply);
-        erase(entry);
+        eraseClosed(entry);
     }
 }
 
@@ -179,7 +205,9 @@ void BusUserNotifications::serverChanged(bool hadServer) {
     if (!hadServer)
         return;
     server_.reset();
-    std::erase_if(entries_, [](const auto& entry) { return entry->id && !entry->isSending; });
+    for (const EntryPointer& entry : std::vector(entries_))
+        if (entry->id && !entry->isSending)
+            eraseClosed(entry);
     if (!entries_.empty())
         queryServer();
 }
@@ -209,11 +237,12 @@ void BusUserNotifications::send(const EntryPointer& entry) {
     const QStringList& capabilities = server_->capabilities;
     const QString body = qString(notification.body);
     const QStringList actions = actionsArgument(notification.actions);
-    const auto call = serverCall(
-        "Notify", {QCoreApplication::applicationName(), entry->id, iconArgument(notification.icon),
-                   qString(notification.title),
-                   capabilities.contains("body-markup") ? body.toHtmlEscaped() : body,
-                   capabilities.contains("actions") ? actions : QStringList(), QVariantMap(), -1});
+    const auto call =
+        serverCall("Notify", {QCoreApplication::applicationName(), entry->id,
+                              iconArgument(notification.icon), qString(notification.title),
+                              capabilities.contains("body-markup") ? body.toHtmlEscaped() : body,
+                              capabilities.contains("actions") ? actions : QStringList(),
+                              hintsArgument(notification), notification.staysVisible ? 0 : -1});
     entry->isSending = true;
     entry->wanted = Entry::Wanted::Nothing;
     callAsynchronously(bus(), call, [this, weak = std::weak_ptr(entry)](const QDBusMessage& reply) {
@@ -229,13 +258,24 @@ void BusUserNotifications::sent(const EntryPointer& entry, const QDBusMessage& r
     if (!isShown) {
         logFailure(entry->notification, reply);
         if (entry->wanted == Entry::Wanted::Nothing)
-            return erase(entry);
+            return eraseClosed(entry);
+    } else if (entry->wanted == Entry::Wanted::Nothing) {
+        const auto& sound = entry->notification.sound;
+        if (sound && !sound->empty() && server_ && !server_->capabilities.contains("sound"))
+            play(*sound);
+        entry->report(UserNotificationEvent::Shown);
     }
     advance(entry);
 }
 
 void BusUserNotifications::erase(const EntryPointer& entry) {
     std::erase(entries_, EntryPointer(entry)); // a copy: the argument may be the element
+}
+
+void BusUserNotifications::eraseClosed(const EntryPointer& entry) {
+    const EntryPointer closed = entry;
+    erase(closed);
+    closed->report(UserNotificationEvent::Closed);
 }
 
 void BusUserNotifications::receive(const QDBusMessage& signal) {
@@ -247,7 +287,7 @@ void BusUserNotifications::receive(const QDBusMessage& signal) {
     if (signal.member() == "NotificationClosed") {
         entry->id = 0;
         if (!entry->isSending)
-            erase(entry);
+            eraseClosed(entry);
         return;
     }
     const std::string action = signal.arguments().value(1).toString().toStdString();

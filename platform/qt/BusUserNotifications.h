@@ -53,6 +53,7 @@ class BusUserNotifications final : public UserNotifications {
     void send(const EntryPointer& entry);
     void sent(const EntryPointer& entry, const QDBusMessage& reply);
     void erase(const EntryPointer& entry);
+    void eraseClosed(const EntryPointer& entry);
     void receive(const QDBusMessage& signal);
     QDBusConnection bus() const;
 
