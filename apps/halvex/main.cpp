@@ -1,4 +1,5 @@
 #include "apps/halvex/CalculatorWindow.h"
+#include "apps/halvex/KeptWarnings.h"
 #include "apps/support/ProgramAppearance.h"
 #include "apps/support/QuitOnSignals.h"
 #include "apps/support/SessionApplication.h"
@@ -19,8 +20,9 @@ namespace {
 
 constexpr CommandLine kCommandLine{
     R"(Usage: Halvex [--appearance desktop|light|dark]
-Run in the background and show the calculator when a menu extra requests it. If Halvex is already
-running in this session, bring its window to the front instead.
+Run in the background, show the calculator when a menu extra requests it, and ring the warnings that
+are set in the clock. If Halvex is already running in this session, bring its window to the front
+instead. Halvex quits after the last warning unless its window is visible.
 
   --appearance    Use the desktop's colours (the default), or light or dark ones.
   --help          Print this help.
@@ -69,6 +71,7 @@ int runInBackground(const WindowOptions& options) {
     const QuitOnSignals quitOnSignals;
     const ProgramAppearance appearance(options.appearance);
     platform::announceLaunch(kName);
+    const KeptWarnings warnings(calculator);
     return QApplication::exec();
 }
 
