@@ -7,7 +7,6 @@
 #include <algorithm>
 #include <array>
 #include <langinfo.h>
-#include <locale.h>
 #include <utility>
 
 namespace extras::clock_format {
@@ -32,10 +31,14 @@ class UserLocale : platform::NonCopyable {
     locale_t locale_;
 };
 
+} // namespace
+
 locale_t userLocale() {
     static const UserLocale locale;
     return locale.get();
 }
+
+namespace {
 
 std::string_view localeInfo(nl_item item) {
     return nl_langinfo_l(item, userLocale());

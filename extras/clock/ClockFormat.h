@@ -1,6 +1,7 @@
 #pragma once
 
 #include <ctime>
+#include <locale.h>
 #include <string>
 #include <string_view>
 
@@ -39,5 +40,9 @@ bool isUsable(std::string_view format);
 
 /// Formats @p moment. Returns an empty string if the result exceeds 16383 bytes.
 std::string text(std::string format, const std::tm& moment);
+
+/// Returns the locale of the environment, or "C" if that locale is not installed. Valid as long as
+/// the bundle's code is loaded.
+locale_t userLocale();
 
 } // namespace extras::clock_format
