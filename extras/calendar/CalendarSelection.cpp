@@ -40,12 +40,16 @@ void CalendarSelection::goTo(sys_days day, Mode mode) {
         month_ = target - months(visibleMonths_ - 1);
 }
 
+void CalendarSelection::scrollByMonths(int count) {
+    const year_month target = month_ + months(count);
+    if (target >= monthOf(kFirstDay) && target + months(visibleMonths_ - 1) <= monthOf(kLastDay))
+        month_ = target;
+}
+
 void CalendarSelection::moveByMonths(int count) {
-    const sys_days target = addMonths(day_, months(count));
-    if (target < kFirstDay || target > kLastDay)
-        return;
-    month_ += months(count);
-    goTo(target);
+    goTo(day_);
+    scrollByMonths(count);
+    goTo(addMonths(day_, months(count)));
 }
 
 } // namespace extras

@@ -30,6 +30,8 @@ class CalendarSelection {
     void select(std::chrono::sys_days day, Mode mode = Mode::Move);
     /// Selects a day and shows its month, unless it is visible.
     void goTo(std::chrono::sys_days day, Mode mode = Mode::Move);
+    /// Shows other months without changing the selection.
+    void scrollByMonths(int months);
     /// Moves the selected day by @p months, to the last day of the month if that is shorter, and
     /// the visible months with it. A range becomes a single day.
     void moveByMonths(int months);

@@ -1,0 +1,64 @@
+#include "extras/HalvexDateCalMenu/CalendarStyle.h"
+
+#include "platform/Appearance.h"
+
+using namespace platform;
+
+namespace extras {
+namespace {
+
+constexpr const char* kMenuFont = ""; // the family of the menu's font
+
+Color withAlpha(Color color, double alpha) {
+    color.alpha = alpha;
+    return color;
+}
+
+/// Returns black or white, whichever is easier to read on @p background.
+Color textOn(const Color& background) {
+    const double luminance =
+        0.299 * background.red + 0.587 * background.green + 0.114 * background.blue;
+    return calibratedWhite(luminance > 0.6 ? 0 : 1);
+}
+
+Color accentColor(bool isDark) {
+    const Color fallback = isDark ? Color{0.36, 0.61, 0.98} : Color{0.13, 0.42, 0.86};
+    return inCalibratedRGB(appearance().accentColor().value_or(fallback)).value_or(fallback);
+}
+
+void setFonts(CalendarStyle& style) {
+    style.heading = {kMenuFont, 15, true};
+    style.weekday = {kMenuFont, 11, false};
+    style.day = {kMenuFont, 13, false};
+    style.todayDay = {kMenuFont, 13, true};
+    style.weekNumber = {kMenuFont, 10, false};
+    style.title = {kMenuFont, 13, true};
+    style.details = {kMenuFont, 12, false};
+}
+
+} // namespace
+
+CalendarStyle currentCalendarStyle() {
+    const bool isDark = appearance().isDark();
+    const bool isStrong = appearance().prefersHighContrast();
+    const auto ink = [isDark](double alpha) { return calibratedWhite(isDark ? 1 : 0, alpha); };
+    const Color accent = accentColor(isDark);
+
+    CalendarStyle style;
+    style.text = ink(isStrong ? 1 : 0.88);
+    style.secondaryText = ink(isStrong ? 0.9 : 0.6);
+    style.weekendText = ink(isStrong ? 0.9 : 0.62);
+    style.dimmedText = ink(isStrong ? 0.7 : isDark ? 0.34 : 0.32);
+    style.separator = ink(isStrong ? 0.6 : 0.1);
+    style.hover = ink(isStrong ? 0.2 : 0.08);
+    style.today = accent;
+    style.todayText = textOn(accent);
+    style.selection = withAlpha(accent, isDark ? 0.28 : 0.15);
+    style.selectionEdge = isStrong ? style.text : accent;
+    style.event = accent;
+    style.holiday = isDark ? Color{1, 0.45, 0.42} : Color{0.8, 0.16, 0.16};
+    setFonts(style);
+    return style;
+}
+
+} // namespace extras

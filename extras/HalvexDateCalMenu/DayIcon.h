@@ -1,0 +1,14 @@
+#pragma once
+
+#include "platform/values/Image.h"
+
+#include <memory>
+
+namespace extras {
+
+/// Draws a page of a calendar with @p day, from 1 to 31, cut out of it. All straight edges are at
+/// even points, so that they are sharp at 1, 1.5 and 2 pixels per point. Returns a template image.
+/// Main thread only.
+std::shared_ptr<platform::Image> dayIcon(int day);
+
+} // namespace extras
