@@ -2,6 +2,8 @@
 
 #include "platform/Appearance.h"
 
+#include <cmath>
+
 using namespace platform;
 
 namespace extras {
@@ -14,15 +16,20 @@ Color withAlpha(Color color, double alpha) {
     return color;
 }
 
-/// Returns black or white, whichever is easier to read on @p background.
+/// Returns a component's share of light, from 0 to 1.
+double linear(double component) {
+    return component <= 0.04 ? component / 12.92 : std::pow((component + 0.055) / 1.055, 2.4);
+}
+
+/// Returns the colour of text on @p background: white if it has a contrast of 3:1, else black.
 Color textOn(const Color& background) {
-    const double luminance =
-        0.299 * background.red + 0.587 * background.green + 0.114 * background.blue;
-    return calibratedWhite(luminance > 0.6 ? 0 : 1);
+    const double luminance = 0.2126 * linear(background.red) + 0.7152 * linear(background.green) +
+                             0.0722 * linear(background.blue);
+    return calibratedWhite(luminance > 0.3 ? 0 : 1);
 }
 
 Color accentColor(bool isDark) {
-    const Color fallback = isDark ? Color{0.36, 0.61, 0.98} : Color{0.13, 0.42, 0.86};
+    const Color fallback = isDark ? Color{0.27, 0.54, 0.97} : Color{0.13, 0.42, 0.86};
     return inCalibratedRGB(appearance().accentColor().value_or(fallback)).value_or(fallback);
 }
 

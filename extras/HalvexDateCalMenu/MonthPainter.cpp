@@ -15,7 +15,9 @@ namespace extras {
 namespace {
 
 // All in points.
-constexpr double kDisc = 28; // behind a selected day
+constexpr double kDisc = 28;   // behind a selected day
+constexpr double kRing = 1.5;  // around the selected day
+constexpr double kRingGap = 2; // from today's disc to the middle of the ring
 constexpr double kDot = 4;
 constexpr double kDotGap = 2;
 constexpr double kDotBottom = 4; // from the bottom of a cell
@@ -206,12 +208,12 @@ void MonthPainter::drawDayMarks(sys_days day, const Rect& disc) const {
     const bool isSelected = day == picture_.selection.day();
     const bool isToday = day == picture_.today;
     if (isToday)
-        fill(rounded(isSelected ? inset(disc, 2.5) : disc), style_.today);
+        fill(rounded(disc), style_.today);
     else if (isSelected && !picture_.selection.isRange())
         fill(rounded(disc), style_.selection);
     if (isSelected)
-        context_.strokePath(rounded(inset(disc, 0.75)), {.width = 1.5}, style_.selectionEdge,
-                            CompositingOperation::SourceOver);
+        context_.strokePath(rounded(inset(disc, isToday ? -kRingGap : kRing / 2)), {.width = kRing},
+                            style_.selectionEdge, CompositingOperation::SourceOver);
 }
 
 void MonthPainter::drawDots(sys_days day, const Rect& cell) const {

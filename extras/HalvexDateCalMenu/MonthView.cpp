@@ -22,19 +22,6 @@ bool hasModifier(std::uint32_t flags, std::uint32_t mask) {
     return (flags & mask) != 0;
 }
 
-/// Returns how many lines the events of the day with most of them need.
-int neededLines(const std::vector<CalendarEvent>& events) {
-    int lines = 0;
-    for (auto event = events.begin(); event != events.end();) {
-        const auto next = std::find_if(event, events.end(), [&](const CalendarEvent& other) {
-            return other.day != event->day;
-        });
-        lines = std::max(lines, static_cast<int>(next - event));
-        event = next;
-    }
-    return std::min(lines, kMaximumEventLines);
-}
-
 } // namespace
 
 MonthView::MonthView(Actions actions)
@@ -92,8 +79,6 @@ void MonthView::showMonths() {
                                       settings_.rules.numbering.firstWeekday);
     picture_.events =
         actions_.events(picture_.layouts.front().first(), picture_.layouts.back().last());
-    // The view never shrinks under the pointer.
-    resize(std::max(picture_.geometry.options().eventLines, neededLines(picture_.events)));
     setNeedsDisplay(true);
 }
 
@@ -101,6 +86,9 @@ void MonthView::updateDetails() {
     const DayRange range = picture_.selection.range();
     picture_.details = describe(picture_.selection, picture_.today, picture_.rules,
                                 picture_.weekNumbers, actions_.events(range.first, range.last));
+    const auto lines = static_cast<int>(picture_.details.events.size());
+    // The view never shrinks under the pointer.
+    resize(std::max(picture_.geometry.options().eventLines, std::min(lines, kMaximumEventLines)));
     setNeedsDisplay(true);
 }
 
