@@ -20,10 +20,12 @@ constexpr std::array<std::string_view, 7> kWeekdays{"sunday",   "monday", "tuesd
                                                     "thursday", "friday", "saturday"};
 
 /// Returns the value of a choice, or std::nullopt if it is not in the table.
-template <class Table>
-auto find(const Table& table, std::string_view name) {
+template <class Table, class Value = typename Table::value_type::second_type>
+std::optional<Value> find(const Table& table, std::string_view name) {
     const auto entry = std::ranges::find(table, name, &Table::value_type::first);
-    return entry == table.end() ? std::nullopt : std::optional(entry->second);
+    if (entry == table.end())
+        return std::nullopt;
+    return std::optional<Value>(std::in_place, entry->second);
 }
 
 std::optional<weekday> weekdayNamed(std::string_view name) {

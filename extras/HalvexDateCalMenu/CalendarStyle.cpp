@@ -55,7 +55,7 @@ CalendarStyle currentCalendarStyle() {
     style.text = ink(isStrong ? 1 : 0.88);
     style.secondaryText = ink(isStrong ? 0.9 : 0.6);
     style.weekendText = ink(isStrong ? 0.9 : 0.62);
-    style.dimmedText = ink(isStrong ? 0.7 : isDark ? 0.34 : 0.32);
+    style.dimmedText = ink(isStrong ? 0.58 : isDark ? 0.34 : 0.32);
     style.separator = ink(isStrong ? 0.6 : 0.1);
     style.hover = ink(isStrong ? 0.2 : 0.08);
     style.today = accent;

@@ -125,11 +125,11 @@ class HalvexDateCalMenu final : public HalvexMenuExtraBase {
                                   settings_.title != extras::CalendarSettings::Title::Icon;
         ticks_ = systemClock().tick(showsSeconds ? TickInterval::Second : TickInterval::Minute,
                                     [this] { update(); });
-        iconDay_ = 0;
         update();
         month_->configure({.rules = settings_.rules,
                            .weekNumbers = settings_.weekNumbers,
-                           .months = settings_.months});
+                           .months = settings_.months,
+                           .rightToLeft = extras::isRightToLeft()});
         month_->reset(today_);
     }
 

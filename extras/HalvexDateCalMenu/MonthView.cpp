@@ -1,7 +1,6 @@
 #include "extras/HalvexDateCalMenu/MonthView.h"
 
 #include "extras/calendar/CalendarTexts.h"
-#include "extras/shared/Texts.h"
 #include "platform/Graphics.h"
 
 #include <algorithm>
@@ -64,7 +63,7 @@ void MonthView::updateStyle() {
 void MonthView::resize(int eventLines) {
     const MonthGeometry::Options options{.months = settings_.months,
                                          .weekNumbers = settings_.weekNumbers.has_value(),
-                                         .rightToLeft = isRightToLeft(),
+                                         .rightToLeft = settings_.rightToLeft,
                                          .eventLines = eventLines};
     if (options == picture_.geometry.options() && frame().size.width > 0)
         return;
@@ -214,7 +213,7 @@ bool MonthView::copies(const KeyEvent& event) {
 }
 
 bool MonthView::moveDay(Key key, Mode mode) {
-    const int forward = isRightToLeft() ? -1 : 1;
+    const int forward = settings_.rightToLeft ? -1 : 1;
     const std::array<std::pair<Key, int>, 4> steps{
         {{Key::Left, -forward}, {Key::Right, forward}, {Key::Up, -7}, {Key::Down, 7}}};
     for (const auto& [arrow, count] : steps)

@@ -20,9 +20,10 @@ namespace extras {
 class MonthView final : public platform::MenuExtraView {
   public:
     struct Settings {
-        WeekRules rules;
-        std::optional<WeekNumbering> weekNumbers; ///< std::nullopt hides them
-        int months = 1;                           ///< side by side
+        WeekRules rules{};
+        std::optional<WeekNumbering> weekNumbers{}; ///< std::nullopt hides them
+        int months = 1;                             ///< side by side
+        bool rightToLeft = false;
     };
     struct Actions {
         EventsBetween events;

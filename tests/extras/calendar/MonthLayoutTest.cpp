@@ -1,0 +1,144 @@
+#include "extras/calendar/MonthLayout.h"
+#include "extras/calendar/CalendarTexts.h"
+#include "extras/calendar/DayRange.h"
+#include "extras/calendar/WeekRules.h"
+#include "tests/extras/calendar/UserLocale.h"
+
+#include <gtest/gtest.h>
+
+#include <array>
+#include <cstdio>
+#include <memory>
+#include <sstream>
+
+using namespace extras;
+using namespace std::chrono;
+
+namespace {
+
+TEST(MonthLayout, AgreesWithPythonFrom1900To2100ForEveryWeekRule) {
+    const std::unique_ptr<FILE, int (*)(FILE*)> table(popen("python3 " HALVEX_MONTH_LAYOUTS, "r"),
+                                                      pclose); // NOLINT: not the user's input
+    ASSERT_TRUE(table);
+    int lines = 0;
+    std::array<char, 256> buffer{};
+    while (fgets(buffer.data(), buffer.size(), table.get())) {
+        std::istringstream line(buffer.data());
+        unsigned first = 0, minimalDays = 0, monthNumber = 0;
+        int yearNumber = 0, firstDay = 0;
+        line >> first >> minimalDays >> yearNumber >> monthNumber >> firstDay;
+        const WeekNumbering numbering{weekday(first), minimalDays};
+        const MonthLayout layout(year(yearNumber) / month(monthNumber), numbering.firstWeekday);
+        ASSERT_EQ(layout.first().time_since_epoch().count(), firstDay) << buffer.data();
+        int weeks = 0;
+        for (int number = 0; line >> number; ++weeks)
+            ASSERT_EQ(weekNumberOfRow(layout.day(weeks * 7), numbering), number)
+                << buffer.data() << "row " << weeks;
+        const sys_days last = layout.month() / std::chrono::last;
+        ASSERT_EQ(layout.cellOf(last).value_or(-7) / 7 + 1, weeks) << buffer.data();
+        ++lines;
+    }
+    EXPECT_EQ(lines, 7 * 3 * 201 * 12);
+}
+
+TEST(MonthLayout, ContainsTheNeighbouringDaysAndNoOthers) {
+    const MonthLayout layout(year(2026) / November, Monday);
+    const std::tuple<sys_days, int, bool> cases[] = {{year(2026) / 10 / 26, 0, false},
+                                                     {year(2026) / 10 / 31, 5, false},
+                                                     {year(2026) / 11 / 1, 6, true},
+                                                     {year(2026) / 11 / 30, 35, true},
+                                                     {year(2026) / 12 / 6, 41, false}};
+    for (const auto& [day, cell, isInMonth] : cases) {
+        EXPECT_EQ(layout.cellOf(day), cell);
+        EXPECT_EQ(layout.day(cell), day);
+        EXPECT_EQ(layout.isInMonth(day), isInMonth);
+    }
+    EXPECT_EQ(layout.cellOf(year(2026) / 10 / 25), std::nullopt);
+    EXPECT_EQ(layout.cellOf(year(2026) / 12 / 7), std::nullopt);
+}
+
+TEST(WeekRules, IsoWeeksNumberRowsThatStartOnAnotherDayByMostOfTheirDays) {
+    for (const auto& [day, number] : {std::pair(sys_days(year(2026) / 11 / 22), 48), // a Sunday
+                                      {year(2026) / 11 / 21, 48},                    // Saturday
+                                      {year(2026) / 11 / 20, 48},                    // Friday
+                                      {year(2026) / 11 / 19, 47},                    // Thursday
+                                      {year(2020) / 12 / 27, 53},
+                                      {year(2021) / 1 / 3, 1}})
+        EXPECT_EQ(weekNumberOfRow(day, kIsoWeeks), number);
+}
+
+TEST(DayRange, CountsDaysAndWorkingDaysInAnyOrder) {
+    const sys_days monday = year(2026) / 11 / 23;
+    const WeekRules western;
+    const WeekRules israeli{.numbering = {}, .weekend = 0b1100000};
+    const std::tuple<int, int, int, int> cases[] = {
+        // last day after Monday, days, working days, with a weekend on Friday and Saturday
+        {0, 1, 1, 1},  {5, 6, 5, 4},  {6, 7, 5, 5},        {13, 14, 10, 10},
+        {-1, 2, 1, 2}, {-7, 8, 6, 6}, {365, 366, 262, 262}};
+    for (const auto& [offset, count, working, workingInIsrael] : cases) {
+        const DayRange range = DayRange::between(monday, monday + days(offset));
+        EXPECT_EQ(range.days(), count);
+        EXPECT_EQ(range.workingDays(western), working) << offset;
+        EXPECT_EQ(range.workingDays(israeli), workingInIsrael) << offset;
+    }
+}
+
+struct Country {
+    const char* locale;
+    weekday first;
+    unsigned minimalDays;
+    unsigned weekend; // Sunday is bit 0
+    const char* day;  // 2026-11-24
+    const char* number;
+    const char* range;
+    friend std::ostream& operator<<(std::ostream& stream, const Country& country) {
+        return stream << country.locale;
+    }
+};
+
+class Locales : public testing::TestWithParam<Country> {};
+
+TEST_P(Locales, DecideAboutWeeksWeekendsDigitsAndTheOrderOfDates) {
+    const test::UserLocale locale(GetParam().locale);
+    const WeekRules rules = localeWeekRules();
+    EXPECT_EQ(rules.numbering.firstWeekday, GetParam().first);
+    EXPECT_EQ(rules.numbering.minimalDays, GetParam().minimalDays);
+    EXPECT_EQ(rules.weekend.to_ulong(), GetParam().weekend);
+    const sys_days day = year(2026) / 11 / 24;
+    EXPECT_EQ(calendar_texts::longDate(day), GetParam().day);
+    EXPECT_EQ(calendar_texts::number(24), GetParam().number);
+    EXPECT_EQ(calendar_texts::shortRange({day, day + days(9)}), GetParam().range);
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    All, Locales,
+    testing::Values(Country{"de_DE", Monday, 4, 0b1000001, "Dienstag, 24 November 2026", "24",
+                            "24 Nov – 3 Dez 2026"},
+                    Country{"en_US", Sunday, 1, 0b1000001, "Tuesday, November 24, 2026", "24",
+                            "Nov 24 – Dec 3, 2026"},
+                    Country{"he_IL", Sunday, 1, 0b1100000, "שלישי, 24 נובמבר 2026", "24",
+                            "24 נוב – 3 דצמ 2026"},
+                    Country{"fa_IR", Saturday, 1, 0b0110000,
+                            "سه‌شنبه, 24 نوامبر 2026", "۲۴",
+                            "24 نوامبر – 3 دسامبر 2026"}),
+    [](const auto& one) { return std::string(one.param.locale); });
+
+TEST(CalendarTexts, SayHowFarADayIsAndHowLongARange) {
+    const sys_days today = year(2028) / 2 / 28;
+    for (const auto& [offset, text] : {std::pair(0, "Today"),
+                                       {1, "Tomorrow"},
+                                       {2, "In 2 days"},
+                                       {-1, "Yesterday"},
+                                       {-2, "2 days ago"},
+                                       {366, "In 366 days"}})
+        EXPECT_EQ(calendar_texts::distance(today + days(offset), today), text);
+    for (const auto& [count, text] : {std::pair(2, "2 days · 1 working day"),
+                                      {7, "7 days · 1 week · 1 working day"},
+                                      {15, "15 days · 2 weeks 1 day · 1 working day"}})
+        EXPECT_EQ(calendar_texts::length({today, today + days(count - 1)}, 1), text);
+    EXPECT_EQ(calendar_texts::shortRange({today, today + days(2)}), "Feb 28 – Mar 1, 2028");
+    EXPECT_EQ(calendar_texts::shortRange({today, today + days(366)}),
+              "Feb 28, 2028 – Feb 28, 2029");
+}
+
+} // namespace
