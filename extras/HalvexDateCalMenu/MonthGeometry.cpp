@@ -11,7 +11,7 @@ namespace extras {
 namespace {
 
 // All in points.
-constexpr double kMargin = 14;
+constexpr double kMargin = 20; // aligns the heading with the titles of the menu
 constexpr double kCellWidth = 36;
 constexpr double kCellHeight = 32;
 constexpr double kWeekNumberWidth = 26;

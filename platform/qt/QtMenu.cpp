@@ -153,6 +153,8 @@ bool QtMenu::eventFilter(QObject* watched, QEvent* event) {
 void QtMenu::keyPressEvent(QKeyEvent* event) {
     if (modifierOf(*event) != 0)
         return; // QMenu would lose the highlighted row
+    if (!activeAction() && sendToFirstView(*event))
+        return;
     const Row* const row = rowOf(activeAction());
     if (row && row->viewWidget && (row->viewWidget->sendKey(*event) || swallows(*row, *event)))
         return;
@@ -166,6 +168,18 @@ void QtMenu::keyPressEvent(QKeyEvent* event) {
         emit root().neighbourRequested(-1);
     else
         QMenu::keyPressEvent(event);
+}
+
+/// Highlights a view at the top of the menu if it handles a key.
+bool QtMenu::sendToFirstView(const QKeyEvent& event) {
+    ViewWidget* const view = rows_.empty() ? nullptr : rows_.front()->viewWidget;
+    QAction* const action = view ? rows_.front()->action : nullptr;
+    const QPointer<QtMenu> self = this;
+    if (!view || !view->sendKey(event))
+        return false;
+    if (self && actions().contains(action))
+        setActiveAction(action);
+    return true;
 }
 
 /// Whether a key does nothing on the row of a view: Return or Space without an action.

@@ -99,6 +99,7 @@ class QtMenu final : public QMenu, public MenuDisplay {
 
     bool handles(const QMouseEvent& event);
     static void forward(const QMouseEvent& event, QWidget& widget);
+    bool sendToFirstView(const QKeyEvent& event);
     static bool swallows(const Row& row, const QKeyEvent& event);
     bool performShortcut(const QKeyEvent& event);
     static void perform(std::string owner, std::shared_ptr<MenuItem> item, std::uint32_t modifiers);

@@ -129,8 +129,9 @@ class MenuItem : NonCopyable {
     /// menu; see ViewContainer::dismiss. If the user drags from the bar into the menu, the view
     /// receives the drag and the release without a press. Keys that the highlighted view does not
     /// handle have their usual meaning: Return performs the item's action, Escape closes the menu,
-    /// and arrow keys move on. @throws Exception (NSInvalidArgumentException) if @p view is the
-    /// view of an item in the bar.
+    /// and arrow keys move on. If no item is highlighted, the view of the first item receives
+    /// keys. @throws Exception (NSInvalidArgumentException) if @p view is the view of an item in
+    /// the bar.
     void setView(std::shared_ptr<MenuExtraView> view, ViewStyle style = ViewStyle::Plain);
 
     bool hasAction() const { return static_cast<bool>(action_); }

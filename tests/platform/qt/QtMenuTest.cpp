@@ -303,6 +303,18 @@ TEST_F(ViewInMenuTest, ReceivesKeysWhileHighlighted) {
     EXPECT_EQ(target->chosen, "");
 }
 
+TEST_F(ViewInMenuTest, ReceivesKeysAtTheTopOfAMenuWithoutAHighlightedItem) {
+    menu->removeItem(*menu->items()[0]);
+    QCoreApplication::processEvents();
+    for (const auto& [handles, active, calls] :
+         {std::tuple(false, -1, "key10;"), {true, 0, "key10;"}, {true, 0, "key10;"}}) {
+        view->handles = handles;
+        QTest::keyClick(shown.get(), Qt::Key_PageUp);
+        EXPECT_EQ(shown->actions().indexOf(shown->activeAction()), active);
+        EXPECT_EQ(view->takeCalls(), calls);
+    }
+}
+
 TEST_F(ViewInMenuTest, FollowsTheSizeOfTheView) {
     EXPECT_EQ(view->frame().size.height, 20);
     EXPECT_GT(view->frame().size.width, 100) << "as wide as the menu";
