@@ -34,6 +34,7 @@ class CalendarFolder : platform::NonCopyable {
     /// what cannot be read, once until the file changes.
     void update();
 
+    const std::string& path() const { return path_; }
     /// By name. At most 64.
     std::map<std::string, File>& files() { return files_; }
     const std::map<std::string, File>& files() const { return files_; }

@@ -26,9 +26,8 @@ struct Watches final : platform::Watch {
 } // namespace
 
 struct EventCalendars::State {
-    explicit State(std::string path) : path(std::move(path)), folder(this->path) {}
+    explicit State(std::string path) : folder(std::move(path)) {}
 
-    const std::string path;
     icalendar::CalendarFolder folder;
     bool hasTooMany = false;
 };
@@ -45,8 +44,8 @@ std::vector<CalendarEvent> EventCalendars::between(sys_days first, sys_days last
     for (auto& [name, file] : state_->folder.files())
         expansion.add(file.calendar, name.substr(0, name.rfind('.')));
     if (expansion.isIncomplete() && !state_->hasTooMany)
-        platform::logLine("ignoring events in %@: more than %d in the days to show", state_->path,
-                          kMaximumEvents);
+        platform::logLine("ignoring events in %@: more than %d in the days to show",
+                          state_->folder.path(), kMaximumEvents);
     state_->hasTooMany = expansion.isIncomplete();
     return expansion.take();
 }
@@ -61,7 +60,7 @@ std::vector<std::string> EventCalendars::brokenFiles() const {
 
 std::unique_ptr<platform::Watch> EventCalendars::onChange(std::function<void()> handler) {
     auto watches = std::make_unique<Watches>();
-    watches->list.push_back(platform::fileManager().watchFile(state_->path, handler));
+    watches->list.push_back(platform::fileManager().watchFile(state_->folder.path(), handler));
     watches->list.push_back(platform::timeZones().watchLocal(handler));
     return watches;
 }
