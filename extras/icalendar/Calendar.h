@@ -31,7 +31,7 @@ struct Calendar {
     std::string name; ///< empty if the file does not contain one
     Zones zones;
     std::vector<Event> events;
-    std::int64_t countingSteps = 2'000'000; ///< that remain for RecurrenceRule::lastCounted
+    std::int64_t countingSteps = 10'000'000; ///< that remain for RecurrenceRule::lastCounted
 };
 
 struct ParsedCalendar {

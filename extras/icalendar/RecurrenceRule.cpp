@@ -12,6 +12,7 @@ namespace extras::icalendar {
 namespace {
 
 constexpr std::size_t kMaximumRuleBytes = 2000;
+constexpr std::int64_t kMaximumSteps = 100'000; // 273 years of days
 constexpr int kMaximumYear = 9999;
 constexpr sys_days kEndOfTime = std::chrono::year(kMaximumYear + 1) / 1 / 1;
 
@@ -245,14 +246,16 @@ bool RecurrenceRule::contains(const CivilDay& day) {
 std::optional<sys_days> RecurrenceRule::lastCounted(std::int64_t& steps) {
     if (!count_ || lastCounted_)
         return lastCounted_;
+    const std::int64_t leastSteps = steps - kMaximumSteps;
     sys_days last = first_;
     sys_days day = first_;
     for (int remaining = *count_ - 1; remaining > 0;) {
         day = nextCandidate(day);
-        if (day >= kEndOfTime || steps-- <= 0) {
+        if (day >= kEndOfTime || steps <= std::max<std::int64_t>(leastSteps, 0)) {
             count_.reset();
             return std::nullopt;
         }
+        --steps;
         if (!contains(CivilDay(day)))
             continue;
         last = day;

@@ -44,7 +44,8 @@ class RecurrenceRule {
 
     /// Returns the day of the last event that COUNT permits, or std::nullopt if there is no COUNT
     /// or it goes beyond the year 9999. The first call checks day after day and subtracts their
-    /// number from @p steps; if they do not suffice, COUNT is ignored from then on.
+    /// number from @p steps; if these or 100,000 days do not suffice, COUNT is ignored from then
+    /// on.
     std::optional<std::chrono::sys_days> lastCounted(std::int64_t& steps);
 
   private:
