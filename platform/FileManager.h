@@ -162,8 +162,9 @@ class FileManager : NonCopyable {
     // Watching
 
     /// Calls @p handler on the main thread after the file at @p path is created, changed, replaced
-    /// or removed, including by changes to the folders above it, which need not exist yet. After a
-    /// burst of changes, calls it at least once. The handler may destroy its own watch. Exceptions
+    /// or removed, including by changes to the folders above it, which need not exist yet. If it is
+    /// a folder, also after an entry of it is added, written, renamed or removed. After a burst of
+    /// changes, calls it at least once. The handler may destroy its own watch. Exceptions
     /// from it are logged with the owner's identifier and swallowed. Returns null and logs the
     /// reason if the system is out of watches. Main thread only.
     virtual std::unique_ptr<Watch> watchFile(const std::string& path,

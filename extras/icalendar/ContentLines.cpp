@@ -96,11 +96,13 @@ std::string_view Property::parameter(std::string_view parameterName) const {
 
 std::optional<Property> parseProperty(std::string_view line) {
     const std::size_t nameEnd = line.find_first_of(":;");
-    const std::size_t valueStart = findUnquoted(line, ':');
-    if (nameEnd == 0 || valueStart == line.size())
+    if (nameEnd == 0 || nameEnd == std::string_view::npos)
         return std::nullopt;
-    return Property{line.substr(0, nameEnd), line.substr(nameEnd, valueStart - nameEnd),
-                    line.substr(valueStart + 1)};
+    const std::string_view rest = line.substr(nameEnd);
+    const std::size_t colon = findUnquoted(rest, ':');
+    if (colon == rest.size())
+        return std::nullopt;
+    return Property{line.substr(0, nameEnd), rest.substr(0, colon), rest.substr(colon + 1)};
 }
 
 bool isSame(std::string_view left, std::string_view right) {

@@ -24,6 +24,10 @@ namespace {
 constexpr std::uint32_t kFolder = IN_DELETE_SELF | IN_MOVE_SELF;
 /// Events of a folder in which the next component is missing.
 constexpr std::uint32_t kArrivals = kFolder | IN_CREATE | IN_MOVED_TO;
+/// Events of the entries of a folder at the end of the path. Files are reported when they have been
+/// written, not while they are.
+constexpr std::uint32_t kEntries =
+    IN_CREATE | IN_DELETE | IN_MOVED_FROM | IN_MOVED_TO | IN_CLOSE_WRITE | IN_ATTRIB;
 /// Events of files and links. If a name is removed or replaced, the system reports IN_ATTRIB.
 constexpr std::uint32_t kFile =
     IN_MODIFY | IN_CLOSE_WRITE | IN_ATTRIB | IN_DELETE_SELF | IN_MOVE_SELF;
@@ -58,9 +62,11 @@ class InotifyFileWatch final : public Watch {
     bool updateWatches();
     bool watchPath(std::set<int>& watches);
     bool watchFolder(const std::string& folder, std::uint32_t mask, std::set<int>& watches);
+    bool watchEntries(const std::string& folder, std::set<int>& watches);
     bool watch(const std::string& path, std::uint32_t mask, std::set<int>& watches);
     Identity identity() const;
-    /// Reads all pending events and returns whether one of them is in kChanges.
+    /// Reads all pending events. Returns whether one of them is in kChanges, or in kEntries for the
+    /// folder at the end of the path.
     bool readEvents();
     void onReadable();
 
@@ -68,6 +74,7 @@ class InotifyFileWatch final : public Watch {
     std::function<void()> handler_;
     Descriptor inotify_;
     std::set<int> watches_;
+    int entriesWatch_ = -1; ///< of the folder at the end of the path
     Identity last_;
     std::unique_ptr<Watch> readable_;
 };
@@ -93,6 +100,15 @@ bool InotifyFileWatch::watch(const std::string& path, std::uint32_t mask, std::s
 bool InotifyFileWatch::watchFolder(const std::string& folder, std::uint32_t mask,
                                    std::set<int>& watches) {
     return watch(folder + '/', mask, watches);
+}
+
+/// Does nothing if the path leads to a file.
+bool InotifyFileWatch::watchEntries(const std::string& folder, std::set<int>& watches) {
+    entriesWatch_ = ::inotify_add_watch(inotify_.get(), (folder + '/').c_str(),
+                                        kFolder | kEntries | IN_DONT_FOLLOW);
+    if (entriesWatch_ >= 0)
+        watches.insert(entriesWatch_);
+    return entriesWatch_ >= 0 || (errno != ENOSPC && errno != ENOMEM);
 }
 
 bool InotifyFileWatch::watchPath(std::set<int>& watches) {
@@ -122,11 +138,12 @@ bool InotifyFileWatch::watchPath(std::set<int>& watches) {
         if (!target || !walk.follow(*target))
             return true;
     }
-    return true;
+    return watchEntries(walk.folder(), watches);
 }
 
 bool InotifyFileWatch::updateWatches() {
     std::set<int> watches;
+    entriesWatch_ = -1;
     const bool complete = watchPath(watches);
     for (const int number : watches_)
         if (!watches.contains(number))
@@ -158,7 +175,8 @@ bool InotifyFileWatch::readEvents() {
         for (std::size_t i = 0; i < static_cast<std::size_t>(length);) {
             inotify_event event{};
             std::memcpy(&event, buffer.data() + i, sizeof(event));
-            changed |= (event.mask & kChanges) != 0;
+            const bool isEntry = event.wd == entriesWatch_ && event.len > 0;
+            changed |= (event.mask & (isEntry ? kEntries : kChanges)) != 0;
             i += sizeof(event) + event.len;
         }
     }

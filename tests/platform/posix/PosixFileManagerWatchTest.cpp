@@ -69,6 +69,23 @@ TEST_F(PosixFileManagerWatchTest, ReportsChangesOfTheFoldersAboveTheFile) {
     EXPECT_TRUE(reportsMoving("elsewhere/b", "gone"));
 }
 
+TEST_F(PosixFileManagerWatchTest, ReportsChangesOfTheEntriesOfAFolder) {
+    const auto watching = watch("folder");
+    EXPECT_TRUE(reportsWriting("folder/one")) << "the folder appears";
+    EXPECT_TRUE(reportsWriting("folder/one"));
+    EXPECT_TRUE(reportsWriting("folder/two"));
+    EXPECT_TRUE(reportsMoving("folder/one", "one"));
+    EXPECT_TRUE(reportsMoving("one", "folder/one"));
+    EXPECT_TRUE(reports([&] { fs::remove(file("folder/one")); }));
+    EXPECT_TRUE(reportsMoving("folder", "away"));
+    calls = 0;
+    folder.write("away/two", "2");
+    wait(50ms);
+    EXPECT_EQ(calls, 0) << "it is another folder now";
+    EXPECT_TRUE(reportsMoving("away", "folder"));
+    EXPECT_TRUE(reportsWriting("folder/two"));
+}
+
 TEST_F(PosixFileManagerWatchTest, CallsTheHandlerAfterTheLastChangeOfABurst) {
     std::string seen;
     const auto watching =
