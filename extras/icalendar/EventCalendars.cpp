@@ -59,9 +59,12 @@ std::vector<std::string> EventCalendars::brokenFiles() const {
 }
 
 std::unique_ptr<platform::Watch> EventCalendars::onChange(std::function<void()> handler) {
+    auto files = platform::fileManager().watchFile(state_->folder.path(), handler);
+    if (!files)
+        return nullptr;
     auto watches = std::make_unique<Watches>();
-    watches->list.push_back(platform::fileManager().watchFile(state_->folder.path(), handler));
-    watches->list.push_back(platform::timeZones().watchLocal(handler));
+    watches->list.push_back(std::move(files));
+    watches->list.push_back(platform::timeZones().watchLocal(std::move(handler)));
     return watches;
 }
 

@@ -43,9 +43,9 @@ class EventCalendars : platform::NonCopyable {
     std::vector<std::string> brokenFiles() const;
 
     /// Calls @p handler on the main thread after a file in the folder has been added, changed or
-    /// removed, and after the system's time zone has changed. Reads nothing. After a burst of
-    /// changes, calls it at least once. Returns null and logs the reason if the system is out of
-    /// watches.
+    /// removed, and after the system's time zone has changed. A change of a file that a link in the
+    /// folder leads to is not reported. Reads nothing. After a burst of changes, calls it at least
+    /// once. Returns null and logs the reason if the system is out of watches.
     std::unique_ptr<platform::Watch> onChange(std::function<void()> handler);
 
   private:
