@@ -14,6 +14,7 @@ class NoApplications final : public Applications {
         logOnce();
         return {};
     }
+    bool providesList() const override { return false; }
     std::unique_ptr<Watch> observe(std::function<void()>) override {
         logOnce();
         return std::make_unique<Watch>();

@@ -64,6 +64,9 @@ class Applications : NonCopyable {
     /// first observer on; before, it is that of the windows, topmost first. Empty if the desktop
     /// does not provide the list, which is logged once.
     virtual std::vector<RunningApplication> running() = 0;
+    /// Returns whether the desktop provides the list. As of the last call of running(), or of an
+    /// observer's handler, which is also called when this changes.
+    virtual bool providesList() const = 0;
     /// Calls @p handler when the list is known, soon after this call, and then whenever the result
     /// of running() or an icon has changed, at most about 20 times a second. Exceptions from it are
     /// logged with the owner's identifier and swallowed. It may destroy its own watch. Window

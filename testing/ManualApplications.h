@@ -20,6 +20,7 @@ class ManualApplications final : public platform::Applications {
     std::vector<platform::DesktopEntry> installed;
     std::map<std::string, std::shared_ptr<platform::Image>> icons; ///< by identifier
     std::vector<std::string> requests;
+    bool providesRunning = true; ///< whether the desktop provides the list
 
     /// Replaces the list and calls the observers' handlers.
     void setRunning(std::vector<platform::RunningApplication> applications) {
@@ -31,6 +32,7 @@ class ManualApplications final : public platform::Applications {
     bool isObserved() const { return !handlers_.empty(); }
 
     std::vector<platform::RunningApplication> running() override { return running_; }
+    bool providesList() const override { return providesRunning; }
     /// Unlike the desktop's, does not call the handler before the first change.
     std::unique_ptr<platform::Watch> observe(std::function<void()> handler) override {
         struct Observer final : platform::Watch {

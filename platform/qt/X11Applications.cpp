@@ -188,8 +188,10 @@ void X11Applications::collect() {
 /// Brings the list up to date.
 void X11Applications::update() {
     std::vector<RunningApplication> list;
+    bool providesList = false;
     if (X11Clients* const clients = connect()) {
         clients->update();
+        providesList = clients->hasWindowManager();
         if (!clients->hasWindowManager() && !clients->isBroken())
             logOnce("there is no window manager that follows EWMH");
         list = makeList(*clients);
@@ -198,7 +200,8 @@ void X11Applications::update() {
         if (clients->isBroken())
             session_.reset();
     }
-    hasChanged_ = hasChanged_ || list != list_;
+    hasChanged_ = hasChanged_ || list != list_ || providesList != providesList_;
+    providesList_ = providesList;
     list_ = std::move(list);
 }
 

@@ -34,6 +34,7 @@ class X11Applications final : public Applications {
     ~X11Applications() override;
 
     std::vector<RunningApplication> running() override;
+    bool providesList() const override { return providesList_; }
     std::unique_ptr<Watch> observe(std::function<void()> handler) override;
     std::shared_ptr<Image> icon(const std::string& identifier, double size) override;
     std::optional<DesktopEntry> desktopEntry(const std::string& identifier) override;
@@ -89,6 +90,7 @@ class X11Applications final : public Applications {
     std::map<std::pair<std::string, double>, std::shared_ptr<Image>> icons_;
     std::set<std::uint64_t> minimised_; ///< windows, by hide and hideOthers
     std::set<std::string> logged_;
+    bool providesList_ = false;
     bool hasChanged_ = false; ///< since the last report
     int launches_ = 0;
 };

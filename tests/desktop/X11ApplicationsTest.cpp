@@ -223,10 +223,13 @@ TEST_F(X11ApplicationsTest, FollowTheWindowManager) {
     const auto editor = start({"editor", "Editor", "One"});
     EXPECT_TRUE(eventually([&] { return log.contains(kNoManager); }));
     EXPECT_THAT(list(), IsEmpty());
+    EXPECT_FALSE(service->providesList());
     startManager();
     EXPECT_TRUE(becomes({"Schreiber: One"}) || becomes({"Schreiber*: One*"}));
+    EXPECT_TRUE(service->providesList());
     manager->kill();
     EXPECT_TRUE(becomes({}));
+    EXPECT_FALSE(service->providesList());
     startManager();
     EXPECT_TRUE(eventually([&] { return changed.size() == 1; }));
     Background successor(x, "openbox", {"--sm-disable", "--replace"});
@@ -235,6 +238,15 @@ TEST_F(X11ApplicationsTest, FollowTheWindowManager) {
     const auto other = start({"other", "Other", "New"});
     EXPECT_TRUE(eventually([&] { return changed.size() == 2; }));
     EXPECT_THAT(log.take(), ElementsAre(kNoManager));
+}
+
+TEST_F(X11ApplicationsTest, ReportThatTheListIsProvidedBeforeThereIsAWindow) {
+    const auto watch = observe();
+    EXPECT_TRUE(becomes({}));
+    changed = {"not called"};
+    startManager();
+    EXPECT_TRUE(becomes({}));
+    EXPECT_TRUE(service->providesList());
 }
 
 TEST_F(X11ApplicationsTest, WithoutADisplayThereAreNone) {
