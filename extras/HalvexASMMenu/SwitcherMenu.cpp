@@ -16,6 +16,9 @@ using extras::tr;
 namespace switcher {
 namespace {
 
+constexpr double kSubtitleWidth = 240; // points
+constexpr double kWindowTitleWidth = 360;
+
 const RunningApplication* find(const std::vector<RunningApplication>& running,
                                const std::string& identifier) {
     const auto found = std::ranges::find(running, identifier, &RunningApplication::identifier);
@@ -31,18 +34,25 @@ std::string nameOf(const RunningApplication& application) {
     return application.name.empty() ? tr("Untitled") : application.name;
 }
 
-/// What tells @p application apart from others with its name: the title of its window or, if they
-/// share that as well, its identifier. Empty if its name is the only one of its kind.
+/// The title of the most recently used window that has one, or an empty text.
+std::string windowTitle(const RunningApplication& application) {
+    for (const ApplicationWindow& window : application.windows)
+        if (!window.title.empty())
+            return shortened(window.title, kSubtitleWidth);
+    return {};
+}
+
+/// What tells @p application apart from others with its name: the title of a window or, if they
+/// share that as well, its identifier. Empty if no other application has its name.
 std::string distinction(const std::vector<RunningApplication>& running,
                         const RunningApplication& application) {
     std::string result;
     for (const RunningApplication& other : running) {
         if (&other == &application || nameOf(other) != nameOf(application))
             continue;
-        const std::string& title = application.windows.front().title;
-        if (title.empty() || title == other.windows.front().title)
+        result = windowTitle(application);
+        if (result.empty() || result == windowTitle(other))
             return application.identifier;
-        result = title;
     }
     return result;
 }
@@ -93,6 +103,15 @@ SwitcherMenu::SwitcherMenu(Favourites& favourites, std::weak_ptr<MenuTarget> tar
     hideOthers_->setTitle(tr("Hide Others"));
     showAll_ = entry([](MenuItem&) { showAll(); });
     showAll_->setTitle(tr("Show All"));
+}
+
+/// Never null, so that all names line up.
+std::shared_ptr<Image> SwitcherMenu::iconOf(const std::string& identifier) {
+    if (auto icon = applications().icon(identifier, kIconSide))
+        return icon;
+    if (!plainIcon_)
+        plainIcon_ = emptyIcon();
+    return plainIcon_;
 }
 
 SwitcherMenu::Item SwitcherMenu::entry(MenuItem::Action action) const {
@@ -177,7 +196,7 @@ void SwitcherMenu::show(const RunningApplication& application, const std::string
     row.activate->setTitle(name);
     row.showOnly->setTitle(fill(tr("Show Only %1"), {name}));
     row.quit->setTitle(fill(tr("Quit %1"), {name}));
-    const auto icon = applications().icon(application.identifier, kIconSide);
+    const auto icon = iconOf(application.identifier);
     for (const Item& item : {row.activate, row.showOnly, row.quit}) {
         item->setImage(icon);
         item->setSubtitle(subtitle);
@@ -200,7 +219,9 @@ void SwitcherMenu::showWindows(ApplicationRow& row, const RunningApplication& ap
         Item& item = row.windowItems[window.identifier];
         if (!item)
             item = makeWindowItem(window.identifier);
-        item->setTitle(window.title.empty() ? tr("Untitled") : window.title);
+        const std::string title = shortened(window.title, kWindowTitleWidth);
+        item->setTitle(title.empty() ? tr("Untitled") : title);
+        item->setToolTip(title == window.title ? "" : window.title);
         item->setState(stateOf(window.isActive));
         item->setTrailingText(window.needsAttention ? tr("needs attention")
                               : window.isMinimised  ? tr("minimised")
@@ -225,7 +246,7 @@ void SwitcherMenu::addFavourites(std::vector<Item>& items, const Running& runnin
         row.launch->setTitle(entry.name);
         row.launch->setToolTip(entry.comment);
         row.remove->setTitle(fill(tr("Remove %1 from Favourites"), {entry.name}));
-        const auto icon = applications().icon(entry.identifier, kIconSide);
+        const auto icon = iconOf(entry.identifier);
         for (const Item& item : {row.launch, row.remove}) {
             item->setImage(icon);
             rows.push_back(item);

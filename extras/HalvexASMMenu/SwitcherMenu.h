@@ -47,6 +47,7 @@ class SwitcherMenu : platform::NonCopyable {
     };
     using Running = std::vector<platform::RunningApplication>;
 
+    std::shared_ptr<platform::Image> iconOf(const std::string& identifier);
     Item entry(platform::MenuItem::Action action) const;
     Item alternate(std::uint32_t modifiers, platform::MenuItem::Action action) const;
     ApplicationRow makeRow(const std::string& identifier) const;
@@ -67,6 +68,7 @@ class SwitcherMenu : platform::NonCopyable {
     std::map<std::string, ApplicationRow> rows_;
     std::map<std::string, FavouriteRow> favouriteRows_;
     std::string active_; ///< the identifier of the active application, if it has a desktop entry
+    std::shared_ptr<platform::Image> plainIcon_; ///< for applications without one
     Item notice_;
     Item favouritesHeader_;
     Item addFavourite_;
