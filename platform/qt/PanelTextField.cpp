@@ -49,8 +49,16 @@ void PanelTextField::commitIfChanged() {
         commit();
 }
 
+void PanelTextField::step(int direction) {
+    if (const auto field = control<TextField>())
+        run([&] { field->userDidStep(direction); });
+}
+
 void PanelTextField::keyPressEvent(QKeyEvent* event) {
     const bool isReturn = event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter;
+    const int direction = event->key() == Qt::Key_Up ? 1 : event->key() == Qt::Key_Down ? -1 : 0;
+    if (direction != 0)
+        return step(direction);
     if (isReturn)
         commit();
     else if (event->key() != Qt::Key_Escape)

@@ -25,6 +25,7 @@ class PanelTextField final : public QLineEdit, public PanelControl {
 
   private:
     void commit();
+    void step(int direction);
     void commitIfChanged();
 };
 

@@ -20,6 +20,11 @@ void TextField::userDidEdit(std::string text) {
         handler(std::string(text_)); // the handler may replace the text
 }
 
+void TextField::userDidStep(int direction) {
+    if (const auto handler = step_)
+        handler(direction);
+}
+
 void TextField::userDidCommit() {
     committedText_ = text_;
     if (const auto handler = committed_)

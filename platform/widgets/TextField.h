@@ -40,9 +40,14 @@ class TextField final : public Control {
     /// calls it even if the text is unchanged.
     void setCommitHandler(Handler handler) { committed_ = std::move(handler); }
 
+    /// Sets the function to call when the user presses the up (1) or the down arrow key (-1),
+    /// replacing the previous one. Use it to step a number, a date or a time.
+    void setStepHandler(std::function<void(int direction)> handler) { step_ = std::move(handler); }
+
     // Called by the panel's window.
 
     void userDidEdit(std::string text);
+    void userDidStep(int direction);
     void userDidCommit();
     /// Restores the committed text.
     void userDidCancel();
@@ -55,6 +60,7 @@ class TextField final : public Control {
     bool secure_ = false;
     Handler changed_;
     Handler committed_;
+    std::function<void(int direction)> step_;
 };
 
 } // namespace platform
