@@ -90,10 +90,9 @@ void ConvertPanel::show() {
     if (!window_ && !createWindow())
         return;
     if (!std::exchange(isOpen_, true)) {
-        zoneWatch_ = timeZones().watchLocal([this] { setNow(); });
+        zoneWatch_ = timeZones().watchLocal([this] { restart(); });
         selected_ = 0;
-        loadPlaces();
-        setNow();
+        restart();
     }
     window_->makeKeyAndOrderFront();
 }
@@ -222,6 +221,11 @@ void ConvertPanel::loadPlaces() {
         rows.push_back({place.name});
     list_->setRows(std::move(rows));
     list_->setSelectedRow(selected_);
+}
+
+void ConvertPanel::restart() {
+    loadPlaces();
+    setNow();
 }
 
 void ConvertPanel::setNow() {

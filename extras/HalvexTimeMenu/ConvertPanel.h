@@ -50,6 +50,7 @@ class ConvertPanel : platform::NonCopyable {
                                                 std::function<void()> handler);
 
     void didClose();
+    void restart();
     void setNow();
     void setInstant(std::int64_t instant);
     void step(int direction);
