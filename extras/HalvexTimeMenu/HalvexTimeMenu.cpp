@@ -1,5 +1,6 @@
 #include "extras/HalvexTimeMenu/ClockTitle.h"
 #include "extras/HalvexTimeMenu/ClockView.h"
+#include "extras/HalvexTimeMenu/ConvertPanel.h"
 #include "extras/HalvexTimeMenu/LocationMenu.h"
 #include "extras/HalvexTimeMenu/WorldClockMenu.h"
 #include "extras/clock/ClockFormat.h"
@@ -65,6 +66,7 @@ class HalvexTimeMenu final : public ClockItem {
         locationMenu_.reset();
         worldClockMenu_.reset();
         worldClocks_.reset();
+        convertPanel_.reset();
         ClockItem::willUnload();
     }
 
@@ -126,12 +128,20 @@ class HalvexTimeMenu final : public ClockItem {
     /// Adds the entries that open something. Other tools of the clock belong here too.
     void addTools() {
         menu_->addSeparator();
+        menu_->addItem(
+            tr("Convert…"), [this](MenuItem&) { convert(); }, weak_from_this());
         calculator_ = &menu_->addItem(
             tr("Calculator"), [this](MenuItem& sender) { OpenCalculator(&sender); },
             weak_from_this());
         preferences_ = &menu_->addItem(
             tr("Preferences…"), [this](MenuItem& sender) { HalvexPrefs(&sender); },
             weak_from_this());
+    }
+
+    void convert() {
+        if (!convertPanel_)
+            convertPanel_ = std::make_unique<ConvertPanel>(settings_);
+        convertPanel_->show();
     }
 
     /// Brings the menu up to date with the list of locations.
@@ -211,6 +221,7 @@ class HalvexTimeMenu final : public ClockItem {
     std::shared_ptr<ClockView> clockView_;
     std::optional<WorldClockMenu> worldClockMenu_;
     std::optional<LocationMenu> locationMenu_;
+    std::unique_ptr<ConvertPanel> convertPanel_;
     bool locationsChanged_ = true; // since they were shown in the menu
     const MenuItem* calculator_ = nullptr;
     const MenuItem* preferences_ = nullptr;
