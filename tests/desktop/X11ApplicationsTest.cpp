@@ -2,6 +2,7 @@
 
 #include "platform/base/Exception.h"
 #include "platform/runtime/Guard.h"
+#include "tests/desktop/support/BackgroundProgram.h"
 #include "tests/desktop/support/FakeService.h"
 #include "tests/desktop/support/XServer.h"
 #include "tests/support/RecordingLog.h"
@@ -24,26 +25,6 @@ namespace {
 
 constexpr const char* kNoManager =
     "applications are not listed: there is no window manager that follows EWMH";
-
-/// A program in the background; killed with the object.
-class Background : NonCopyable {
-  public:
-    Background(const test::XServer& x, const QString& program, const QStringList& arguments) {
-        auto settings = x.settings();
-        settings.emplace_back("XDG_DATA_DIRS", "/usr/share"); // has the window manager's theme
-        process.setProcessEnvironment(test::environmentWith(settings));
-        process.setStandardErrorFile(QProcess::nullDevice());
-        process.start(program, arguments);
-        EXPECT_TRUE(process.waitForStarted(5000));
-    }
-    ~Background() { kill(); }
-    void kill() {
-        process.kill();
-        process.waitForFinished(5000);
-    }
-
-    QProcess process;
-};
 
 /// "Name" and its windows' titles. Active ones have a "*", minimised or hidden ones a "-", one that
 /// needs attention a "!".
@@ -76,8 +57,8 @@ class X11ApplicationsTest : public testing::Test {
         manager.emplace(x, "openbox", QStringList{"--sm-disable", "--startup", command});
         EXPECT_TRUE(eventually([&] { return std::filesystem::exists(ready); }));
     }
-    std::unique_ptr<Background> start(const QStringList& arguments) const {
-        return std::make_unique<Background>(x, HALVEX_WINDOW_CLIENT, arguments);
+    std::unique_ptr<test::BackgroundProgram> start(const QStringList& arguments) const {
+        return std::make_unique<test::BackgroundProgram>(x, HALVEX_WINDOW_CLIENT, arguments);
     }
     std::unique_ptr<Watch> observe() {
         return service->observe([this] { changed = list(); });
@@ -125,7 +106,7 @@ class X11ApplicationsTest : public testing::Test {
     test::ScopedEnvironment system{"XDG_DATA_DIRS", data.file("none")};
     test::ScopedEnvironment locale{"LC_ALL", "de_AT.UTF-8"};
     test::RecordingLog log;
-    std::optional<Background> manager;
+    std::optional<test::BackgroundProgram> manager;
     std::optional<qt::X11Applications> service{x.display().toStdString()};
     std::vector<std::string> changed{"not called"};
 };
@@ -232,7 +213,7 @@ TEST_F(X11ApplicationsTest, FollowTheWindowManager) {
     EXPECT_FALSE(service->providesList());
     startManager();
     EXPECT_TRUE(eventually([&] { return changed.size() == 1; }));
-    Background successor(x, "openbox", {"--sm-disable", "--replace"});
+    test::BackgroundProgram successor(x, "openbox", {"--sm-disable", "--replace"});
     EXPECT_TRUE(manager->process.waitForFinished(5000));
     EXPECT_TRUE(eventually([&] { return changed.size() == 1; }));
     const auto other = start({"other", "Other", "New"});
