@@ -1,5 +1,6 @@
 #include "extras/HalvexTimeMenu/ConvertPanel.h"
 
+#include "extras/HalvexTimeMenu/DaySymbols.h"
 #include "extras/clock/ClockFormat.h"
 #include "extras/shared/Texts.h"
 #include "platform/Clock.h"
@@ -192,6 +193,9 @@ void ConvertPanel::addSlider() {
 }
 
 void ConvertPanel::addList() {
+    images_.day = sunSymbol();
+    images_.night = moonSymbol();
+    images_.unknown = graphics().imageByDrawing(images_.day->size(), [](GraphicsContext&) {});
     const double bottom = kMargin + kRowHeight + kGap;
     const double top = kTop - kRowHeight - kGap - kSliderHeight - kScaleHeight - kGap;
     list_ = std::make_shared<ListBox>(Rect{{kMargin, bottom}, {kInnerWidth, top - bottom}});
@@ -299,8 +303,9 @@ void ConvertPanel::showTime() {
 
 void ConvertPanel::showRows() {
     for (std::size_t i = 0; i < places_.size(); ++i) {
-        const ListRow row = convertRow(places_[i], instant_);
-        if (row.detail != list_->rows()[i].detail)
+        const ListRow row = convertRow(places_[i], instant_, images_);
+        const ListRow& shown = list_->rows()[i];
+        if (row.detail != shown.detail || row.image != shown.image)
             list_->setRow(i, row);
     }
 }

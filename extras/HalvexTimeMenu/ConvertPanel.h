@@ -71,6 +71,7 @@ class ConvertPanel : platform::NonCopyable {
     ConvertRange range_;
     std::int64_t instant_ = 0;
     std::vector<ConvertPlace> places_;
+    DayImages images_;
     std::size_t selected_ = 0; ///< in places_: where the clocks show the time in the field
     bool isOpen_ = false;
     std::shared_ptr<ConvertScale> scale_;

@@ -43,14 +43,18 @@ std::vector<ConvertPlace> convertPlaces(const std::vector<WorldClock>& clocks) {
     return places;
 }
 
-ListRow convertRow(const ConvertPlace& place, std::int64_t instant) {
+ListRow convertRow(const ConvertPlace& place, std::int64_t instant, const DayImages& images) {
     if (!place.clock)
-        return {place.name, zoneText(clock_format::time(), timeZones().local(), instant)};
+        return {place.name, zoneText(clock_format::time(), timeZones().local(), instant),
+                images.unknown};
     const auto time = extras::worldTime(*place.clock, instant);
     if (!time)
-        return {place.name, tr("no time zone")};
+        return {place.name, tr("no time zone"), images.unknown};
     const std::string days = extras::dayDifferenceText(time->dayDifference);
-    return {place.name, days.empty() ? time->time : days + "   " + time->time};
+    return {place.name, days.empty() ? time->time : days + "   " + time->time,
+            !time->isDay   ? images.unknown
+            : *time->isDay ? images.day
+                           : images.night};
 }
 
 std::string convertedText(const std::vector<ConvertPlace>& places, std::int64_t instant) {

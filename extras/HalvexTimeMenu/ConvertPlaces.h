@@ -5,6 +5,7 @@
 #include "platform/widgets/ListBox.h"
 
 #include <cstdint>
+#include <memory>
 #include <optional>
 #include <string>
 #include <vector>
@@ -22,8 +23,16 @@ struct ConvertPlace {
 /// Returns the local time, followed by @p clocks.
 std::vector<ConvertPlace> convertPlaces(const std::vector<extras::WorldClock>& clocks);
 
+/// The images for places where the sun is up or down.
+struct DayImages {
+    std::shared_ptr<platform::Image> day;
+    std::shared_ptr<platform::Image> night;
+    std::shared_ptr<platform::Image> unknown; ///< keeps the names in line
+};
+
 /// Returns how a list shows the time at a place: its name, the day difference and the time.
-platform::ListRow convertRow(const ConvertPlace& place, std::int64_t instant);
+platform::ListRow convertRow(const ConvertPlace& place, std::int64_t instant,
+                             const DayImages& images);
 
 /// Returns the times at all places with a usable zone: "Paris 14:30, Tokyo 21:30 +1". The local
 /// time comes first, unless a location has the same zone.

@@ -12,7 +12,7 @@ namespace {
 
 constexpr double kTickHeight = 3;
 constexpr double kMidnightTop = 18; // of the line between the days
-constexpr double kHoursTop = 5; // below the top of the view
+constexpr double kHoursTop = 5;     // below the top of the view
 constexpr double kDatesTop = 18;
 constexpr int kLabelledHours = 6;
 

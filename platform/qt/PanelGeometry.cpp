@@ -1,5 +1,7 @@
 #include "platform/qt/PanelGeometry.h"
 
+#include "platform/widgets/Panel.h"
+
 #include <algorithm>
 #include <cmath>
 
@@ -9,6 +11,7 @@ namespace {
 constexpr int kEdgeWidth = 5; // inside of the frame
 constexpr int kIndicatorSide = 15;
 constexpr Size kMinimumSize{76, 40};
+constexpr QSize kReachable{60, 10}; // the part of a title bar that can be dragged
 
 } // namespace
 
@@ -26,6 +29,23 @@ Rect panelFrame(const QRect& window, int margin, const QRect& screen) {
     return {{double(inner.x() - screen.x()),
              double(screen.y() + screen.height() - inner.y() - inner.height())},
             {double(inner.width()), double(inner.height())}};
+}
+
+Rect reachableFrame(const Rect& frame, const QList<QRect>& screens) {
+    const QRect& primary = screens.front();
+    QRect window = windowGeometry(frame, 0, primary);
+    QRect title = window;
+    title.setHeight(static_cast<int>(kPanelTitleBarHeight));
+    for (const QRect& screen : screens) {
+        const QSize visible = (screen & title).size();
+        if (visible.width() >= kReachable.width() && visible.height() >= kReachable.height())
+            return frame;
+    }
+    window.moveLeft(
+        std::max(primary.left(), std::min(window.left(), primary.right() + 1 - window.width())));
+    window.moveTop(
+        std::max(primary.top(), std::min(window.top(), primary.bottom() + 1 - window.height())));
+    return panelFrame(window, 0, primary);
 }
 
 Rect draggedFrame(const Rect& frame, Qt::Edges edges, QPoint distance) {

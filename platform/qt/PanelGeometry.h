@@ -2,6 +2,7 @@
 
 #include "platform/values/Geometry.h"
 
+#include <QList>
 #include <QPoint>
 #include <QRect>
 #include <Qt>
@@ -18,6 +19,10 @@ QRect windowGeometry(const Rect& frame, int margin, const QRect& screen);
 
 /// Returns the frame for the window geometry @p window.
 Rect panelFrame(const QRect& window, int margin, const QRect& screen);
+
+/// Returns @p frame, moved to the first of @p screens if the user could not drag it by its title bar
+/// because that is outside of all screens. The first screen is the primary one.
+Rect reachableFrame(const Rect& frame, const QList<QRect>& screens);
 
 /// Returns @p frame after dragging @p edges by @p distance. Never makes the frame smaller than
 /// 76 x 40 points; a side that is already shorter does not shrink. If there are no edges,

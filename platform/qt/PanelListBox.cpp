@@ -97,11 +97,11 @@ class RowDelegate final : public QStyledItemDelegate {
             painter->drawRoundedRect(option.rect, kPanelControlRadius - 1, kPanelControlRadius - 1);
         }
         QRect area = option.rect.adjusted(kPadding, 0, -kPadding, 0);
-        paintImage(*painter, *row, area, option.widget->devicePixelRatioF());
         const auto group =
             option.state & QStyle::State_Enabled ? QPalette::Active : QPalette::Disabled;
         const QColor text = isSelected && isActive ? colors.accentText
                                                    : option.palette.color(group, QPalette::Text);
+        paintImage(*painter, *row, area, text);
         paintTexts(*painter, *row, area, option.fontMetrics, text);
         painter->restore();
     }
@@ -109,7 +109,7 @@ class RowDelegate final : public QStyledItemDelegate {
   private:
     static bool hasFocus(const QWidget* widget) { return widget && widget->hasFocus(); }
 
-    static void paintImage(QPainter& painter, const ListRow& row, QRect& area, double scale) {
+    static void paintImage(QPainter& painter, const ListRow& row, QRect& area, const QColor& text) {
         const auto* const image = dynamic_cast<const QtImage*>(row.image.get());
         if (!image || image->size().width <= 0 || image->size().height <= 0)
             return;
@@ -120,7 +120,8 @@ class RowDelegate final : public QStyledItemDelegate {
                            kImageSide);
         QRectF place({}, size);
         place.moveCenter(QRectF(square).center());
-        painter.drawImage(place, image->pixelsForScale(scale));
+        const double scale = painter.device()->devicePixelRatioF();
+        painter.drawImage(place, image->pixelsForScale(scale, text));
         area.setLeft(square.right() + 1 + kPadding);
     }
 

@@ -1,5 +1,6 @@
 #include "platform/qt/PanelTextField.h"
 
+#include "platform/qt/Modifiers.h"
 #include "platform/qt/Strings.h"
 
 #include <QFocusEvent>
@@ -49,16 +50,21 @@ void PanelTextField::commitIfChanged() {
         commit();
 }
 
-void PanelTextField::step(int direction) {
-    if (const auto field = control<TextField>())
-        run([&] { field->userDidStep(direction); });
+/// Returns whether the key is an arrow key that the field handles.
+bool PanelTextField::step(const QKeyEvent& event) {
+    const auto field = control<TextField>();
+    const bool isUp = event.key() == Qt::Key_Up;
+    if ((!isUp && event.key() != Qt::Key_Down) || !field || !field->canStep() ||
+        modifierFlags(event.modifiers()) != 0)
+        return false;
+    run([&] { field->userDidStep(isUp ? 1 : -1); });
+    return true;
 }
 
 void PanelTextField::keyPressEvent(QKeyEvent* event) {
+    if (step(*event))
+        return;
     const bool isReturn = event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter;
-    const int direction = event->key() == Qt::Key_Up ? 1 : event->key() == Qt::Key_Down ? -1 : 0;
-    if (direction != 0)
-        return step(direction);
     if (isReturn)
         commit();
     else if (event->key() != Qt::Key_Escape)

@@ -25,7 +25,7 @@ class PanelTextField final : public QLineEdit, public PanelControl {
 
   private:
     void commit();
-    void step(int direction);
+    bool step(const QKeyEvent& event);
     void commitIfChanged();
 };
 

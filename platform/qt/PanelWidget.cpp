@@ -58,6 +58,14 @@ QRect primaryScreen() {
     return QGuiApplication::primaryScreen()->geometry();
 }
 
+/// The primary one first.
+QList<QRect> allScreens() {
+    QList<QRect> result;
+    for (const QScreen* screen : QGuiApplication::screens())
+        result.append(screen->geometry());
+    return result;
+}
+
 } // namespace
 
 PanelWidget::PanelWidget(Panel& panel)
@@ -148,6 +156,8 @@ void PanelWidget::detach() {
 void PanelWidget::makeKeyAndOrderFront() {
     setWindowState(windowState() & ~Qt::WindowMinimized);
     const bool wasVisible = isVisible();
+    if (!wasVisible && panel_)
+        adoptFrame(reachableFrame(panel_->frame(), allScreens()));
     show();
     raise();
     activateWindow();

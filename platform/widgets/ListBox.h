@@ -15,9 +15,9 @@ namespace platform {
 /// A row of a list.
 struct ListRow {
     std::string text;
-    std::string detail{}; ///< shown in a second column, at the right
-    std::shared_ptr<Image>
-        image{}; ///< shown before the text, scaled down to at most 16 x 16 points
+    std::string detail{};           ///< shown in a second column, at the right
+    std::shared_ptr<Image> image{}; ///< shown before the text, scaled down to at most 16 x 16
+                                    ///< points; a template has the colour of the text
 };
 
 /// Follows changes of a list's rows. Used by the window of the panel.

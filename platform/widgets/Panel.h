@@ -106,7 +106,8 @@ class Panel : public ActionSender, public std::enable_shared_from_this<Panel> {
     virtual void setFrame(const Rect& frame, bool display, bool animate);
     /// Redraws the panel immediately.
     virtual void display();
-    /// Shows the panel in front of the others and gives it the keyboard focus. If the panel was
+    /// Shows the panel in front of the others and gives it the keyboard focus. If it was hidden and
+    /// its title bar is outside of all screens, moves it to the first one. If the panel was
     /// hidden and no control has requested the focus, the first text field or list gets it, or else
     /// the background.
     void makeKeyAndOrderFront();

@@ -43,6 +43,7 @@ class TextField final : public Control {
     /// Sets the function to call when the user presses the up (1) or the down arrow key (-1),
     /// replacing the previous one. Use it to step a number, a date or a time.
     void setStepHandler(std::function<void(int direction)> handler) { step_ = std::move(handler); }
+    bool canStep() const { return step_ != nullptr; }
 
     // Called by the panel's window.
 

@@ -222,6 +222,16 @@ TEST_F(ConvertPanelTest, ShowsTheTimeNowAtAllLocations) {
     EXPECT_EQ(control<ListBox>()->rows()[0].text, "Local time (Berlin)");
     EXPECT_EQ(control<ListBox>()->rows()[1].text, "Kathmandu");
     EXPECT_THAT(details(), ElementsAre("13:07", "17:52", "+1   01:07", "no time zone"));
+    // Both are at 0° N, 0° E, where it is noon, then midnight.
+    const auto& rows = control<ListBox>()->rows();
+    const auto day = rows[1].image, unknown = rows[0].image;
+    EXPECT_EQ(rows[3].image, unknown);
+    EXPECT_NE(day, unknown);
+    control<Slider>()->userDidMove(0);
+    EXPECT_NE(rows[1].image, day);
+    EXPECT_NE(rows[1].image, unknown);
+    control<Button>()->performClick();
+    EXPECT_EQ(rows[2].image, day);
     EXPECT_EQ(control<Slider>()->value(), 52);
     EXPECT_EQ(control<Slider>()->maxValue(), 4 * 47);
     EXPECT_FALSE(showsError());

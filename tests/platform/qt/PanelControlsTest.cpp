@@ -169,6 +169,18 @@ TEST_F(PanelControls, EditTextInAFieldThatHasTheFirstFocus) {
     EXPECT_THAT(taken(), ElementsAre("edit z", "commit z"));
 }
 
+TEST_F(PanelControls, StepAFieldWithTheArrowKeys) {
+    press(Qt::Key_Up);
+    EXPECT_THAT(taken(), ElementsAre()) << "there is no handler";
+    field->setStepHandler([this](int direction) { record("step " + std::to_string(direction)); });
+    press(Qt::Key_Up);
+    press(Qt::Key_Down);
+    press(Qt::Key_Left);
+    EXPECT_THAT(taken(), ElementsAre("step 1", "step -1"));
+    press(Qt::Key_Up, Qt::ControlModifier);
+    EXPECT_THAT(taken(), ElementsAre());
+}
+
 TEST_F(PanelControls, MoveASliderWithinItsRange) {
     auto* const shownSlider = shown(*slider);
     slider->setValue(15);
@@ -241,6 +253,22 @@ TEST_F(PanelControls, SelectAndActivateRowsOfAList) {
     EXPECT_THAT(taken(), ElementsAre());
     press(Qt::Key_Up);
     EXPECT_THAT(taken(), ElementsAre("select 4320"));
+}
+
+TEST_F(PanelControls, DrawATemplateInAListInTheColourOfItsText) {
+    const auto square = [](GraphicsContext& context) {
+        context.fillRect({{0, 0}, {16, 16}}, deviceRGB(1, 0, 0), CompositingOperation::SourceOver);
+    };
+    const auto drawn = graphics.imageByDrawing({16, 16}, square);
+    list->setRows({{"", "", drawn}, {"", "", graphics.templateImage(drawn)}});
+    const QImage picture = shown(*list)->grab().toImage();
+    const auto at = [&](int row) {
+        const auto* const rows = qobject_cast<QAbstractItemView*>(shown(*list));
+        const QRect area = rows->visualRect(rows->model()->index(row, 0));
+        return picture.pixelColor(rows->viewport()->mapToParent(area.topLeft()) + QPoint(14, 12));
+    };
+    EXPECT_EQ(at(0), QColor(Qt::red));
+    EXPECT_EQ(at(1), shown(*list)->palette().color(QPalette::Text));
 }
 
 TEST_F(PanelControls, ShowAViewThatIsClickedTypedIntoAndResized) {

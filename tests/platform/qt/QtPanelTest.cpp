@@ -173,6 +173,21 @@ TEST(PanelGeometry, IsRelativeToThePrimaryScreenWhereverThatIs) {
     }
 }
 
+TEST(PanelGeometry, KeepsTheTitleBarWithinReach) {
+    const QList<QRect> screens{{0, 0, 800, 600}, {800, 0, 400, 300}};
+    const Size size{200, 119};
+    const std::pair<Point, Point> cases[] = {
+        {{100, 50}, {100, 50}},     {{-140, 50}, {-140, 50}},  {{-141, 50}, {0, 50}},
+        {{740, 50}, {740, 50}},     {{741, 50}, {600, 50}},    {{741, 400}, {741, 400}},
+        {{1140, 400}, {1140, 400}}, {{1141, 400}, {600, 400}}, {{100, -109}, {100, -109}},
+        {{100, -110}, {100, 0}},    {{100, 490}, {100, 490}},  {{100, 491}, {100, 481}},
+        {{5000, -3000}, {600, 0}}};
+    for (const auto& [origin, expected] : cases)
+        EXPECT_EQ(qt::reachableFrame({origin, size}, screens), (Rect{expected, size})) << origin.x;
+    EXPECT_EQ(qt::reachableFrame({{-900, 700}, {900, 700}}, screens), (Rect{{0, -100}, {900, 700}}))
+        << "too large: the title bar is visible";
+}
+
 TEST_F(ShownPanel, FinishesItsAnimationIfItIsReleasedMeanwhile) {
     Size last;
     panel->setResizeObserver([&, shown = panel.get()] { last = shown->frame().size; });
