@@ -49,7 +49,7 @@ ListRow convertRow(const ConvertPlace& place, std::int64_t instant, const DayIma
                 images.unknown};
     const auto time = extras::worldTime(*place.clock, instant);
     if (!time)
-        return {place.name, tr("no time zone"), images.unknown};
+        return {place.name, tr("no usable time zone"), images.unknown};
     const std::string days = extras::dayDifferenceText(time->dayDifference);
     return {place.name, days.empty() ? time->time : days + "   " + time->time,
             !time->isDay   ? images.unknown
