@@ -17,7 +17,8 @@ constexpr Size kSymbolSize{20, 14};
 constexpr Point kSource{10, 0}; // of the waves
 constexpr double kThickness = 2;
 constexpr double kDistance = 4; // from one wave to the next
-constexpr int kWaves = 4;       // including the dot at the source
+constexpr double kDot = 3;      // the radius of the wedge at the source, the first wave
+constexpr int kWaves = 4;
 constexpr Size kLockSize{10, 12};
 
 constexpr double kSolid = 1;
@@ -27,11 +28,11 @@ constexpr double kFaint = 0.3; // opacity of the waves that the signal does not 
 void drawWaves(GraphicsContext& context, int level, int first = 0) {
     for (int i = first; i < kWaves; ++i) {
         BezierPath path;
-        path.appendArcWithCenter(kSource, i * kDistance + kThickness, 45, 135);
-        if (i > 0)
-            path.appendArcWithCenter(kSource, i * kDistance, 135, 45, ArcDirection::Clockwise);
-        else
+        path.appendArcWithCenter(kSource, i == 0 ? kDot : i * kDistance + kThickness, 45, 135);
+        if (i == 0)
             path.lineToPoint(kSource);
+        else
+            path.appendArcWithCenter(kSource, i * kDistance, 135, 45, ArcDirection::Clockwise);
         path.closePath();
         context.fillPath(path, calibratedWhite(0, i < level ? kSolid : kFaint), Copy);
     }
@@ -45,8 +46,8 @@ void drawLines(GraphicsContext& context, const BezierPath& lines, double opacity
 
 void drawSlash(GraphicsContext& context, double opacity) {
     BezierPath line;
-    line.moveToPoint({2, 14});
-    line.lineToPoint({16, 0});
+    line.moveToPoint({4, 14});
+    line.lineToPoint({18, 0});
     drawLines(context, line, opacity);
 }
 

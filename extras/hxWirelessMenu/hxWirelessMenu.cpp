@@ -95,18 +95,25 @@ class WirelessMenu final : public HalvexMenuExtraBase {
     void update() {
         const WirelessStatus& status = wireless().status();
         const WirelessAdapter* const adapter = mainAdapter(status);
+        showTitle(titleOf(adapter));
         const auto symbol = icons_.symbol(symbolOf(status));
         if (symbol != image()) {
             setImage(symbol);
             view()->setNeedsDisplay(true); // all have the same width
         }
-        setTitle(titleOf(adapter));
         if (!status.isReady)
             return;
         setToolTip(adapter ? toolTipOf(*adapter) : tr("No wireless adapter"));
         const std::string spoken = spokenState(adapter);
         if (spoken != accessibleTexts().value) // setting it redraws the item
             setAccessibleTexts({.value = spoken});
+    }
+
+    /// Unlike setTitle, draws nothing if the title is missing and already was.
+    void showTitle(const std::optional<std::string>& title) {
+        const auto shown = attributedTitle();
+        if (title || shown)
+            setTitle(title);
     }
 
     std::optional<std::string> titleOf(const WirelessAdapter* adapter) {
