@@ -76,6 +76,15 @@ class WirelessMenu final : public HalvexMenuExtraBase {
     void menuWillOpen() override { networks_.open(weak_from_this()); }
     void menuDidClose() override { networks_.close(); }
 
+    // Made when they are needed: the strength changes all the time.
+    std::string toolTip() const override {
+        const WirelessAdapter* const adapter = mainAdapter(wireless().status());
+        return adapter ? toolTipOf(*adapter) : tr("No wireless adapter");
+    }
+    AccessibleDescription accessibleTexts() const override {
+        return {.value = spokenState(mainAdapter(wireless().status()))};
+    }
+
     void willUnload() override {
         start_.reset();
         statusWatch_.reset();
@@ -97,16 +106,12 @@ class WirelessMenu final : public HalvexMenuExtraBase {
         const WirelessAdapter* const adapter = mainAdapter(status);
         showTitle(titleOf(adapter));
         const auto symbol = icons_.symbol(symbolOf(status));
-        if (symbol != image()) {
-            setImage(symbol);
-            view()->setNeedsDisplay(true); // all have the same width
-        }
-        if (!status.isReady)
-            return;
-        setToolTip(adapter ? toolTipOf(*adapter) : tr("No wireless adapter"));
-        const std::string spoken = spokenState(adapter);
-        if (spoken != accessibleTexts().value) // setting it redraws the item
-            setAccessibleTexts({.value = spoken});
+        const std::string ssid = adapter && adapter->network ? adapter->network->ssid : "";
+        const bool isSame = symbol == image() && ssid == ssid_;
+        setImage(symbol); // all have the same width
+        ssid_ = ssid;
+        if (!isSame)
+            view()->setNeedsDisplay(true); // also has the new texts announced
     }
 
     /// Unlike setTitle, draws nothing if the title is missing and already was.
@@ -136,6 +141,7 @@ class WirelessMenu final : public HalvexMenuExtraBase {
     NetworkMenu networks_{icons_};
     Preferences preferences_;
     std::string invalidTitle_; // logged
+    std::string ssid_;         // shown
     std::unique_ptr<Watch> start_, statusWatch_, preferencesWatch_;
 };
 
