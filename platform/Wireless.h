@@ -33,7 +33,7 @@ constexpr bool requiresPassword(WirelessSecurity security) {
 /// network.
 struct WirelessNetwork {
     std::string ssid{}; ///< identifies the network; 1 to 32 bytes of any value
-    std::string name{}; ///< the user-visible ssid: malformed UTF-8 and control characters replaced
+    std::string name{}; ///< the user-visible ssid; what is malformed or invisible is replaced
     /// std::nullopt if unknown
     std::optional<WirelessSecurity> security{};
     int strength = 0;       ///< of the signal, in percent

@@ -78,11 +78,15 @@ class WirelessMenu final : public HalvexMenuExtraBase {
 
     // Made when they are needed: the strength changes all the time.
     std::string toolTip() const override {
-        const WirelessAdapter* const adapter = mainAdapter(wireless().status());
-        return adapter ? toolTipOf(*adapter) : tr("No wireless adapter");
+        const WirelessStatus& status = wireless().status();
+        const WirelessAdapter* const adapter = mainAdapter(status);
+        if (!adapter)
+            return status.isReady ? tr("No wireless adapter") : "";
+        return toolTipOf(*adapter);
     }
     AccessibleDescription accessibleTexts() const override {
-        return {.value = spokenState(mainAdapter(wireless().status()))};
+        const WirelessStatus& status = wireless().status();
+        return {.value = status.isReady ? spokenState(mainAdapter(status)) : ""};
     }
 
     void willUnload() override {

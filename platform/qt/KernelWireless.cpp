@@ -1,8 +1,8 @@
 #include "platform/qt/KernelWireless.h"
 
 #include "platform/MainThread.h"
-#include "platform/qt/KernelWirelessName.h"
 #include "platform/qt/NetworkNames.h"
+#include "platform/qt/Nl80211.h"
 
 #include <algorithm>
 #include <array>
@@ -118,8 +118,10 @@ WirelessAdapter adapterAt(const fs::path& interface, const Strengths& strengths)
                             .strength = strength == strengths.end() ? 0 : strength->second,
                             .isVisible = true};
     }
-    if (adapter.state == WirelessState::Connected)
+    if (adapter.state == WirelessState::Connected) {
         adapter.addresses = addressesOf(adapter.interface);
+        adapter.speed = kernelSpeed(adapter.interface);
+    }
     return adapter;
 }
 

@@ -22,7 +22,7 @@ struct KernelFiles {
 
 /// The wireless adapters as the kernel reports them, with the network that each is connected to,
 /// but not its security nor other networks. Watches the state of the interfaces. Reads the strength
-/// of the signal once a minute, and only while there is an adapter. Main thread only.
+/// of the signal and the speed once a minute, and only while there is an adapter. Main thread only.
 class KernelWireless : NonCopyable {
   public:
     /// @p changed is called on the main thread after the status may have changed.

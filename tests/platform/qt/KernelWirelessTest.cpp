@@ -1,6 +1,6 @@
 #include "platform/qt/KernelWireless.h"
 
-#include "platform/qt/KernelWirelessName.h"
+#include "platform/qt/Nl80211.h"
 #include "tests/platform/qt/MainLoop.h"
 #include "tests/support/Fakes.h"
 #include "tests/support/TemporaryFolder.h"
@@ -42,6 +42,31 @@ TEST(KernelNames, AreReadFromGenericNetlink) {
         EXPECT_EQ(platform::qt::netlinkAttribute(bytes, 0x34), value);
     EXPECT_EQ(platform::qt::genericNetlinkFamily("nlctrl"), 16);
     EXPECT_EQ(platform::qt::genericNetlinkFamily("missing"), std::nullopt);
+}
+
+TEST(KernelSpeed, IsReadFromTheStation) {
+    const auto attribute = [](std::uint16_t type, const std::string& value) {
+        const auto size = static_cast<char>(value.size() + 4);
+        return std::string{size, 0, static_cast<char>(type), 0} + value +
+               std::string((4 - value.size() % 4) % 4, '\0');
+    };
+    const auto station = [&](const std::string& rates) {
+        return attribute(3, "x") +
+               attribute(0x15,
+                         attribute(7, "x") + attribute(8, rates)); // 8: sending, 14: receiving
+    };
+    const std::string slow = attribute(1, std::string("\x1C\x02", 2)),
+                      fast = attribute(5, std::string("\xB8\x88\x01\0", 4));
+    for (const auto& [bytes, speed] :
+         std::vector<std::pair<std::string, std::optional<std::uint64_t>>>{
+             {station(slow), 54'000'000},
+             {station(slow + fast), 10'053'600'000},
+             {station(attribute(5, "xy")), {}},
+             {attribute(0x15, attribute(14, slow)), {}},
+             {slow, {}},
+             {"", {}}})
+        EXPECT_EQ(platform::qt::speedOfStation(bytes), speed);
+    EXPECT_EQ(platform::qt::kernelSpeed("lo"), std::nullopt);
 }
 
 TEST(KernelWireless, DescribesTheAdaptersInTheFolder) {

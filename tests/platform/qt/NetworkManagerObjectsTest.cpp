@@ -42,7 +42,12 @@ TEST(NetworkManagerSecurity, FollowsFromTheFlagsOfTheAccessPoint) {
 
 TEST(NetworkNames, ShowNoControlCharactersOrMalformedBytes) {
     for (const auto& [ssid, name] : std::vector<std::pair<std::string, std::string>>{
-             {"Käse 5", "Käse 5"}, {"a\nb\x7F", "a\uFFFDb\uFFFD"}, {"\xFFz\xC3", "\uFFFDz\uFFFD"}})
+             {"Käse 5", "Käse 5"},
+             {"a\nb\x7F", "a\uFFFDb\uFFFD"},
+             {"\xFFz\xC3", "\uFFFDz\uFFFD"},
+             {std::string("\0x", 2), "\uFFFDx"},
+             {"\u202Ea\u2069\u0085", "\uFFFDa\uFFFD\uFFFD"},
+             {" ~\u00A0\u2010\u2030שלום", " ~\u00A0\u2010\u2030שלום"}})
         EXPECT_EQ(platform::qt::nameOfSsid(ssid), name);
 }
 
