@@ -1,5 +1,6 @@
 #include "platform/qt/PanelButton.h"
 
+#include "platform/qt/PanelPainting.h"
 #include "platform/qt/PanelStyle.h"
 #include "platform/qt/QtImage.h"
 #include "platform/qt/TextLine.h"
@@ -72,10 +73,17 @@ void PanelButton::paintEvent(QPaintEvent*) {
     const auto* const picture = dynamic_cast<const QtImage*>(look.image.get());
     if (picture && look.imagePosition != ImagePosition::NoImage) {
         const QSizeF size(picture->size().width, picture->size().height);
-        painter.drawImage(centered(size, rect()), picture->pixelsForScale(devicePixelRatioF()));
+        paintPanelImage(painter, *picture, centered(size, rect()), textColor(*button));
     }
     if (!button->title().empty() && look.imagePosition != ImagePosition::ImageOnly)
         paintTitle(painter, *button);
+}
+
+QColor PanelButton::textColor(const Button& button) const {
+    const bool isFilled = isDefault_ && button.look().bordered;
+    // The button is drawn paler as a whole while it is disabled.
+    return palette().color(QPalette::Active,
+                           isFilled ? QPalette::HighlightedText : QPalette::WindowText);
 }
 
 void PanelButton::paintPlate(QPainter& painter, const Button& button) const {
@@ -104,10 +112,7 @@ void PanelButton::paintTitle(QPainter& painter, const Button& button) const {
     const TextLine line(button.attributedTitle(), fonts, font(), FontSmoothing::Greyscale);
     const QRectF place = centered({line.size().width, line.size().height}, rect());
     painter.translate(place.left(), std::round(place.top()));
-    const bool isFilled = isDefault_ && button.look().bordered;
-    // The button is drawn paler as a whole while it is disabled.
-    painter.setPen(palette().color(QPalette::Active,
-                                   isFilled ? QPalette::HighlightedText : QPalette::WindowText));
+    painter.setPen(textColor(button));
     line.fill(painter);
 }
 

@@ -27,6 +27,7 @@ class PanelButton final : public QAbstractButton, public PanelControl {
     void keyPressEvent(QKeyEvent* event) override;
 
   private:
+    QColor textColor(const Button& button) const;
     void paintPlate(QPainter& painter, const Button& button) const;
     void paintTitle(QPainter& painter, const Button& button) const;
 

@@ -1,5 +1,6 @@
 #include "platform/qt/PanelListBox.h"
 
+#include "platform/qt/PanelPainting.h"
 #include "platform/qt/PanelStyle.h"
 #include "platform/qt/QtImage.h"
 #include "platform/qt/Strings.h"
@@ -70,6 +71,7 @@ namespace {
 constexpr int kImageSide = 16;
 constexpr int kPadding = 6;
 constexpr int kRowMargin = 4; // above and below the text
+constexpr double kDisabledOpacity = 0.4;
 
 /// Draws a row: image, text, and at the right the detail in a paler colour.
 class RowDelegate final : public QStyledItemDelegate {
@@ -97,11 +99,11 @@ class RowDelegate final : public QStyledItemDelegate {
             painter->drawRoundedRect(option.rect, kPanelControlRadius - 1, kPanelControlRadius - 1);
         }
         QRect area = option.rect.adjusted(kPadding, 0, -kPadding, 0);
-        const auto group =
-            option.state & QStyle::State_Enabled ? QPalette::Active : QPalette::Disabled;
+        const bool isEnabled = option.state & QStyle::State_Enabled;
+        const auto group = isEnabled ? QPalette::Active : QPalette::Disabled;
         const QColor text = isSelected && isActive ? colors.accentText
                                                    : option.palette.color(group, QPalette::Text);
-        paintImage(*painter, *row, area, text);
+        paintImage(*painter, *row, area, text, isEnabled);
         paintTexts(*painter, *row, area, option.fontMetrics, text);
         painter->restore();
     }
@@ -109,7 +111,9 @@ class RowDelegate final : public QStyledItemDelegate {
   private:
     static bool hasFocus(const QWidget* widget) { return widget && widget->hasFocus(); }
 
-    static void paintImage(QPainter& painter, const ListRow& row, QRect& area, const QColor& text) {
+    /// Moves the left edge of @p area to the text.
+    static void paintImage(QPainter& painter, const ListRow& row, QRect& area, const QColor& text,
+                           bool isEnabled) {
         const auto* const image = dynamic_cast<const QtImage*>(row.image.get());
         if (!image || image->size().width <= 0 || image->size().height <= 0)
             return;
@@ -120,8 +124,10 @@ class RowDelegate final : public QStyledItemDelegate {
                            kImageSide);
         QRectF place({}, size);
         place.moveCenter(QRectF(square).center());
-        const double scale = painter.device()->devicePixelRatioF();
-        painter.drawImage(place, image->pixelsForScale(scale, text));
+        // The colour of a template says that it is disabled.
+        painter.setOpacity(isEnabled || image->isTemplate() ? 1 : kDisabledOpacity);
+        paintPanelImage(painter, *image, place, text);
+        painter.setOpacity(1);
         area.setLeft(square.right() + 1 + kPadding);
     }
 

@@ -7,6 +7,8 @@
 #include <QPainter>
 #include <QPainterPath>
 
+#include <cmath>
+
 namespace platform::qt {
 namespace {
 
@@ -73,6 +75,20 @@ void paintResizeIndicator(QPainter& painter, const QRect& frame, QColor color) {
     painter.setPen(QPen(color, 1));
     for (const int length : {4, 8, 12})
         painter.drawLine(corner - QPointF(length, 0), corner - QPointF(0, length));
+}
+
+void paintPanelImage(QPainter& painter, const QtImage& image, QRectF place,
+                     const QColor& foreground) {
+    const double scale = painter.device()->devicePixelRatioF();
+    const QImage pixels = image.pixelsForScale(scale, foreground);
+    if (pixels.isNull())
+        return;
+    place.moveTopLeft(
+        {std::round(place.left() * scale) / scale, std::round(place.top() * scale) / scale});
+    // Pixels may extend beyond the image at the top and at the right.
+    const double density = pixels.width() / image.extent().width;
+    const QSizeF shown(image.size().width * density, image.size().height * density);
+    painter.drawImage(place, pixels, QRectF({0, pixels.height() - shown.height()}, shown));
 }
 
 } // namespace platform::qt

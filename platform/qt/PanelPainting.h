@@ -10,6 +10,8 @@ class QPainter;
 
 namespace platform::qt {
 
+class QtImage;
+
 // The parts of a panel. @p frame is the panel's frame in the window's coordinates.
 
 /// Draws a shadow of @p width around the frame. Nothing is drawn inside, where it would show
@@ -28,5 +30,10 @@ void paintPanelTitle(QPainter& painter, const QRect& frame, int height, const QS
 
 /// Draws three diagonal lines in the lower right corner.
 void paintResizeIndicator(QPainter& painter, const QRect& frame, QColor color);
+
+/// Draws an image as large as @p place, moved to the next pixels. A template has the colour
+/// @p foreground.
+void paintPanelImage(QPainter& painter, const QtImage& image, QRectF place,
+                     const QColor& foreground);
 
 } // namespace platform::qt

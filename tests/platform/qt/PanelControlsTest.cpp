@@ -1,5 +1,6 @@
 #include "platform/base/Exception.h"
 #include "platform/qt/PanelControl.h"
+#include "platform/qt/PanelStyle.h"
 #include "platform/qt/PanelWidget.h"
 #include "platform/qt/QtGraphics.h"
 #include "platform/qt/QtPanelService.h"
@@ -324,6 +325,34 @@ TEST_F(PanelControls, PassReturnToTheDefaultButtonAndNothingElseToTheBackground)
     disabled->setHidden(true);
     click(10, 70);
     EXPECT_THAT(taken(), ElementsAre("background"));
+}
+
+TEST_F(PanelControls, DrawTemplateImagesInTheColourOfTheirText) {
+    const auto icon =
+        graphics.templateImage(graphics.imageByDrawing({16, 16}, [](GraphicsContext& context) {
+            context.fillRect({{}, {16, 16}}, deviceRGB(1, 0, 1), CompositingOperation::Copy);
+        }));
+    for (const auto& one : {button, disabled}) {
+        one->setImage(icon);
+        one->setImagePosition(ImagePosition::ImageOnly);
+    }
+    list->setRows({{"Ada", "", icon}, {"Bob", "", icon}});
+    list->setSelectedRow(1);
+    shown(*list)->setFocus();
+    const auto pixel = [&](const Control& control, QPoint at) {
+        return shown(control)->grab().toImage().pixelColor(at);
+    };
+    const QPalette palette = shown(*list)->palette();
+    const QPoint center(100, 10), first(16, 14), second(16, 38);
+    EXPECT_EQ(pixel(*button, center), palette.color(QPalette::WindowText));
+    EXPECT_EQ(pixel(*list, first), palette.color(QPalette::Text));
+    EXPECT_EQ(pixel(*list, second), qt::PanelColors(palette).accentText);
+    EXPECT_NE(pixel(*list, first), pixel(*list, second));
+    panel->contentView().setDefaultButton(button);
+    EXPECT_EQ(pixel(*button, center), palette.color(QPalette::HighlightedText));
+    list->setEnabled(false);
+    EXPECT_EQ(pixel(*list, first), palette.color(QPalette::Disabled, QPalette::Text));
+    EXPECT_NE(pixel(*disabled, center), pixel(*button, center)) << "paler";
 }
 
 TEST_F(PanelControls, FollowTabInTheOrderOfAdditionAndCanBeRemoved) {

@@ -2,6 +2,7 @@
 
 #include "platform/EventSource.h"
 #include "platform/qt/HandledEvent.h"
+#include "platform/qt/MenuRow.h"
 #include "platform/qt/MenuShortcut.h"
 #include "platform/qt/QtGraphics.h"
 #include "tests/support/RecordingLog.h"
@@ -98,6 +99,46 @@ TEST_F(QtMenuTest, ShowsTitlesStatesSeparatorsAndDisabledItems) {
     cyclic->addItem("itself", {}, target).setSubmenu(cyclic);
     EXPECT_FALSE(QtMenu(cyclic, "test.item").actions().front()->isEnabled());
     cyclic->removeAllItems();
+}
+
+TEST_F(QtMenuTest, IsAsWideAsItsWidestTitleNeeds) {
+    const auto image = graphics.imageByDrawing({20, 14}, [](GraphicsContext&) {});
+    using Change = std::function<void(MenuItem&)>;
+    for (const auto& [part, change] : std::vector<std::pair<const char*, Change>>{
+             {"the title alone", [](MenuItem&) {}},
+             {"a header",
+              [&](MenuItem&) {
+                  menu->addItem(MenuItem::sectionHeader("A wide header which is the widest row"));
+              }},
+             {"an image", [&](MenuItem& item) { item.setImage(image); }},
+             {"an indentation", [](MenuItem& item) { item.setIndentationLevel(3); }},
+             {"a subtitle",
+              [](MenuItem& item) {
+                  item.setSubtitle("A subtitle that is wider than the title of its item");
+              }},
+             {"a text", [](MenuItem& item) { item.setTrailingText("11:11"); }},
+             {"a text and an image of another row",
+              [&](MenuItem& item) {
+                  item.setTrailingText("11:11");
+                  menu->addItem("x", {}, target).setTrailingImage(image);
+              }},
+             {"a shortcut",
+              [](MenuItem& item) {
+                  item.setShortcut(KeyShortcut{Key::None, "k", kControlKeyMask});
+              }},
+             {"an arrow", [](MenuItem& item) { item.setSubmenu(std::make_shared<Menu>()); }}}) {
+        menu->removeAllItems();
+        change(menu->addItem("The widest title of this menu", target->choose(), target));
+        QtMenu shown(menu, "test.item");
+        shown.popup({});
+        const auto columns = qt::menuColumns(menu->items(), shown.font());
+        for (std::size_t i = 0; i < menu->items().size(); ++i) {
+            const QRect row = shown.actionGeometry(shown.actions().at(static_cast<qsizetype>(i)));
+            EXPECT_FALSE(qt::isTitleCut(*menu->items()[i], columns, shown.font(), row.width()))
+                << part;
+            EXPECT_TRUE(shown.rect().contains(row)) << part;
+        }
+    }
 }
 
 TEST_F(QtMenuTest, FollowsChangesOfTitlesAndStates) {
