@@ -185,10 +185,10 @@ struct Parts {
 };
 
 int textWidth(const MenuItem& item, const Parts& parts) {
-    const int title = QFontMetrics(parts.title).horizontalAdvance(singleLine(item.title()));
-    const int subtitle =
-        QFontMetrics(parts.subtitle).horizontalAdvance(singleLine(item.subtitle()));
-    return std::max(title, subtitle);
+    const double title = QFontMetricsF(parts.title).horizontalAdvance(singleLine(item.title()));
+    const double subtitle =
+        QFontMetricsF(parts.subtitle).horizontalAdvance(singleLine(item.subtitle()));
+    return static_cast<int>(std::ceil(std::max(title, subtitle)));
 }
 
 /// Paints one item. Rectangles are mirrored for writing from right to left.
@@ -343,8 +343,7 @@ QSize menuRowSize(const MenuItem& item, const MenuColumns& columns, const QFont&
         return {1, kSeparatorHeight}; // QMenu leaves out empty rows
     const Parts parts(item, columns, font);
     const int text = std::min(textWidth(item, parts), kMaximumTitle);
-    constexpr int kFrame = 4; // the menu's frame takes a part of the width
-    return {parts.left + text + parts.trailing() + parts.right + kFrame,
+    return {parts.left + text + parts.trailing() + parts.right,
             parts.height() + (item.isSectionHeader() ? kHeaderMargin : 0)};
 }
 

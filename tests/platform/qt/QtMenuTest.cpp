@@ -2,7 +2,6 @@
 
 #include "platform/EventSource.h"
 #include "platform/qt/HandledEvent.h"
-#include "platform/qt/MenuRow.h"
 #include "platform/qt/MenuShortcut.h"
 #include "platform/qt/QtGraphics.h"
 #include "tests/support/RecordingLog.h"
@@ -101,44 +100,34 @@ TEST_F(QtMenuTest, ShowsTitlesStatesSeparatorsAndDisabledItems) {
     cyclic->removeAllItems();
 }
 
-TEST_F(QtMenuTest, IsAsWideAsItsWidestTitleNeeds) {
+TEST_F(QtMenuTest, ShowsItsWidestTextInFull) {
     const auto image = graphics.imageByDrawing({20, 14}, [](GraphicsContext&) {});
-    using Change = std::function<void(MenuItem&)>;
-    for (const auto& [part, change] : std::vector<std::pair<const char*, Change>>{
-             {"the title alone", [](MenuItem&) {}},
-             {"a header",
-              [&](MenuItem&) {
-                  menu->addItem(MenuItem::sectionHeader("A wide header which is the widest row"));
-              }},
-             {"an image", [&](MenuItem& item) { item.setImage(image); }},
-             {"an indentation", [](MenuItem& item) { item.setIndentationLevel(3); }},
-             {"a subtitle",
-              [](MenuItem& item) {
-                  item.setSubtitle("A subtitle that is wider than the title of its item");
-              }},
-             {"a text", [](MenuItem& item) { item.setTrailingText("11:11"); }},
-             {"a text and an image of another row",
-              [&](MenuItem& item) {
-                  item.setTrailingText("11:11");
-                  menu->addItem("x", {}, target).setTrailingImage(image);
-              }},
-             {"a shortcut",
-              [](MenuItem& item) {
-                  item.setShortcut(KeyShortcut{Key::None, "k", kControlKeyMask});
-              }},
-             {"an arrow", [](MenuItem& item) { item.setSubmenu(std::make_shared<Menu>()); }}}) {
-        menu->removeAllItems();
-        change(menu->addItem("The widest title of this menu", target->choose(), target));
+    const auto add = [&](const std::string& text, const std::string& part) {
+        MenuItem& item = menu->addItem(text, target->choose(), target);
+        if (part == "subtitle") {
+            item.setTitle("x");
+            item.setSubtitle(text);
+        } else if (part == "indented") {
+            item.setImage(image);
+            item.setIndentationLevel(3);
+        }
+    };
+    const auto firstRow = [&] {
         QtMenu shown(menu, "test.item");
         shown.popup({});
-        const auto columns = qt::menuColumns(menu->items(), shown.font());
-        for (std::size_t i = 0; i < menu->items().size(); ++i) {
-            const QRect row = shown.actionGeometry(shown.actions().at(static_cast<qsizetype>(i)));
-            EXPECT_FALSE(qt::isTitleCut(*menu->items()[i], columns, shown.font(), row.width()))
-                << part;
-            EXPECT_TRUE(shown.rect().contains(row)) << part;
+        return shown.grab(shown.actionGeometry(shown.actions().front())).toImage();
+    };
+    // The widths of the texts have different fractions of a pixel.
+    const std::string longest = "Illuminate the widest row, 1234 of 5678";
+    for (std::size_t length = 10; length <= longest.size(); ++length)
+        for (const char* part : {"title", "subtitle", "indented"}) {
+            menu->removeAllItems();
+            add(longest.substr(0, length), part);
+            const QImage alone = firstRow();
+            menu->addItem(std::string(60, 'W'), target->choose(), target);
+            const QRect text = alone.rect().adjusted(0, 0, -12, 0); // without the margin
+            EXPECT_TRUE(alone.copy(text) == firstRow().copy(text)) << part << ' ' << length;
         }
-    }
 }
 
 TEST_F(QtMenuTest, FollowsChangesOfTitlesAndStates) {
