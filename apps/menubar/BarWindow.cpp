@@ -16,7 +16,7 @@
 namespace apps {
 namespace {
 
-constexpr int kRightMargin = 4; // points between the rightmost item and the edge of the screen
+constexpr int kEdgeMargin = 4; // points between the first item and the edge of the screen
 
 /// Closes the open menu, the innermost submenu first: it would stay where its item was.
 void closeMenus() {
@@ -101,19 +101,22 @@ void BarWindow::dock() {
 
 void BarWindow::placeItems(const std::vector<ItemWidget*>& items) {
     items_ = items;
-    int right = width() - kRightMargin;
+    int space = width() - kEdgeMargin;
     for (ItemWidget* item : items_) {
-        const int itemWidth = std::clamp(item->preferredWidth(), 0, std::max(right, 0));
-        right -= itemWidth;
-        item->setGeometry(right, 0, itemWidth, kBarHeight);
+        const int itemWidth = std::clamp(item->preferredWidth(), 0, std::max(space, 0));
+        space -= itemWidth;
+        item->setGeometry(isRightToLeft() ? width() - space - itemWidth : space, 0, itemWidth,
+                          kBarHeight);
         item->setVisible(itemWidth > 0);
     }
 }
 
 std::vector<ItemWidget*> BarWindow::visibleItems() const {
     std::vector<ItemWidget*> visible;
-    std::copy_if(items_.rbegin(), items_.rend(), std::back_inserter(visible),
+    std::copy_if(items_.begin(), items_.end(), std::back_inserter(visible),
                  [](const ItemWidget* item) { return !item->isHidden(); });
+    if (!isRightToLeft())
+        std::ranges::reverse(visible);
     return visible;
 }
 

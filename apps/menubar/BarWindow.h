@@ -18,8 +18,9 @@ class BarWindow final : public QWidget {
     BarWindow();
     ~BarWindow() override;
 
-    /// Places the items, rightmost first. Each item gets its preferred width or the remaining
-    /// space, whichever is smaller. Items with no space left are hidden.
+    /// Places the items, the rightmost first, or if the layout is from right to left, the leftmost
+    /// first. Each item gets its preferred width or the remaining space, whichever is smaller.
+    /// Items with no space left are hidden.
     void placeItems(const std::vector<ItemWidget*>& items);
     /// Returns the items that have space in the bar, from left to right.
     std::vector<ItemWidget*> visibleItems() const;

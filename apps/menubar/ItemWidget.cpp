@@ -191,8 +191,11 @@ void ItemWidget::paintEvent(QPaintEvent*) {
     QPainter painter(this);
     paintBarBackground(painter, rect(), palette());
     if (isHighlighted()) {
-        painter.fillRect(0, 0, kPadding, height(), palette().highlight());
-        painter.fillRect(width() - kPadding, 0, kPadding, height(), palette().highlight());
+        // The layer has the rest of the highlight.
+        const QRect inside(kPadding, 0, width() - 2 * kPadding, height());
+        painter.setClipRegion(QRegion(rect()) - inside);
+        paintBarHighlight(painter, rect(), palette());
+        painter.setClipping(false);
     }
     painter.drawImage(kPadding, 0, layer_);
     emit drawn();
@@ -207,7 +210,11 @@ void ItemWidget::drawLayer() {
     if (layer_.size() != pixels)
         layer_ = QImage(pixels, QImage::Format_ARGB32_Premultiplied);
     layer_.setDevicePixelRatio(scale);
-    layer_.fill(isHighlighted() ? palette().color(QPalette::Highlight) : QColor(Qt::transparent));
+    layer_.fill(Qt::transparent);
+    if (isHighlighted()) {
+        QPainter painter(&layer_);
+        paintBarHighlight(painter, rect().translated(-kPadding, 0), palette());
+    }
     // While its menu is open, the item cuts its text out of the highlight.
     const auto textColor =
         isSelected_ && !extra_->isMenuDown() ? QPalette::HighlightedText : QPalette::WindowText;

@@ -32,7 +32,7 @@ class ItemWidget final : public QWidget {
 
   public:
     /// Space on either side of an item, in points.
-    static constexpr int kPadding = 6;
+    static constexpr int kPadding = 8;
 
     /// @p owner is the item's identifier, under which its code runs (see runGuarded).
     ItemWidget(std::string owner, std::shared_ptr<platform::MenuExtra> extra,

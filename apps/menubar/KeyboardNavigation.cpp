@@ -91,15 +91,16 @@ void KeyboardNavigation::tryToBegin() {
 void KeyboardNavigation::begin() {
     const auto open = std::find_if(items_.begin(), items_.end(),
                                    [](const Item& item) { return item.extra().isMenuDown(); });
-    const auto leftmost = std::find_if(items_.begin(), items_.end(), [this](const Item& item) {
-        return item.widget.get() == bar_.visibleItems().front();
-    });
+    const auto visible = bar_.visibleItems();
+    const ItemWidget* const first = bar_.isRightToLeft() ? visible.back() : visible.front();
+    const auto farthest = std::find_if(
+        items_.begin(), items_.end(), [&](const Item& item) { return item.widget.get() == first; });
     menus_.closeOpenMenu(); // it would be below the popup
     isActive_ = true;
     keyReceiver_->setPalette(bar_.palette());
     keyReceiver_->setGeometry(QRect(bar_.mapToGlobal(QPoint()), QSize(1, 1)));
     keyReceiver_->show();
-    select((open != items_.end() ? open : leftmost)->identifier());
+    select((open != items_.end() ? open : farthest)->identifier());
 }
 
 void KeyboardNavigation::end() {

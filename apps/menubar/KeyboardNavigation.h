@@ -39,7 +39,8 @@ class KeyboardNavigation final : public QObject {
     KeyboardNavigation(BarWindow& bar, ItemCollection& items, MenuTracker& menus);
     ~KeyboardNavigation() override;
 
-    /// Selects the item whose menu is open, otherwise the leftmost one. If another program has
+    /// Selects the item whose menu is open, otherwise the leftmost one, or the rightmost one if the
+    /// layout is from right to left. If another program has
     /// grabbed the keyboard, such as a window manager until the keys that started the navigation
     /// are released, tries again for two seconds. If the navigation is active, changes nothing.
     void start(Started started);

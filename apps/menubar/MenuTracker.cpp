@@ -1,11 +1,11 @@
 #include "apps/menubar/MenuTracker.h"
 
-#include "apps/menubar/BarStyle.h"
 #include "apps/menubar/CrashJournal.h"
 #include "apps/menubar/ItemCollection.h"
 #include "platform/qt/QtMenu.h"
 #include "platform/runtime/Guard.h"
 
+#include <QApplication>
 #include <QMouseEvent>
 #include <QTimer>
 
@@ -66,7 +66,7 @@ bool MenuTracker::open(Item& item) {
     extra.setMenuDown(true);
     item.widget->update();
     menus_.push_back({&extra, std::move(menu)});
-    menus_.back().menu->popup(item.widget->mapToGlobal(QPoint(0, kBarHeight)));
+    menus_.back().menu->popupBelow(QRect(item.widget->mapToGlobal(QPoint()), item.widget->size()));
     return true;
 }
 
@@ -119,14 +119,15 @@ void MenuTracker::switchToNeighbour(MenuExtra& extra, int direction) {
         return; // a quick second key press: the menu is already being switched
     if (neighbourHandler_ && neighbourHandler_(direction))
         return;
-    std::vector<const Item*> withMenu; // rightmost first
+    std::vector<const Item*> withMenu; // beginning at the edge of the screen
     for (const Item& item : items_) {
         if (&item.extra() == &extra || hasMenu(item))
             withMenu.push_back(&item);
     }
     const auto current = std::find(withMenu.begin(), withMenu.end(), items_.find(extra));
     const auto count = static_cast<std::ptrdiff_t>(withMenu.size());
-    const std::ptrdiff_t index = (current - withMenu.begin() - direction + count) % count;
+    const int step = QApplication::isRightToLeft() ? direction : -direction;
+    const std::ptrdiff_t index = (current - withMenu.begin() + step + count) % count;
     const Item& neighbour = *withMenu[static_cast<std::size_t>(index)];
     if (&neighbour.extra() != &extra)
         switchTo(neighbour);

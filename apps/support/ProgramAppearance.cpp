@@ -1,5 +1,7 @@
 #include "apps/support/ProgramAppearance.h"
 
+#include "platform/qt/Colors.h"
+
 #include <QApplication>
 #include <QDBusArgument>
 #include <QDBusPendingCallWatcher>
@@ -11,6 +13,8 @@
 
 #include <algorithm>
 #include <array>
+#include <chrono>
+#include <tuple>
 #include <utility>
 
 namespace apps {
@@ -25,6 +29,8 @@ constexpr const char* kContrast = "contrast";
 constexpr const char* kAccentColor = "accent-color";
 constexpr uint kPreferDark = 1;
 constexpr uint kPreferHighContrast = 1;
+// Asking for more settings must not delay the first picture.
+constexpr std::chrono::milliseconds kDetailsDelay{300};
 
 /// The portal wraps a setting's value in one or two variants.
 QVariant unwrapVariant(const QVariant& value) {
@@ -56,21 +62,23 @@ bool hasDarkPalette() {
     return QApplication::palette().color(QPalette::Window).lightness() < 128;
 }
 
-void applyColorScheme(uint scheme) {
-    applyAppearance(Appearance::Desktop);
-    if (scheme == kPreferDark && !hasDarkPalette())
-        applyAppearance(Appearance::Dark);
-}
-
 } // namespace
 
 ProgramAppearance::ProgramAppearance(apps::Appearance appearance,
                                      std::optional<QDBusConnection> bus)
-    : bus_(std::move(bus)), followsColorScheme_(appearance == apps::Appearance::Desktop) {
-    if (followsColorScheme_)
+    : bus_(std::move(bus)), appearance_(appearance) {
+    apply();
+    if (appearance_ == apps::Appearance::Desktop)
         connectToPortal();
-    else
-        applyAppearance(appearance);
+    QTimer::singleShot(kDetailsDelay, this, &ProgramAppearance::needDetails);
+}
+
+void ProgramAppearance::apply() {
+    const AppearanceDetails details{
+        accent_ ? std::optional(platform::qt::qColor(*accent_)) : std::nullopt, highContrast_};
+    applyAppearance(appearance_, details);
+    if (prefersDark_ && !hasDarkPalette())
+        applyAppearance(apps::Appearance::Dark, details);
 }
 
 bool ProgramAppearance::isDark() const {
@@ -122,7 +130,7 @@ void ProgramAppearance::needDetails() {
 }
 
 void ProgramAppearance::readSettings() {
-    if (followsColorScheme_)
+    if (appearance_ == apps::Appearance::Desktop)
         readSetting(kColorScheme);
     if (needsDetails_)
         for (const char* key : {kContrast, kAccentColor})
@@ -150,12 +158,15 @@ void ProgramAppearance::settingChanged(const QDBusMessage& message) {
 
 void ProgramAppearance::applySetting(const QString& key, const QVariant& wrapped) {
     const QVariant value = unwrapVariant(wrapped);
-    if (key == kColorScheme && followsColorScheme_)
-        applyColorScheme(value.toUInt());
+    const auto before = std::tuple(prefersDark_, highContrast_, accent_);
+    if (key == kColorScheme && appearance_ == apps::Appearance::Desktop)
+        prefersDark_ = value.toUInt() == kPreferDark;
     else if (key == kContrast)
         highContrast_ = value.toUInt() == kPreferHighContrast;
     else if (key == kAccentColor)
         accent_ = colorFrom(value);
+    if (before != std::tuple(prefersDark_, highContrast_, accent_))
+        apply();
     reportLater();
 }
 

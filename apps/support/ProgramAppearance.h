@@ -19,8 +19,9 @@ namespace apps {
 /// platform::Appearance. With Appearance::Desktop, follows the desktop's "color-scheme" setting,
 /// read from the settings portal, until this object is destroyed. If the palette of Qt's platform
 /// theme is already dark, it is left unchanged. The accent colour and the contrast are read from
-/// the portal when they are first needed, and only reported. Does not start the portal; the
-/// settings are read whenever the portal appears on the bus. Main thread only.
+/// the portal when they are first needed, at the latest a moment after the start, and apply to each
+/// appearance. Does not start the portal; the settings are read whenever the portal appears on the
+/// bus. Main thread only.
 class ProgramAppearance final : public QObject, public platform::Appearance {
     Q_OBJECT
 
@@ -48,6 +49,7 @@ class ProgramAppearance final : public QObject, public platform::Appearance {
     };
 
     bool eventFilter(QObject* watched, QEvent* event) override;
+    void apply();
     void connectToPortal();
     void needDetails();
     void readSettings();
@@ -58,7 +60,8 @@ class ProgramAppearance final : public QObject, public platform::Appearance {
     void report();
 
     std::optional<QDBusConnection> bus_;
-    bool followsColorScheme_;
+    const apps::Appearance appearance_;
+    bool prefersDark_ = false;
     bool isConnected_ = false;
     bool needsDetails_ = false;
     bool willReport_ = false;

@@ -19,20 +19,20 @@ namespace {
 // In points.
 constexpr int kStateWidth = 24; // including the left margin
 constexpr int kRightMargin = 14;
-constexpr int kVerticalMargin = 3;
-constexpr int kHeaderMargin = 4; // above a section header, in addition
+constexpr int kVerticalMargin = 4;
+constexpr int kMinimumHeight = 24; // of a row that is no section header
+constexpr int kHeaderMargin = 4;   // above a section header, in addition
 constexpr int kIndentation = 12;
 constexpr int kGap = 6;        // beside an image
 constexpr int kColumnGap = 24; // between the title and what is on the right
 constexpr int kArrowWidth = 14;
 constexpr int kMaximumTitle = 640;
-constexpr int kSeparatorHeight = 9;
+constexpr int kSeparatorHeight = 11;
 constexpr int kSeparatorInset = 12;
 constexpr double kMaximumImage = 64;
 constexpr double kSmallText = 0.85;
-constexpr double kSecondaryOpacity = 0.65; // of the subtitle and what is on the right
-constexpr double kSelectedOpacity = 0.85;  // the same on the highlight
-constexpr double kSeparatorOpacity = 0.2;
+constexpr double kSelectedOpacity = 0.85; // of secondary text on the highlight
+constexpr double kSeparatorOpacity = 0.16;
 constexpr double kDisabledOpacity = 0.4; // of images
 
 /// Line ends and tabs are shown as blanks.
@@ -145,7 +145,7 @@ int shortcutWidth(const MenuItem& item, const QFont& font) {
 struct Parts {
     Parts(const MenuItem& item, const MenuColumns& columns, const QFont& font)
         : title(titleFont(item, font)), subtitle(smallFont(font)), image(shownSize(item.image())),
-          trailingImage(shownSize(item.trailingImage())) {
+          trailingImage(shownSize(item.trailingImage())), isHeader(item.isSectionHeader()) {
         titleHeight = QFontMetrics(title).height();
         subtitleHeight = item.subtitle().empty() ? 0 : QFontMetrics(subtitle).height();
         left = kStateWidth + item.indentationLevel() * kIndentation +
@@ -167,8 +167,9 @@ struct Parts {
         return width ? width + kColumnGap : 0;
     }
     int height() const {
-        return std::max({titleHeight + subtitleHeight, image.height(), trailingImage.height()}) +
-               2 * kVerticalMargin;
+        const int content =
+            std::max({titleHeight + subtitleHeight, image.height(), trailingImage.height()});
+        return std::max(isHeader ? 0 : kMinimumHeight, content + 2 * kVerticalMargin);
     }
 
     QFont title;
@@ -182,6 +183,7 @@ struct Parts {
     int shortcut = 0;    // including the gap
     int imageColumn = 0; // including the gap
     int trailingText = 0;
+    bool isHeader = false;
 };
 
 int textWidth(const MenuItem& item, const Parts& parts) {
@@ -203,9 +205,12 @@ class RowPainter {
         text_ = selected ? option.palette.color(QPalette::HighlightedText)
                          : option.palette.color(enabled_ ? QPalette::Active : QPalette::Disabled,
                                                 QPalette::Text);
-        secondary_ = text_;
-        secondary_.setAlphaF(float(selected ? kSelectedOpacity : kSecondaryOpacity) *
-                             text_.alphaF());
+        secondary_ =
+            selected || !enabled_ ? text_ : option.palette.color(QPalette::PlaceholderText);
+        if (selected)
+            secondary_.setAlphaF(float(kSelectedOpacity) * secondary_.alphaF());
+        if (item.isSectionHeader())
+            text_ = option.palette.color(QPalette::PlaceholderText);
     }
 
     void paint() {
@@ -228,10 +233,16 @@ class RowPainter {
     QRect centered(QSize size, const QRect& rect) const {
         return QStyle::alignedRect(option_.direction, Qt::AlignCenter, size, rect);
     }
+    /// Returns the corner of a box in the middle of a part, on the boundary of a pixel.
+    QPointF glyphCorner(QSize size, const QRect& rect) const {
+        const double scale = painter_.device()->devicePixelRatioF();
+        const QPointF corner = centered(size, rect).topLeft();
+        return {std::round(corner.x() * scale) / scale, std::round(corner.y() * scale) / scale};
+    }
 
     void paintState() {
-        const QRect box = centered({10, 10}, part(0, kStateWidth));
-        const auto at = [&](double x, double y) { return QPointF(box.topLeft()) + QPointF(x, y); };
+        const QPointF corner = glyphCorner({10, 10}, part(0, kStateWidth));
+        const auto at = [&](double x, double y) { return corner + QPointF(x, y); };
         painter_.setPen(QPen(text_, 1.7, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin));
         if (item_.state() == MenuItem::State::On)
             painter_.drawPolyline(QPolygonF{at(1, 5.5), at(3.8, 8.5), at(9, 1.5)});
@@ -265,15 +276,18 @@ class RowPainter {
         painter_.setPen(color);
         const auto alignment =
             QStyle::visualAlignment(option_.direction, Qt::AlignLeft | Qt::AlignVCenter);
-        painter_.drawText(
-            rect, static_cast<int>(alignment | Qt::AlignAbsolute) | Qt::TextSingleLine,
-            QFontMetrics(font).elidedText(singleLine(text), Qt::ElideRight, rect.width()));
+        const QString line = singleLine(text);
+        painter_.setLayoutDirection(line.isRightToLeft() ? Qt::RightToLeft : Qt::LeftToRight);
+        painter_.drawText(rect,
+                          static_cast<int>(alignment | Qt::AlignAbsolute) | Qt::TextSingleLine,
+                          QFontMetrics(font).elidedText(line, Qt::ElideRight, rect.width()));
     }
 
     void paintTrailing() {
         int right = option_.rect.width() - parts_.right;
         painter_.setFont(font_);
         painter_.setPen(secondary_);
+        painter_.setLayoutDirection(Qt::LeftToRight);
         if (item_.shortcut()) {
             const auto alignment =
                 QStyle::visualAlignment(option_.direction, Qt::AlignRight | Qt::AlignVCenter);
@@ -296,9 +310,10 @@ class RowPainter {
         if (!item_.submenu())
             return;
         const bool mirrored = option_.direction == Qt::RightToLeft;
-        const QRect box = centered({5, 9}, part(option_.rect.width() - kRightMargin - 5, 5));
+        const QPointF corner =
+            glyphCorner({5, 9}, part(option_.rect.width() - kRightMargin - 5, 5));
         const auto at = [&](double x, double y) {
-            return QPointF(box.topLeft()) + QPointF(mirrored ? 5 - x : x, y);
+            return corner + QPointF(mirrored ? 5 - x : x, y);
         };
         painter_.setPen(QPen(secondary_, 1.6, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin));
         painter_.drawPolyline(QPolygonF{at(0.5, 0.5), at(4.5, 4.5), at(0.5, 8.5)});
@@ -353,8 +368,8 @@ bool isTitleCut(const MenuItem& item, const MenuColumns& columns, const QFont& f
 }
 
 void paintMenuHighlight(QPainter& painter, const QRect& row, const QPalette& palette) {
-    constexpr int kInset = 4;
-    constexpr double kRadius = 4;
+    constexpr int kInset = 5;
+    constexpr double kRadius = 5;
     painter.save();
     painter.setRenderHint(QPainter::Antialiasing);
     painter.setPen(Qt::NoPen);

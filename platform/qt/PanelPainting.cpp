@@ -12,26 +12,24 @@
 namespace platform::qt {
 namespace {
 
-constexpr double kShadowOpacity = 0.3;
-constexpr double kShadowRadius = 6;
 constexpr int kIndicatorAlpha = 130;
 
 } // namespace
 
-void paintPanelShadow(QPainter& painter, const QRect& frame, int width) {
+void paintPanelShadow(QPainter& painter, const QRect& frame, const PanelShadow& shadow) {
+    const auto [width, radius, opacity] = shadow;
     painter.save();
     QPainterPath outside;
     outside.addRect(frame.adjusted(-width, -width, width, width));
-    outside.addRoundedRect(frame, kShadowRadius, kShadowRadius);
+    outside.addRoundedRect(frame, radius, radius);
     painter.setClipPath(outside);
     painter.setBrush(Qt::NoBrush);
     for (int ring = 0; ring < width; ++ring) {
         const double distance = ring + 0.5;
         const double remaining = 1 - distance / width;
-        painter.setPen(
-            QPen(QColor::fromRgbF(0, 0, 0, float(kShadowOpacity * remaining * remaining)), 1));
+        painter.setPen(QPen(QColor::fromRgbF(0, 0, 0, float(opacity * remaining * remaining)), 1));
         painter.drawRoundedRect(QRectF(frame).adjusted(-distance, -distance, distance, distance),
-                                kShadowRadius + distance, kShadowRadius + distance);
+                                radius + distance, radius + distance);
     }
     painter.restore();
 }

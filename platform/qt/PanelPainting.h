@@ -14,9 +14,16 @@ class QtImage;
 
 // The parts of a panel. @p frame is the panel's frame in the window's coordinates.
 
-/// Draws a shadow of @p width around the frame. Nothing is drawn inside, where it would show
-/// through a translucent background.
-void paintPanelShadow(QPainter& painter, const QRect& frame, int width);
+/// The shadow of a panel. Lengths are in points.
+struct PanelShadow {
+    int width = 0;
+    double radius = 6; ///< of the panel's corners
+    double opacity = 0.3;
+};
+
+/// Draws a shadow around the frame. Nothing is drawn inside, where it would show through a
+/// translucent background.
+void paintPanelShadow(QPainter& painter, const QRect& frame, const PanelShadow& shadow);
 
 /// Fills the frame with a colour. Tiles of a pattern start at the lower left corner; they are drawn
 /// with the pixels for @p devicePixelRatio.

@@ -253,7 +253,7 @@ void PanelWidget::updateMask() {
 void PanelWidget::paintEvent(QPaintEvent*) {
     QPainter painter(this);
     painter.setRenderHints(QPainter::Antialiasing | QPainter::SmoothPixmapTransform);
-    paintPanelShadow(painter, frameRect(), margin_);
+    paintPanelShadow(painter, frameRect(), {.width = margin_});
     paintPanelBackground(painter, frameRect(), look_.backgroundColor, devicePixelRatioF());
     const QColor text = content_->palette().windowText().color();
     if (hasStyle(kTitledWindowMask) && !hasStyle(kHUDWindowMask)) // a HUD panel draws its title

@@ -8,6 +8,7 @@
 #include "platform/qt/Modifiers.h"
 #include "platform/qt/ToolTip.h"
 #include "platform/qt/ViewWidget.h"
+#include "platform/qt/X11Compositing.h"
 #include "platform/runtime/Guard.h"
 
 #include <QGuiApplication>
@@ -15,6 +16,7 @@
 #include <QKeyEvent>
 #include <QMouseEvent>
 #include <QPointer>
+#include <QScreen>
 #include <QToolTip>
 
 #include <algorithm>
@@ -22,6 +24,11 @@
 
 namespace platform::qt {
 namespace {
+
+// In points.
+constexpr int kShadowWidth = 18;
+constexpr int kBorderWidth = 1;
+constexpr int kSubmenuOverlap = 3; // of the panels of a menu and its submenu
 
 /// Returns the flag of a modifier key, or 0 for another key.
 std::uint32_t modifierOf(const QKeyEvent& event) {
@@ -47,8 +54,10 @@ std::uint32_t modifiersAfter(const QKeyEvent& event) {
 } // namespace
 
 QtMenu::QtMenu(std::shared_ptr<Menu> menu, std::string owner, QWidget* parent)
-    : QMenu(parent), menu_(std::move(menu)), owner_(std::move(owner)) {
+    : QMenu(parent), menu_(std::move(menu)), owner_(std::move(owner)),
+      hasShadow_(parentMenu() ? parentMenu()->hasShadow_ : windowsAreTranslucent()) {
     installMenuAccessibility();
+    setAttribute(Qt::WA_TranslucentBackground, hasShadow_);
     setStyle(menuStyle());
     // Presses outside of the menu are left to the mouse handler.
     setAttribute(Qt::WA_NoMouseReplay);
@@ -69,15 +78,18 @@ QtMenu::~QtMenu() {
         highlighted_->setHighlighted(false);
 }
 
+QtMenu* QtMenu::parentMenu() const {
+    return qobject_cast<QtMenu*>(parentWidget());
+}
+
 QtMenu& QtMenu::root() {
-    auto* const parent = qobject_cast<QtMenu*>(parentWidget());
+    QtMenu* const parent = parentMenu();
     return parent ? parent->root() : *this;
 }
 
 /// Whether this widget or one of its parent menus shows @p menu.
 bool QtMenu::isNestedIn(const Menu& menu) const {
-    const auto* parent = qobject_cast<const QtMenu*>(parentWidget());
-    return menu_.get() == &menu || (parent && parent->isNestedIn(menu));
+    return menu_.get() == &menu || (parentMenu() && parentMenu()->isNestedIn(menu));
 }
 
 QtMenu::Row* QtMenu::rowOf(const QAction* action) const {
@@ -104,14 +116,76 @@ void QtMenu::setOutsideMouseHandler(MouseHandler handler) {
     mouseHandler_ = std::move(handler);
 }
 
+int QtMenu::panelMargin() const {
+    return hasShadow_ ? kShadowWidth : kBorderWidth;
+}
+
+QRect QtMenu::panelRect() const {
+    const int margin = hasShadow_ ? kShadowWidth : 0;
+    return rect().adjusted(margin, margin, -margin, -margin);
+}
+
+void QtMenu::popupBelow(const QRect& item) {
+    const int width = sizeHint().width() - 2 * (hasShadow_ ? kShadowWidth : 0);
+    popupAt({isRightToLeft() ? item.right() + 1 - width : item.left(), item.bottom() + 1});
+}
+
+void QtMenu::popupAt(QPoint position) {
+    popup(position - panelRect().topLeft());
+}
+
+/// Moves a submenu beside the row that opens it: after the row in the direction of the layout, or
+/// before it if there is not enough space. QMenu would leave a gap of the width of the shadow.
+void QtMenu::placeBesideParent(const QtMenu& parent) {
+    const int margin = panelRect().left();
+    const QRect space = screen()->availableGeometry();
+    const QRect panel = parent.panelRect().translated(parent.pos());
+    const int left = panel.left() + kSubmenuOverlap - width() + margin;
+    const int right = panel.right() + 1 - kSubmenuOverlap - margin;
+    const bool fitsLeft = left >= space.left();
+    const bool fitsRight = right + width() <= space.right() + 1;
+    const bool opensRight = isRightToLeft() ? !fitsLeft && fitsRight : fitsRight || !fitsLeft;
+    move(opensRight ? right : left, y());
+}
+
+void QtMenu::showEvent(QShowEvent* event) {
+    const QtMenu* const parent = parentMenu();
+    if (parent && parent->isVisible())
+        placeBesideParent(*parent);
+    QMenu::showEvent(event);
+}
+
 bool QtMenu::handles(const QMouseEvent& event) {
     const MouseHandler& handler = root().mouseHandler_;
-    return !rect().contains(event.pos()) && handler && handler(event);
+    return !panelRect().contains(event.pos()) && handler && handler(event);
+}
+
+/// Handles the mouse in the shadow as if the shadow were not a part of the menu. Returns false
+/// elsewhere.
+bool QtMenu::handlesShadow(const QMouseEvent& event) {
+    if (panelRect().contains(event.pos()) || !rect().contains(event.pos()))
+        return false;
+    QtMenu* parent = parentMenu();
+    const auto isOver = [&](const QtMenu& menu) {
+        return menu.panelRect().contains(menu.mapFromGlobal(event.globalPosition()).toPoint());
+    };
+    while (parent && !isOver(*parent))
+        parent = parent->parentMenu();
+    if (parent)
+        forward(event, *parent);
+    else if (event.type() == QEvent::MouseButtonPress)
+        root().close();
+    return true;
 }
 
 void QtMenu::mousePressEvent(QMouseEvent* event) {
-    if (!handles(*event))
+    if (!handles(*event) && !handlesShadow(*event))
         QMenu::mousePressEvent(event);
+}
+
+void QtMenu::mouseReleaseEvent(QMouseEvent* event) {
+    if (!handlesShadow(*event))
+        QMenu::mouseReleaseEvent(event);
 }
 
 void QtMenu::mouseMoveEvent(QMouseEvent* event) {
@@ -121,7 +195,7 @@ void QtMenu::mouseMoveEvent(QMouseEvent* event) {
         if (row->viewWidget)
             row->viewWidget->sendExit();
     }
-    if (!handles(*event))
+    if (!handles(*event) && !handlesShadow(*event))
         QMenu::mouseMoveEvent(event);
 }
 
@@ -162,10 +236,10 @@ void QtMenu::keyPressEvent(QKeyEvent* event) {
         return;
     const bool opensSubmenu = activeAction() && activeAction()->menu();
     const bool closesSubmenu = &root() != this;
-    if (event->key() == Qt::Key_Right && !opensSubmenu)
-        emit root().neighbourRequested(1);
-    else if (event->key() == Qt::Key_Left && !closesSubmenu)
-        emit root().neighbourRequested(-1);
+    const int direction = event->key() == Qt::Key_Right ? 1 : event->key() == Qt::Key_Left ? -1 : 0;
+    const bool isForward = direction == (isRightToLeft() ? -1 : 1);
+    if (direction != 0 && !(isForward ? opensSubmenu : closesSubmenu))
+        emit root().neighbourRequested(direction);
     else
         QMenu::keyPressEvent(event);
 }

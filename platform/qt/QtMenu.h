@@ -18,9 +18,10 @@ namespace platform::qt {
 
 class ViewWidget;
 
-/// The widget of a menu. Follows all changes of the menu and its items, coalesced until the event
-/// loop runs, and keeps the highlighted item. Actions, targets and views run under the owner's
-/// identifier; see runGuarded. Main thread only.
+/// The widget of a menu. If windows can be translucent, it has a shadow around the panel with the
+/// rows, and otherwise only a thin border. Follows all changes of the menu and its items, coalesced
+/// until the event loop runs, and keeps the highlighted item. Actions, targets and views run under
+/// the owner's identifier; see runGuarded. Main thread only.
 class QtMenu final : public QMenu, public MenuDisplay {
     Q_OBJECT
 
@@ -36,6 +37,18 @@ class QtMenu final : public QMenu, public MenuDisplay {
     ~QtMenu() override;
 
     void setOutsideMouseHandler(MouseHandler handler);
+
+    /// Opens the menu with its panel below @p item, a rectangle on the screen, where their left
+    /// edges line up. If the layout is from right to left, their right edges do.
+    void popupBelow(const QRect& item);
+    /// Opens the menu with a corner of its panel at @p position on the screen.
+    void popupAt(QPoint position);
+
+    bool hasShadow() const { return hasShadow_; }
+    /// Returns the width of the shadow or the border on each side of the panel, in points.
+    int panelMargin() const;
+    /// Returns the menu without its shadow, in the widget's coordinates.
+    QRect panelRect() const;
 
     void itemsChanged() override;
     void itemChanged(const MenuItem& item) override;
@@ -60,7 +73,9 @@ class QtMenu final : public QMenu, public MenuDisplay {
     bool eventFilter(QObject* watched, QEvent* event) override;
     void mousePressEvent(QMouseEvent* event) override;
     void mouseMoveEvent(QMouseEvent* event) override;
+    void mouseReleaseEvent(QMouseEvent* event) override;
     void keyPressEvent(QKeyEvent* event) override;
+    void showEvent(QShowEvent* event) override;
     void initStyleOption(QStyleOptionMenuItem* option, const QAction* action) const override;
 
   private:
@@ -97,7 +112,10 @@ class QtMenu final : public QMenu, public MenuDisplay {
     void showSubmenu(Row& row, const std::shared_ptr<Menu>& submenu);
     void relayout();
 
+    QtMenu* parentMenu() const;
+    void placeBesideParent(const QtMenu& parent);
     bool handles(const QMouseEvent& event);
+    bool handlesShadow(const QMouseEvent& event);
     static void forward(const QMouseEvent& event, QWidget& widget);
     bool sendToFirstView(const QKeyEvent& event);
     static bool swallows(const Row& row, const QKeyEvent& event);
@@ -119,6 +137,7 @@ class QtMenu final : public QMenu, public MenuDisplay {
     std::shared_ptr<MenuItem> highlighted_;
     mutable const Row* styled_ = nullptr;
     std::uint32_t modifiers_ = 0; // of the root: those that are held
+    const bool hasShadow_;
     bool needsSync_ = false;
     bool isRefreshing_ = false;
 };

@@ -90,13 +90,13 @@ TEST_F(ItemWidgetTest, IsAButtonWithAMenuForScreenReaders) {
 
 TEST_F(ItemWidgetTest, IsAsWideAsAnItemOfAnyLength) {
     constexpr float kInfinity = std::numeric_limits<float>::infinity();
-    for (const auto& [length, width] : {std::pair(20.5F, 33),
+    for (const auto& [length, width] : {std::pair(20.5F, 37),
                                         {0.0F, 0},
                                         {-5.0F, 0},
                                         {-kInfinity, 0},
                                         {std::numeric_limits<float>::quiet_NaN(), 0},
-                                        {3e9F, 100'012},
-                                        {kInfinity, 100'012}}) {
+                                        {3e9F, 100'016},
+                                        {kInfinity, 100'016}}) {
         extra->setLength(length);
         EXPECT_EQ(widget.preferredWidth(), width) << length;
     }
@@ -117,7 +117,8 @@ TEST_F(ItemWidgetTest, CountsClicksAndTranslatesButtonsAndModifiers) {
         QApplication::sendEvent(&widget, &press);
         EXPECT_EQ(events.back().buttonNumber, buttonNumber);
         EXPECT_EQ(events.back().modifierFlags, flags);
-        EXPECT_EQ(events.back().location, (platform::Point{x - 6.0, 12})) << "from the bottom left";
+        EXPECT_EQ(events.back().location, (platform::Point{x - double(ItemWidget::kPadding), 12}))
+            << "from the bottom left";
         EXPECT_EQ(events.back().clickCount, clickCount) << "button " << buttonNumber;
     }
 }
@@ -172,7 +173,7 @@ TEST_F(ItemWidgetTest, PassesDropsThatTheItemAccepts) {
     };
     for (const auto& [text, urls, x, possible, isAccepted, calls] :
          {Row{"text", {}, 10, Qt::MoveAction | Qt::CopyAction, true, "text"},
-          Row{"text", {}, 26, Qt::CopyAction, false, ""},
+          Row{"text", {}, 30, Qt::CopyAction, false, ""},
           Row{"text", {}, 10, Qt::MoveAction, false, ""}, // the source would delete it
           Row{"", {}, 10, Qt::CopyAction, false, ""},
           Row{"useless", {}, 10, Qt::CopyAction, true, "useless"},

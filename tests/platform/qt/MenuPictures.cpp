@@ -202,12 +202,14 @@ int main(int argc, char** argv) {
     const auto down = [](std::size_t count) { return std::vector(count, Qt::Key_Down); };
     auto submenu = down(9);
     submenu.push_back(Qt::Key_Right);
+    auto mirrored = submenu;
+    mirrored.back() = Qt::Key_Left;
     auto alternate = down(8);
     alternate.push_back(Qt::Key_Alt);
     for (const Picture& picture :
          {Picture{"world-clock", worldClock, down(2)}, Picture{"features", features, submenu},
           Picture{"alternate", features, alternate},
-          Picture{"right-to-left", features, submenu, Qt::RightToLeft},
+          Picture{"right-to-left", features, mirrored, Qt::RightToLeft},
           Picture{"wireless", wireless, down(2)}, Picture{"views", views, down(3)},
           Picture{"high", high, {Qt::Key_Up}}})
         draw(picture, QString::fromLocal8Bit(argv[1]));
