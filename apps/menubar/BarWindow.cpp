@@ -6,6 +6,7 @@
 
 #include <QAccessibleWidget>
 #include <QApplication>
+#include <QMouseEvent>
 #include <QPainter>
 #include <QScreen>
 #include <QWindow>
@@ -127,6 +128,11 @@ void BarWindow::resizeEvent(QResizeEvent*) {
 // Not in closeEvent, which Qt also calls to end the application.
 bool BarWindow::nativeEvent(const QByteArray&, void* message, qintptr*) {
     return X11Dock::isCloseRequest(message);
+}
+
+void BarWindow::mousePressEvent(QMouseEvent* event) {
+    if (event->button() == Qt::RightButton)
+        emit menuRequested(event->globalPosition().toPoint());
 }
 
 void BarWindow::paintEvent(QPaintEvent*) {

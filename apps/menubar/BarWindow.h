@@ -25,7 +25,13 @@ class BarWindow final : public QWidget {
     /// Returns the items that have space in the bar, from left to right.
     std::vector<ItemWidget*> visibleItems() const;
 
+  signals:
+    /// The right button was pressed over a part of the bar without items. @p position is on the
+    /// screen.
+    void menuRequested(QPoint position);
+
   protected:
+    void mousePressEvent(QMouseEvent* event) override;
     void paintEvent(QPaintEvent* event) override;
     void resizeEvent(QResizeEvent* event) override;
     bool nativeEvent(const QByteArray& type, void* message, qintptr* result) override;

@@ -1,6 +1,7 @@
 #include "apps/menubar/FailureNotices.h"
 
 #include "apps/menubar/ItemRegistry.h"
+#include "apps/support/Texts.h"
 #include "platform/Bundle.h"
 #include "platform/Log.h"
 #include "platform/UserNotifications.h"
@@ -30,14 +31,14 @@ std::string nameOf(const ItemRecord& item) {
 const char* reason(Failure failure) {
     switch (failure) {
     case Failure::Hang:
-        return "It stopped responding.";
+        return localized("It stopped responding.");
     case Failure::Exit:
-        return "It ended the menu bar.";
+        return localized("It ended the menu bar.");
     case Failure::Crash:
     case Failure::None:
         break;
     }
-    return "It crashed the menu bar.";
+    return localized("It crashed the menu bar.");
 }
 
 } // namespace
@@ -47,10 +48,10 @@ FailureNotices::FailureNotices(ItemRegistry& registry) : registry_(registry) {
             [this](const CrashJournal::Note& note) {
                 const std::string identifier = note.item.identifier;
                 postLater({.key = identifier,
-                           .title = nameOf(note.item) + " was turned off",
+                           .title = fill(localized("%1 was turned off"), {nameOf(note.item)}),
                            .body = reason(note.failure),
                            .icon = kIcon,
-                           .actions = {{kTurnOn, "Turn on again"}},
+                           .actions = {{kTurnOn, localized("Turn on again")}},
                            .observer = self_,
                            .handler = [this, identifier](const std::string& action) {
                                if (action == kTurnOn)
@@ -58,14 +59,15 @@ FailureNotices::FailureNotices(ItemRegistry& registry) : registry_(registry) {
                            }});
             });
     connect(&registry, &ItemRegistry::startedWithOwnItemsOnly, this, [this] {
-        postLater({.key = "own items only",
-                   .title = "Added menu extras are turned off for now",
-                   .body = "The menu bar exited three times within ten seconds for an unknown "
-                           "reason. They are turned on again when it is next started.",
-                   .icon = kIcon,
-                   .actions = {},
-                   .observer = {},
-                   .handler = {}});
+        postLater(
+            {.key = "own items only",
+             .title = localized("Added menu extras are turned off for now"),
+             .body = localized("The menu bar exited three times within ten seconds for an unknown "
+                               "reason. They are turned on again when it is next started."),
+             .icon = kIcon,
+             .actions = {},
+             .observer = {},
+             .handler = {}});
     });
 }
 

@@ -24,6 +24,10 @@ MenuBar::MenuBar(qt::QtGraphics& graphics, CrashJournal& journal)
     connect(&items_, &ItemCollection::removed, this, &MenuBar::placeItems);
     connect(&items_, &ItemCollection::sorted, this, &MenuBar::placeItems);
     connect(&keyboard_, &KeyboardNavigation::pressed, this, &MenuBar::send);
+    connect(&window_, &BarWindow::menuRequested, this, [this](QPoint position) {
+        const int bottom = window_.mapToGlobal(QPoint(0, kBarHeight)).y();
+        barMenu_.open({position.x(), bottom});
+    });
     // Drawing happens just before the event loop blocks. QWidget::update would need another
     // iteration of the loop per tick.
     connect(QAbstractEventDispatcher::instance(), &QAbstractEventDispatcher::aboutToBlock, this,
@@ -113,7 +117,8 @@ void MenuBar::toggleMenu(MenuExtra& extra) {
 }
 
 bool MenuBar::snapshot(const std::string& path) {
-    return writeSnapshot(window_, menus_.openMenu(), path);
+    qt::QtMenu* const menu = menus_.openMenu();
+    return writeSnapshot(window_, menu ? menu : barMenu_.openMenu(), path);
 }
 
 } // namespace apps

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "apps/menubar/BarMenu.h"
 #include "apps/menubar/BarWindow.h"
 #include "apps/menubar/CrashJournal.h"
 #include "apps/menubar/ItemCollection.h"
@@ -67,6 +68,7 @@ class MenuBar final : public QObject, public platform::MenuExtraHost, public pla
     ItemCollection items_;
     MenuTracker menus_;
     KeyboardNavigation keyboard_;
+    BarMenu barMenu_;
 
     bool displayNeeded_ = false;
     bool menuRequested_ = false; // by the click that is being handled

@@ -1,9 +1,11 @@
 #include "apps/support/StartUp.h"
 
+#include "apps/support/DesktopFont.h"
 #include "platform/Log.h"
 #include "platform/base/NonCopyable.h"
 
 #include <QApplication>
+#include <QLocale>
 
 #include <csignal>
 #include <cstdlib>
@@ -98,6 +100,8 @@ std::unique_ptr<QApplication> startApplication(char** argv, const char* name) {
     const std::jthread fontLoader([] { FcInit(); });
     auto application = std::make_unique<QApplication>(argumentCount, argv);
     application->setApplicationName(name);
+    QApplication::setLayoutDirection(QLocale::system().textDirection());
+    applyDesktopFont();
     hasStarted = true;
     return application;
 }

@@ -10,6 +10,9 @@ namespace apps {
 /// the top of main. @p argv must outlive the object; Qt parses no options from it. @p name is the
 /// application's name in log lines and on the desktop.
 ///
+/// The layout has the direction in which the user's language is written, and text has the
+/// desktop's font (see applyDesktopFont).
+///
 /// Qt draws on the X server named by DISPLAY (under Wayland, through Xwayland). QT_QPA_PLATFORM
 /// overrides that, for example "offscreen", except that "wayland" is ignored if DISPLAY is set,
 /// because a bar cannot reserve space on the screen under Wayland. If Qt cannot connect to the

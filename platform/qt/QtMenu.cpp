@@ -131,27 +131,46 @@ void QtMenu::popupBelow(const QRect& item) {
 }
 
 void QtMenu::popupAt(QPoint position) {
-    popup(position - panelRect().topLeft());
+    corner_ = position;
+    popup(position);
+}
+
+/// Corrects the position that QMenu has chosen, which takes the shadow for a part of the menu.
+void QtMenu::place() {
+    const QtMenu* const parent = parentMenu();
+    if (corner_)
+        placeAt(*corner_);
+    else if (parent && parent->isVisible())
+        placeBesideParent(*parent);
+}
+
+void QtMenu::placeAt(QPoint corner) {
+    const QScreen* const target = QGuiApplication::screenAt(corner);
+    const QRect space = (target ? target : screen())->availableGeometry();
+    QRect panel(corner, panelRect().size());
+    panel.moveRight(std::min(panel.right(), space.right()));
+    panel.moveLeft(std::max(panel.left(), space.left()));
+    panel.moveBottom(std::min(panel.bottom(), space.bottom()));
+    panel.moveTop(std::max(panel.top(), std::min(space.top(), corner.y())));
+    move(panel.topLeft() - panelRect().topLeft());
 }
 
 /// Moves a submenu beside the row that opens it: after the row in the direction of the layout, or
-/// before it if there is not enough space. QMenu would leave a gap of the width of the shadow.
+/// before it if there is not enough space.
 void QtMenu::placeBesideParent(const QtMenu& parent) {
     const int margin = panelRect().left();
     const QRect space = screen()->availableGeometry();
     const QRect panel = parent.panelRect().translated(parent.pos());
     const int left = panel.left() + kSubmenuOverlap - width() + margin;
     const int right = panel.right() + 1 - kSubmenuOverlap - margin;
-    const bool fitsLeft = left >= space.left();
-    const bool fitsRight = right + width() <= space.right() + 1;
+    const bool fitsLeft = left + margin >= space.left();
+    const bool fitsRight = right + width() - margin <= space.right() + 1;
     const bool opensRight = isRightToLeft() ? !fitsLeft && fitsRight : fitsRight || !fitsLeft;
     move(opensRight ? right : left, y());
 }
 
 void QtMenu::showEvent(QShowEvent* event) {
-    const QtMenu* const parent = parentMenu();
-    if (parent && parent->isVisible())
-        placeBesideParent(*parent);
+    place();
     QMenu::showEvent(event);
 }
 

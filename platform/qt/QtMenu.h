@@ -41,7 +41,8 @@ class QtMenu final : public QMenu, public MenuDisplay {
     /// Opens the menu with its panel below @p item, a rectangle on the screen, where their left
     /// edges line up. If the layout is from right to left, their right edges do.
     void popupBelow(const QRect& item);
-    /// Opens the menu with a corner of its panel at @p position on the screen.
+    /// Opens the menu with the top left corner of its panel at @p position on the screen, or as
+    /// close as its size permits.
     void popupAt(QPoint position);
 
     bool hasShadow() const { return hasShadow_; }
@@ -113,6 +114,8 @@ class QtMenu final : public QMenu, public MenuDisplay {
     void relayout();
 
     QtMenu* parentMenu() const;
+    void place();
+    void placeAt(QPoint corner);
     void placeBesideParent(const QtMenu& parent);
     bool handles(const QMouseEvent& event);
     bool handlesShadow(const QMouseEvent& event);
@@ -138,6 +141,7 @@ class QtMenu final : public QMenu, public MenuDisplay {
     mutable const Row* styled_ = nullptr;
     std::uint32_t modifiers_ = 0; // of the root: those that are held
     const bool hasShadow_;
+    std::optional<QPoint> corner_; // of the panel, where popupAt was asked to open it
     bool needsSync_ = false;
     bool isRefreshing_ = false;
 };

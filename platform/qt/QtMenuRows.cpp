@@ -217,8 +217,11 @@ void QtMenu::relayout() {
     }
     QActionEvent changed(QEvent::ActionChanged, rows_.front()->action);
     actionEvent(&changed);
-    if (isVisible() && geometry().bottom() > screen()->availableGeometry().bottom())
-        popup(pos(), activeAction());
+    if (!isVisible() ||
+        panelRect().translated(pos()).bottom() <= screen()->availableGeometry().bottom())
+        return;
+    popup(pos(), activeAction());
+    place();
 }
 
 } // namespace platform::qt
