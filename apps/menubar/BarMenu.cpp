@@ -17,7 +17,7 @@ namespace apps {
 BarMenu::BarMenu() = default;
 BarMenu::~BarMenu() = default;
 
-void BarMenu::open(QPoint position) {
+void BarMenu::open(const QRect& place) {
     auto menu = std::make_shared<Menu>();
     const auto add = [&](const char* title, MenuItem::Action action) -> MenuItem& {
         return menu->addItem(std::make_shared<MenuItem>(title, std::move(action)));
@@ -32,7 +32,7 @@ void BarMenu::open(QPoint position) {
     menu->addSeparator();
     add(localized("Quit"), [](MenuItem&) { QApplication::quit(); });
     menu_ = std::make_unique<qt::QtMenu>(std::move(menu), std::string()); // owned by no item
-    menu_->popupAt(position);
+    menu_->popupBelow(place);
 }
 
 qt::QtMenu* BarMenu::openMenu() const {

@@ -1,6 +1,6 @@
 #pragma once
 
-#include <QPoint>
+#include <QRect>
 
 #include <memory>
 
@@ -19,8 +19,8 @@ class BarMenu final {
     BarMenu();
     ~BarMenu();
 
-    /// Opens the menu at a position on the screen.
-    void open(QPoint position);
+    /// Opens the menu below a place in the bar, a rectangle on the screen.
+    void open(const QRect& place);
     /// Returns the open menu, or null.
     platform::qt::QtMenu* openMenu() const;
 

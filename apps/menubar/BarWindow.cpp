@@ -132,7 +132,7 @@ bool BarWindow::nativeEvent(const QByteArray&, void* message, qintptr*) {
 
 void BarWindow::mousePressEvent(QMouseEvent* event) {
     if (event->button() == Qt::RightButton)
-        emit menuRequested(event->globalPosition().toPoint());
+        emit menuRequested(event->pos().x());
 }
 
 void BarWindow::paintEvent(QPaintEvent*) {

@@ -26,9 +26,9 @@ class BarWindow final : public QWidget {
     std::vector<ItemWidget*> visibleItems() const;
 
   signals:
-    /// The right button was pressed over a part of the bar without items. @p position is on the
-    /// screen.
-    void menuRequested(QPoint position);
+    /// The right button was pressed over a part of the bar without items, @p x points from its left
+    /// edge.
+    void menuRequested(int x);
 
   protected:
     void mousePressEvent(QMouseEvent* event) override;

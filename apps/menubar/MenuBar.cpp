@@ -24,9 +24,8 @@ MenuBar::MenuBar(qt::QtGraphics& graphics, CrashJournal& journal)
     connect(&items_, &ItemCollection::removed, this, &MenuBar::placeItems);
     connect(&items_, &ItemCollection::sorted, this, &MenuBar::placeItems);
     connect(&keyboard_, &KeyboardNavigation::pressed, this, &MenuBar::send);
-    connect(&window_, &BarWindow::menuRequested, this, [this](QPoint position) {
-        const int bottom = window_.mapToGlobal(QPoint(0, kBarHeight)).y();
-        barMenu_.open({position.x(), bottom});
+    connect(&window_, &BarWindow::menuRequested, this, [this](int x) {
+        barMenu_.open(QRect(window_.mapToGlobal(QPoint(x, 0)), QSize(1, kBarHeight)));
     });
     // Drawing happens just before the event loop blocks. QWidget::update would need another
     // iteration of the loop per tick.

@@ -107,6 +107,8 @@ std::optional<FontDescription> parseFontDescription(std::string_view text) {
     while (!family.empty()) {
         std::string_view shorter = family;
         const std::string_view word = takeLastWord(shorter);
+        if (word.empty())
+            return std::nullopt;
         if (!isStyle(word)) {
             font.family = std::string(shorter) + std::string(word);
             return font;

@@ -28,6 +28,7 @@ namespace {
 // In points.
 constexpr int kShadowWidth = 18;
 constexpr int kBorderWidth = 1;
+constexpr int kGap = 4; // between a panel with a shadow and the item above or the screen's edges
 constexpr int kSubmenuOverlap = 3; // of the panels of a menu and its submenu
 
 /// Returns the flag of a modifier key, or 0 for another key.
@@ -126,13 +127,10 @@ QRect QtMenu::panelRect() const {
 }
 
 void QtMenu::popupBelow(const QRect& item) {
-    const int width = sizeHint().width() - 2 * (hasShadow_ ? kShadowWidth : 0);
-    popupAt({isRightToLeft() ? item.right() + 1 - width : item.left(), item.bottom() + 1});
-}
-
-void QtMenu::popupAt(QPoint position) {
-    corner_ = position;
-    popup(position);
+    const int width = sizeHint().width() - 2 * panelRect().left();
+    corner_ = QPoint(isRightToLeft() ? item.right() + 1 - width : item.left(),
+                     item.bottom() + 1 + (hasShadow_ ? kGap : 0));
+    popup(*corner_);
 }
 
 /// Corrects the position that QMenu has chosen, which takes the shadow for a part of the menu.
@@ -146,7 +144,9 @@ void QtMenu::place() {
 
 void QtMenu::placeAt(QPoint corner) {
     const QScreen* const target = QGuiApplication::screenAt(corner);
-    const QRect space = (target ? target : screen())->availableGeometry();
+    const int gap = hasShadow_ ? kGap : 0;
+    const QRect space =
+        (target ? target : screen())->availableGeometry().adjusted(gap, gap, -gap, -gap);
     QRect panel(corner, panelRect().size());
     panel.moveRight(std::min(panel.right(), space.right()));
     panel.moveLeft(std::max(panel.left(), space.left()));

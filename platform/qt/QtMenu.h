@@ -39,11 +39,9 @@ class QtMenu final : public QMenu, public MenuDisplay {
     void setOutsideMouseHandler(MouseHandler handler);
 
     /// Opens the menu with its panel below @p item, a rectangle on the screen, where their left
-    /// edges line up. If the layout is from right to left, their right edges do.
+    /// edges line up, or as close as its size permits. If the layout is from right to left, their
+    /// right edges do.
     void popupBelow(const QRect& item);
-    /// Opens the menu with the top left corner of its panel at @p position on the screen, or as
-    /// close as its size permits.
-    void popupAt(QPoint position);
 
     bool hasShadow() const { return hasShadow_; }
     /// Returns the width of the shadow or the border on each side of the panel, in points.
@@ -141,7 +139,7 @@ class QtMenu final : public QMenu, public MenuDisplay {
     mutable const Row* styled_ = nullptr;
     std::uint32_t modifiers_ = 0; // of the root: those that are held
     const bool hasShadow_;
-    std::optional<QPoint> corner_; // of the panel, where popupAt was asked to open it
+    std::optional<QPoint> corner_; // where popupBelow was asked to open the panel
     bool needsSync_ = false;
     bool isRefreshing_ = false;
 };

@@ -163,7 +163,7 @@ TEST_F(BarItems, AreDrawnSeparately) {
     EXPECT_EQ(client.snapshotItem(kOwnClock, file).value, true);
     const QImage picture(QString::fromStdString(file));
     EXPECT_EQ(picture.height(), 22);
-    EXPECT_NEAR(picture.width(), client.items().value->at(0).width, 13) << "with its padding";
+    EXPECT_NEAR(picture.width(), client.items().value->at(0).width, 17) << "with its padding";
     EXPECT_EQ(client.snapshotItem("no.such.item", file).reason,
               "no.such.item: the menu extra is not loaded");
 }

@@ -87,6 +87,39 @@ TEST(X11Bar, ReplacesABarWithoutADisplayButNoOtherBar) {
     EXPECT_EQ(bar.stop(), 0) << bar.log();
 }
 
+TEST(X11Bar, QuitsFromTheMenuOfTheEmptyBar) {
+    const XServer x;
+    BarProcess bar({HALVEX_TEST_EXTRA}, x.settings());
+    const int closed = bar.picture().height();
+    x.clickAt(200);
+    EXPECT_EQ(bar.picture().height(), closed) << "a left click";
+    x.pointAt(200);
+    x.act({"click", "3"});
+    ASSERT_TRUE(eventually([&] { return bar.picture().height() > closed; }));
+    x.act({"key", "Up", "Return"});
+    EXPECT_EQ(bar.waitForExit(), 0) << bar.log();
+    EXPECT_TRUE(bar.logs("unloading")) << bar.log();
+}
+
+TEST(X11Bar, IsMirroredForALanguageWrittenFromRightToLeft) {
+    const XServer x;
+    Settings settings = x.settings();
+    settings.emplace_back("LC_ALL", "he_IL.UTF-8");
+    settings.emplace_back("LANG", "he_IL.UTF-8");
+    BarProcess bar({}, settings);
+    const auto isPainted = [&](int left, int right) {
+        const QImage picture = bar.picture();
+        for (int column = left; column < right; ++column)
+            for (int row = 4; row < 18; ++row)
+                if (picture.pixel(column, row) != picture.pixel(kScreenWidth / 2, 2))
+                    return true;
+        return false;
+    };
+    EXPECT_TRUE(eventually([&] { return isPainted(5, 60); })) << "the clock is at the left edge";
+    EXPECT_FALSE(isPainted(kScreenWidth - 200, kScreenWidth));
+    EXPECT_EQ(bar.stop(), 0) << bar.log();
+}
+
 TEST(X11Bar, IgnoresRequestsToClose) {
     const XServer x;
     BarProcess bar({}, x.settings());

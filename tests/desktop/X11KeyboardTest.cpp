@@ -70,8 +70,9 @@ class X11Keyboard : public testing::Test {
     }
     /// Whether the row above all texts is not only background.
     static bool hasHighlight(const QImage& picture) {
+        constexpr int kRow = 3;
         for (int column = 1; column < picture.width(); ++column)
-            if (picture.pixel(column, 1) != picture.pixel(0, 1))
+            if (picture.pixel(column, kRow) != picture.pixel(0, kRow))
                 return true;
         return false;
     }

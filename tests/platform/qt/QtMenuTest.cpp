@@ -163,6 +163,122 @@ TEST_F(QtMenuTest, LetsTheKeyboardChooseItemsAndLeaveTheMenu) {
     EXPECT_EQ(target->chosen, "first;inner;");
 }
 
+TEST_F(QtMenuTest, MirrorsTheArrowKeysForALayoutFromRightToLeft) {
+    const auto submenu = std::make_shared<Menu>();
+    submenu->addItem("inner", target->choose(), target);
+    menu->addItem("more", {}, target).setSubmenu(submenu);
+    QtMenu shown(menu, "test.item");
+    shown.setLayoutDirection(Qt::RightToLeft);
+    std::string directions;
+    QObject::connect(&shown, &QtMenu::neighbourRequested,
+                     [&](int direction) { directions += direction < 0 ? "left;" : "right;"; });
+    press(shown, {Qt::Key_Left, Qt::Key_Right});
+    press(shown, {Qt::Key_Down, Qt::Key_Left, Qt::Key_Return});
+    EXPECT_EQ(target->chosen, "inner;") << "Left opens the submenu";
+    press(shown, {Qt::Key_Down, Qt::Key_Left, Qt::Key_Right, Qt::Key_Right});
+    EXPECT_EQ(directions, "left;right;right;") << "Right closes it";
+}
+
+/// Returns the visible part of a menu on the screen.
+QRect panelOf(const QtMenu& shown) {
+    return shown.panelRect().translated(shown.pos());
+}
+
+TEST_F(QtMenuTest, OpensBelowTheItemAndWithinTheScreen) {
+    const auto submenu = std::make_shared<Menu>();
+    submenu->addItem("inner", target->choose(), target);
+    menu->addItem("more", {}, target).setSubmenu(submenu);
+    const QRect screen = QGuiApplication::primaryScreen()->availableGeometry();
+    const int top = screen.top() + 22;
+    struct Row {
+        Qt::LayoutDirection direction;
+        int left; // of an item of 60 points
+        bool linesUp;
+        bool submenuIsRight;
+    };
+    for (const auto& [direction, left, linesUp, submenuIsRight] :
+         {Row{Qt::LeftToRight, 300, true, true}, Row{Qt::RightToLeft, 300, true, false},
+          Row{Qt::LeftToRight, screen.right() - 60, false, false},
+          Row{Qt::RightToLeft, screen.left(), false, true}}) {
+        QtMenu shown(menu, "test.item");
+        shown.setLayoutDirection(direction);
+        const QRect item(left, screen.top(), 60, 22);
+        shown.popupBelow(item);
+        const QRect panel = panelOf(shown);
+        const bool isMirrored = direction == Qt::RightToLeft;
+        EXPECT_EQ(isMirrored ? panel.right() == item.right() : panel.left() == item.left(), linesUp)
+            << left;
+        EXPECT_TRUE(screen.contains(panel)) << left;
+        EXPECT_GE(panel.top(), top);
+        EXPECT_LE(panel.top(), top + 4) << "the shadow is not a part of the menu";
+        QTest::keyClick(&shown, Qt::Key_Down);
+        QTest::keyClick(&shown, isMirrored ? Qt::Key_Left : Qt::Key_Right);
+        const auto* const nested = shown.findChild<QtMenu*>();
+        ASSERT_TRUE(nested && nested->isVisible());
+        EXPECT_TRUE(screen.contains(panelOf(*nested))) << left;
+        EXPECT_EQ(panelOf(*nested).center().x() > panel.center().x(), submenuIsRight) << left;
+        EXPECT_LT((panelOf(*nested) & panel).width(), 10) << "beside the menu";
+    }
+}
+
+TEST_F(QtMenuTest, PassesTheMouseInAShadowToWhatLiesBelow) {
+    const auto submenu = std::make_shared<Menu>();
+    for (const char* title : {"inner", "another"})
+        submenu->addItem(title, target->choose(), target);
+    menu->addItem("more", {}, target).setSubmenu(submenu);
+    menu->addItem("below", target->choose(), target);
+    QtMenu shown(menu, "test.item");
+    ASSERT_TRUE(shown.hasShadow()) << "windows can be translucent on this platform";
+    shown.popupBelow({300, 0, 60, 22});
+    QTest::keyClick(&shown, Qt::Key_Down);
+    QTest::keyClick(&shown, Qt::Key_Right);
+    auto* const nested = shown.findChild<QtMenu*>();
+    // In the shadow to the left of the submenu, over the second item of the menu.
+    const int row = shown.actionGeometry(shown.actions()[1]).center().y();
+    const QPoint overBelow = shown.mapToGlobal(QPoint(shown.panelRect().right() - 8, row));
+    QTest::mouseClick(nested, Qt::LeftButton, {}, nested->mapFromGlobal(overBelow));
+    EXPECT_EQ(target->chosen, "below;");
+
+    shown.popupBelow({300, 0, 60, 22});
+    QTest::mouseClick(&shown, Qt::LeftButton, {}, {2, 2});
+    EXPECT_FALSE(shown.isVisible()) << "a click beside the menu";
+}
+
+/// Returns the first column from @p from towards @p to in which a row has text, or -1.
+int firstInk(const QImage& picture, const QRect& row, int from, int to) {
+    const QRgb background = picture.pixel(row.left() + 3, row.top() + 1);
+    for (int x = from; x != to; x += from < to ? 1 : -1)
+        for (int y = row.top() + 2; y < row.bottom() - 1; ++y)
+            if (picture.pixel(x, y) != background)
+                return x;
+    return -1;
+}
+
+TEST_F(QtMenuTest, LinesUpNamesAndTrailingTextsAtBothEdges) {
+    const std::pair<const char*, const char*> rowTexts[] = {
+        {"Hi", "11:11"}, {"Hello, World", "20:00"}, {"HUD that has a longer name", "4:44"}};
+    for (const auto& [title, trailing] : rowTexts)
+        menu->addItem(title, target->choose(), target).setTrailingText(trailing);
+    for (const auto direction : {Qt::LeftToRight, Qt::RightToLeft}) {
+        QtMenu shown(menu, "test.item");
+        shown.setLayoutDirection(direction);
+        shown.popupBelow({300, 0, 60, 22});
+        const QImage picture = shown.grab().toImage();
+        std::vector<int> left, right;
+        for (QAction* action : shown.actions()) {
+            const QRect row = shown.actionGeometry(action);
+            left.push_back(firstInk(picture, row, row.left() + 6, row.right() - 6));
+            right.push_back(firstInk(picture, row, row.right() - 6, row.left() + 6));
+        }
+        constexpr int kBearing = 2; // letters begin and end at different distances from their box
+        for (const auto& edges : {left, right})
+            for (const int edge : edges) {
+                EXPECT_GE(edge, 0);
+                EXPECT_NEAR(edge, edges.front(), kBearing) << direction;
+            }
+    }
+}
+
 TEST_F(QtMenuTest, FollowsEveryChangeWhileItIsOpen) {
     for (const char* title : {"a", "b", "c"})
         menu->addItem(title, target->choose(), target);
