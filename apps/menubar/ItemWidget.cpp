@@ -12,7 +12,6 @@
 #include <QHelpEvent>
 #include <QMouseEvent>
 #include <QPainter>
-#include <QToolTip>
 #include <QWheelEvent>
 
 #include <algorithm>
@@ -300,7 +299,7 @@ bool ItemWidget::event(QEvent* event) {
     std::string text;
     callView([&](const MenuExtraView& view) { text = view.toolTip(); });
     const QPoint position = static_cast<const QHelpEvent*>(event)->globalPos();
-    QToolTip::showText(position, qt::toolTipText(text), this); // an empty text hides the last one
+    qt::showToolTip(position, text, *this);
     return true;
 }
 

@@ -327,11 +327,11 @@ void QtMenu::showToolTip(const QHelpEvent& event) {
     const Row* const row = rowOf(actionAt(event.pos()));
     if (!row)
         return QToolTip::hideText();
-    QString text = toolTipText(row->shown->toolTip());
-    if (text.isEmpty() && !row->view &&
+    std::string text = row->shown->toolTip();
+    if (text.empty() && !row->view &&
         isTitleCut(*row->shown, columns_, font(), actionGeometry(row->action).width()))
-        text = toolTipText(row->shown->title());
-    QToolTip::showText(event.globalPos(), text, this, actionGeometry(row->action));
+        text = row->shown->title();
+    platform::qt::showToolTip(event.globalPos(), text, *this, actionGeometry(row->action));
 }
 
 void QtMenu::setModifiers(std::uint32_t flags) {

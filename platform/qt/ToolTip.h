@@ -1,15 +1,17 @@
 #pragma once
 
-#include "platform/qt/Strings.h"
+#include <QPoint>
+#include <QRect>
 
-#include <QTextDocument>
+#include <string_view>
+
+class QWidget;
 
 namespace platform::qt {
 
-/// Converts UTF-8 to text that QToolTip does not mistake for rich text.
-inline QString toolTipText(std::string_view text) {
-    const QString plain = qString(text);
-    return Qt::mightBeRichText(plain) ? Qt::convertFromPlainText(plain) : plain;
-}
+/// Shows a tooltip for @p area of @p widget, or for the whole widget. The text is UTF-8 and shown
+/// literally, even if it looks like rich text; an empty text hides the tooltip that is shown.
+/// @p position is that of the pointer on the screen. Main thread.
+void showToolTip(QPoint position, std::string_view text, QWidget& widget, const QRect& area = {});
 
 } // namespace platform::qt

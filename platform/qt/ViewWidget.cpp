@@ -299,7 +299,7 @@ bool ViewWidget::event(QEvent* event) {
         callView([&](const MenuExtraView& view) { text = view.toolTip(); });
         if (text.empty())
             break;
-        QToolTip::showText(help.globalPos(), toolTipText(text), this);
+        showToolTip(help.globalPos(), text, *this);
         return true;
     }
     case QEvent::Hide:
