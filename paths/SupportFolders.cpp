@@ -1,4 +1,6 @@
 #include "identifiers/ExportedIdentifiers.h"
+#include "paths/PreferencePane.h"
+#include "paths/ThemeFolders.h"
 #include "paths/ovxPaths.h"
 #include "platform/FileManager.h"
 #include "platform/Log.h"
@@ -108,6 +110,19 @@ std::string HalvexFilePaths::HalvexOldPathLocationFile() {
         return fileManager().resolvingSymbolicLinks(
             appendingPathComponent(userLibrary(), HalvexLocation));
     });
+}
+
+std::vector<std::string> paths::themeFolders() {
+    std::vector<std::string> folders{
+        appendingPathComponent(HalvexFilePaths::ovxGetUserApplSupportFolder(), themesFolder),
+        localFolder(themesFolder)};
+    auto pane = loadedPreferencePane();
+    if (!pane)
+        pane = installedPreferencePane();
+    if (pane)
+        folders.push_back(appendingPathComponent(
+            pane->bundlePath(), std::string("Contents/Resources/") + themesFolder));
+    return folders;
 }
 
 namespace ovxPaths {
