@@ -6,7 +6,8 @@
 #   [INFO_PLIST template]      default: MenuExtra-Info.plist.in beside this file
 #   [DISPLAY_NAME name]        CFBundleName; default: NAME
 #   [FOLDER folder]            parent folder of the bundle in the build tree
-#   [RESOURCES file...])
+#   [RESOURCES file...]
+#   [TRANSLATIONS file...])    see halvex_add_translations
 #
 # Creates the bundle FOLDER/NAME.menu with Contents/Info.plist, Contents/Linux/NAME and
 # Contents/Resources. Sets the target properties MENU_EXTRA_BUNDLE (the bundle's folder) and
@@ -16,7 +17,7 @@
 function(halvex_add_menu_extra name)
   set(exports ${CMAKE_CURRENT_FUNCTION_LIST_DIR}/plugin-exports.map)
   cmake_parse_arguments(extra "" "IDENTIFIER;PRINCIPAL_CLASS;VERSION;INFO_PLIST;DISPLAY_NAME;FOLDER"
-                        "SOURCES;RESOURCES" ${ARGN})
+                        "SOURCES;RESOURCES;TRANSLATIONS" ${ARGN})
   if(NOT extra_DISPLAY_NAME)
     set(extra_DISPLAY_NAME ${name})
   endif()
@@ -53,6 +54,29 @@ function(halvex_add_menu_extra name)
     list(APPEND files ${bundle}/Contents/Resources/${file})
   endforeach()
   set_target_properties(${name} PROPERTIES MENU_EXTRA_FILES "${files}")
+  halvex_add_translations(${name} ${extra_TRANSLATIONS})
+endfunction()
+
+# halvex_add_translations(NAME file...)
+# Compiles translations, such as po/de.po, into the bundle of the item NAME with msgfmt from GNU gettext:
+# Contents/Resources/locale/LANGUAGE/LC_MESSAGES/NAME.mo. A file's name without ".po" is its language.
+# Called by halvex_add_menu_extra; call it in the same folder to add generated files.
+function(halvex_add_translations name)
+  get_target_property(bundle ${name} MENU_EXTRA_BUNDLE)
+  foreach(translation IN LISTS ARGN)
+    find_program(HALVEX_MSGFMT msgfmt REQUIRED)
+    cmake_path(ABSOLUTE_PATH translation)
+    cmake_path(GET translation STEM LAST_ONLY language)
+    set(catalogue ${bundle}/Contents/Resources/locale/${language}/LC_MESSAGES/${name}.mo)
+    cmake_path(GET catalogue PARENT_PATH folder)
+    file(MAKE_DIRECTORY ${folder})
+    add_custom_command(OUTPUT ${catalogue}
+      COMMAND ${HALVEX_MSGFMT} --output-file=${catalogue} ${translation}
+      DEPENDS ${translation}
+      VERBATIM)
+    target_sources(${name} PRIVATE ${catalogue})
+    set_property(TARGET ${name} APPEND PROPERTY MENU_EXTRA_FILES ${catalogue})
+  endforeach()
 endfunction()
 
 # halvex_install_bundle(BUNDLE FOLDER)
