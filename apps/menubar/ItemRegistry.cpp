@@ -98,6 +98,8 @@ void ItemRegistry::start(const std::vector<std::string>& commandLine) {
     list_ = std::make_unique<ItemList>(appendingPathComponent(folder, ItemList::kFileName),
                                        admission_.ownItemsFolder());
     journal_.open(appendingPathComponent(folder, kJournalFile));
+    const bool hasList =
+        fileManager().fileExists(appendingPathComponent(folder, ItemList::kFileName));
     {
         const FileLock lock(list_->lockFile());
         if (!list_->read())
@@ -114,6 +116,8 @@ void ItemRegistry::start(const std::vector<std::string>& commandLine) {
     loadCommandLine(commandLine);
     loadOwnClockIfEmpty();
     arrange();
+    if (!hasList)
+        emit startedWithoutList();
 }
 
 ItemRecord ItemRegistry::ownClock() const {

@@ -79,6 +79,8 @@ class ItemRegistry final : public QObject, public platform::MenuExtraServer {
     void disabledAfterFailure(const apps::CrashJournal::Note& note);
     /// Emitted by start() if the last three bars exited within ten seconds for an unknown reason.
     void startedWithOwnItemsOnly();
+    /// Emitted by start() if there was no file with a list.
+    void startedWithoutList();
 
   private:
     /// A bundle that is to be loaded.

@@ -2,6 +2,7 @@
 #include "apps/menubar/CrashHandler.h"
 #include "apps/menubar/CrashJournal.h"
 #include "apps/menubar/FailureNotices.h"
+#include "apps/menubar/FirstStart.h"
 #include "apps/menubar/HangTimer.h"
 #include "apps/menubar/ItemRegistry.h"
 #include "apps/menubar/MenuBar.h"
@@ -22,6 +23,7 @@
 
 #include <algorithm>
 #include <cstdlib>
+#include <functional>
 #include <string>
 #include <unistd.h>
 #include <utility>
@@ -48,6 +50,24 @@ struct Protection {
     Watcher watcher;
 };
 
+/// Calls @p work when the first item has been drawn, or immediately before the main loop first
+/// sleeps if there are no items.
+void afterFirstPicture(ItemCollection& items, const std::function<void()>& work) {
+    const auto isDrawn = [&items] {
+        return items.begin() == items.end() ||
+               std::any_of(items.begin(), items.end(),
+                           [](const Item& item) { return item.wasDrawn; });
+    };
+    auto* dispatcher = QAbstractEventDispatcher::instance();
+    auto* untilDrawn = new QObject(dispatcher);
+    QObject::connect(dispatcher, &QAbstractEventDispatcher::aboutToBlock, untilDrawn, [=] {
+        if (!isDrawn())
+            return;
+        work();
+        untilDrawn->deleteLater();
+    });
+}
+
 /// Starts the watcher before the first third-party item is loaded, or else after the first picture,
 /// which it must not delay.
 void startWatcher(Protection& protection, ItemCollection& items, const std::string& ownItems) {
@@ -58,16 +78,7 @@ void startWatcher(Protection& protection, ItemCollection& items, const std::stri
         if (platform::deletingLastPathComponent(record.path) != ownItems)
             start();
     });
-    auto* dispatcher = QAbstractEventDispatcher::instance();
-    auto* untilDrawn = new QObject(dispatcher);
-    QObject::connect(dispatcher, &QAbstractEventDispatcher::aboutToBlock, untilDrawn, [=, &items] {
-        const bool isDrawn =
-            std::any_of(items.begin(), items.end(), [](const Item& item) { return item.wasDrawn; });
-        if (!isDrawn && items.begin() != items.end())
-            return;
-        start();
-        untilDrawn->deleteLater();
-    });
+    afterFirstPicture(items, start);
 }
 
 void signalReceived(QuitOnSignals::Sender sender, const void* context) {
@@ -90,6 +101,10 @@ int runBar(const Options& options, std::vector<std::string> command) {
                           Admission(options.admit, ownItemsFolder()));
     BarService service(menuBar, registry);
     const FailureNotices failureNotices(registry);
+    FirstStart firstStart;
+    QObject::connect(&registry, &ItemRegistry::startedWithoutList, [&] {
+        afterFirstPicture(menuBar.items(), [&] { firstStart.turnOnItems(); });
+    });
     switch (service.registerOnBus()) {
     case BusName::Claim::Taken:
         return 1;

@@ -57,6 +57,24 @@ TEST(StoredItems, AreRestoredInTheirOrderHoweverTheBarEnded) {
     EXPECT_EQ(bar.log().find("is disabled"), std::string::npos) << "a kill is not a crash";
 }
 
+TEST(StoredItems, AreTheClockAndTheCalendarAfterTheFirstStartWithAPane) {
+    BarProcess bar;
+    EXPECT_THAT(bar.identifiers(), ElementsAre(kOwnClock));
+    EXPECT_EQ(bar.stop(), 0) << bar.log();
+    EXPECT_FALSE(fs::exists(listFile(bar))) << "without a pane, the next start is the first";
+
+    ASSERT_EQ(bar.run({"pane", "install"}, HALVEX_CTL), 0) << bar.log();
+    const std::vector<std::string> both{HalvexMenuID, HalvexProCalMenuID};
+    bar.start();
+    EXPECT_TRUE(eventually([&] { return bar.identifiers() == both; })) << bar.log();
+    ASSERT_TRUE(stores(bar, HalvexProCalMenuID));
+    bar.remove(HalvexMenuID);
+    ASSERT_TRUE(stores(bar, HalvexMenuID, false));
+    EXPECT_EQ(bar.stop(), 0) << bar.log();
+    bar.start();
+    EXPECT_THAT(bar.identifiers(), ElementsAre(HalvexProCalMenuID));
+}
+
 TEST(StoredItems, DoNotIncludeThoseOfTheCommandLineAndStayWithoutTheirBundle) {
     BarProcess bar;
     const std::string path = bar.install(HALVEX_TEST_EXTRA);
