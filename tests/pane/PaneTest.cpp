@@ -3,7 +3,9 @@
 #include "platform/PropertyListService.h"
 #include "platform/expat/ExpatPropertyLists.h"
 #include "platform/values/PropertyList.h"
+#include "testing/ManualAppearance.h"
 #include "tests/support/TemporaryFolder.h"
+#include "ui/ThemeFile.h"
 
 #include <gmock/gmock.h>
 
@@ -104,6 +106,25 @@ TEST_F(Installation, BuildsTestsAndLoadsANewProjectAndTheExamples) {
             " -G Ninja -B build && '" HALVEX_CMAKE "' --build build &&"
             " ctest --test-dir build --no-tests=error");
         expectBarLoads(stage.file(name + "/build/extras/" + name + ".menu"));
+    }
+}
+
+TEST(Pane, ShipsThemesWithEveryColorForLightAndDarkAndAllIcons) {
+    platform::expat::install();
+    halvextest::ManualAppearance appearance;
+    for (const std::string folder : {HALVEX_THEMES "/Harbour", HALVEX_THEMES "/Paper"}) {
+        std::string reason;
+        const auto theme = ui::ThemeFile::read(folder, reason);
+        ASSERT_TRUE(theme) << folder << ": " << reason;
+        for (const bool isDark : {false, true}) {
+            appearance.setDark(isDark);
+            for (const char* name :
+                 {"SecondLine", "Text", "SecondaryText", "Weekend", "Dimmed", "Today", "TodayText",
+                  "Selection", "SelectionEdge", "Event", "Holiday"})
+                EXPECT_TRUE(theme->color(name)) << folder << ' ' << name << ' ' << isDark;
+        }
+        for (const char* icon : {"Day.png", "Day@2x.png", "Night.png", "Night@2x.png"})
+            EXPECT_TRUE(std::filesystem::exists(folder + "/Icons/" + icon)) << icon;
     }
 }
 
