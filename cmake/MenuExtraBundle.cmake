@@ -62,21 +62,34 @@ endfunction()
 # Contents/Resources/locale/LANGUAGE/LC_MESSAGES/NAME.mo. A file's name without ".po" is its language.
 # Called by halvex_add_menu_extra; call it in the same folder to add generated files.
 function(halvex_add_translations name)
+  if(NOT ARGN)
+    return()
+  endif()
   get_target_property(bundle ${name} MENU_EXTRA_BUNDLE)
+  halvex_compile_texts(${name} ${name} ${bundle}/Contents/Resources/locale ${ARGN})
+  get_target_property(catalogues ${name} TEXT_CATALOGUES)
+  set_property(TARGET ${name} APPEND PROPERTY MENU_EXTRA_FILES ${catalogues})
+endfunction()
+
+# halvex_compile_texts(TARGET DOMAIN FOLDER file...)
+# Compiles each translation LANGUAGE.po to FOLDER/LANGUAGE/LC_MESSAGES/DOMAIN.mo together with TARGET, whose
+# property TEXT_CATALOGUES it sets to the results.
+function(halvex_compile_texts target domain folder)
+  set(catalogues)
   foreach(translation IN LISTS ARGN)
     find_program(HALVEX_MSGFMT msgfmt REQUIRED)
     cmake_path(ABSOLUTE_PATH translation)
     cmake_path(GET translation STEM LAST_ONLY language)
-    set(catalogue ${bundle}/Contents/Resources/locale/${language}/LC_MESSAGES/${name}.mo)
-    cmake_path(GET catalogue PARENT_PATH folder)
-    file(MAKE_DIRECTORY ${folder})
+    set(catalogue ${folder}/${language}/LC_MESSAGES/${domain}.mo)
+    file(MAKE_DIRECTORY ${folder}/${language}/LC_MESSAGES)
     add_custom_command(OUTPUT ${catalogue}
       COMMAND ${HALVEX_MSGFMT} --output-file=${catalogue} ${translation}
       DEPENDS ${translation}
       VERBATIM)
-    target_sources(${name} PRIVATE ${catalogue})
-    set_property(TARGET ${name} APPEND PROPERTY MENU_EXTRA_FILES ${catalogue})
+    list(APPEND catalogues ${catalogue})
   endforeach()
+  target_sources(${target} PRIVATE ${catalogues})
+  set_target_properties(${target} PROPERTIES TEXT_CATALOGUES "${catalogues}")
 endfunction()
 
 # halvex_install_bundle(BUNDLE FOLDER)
