@@ -4,8 +4,8 @@ import ast
 import re
 from dataclasses import dataclass, field
 
-# What fill() and strftime replace: %1, %-d, %Y.
-PLACEHOLDER = re.compile(r'%(?:[1-9]|[-_^#0-9]*[A-Za-z])')
+# What fill() and strftime replace: %1, %-d, %OB.
+PLACEHOLDER = re.compile(r'%(?:[1-9]|[-_^#0-9]*[EO]?[A-Za-z])')
 FIELD = re.compile(r'(msgctxt|msgid|msgid_plural|msgstr(?:\[\d+\])?) (".*")')
 
 
