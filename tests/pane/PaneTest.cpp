@@ -119,8 +119,8 @@ TEST(Pane, ShipsThemesWithEveryColorForLightAndDarkAndAllIcons) {
         for (const bool isDark : {false, true}) {
             appearance.setDark(isDark);
             for (const char* name :
-                 {"SecondLine", "Text", "SecondaryText", "Weekend", "Dimmed", "Today", "TodayText",
-                  "Selection", "SelectionEdge", "Event", "Holiday"})
+                 {"SecondLine", "CalendarIcon", "Text", "SecondaryText", "Weekend", "Dimmed",
+                  "Today", "TodayText", "Selection", "SelectionEdge", "Event", "Holiday"})
                 EXPECT_TRUE(theme->color(name)) << folder << ' ' << name << ' ' << isDark;
         }
         for (const char* icon : {"Day.png", "Day@2x.png", "Night.png", "Night@2x.png"})
