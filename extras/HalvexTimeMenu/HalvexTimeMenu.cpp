@@ -2,6 +2,7 @@
 #include "extras/HalvexTimeMenu/ClockView.h"
 #include "extras/HalvexTimeMenu/ConvertPanel.h"
 #include "extras/HalvexTimeMenu/LocationMenu.h"
+#include "extras/HalvexTimeMenu/WarningsMenu.h"
 #include "extras/HalvexTimeMenu/WorldClockMenu.h"
 #include "extras/clock/ClockFormat.h"
 #include "extras/clock/ClockItem.h"
@@ -57,6 +58,7 @@ class HalvexTimeMenu final : public ClockItem {
 
     void menuWillOpen() override {
         showLocations();
+        warningsMenu_->menuWillOpen();
         ClockItem::menuWillOpen();
     }
 
@@ -66,6 +68,7 @@ class HalvexTimeMenu final : public ClockItem {
         locationMenu_.reset();
         worldClockMenu_.reset();
         worldClocks_.reset();
+        warningsMenu_.reset();
         convertPanel_.reset();
         ClockItem::willUnload();
     }
@@ -128,6 +131,8 @@ class HalvexTimeMenu final : public ClockItem {
     /// Adds the entries that open something. Other tools of the clock belong here too.
     void addTools() {
         menu_->addSeparator();
+        warningsMenu_.emplace(settings_, weak_from_this());
+        menu_->addItem(warningsMenu_->item());
         menu_->addItem(
             tr("Convert…"), [this](MenuItem&) { convert(); }, weak_from_this());
         calculator_ = &menu_->addItem(
@@ -210,6 +215,7 @@ class HalvexTimeMenu final : public ClockItem {
     void updateMenu(std::int64_t now) override {
         ClockItem::updateMenu(now);
         worldClockMenu_->update(now);
+        warningsMenu_->update(now);
     }
 
     Preferences settings_;
@@ -221,6 +227,7 @@ class HalvexTimeMenu final : public ClockItem {
     std::shared_ptr<ClockView> clockView_;
     std::optional<WorldClockMenu> worldClockMenu_;
     std::optional<LocationMenu> locationMenu_;
+    std::optional<WarningsMenu> warningsMenu_;
     std::unique_ptr<ConvertPanel> convertPanel_;
     bool locationsChanged_ = true; // since they were shown in the menu
     const MenuItem* calculator_ = nullptr;
