@@ -1,4 +1,5 @@
 #include "apps/support/Appearance.h"
+#include "apps/support/DesktopFont.h"
 #include "platform/Graphics.h"
 #include "platform/qt/Desktop.h"
 #include "platform/qt/QtMenu.h"
@@ -13,7 +14,7 @@
 #include <string>
 #include <vector>
 
-// menu_pictures FOLDER light|dark
+// menu_pictures FOLDER light|dark|contrast
 // Draws menus with all features to FOLDER, one picture each; see scripts/draw-menus.
 using namespace platform;
 
@@ -90,6 +91,7 @@ std::shared_ptr<Menu> worldClock() {
     MenuItem& calendar = add(*menu, "Personal");
     calendar.setImage(disc(10, deviceRGB(0.2, 0.6, 0.3)));
     calendar.setTrailingText("10:00 – 11:30");
+    add(*menu, "תל אביב־יפו").setTrailingText("16:05");
     add(*menu, "Preferences…").setShortcut(KeyShortcut{Key::None, ",", kControlKeyMask});
     return menu;
 }
@@ -198,7 +200,9 @@ int main(int argc, char** argv) {
     if (argc != 3)
         return 1;
     qt::install();
-    apps::applyAppearance(apps::parseAppearance(argv[2]).value_or(apps::Appearance::Desktop));
+    apps::applyAppearance(apps::parseAppearance(argv[2]).value_or(apps::Appearance::Light),
+                          {.accent = {}, .highContrast = argv[2] == std::string("contrast")});
+    apps::applyDesktopFont();
     const auto down = [](std::size_t count) { return std::vector(count, Qt::Key_Down); };
     auto submenu = down(9);
     submenu.push_back(Qt::Key_Right);
