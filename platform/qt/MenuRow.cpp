@@ -32,7 +32,7 @@ constexpr int kSeparatorInset = 12;
 constexpr double kMaximumImage = 64;
 constexpr double kSmallText = 0.85;
 constexpr double kSelectedOpacity = 0.85; // of secondary text on the highlight
-constexpr double kSeparatorOpacity = 0.16;
+constexpr double kLineOpacity = 0.18;
 constexpr double kDisabledOpacity = 0.4; // of images
 
 /// Line ends and tabs are shown as blanks.
@@ -331,11 +331,9 @@ class RowPainter {
 };
 
 void paintSeparator(QPainter& painter, const QStyleOptionMenuItem& option) {
-    QColor color = option.palette.color(QPalette::Active, QPalette::Text);
-    color.setAlphaF(float(kSeparatorOpacity));
     painter.fillRect(QRect(option.rect.left() + kSeparatorInset, option.rect.center().y(),
                            option.rect.width() - 2 * kSeparatorInset, 1),
-                     color);
+                     menuLineColor(option.palette));
 }
 
 } // namespace
@@ -365,6 +363,13 @@ QSize menuRowSize(const MenuItem& item, const MenuColumns& columns, const QFont&
 bool isTitleCut(const MenuItem& item, const MenuColumns& columns, const QFont& font, int width) {
     const Parts parts(item, columns, font);
     return textWidth(item, parts) > width - parts.left - parts.trailing() - parts.right;
+}
+
+QColor menuLineColor(const QPalette& palette) {
+    QColor color = palette.color(QPalette::Active, QPalette::Text);
+    if (color != palette.color(QPalette::Active, QPalette::PlaceholderText))
+        color.setAlphaF(float(kLineOpacity));
+    return color;
 }
 
 void paintMenuHighlight(QPainter& painter, const QRect& row, const QPalette& palette) {

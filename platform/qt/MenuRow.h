@@ -2,6 +2,7 @@
 
 #include "platform/widgets/Menu.h"
 
+#include <QColor>
 #include <QFont>
 #include <QPalette>
 #include <QRect>
@@ -31,6 +32,10 @@ QSize menuRowSize(const MenuItem& item, const MenuColumns& columns, const QFont&
 /// Paints an item into option.rect, with the highlight if it is selected and enabled.
 void paintMenuRow(QPainter& painter, const MenuItem& item, const MenuColumns& columns,
                   const QStyleOptionMenuItem& option, const QFont& font);
+
+/// Returns the colour of separators and borders: a shade of the text's colour or, with high
+/// contrast, in which secondary text has the colour of other text, that colour.
+QColor menuLineColor(const QPalette& palette);
 
 /// Paints the background of a selected item.
 void paintMenuHighlight(QPainter& painter, const QRect& row, const QPalette& palette);

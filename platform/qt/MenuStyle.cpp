@@ -16,12 +16,6 @@ namespace {
 constexpr int kVerticalMargin = 5; // above the first row and below the last one
 constexpr int kScrollerHeight = 18;
 constexpr double kCornerRadius = 8;
-constexpr double kBorderOpacity = 0.2;
-
-QColor faded(QColor color, double opacity) {
-    color.setAlphaF(float(opacity));
-    return color;
-}
 
 /// Paints the shadow of a light above the menu.
 void paintShadow(QPainter& painter, const QRect& panel) {
@@ -47,7 +41,7 @@ void paintMenuPanel(QPainter& painter, const QtMenu& menu, const QPalette& palet
         painter.fillRect(panel, palette.base());
     const double half = 0.5 / painter.device()->devicePixelRatioF(); // a border of one pixel
     painter.setBrush(palette.base());
-    painter.setPen(QPen(faded(palette.color(QPalette::Text), kBorderOpacity), 2 * half));
+    painter.setPen(QPen(menuLineColor(palette), 2 * half));
     painter.drawRoundedRect(QRectF(panel).adjusted(half, half, -half, -half), radius, radius);
     painter.restore();
 }
