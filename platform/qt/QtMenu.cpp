@@ -317,9 +317,19 @@ bool QtMenu::event(QEvent* event) {
     }
     const QPointer<QtMenu> self = this;
     const bool handled = QMenu::event(event);
-    if (self)
-        updateHighlight();
+    if (!self)
+        return handled;
+    if (event->type() == QEvent::KeyPress)
+        scrollToActiveRow();
+    updateHighlight();
     return handled;
+}
+
+/// QMenu selects a row at the other end of a menu that scrolls without showing it.
+void QtMenu::scrollToActiveRow() {
+    QAction* const active = isVisible() ? activeAction() : nullptr;
+    if (active && !panelRect().contains(actionGeometry(active)))
+        setActiveAction(active);
 }
 
 /// Shows the tooltip of the row at a position: its own, or its title if that is cut off.

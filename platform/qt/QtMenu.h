@@ -125,6 +125,7 @@ class QtMenu final : public QMenu, public MenuDisplay {
     void showToolTip(const QHelpEvent& event);
     void setModifiers(std::uint32_t flags);
     void showAlternates();
+    void scrollToActiveRow();
     void updateHighlight();
     void showHighlight(const Row& row);
 

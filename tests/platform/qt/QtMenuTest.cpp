@@ -317,6 +317,24 @@ TEST_F(QtMenuTest, FollowsEveryChangeWhileItIsOpen) {
     EXPECT_FALSE(shown.isVisible());
 }
 
+TEST_F(QtMenuTest, ScrollsToTheRowThatTheKeyboardSelects) {
+    for (int i = 0; i < 100; ++i)
+        menu->addItem(std::to_string(i), target->choose(), target);
+    QtMenu shown(menu, "test.item");
+    shown.popupBelow({300, 0, 60, 22});
+    for (const auto& [key, title] : {std::pair(Qt::Key_Up, "99"),
+                                     {Qt::Key_Up, "98"},
+                                     {Qt::Key_Down, "99"},
+                                     {Qt::Key_Down, "0"},
+                                     {Qt::Key_Down, "1"}}) {
+        QTest::keyClick(&shown, key);
+        ASSERT_TRUE(shown.activeAction());
+        EXPECT_EQ(shown.activeAction()->text(), title);
+        EXPECT_TRUE(shown.panelRect().contains(shown.actionGeometry(shown.activeAction())))
+            << title;
+    }
+}
+
 TEST_F(QtMenuTest, SurvivesATargetThatRunsAnEventLoopAndChangesTheMenu) {
     for (const char* title : {"a", "waits", "c"})
         menu->addItem(title, target->choose(), target);
