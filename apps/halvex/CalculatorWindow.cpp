@@ -48,6 +48,7 @@ QString labelOf(Key key) {
 
 CalculatorWindow::CalculatorWindow(const QLocale& locale) : locale_(locale) {
     setWindowTitle("Calculator");
+    setLayoutDirection(Qt::LeftToRight); // numbers and keypads are the same in all languages
     auto* const column = new QVBoxLayout(this);
     column->setContentsMargins(kMargin, kMargin, kMargin, kMargin);
     column->setSpacing(kGap);

@@ -17,7 +17,7 @@ namespace apps {
 BarMenu::BarMenu() = default;
 BarMenu::~BarMenu() = default;
 
-void BarMenu::open(const QRect& place) {
+void BarMenu::open(const QRect& place, MouseHandler handler) {
     auto menu = std::make_shared<Menu>();
     const auto add = [&](const char* title, MenuItem::Action action) -> MenuItem& {
         return menu->addItem(std::make_shared<MenuItem>(title, std::move(action)));
@@ -32,7 +32,13 @@ void BarMenu::open(const QRect& place) {
     menu->addSeparator();
     add(localized("Quit"), [](MenuItem&) { QApplication::quit(); });
     menu_ = std::make_unique<qt::QtMenu>(std::move(menu), std::string()); // owned by no item
+    menu_->setOutsideMouseHandler(std::move(handler));
     menu_->popupBelow(place);
+}
+
+void BarMenu::close() {
+    if (qt::QtMenu* const menu = openMenu())
+        menu->close();
 }
 
 qt::QtMenu* BarMenu::openMenu() const {

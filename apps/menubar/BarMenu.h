@@ -2,8 +2,10 @@
 
 #include <QRect>
 
+#include <functional>
 #include <memory>
 
+class QMouseEvent;
 class QWidget;
 
 namespace platform::qt {
@@ -19,8 +21,14 @@ class BarMenu final {
     BarMenu();
     ~BarMenu();
 
+    /// Called when the mouse is pressed or moved outside the menu. Returns whether it handled the
+    /// event.
+    using MouseHandler = std::function<bool(const QMouseEvent& event)>;
+
     /// Opens the menu below a place in the bar, a rectangle on the screen.
-    void open(const QRect& place);
+    void open(const QRect& place, MouseHandler handler = {});
+    /// Closes the menu if it is open.
+    void close();
     /// Returns the open menu, or null.
     platform::qt::QtMenu* openMenu() const;
 

@@ -9,6 +9,7 @@
 #include "platform/runtime/Guard.h"
 
 #include <QAbstractEventDispatcher>
+#include <QMouseEvent>
 
 #include <utility>
 #include <vector>
@@ -24,9 +25,7 @@ MenuBar::MenuBar(qt::QtGraphics& graphics, CrashJournal& journal)
     connect(&items_, &ItemCollection::removed, this, &MenuBar::placeItems);
     connect(&items_, &ItemCollection::sorted, this, &MenuBar::placeItems);
     connect(&keyboard_, &KeyboardNavigation::pressed, this, &MenuBar::send);
-    connect(&window_, &BarWindow::menuRequested, this, [this](int x) {
-        barMenu_.open(QRect(window_.mapToGlobal(QPoint(x, 0)), QSize(1, kBarHeight)));
-    });
+    connect(&window_, &BarWindow::menuRequested, this, &MenuBar::openBarMenu);
     // Drawing happens just before the event loop blocks. QWidget::update would need another
     // iteration of the loop per tick.
     connect(QAbstractEventDispatcher::instance(), &QAbstractEventDispatcher::aboutToBlock, this,
@@ -56,6 +55,23 @@ void MenuBar::placeItems() {
     for (const Item& item : items_)
         widgets.push_back(item.widget.get());
     window_.placeItems(widgets);
+}
+
+void MenuBar::openBarMenu(int x) {
+    barMenu_.open(QRect(window_.mapToGlobal(QPoint(x, 0)), QSize(1, kBarHeight)),
+                  [this](const QMouseEvent& event) { return pressItem(event); });
+}
+
+/// Passes a press beside the bar's menu to the item below the pointer. Returns false if there is
+/// none.
+bool MenuBar::pressItem(const QMouseEvent& event) {
+    const QPoint position = window_.mapFromGlobal(event.globalPosition().toPoint());
+    auto* const item = qobject_cast<ItemWidget*>(window_.childAt(position));
+    if (!item || event.type() != QEvent::MouseButtonPress)
+        return false;
+    barMenu_.close();
+    item->press(event);
+    return true;
 }
 
 void MenuBar::endDrawing(Item& item) {

@@ -58,6 +58,8 @@ class MenuBar final : public QObject, public platform::MenuExtraHost, public pla
     void itemAdded(Item& item);
     void placeItems();
     void displayIfNeeded();
+    void openBarMenu(int x);
+    bool pressItem(const QMouseEvent& event);
     void endDrawing(Item& item);
     bool send(const Item& item, const platform::Event& event);
 

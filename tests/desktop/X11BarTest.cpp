@@ -96,6 +96,12 @@ TEST(X11Bar, QuitsFromTheMenuOfTheEmptyBar) {
     x.pointAt(200);
     x.act({"click", "3"});
     ASSERT_TRUE(eventually([&] { return bar.picture().height() > closed; }));
+    x.clickAt(kAtItem);
+    EXPECT_TRUE(bar.logs("click plain 1")) << "the item receives the click that closes the menu";
+    x.act({"key", "Escape"});
+    x.pointAt(200);
+    x.act({"click", "3"});
+    ASSERT_TRUE(eventually([&] { return bar.picture().height() > closed; }));
     x.act({"key", "Up", "Return"});
     EXPECT_EQ(bar.waitForExit(), 0) << bar.log();
     EXPECT_TRUE(bar.logs("unloading")) << bar.log();
