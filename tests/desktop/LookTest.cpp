@@ -13,30 +13,32 @@
 
 namespace {
 
-/// A block with an integer, a colour and two strings, as a settings manager writes it.
-QByteArray block(bool bigEndian) {
+/// A block with an integer, a colour and two strings, as a settings manager writes it, which says
+/// that it has @p count settings.
+QByteArray block(bool bigEndian, quint32 count = 4) {
     QByteArray bytes(1, bigEndian ? '\1' : '\0');
     const auto add = [&](quint32 value, int size) {
         for (int i = 0; i < size; ++i)
             bytes += static_cast<char>(value >> 8 * (bigEndian ? size - 1 - i : i));
     };
-    const auto addText = [&](const QByteArray& text) { bytes += text + QByteArray(3, '\0'); };
+    const auto addText = [&](const QByteArray& text) {
+        bytes += text + QByteArray((4 - text.size() % 4) % 4, '\0');
+    };
     const auto addName = [&](quint32 type, const QByteArray& name) {
         add(type, 1);
         add(0, 1);
         add(static_cast<quint32>(name.size()), 2);
-        addText(name); // one more than a multiple of four
+        addText(name);
         add(7, 4);
     };
     add(0, 3);
     add(1, 4);
-    add(4, 4);
+    add(count, 4);
     addName(0, "Xft/Hints");
     add(1, 4);
     addName(2, "Net/Color");
     add(0, 8);
-    for (const auto& [name, value] :
-         {std::pair("Net/Theme", "Quiet"), {"Gtk/FontN", "Inter 11 "}}) {
+    for (const auto& [name, value] : {std::pair("Net/Them", "Quiet"), {"Gtk/FontN", "Inter 11"}}) {
         addName(1, name);
         add(static_cast<quint32>(qstrlen(value)), 4);
         addText(value);
@@ -48,13 +50,13 @@ TEST(XSettings, FindsAStringBehindSettingsOfEachTypeInBothByteOrders) {
     for (const bool bigEndian : {false, true}) {
         const QByteArray bytes = block(bigEndian);
         using Row = std::tuple<const char*, std::optional<std::string>>;
-        for (const auto& [name, value] : {Row{"Net/Theme", "Quiet"},
-                                          {"Gtk/FontN", "Inter 11 "},
+        for (const auto& [name, value] : {Row{"Net/Them", "Quiet"},
+                                          {"Gtk/FontN", "Inter 11"},
                                           {"Xft/Hints", std::nullopt},
                                           {"Gtk/Fon", std::nullopt}})
             EXPECT_EQ(apps::stringInXSettings(bytes, name), value) << name;
-        // Only the padding at the end may be missing.
-        for (qsizetype size = 0; size < bytes.size() - 3; ++size)
+        EXPECT_EQ(apps::stringInXSettings(block(bigEndian, 3), "Gtk/FontN"), std::nullopt);
+        for (qsizetype size = 0; size < bytes.size(); ++size)
             EXPECT_EQ(apps::stringInXSettings(bytes.first(size), "Gtk/FontN"), std::nullopt);
     }
 }
@@ -66,6 +68,7 @@ TEST(XSettings, SeparatesTheSizeAndTheStyleFromTheFamily) {
                                                {"Cantarell,  11", "Cantarell", 11},
                                                {"Medium Rare 12", "Medium Rare", 12},
                                                {"Sans 100", "Sans", 100},
+                                               {"Sans 1", "Sans", 1},
                                                {"Sans 101", "", 0},
                                                {"Sans 0.5", "", 0},
                                                {"Sans nan", "", 0},
