@@ -15,8 +15,12 @@ namespace clock_format = extras::clock_format;
 namespace {
 
 constexpr const char* kLocationGap = "   ";
-constexpr const char* kRightToLeft = "\u2067"; // the parts of what follows, up to the end
-constexpr const char* kEndOfDirection = "\u2069";
+
+// These characters set the direction of what follows, up to the end: from right to left, or that of
+// the text itself.
+constexpr const char* kRightToLeft = "\u2067";
+constexpr const char* kIsolated = "\u2068";
+constexpr const char* kEnd = "\u2069";
 
 std::string barFormat(const WorldClock& clock) {
     return clock.barFormat.empty() ? clock_format::time() : clock.barFormat;
@@ -67,13 +71,16 @@ std::string ClockTitle::timeText(std::int64_t now) const {
 }
 
 std::string ClockTitle::text(std::int64_t now) const {
-    const std::string local = timeText(now);
-    std::string title = local;
+    const bool isMirrored = extras::isRightToLeft();
+    const auto part = [&](const std::string& text) {
+        return isMirrored ? kIsolated + text + kEnd : text;
+    };
+    std::string title = part(timeText(now));
     for (const WorldClock& clock : locations_)
         if (const auto time = timeIn(clock, now))
-            title += kLocationGap + (clock.barFormat.empty() ? clock.name + ' ' + *time : *time);
-    const bool isMirrored = extras::isRightToLeft() && title != local;
-    return isMirrored ? kRightToLeft + title + kEndOfDirection : title;
+            title +=
+                kLocationGap + part(clock.barFormat.empty() ? clock.name + ' ' + *time : *time);
+    return isMirrored ? kRightToLeft + title + kEnd : title;
 }
 
 std::vector<TitleColumn> ClockTitle::columns(std::int64_t now) const {

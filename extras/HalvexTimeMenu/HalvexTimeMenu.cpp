@@ -95,6 +95,13 @@ class HalvexTimeMenu final : public ClockItem {
         return true;
     }
 
+    /// The date and the ISO week, which the title may not show.
+    std::string toolTip() const override {
+        const std::tm moment = systemClock().localTime(systemClock().now());
+        return clock_format::text(clock_format::fullDate(), moment) + '\n' +
+               extras::fill(tr("Week %1"), {clock_format::text("%V", moment)});
+    }
+
     void recalWidth() override {
         if (!clockView_)
             return ClockItem::recalWidth();

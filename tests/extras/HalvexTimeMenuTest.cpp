@@ -34,6 +34,7 @@ TEST_F(HalvexTimeMenu, UpdatesAsOftenAsItsFormatNeedsAndShowsTheIsoWeekAndTheZon
     EXPECT_THAT(clock.intervals(), ElementsAre(TickInterval::Minute));
     clock.moveTo(1609459200); // 2021-01-01, a Friday
     EXPECT_EQ(title(), "53 GMT") << "the ISO week of the year before";
+    EXPECT_EQ(extra->view()->toolTip(), "Friday, January 1, 2021\nWeek 53");
 }
 
 TEST_F(HalvexTimeMenu, ReloadsItsFormatWhenThePreferencesFileChanges) {
