@@ -3,6 +3,7 @@
 #include "platform/Graphics.h"
 #include "platform/base/Exception.h"
 
+#include <algorithm>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -21,13 +22,16 @@ struct BlankImage final : platform::Image {
     bool onlyAlpha = false;
 };
 
-/// Records drawing as lines of text. Each byte of a drawn text is 7 points wide and 15 high.
+/// Records drawing as lines of text. Each byte of a drawn text is 7 points wide and 15 high, except
+/// that the test can make the digit 1 narrower.
 class RecordingGraphics final : public platform::Graphics, public platform::GraphicsContext {
   public:
     std::vector<std::string> drawn;
+    double widthOfOne = 7;
 
     platform::Size sizeOfText(const platform::AttributedString& text) override {
-        return {7.0 * static_cast<double>(text.length()), 15.0};
+        const auto ones = static_cast<double>(std::ranges::count(text.string(), '1'));
+        return {7.0 * static_cast<double>(text.length()) - (7 - widthOfOne) * ones, 15.0};
     }
     /// Returns an image of 13 x 13 points for every path that ends in ".png".
     std::shared_ptr<platform::Image> imageWithContentsOfFile(const std::string& path) override {

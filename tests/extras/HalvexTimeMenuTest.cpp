@@ -125,8 +125,11 @@ TEST_F(HalvexTimeMenu, DisablesTheEntriesThatNeedAMissingPane) {
 
 TEST_F(HalvexTimeMenu, StopsUpdatingWhenItIsUnloaded) {
     start();
+    extra->menuWillOpen();
+    extra->menuDidClose();
     extra->willUnload();
     EXPECT_THAT(clock.intervals(), ElementsAre());
+    EXPECT_THAT(timers.running(), ElementsAre());
     const std::weak_ptr<MenuExtra> watched = extra;
     extra.reset();
     EXPECT_TRUE(watched.expired());

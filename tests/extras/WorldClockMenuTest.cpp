@@ -197,6 +197,20 @@ TEST_F(WorldClockMenu, FollowsTheCalendarAndTheLocalZone) {
     }
 }
 
+TEST_F(WorldClockMenu, HasTheSameWidthForAllDigits) {
+    graphics.widthOfOne = 4;
+    setFormat("%H:%M");
+    start();
+    clock.moveTo(kSunday - 41 * 60 - 11 * 3600); // 11:00
+    const float width = extra->length();
+    EXPECT_EQ(width, 35 + 2);
+    host.lengthChanges = 0;
+    clock.moveTo(clock.seconds + 11 * 60);
+    EXPECT_EQ(title(), "11:11");
+    EXPECT_EQ(extra->length(), width);
+    EXPECT_EQ(host.lengthChanges, 0);
+}
+
 TEST_F(WorldClockMenu, ShowsTheDateAboveTheTime) {
     writePreferences("<key>MenuClockTwoLines</key><true/>");
     writeLocations(location("Tokyo", "Tokyo", kInBar));
