@@ -164,6 +164,16 @@ TEST_F(LocationFiles, AreReadAgainAfterTheyHaveChanged) {
         EXPECT_TRUE(loop.runUntil([&] { return changes > 0; }, std::chrono::seconds(5)));
         EXPECT_THAT(names(clocks), ElementsAre(city));
     }
+    std::size_t logged = 0;
+    for (const char* text : {"broken", "broken", "<plist><array/></plist>"}) {
+        changes = 0;
+        folder.write(kProductFolder + "Halvex Locations", text);
+        EXPECT_TRUE(loop.runUntil([&] { return changes > 0; }, std::chrono::seconds(5)));
+        EXPECT_THAT(names(clocks), ElementsAre());
+        for (const std::string& line : log.take())
+            logged += line.starts_with("cannot read the locations in ") ? 1 : 0;
+    }
+    EXPECT_EQ(logged, 1U) << "once, and not after it has been repaired";
 }
 
 TEST_F(LocationFiles, ChangeOneRecordAndKeepTheRest) {
