@@ -13,12 +13,10 @@
 using namespace platform;
 using namespace std::chrono;
 
-namespace {
-
 constexpr double kCell = 26;                // points, in both directions
 constexpr Size kSize{7 * kCell, 8 * kCell}; // the date, the weekdays and six weeks
 
-year_month_day today() {
+static year_month_day today() {
     const std::tm time = systemClock().localTime(systemClock().now());
     return year(time.tm_year + 1900) / (time.tm_mon + 1) / time.tm_mday;
 }
@@ -26,26 +24,25 @@ year_month_day today() {
 class MonthView final : public MenuExtraView {
   public:
     void show(year_month month) {
-        first_ = month / 1;
+        month_ = month;
         setNeedsDisplay(true);
     }
     void drawRect(const Rect&) override {
-        drawCell(text(first_).substr(0, 7), 3);
+        drawCell(text(month_ / 1).substr(0, 7), 3);
         for (int i = 0; i < 7; ++i)
             drawCell(std::string(1, "MTWTFSS"[i]), 7 + i);
-        for (year_month_day day = first_; day.ok();
-             day = first_.year() / first_.month() / ++day.day())
-            drawCell(std::to_string(unsigned(day.day())), cellOf(day), day == today());
+        for (unsigned day = 1; (month_ / day).ok(); ++day)
+            drawCell(std::to_string(day), cellOf(day), month_ / day == today());
     }
     void mouseDown(const Event& event) override {
-        const int row = static_cast<int>((kSize.height - event.location.y) / kCell);
-        const int cell = row * 7 + static_cast<int>(event.location.x / kCell);
-        const year_month_day day(sys_days(first_) + days(cell - cellOf(first_)));
-        if (cell >= 14 && day.month() == first_.month())
+        const int row = int((kSize.height - event.location.y) / kCell);
+        const int cell = row * 7 + int(event.location.x / kCell);
+        const year_month_day day(sys_days(month_ / 1) + days(cell - cellOf(1)));
+        if (day.year() / day.month() == month_)
             generalPasteboard().setString(text(day));
     }
     bool scrollWheel(const WheelEvent& event) override {
-        show(first_.year() / first_.month() + months(event.deltaY > 0 ? -1 : 1));
+        show(month_ + months(event.deltaY > 0 ? -1 : 1));
         return true;
     }
     bool keyDown(const KeyEvent& event) override {
@@ -53,7 +50,7 @@ class MonthView final : public MenuExtraView {
         return (isUp || event.key == Key::PageDown) && scrollWheel({.deltaY = isUp ? 1.0 : -1.0});
     }
     AccessibleDescription accessibleDescription() const override {
-        return {.name = "Calendar", .value = text(first_).substr(0, 7)};
+        return {.name = "Calendar", .value = text(month_ / 1).substr(0, 7)};
     }
 
   private:
@@ -63,10 +60,7 @@ class MonthView final : public MenuExtraView {
                       unsigned(day.day()));
         return date;
     }
-    int cellOf(year_month_day day) const {
-        const auto column = static_cast<int>(weekday(sys_days(first_)).iso_encoding()) - 1;
-        return 14 + column + static_cast<int>(unsigned(day.day())) - 1;
-    }
+    int cellOf(unsigned day) const { return int(12 + day + weekday(month_ / 1).iso_encoding()); }
     static void drawCell(const std::string& string, int cell, bool bold = false) {
         const AttributedString label(string, {.font = Font{.bold = bold}});
         const Size size = graphics().sizeOfText(label);
@@ -75,10 +69,8 @@ class MonthView final : public MenuExtraView {
                     kSize.height - (cell / 7 + 0.5) * kCell - size.height / 2});
     }
 
-    year_month_day first_ = today();
+    year_month month_{};
 };
-
-} // namespace
 
 class Month final : public HalvexMenuExtraBase {
   public:
@@ -100,7 +92,6 @@ class Month final : public HalvexMenuExtraBase {
 
   private:
     void update() { setTitle(std::to_string(unsigned(today().day()))); }
-
     std::shared_ptr<MonthView> month_ = std::make_shared<MonthView>();
     std::unique_ptr<Watch> ticks_;
 };
