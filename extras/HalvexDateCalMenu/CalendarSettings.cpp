@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <array>
+#include <sstream>
 #include <utility>
 
 using std::chrono::weekday;
@@ -33,6 +34,21 @@ std::optional<weekday> weekdayNamed(std::string_view name) {
     if (found == kWeekdays.end())
         return std::nullopt;
     return weekday(static_cast<unsigned>(found - kWeekdays.begin()));
+}
+
+/// Returns the weekdays in a list with spaces between them, or none for "none".
+std::optional<std::bitset<7>> weekdaysNamed(const std::string& names) {
+    std::bitset<7> weekdays;
+    if (names == "none")
+        return weekdays;
+    std::istringstream stream(names);
+    for (std::string name; stream >> name;) {
+        const auto day = weekdayNamed(name);
+        if (!day)
+            return std::nullopt;
+        weekdays.set(day->c_encoding());
+    }
+    return weekdays.any() ? std::optional(weekdays) : std::nullopt;
 }
 
 } // namespace
@@ -84,18 +100,11 @@ WeekRules CalendarSettingsReader::rules() {
     else if (first != kLocale)
         logInvalid("FirstWeekday", "it is not locale or a weekday in English, such as monday");
 
-    if (!preferences_.value("Weekend"))
-        return rules;
-    std::bitset<7> weekend;
-    for (const std::string& name : preferences_.strings("Weekend", {std::string(kLocale)})) {
-        const auto day = weekdayNamed(name);
-        if (!day && name != kLocale)
-            logInvalid("Weekend", "it has entries that are not weekdays in English");
-        if (!day)
-            return rules;
-        weekend.set(day->c_encoding());
-    }
-    rules.weekend = weekend;
+    const std::string weekend = preferences_.string("Weekend", kLocale);
+    if (const auto named = weekdaysNamed(weekend))
+        rules.weekend = *named;
+    else if (weekend != kLocale)
+        logInvalid("Weekend", "it is not locale, none or weekdays in English");
     return rules;
 }
 

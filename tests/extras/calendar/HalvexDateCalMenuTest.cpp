@@ -154,15 +154,19 @@ TEST_F(Calendar, AppliesPreferencesToTheMonth) {
             month().keyDown({.key = Key::Right, .modifierFlags = kShiftKeyMask});
         return month().accessibleDescription().description;
     };
-    const auto setWeekend = [&](const std::vector<std::string>& names) {
-        item.preferences[kProduct].set("DateCalendarWeekend", names);
-    };
-    setWeekend({"friday"});
-    EXPECT_EQ(workingDays(), "7 days · 1 week · 6 working days");
-    setWeekend({});
-    EXPECT_EQ(workingDays(), "7 days · 1 week · 7 working days");
-    setWeekend({"friday", "holiday"});
+    for (const auto& [weekend, description] :
+         {std::pair("friday", "7 days · 1 week · 6 working days"),
+          {"friday  saturday", "7 days · 1 week · 5 working days"},
+          {"none", "7 days · 1 week · 7 working days"},
+          {"locale", "7 days · 1 week · 5 working days"}}) {
+        set("Weekend", weekend);
+        EXPECT_EQ(workingDays(), description) << weekend;
+    }
+    item.log.take();
+    for (const char* invalid : {"friday holiday", ""})
+        set("Weekend", invalid);
     EXPECT_EQ(workingDays(), "7 days · 1 week · 5 working days");
+    EXPECT_EQ(logged("cannot use preference Weekend "), 1);
 }
 
 TEST_F(Calendar, CopiesTheSelectionInEveryFormat) {
