@@ -24,7 +24,7 @@ constexpr double kDotBottom = 4; // from the bottom of a cell
 constexpr int kMaximumDots = 3;
 constexpr double kEventDot = 6;
 constexpr double kEventIndent = 14;
-constexpr double kTimeWidth = 72;
+constexpr double kTimeGap = 10;   // beside the time of an event
 constexpr double kNameMargin = 2; // beside the name of a weekday
 
 Rect centeredSquare(const Rect& rect, double side) {
@@ -257,14 +257,15 @@ void MonthPainter::drawEvent(const CalendarEvent& event, const Rect& line) const
     const double dotY = line.origin.y + (line.size.height - kEventDot) / 2;
     fill(rounded({{dotX, dotY}, {kEventDot, kEventDot}}),
          event.isHoliday ? style_.holiday : style_.event);
-    const double timeWidth = event.minuteOfDay ? kTimeWidth : 0;
+    const std::string time =
+        event.minuteOfDay ? calendar_texts::timeOfDay(*event.minuteOfDay) : std::string();
+    const double timeWidth =
+        graphics().sizeOfText(labelled(time, style_.details, style_.secondaryText)).width;
     Rect title = line;
-    title.origin.x += mirrored ? timeWidth : kEventIndent;
-    title.size.width -= kEventIndent + timeWidth;
+    title.origin.x += mirrored ? timeWidth + kTimeGap : kEventIndent;
+    title.size.width -= kEventIndent + timeWidth + kTimeGap;
     drawText(event.title, title, style_.details, style_.text, Align::Start);
-    if (event.minuteOfDay)
-        drawText(calendar_texts::timeOfDay(*event.minuteOfDay), line, style_.details,
-                 style_.secondaryText, Align::End);
+    drawText(time, line, style_.details, style_.secondaryText, Align::End);
 }
 
 void MonthPainter::fill(const BezierPath& path, const Color& color) const {
