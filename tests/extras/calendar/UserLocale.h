@@ -10,8 +10,7 @@
 
 namespace test {
 
-/// Makes a locale the user's, and generates it if it is not installed. The code under test reads
-/// the user's locale only once.
+/// Makes a locale the user's, and generates it if it is not installed.
 class UserLocale {
   public:
     explicit UserLocale(const std::string& name) : name_("LC_ALL", name + ".UTF-8") {
