@@ -22,8 +22,8 @@ constexpr double kButtonSide = 28;
 constexpr double kDetailsGap = 8; // on both sides of the separator, and at the bottom
 constexpr double kTitleHeight = 20;
 constexpr double kSubtitleHeight = 18;
-constexpr double kEventGap = 4; // above the first event
-constexpr double kEventHeight = 22;
+constexpr double kMoreGap = 4; // above the other lines
+constexpr double kMoreHeight = 22;
 constexpr double kGridHeight = kCellHeight * MonthLayout::kRows;
 constexpr double kBelowHeadings = kHeadingHeight + kWeekdayHeight;
 
@@ -45,11 +45,9 @@ MonthGeometry::MonthGeometry(const Options& options, double width)
 
 Size MonthGeometry::minimumSize(const Options& options) {
     const double month = weekNumberWidth(options) + kCellWidth * MonthLayout::kColumns;
-    const double events =
-        options.eventLines > 0 ? kEventGap + kEventHeight * options.eventLines : 0;
+    const double more = options.moreLines > 0 ? kMoreGap + kMoreHeight * options.moreLines : 0;
     return {2 * kMargin + month * options.months + kMonthGap * (options.months - 1),
-            kBelowHeadings + kGridHeight + 3 * kDetailsGap + kTitleHeight + kSubtitleHeight +
-                events};
+            kBelowHeadings + kGridHeight + 3 * kDetailsGap + kTitleHeight + kSubtitleHeight + more};
 }
 
 /// Returns a width in whole points, so that columns are drawn alike.
@@ -119,10 +117,10 @@ Rect MonthGeometry::subtitle() const {
     return textLine(2 * kDetailsGap + kTitleHeight, kSubtitleHeight);
 }
 
-Rect MonthGeometry::event(int line) const {
-    return textLine(2 * kDetailsGap + kTitleHeight + kSubtitleHeight + kEventGap +
-                        line * kEventHeight,
-                    kEventHeight);
+Rect MonthGeometry::more(int line) const {
+    return textLine(2 * kDetailsGap + kTitleHeight + kSubtitleHeight + kMoreGap +
+                        line * kMoreHeight,
+                    kMoreHeight);
 }
 
 MonthGeometry::Target MonthGeometry::targetAt(Point point) const {

@@ -20,7 +20,7 @@ class MonthGeometry {
         int months = 1;
         bool weekNumbers = false;
         bool rightToLeft = false;
-        int eventLines = 0; ///< below the two lines about the selected days
+        int moreLines = 0; ///< below the two lines about the selected days
 
         friend bool operator==(const Options&, const Options&) = default;
     };
@@ -48,10 +48,11 @@ class MonthGeometry {
     platform::Rect cell(int month, int cell) const;
     /// Returns the line between the months and the text below.
     platform::Rect separator() const;
-    /// Returns the rectangle of the title of the selection, of the text below it, or of an event.
+    /// Returns the rectangle of the title of the selection, of the text below it, or of one of the
+    /// other lines.
     platform::Rect title() const;
     platform::Rect subtitle() const;
-    platform::Rect event(int line) const;
+    platform::Rect more(int line) const;
 
     Target targetAt(platform::Point point) const;
 

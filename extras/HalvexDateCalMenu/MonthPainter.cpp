@@ -235,18 +235,24 @@ void MonthPainter::drawDetails() const {
     drawText(picture_.details.title, geometry.title(), style_.title, style_.text, Align::Start);
     drawText(picture_.details.subtitle, geometry.subtitle(), style_.details, style_.secondaryText,
              Align::Start);
+    drawText(picture_.details.weeks, geometry.more(0), style_.details, style_.secondaryText,
+             Align::Start);
 }
 
 void MonthPainter::drawEvents() const {
     const auto& events = picture_.details.events;
-    const auto lines = static_cast<std::size_t>(picture_.geometry.options().eventLines);
+    const int offset = picture_.details.weeks.empty() ? 0 : 1;
+    const auto lines =
+        static_cast<std::size_t>(std::max(picture_.geometry.options().moreLines - offset, 0));
+    const auto lineOf = [&](std::size_t i) {
+        return picture_.geometry.more(static_cast<int>(i) + offset);
+    };
     const std::size_t shown = events.size() <= lines ? events.size() : std::max(lines, 1UL) - 1;
     for (std::size_t i = 0; i < shown; ++i)
-        drawEvent(events[i], picture_.geometry.event(static_cast<int>(i)));
+        drawEvent(events[i], lineOf(i));
     if (shown < std::min(lines, events.size())) {
         const auto rest = static_cast<long>(events.size() - shown);
-        drawText(tr("%1 more event", "%1 more events", rest),
-                 picture_.geometry.event(static_cast<int>(shown)), style_.details,
+        drawText(tr("%1 more event", "%1 more events", rest), lineOf(shown), style_.details,
                  style_.secondaryText, Align::Start);
     }
 }

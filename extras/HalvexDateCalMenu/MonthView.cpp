@@ -60,11 +60,11 @@ void MonthView::updateStyle() {
     setNeedsDisplay(true);
 }
 
-void MonthView::resize(int eventLines) {
+void MonthView::resize(int moreLines) {
     const MonthGeometry::Options options{.months = settings_.months,
                                          .weekNumbers = settings_.weekNumbers.has_value(),
                                          .rightToLeft = settings_.rightToLeft,
-                                         .eventLines = eventLines};
+                                         .moreLines = moreLines};
     if (options == picture_.geometry.options() && frame().size.width > 0)
         return;
     picture_.geometry = MonthGeometry(options);
@@ -85,9 +85,11 @@ void MonthView::updateDetails() {
     const DayRange range = picture_.selection.range();
     picture_.details = describe(picture_.selection, picture_.today, picture_.rules,
                                 picture_.weekNumbers, actions_.events(range.first, range.last));
-    const auto lines = static_cast<int>(picture_.details.events.size());
+    const auto events = static_cast<int>(picture_.details.events.size());
+    const int lines =
+        std::min(events, kMaximumEventLines) + (picture_.details.weeks.empty() ? 0 : 1);
     // The view never shrinks under the pointer.
-    resize(std::max(picture_.geometry.options().eventLines, std::min(lines, kMaximumEventLines)));
+    resize(std::max(picture_.geometry.options().moreLines, lines));
     setNeedsDisplay(true);
 }
 
@@ -245,6 +247,8 @@ std::string MonthView::toolTip() const {
 
 AccessibleDescription MonthView::accessibleDescription() const {
     std::string description = picture_.details.subtitle;
+    if (!picture_.details.weeks.empty())
+        description += "\n" + picture_.details.weeks;
     for (const CalendarEvent& event : picture_.details.events)
         description += "\n" + eventText(event);
     return {.name = calendar_texts::heading(picture_.selection.month()),

@@ -74,8 +74,8 @@ class MonthView final : public platform::MenuExtraView {
     void change(const std::function<void(CalendarSelection& selection)>& code);
     void showMonths();
     void updateDetails();
-    /// Sets the geometry, and makes room for @p eventLines.
-    void resize(int eventLines);
+    /// Sets the geometry, and makes room for @p moreLines.
+    void resize(int moreLines);
 
     Actions actions_;
     Settings settings_;

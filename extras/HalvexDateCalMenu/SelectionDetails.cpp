@@ -30,6 +30,7 @@ SelectionDetails describe(const CalendarSelection& selection, sys_days today,
         const DayRange range = selection.range();
         details.title = calendar_texts::shortRange(range);
         details.subtitle = calendar_texts::length(range, workingDays(range, rules, events));
+        details.weeks = calendar_texts::lengthInWeeks(range);
     } else {
         details.title = calendar_texts::longDate(selection.day());
         details.subtitle = calendar_texts::distance(selection.day(), today);

@@ -15,6 +15,7 @@ namespace extras {
 struct SelectionDetails {
     std::string title;    ///< the date, or both ends of the range
     std::string subtitle; ///< week and distance from today, or the length of the range
+    std::string weeks;    ///< the length of the range in weeks, or empty
     std::vector<CalendarEvent> events;
 };
 

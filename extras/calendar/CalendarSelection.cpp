@@ -47,7 +47,6 @@ void CalendarSelection::scrollByMonths(int count) {
 }
 
 void CalendarSelection::moveByMonths(int count) {
-    goTo(day_);
     scrollByMonths(count);
     goTo(addMonths(day_, months(count)));
 }

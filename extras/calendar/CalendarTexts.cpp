@@ -30,15 +30,6 @@ std::string_view localeInfo(nl_item item) {
     return nl_langinfo_l(item, clock_format::userLocale());
 }
 
-/// Returns a number of days as weeks and days, such as "1 week 3 days".
-std::string weeksAndDays(int days) {
-    const int weeks = days / 7;
-    std::string result = tr("%1 week", "%1 weeks", weeks);
-    if (days % 7 != 0)
-        result += ' ' + tr("%1 day", "%1 days", days % 7);
-    return result;
-}
-
 } // namespace
 
 std::string text(std::string_view format, sys_days day) {
@@ -93,10 +84,17 @@ std::string shortRange(const DayRange& range) {
 }
 
 std::string length(const DayRange& range, int workingDays) {
-    std::string result = tr("%1 day", "%1 days", range.days());
-    if (range.days() >= 7)
-        result += " · " + weeksAndDays(range.days());
-    return result + " · " + tr("%1 working day", "%1 working days", workingDays);
+    return tr("%1 day", "%1 days", range.days()) + " · " +
+           tr("%1 working day", "%1 working days", workingDays);
+}
+
+std::string lengthInWeeks(const DayRange& range) {
+    const int weeks = range.days() / 7;
+    const int rest = range.days() % 7;
+    if (weeks == 0)
+        return {};
+    const std::string text = tr("%1 week", "%1 weeks", weeks);
+    return rest == 0 ? text : text + ' ' + tr("%1 day", "%1 days", rest);
 }
 
 std::string timeOfDay(int minuteOfDay) {

@@ -29,8 +29,11 @@ std::string distance(std::chrono::sys_days day, std::chrono::sys_days today);
 
 /// Returns both ends of a range, shortened: "28 Nov – 3 Dec 2026".
 std::string shortRange(const DayRange& range);
-/// Returns the length of a range: "10 days · 1 week 3 days · 8 working days".
+/// Returns the length of a range: "10 days · 8 working days".
 std::string length(const DayRange& range, int workingDays);
+/// Returns the length of a range in weeks: "1 week 3 days", or an empty text if it is shorter than
+/// a week.
+std::string lengthInWeeks(const DayRange& range);
 
 /// Returns the time of day of an event, such as "14:05".
 std::string timeOfDay(int minuteOfDay);

@@ -155,17 +155,17 @@ TEST_F(Calendar, AppliesPreferencesToTheMonth) {
         return month().accessibleDescription().description;
     };
     for (const auto& [weekend, description] :
-         {std::pair("friday", "7 days · 1 week · 6 working days"),
-          {"friday  saturday", "7 days · 1 week · 5 working days"},
-          {"none", "7 days · 1 week · 7 working days"},
-          {"locale", "7 days · 1 week · 5 working days"}}) {
+         {std::pair("friday", "7 days · 6 working days\n1 week"),
+          {"friday  saturday", "7 days · 5 working days\n1 week"},
+          {"none", "7 days · 7 working days\n1 week"},
+          {"locale", "7 days · 5 working days\n1 week"}}) {
         set("Weekend", weekend);
         EXPECT_EQ(workingDays(), description) << weekend;
     }
     item.log.take();
     for (const char* invalid : {"friday holiday", ""})
         set("Weekend", invalid);
-    EXPECT_EQ(workingDays(), "7 days · 1 week · 5 working days");
+    EXPECT_EQ(workingDays(), "7 days · 5 working days\n1 week");
     EXPECT_EQ(logged("cannot use preference Weekend "), 1);
 }
 

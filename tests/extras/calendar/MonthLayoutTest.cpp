@@ -91,10 +91,13 @@ TEST(CalendarTexts, SayHowFarADayIsAndHowLongARange) {
                                        {-2, "2 days ago"},
                                        {366, "In 366 days"}})
         EXPECT_EQ(calendar_texts::distance(today + days(offset), today), text);
-    for (const auto& [count, text] : {std::pair(2, "2 days · 1 working day"),
-                                      {7, "7 days · 1 week · 1 working day"},
-                                      {15, "15 days · 2 weeks 1 day · 1 working day"}})
-        EXPECT_EQ(calendar_texts::length({today, today + days(count - 1)}, 1), text);
+    for (const auto& [count, text, weeks] : {std::tuple(2, "2 days · 1 working day", ""),
+                                             {7, "7 days · 1 working day", "1 week"},
+                                             {15, "15 days · 1 working day", "2 weeks 1 day"}}) {
+        const DayRange range{today, today + days(count - 1)};
+        EXPECT_EQ(calendar_texts::length(range, 1), text);
+        EXPECT_EQ(calendar_texts::lengthInWeeks(range), weeks);
+    }
     EXPECT_EQ(calendar_texts::shortRange({today, today + days(2)}), "Feb 28 – Mar 1, 2028");
     EXPECT_EQ(calendar_texts::shortRange({today, today + days(366)}),
               "Feb 28, 2028 – Feb 28, 2029");
