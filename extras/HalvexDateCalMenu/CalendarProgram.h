@@ -13,7 +13,7 @@ struct CalendarProgram {
 
 /// Returns the program with the identifier @p preferred. If that is empty or not installed, which
 /// is logged once until it changes, returns the default application for calendar files, or
-/// std::nullopt if there is none. Main thread only.
+/// std::nullopt if no such application is installed. Main thread only.
 std::optional<CalendarProgram> calendarProgram(const std::string& preferred);
 
 } // namespace extras

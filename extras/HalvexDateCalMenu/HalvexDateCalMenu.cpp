@@ -130,7 +130,6 @@ class HalvexDateCalMenu final : public HalvexMenuExtraBase {
                            .weekNumbers = settings_.weekNumbers,
                            .months = settings_.months,
                            .rightToLeft = extras::isRightToLeft()});
-        month_->reset(today_);
     }
 
     void update() {
@@ -200,7 +199,7 @@ class HalvexDateCalMenu final : public HalvexMenuExtraBase {
     std::unique_ptr<Watch> preferencesWatch_;
     std::unique_ptr<Watch> appearanceWatch_;
     std::unique_ptr<Watch> ticks_;
-    sys_days today_;
+    sys_days today_ = sys_days::min();
     int iconDay_ = 0; ///< 0 if the icon is not shown
 
     std::unique_ptr<extras::EventCalendars> calendars_; ///< null until the menu opens

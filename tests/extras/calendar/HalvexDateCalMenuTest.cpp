@@ -198,7 +198,7 @@ TEST_F(Calendar, CopiesTheSelectionInEveryFormat) {
     EXPECT_EQ(item.pasteboard.text, "24.11.");
 }
 
-TEST_F(Calendar, OpensTheDesktopsCalendarProgramOrSaysThatThereIsNone) {
+TEST_F(Calendar, OpensTheDesktopsCalendarProgramOrSaysThatNoneIsInstalled) {
     item.clock.seconds = kMidnight;
     load();
     EXPECT_THAT(item.menuTitles(), Contains("(No calendar program is installed)"));
