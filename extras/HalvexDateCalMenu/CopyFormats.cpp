@@ -12,14 +12,14 @@ constexpr const char* kIsoWeekDate = "%G-W%V-%u";
 
 /// Returns an interval as ISO 8601 writes it.
 std::string isoText(const DayRange& range, const char* format) {
-    const std::string first = calendar_texts::text(format, range.first);
+    std::string first = calendar_texts::text(format, range.first);
     return range.days() == 1 ? first : first + '/' + calendar_texts::text(format, range.last);
 }
 
 } // namespace
 
 std::string formatted(const DayRange& range, const std::string& format) {
-    const std::string first = calendar_texts::text(format, range.first);
+    std::string first = calendar_texts::text(format, range.first);
     if (range.days() == 1)
         return first;
     // Translators: the first and the last day of a range.

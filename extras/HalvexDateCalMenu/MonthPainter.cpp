@@ -217,8 +217,8 @@ void MonthPainter::drawDayMarks(sys_days day, const Rect& disc) const {
 }
 
 void MonthPainter::drawDots(sys_days day, const Rect& cell) const {
-    const auto [first, last] =
-        std::ranges::equal_range(picture_.events, day, {}, &CalendarEvent::day);
+    const auto first = std::ranges::lower_bound(picture_.events, day, {}, &CalendarEvent::day);
+    const auto last = std::ranges::upper_bound(picture_.events, day, {}, &CalendarEvent::day);
     const auto count = std::min<std::ptrdiff_t>(last - first, kMaximumDots);
     const double width = static_cast<double>(count) * (kDot + kDotGap) - kDotGap;
     double x = cell.origin.x + (cell.size.width - width) / 2;
