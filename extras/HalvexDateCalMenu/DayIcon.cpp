@@ -78,13 +78,11 @@ void cut(GraphicsContext& context, const Rect& rect) {
 }
 
 void cutDigit(GraphicsContext& context, int digit, double left) {
-    const std::string_view dots = kDigits[static_cast<std::size_t>(digit)];
-    for (int row = 0; row < kDigitRows; ++row)
+    const char* dot = kDigits[static_cast<std::size_t>(digit)].data();
+    for (int row = kDigitRows - 1; row >= 0; --row)
         for (int column = 0; column < kDigitColumns; ++column)
-            if (dots[static_cast<std::size_t>(row * kDigitColumns + column)] == '#')
-                cut(context,
-                    {{left + column * kUnit, kDigitBottom + (kDigitRows - 1 - row) * kUnit},
-                     {kUnit, kUnit}});
+            if (*dot++ == '#')
+                cut(context, {{left + column * kUnit, kDigitBottom + row * kUnit}, {kUnit, kUnit}});
 }
 
 void drawPage(GraphicsContext& context, int day) {

@@ -93,8 +93,9 @@ Rect MonthGeometry::weekNumber(int month, int row) const {
 }
 
 Rect MonthGeometry::cell(int month, int cell) const {
+    const int row = cell / MonthLayout::kColumns;
     Rect rect = weekday(month, cell % MonthLayout::kColumns);
-    rect.origin.y -= (cell / MonthLayout::kColumns + 1) * kCellHeight;
+    rect.origin.y -= (row + 1) * kCellHeight;
     rect.size.height = kCellHeight;
     return rect;
 }

@@ -218,13 +218,13 @@ bool MonthView::moveDay(Key key, Mode mode) {
     const int forward = settings_.rightToLeft ? -1 : 1;
     const std::array<std::pair<Key, int>, 4> steps{
         {{Key::Left, -forward}, {Key::Right, forward}, {Key::Up, -7}, {Key::Down, 7}}};
-    for (const auto& [arrow, count] : steps)
-        if (arrow == key) {
-            change([&](CalendarSelection& selection) {
-                selection.goTo(selection.day() + days(count), mode);
-            });
-            return true;
-        }
+    const auto* const step = std::ranges::find(steps, key, &decltype(steps)::value_type::first);
+    if (step != steps.end()) {
+        change([&](CalendarSelection& selection) {
+            selection.goTo(selection.day() + days(step->second), mode);
+        });
+        return true;
+    }
     if (key == Key::PageUp || key == Key::PageDown)
         change([&](CalendarSelection& selection) {
             selection.moveByMonths(key == Key::PageDown ? 1 : -1);
