@@ -132,7 +132,10 @@ TEST_F(Month, MovesTheSelectedDayWithTheKeyboardAndShowsItsMonth) {
         {Key::PageDown, 2, "January 2027", "Sunday, January 24, 2027"},
     };
     for (const KeyCase& one : cases) {
+        view->didDisplay();
         press(one.key, one.times);
+        EXPECT_TRUE(view->needsDisplay());
+        EXPECT_GT(find(one.heading).size.width, 0);
         EXPECT_EQ(heading(), one.heading);
         EXPECT_EQ(title(), one.title);
         press(Key::Home);
@@ -204,6 +207,17 @@ TEST_F(Month, SelectsDaysAndRangesWithTheMouse) {
     EXPECT_EQ(title(), "Wednesday, November 4, 2026");
 }
 
+TEST_F(Month, ForgetsThePointerWhenTheMenuOpensAgain) {
+    events = {{"Harvest", "Holidays", kTuesday, std::nullopt, true}};
+    view->reset(kTuesday);
+    view->mouseDown({.location = at("24")});
+    view->mouseMoved({.location = at("24")});
+    view->reset(kTuesday);
+    EXPECT_EQ(view->toolTip(), "");
+    view->mouseDragged({.location = at("20")});
+    EXPECT_EQ(title(), "Tuesday, November 24, 2026");
+}
+
 TEST_F(Month, SelectsRangesWithShiftAndTheKeyboard) {
     press(Key::Down, 2, kShiftKeyMask);
     EXPECT_EQ(title(), "Nov 24 – Dec 8, 2026");
@@ -246,7 +260,9 @@ TEST_F(Month, ShowsEventsUnderTheirDaysInTheTooltipAndBelow) {
 
     view->mouseMoved({.location = at("27", "1 in")});
     EXPECT_THAT(view->toolTip(), HasSubstr("Harvest\n09:00 Meeting\n09:05 Meeting"));
+    view->didDisplay();
     view->mouseExited();
+    EXPECT_TRUE(view->needsDisplay());
     EXPECT_EQ(view->toolTip(), "");
     click(at("27", "1 in"));
     EXPECT_THAT(description(), HasSubstr("Harvest\n09:00 Meeting"));
@@ -308,7 +324,9 @@ TEST_F(Month, MarksTodayAndTheSelectionInTheAccentColourAndFollowsTheAppearance)
 }
 
 TEST_F(Month, MovesTodaysMarkAtMidnightWithoutChangingTheSelection) {
+    view->didDisplay();
     view->setToday(kTuesday + days(1));
+    EXPECT_TRUE(view->needsDisplay());
     EXPECT_EQ(title(), "Tuesday, November 24, 2026");
     EXPECT_EQ(description(), "Yesterday");
 }
