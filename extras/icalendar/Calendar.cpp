@@ -129,11 +129,11 @@ void CalendarParser::excludeReplaced() {
         return;
     std::ranges::sort(identities_, {}, &Identity::identity);
     for (const auto& [identity, moment] : replaced_)
-        for (const Identity& found :
-             std::ranges::equal_range(identities_, identity, {}, &Identity::identity)) {
+        for (auto found = std::ranges::lower_bound(identities_, identity, {}, &Identity::identity);
+             found != identities_.end() && found->identity == identity; ++found) {
             if (state_.remainingDates-- == 0)
                 return static_cast<void>(fail("too many dates"));
-            auto& repetition = calendar_.events[found.index].repetition;
+            auto& repetition = calendar_.events[found->index].repetition;
             if (!repetition)
                 repetition = std::make_unique<Repetition>();
             repetition->excluded.push_back(moment);

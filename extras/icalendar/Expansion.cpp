@@ -12,7 +12,7 @@ namespace {
 
 /// How far the dates of two zones can be apart: the time on the date line differs by 26 hours.
 constexpr days kZoneDays{2};
-/// A longer event is shown in full only the first time.
+/// How many days of a repeated event are shown each time.
 constexpr days kMaximumRepeatedDays{366};
 constexpr std::int64_t kDaySeconds = 24 * 60 * 60;
 
@@ -73,8 +73,7 @@ void Expansion::addRepetitions(Event& event, sys_days from, sys_days to) {
         if (moment.day >= from && moment.day <= to)
             starts_.push_back(moment);
     std::ranges::sort(starts_);
-    const auto repeated = std::ranges::unique(starts_);
-    starts_.erase(repeated.begin(), repeated.end());
+    starts_.erase(std::unique(starts_.begin(), starts_.end()), starts_.end());
     if (!repetition.excluded.empty())
         removeExcluded(repetition.excluded);
     for (const Moment& start : starts_)
@@ -129,6 +128,8 @@ void Expansion::addAt(const Event& event, const Moment& start) {
 
 void Expansion::addDays(const Event& event, sys_days first, sys_days last,
                         std::optional<int> minuteOfDay) {
+    if (event.repetition)
+        last = std::min(last, first + kMaximumRepeatedDays - days(1));
     for (sys_days day = std::max(first, first_); day <= std::min(last, last_); day += days(1)) {
         if (events_.size() == maximum_) {
             isIncomplete_ = true;
