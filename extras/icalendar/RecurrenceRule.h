@@ -55,6 +55,7 @@ class RecurrenceRule {
         int number;  ///< in the month or year, from its end if negative
     };
     struct Parser;
+    static constexpr std::uint32_t bit(int number) { return std::uint32_t{1} << number; }
 
     std::int64_t periodOf(const CivilDay& day) const;
     std::chrono::sys_days firstDayOf(std::int64_t period) const;
