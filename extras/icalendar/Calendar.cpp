@@ -54,9 +54,7 @@ ParsedCalendar CalendarParser::parse() {
             break;
         isValid = readLine(*line);
     }
-    if (state_.line == 0)
-        fail("the file is empty");
-    else if (isValid && !components_.empty())
+    if (isValid && !components_.empty())
         fail("the file ends within " + components_.back());
     excludeReplaced();
     calendar_.zones = std::move(state_.zones);

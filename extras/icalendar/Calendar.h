@@ -42,7 +42,8 @@ struct ParsedCalendar {
 
 /// Reads the events of an iCalendar file, except those that are cancelled. An event that replaces
 /// one of another event's repetitions becomes an event of its own, and is excluded there. Any bytes
-/// are accepted; after a syntax error, returns what came before it. At most 20,000 events and
+/// are accepted; after a syntax error, returns what came before it. An empty file, which may be one
+/// that is about to be written, has no events and no defect. At most 20,000 events and
 /// 20,000 added and excluded dates are read.
 ParsedCalendar parseCalendar(std::string_view text);
 

@@ -31,11 +31,11 @@ class EventCalendars : platform::NonCopyable {
     explicit EventCalendars(std::string folder);
     ~EventCalendars();
 
-    /// Returns the events of the days from @p first to @p last, ordered by day; those without a
-    /// time come first, the others follow by time. Reads the files that are new or have changed
-    /// since the last call. A file that cannot be read, or not completely, is logged once until it
-    /// changes; so are rules for repetition that are not supported, for which only the first event
-    /// is returned.
+    /// Returns the events of the days from @p first to @p last, ordered by day. On each day, events
+    /// without a time come first, holidays before others; those with a time follow. Reads the files
+    /// that are new or have changed since the last call. A file that cannot be read, or not
+    /// completely, is logged once until it changes; so are rules for repetition that are not
+    /// supported, for which only the first event is returned.
     std::vector<CalendarEvent> between(std::chrono::sys_days first, std::chrono::sys_days last);
 
     /// Returns the names of the files that could not be read, or not completely, when between was

@@ -1,6 +1,7 @@
 #include "extras/icalendar/Expansion.h"
 
 #include <algorithm>
+#include <string_view>
 #include <tuple>
 #include <utility>
 
@@ -47,7 +48,8 @@ void Expansion::add(Calendar& calendar, const std::string& name) {
 
 std::vector<CalendarEvent> Expansion::take() {
     std::ranges::sort(events_, {}, [](const CalendarEvent& event) {
-        return std::tie(event.day, event.minuteOfDay, event.title, event.calendar);
+        return std::tuple(event.day, event.minuteOfDay, !event.isHoliday,
+                          std::string_view(event.title), std::string_view(event.calendar));
     });
     return std::move(events_);
 }
