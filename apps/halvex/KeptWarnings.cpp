@@ -14,7 +14,7 @@
 namespace apps {
 namespace {
 
-constexpr std::chrono::seconds kQuitDelay{10};
+constexpr std::chrono::seconds kQuitDelay{2};
 
 /// Returns the settings of the clock that is shipped beside this application, and uses its
 /// translations.

@@ -44,6 +44,7 @@ void WarningPanel::show(const std::string& time) {
     title_->setText("");
     time_->setText(time);
     timeChanged();
+    (time.empty() ? time_ : title_)->selectText();
     window_->makeKeyAndOrderFront();
 }
 

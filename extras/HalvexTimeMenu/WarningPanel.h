@@ -26,6 +26,8 @@ class WarningPanel : platform::NonCopyable {
     /// Shows the panel with @p time, as WarningTime::parse accepts it, and with an empty title.
     /// Does nothing if the desktop cannot create a window.
     void show(const std::string& time);
+    /// Returns the panel's window, null until it has been shown.
+    const std::shared_ptr<HUDWindow>& window() const { return window_; }
 
   private:
     bool createWindow();

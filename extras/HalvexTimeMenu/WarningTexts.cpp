@@ -21,7 +21,7 @@ namespace {
 
 constexpr const char* kSoundKey = "WarningSound";
 constexpr const char* kDefaultSound = "alarm-clock-elapsed";
-constexpr const char* kIcon = "alarm-symbolic";
+constexpr const char* kIcon = "appointment-soon";
 constexpr int kMinutesPerHour = 60;
 constexpr std::int64_t kSecondsPerMinute = 60;
 constexpr std::size_t kMaximumLines = 10;
@@ -109,8 +109,9 @@ std::string shownTimeLeft(std::int64_t instant, std::int64_t now) {
     const std::int64_t minutes = (seconds + kSecondsPerMinute - 1) / kSecondsPerMinute;
     const std::string hours = std::to_string(minutes / kMinutesPerHour);
     const std::string rest = std::to_string(minutes % kMinutesPerHour);
-    return minutes < kMinutesPerHour ? fill(tr("%1 min"), {rest})
-                                     : fill(tr("%1 h %2 min"), {hours, rest});
+    if (minutes < kMinutesPerHour)
+        return fill(tr("%1 min"), {rest});
+    return rest == "0" ? fill(tr("%1 h"), {hours}) : fill(tr("%1 h %2 min"), {hours, rest});
 }
 
 WarningTexts::WarningTexts(platform::Preferences clockSettings)

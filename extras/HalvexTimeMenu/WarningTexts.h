@@ -23,8 +23,8 @@ std::string shownWarningName(const warnings::Warning& warning);
 /// Returns the time of day at @p instant, with the weekday unless that is the day of @p now.
 std::string shownInstant(std::int64_t instant, std::int64_t now);
 
-/// Returns the time until @p instant, rounded up to minutes: "1 h 5 min", "12 min", but "40 s" in
-/// the last minute.
+/// Returns the time until @p instant, rounded up to minutes: "1 h 5 min", "2 h", "12 min", but
+/// "40 s" in the last minute.
 std::string shownTimeLeft(std::int64_t instant, std::int64_t now);
 
 /// The notifications of the clock and of the background application, which reads the clock's

@@ -116,8 +116,11 @@ void WarningsMenu::rebuild() {
     update(systemClock().now());
 }
 
+/// Adds the warnings that are set, the next one first.
 void WarningsMenu::addSet() {
-    for (const Warning& warning : *shown_) {
+    auto warnings = *shown_;
+    std::ranges::stable_sort(warnings, {}, nextInstant);
+    for (const Warning& warning : warnings) {
         addEntry(*menu_, extras::shownWarningName(warning), [this, warning] { clear({warning}); });
         MenuItem& row = *menu_->items().back();
         row.setIdentifier(warning.identifier);

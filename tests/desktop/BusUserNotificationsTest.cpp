@@ -5,12 +5,17 @@
 #include "tests/desktop/support/FakeNotificationServer.h"
 #include "tests/desktop/support/TestBundle.h"
 #include "tests/support/RecordingLog.h"
+#include "tests/support/ScopedEnvironment.h"
+#include "tests/support/TemporaryFolder.h"
 
 #include <QCoreApplication>
 #include <QThread>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+
+#include <filesystem>
+#include <fstream>
 
 using namespace platform;
 using test::eventually;
@@ -83,6 +88,74 @@ TEST_F(BusUserNotificationsTest, AreShownAsFarAsTheServerCan) {
     EXPECT_TRUE(server->hasCalls(2));
     EXPECT_EQ(server->calls.back(), "0 file:///a%20b.png|t||");
     EXPECT_THAT(log.take(), IsEmpty());
+}
+
+TEST_F(BusUserNotificationsTest, StayAndHaveASoundThatIsPlayedWithoutTheServerIfNecessary) {
+    const test::TemporaryFolder programs;
+    const test::ScopedEnvironment path("PATH", programs.path().string());
+    startServer({"sound"});
+    const std::vector<std::pair<std::optional<std::string>, std::string>> hints{
+        {std::nullopt, ""},
+        {"", "|suppress-sound=true"},
+        {"complete", "|sound-name=complete"},
+        {"/a b.oga", "|sound-file=/a b.oga"}};
+    for (const auto& [sound, hint] : hints) {
+        notifications->post({.title = "t", .sound = sound, .staysVisible = true});
+        EXPECT_TRUE(server->hasCalls(1));
+        EXPECT_THAT(server->calls, ElementsAre("0 |t||" + hint + "|stays"));
+        server->calls.clear();
+    }
+    EXPECT_EQ(log.beeps(), 0);
+    startServer({});
+    for (const auto& [sound, hint] : hints)
+        EXPECT_TRUE(eventually(
+            [&, sound = sound] { return notifications->post({.title = "t", .sound = sound}); }));
+    EXPECT_TRUE(eventually([&] { return log.beeps() == 2; })) << "there is no program to play them";
+    const std::string played = programs.file("played");
+    programs.write("canberra-gtk-play", "#!/bin/sh\necho \"$@\" >" + played);
+    std::filesystem::permissions(programs.file("canberra-gtk-play"),
+                                 std::filesystem::perms::owner_all);
+    notifications->post({.title = "t", .sound = "complete"});
+    const auto text = [&] {
+        std::string line;
+        std::getline(std::ifstream(played) >> std::ws, line);
+        return line;
+    };
+    EXPECT_TRUE(eventually([&] { return text() == "--id=complete"; })) << text();
+}
+
+TEST_F(BusUserNotificationsTest, ReportThatTheyAreShownAndClosed) {
+    std::vector<std::string> events;
+    const auto report = [&](const std::string& title) {
+        return UserNotification{.key = title,
+                                .title = title,
+                                .observer = self,
+                                .eventHandler = [&events, title](UserNotificationEvent event) {
+                                    const bool isShown = event == UserNotificationEvent::Shown;
+                                    events.push_back(title + (isShown ? " shown" : " closed"));
+                                }};
+    };
+    const auto has = [&](const std::string& event) {
+        return eventually([&] { return !events.empty() && events.back() == event; });
+    };
+    startServer();
+    notifications->post(report("one"));
+    EXPECT_TRUE(has("one shown"));
+    notifications->post(report("two"));
+    EXPECT_TRUE(has("two shown"));
+    notifications->withdraw("two");
+    server->emitSignal("NotificationClosed", {2U, 3U});
+    server->emitSignal("NotificationClosed", {1U, 2U});
+    EXPECT_TRUE(has("one closed"));
+    server->refuses = true;
+    notifications->post(report("refused"));
+    EXPECT_TRUE(has("refused closed"));
+    server->refuses = false;
+    notifications->post(report("three"));
+    EXPECT_TRUE(has("three shown"));
+    server.reset();
+    EXPECT_TRUE(has("three closed")) << "with its server";
+    EXPECT_EQ(events.size(), 6U);
 }
 
 TEST_F(BusUserNotificationsTest, AreReplacedAndWithdrawnByTheKeyOfTheirOwner) {

@@ -1,6 +1,9 @@
 #include "extras/HalvexTimeMenu/WarningsMenu.h"
 #include "platform/PropertyListService.h"
 #include "platform/posix/PosixFileManager.h"
+#include "platform/widgets/Button.h"
+#include "platform/widgets/Label.h"
+#include "platform/widgets/TextField.h"
 #include "testing/ManualPreferences.h"
 #include "testing/RecordingGraphics.h"
 #include "testing/RecordingPanels.h"
@@ -99,7 +102,7 @@ TEST_F(WarningsMenuTest, SetsShowsClearsAndRestoresWarnings) {
     EXPECT_TRUE(choose("Tea is ready"));
     EXPECT_EQ(open(), withNew({set[1], set[2], set[3], "Restore “Tea is ready”"}));
     EXPECT_TRUE(choose("Restore “Tea is ready”"));
-    EXPECT_EQ(open(), withNew({set[1], set[2], set[0], set[3]}));
+    EXPECT_EQ(open(), withNew(set)) << "the next one first, although it was set last";
     EXPECT_TRUE(choose("Clear All"));
     EXPECT_EQ(menu->item()->trailingText(), "5 min") << "until the menu opens again";
     EXPECT_EQ(open(), withNew({"Restore All"}));
@@ -121,6 +124,10 @@ TEST_F(WarningsMenuTest, FollowsTheUsersListsAndOtherPrograms) {
     set("Meeting", "in 90 minutes");
     menu->update(clock.seconds);
     EXPECT_EQ(rows().at(0), "Meeting|1 h 30 min") << "while the menu is open";
+    menu->update(clock.seconds + 1741);
+    EXPECT_EQ(rows().at(0), "Meeting|1 h 1 min");
+    menu->update(clock.seconds + 1800);
+    EXPECT_EQ(rows().at(0), "Meeting|1 h");
 }
 
 TEST_F(WarningsMenuTest, StartsKeepingAfterTheFirstFrameIfWarningsAreSet) {
@@ -148,6 +155,43 @@ TEST_F(WarningsMenuTest, SaysThatAWarningCannotBeSaved) {
     }
     EXPECT_TRUE(choose("In 5 minutes", "Tea is ready"));
     EXPECT_EQ(open().at(0), "Tea is ready|5 min");
+}
+
+TEST_F(WarningsMenuTest, SetsOtherWarningsInAPanel) {
+    const halvextest::RecordingGraphics graphics;
+    const halvextest::RecordingPanels panels;
+    std::vector<std::pair<std::string, std::string>> set;
+    bool saves = false;
+    WarningPanel panel([&](const std::string& title, const WarningTime& time) {
+        set.emplace_back(title, time.text());
+        return saves;
+    });
+    panel.show("at 17:30");
+    auto& content = panel.window()->contentView();
+    const auto field = [&](std::size_t index) {
+        return std::dynamic_pointer_cast<TextField>(content.controls().at(index));
+    };
+    const auto hint = [&] {
+        return std::dynamic_pointer_cast<Label>(content.controls().at(4))->text();
+    };
+    const auto everyDay = content.buttons().at(0);
+    const auto once = content.defaultButton();
+    EXPECT_EQ(hint(), "Rings at 17:30");
+    EXPECT_TRUE(everyDay->isEnabled());
+    field(1)->userDidEdit("Tea");
+    once->performClick();
+    EXPECT_EQ(hint(), "Warnings cannot be saved");
+    saves = true;
+    everyDay->performClick();
+    field(3)->userDidEdit("never");
+    EXPECT_FALSE(once->isEnabled() || everyDay->isEnabled());
+    field(3)->userDidEdit("45 min");
+    EXPECT_EQ(hint(), "Rings at 13:15");
+    EXPECT_TRUE(once->isEnabled() && !everyDay->isEnabled());
+    once->performClick();
+    EXPECT_THAT(set, ElementsAre(testing::Pair("Tea", "at 17:30"),
+                                 testing::Pair("Tea", "every day at 17:30"),
+                                 testing::Pair("Tea", "in 45 minutes")));
 }
 
 /// The texts of notifications.

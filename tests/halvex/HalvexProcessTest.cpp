@@ -1,15 +1,19 @@
 #include "identifiers/ExportedIdentifiers.h"
 #include "platform/expat/ExpatPropertyLists.h"
 #include "platform/qt/BusNotifications.h"
+#include "tests/desktop/support/FakeNotificationServer.h"
 #include "tests/desktop/support/ProgramProcess.h"
+#include "warnings/WarningStore.h"
 
 #include <QCoreApplication>
 #include <QDBusServiceWatcher>
 #include <QElapsedTimer>
 #include <QThread>
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <chrono>
 #include <csignal>
 #include <filesystem>
 #include <tuple>
@@ -94,6 +98,42 @@ TEST_F(Halvex, RunsOncePerSessionAndRepliesToUnknownRequestsWithAnError) {
     EXPECT_EQ(halvex.run(), 0);
     EXPECT_TRUE(isShown());
     EXPECT_TRUE(halvex.isRunning());
+}
+
+TEST_F(Halvex, RingsWarningsAndQuitsAfterTheLastOne) {
+    const auto folder = halvex.home() / "Library/Application Support/Quorvane Software/Halvex Pro";
+    std::filesystem::create_directories(folder);
+    const auto preferences = platform::makeFilePreferences(folder.string());
+    warnings::WarningStore store(preferences->domain(HalvexRecurringTimers2File));
+    const auto now = std::chrono::system_clock::to_time_t(std::chrono::system_clock::now());
+    const warnings::WarningTime minute{warnings::WarningTime::Kind::Delay, 1};
+    ASSERT_TRUE(store.add("Pizza", minute, now - 65));
+    test::FakeNotificationServer server(*halvex.bus, {"body", "actions", "sound"});
+    halvex.start();
+    ASSERT_TRUE(server.hasCalls(1));
+    EXPECT_THAT(server.calls.at(0),
+                testing::MatchesRegex("0 appointment-soon\\|Pizza\\|.*\\|again,Again in 5 minutes"
+                                      "\\|sound-name=alarm-clock-elapsed\\|stays"));
+    server.emitSignal("ActionInvoked", {1U, "again"});
+    server.emitSignal("NotificationClosed", {1U, 2U});
+    EXPECT_TRUE(eventually([&] {
+        const auto set = store.warnings();
+        return set.size() == 1 && set[0].time.text() == "in 5 minutes" && set[0].since >= now;
+    }));
+    EXPECT_EQ(halvex.request("ActivateAction", {"calculator", QVariantList()}), "");
+    store.remove({store.warnings().at(0).identifier});
+    QThread::msleep(2500);
+    EXPECT_TRUE(halvex.isRunning()) << "its window is visible";
+    EXPECT_EQ(halvex.stop(), 0) << halvex.log();
+
+    ASSERT_TRUE(store.add("Tea", {}, now));
+    halvex.start();
+    const auto tea = store.warnings();
+    ASSERT_EQ(tea.size(), 1U);
+    EXPECT_FALSE(isShown());
+    store.remove({tea[0].identifier});
+    EXPECT_EQ(halvex.waitForExit(), 0) << halvex.log();
+    EXPECT_EQ(server.calls.size(), 1U);
 }
 
 TEST_F(Halvex, QuitsWhenTheSessionBusDisconnectsAndDoesNotStartWithoutOne) {

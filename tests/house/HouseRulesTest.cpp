@@ -41,7 +41,7 @@ TEST(HouseRules, TheLibraryNeedsOnlyTheStandardLibraryAndItemsNeedOnlyTheLibrary
 /// Returns a command that prints "file:match" for each match in the product's sources.
 std::string grep(const std::string& pattern) {
     return "cd '" HALVEX_SOURCE_FOLDER "' && grep -rEo --include=*.h --include=*.cpp '" + pattern +
-           "' apps examples extras identifiers menubar menuextras paths platform prefs testing ui";
+           "' apps examples extras identifiers menubar menuextras paths platform prefs testing ui warnings";
 }
 
 /// Prints "file header" for each include, with the opening bracket of a system header.
@@ -64,7 +64,7 @@ std::vector<std::string> violations(const std::string& from, const std::string& 
 TEST(HouseRules, EachFolderIncludesOnlyWhatLiesBelowIt) {
     const std::string toolkits = "<Q|<xcb|<X11|<expat|<CLI|<nlohmann";
     const std::string backends = "platform/(posix|expat|qt)/";
-    const std::string logic = "(?:identifiers|menubar|menuextras|paths|prefs|ui)/";
+    const std::string logic = "(?:identifiers|menubar|menuextras|paths|prefs|ui|warnings)/";
     for (const auto& [from, to] : std::vector<std::pair<std::string, std::string>>{
              {logic + "|extras/", toolkits + '|' + backends + "|apps/"},
              {logic, "extras/"},

@@ -3,8 +3,10 @@
 #include "tests/desktop/support/FakeService.h"
 #include "tests/desktop/support/ProgramProcess.h"
 
+#include <QDBusArgument>
 #include <QDBusConnection>
 #include <QStringList>
+#include <QVariantMap>
 
 #include <cstdint>
 #include <string>
@@ -41,6 +43,14 @@ class FakeNotificationServer {
     bool refuses = false;
 
   private:
+    /// Returns the hints and an unusual display time as text.
+    static std::string optionsOf(const QDBusMessage& call) {
+        std::string text;
+        const auto hints = qdbus_cast<QVariantMap>(call.arguments().at(6));
+        for (const QString& name : hints.keys())
+            text += '|' + (name + '=' + hints[name].toString()).toStdString();
+        return call.arguments().at(7).toInt() == 0 ? text + "|stays" : text;
+    }
     QVariant answer(const QDBusMessage& call) {
         const QVariantList arguments = call.arguments();
         if (call.member() == "GetCapabilities")
@@ -57,7 +67,7 @@ class FakeNotificationServer {
                 .arg(replaced)
                 .arg(arguments.at(2).toString(), arguments.at(3).toString(),
                      arguments.at(4).toString(), arguments.at(5).toStringList().join(','));
-        calls.push_back(text.toStdString());
+        calls.push_back(text.toStdString() + optionsOf(call));
         return replaced ? replaced : nextId_++;
     }
 
