@@ -17,7 +17,7 @@ using warnings::WarningTime;
 
 namespace {
 
-constexpr Point kOrigin{200, 300};
+constexpr Point kOrigin{200, 200};
 constexpr Size kSize{340, 158};
 constexpr double kMargin = 16;
 constexpr double kNameWidth = 72;
@@ -31,6 +31,12 @@ constexpr double kHintHeight = 32; // two lines
 constexpr double kButtonBottom = 14;
 constexpr double kButtonHeight = 24;
 constexpr double kButtonWidth = 120;
+
+std::string trimmed(const std::string& text) {
+    const auto first = text.find_first_not_of(' ');
+    return first == std::string::npos ? ""
+                                      : text.substr(first, text.find_last_not_of(' ') + 1 - first);
+}
 
 } // namespace
 
@@ -129,7 +135,7 @@ void WarningPanel::set(bool everyDay) {
         return;
     if (everyDay)
         time->kind = WarningTime::Kind::EveryDay;
-    if (setter_(title_->text(), *time))
+    if (setter_(trimmed(title_->text()), *time))
         window_->orderOut();
     else
         hint_->setText(tr("Warnings cannot be saved"));

@@ -8,6 +8,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cstdlib>
 #include <ctime>
 #include <utility>
 
@@ -21,9 +22,10 @@ namespace {
 
 constexpr const char* kSoundKey = "WarningSound";
 constexpr const char* kDefaultSound = "alarm-clock-elapsed";
-constexpr const char* kIcon = "appointment-soon";
+constexpr const char* kIcon = "alarm-symbolic";
 constexpr int kMinutesPerHour = 60;
 constexpr std::int64_t kSecondsPerMinute = 60;
+constexpr std::int64_t kNear = std::int64_t{12} * 60 * 60; // seconds
 constexpr std::size_t kMaximumLines = 10;
 
 std::string clockTime(int minutes) {
@@ -98,8 +100,8 @@ std::string shownInstant(std::int64_t instant, std::int64_t now) {
     const std::tm moment = platform::systemClock().localTime(instant);
     const std::tm today = platform::systemClock().localTime(now);
     const bool isToday = moment.tm_yday == today.tm_yday && moment.tm_year == today.tm_year;
-    return clock_format::text(isToday ? clock_format::time() : clock_format::shortDefault(),
-                              moment);
+    const bool isNear = isToday || std::abs(instant - now) < kNear;
+    return clock_format::text(isNear ? clock_format::time() : clock_format::shortDefault(), moment);
 }
 
 std::string shownTimeLeft(std::int64_t instant, std::int64_t now) {

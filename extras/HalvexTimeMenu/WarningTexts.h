@@ -20,7 +20,8 @@ std::string shownWarningTime(const warnings::WarningTime& time);
 /// Returns the title of a warning or, if it has none, when it rings. Never empty.
 std::string shownWarningName(const warnings::Warning& warning);
 
-/// Returns the time of day at @p instant, with the weekday unless that is the day of @p now.
+/// Returns the time of day at @p instant, with the weekday unless that is the day of @p now or less
+/// than twelve hours away.
 std::string shownInstant(std::int64_t instant, std::int64_t now);
 
 /// Returns the time until @p instant, rounded up to minutes: "1 h 5 min", "2 h", "12 min", but

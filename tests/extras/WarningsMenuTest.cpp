@@ -178,7 +178,7 @@ TEST_F(WarningsMenuTest, SetsOtherWarningsInAPanel) {
     const auto once = content.defaultButton();
     EXPECT_EQ(hint(), "Rings at 17:30");
     EXPECT_TRUE(everyDay->isEnabled());
-    field(1)->userDidEdit("Tea");
+    field(1)->userDidEdit("  Tea ");
     once->performClick();
     EXPECT_EQ(hint(), "Warnings cannot be saved");
     saves = true;
@@ -226,6 +226,8 @@ TEST_F(WarningTextsTest, SayWhatItIsTimeFor) {
         {{"2", "", *WarningTime::parse("every hour"), 0}, kNoon, 3}};
     EXPECT_EQ(texts.missed(missed).title, "2 missed warnings");
     EXPECT_EQ(texts.missed(missed).body, "Tea: Mon 12:00\nEvery hour: 3 times, since 12:00");
+    EXPECT_EQ(extras::shownInstant(kNoon + 43200, kNoon + 1), "00:00") << "soon enough";
+    EXPECT_EQ(extras::shownInstant(kNoon + 43200, kNoon), "Wed 00:00");
     missed.resize(12, missed.front());
     EXPECT_TRUE(texts.missed(missed).body.ends_with("\nTea: Mon 12:00\n2 more"));
 }

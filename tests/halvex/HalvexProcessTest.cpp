@@ -112,7 +112,7 @@ TEST_F(Halvex, RingsWarningsAndQuitsAfterTheLastOne) {
     halvex.start();
     ASSERT_TRUE(server.hasCalls(1));
     EXPECT_THAT(server.calls.at(0),
-                testing::MatchesRegex("0 appointment-soon\\|Pizza\\|.*\\|again,Again in 5 minutes"
+                testing::MatchesRegex("0 alarm-symbolic\\|Pizza\\|.*\\|again,Again in 5 minutes"
                                       "\\|sound-name=alarm-clock-elapsed\\|stays"));
     server.emitSignal("ActionInvoked", {1U, "again"});
     server.emitSignal("NotificationClosed", {1U, 2U});
