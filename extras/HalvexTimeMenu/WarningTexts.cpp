@@ -155,7 +155,7 @@ UserNotification WarningTexts::missed(const std::vector<MissedWarning>& missed) 
 }
 
 std::string WarningTexts::sound() const {
-    const std::string sound = settings_.string(kSoundKey, kDefaultSound);
+    std::string sound = settings_.string(kSoundKey, kDefaultSound);
     if (isSound(sound)) {
         loggedSound_.clear();
         return sound;

@@ -192,15 +192,15 @@ bool WarningsMenu::set(const std::string& title, const WarningTime& time) {
     return !hasFailed_;
 }
 
-void WarningsMenu::clear(const std::vector<Warning>& warnings) {
+void WarningsMenu::clear(std::vector<Warning> warnings) {
     std::vector<std::string> identifiers;
+    identifiers.reserve(warnings.size());
     for (const Warning& warning : warnings)
         identifiers.push_back(warning.identifier);
-    const auto cleared = warnings;
     hasFailed_ = !store().remove(identifiers);
     if (hasFailed_)
         return systemLog().beep();
-    cleared_ = cleared;
+    cleared_ = std::move(warnings);
 }
 
 /// Returns what was cleared last and would not have rung in the meantime.

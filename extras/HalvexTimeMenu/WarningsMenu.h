@@ -51,7 +51,7 @@ class WarningsMenu : platform::NonCopyable {
     std::shared_ptr<platform::Menu> titlesFor(const warnings::WarningTime& time);
     void addEntry(platform::Menu& menu, const std::string& title, std::function<void()> action);
     bool set(const std::string& title, const warnings::WarningTime& time);
-    void clear(const std::vector<warnings::Warning>& warnings);
+    void clear(std::vector<warnings::Warning> warnings);
     void restore();
     std::vector<warnings::Warning> restorable() const;
     void showPanel(const std::string& time);

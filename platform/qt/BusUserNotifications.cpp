@@ -273,8 +273,8 @@ void BusUserNotifications::erase(const EntryPointer& entry) {
 }
 
 void BusUserNotifications::eraseClosed(const EntryPointer& entry) {
-    const EntryPointer closed = entry;
-    erase(closed);
+    const std::shared_ptr<const Entry> closed(entry); // the argument may be the element
+    erase(entry);
     closed->report(UserNotificationEvent::Closed);
 }
 
