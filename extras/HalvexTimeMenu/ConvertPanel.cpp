@@ -5,6 +5,7 @@
 #include "extras/shared/Texts.h"
 #include "platform/Clock.h"
 #include "platform/Graphics.h"
+#include "platform/Log.h"
 #include "platform/Pasteboard.h"
 #include "platform/TimeZones.h"
 
@@ -26,6 +27,8 @@ constexpr const char* kFrameKey = "ConvertFrame"; // "MenuClockConvertFrame" in 
 // Lengths in points. The panel fits on a screen of 800 x 600.
 constexpr Size kContentSize{432, 338};
 constexpr Point kOrigin{180, 110};
+constexpr Size kSmallestSize{76, 40};
+constexpr double kLargestLength = 32768;
 constexpr double kMargin = 16;
 constexpr double kGap = 8;
 constexpr double kRowHeight = 26;
@@ -59,16 +62,20 @@ std::string halfOfDay(int hour) {
     return clock_format::text("%p", moment);
 }
 
+/// Reads the left and the bottom edge, the width and the height. Returns std::nullopt if the text
+/// is not of this form or no panel can have the frame.
 std::optional<Rect> frameOf(const std::string& text) {
     std::istringstream stream(text);
     Rect frame;
     std::string rest;
-    stream >> frame.origin.x >> frame.origin.y >> frame.size.width >> frame.size.height;
-    const bool isUsable = stream && !(stream >> rest) && frame.size.width >= 76 &&
-                          frame.size.height >= 40 && std::abs(frame.origin.x) < 32768 &&
-                          std::abs(frame.origin.y) < 32768 && frame.size.width < 32768 &&
-                          frame.size.height < 32768;
-    return isUsable ? std::optional(frame) : std::nullopt;
+    auto& [origin, size] = frame;
+    stream >> origin.x >> origin.y >> size.width >> size.height;
+    const bool isComplete = stream && !(stream >> rest);
+    const double largest =
+        std::max({std::abs(origin.x), std::abs(origin.y), size.width, size.height});
+    const bool isPossible = size.width >= kSmallestSize.width &&
+                            size.height >= kSmallestSize.height && largest < kLargestLength;
+    return isComplete && isPossible ? std::optional(frame) : std::nullopt;
 }
 
 } // namespace
@@ -119,9 +126,17 @@ bool ConvertPanel::createWindow() {
     addSlider();
     addList();
     addBottomRow();
-    if (const auto frame = frameOf(settings_.string(kFrameKey)))
-        window_->setFrame(*frame, false, false);
+    restoreFrame();
     return true;
+}
+
+void ConvertPanel::restoreFrame() {
+    const std::string stored = settings_.string(kFrameKey);
+    if (const auto frame = frameOf(stored))
+        window_->setFrame(*frame, false, false);
+    else if (!stored.empty())
+        logLine("cannot use preference MenuClockConvertFrame in %@: %@ is not a frame",
+                settings_.file(), stored);
 }
 
 /// Mirrors the control's place if the language is written from right to left.

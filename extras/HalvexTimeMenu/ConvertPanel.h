@@ -39,6 +39,7 @@ class ConvertPanel : platform::NonCopyable {
 
   private:
     bool createWindow();
+    void restoreFrame();
     void addTimeRow();
     void addSlider();
     void addList();

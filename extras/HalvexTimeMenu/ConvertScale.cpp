@@ -1,5 +1,6 @@
 #include "extras/HalvexTimeMenu/ConvertScale.h"
 
+#include "extras/shared/Texts.h"
 #include "platform/Graphics.h"
 
 #include <algorithm>
@@ -27,7 +28,9 @@ void ConvertScale::show(std::vector<ConvertRange::Mark> marks, std::vector<Text>
 }
 
 double ConvertScale::positionOf(double place) const {
-    return inset_ + place * (frame().size.width - 2 * inset_);
+    // The slider runs from right to left too.
+    const double visible = extras::isRightToLeft() ? 1 - place : place;
+    return inset_ + visible * (frame().size.width - 2 * inset_);
 }
 
 void ConvertScale::drawRect(const Rect&) {

@@ -36,7 +36,8 @@ void PanelLabel::applySettings() {
     font.setPixelSize(static_cast<int>(std::lround(QFontInfo(font).pixelSize() * scale)));
     setFont(font);
     setWordWrap(label->wraps());
-    setAlignment(horizontal(label->alignment()) |
+    // Absolute: Qt would swap left and right for a text that is written from right to left.
+    setAlignment(Qt::AlignAbsolute | horizontal(label->alignment()) |
                  (label->wraps() ? Qt::AlignTop : Qt::AlignVCenter));
     PanelControl* const named = displayOf(label->namedControl().get());
     setBuddy(named ? &named->widget() : nullptr);

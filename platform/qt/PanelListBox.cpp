@@ -1,6 +1,5 @@
 #include "platform/qt/PanelListBox.h"
 
-#include "platform/qt/PanelPainting.h"
 #include "platform/qt/PanelStyle.h"
 #include "platform/qt/QtImage.h"
 #include "platform/qt/Strings.h"
@@ -71,7 +70,6 @@ namespace {
 constexpr int kImageSide = 16;
 constexpr int kPadding = 6;
 constexpr int kRowMargin = 4; // above and below the text
-constexpr double kDisabledOpacity = 0.4;
 
 /// Draws a row: image, text, and at the right the detail in a paler colour.
 class RowDelegate final : public QStyledItemDelegate {
@@ -99,52 +97,58 @@ class RowDelegate final : public QStyledItemDelegate {
             painter->drawRoundedRect(option.rect, kPanelControlRadius - 1, kPanelControlRadius - 1);
         }
         QRect area = option.rect.adjusted(kPadding, 0, -kPadding, 0);
-        const bool isEnabled = option.state & QStyle::State_Enabled;
-        const auto group = isEnabled ? QPalette::Active : QPalette::Disabled;
+        const auto group =
+            option.state & QStyle::State_Enabled ? QPalette::Active : QPalette::Disabled;
         const QColor text = isSelected && isActive ? colors.accentText
                                                    : option.palette.color(group, QPalette::Text);
-        paintImage(*painter, *row, area, text, isEnabled);
-        paintTexts(*painter, *row, area, option.fontMetrics, text);
+        paintImage(*painter, *row, area, text, option.direction);
+        paintTexts(*painter, *row, area, option, text);
         painter->restore();
     }
 
   private:
     static bool hasFocus(const QWidget* widget) { return widget && widget->hasFocus(); }
 
-    /// Moves the left edge of @p area to the text.
+    /// Removes the image's place from @p area.
     static void paintImage(QPainter& painter, const ListRow& row, QRect& area, const QColor& text,
-                           bool isEnabled) {
+                           Qt::LayoutDirection direction) {
         const auto* const image = dynamic_cast<const QtImage*>(row.image.get());
         if (!image || image->size().width <= 0 || image->size().height <= 0)
             return;
         QSizeF size(image->size().width, image->size().height);
         if (size.width() > kImageSide || size.height() > kImageSide)
             size.scale(kImageSide, kImageSide, Qt::KeepAspectRatio);
-        const QRect square(area.left(), area.center().y() + 1 - kImageSide / 2, kImageSide,
-                           kImageSide);
+        const QRect square = QStyle::visualRect(
+            direction, area,
+            {area.left(), area.center().y() + 1 - kImageSide / 2, kImageSide, kImageSide});
         QRectF place({}, size);
         place.moveCenter(QRectF(square).center());
-        // The colour of a template says that it is disabled.
-        painter.setOpacity(isEnabled || image->isTemplate() ? 1 : kDisabledOpacity);
-        paintPanelImage(painter, *image, place, text);
-        painter.setOpacity(1);
-        area.setLeft(square.right() + 1 + kPadding);
+        const double scale = painter.device()->devicePixelRatioF();
+        painter.drawImage(place, image->pixelsForScale(scale, text));
+        area = QStyle::visualRect(direction, area, area.adjusted(kImageSide + kPadding, 0, 0, 0));
     }
 
-    static void paintTexts(QPainter& painter, const ListRow& row, QRect area,
-                           const QFontMetrics& metrics, QColor color) {
+    static void paintTexts(QPainter& painter, const ListRow& row, const QRect& area,
+                           const QStyleOptionViewItem& option, QColor color) {
+        const QFontMetrics& metrics = option.fontMetrics;
+        const auto alignment = [&](Qt::AlignmentFlag side) {
+            return QStyle::visualAlignment(option.direction, side) | Qt::AlignAbsolute |
+                   Qt::AlignVCenter | Qt::TextSingleLine;
+        };
+        QRect rest = area;
         if (!row.detail.empty()) {
             const QString detail =
                 metrics.elidedText(qString(row.detail), Qt::ElideRight, area.width() / 2);
             QColor pale = color;
             pale.setAlphaF(color.alphaF() * 0.7F);
             painter.setPen(pale);
-            painter.drawText(area, Qt::AlignRight | Qt::AlignVCenter | Qt::TextSingleLine, detail);
-            area.setRight(area.right() - metrics.horizontalAdvance(detail) - 2 * kPadding);
+            painter.drawText(area, alignment(Qt::AlignRight), detail);
+            const int taken = metrics.horizontalAdvance(detail) + 2 * kPadding;
+            rest = QStyle::visualRect(option.direction, area, area.adjusted(0, 0, -taken, 0));
         }
         painter.setPen(color);
-        painter.drawText(area, Qt::AlignLeft | Qt::AlignVCenter | Qt::TextSingleLine,
-                         metrics.elidedText(qString(row.text), Qt::ElideRight, area.width()));
+        painter.drawText(rest, alignment(Qt::AlignLeft),
+                         metrics.elidedText(qString(row.text), Qt::ElideRight, rest.width()));
     }
 
     const PanelListModel& model_;

@@ -97,7 +97,10 @@ void paintGroove(QPainter& painter, const QStyleOptionSlider& option, const QRec
         groove.setTop(strip.center().y() - kGrooveWidth / 2);
         groove.setHeight(kGrooveWidth);
         filled = groove;
-        filled.setRight(handle.center().x());
+        if (option.upsideDown) // from right to left
+            filled.setLeft(handle.center().x());
+        else
+            filled.setRight(handle.center().x());
     } else {
         groove.setLeft(strip.center().x() - kGrooveWidth / 2);
         groove.setWidth(kGrooveWidth);
