@@ -14,6 +14,9 @@ namespace clock_format = extras::clock_format;
 
 namespace {
 
+constexpr const char* kLeftToRight = "\u2066";
+constexpr const char* kEndOfDirection = "\u2069";
+
 /// Returns the city in the name of a zone: "Port of Spain" for "America/Port_of_Spain".
 std::string cityOf(const std::string& zoneName) {
     std::string city = zoneName.substr(zoneName.rfind('/') + 1);
@@ -50,8 +53,10 @@ ListRow convertRow(const ConvertPlace& place, std::int64_t instant, const DayIma
     const auto time = extras::worldTime(*place.clock, instant);
     if (!time)
         return {place.name, tr("no usable time zone"), images.unknown};
-    const std::string days = extras::dayDifferenceText(time->dayDifference);
-    return {place.name, days.empty() ? time->time : days + "   " + time->time,
+    std::string days = extras::dayDifferenceText(time->dayDifference);
+    if (extras::isRightToLeft())
+        days = kLeftToRight + days + kEndOfDirection; // keeps the sign before the digit
+    return {place.name, time->dayDifference == 0 ? time->time : days + "   " + time->time,
             !time->isDay   ? images.unknown
             : *time->isDay ? images.day
                            : images.night};

@@ -26,7 +26,6 @@ class X11SwitcherTest : public testing::Test {
         settings.set("Shows", PropertyList("name"));
         settings.set("Favourites", std::vector<std::string>{"Shell"});
     }
-    ~X11SwitcherTest() override { applications->quit("Shell.desktop"); }
     void startManager() {
         const std::string ready = data.file("ready");
         std::filesystem::remove(ready);
