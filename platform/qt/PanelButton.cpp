@@ -15,7 +15,6 @@ namespace platform::qt {
 namespace {
 
 constexpr double kPressedOpacity = 0.6;
-constexpr double kDisabledOpacity = 0.4;
 
 QRectF centered(QSizeF size, const QRectF& area) {
     QRectF result({}, size);
@@ -66,7 +65,7 @@ void PanelButton::paintEvent(QPaintEvent*) {
     const Button::Look& look = button->look();
     QPainter painter(this);
     painter.setRenderHints(QPainter::Antialiasing | QPainter::SmoothPixmapTransform);
-    painter.setOpacity(isEnabled() ? 1 : kDisabledOpacity);
+    painter.setOpacity(isEnabled() ? 1 : kPanelDisabledOpacity);
     paintPlate(painter, *button);
     if (isDown())
         painter.setOpacity(kPressedOpacity);

@@ -1,5 +1,6 @@
 #include "platform/qt/PanelListBox.h"
 
+#include "platform/qt/PanelPainting.h"
 #include "platform/qt/PanelStyle.h"
 #include "platform/qt/QtImage.h"
 #include "platform/qt/Strings.h"
@@ -91,17 +92,19 @@ class RowDelegate final : public QStyledItemDelegate {
         const bool isActive = option.state & QStyle::State_HasFocus || hasFocus(option.widget);
         painter->save();
         painter->setRenderHints(QPainter::Antialiasing | QPainter::SmoothPixmapTransform);
+        const bool isEnabled = option.state & QStyle::State_Enabled;
         if (isSelected) {
+            painter->setOpacity(isEnabled ? 1 : kPanelDisabledOpacity);
             painter->setPen(Qt::NoPen);
             painter->setBrush(isActive ? colors.accent : colors.focusFill);
             painter->drawRoundedRect(option.rect, kPanelControlRadius - 1, kPanelControlRadius - 1);
+            painter->setOpacity(1);
         }
         QRect area = option.rect.adjusted(kPadding, 0, -kPadding, 0);
-        const auto group =
-            option.state & QStyle::State_Enabled ? QPalette::Active : QPalette::Disabled;
+        const auto group = isEnabled ? QPalette::Active : QPalette::Disabled;
         const QColor text = isSelected && isActive ? colors.accentText
                                                    : option.palette.color(group, QPalette::Text);
-        paintImage(*painter, *row, area, text, option.direction);
+        paintImage(*painter, *row, area, text, option);
         paintTexts(*painter, *row, area, option, text);
         painter->restore();
     }
@@ -111,7 +114,7 @@ class RowDelegate final : public QStyledItemDelegate {
 
     /// Removes the image's place from @p area.
     static void paintImage(QPainter& painter, const ListRow& row, QRect& area, const QColor& text,
-                           Qt::LayoutDirection direction) {
+                           const QStyleOptionViewItem& option) {
         const auto* const image = dynamic_cast<const QtImage*>(row.image.get());
         if (!image || image->size().width <= 0 || image->size().height <= 0)
             return;
@@ -119,13 +122,17 @@ class RowDelegate final : public QStyledItemDelegate {
         if (size.width() > kImageSide || size.height() > kImageSide)
             size.scale(kImageSide, kImageSide, Qt::KeepAspectRatio);
         const QRect square = QStyle::visualRect(
-            direction, area,
+            option.direction, area,
             {area.left(), area.center().y() + 1 - kImageSide / 2, kImageSide, kImageSide});
         QRectF place({}, size);
         place.moveCenter(QRectF(square).center());
-        const double scale = painter.device()->devicePixelRatioF();
-        painter.drawImage(place, image->pixelsForScale(scale, text));
-        area = QStyle::visualRect(direction, area, area.adjusted(kImageSide + kPadding, 0, 0, 0));
+        // The colour of a template says that it is disabled.
+        const bool isPale = !(option.state & QStyle::State_Enabled) && !image->isTemplate();
+        painter.setOpacity(isPale ? kPanelDisabledOpacity : 1);
+        paintPanelImage(painter, *image, place, text);
+        painter.setOpacity(1);
+        area = QStyle::visualRect(option.direction, area,
+                                  area.adjusted(kImageSide + kPadding, 0, 0, 0));
     }
 
     static void paintTexts(QPainter& painter, const ListRow& row, const QRect& area,

@@ -116,6 +116,7 @@ void PanelSlider::paintEvent(QPaintEvent* event) {
         const double distance = (length - kSliderHandleSide) / (count - 1);
         QPainter painter(this);
         painter.setRenderHint(QPainter::Antialiasing);
+        painter.setOpacity(isEnabled() ? 1 : kPanelDisabledOpacity);
         if (distance >= kSmallestTickDistance)
             paintSliderTicks(painter, rect(), orientation(), distance, palette());
     }

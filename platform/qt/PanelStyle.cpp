@@ -13,7 +13,7 @@
 namespace platform::qt {
 namespace {
 
-constexpr double kDisabledOpacity = 0.4;
+constexpr double kPlaceholderOpacity = 0.6; // of other disabled text
 constexpr double kGrooveWidth = 4;
 constexpr int kFrameWidth = 3;
 constexpr int kScrollBarWidth = 10;
@@ -77,7 +77,7 @@ void paintField(QPainter& painter, const QStyleOption& option, bool hasFocus) {
     painter.save();
     painter.setRenderHint(QPainter::Antialiasing);
     if (!(option.state & QStyle::State_Enabled))
-        painter.setOpacity(kDisabledOpacity);
+        painter.setOpacity(kPanelDisabledOpacity);
     painter.setPen(colors.fieldRim);
     painter.setBrush(colors.field);
     painter.drawRoundedRect(QRectF(option.rect).adjusted(0.5, 0.5, -0.5, -0.5), kPanelControlRadius,
@@ -119,7 +119,7 @@ void paintSlider(QPainter& painter, const QStyleOptionSlider& option, const QRec
     painter.save();
     painter.setRenderHint(QPainter::Antialiasing);
     if (!(option.state & QStyle::State_Enabled))
-        painter.setOpacity(kDisabledOpacity);
+        painter.setOpacity(kPanelDisabledOpacity);
     paintGroove(painter, option, handle);
     const bool isPressed =
         option.state & QStyle::State_Sunken && option.activeSubControls & QStyle::SC_SliderHandle;
@@ -139,6 +139,8 @@ void paintScrollBar(QPainter& painter, const QStyleOptionSlider& option, const Q
         return;
     painter.save();
     painter.setRenderHint(QPainter::Antialiasing);
+    if (!(option.state & QStyle::State_Enabled))
+        painter.setOpacity(kPanelDisabledOpacity);
     painter.setPen(Qt::NoPen);
     painter.setBrush(PanelColors(option.palette).groove);
     const QRectF thumb = handle.adjusted(2, 2, -2, -2);
@@ -147,9 +149,8 @@ void paintScrollBar(QPainter& painter, const QStyleOptionSlider& option, const Q
     painter.restore();
 }
 
-} // namespace
-
-QPalette panelPalette(const PanelLook& look, bool isHUD) {
+/// Returns the application's palette, unless its texts are not legible on the panel.
+QPalette legiblePalette(const PanelLook& look, bool isHUD) {
     QPalette dark = palette(gray(0x26), Qt::white);
     if (isHUD)
         return dark;
@@ -161,6 +162,17 @@ QPalette panelPalette(const PanelLook& look, bool isHUD) {
     if (needsDark == isDark(application.window().color()))
         return application;
     return needsDark ? dark : palette(gray(0xec), Qt::black);
+}
+
+} // namespace
+
+QPalette panelPalette(const PanelLook& look, bool isHUD) {
+    QPalette result = legiblePalette(look, isHUD);
+    // Qt derives one that is invisible on dark backgrounds.
+    QColor placeholder = result.color(QPalette::Disabled, QPalette::Text);
+    placeholder.setAlphaF(placeholder.alphaF() * float(kPlaceholderOpacity));
+    result.setColor(QPalette::Disabled, QPalette::PlaceholderText, placeholder);
+    return result;
 }
 
 PanelColors::PanelColors(const QPalette& palette)

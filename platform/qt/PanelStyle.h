@@ -12,6 +12,8 @@ namespace platform::qt {
 
 inline constexpr double kPanelControlRadius = 4; ///< of the corners, in points
 inline constexpr double kSliderHandleSide = 14;  ///< points
+/// Of what is disabled and has no colour for that.
+inline constexpr double kPanelDisabledOpacity = 0.4;
 
 /// Returns the palette for the controls of a panel: white on dark for HUD panels; otherwise the
 /// application's, or if the background is a colour on which that is not legible, one for dark or

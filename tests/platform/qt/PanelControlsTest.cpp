@@ -21,6 +21,7 @@
 #include <QTest>
 #include <QWheelEvent>
 
+#include <cmath>
 #include <map>
 
 using namespace platform;
@@ -353,6 +354,26 @@ TEST_F(PanelControls, DrawTemplateImagesInTheColourOfTheirText) {
     list->setEnabled(false);
     EXPECT_EQ(pixel(*list, first), palette.color(QPalette::Disabled, QPalette::Text));
     EXPECT_NE(pixel(*disabled, center), pixel(*button, center)) << "paler";
+}
+
+TEST(PanelPalettes, HaveLegibleTextsOnEveryGround) {
+    const QPalette before = QApplication::palette();
+    for (const int application : {0x20, 0xf0}) {
+        QPalette desktop(QColor(application, application, application));
+        desktop.setColor(QPalette::Disabled, QPalette::Text, QColor(0x8a, 0x8a, 0x8d));
+        QApplication::setPalette(desktop);
+        for (const double ground : {0.1, 0.9}) {
+            const QPalette palette =
+                qt::panelPalette({.backgroundColor = calibratedWhite(ground)}, false);
+            for (const auto group : {QPalette::Active, QPalette::Disabled})
+                for (const auto role : {QPalette::Text, QPalette::PlaceholderText}) {
+                    const QColor color = palette.color(group, role);
+                    const double contrast = std::abs(color.lightnessF() - ground) * color.alphaF();
+                    EXPECT_GT(contrast, 0.15) << application << ' ' << ground << ' ' << role;
+                }
+        }
+    }
+    QApplication::setPalette(before);
 }
 
 TEST_F(PanelControls, FollowTabInTheOrderOfAdditionAndCanBeRemoved) {
