@@ -1,3 +1,4 @@
+#include "extras/hxWirelessMenu/WirelessMenu.h"
 #include "extras/hxWirelessMenu/WirelessIcons.h"
 #include "extras/hxWirelessMenu/WirelessTexts.h"
 #include "identifiers/ExportedIdentifiers.h"
@@ -14,11 +15,14 @@
 
 using namespace platform;
 using namespace std::chrono_literals;
+using extras::WirelessMenu;
 using testing::Contains;
 using testing::ElementsAre;
 using testing::ElementsAreArray;
 using testing::IsEmpty;
 using testing::Not;
+
+HALVEX_MENU_EXTRA(WirelessMenu)
 
 namespace {
 
@@ -51,7 +55,7 @@ WirelessStatus status(std::vector<WirelessAdapter> adapters) {
     return {.isReady = true, .canChange = true, .isRadioOn = true, .adapters = std::move(adapters)};
 }
 
-class WirelessMenu : public testing::Test {
+class WirelessMenuTest : public testing::Test {
   protected:
     void start() {
         ASSERT_TRUE(item.load("WirelessMenu", {{"CFBundleIdentifier", HalvexNetMenuID}}));
@@ -82,7 +86,7 @@ class WirelessMenu : public testing::Test {
     halvextest::ItemUnderTest item;
 };
 
-TEST_F(WirelessMenu, ConnectsToTheSystemAfterTheFirstPicture) {
+TEST_F(WirelessMenuTest, ConnectsToTheSystemAfterTheFirstPicture) {
     ASSERT_TRUE(item.load("WirelessMenu", {{"CFBundleIdentifier", HalvexNetMenuID}}));
     EXPECT_FALSE(wireless.isObserved());
     EXPECT_TRUE(item.extra().image()->isTemplate());
@@ -97,7 +101,7 @@ TEST_F(WirelessMenu, ConnectsToTheSystemAfterTheFirstPicture) {
     EXPECT_FALSE(wireless.isObserved());
 }
 
-TEST_F(WirelessMenu, FollowsAdaptersThatComeAndGo) {
+TEST_F(WirelessMenuTest, FollowsAdaptersThatComeAndGo) {
     start();
     struct Row {
         WirelessStatus status;
@@ -112,7 +116,7 @@ TEST_F(WirelessMenu, FollowsAdaptersThatComeAndGo) {
     std::vector<const Image*> symbols;
     for (const auto& [now, value, toolTip, header] : std::vector<Row>{
              {status({}), "no wireless adapter", "No wireless adapter", "(No wireless adapter)"},
-             {off, "off", "Not ready", "(Wireless is off)"},
+             {off, "off", "Wireless is off", "(Wireless is off)"},
              {status({adapter(State::Off)}), "off", "Not ready", "(Not ready)"},
              {status({adapter(State::Disconnected)}), "not connected", "Not connected",
               "(Not connected)"},
@@ -138,7 +142,7 @@ TEST_F(WirelessMenu, FollowsAdaptersThatComeAndGo) {
         << "off and not ready look alike";
 }
 
-TEST_F(WirelessMenu, IsDrawnOnlyWhenItsSymbolOrNetworkChanges) {
+TEST_F(WirelessMenuTest, IsDrawnOnlyWhenItsSymbolOrNetworkChanges) {
     start();
     show(State::Connected, network("Home", 60));
     for (const auto& [current, strength, isDrawn] : std::vector<std::tuple<const char*, int, bool>>{
@@ -150,7 +154,7 @@ TEST_F(WirelessMenu, IsDrawnOnlyWhenItsSymbolOrNetworkChanges) {
     }
 }
 
-TEST_F(WirelessMenu, ListsEachNetworkOnceWithTheStrongestFirst) {
+TEST_F(WirelessMenuTest, ListsEachNetworkOnceWithTheStrongestFirst) {
     struct Row {
         const char* reason;
         std::vector<WirelessNetwork> networks;
@@ -185,7 +189,7 @@ TEST_F(WirelessMenu, ListsEachNetworkOnceWithTheStrongestFirst) {
     EXPECT_THAT(item.menuTitles(), Not(Contains("(Networks)")));
 }
 
-TEST_F(WirelessMenu, ShowsStrengthAndLock) {
+TEST_F(WirelessMenuTest, ShowsStrengthAndLock) {
     start();
     show(State::Disconnected);
     networks();
@@ -196,7 +200,7 @@ TEST_F(WirelessMenu, ShowsStrengthAndLock) {
     EXPECT_EQ(entry("Home")->toolTip(), "Security: WPA2");
 }
 
-TEST_F(WirelessMenu, ListsManyNetworksInASubmenu) {
+TEST_F(WirelessMenuTest, ListsManyNetworksInASubmenu) {
     start();
     std::vector<WirelessNetwork> many;
     for (int i = 0; i < 30; ++i)
@@ -211,7 +215,7 @@ TEST_F(WirelessMenu, ListsManyNetworksInASubmenu) {
     EXPECT_EQ(wireless.calls.back(), "connect wlan0 Net 29");
 }
 
-TEST_F(WirelessMenu, NetworksKeepTheirPlacesWhileTheMenuIsOpen) {
+TEST_F(WirelessMenuTest, NetworksKeepTheirPlacesWhileTheMenuIsOpen) {
     start();
     show(State::Disconnected);
     item.extra().menuWillOpen();
@@ -227,7 +231,7 @@ TEST_F(WirelessMenu, NetworksKeepTheirPlacesWhileTheMenuIsOpen) {
     EXPECT_THAT(networks(), ElementsAre("New", "Home", "Café"));
 }
 
-TEST_F(WirelessMenu, ShowsTheConnectionAndCopiesItsValues) {
+TEST_F(WirelessMenuTest, ShowsTheConnectionAndCopiesItsValues) {
     start();
     WirelessAdapter connected = adapter(State::Connected, kHome, {});
     connected.addresses = {"192.168.1.20", "fe80::1", "2001:db8::7"};
@@ -250,7 +254,7 @@ TEST_F(WirelessMenu, ShowsTheConnectionAndCopiesItsValues) {
                 ElementsAre("scan", "scan", "disconnect wlan0", "scan", "disconnect wlan0"));
 }
 
-TEST_F(WirelessMenu, SwitchesTheAdaptersOnAndOff) {
+TEST_F(WirelessMenuTest, SwitchesTheAdaptersOnAndOff) {
     start();
     show(State::Disconnected);
     EXPECT_TRUE(item.choose("Turn Wireless Off"));
@@ -266,7 +270,7 @@ TEST_F(WirelessMenu, SwitchesTheAdaptersOnAndOff) {
     EXPECT_FALSE(item.choose("Turn Wireless On")) << "the system takes no requests";
 }
 
-TEST_F(WirelessMenu, ConnectsAndShowsWhatFailed) {
+TEST_F(WirelessMenuTest, ConnectsAndShowsWhatFailed) {
     start();
     const auto failure = [&](const char* name) {
         item.menuTitles();
@@ -300,7 +304,7 @@ TEST_F(WirelessMenu, ConnectsAndShowsWhatFailed) {
     EXPECT_EQ(failure("Home"), "") << "the user has stopped it";
 }
 
-TEST_F(WirelessMenu, NetworksThatCannotBeJoinedHereAreLeftToTheSettings) {
+TEST_F(WirelessMenuTest, NetworksThatCannotBeJoinedHereAreLeftToTheSettings) {
     start();
     applications.installed = {{.identifier = "nm-connection-editor.desktop"}};
     const auto campus = network("Campus", 50, Security::Enterprise);
@@ -315,7 +319,7 @@ TEST_F(WirelessMenu, NetworksThatCannotBeJoinedHereAreLeftToTheSettings) {
     EXPECT_THAT(item.menuTitles(), Not(Contains("Disconnect")));
 }
 
-TEST_F(WirelessMenu, OpensTheSettingsOfTheRunningDesktop) {
+TEST_F(WirelessMenuTest, OpensTheSettingsOfTheRunningDesktop) {
     struct Row {
         Strings installed;
         const char* desktop;
@@ -341,7 +345,7 @@ TEST_F(WirelessMenu, OpensTheSettingsOfTheRunningDesktop) {
     EXPECT_EQ(entry("Network Settings…")->subtitle(), "No settings program is installed");
 }
 
-TEST_F(WirelessMenu, ShowsOtherAdaptersInSubmenus) {
+TEST_F(WirelessMenuTest, ShowsOtherAdaptersInSubmenus) {
     start();
     auto second = adapter(State::Disconnected, {}, {kCafe});
     second.interface = "wlan1";
@@ -353,7 +357,7 @@ TEST_F(WirelessMenu, ShowsOtherAdaptersInSubmenus) {
     EXPECT_EQ(wireless.calls.back(), "connect wlan1 Café");
 }
 
-TEST_F(WirelessMenu, ShowsATitleIfThePreferencesSaySo) {
+TEST_F(WirelessMenuTest, ShowsATitleIfThePreferencesSaySo) {
     start();
     auto settings = item.preferences[appHalvex4Prefs];
     show(State::Connected, network("A network with a long näme", 70));
