@@ -55,7 +55,7 @@ std::string strengthText(int percent) {
 std::string securityText(WirelessSecurity security) {
     switch (security) {
     case WirelessSecurity::None:
-        return tr("None");
+        return tr("security", "None");
     case WirelessSecurity::EnhancedOpen:
         return tr("Enhanced Open");
     case WirelessSecurity::WEP:
