@@ -21,6 +21,11 @@ std::string networkOf(const WirelessAdapter& adapter) {
     return networkName(adapter.network.value_or(WirelessNetwork{}));
 }
 
+/// Whether the system says which network it is.
+bool isNamed(const WirelessAdapter& adapter) {
+    return adapter.network && !adapter.network->ssid.empty();
+}
+
 } // namespace
 
 std::string networkName(const WirelessNetwork& network) {
@@ -79,7 +84,8 @@ std::string stateText(const WirelessAdapter& adapter) {
     case WirelessState::Disconnected:
         return tr("Not connected");
     case WirelessState::Connecting:
-        return fill(tr("Connecting to %1…"), {networkOf(adapter)});
+        return isNamed(adapter) ? fill(tr("Connecting to %1…"), {networkOf(adapter)})
+                                : tr("Connecting…");
     case WirelessState::Connected:
         break;
     }
@@ -95,7 +101,8 @@ std::string spokenState(const WirelessAdapter* adapter) {
     case WirelessState::Disconnected:
         return tr("not connected");
     case WirelessState::Connecting:
-        return fill(tr("connecting to %1"), {networkOf(*adapter)});
+        return isNamed(*adapter) ? fill(tr("connecting to %1"), {networkOf(*adapter)})
+                                 : tr("connecting");
     case WirelessState::Connected:
         break;
     }

@@ -122,6 +122,7 @@ TEST_F(WirelessMenuTest, FollowsAdaptersThatComeAndGo) {
               "(Not connected)"},
              {status({adapter(State::Connecting, kHome)}), "connecting to Home",
               "Connecting to Home…", "(Connecting to Home…)"},
+             {status({adapter(State::Connecting)}), "connecting", "Connecting…", "(Connecting…)"},
              {status({fast}), "connected to Home, 70 percent", "Home, 70%, 1.3 Gbit/s",
               "(Connected to Home)"},
              {status({fast, second}), "connected to Café, 90 percent", "Café, 90%",
