@@ -74,7 +74,7 @@ void Expansion::addRepetitions(Event& event, sys_days from, sys_days to) {
     for (const Moment& moment : repetition.added)
         if (moment.day >= from && moment.day <= to)
             starts_.push_back(moment);
-    std::ranges::sort(starts_);
+    std::sort(starts_.begin(), starts_.end());
     starts_.erase(std::unique(starts_.begin(), starts_.end()), starts_.end());
     if (!repetition.excluded.empty())
         removeExcluded(repetition.excluded);

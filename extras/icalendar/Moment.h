@@ -7,6 +7,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <tuple>
 #include <vector>
 
 namespace extras::icalendar {
@@ -20,7 +21,11 @@ struct Moment {
     std::uint32_t zone = 0;        ///< an index of Zones::names
 
     bool hasTime() const { return second != kNoTime; }
-    friend auto operator<=>(const Moment&, const Moment&) = default;
+    friend bool operator==(const Moment&, const Moment&) = default;
+    friend bool operator<(const Moment& left, const Moment& right) {
+        return std::tie(left.day, left.second, left.zone) <
+               std::tie(right.day, right.second, right.zone);
+    }
 };
 
 /// The time zones that a calendar refers to.
