@@ -138,7 +138,6 @@ void WarningKeeper::post(UserNotification notification, const Instants& instants
     const std::string key = notification.key;
     notification.observer = self_;
     notification.eventHandler = [this, key](UserNotificationEvent event) { handle(key, event); };
-    rung_.insert(instants.begin(), instants.end());
     for (const auto& [identifier, instant] : instants)
         rung_[identifier] = std::max(rung_[identifier], instant);
     if (!platform::userNotifications().post(notification))

@@ -35,13 +35,19 @@ TEST_F(WarningKeeper, RingsEachWarningAtItsTimeOnly) {
 }
 
 TEST_F(WarningKeeper, WakesUpOnlyWhenAWarningIsDue) {
-    const Program program;
+    Program program;
     EXPECT_THAT(timers.running(), IsEmpty());
     set("hour", "every hour");
     EXPECT_TRUE(loop.runUntil([&] { return !timers.running().empty(); }, 5s));
     ASSERT_EQ(timers.running().size(), 2U);
     EXPECT_EQ(timers.running().at(0)->instant, kNoon + 3600);
     EXPECT_EQ(timers.running().at(1)->due, 1802s) << "only if the clock is set back";
+    moveTo(60);
+    moveTo(120);
+    EXPECT_THAT(shown(), ElementsAre("hour")) << "the second one replaces the first";
+    takeShown();
+    warnings::WarningStore().remove({program.store.warnings().at(0).identifier});
+    EXPECT_TRUE(loop.runUntil([&] { return timers.running().empty(); }, 5s));
 }
 
 TEST_F(WarningKeeper, ReportsTogetherAndOnceWhatWasMissedDuringSuspendOrWithoutAProgram) {
