@@ -110,6 +110,8 @@ TEST(ConvertRange, FindsATypedTime) {
         std::optional<std::int64_t> instant;
     };
     for (const auto& [zone, now, current, time, instant] : std::vector<Row>{
+             {kBerlin, spring, spring, {0, 0}, utc(2026, 3, 27, 23)},
+             {kBerlin, spring, utc(2026, 3, 29, 22), {0, 0}, utc(2026, 3, 29, 22)},
              {kBerlin, spring, spring, {1, 30}, utc(2026, 3, 28, 0, 30)},
              {kBerlin, spring, spring + 24 * kHour, {1, 30}, utc(2026, 3, 29, 0, 30)},
              {kBerlin, spring, spring + 24 * kHour, {2, 0}, std::nullopt},
@@ -138,6 +140,7 @@ TEST(ConvertRange, MarksTheHoursThatTheClocksShow) {
     };
     EXPECT_THAT(hours(utc(2026, 3, 29, 12)), ElementsAre(0, 1, 3, 4, 5));
     EXPECT_THAT(hours(utc(2026, 10, 25, 12)), ElementsAre(0, 1, 2, 2, 3));
+    EXPECT_THAT(ConvertRange(ZoneRules(), 0).middles(), ElementsAre(12 * kHour, 36 * kHour));
 }
 
 class ConvertPanelTest : public testing::Test {
@@ -299,8 +302,10 @@ TEST_F(ConvertPanelTest, CopiesTheTimes) {
     type("15");
     EXPECT_EQ(control<Label>(1)->text(), "");
 
+    control<ListBox>()->userDidSelect(3);
     writeLocations({"Antarctica/McMurdo", "Europe/Berlin"});
     EXPECT_TRUE(loop.runUntil([&] { return details().size() == 3; }, std::chrono::seconds(5)));
+    EXPECT_EQ(control<ListBox>()->selectedRow(), 2U);
     copy->performClick();
     EXPECT_EQ(pasteboard.text, "McMurdo 03:00 +1, Berlin 15:00") << "the local zone once";
 }

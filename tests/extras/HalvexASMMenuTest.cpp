@@ -88,7 +88,7 @@ TEST_F(HalvexASMMenu, ShowsTheActiveApplicationAsItsIconOrName) {
     for (const auto& [shows, width, name, image, title] :
          std::vector<Row>{{"icon", 160, "Editor", icon, ""},
                           {"icon", 160, "Shell", nullptr, "Shell"},
-                          {"name", 160, "Editor", nullptr, "Editor"},
+                          {"name", 1000, "Editor", nullptr, "Editor"},
                           {"both", 160, "Editor", icon, "Editor"},
                           {"name", 42, "Editor", nullptr, "Editor"},
                           {"name", 41, "Editor", nullptr, "Ed…"},
@@ -145,15 +145,15 @@ TEST_F(HalvexASMMenu, ListsApplicationsInOrderOfUse) {
     flashing.windows.front().needsAttention = true;
     applications.setRunning({active(running("Editor")), hidden(running("Mail")), flashing,
                              running("Twin", {"A"}), hidden(running("Copy", {"", "B"})),
-                             running("Same", {"A"})});
+                             running("Same", {"A"}), running("Blank", {""})});
     auto all = applications.running();
-    all[4].name = all[5].name = "Twin";
+    all[4].name = all[5].name = all[6].name = "Twin";
     applications.setRunning(all);
     item.extra().menuWillOpen();
-    EXPECT_THAT(shown(),
-                ElementsAre("*Editor", "Mail | hidden", "Alarm | needs attention",
-                            "Twin / Twin.desktop", "Twin / B | hidden", "Twin / Same.desktop",
-                            "Add Editor to Favourites", "Hide Others", "Show All"));
+    EXPECT_THAT(shown(), ElementsAre("*Editor", "Mail | hidden", "Alarm | needs attention",
+                                     "Twin / Twin.desktop", "Twin / B | hidden",
+                                     "Twin / Same.desktop", "Twin / Blank.desktop",
+                                     "Add Editor to Favourites", "Hide Others", "Show All"));
     EXPECT_EQ(entry("Editor")->image(), icon);
     EXPECT_NE(entry("Mail")->image(), nullptr) << "names line up";
 }
@@ -232,10 +232,11 @@ TEST_F(HalvexASMMenu, KeepsThePlacesOfApplicationsWhileTheMenuIsOpen) {
     applications.setRunning({active(shell), mail});
     EXPECT_THAT(shown(), ElementsAre("Mail", "*Shell", "Add Shell to Favourites", "Hide Others"));
     item.extra().menuDidClose();
-    applications.setRunning({active(editor)});
+    applications.setRunning({active(editor), shell});
     EXPECT_EQ(shown().front(), "Mail") << "a closed menu costs nothing";
     item.extra().menuWillOpen();
-    EXPECT_THAT(shown(), ElementsAre("*Editor", "Add Editor to Favourites"));
+    EXPECT_THAT(shown(),
+                ElementsAre("*Editor", "Shell", "Add Editor to Favourites", "Hide Others"));
 }
 
 TEST_F(HalvexASMMenu, OffersTheFavouritesThatAreNotRunning) {
@@ -252,6 +253,7 @@ TEST_F(HalvexASMMenu, OffersTheFavouritesThatAreNotRunning) {
     EXPECT_EQ(std::ranges::count(item.log.take(), "cannot show the favourite Missing.desktop: "
                                                   "there is no desktop entry with this name"),
               1);
+    EXPECT_EQ(entry("Mail")->toolTip(), "A program");
     EXPECT_TRUE(item.choose("Shell"));
     EXPECT_THAT(applications.requests, ElementsAre("launch Shell.desktop"));
     EXPECT_EQ(entry("Remove Mail from Favourites")->alternateModifiers(), kControlKeyMask);
