@@ -177,6 +177,14 @@ TEST_F(WirelessMenuTest, ListsEachNetworkOnceWithTheStrongestFirst) {
               {kCafe, network("Home", 95, Security::None), kHome},
               {},
               {"Home", "Café"}},
+             {"with the highest strength of all",
+              {kCafe, kHome, network("Home", 95, Security::None)},
+              {},
+              {"Home", "Café"}},
+             {"one that is known and one that is visible",
+              {kCafe, network("Home", 0, Security::WPA, true), network("Home", 95)},
+              {},
+              {"Home", "Café"}},
              {"malformed names", {blank, odd, {}}, {}, {"Unnamed network", "\uFFFDx"}},
              {"known ones that are not visible in a submenu",
               {kCafe, network("Office", 0)},
@@ -199,6 +207,9 @@ TEST_F(WirelessMenuTest, ShowsStrengthAndLock) {
     EXPECT_NE(entry("Home")->image(), entry("Café")->image());
     EXPECT_TRUE(entry("Home")->image()->isTemplate());
     EXPECT_EQ(entry("Home")->toolTip(), "Security: WPA2");
+    wireless.show(status({adapter(State::Connected, network("Home", 9, Security::None), {kHome})}));
+    networks();
+    EXPECT_EQ(entry("Home")->trailingImage(), nullptr) << "the open one is connected";
 }
 
 TEST_F(WirelessMenuTest, ListsManyNetworksInASubmenu) {
@@ -303,6 +314,10 @@ TEST_F(WirelessMenuTest, ConnectsAndShowsWhatFailed) {
     EXPECT_TRUE(item.choose("Stop Connecting"));
     show(State::Disconnected);
     EXPECT_EQ(failure("Home"), "") << "the user has stopped it";
+    EXPECT_TRUE(item.choose("Home"));
+    for (const State state : {State::Connecting, State::Off, State::Disconnected})
+        show(state, state == State::Connecting ? std::optional(kHome) : std::nullopt);
+    EXPECT_EQ(failure("Home"), "") << "the adapter was off";
 }
 
 TEST_F(WirelessMenuTest, NetworksThatCannotBeJoinedHereAreLeftToTheSettings) {
