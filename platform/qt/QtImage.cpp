@@ -29,6 +29,7 @@ QImage readImage(const QString& path) {
     QImage image;
     if (!reader.read(&image) || image.isNull())
         return fail(reader.errorString());
+    image.setDevicePixelRatio(1); // not 2 because the name contains "@2x"
     return image.convertToFormat(kFormat);
 }
 

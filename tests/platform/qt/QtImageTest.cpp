@@ -40,19 +40,22 @@ void draw(Canvas& canvas, const platform::Image& image, const Rect& destination,
 
 } // namespace
 
-TEST(QtImage, LoadsItsSiblingsAndDrawsThePixelsForTheScale) {
+class QtImageNamed : public testing::TestWithParam<const char*> {};
+
+TEST_P(QtImageNamed, LoadsItsSiblingsAndDrawsThePixelsForTheScale) {
     const test::TemporaryFolder folder;
-    const QString base = QString::fromStdString(folder.file("a.b"));
+    const QString base = QString::fromStdString(folder.file(GetParam()));
     ASSERT_TRUE(plain(5, 4, Qt::red).save(base + ".png"));
     ASSERT_TRUE(plain(10, 8, Qt::green).save(base + "@2x.png"));
     ASSERT_TRUE(plain(15, 12, Qt::blue).save(base + "@3x.png"));
     platform::qt::QtGraphics graphics;
-    const auto image = graphics.imageWithContentsOfFile(folder.file("a.b.png"));
+    const auto image = graphics.imageWithContentsOfFile((base + ".png").toStdString());
     ASSERT_TRUE(image);
     EXPECT_EQ(image->size(), (platform::Size{5, 4}));
     EXPECT_EQ(QtImage(plain(39, 20, Qt::red), 2.5).size(), (platform::Size{15.6, 8}));
     for (const auto& [scale, stretch, color] : {std::tuple{0.5, 1, Qt::red},
                                                 {1.25, 1, Qt::green},
+                                                {2.0, 1, Qt::green},
                                                 {4.0, 1, Qt::blue},
                                                 {1.0, 2, Qt::green}}) {
         Canvas canvas(10, 8, scale);
@@ -62,6 +65,9 @@ TEST(QtImage, LoadsItsSiblingsAndDrawsThePixelsForTheScale) {
         EXPECT_NEAR(canvas.coverage(), 20 * scale * scale * stretch * stretch, 0.1) << scale;
     }
 }
+
+// Qt interprets "@2x" itself, but only in a name without a dot before it.
+INSTANTIATE_TEST_SUITE_P(, QtImageNamed, testing::Values("a.b", "ab"));
 
 TEST(QtImage, IsNullAndLoggedIfTheFileCannotBeRead) {
     test::RecordingLog log;
