@@ -1,6 +1,9 @@
 #include "extras/HalvexDateCalMenu/CalendarStyle.h"
 
 #include "platform/Appearance.h"
+#include "ui/Theme.h"
+
+#include <utility>
 
 #include <cmath>
 
@@ -43,6 +46,25 @@ void setFonts(CalendarStyle& style) {
     style.details = {kMenuFont, 12, false};
 }
 
+void applyColors(CalendarStyle& style, const ui::Theme& theme) {
+    const std::pair<const char*, Color*> colors[] = {
+        {"Text", &style.text},           {"SecondaryText", &style.secondaryText},
+        {"Weekend", &style.weekendText}, {"Dimmed", &style.dimmedText},
+        {"Separator", &style.separator}, {"Hover", &style.hover},
+        {"Today", &style.today},         {"TodayText", &style.todayText},
+        {"Selection", &style.selection}, {"SelectionEdge", &style.selectionEdge},
+        {"Event", &style.event},         {"Holiday", &style.holiday},
+    };
+    for (const auto& [name, color] : colors)
+        *color = theme.color(name, *color);
+}
+
+void applyFont(CalendarStyle& style, const ui::Theme& theme) {
+    for (Font* font : {&style.heading, &style.weekday, &style.day, &style.todayDay,
+                       &style.weekNumber, &style.title, &style.details})
+        *font = theme.font(*font);
+}
+
 } // namespace
 
 CalendarStyle currentCalendarStyle() {
@@ -65,6 +87,10 @@ CalendarStyle currentCalendarStyle() {
     style.event = accent;
     style.holiday = isDark ? Color{1, 0.45, 0.42} : Color{0.8, 0.16, 0.16};
     setFonts(style);
+    const auto theme = ui::currentTheme();
+    if (!isStrong) // contrast comes before a theme
+        applyColors(style, *theme);
+    applyFont(style, *theme);
     return style;
 }
 

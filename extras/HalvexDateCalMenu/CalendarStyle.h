@@ -30,8 +30,8 @@ struct CalendarStyle {
     platform::Font details;
 };
 
-/// Returns the style for the current appearance: light or dark, with the user's accent colour and
-/// contrast. Main thread only.
+/// Returns the style for the current appearance: light or dark, with the user's accent colour,
+/// contrast and theme. High contrast ignores the colours of the theme. Main thread only.
 CalendarStyle currentCalendarStyle();
 
 } // namespace extras

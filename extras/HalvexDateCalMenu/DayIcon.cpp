@@ -1,6 +1,7 @@
 #include "extras/HalvexDateCalMenu/DayIcon.h"
 
 #include "platform/Graphics.h"
+#include "ui/TintedImage.h"
 
 #include <array>
 #include <string_view>
@@ -103,9 +104,12 @@ void drawPage(GraphicsContext& context, int day) {
 
 } // namespace
 
-std::shared_ptr<Image> dayIcon(int day) {
-    return graphics().templateImage(graphics().imageByDrawing(
-        kPage, [day](GraphicsContext& context) { drawPage(context, day); }));
+std::shared_ptr<Image> dayIcon(int day, const std::optional<Color>& color) {
+    const auto page = graphics().imageByDrawing(
+        kPage, [day](GraphicsContext& context) { drawPage(context, day); });
+    if (!page || !color)
+        return graphics().templateImage(page);
+    return HalvexTintedImage::tintedImageWithColor(*page, *color, CompositingOperation::SourceAtop);
 }
 
 } // namespace extras

@@ -16,6 +16,7 @@
 #include "platform/Pasteboard.h"
 #include "platform/widgets/MenuExtraPlugIn.h"
 #include "prefs/HalvexPrefsTools.h"
+#include "ui/Theme.h"
 
 #include <chrono>
 #include <memory>
@@ -44,6 +45,7 @@ class HalvexDateCalMenu final : public HalvexMenuExtraBase {
         extras::bindTexts(*bundle);
         const Preferences preferences = menubar::preferencesOf(bundle);
         reader_ = std::make_unique<extras::CalendarSettingsReader>(preferences);
+        themeWatch_ = ui::onThemeChange([this] { applyTheme(); });
         createMenu();
         applySettings();
         preferencesWatch_ = preferences.onChange([this](const auto&) { applySettings(); });
@@ -68,6 +70,7 @@ class HalvexDateCalMenu final : public HalvexMenuExtraBase {
         ticks_.reset();
         preferencesWatch_.reset();
         appearanceWatch_.reset();
+        themeWatch_.reset();
         calendarsWatch_.reset();
         HalvexMenuExtraBase::willUnload();
     }
@@ -132,6 +135,12 @@ class HalvexDateCalMenu final : public HalvexMenuExtraBase {
                            .rightToLeft = extras::isRightToLeft()});
     }
 
+    void applyTheme() {
+        iconDay_ = 0;
+        update();
+        month_->updateStyle();
+    }
+
     void update() {
         using Title = extras::CalendarSettings::Title;
         const std::tm now = systemClock().localTime(systemClock().now());
@@ -155,7 +164,8 @@ class HalvexDateCalMenu final : public HalvexMenuExtraBase {
     void showIcon(int day) {
         if (std::exchange(iconDay_, day) == day)
             return;
-        setImage(day == 0 ? nullptr : extras::dayIcon(day));
+        setImage(day == 0 ? nullptr
+                          : extras::dayIcon(day, ui::currentTheme()->color("CalendarIcon")));
         view_->setNeedsDisplay(true);
     }
 
@@ -198,6 +208,7 @@ class HalvexDateCalMenu final : public HalvexMenuExtraBase {
     std::unique_ptr<extras::CalendarSettingsReader> reader_;
     std::unique_ptr<Watch> preferencesWatch_;
     std::unique_ptr<Watch> appearanceWatch_;
+    std::unique_ptr<Watch> themeWatch_;
     std::unique_ptr<Watch> ticks_;
     sys_days today_ = sys_days::min();
     int iconDay_ = 0; ///< 0 if the icon is not shown

@@ -3,6 +3,7 @@
 #include "platform/Graphics.h"
 #include "platform/Operation.h"
 #include "platform/widgets/MenuExtra.h"
+#include "ui/Theme.h"
 
 #include <algorithm>
 #include <cmath>
@@ -23,8 +24,16 @@ Size sizeOf(std::string text, const TextAttributes& attributes) {
 } // namespace
 
 ClockLook clockLook() {
-    return {.upper = {.font = Font{"", kUpperFontSize, false}},
-            .lower = {.font = Font{"", kLowerFontSize, false}}};
+    const auto theme = ui::currentTheme();
+    const auto color = theme->color("Title");
+    ClockLook look{
+        .title = {.foregroundColor = color},
+        .upper = {.font = theme->font({"", kUpperFontSize, false}),
+                  .foregroundColor = theme->color("SecondLine")},
+        .lower = {.font = theme->font({"", kLowerFontSize, false}), .foregroundColor = color}};
+    if (const Font font = theme->font(); font != Font())
+        look.title.font = font;
+    return look;
 }
 
 void ClockView::setColumns(std::vector<TitleColumn> columns) {

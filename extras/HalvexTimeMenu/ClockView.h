@@ -21,7 +21,8 @@ struct ClockLook {
     platform::TextAttributes lower{};
 };
 
-/// Returns the fonts and colours of the clock. Unset attributes are those of the bar.
+/// Returns the fonts and colours of the clock, with those of the user's theme. Unset attributes are
+/// those of the bar.
 ClockLook clockLook();
 
 /// The clock in the bar: its title, or columns of two lines in small text. Main thread only.

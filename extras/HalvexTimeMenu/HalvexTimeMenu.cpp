@@ -15,6 +15,7 @@
 #include "platform/Timers.h"
 #include "platform/widgets/MenuExtraPlugIn.h"
 #include "prefs/HalvexPrefsTools.h"
+#include "ui/Theme.h"
 
 #include <map>
 #include <memory>
@@ -43,6 +44,7 @@ class HalvexTimeMenu final : public ClockItem {
         if (bundle)
             extras::bindTexts(*bundle);
         settings_ = menubar::preferencesOf(bundle);
+        themeWatch_ = ui::onThemeChange([this] { applyTheme(); });
         worldClocks_.emplace([this] { locationsChanged(); });
         if (extras::WorldClocks::exist())
             title_.setLocations(worldClocks_->list());
@@ -65,6 +67,7 @@ class HalvexTimeMenu final : public ClockItem {
     void willUnload() override {
         startTimer_.reset();
         settingsWatch_.reset();
+        themeWatch_.reset();
         locationMenu_.reset();
         worldClockMenu_.reset();
         worldClocks_.reset();
@@ -172,6 +175,13 @@ class HalvexTimeMenu final : public ClockItem {
         refresh();
     }
 
+    void applyTheme() {
+        worldClockMenu_->reloadSymbols();
+        reloadFormat();
+        recalWidth();
+        view_->setNeedsDisplay(true);
+    }
+
     void setShowsUTC(bool shows) {
         if (std::exchange(title_.showsUTC, shows) != shows)
             updateTitle(systemClock().now());
@@ -227,6 +237,7 @@ class HalvexTimeMenu final : public ClockItem {
 
     Preferences settings_;
     std::unique_ptr<Watch> settingsWatch_;
+    std::unique_ptr<Watch> themeWatch_;
     std::map<std::string, std::string> refusedFormats_; // by key, logged
     std::unique_ptr<Watch> startTimer_;
     std::optional<extras::WorldClocks> worldClocks_; // until the item is unloaded, as the menus

@@ -9,6 +9,7 @@
 #include "platform/Pasteboard.h"
 #include "platform/TimeZones.h"
 #include "platform/Timers.h"
+#include "ui/Theme.h"
 
 #include <algorithm>
 #include <utility>
@@ -141,8 +142,16 @@ void WorldClockMenu::updateRow(const Row& row, std::int64_t now) {
         row.item->setImage(symbol(*time->isDay));
 }
 
+void WorldClockMenu::reloadSymbols() {
+    sun_.reset();
+    moon_.reset();
+    shown_.reset();
+}
+
 const std::shared_ptr<Image>& WorldClockMenu::symbol(bool isDay) {
     std::shared_ptr<Image>& image = isDay ? sun_ : moon_;
+    if (!image)
+        image = ui::currentTheme()->icon(isDay ? "Day" : "Night");
     if (!image)
         image = isDay ? sunSymbol() : moonSymbol();
     return image;

@@ -25,6 +25,8 @@ class WorldClockMenu {
     /// Shows the times, unless they are still those of the last call; those in the submenu soon
     /// after it.
     void update(std::int64_t now);
+    /// Replaces the symbols of day and night with those of the current theme at the next update.
+    void reloadSymbols();
     /// Returns false for the entry of a location without a usable zone.
     bool isUsable(const platform::MenuItem& item) const { return !unusable_.contains(&item); }
 
