@@ -50,6 +50,15 @@ bool usesTwelveHourTime() {
                        [](char c) { return c == 'r' || c == 'I' || c == 'l' || c == 'p'; });
 }
 
+/// Returns the conversion of the day, with a dot in languages that write ordinal numbers with one.
+std::string dayOfMonth() {
+    const std::string_view date = localeInfo(_DATE_FMT);
+    for (const char* day : {"%-d.", "%d.", "%e."})
+        if (date.find(day) != std::string_view::npos)
+            return "%-d.";
+    return "%-d";
+}
+
 bool putsMonthFirst() {
     const std::string_view date = localeInfo(D_FMT);
     return date.find("%m") < date.find("%d");
@@ -113,7 +122,7 @@ std::string time() {
 }
 
 std::string date() {
-    return putsMonthFirst() ? "%a %b %-d" : "%a %-d %b";
+    return putsMonthFirst() ? "%a %b %-d" : "%a " + dayOfMonth() + " %b";
 }
 
 std::string shortDefault() {
@@ -125,7 +134,7 @@ std::string longDefault() {
 }
 
 std::string fullDate() {
-    return putsMonthFirst() ? "%A, %B %-d, %Y" : "%A, %-d %B %Y";
+    return putsMonthFirst() ? "%A, %B %-d, %Y" : "%A, " + dayOfMonth() + " %B %Y";
 }
 
 std::string fullTime() {

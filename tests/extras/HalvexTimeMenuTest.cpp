@@ -56,6 +56,21 @@ TEST_F(HalvexTimeMenu, ReloadsItsFormatWhenThePreferencesFileChanges) {
     }
 }
 
+TEST_F(HalvexTimeMenu, FollowsTheTheme) {
+    folder.write("Library/Application Support/Themes/Red/Theme.plist",
+                 "<plist version=\"1.0\"><dict><key>Colors</key><dict><key>Light</key><dict>"
+                 "<key>Title</key><string>#ff0000</string></dict></dict><key>Font</key><dict>"
+                 "<key>Family</key><string>Serif</string></dict></dict></plist>");
+    start();
+    const auto attributes = [this] { return extra->attributedTitle()->attributesAt(0); };
+    EXPECT_EQ(attributes(), TextAttributes());
+    writePreferences("<key>Theme</key><string>Red</string>");
+    EXPECT_TRUE(loop.runUntil([&] { return attributes().foregroundColor == Color{1, 0, 0}; }, 5s));
+    EXPECT_EQ(attributes().font, (Font{.family = "Serif"}));
+    writePreferences("");
+    EXPECT_TRUE(loop.runUntil([&] { return attributes() == TextAttributes(); }, 5s));
+}
+
 TEST_F(HalvexTimeMenu, LogsAnUnusableFormatOnceUntilItChanges) {
     const std::string blank = "<key>MenuClockFormat</key><string> </string>";
     const std::string twoLines = "<key>MenuClockTwoLines</key><true/>";

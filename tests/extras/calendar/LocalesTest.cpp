@@ -51,8 +51,8 @@ TEST_P(Locales, DecideAboutWeeksWeekendsDigitsAndTheOrderOfDates) {
 
 INSTANTIATE_TEST_SUITE_P(
     All, Locales,
-    testing::Values(Country{"de_DE", Monday, 4, 0b1000001, "Dienstag, 24 November 2026", "24",
-                            "24 Nov – 3 Dez 2026"},
+    testing::Values(Country{"de_DE", Monday, 4, 0b1000001, "Dienstag, 24. November 2026", "24",
+                            "24. Nov – 3. Dez 2026"},
                     Country{"en_US", Sunday, 1, 0b1000001, "Tuesday, November 24, 2026", "24",
                             "Nov 24 – Dec 3, 2026"},
                     Country{"he_IL", Sunday, 1, 0b1100000, "שלישי, 24 נובמבר 2026", "24",
