@@ -33,8 +33,9 @@ class CalculatorRequest : public testing::Test {
         return fs::read_symlink("/proc/" + std::to_string(process) + "/exe", ignored);
     }
     fs::path pane() const { return bar.home() / "Library/PreferencePanes/Halvex Pro.prefPane"; }
-    void chooseCalculator() const {
+    void chooseCalculator() {
         x.clickAt(test::kAtItem);
+        EXPECT_TRUE(eventually([this] { return bar.picture().height() > 90; })); // the menu is open
         x.act({"key", "Up", "Up", "Return"}); // the last but one entry
     }
     bool isShown() {

@@ -1,5 +1,6 @@
 #include "testing/ItemUnderTest.h"
 #include "testing/ManualApplications.h"
+#include "tests/support/PollingMainThread.h"
 #include "tests/support/ScopedEnvironment.h"
 #include "tests/support/TemporaryFolder.h"
 
@@ -58,6 +59,7 @@ class Calendar : public testing::Test {
                                                     {"XDG_CONFIG_HOME", folder.file("config")},
                                                     {"XDG_DATA_HOME", folder.file("data")},
                                                     {"XDG_DATA_DIRS", folder.file("share")}};
+    test::PollingMainThread mainThread; // of the file watches
     halvextest::ItemUnderTest item;
     halvextest::ManualApplications applications;
     ZonedClock clock{item.clock};
