@@ -116,7 +116,7 @@ void ItemRegistry::start(const std::vector<std::string>& commandLine) {
     loadCommandLine(commandLine);
     loadOwnClockIfEmpty();
     arrange();
-    if (!hasList)
+    if (!hasList && commandLine.empty())
         emit startedWithoutList();
 }
 

@@ -79,7 +79,7 @@ class ItemRegistry final : public QObject, public platform::MenuExtraServer {
     void disabledAfterFailure(const apps::CrashJournal::Note& note);
     /// Emitted by start() if the last three bars exited within ten seconds for an unknown reason.
     void startedWithOwnItemsOnly();
-    /// Emitted by start() if there was no file with a list.
+    /// Emitted by start() if there was no file with a list and the command line named no items.
     void startedWithoutList();
 
   private:
