@@ -20,8 +20,8 @@ QRect windowGeometry(const Rect& frame, int margin, const QRect& screen);
 /// Returns the frame for the window geometry @p window.
 Rect panelFrame(const QRect& window, int margin, const QRect& screen);
 
-/// Returns @p frame, moved to the first of @p screens if the user could not drag it by its title bar
-/// because that is outside of all screens. The first screen is the primary one.
+/// Returns @p frame, moved to the first of @p screens if the user could not drag it by its title
+/// bar because that is outside of all screens. The first screen is the primary one.
 Rect reachableFrame(const Rect& frame, const QList<QRect>& screens);
 
 /// Returns @p frame after dragging @p edges by @p distance. Never makes the frame smaller than

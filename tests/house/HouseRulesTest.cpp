@@ -41,7 +41,8 @@ TEST(HouseRules, TheLibraryNeedsOnlyTheStandardLibraryAndItemsNeedOnlyTheLibrary
 /// Returns a command that prints "file:match" for each match in the product's sources.
 std::string grep(const std::string& pattern) {
     return "cd '" HALVEX_SOURCE_FOLDER "' && grep -rEo --include=*.h --include=*.cpp '" + pattern +
-           "' apps examples extras identifiers menubar menuextras paths platform prefs testing ui warnings";
+           "' apps examples extras identifiers menubar menuextras paths platform prefs testing ui "
+           "warnings";
 }
 
 /// Prints "file header" for each include, with the opening bracket of a system header.
