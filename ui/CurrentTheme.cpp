@@ -26,7 +26,7 @@ std::string chosenName() {
     return preferences(appHalvex4Prefs).string(kThemeKey);
 }
 
-/// Returns the folder of the theme @p name, or that of a new theme of the user if there is none.
+/// Returns the folder of the theme @p name, or where the user would create it.
 std::string folderOf(const std::string& name) {
     const std::vector<std::string> folders = paths::themeFolders();
     for (const std::string& parent : folders) {

@@ -19,7 +19,7 @@ namespace {
 constexpr const char* kIconsFolder = "Icons";
 constexpr const char* kIconTint = "IconTint";
 
-/// Returns the path of the image @p name in @p folder, or an empty path if there is none.
+/// Returns the path of the image @p name in @p folder. Empty if it is missing.
 std::string imagePath(const std::string& folder, std::string_view name) {
     for (const char* ending : {".png", "Template.png"}) {
         std::string path = appendingPathComponent(folder, std::string(name) + ending);

@@ -64,7 +64,7 @@ void WarningKeeper::check() {
     reportIdle();
 }
 
-/// Returns the warnings as they are once rung_ has been recorded.
+/// Returns the warnings that remain once rung_ has been recorded.
 std::vector<Warning> WarningKeeper::unrungWarnings(std::int64_t now) {
     auto warnings = store_.warnings();
     const auto isInFuture = [&](const Warning& one) { return one.since > now + kSetBack; };

@@ -17,7 +17,7 @@ using extras::tr;
 namespace {
 
 /// The application switcher. Its title is the active application; its menu lists those that are
-/// running. Observes the applications as long as it is loaded, because only that keeps the order
+/// running. Observes the applications while it is loaded, because only that keeps the order
 /// of use.
 class HalvexASMMenu final : public HalvexMenuExtraBase {
   public:

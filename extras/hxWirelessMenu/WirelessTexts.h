@@ -20,7 +20,7 @@ std::string securityText(platform::WirelessSecurity security);
 
 /// Returns the state of an adapter as a sentence, such as "Connected to Home".
 std::string stateText(const platform::WirelessAdapter& adapter);
-/// Returns what the bar's icon shows, for screen readers. @p adapter is null if there is none.
+/// Returns what the bar's icon shows, for screen readers. @p adapter is null without one.
 std::string spokenState(const platform::WirelessAdapter* adapter);
 
 } // namespace extras
