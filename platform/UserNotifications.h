@@ -37,8 +37,9 @@ struct UserNotification {
     std::string body{};  ///< plain text; markup is shown literally
     std::string icon{};  ///< a name in the icon theme or an absolute path; empty for none
     std::vector<UserNotificationAction> actions{};
-    /// The sound to play: a name of the freedesktop sound naming scheme, such as "alarm-clock-elapsed",
-    /// or the absolute path of a file. Empty for no sound, std::nullopt for what the desktop plays.
+    /// The sound to play: a name of the freedesktop sound naming scheme, such as
+    /// "alarm-clock-elapsed", or the absolute path of a file. Empty for no sound, std::nullopt for
+    /// what the desktop plays.
     std::optional<std::string> sound{};
     bool staysVisible = false; ///< shown until the user closes it, if the desktop can do that
     /// The object that the handler belongs to, held weakly: the handler is not called after its

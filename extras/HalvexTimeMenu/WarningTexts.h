@@ -33,7 +33,7 @@ std::string shownTimeLeft(std::int64_t instant, std::int64_t now);
 class WarningTexts final : public warnings::WarningPresenter {
   public:
     /// @p clockSettings are the preferences of the clock. The string WarningSound is the sound: a
-    /// name of the sound naming specification, an absolute path, or empty for silence.
+    /// name of the freedesktop sound naming scheme, an absolute path, or empty for silence.
     explicit WarningTexts(platform::Preferences clockSettings);
 
     platform::UserNotification ringing(const warnings::Warning& warning) const override;
