@@ -161,7 +161,8 @@ std::vector<std::string> themeNames() {
             for (const std::string& name :
                  fileManager().contentsOfDirectory(parent).value_or(std::vector<std::string>()))
                 if (ThemeFile::isName(name) &&
-                    fileManager().isFile(parent + '/' + name + '/' + ThemeFile::kName))
+                    fileManager().isFile(appendingPathComponent(
+                        appendingPathComponent(parent, name), ThemeFile::kName)))
                     names.insert(name);
         return std::vector<std::string>(names.begin(), names.end());
     });

@@ -31,7 +31,7 @@ class MonthView final : public MenuExtraView {
         drawCell(text(month_ / 1).substr(0, 7), 3);
         for (int i = 0; i < 7; ++i)
             drawCell(std::string(1, "MTWTFSS"[i]), 7 + i);
-        for (unsigned day = 1; (month_ / day).ok(); ++day)
+        for (int day = 1; (month_ / day).ok(); ++day)
             drawCell(std::to_string(day), cellOf(day), month_ / day == today());
     }
     void mouseDown(const Event& event) override {
@@ -66,7 +66,7 @@ class MonthView final : public MenuExtraView {
         const Size size = graphics().sizeOfText(label);
         graphics().currentContext().drawText(
             label, {(cell % 7 + 0.5) * kCell - size.width / 2,
-                    kSize.height - (cell / 7 + 0.5) * kCell - size.height / 2});
+                    kSize.height - (cell - cell % 7 + 3.5) / 7 * kCell - size.height / 2});
     }
 
     year_month month_{};

@@ -139,8 +139,8 @@ class RowDelegate final : public QStyledItemDelegate {
                            const QStyleOptionViewItem& option, QColor color) {
         const QFontMetrics& metrics = option.fontMetrics;
         const auto alignment = [&](Qt::AlignmentFlag side) {
-            return QStyle::visualAlignment(option.direction, side) | Qt::AlignAbsolute |
-                   Qt::AlignVCenter | Qt::TextSingleLine;
+            const auto flags = QStyle::visualAlignment(option.direction, side) | Qt::AlignAbsolute;
+            return static_cast<int>(flags | Qt::AlignVCenter) | Qt::TextSingleLine;
         };
         QRect rest = area;
         if (!row.detail.empty()) {
