@@ -60,7 +60,7 @@ class MonthView final : public MenuExtraView {
                       unsigned(day.day()));
         return date;
     }
-    int cellOf(unsigned day) const { return int(12 + day + weekday(month_ / 1).iso_encoding()); }
+    int cellOf(int day) const { return 12 + day + int(weekday(month_ / 1).iso_encoding()); }
     static void drawCell(const std::string& string, int cell, bool bold = false) {
         const AttributedString label(string, {.font = Font{.bold = bold}});
         const Size size = graphics().sizeOfText(label);
