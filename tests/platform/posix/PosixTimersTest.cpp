@@ -35,7 +35,7 @@ TEST_F(PosixTimersTest, FireOnceEachAndThenLeaveTheProcessAsleep) {
     const auto second = timers.at(platform::systemClock().now() + 1, [&] { calls += 's'; });
     timers.after(10ms, 0ms, [&] { calls += 'x'; }).reset();
     EXPECT_EQ(calls, "");
-    EXPECT_TRUE(loop.runUntil([&] { return calls.find('s') != std::string::npos; }, 10s));
+    EXPECT_TRUE(loop.runUntil([&] { return calls.size() >= 5; }, 10s));
     EXPECT_GE(std::chrono::steady_clock::now() - start, 0ms);
     EXPECT_THAT(calls, testing::UnorderedElementsAre('0', 'p', 'l', 'a', 's'));
     const int wakeUps = loop.wakeUps();
