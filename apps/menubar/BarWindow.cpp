@@ -9,6 +9,7 @@
 #include <QMouseEvent>
 #include <QPainter>
 #include <QScreen>
+#include <QTimer>
 #include <QWindow>
 
 #include <algorithm>
@@ -17,6 +18,9 @@
 namespace apps {
 namespace {
 
+// When to check that the bar is on the screen: first, and last, in doubling intervals.
+constexpr std::chrono::seconds kFirstCheck{1};
+constexpr std::chrono::seconds kLastCheck{16};
 constexpr int kEdgeMargin = 4; // points between the first item and the edge of the screen
 
 /// Closes the open menu, the innermost submenu first: it would stay where its item was.
@@ -87,6 +91,23 @@ void BarWindow::followScreen() {
     resolutionConnection_ =
         connect(screen, &QScreen::logicalDotsPerInchChanged, this, &BarWindow::dock);
     dock();
+}
+
+void BarWindow::showOnScreen() {
+    show();
+    checkIsShown(kFirstCheck);
+}
+
+void BarWindow::checkIsShown(std::chrono::milliseconds delay) {
+    QTimer::singleShot(delay, this, [this, delay] {
+        if (windowHandle()->isExposed() || delay > kLastCheck)
+            return;
+        hide();
+        X11Dock::makeDock(*windowHandle());
+        show();
+        dock();
+        checkIsShown(2 * delay);
+    });
 }
 
 void BarWindow::dock() {

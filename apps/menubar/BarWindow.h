@@ -2,6 +2,7 @@
 
 #include <QWidget>
 
+#include <chrono>
 #include <vector>
 
 namespace apps {
@@ -25,6 +26,10 @@ class BarWindow final : public QWidget {
     /// Returns the items that have space in the bar, from left to right.
     std::vector<ItemWidget*> visibleItems() const;
 
+    /// Shows the window, and again later if a window manager that was just starting has lost the
+    /// request.
+    void showOnScreen();
+
   signals:
     /// The right button was pressed over a part of the bar without items, @p x points from its left
     /// edge.
@@ -39,6 +44,7 @@ class BarWindow final : public QWidget {
   private:
     void followScreen();
     void dock();
+    void checkIsShown(std::chrono::milliseconds delay);
 
     std::vector<ItemWidget*> items_;
     QMetaObject::Connection geometryConnection_;

@@ -37,7 +37,7 @@ MenuBar::~MenuBar() {
 }
 
 void MenuBar::show() {
-    window_.show();
+    window_.showOnScreen();
 }
 
 void MenuBar::itemAdded(Item& item) {

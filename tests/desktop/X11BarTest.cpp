@@ -192,4 +192,24 @@ TEST(X11Bar, PassesInputToAViewInAMenu) {
     EXPECT_EQ(bar.stop(), 0) << bar.log();
 }
 
+/// As some window managers do while they start.
+TEST(X11Bar, IsShownAgainIfItsFirstRequestIsLost) {
+    const XServer x;
+    const auto root = xcb_setup_roots_iterator(xcb_get_setup(x.connection())).data->root;
+    const std::uint32_t events = XCB_EVENT_MASK_SUBSTRUCTURE_REDIRECT;
+    xcb_change_window_attributes(x.connection(), root, XCB_CW_EVENT_MASK, &events);
+    xcb_flush(x.connection());
+    const BarProcess bar({}, x.settings());
+    int requests = 0;
+    EXPECT_TRUE(eventually([&] {
+        while (const auto event = owned(xcb_poll_for_event(x.connection()))) {
+            const auto* request = reinterpret_cast<xcb_map_request_event_t*>(event.get());
+            if (event->response_type == XCB_MAP_REQUEST && ++requests == 2)
+                xcb_map_window(x.connection(), request->window);
+        }
+        xcb_flush(x.connection());
+        return x.picture().pixel(5, 5) != qRgb(0, 255, 0);
+    })) << requests;
+}
+
 } // namespace
